@@ -1,0 +1,42 @@
+# How the project makes its targets. Every folder lists its own files; this says what the lists become.
+
+# vistrel_library(NAME source...): a static library of the sources given; other folders add theirs with target_sources. Include root is src/.
+function(vistrel_library name)
+  add_library(${name} STATIC ${ARGN})
+  target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
+endfunction()
+
+# vistrel_test(NAME SOURCES file... LIBRARIES library... [LONG]): one GoogleTest program, every case a ctest case.
+# LONG tests carry the label "long" and run by ./check --long only.
+function(vistrel_test name)
+  cmake_parse_arguments(ARG "LONG" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} GTest::gmock_main)
+  if(ARG_LONG)
+    gtest_discover_tests(${name} PROPERTIES LABELS long)
+  else()
+    gtest_discover_tests(${name})
+  endif()
+endfunction()
+
+# vistrel_fuzz(NAME LIBRARIES library...): the fuzz target NAME.cc. With VISTREL_FUZZ it is a libFuzzer program
+# fuzz_NAME; otherwise the same entry point runs over corpus/NAME as a plain test.
+function(vistrel_fuzz name)
+  cmake_parse_arguments(ARG "" "" "LIBRARIES" ${ARGN})
+  add_executable(fuzz_${name} ${name}.cc)
+  target_link_libraries(fuzz_${name} PRIVATE ${ARG_LIBRARIES})
+  if(VISTREL_FUZZ)
+    target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+  else()
+    target_sources(fuzz_${name} PRIVATE replay.cc)
+    add_test(NAME fuzz_${name} COMMAND fuzz_${name} ${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name})
+  endif()
+endfunction()
+
+# vistrel_bench(NAME SOURCES file... LIBRARIES library...): one Google Benchmark program.
+function(vistrel_bench name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} benchmark::benchmark_main)
+endfunction()

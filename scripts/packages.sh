@@ -1,0 +1,31 @@
+# Sourced by ./check and ./preview: makes sure that the Debian packages they need are there.
+
+BUILD_PACKAGES="g++ cmake ninja-build pkg-config libcli11-dev libyaml-cpp-dev libpng-dev qt6-base-dev fonts-dejavu-core"
+TEST_PACKAGES="libgtest-dev libgmock-dev libbenchmark-dev fonts-liberation fonts-urw-base35"
+BENCH_PACKAGES="libcairo2-dev libpixman-1-dev liblua5.4-dev libfreetype-dev libgif-dev"
+
+# require_packages NAME...: installs what is missing, as root or through sudo; otherwise names it and stops.
+require_packages() {
+  missing=""
+  for package in "$@"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing="$missing $package"
+  done
+  [ -n "$missing" ] || return 0
+  if [ "$(id -u)" = 0 ]; then
+    as_root=""
+  elif command -v sudo >/dev/null 2>&1; then
+    as_root="sudo"
+  else
+    echo "These packages are missing; please install them:$missing" >&2
+    exit 1
+  fi
+  echo "Installing:$missing"
+  $as_root env DEBIAN_FRONTEND=noninteractive sh -c \
+    "apt-get update -qq && apt-get install -y -qq --no-install-recommends$missing" >/dev/null
+}
+
+# build_preset NAME: configures and builds one preset of CMakePresets.json.
+build_preset() {
+  cmake --preset "$1" >/dev/null
+  cmake --build --preset "$1"
+}
