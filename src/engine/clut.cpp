@@ -1,0 +1,54 @@
+#include "engine/clut.h"
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+#include "engine/ascii.h"
+#include "engine/core.h"
+#include "engine/display.h"
+#include "host/host.h"
+
+namespace {
+
+constexpr size_t kMaxColors = 240;
+constexpr size_t kTransparentIndex = 237;
+
+std::vector<std::unique_ptr<Clut>> cluts;
+
+uint32_t big32(const uint8_t* p) { return uint32_t(p[0]) << 24 | uint32_t(p[1]) << 16 | uint32_t(p[2]) << 8 | p[3]; }
+
+// One byte that says nothing, then four a colour, big-endian.
+void readColors(HostFile* file, Clut* clut) {
+  std::vector<uint8_t> bytes(hostFileSize(file));
+  bytes.resize(hostRead(file, bytes.data(), bytes.size()));
+  const size_t colors = bytes.empty() ? 0 : (bytes.size() - 1) / 4;
+  clut->count = int(std::min(colors, kMaxColors));
+  for (size_t i = 0; i < size_t(clut->count); ++i) clut->colors[i] = big32(bytes.data() + 1 + i * 4);
+  clut->colors[kTransparentIndex] = 0;
+}
+
+}  // namespace
+
+Clut* clutLoad(const char* fileName) {
+  for (const auto& clut : cluts)
+    if (asciiEqualIgnoringCase(clut->name.c_str(), fileName)) return clut.get();
+  hostLog("Loading CLUT '%s'\n", fileName);
+  HostFile* file = hostOpen(fileName);
+  if (!file) {
+    if (logVerbose) hostLog("Can't find: %s\n", fileName);
+    return nullptr;
+  }
+  auto clut = std::make_unique<Clut>();
+  clut->name = fileName;
+  readColors(file, clut.get());
+  hostClose(file);
+  cluts.push_back(std::move(clut));
+  return cluts.back().get();
+}
+
+void clutActivate(Clut* clut) {
+  if (displaySetColorTable(clut)) hostSetPalette(clut->colors.data(), clut->count);
+}
+
+void clutsFree() { cluts.clear(); }

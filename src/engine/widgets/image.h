@@ -1,0 +1,14 @@
+// A picture, and another one while it is highlighted.
+#pragma once
+
+#include "engine/widget.h"
+
+struct ImageWidget : Widget {
+  using Widget::Widget;
+  int handleEvent(const Event* event) override;
+
+  std::optional<std::string> src;           // image file
+  std::optional<std::string> highlightSrc;  // shown while highlighted; without it a highlighted image shows nothing
+};
+
+Widget* imageWidgetCreate(Frame* frame, Widget* parent, PageObject record);

@@ -1,0 +1,54 @@
+#include "host/console.h"
+
+namespace {
+constexpr int kTrimTrigger = 20000;  // a last line that starts beyond this position is trimmed for
+constexpr int kTrimKeep = 2000;      // the line that holds this position becomes the first
+}  // namespace
+
+void MessageConsole::consolePutChar(char c) {
+  if (c == '\n') consolePutChar('\r');
+  if (pending == buffer.size()) flush();
+  buffer[pending++] = c;
+  if (c == '\n') flush();
+}
+
+void MessageConsole::write(std::string_view text) {
+  for (char c : text) consolePutChar(c);
+}
+
+void MessageConsole::flush() {
+  if (pending == 0) return;
+  trim();
+  edit.replaceSelection({buffer.data(), pending});
+  pending = 0;
+}
+
+void MessageConsole::trim() {
+  if (edit.lineIndex(edit.lineCount() - 1) <= kTrimTrigger) return;
+  const int cut = edit.lineIndex(edit.lineFromChar(kTrimKeep));
+  EditSelection kept = edit.selection();
+  edit.select({0, cut});
+  edit.replaceSelection({});
+  kept.start -= cut;
+  kept.end -= cut;
+  // A selection that began in the part that went selects everything, so the next output replaces it all.
+  if (kept.start < 0) kept = {0, -1};
+  edit.select(kept);
+}
+
+void MessageConsole::enter(const std::function<void()>& breakLine,
+                           const std::function<void(std::string_view)>& evaluate) {
+  EditSelection range = edit.selection();
+  if (range.start != range.end) {
+    edit.select({range.end, range.end});
+  } else {
+    const int caret = range.end;
+    range.start = edit.lineIndex(edit.lineFromChar(caret));
+    range.end = range.start + edit.lineLength(caret);
+    if (range.end > caret) edit.select({range.end, range.end});
+  }
+  breakLine();
+  if (range.end <= range.start) return;
+  const std::string text = edit.text();
+  evaluate(std::string_view(text).substr(size_t(range.start), size_t(range.end - range.start)));
+}

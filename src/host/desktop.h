@@ -1,0 +1,38 @@
+// What a desktop must be able to do for the shell. A backend only moves messages and pixels.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "host/editcontrol.h"
+
+struct DesktopRect {
+  int x, y, w, h;  // pixels
+};
+
+class Desktop {
+ public:
+  virtual ~Desktop() = default;
+
+  // The console window with an empty text control of width x height pixels in it; null when that fails.
+  virtual EditControl* createConsole(const std::string& title, int width, int height) = 0;
+
+  // The screen window with its menu; its pixels are the shell's ScreenSurface.
+  virtual void createScreen(const std::string& title, int width, int height) = 0;
+
+  // The rectangle of the screen window shows old pixels; paint it when there is time.
+  virtual void invalidate(const DesktopRect& rect) = 0;
+
+  // Asks for a page file; nothing when the user cancels. The result is a full path.
+  virtual std::optional<std::string> chooseFile(const std::string& title, const std::string& filterName,
+                                                const std::string& pattern) = 0;
+
+  // What the console wrote, in order and before any trimming.
+  virtual void consoleOutput(char) {}
+
+  virtual uint32_t milliseconds() = 0;  // since the program started
+
+  // Ends the program. Nothing is unloaded or torn down.
+  virtual void quit() = 0;
+};

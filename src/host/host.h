@@ -1,0 +1,46 @@
+// Everything that the rest of the system may ask of the desktop, and nothing else.
+//
+// Each operation is one plain function, carried out by the shell over whatever Desktop the program was started with.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+// ---- the screen
+
+// Makes the screen window, width x height pixels, and the desktop pixels behind it. Called once.
+void hostCreateScreen(int width, int height, int depth);
+
+// Bits per pixel of the frame buffer that hostPresentRect is given from now on: 8, 16 or 32.
+void hostSetDepth(int depth);
+
+// Colours 0xYYRRBBAA of the first `count` palette entries, at most 256. Returns the count.
+int hostSetPalette(const uint32_t* colors, int count);
+
+// Converts the rectangle (pixels, inside the screen) of the frame buffer `source` and has the desktop repaint it.
+void hostPresentRect(const void* source, int x, int y, int w, int h);
+
+// 0xRRGGBBxx to 0xYYRRBB00, `count` colours.
+void hostConvertRgbToYCrCb(const uint32_t* source, uint32_t* destination, int count);
+
+// ---- the message console
+
+// Formats and writes to the console; what goes beyond 2047 bytes is cut. Always 0.
+int hostLog(const char* format, ...) __attribute__((format(printf, 1, 2)));
+void hostPutChar(char c);
+
+// ---- time and files
+
+// Milliseconds since the program started.
+uint32_t hostMilliseconds();
+
+struct HostFile;
+
+// Opens for reading; null when there is no such file. Separators may be '/' or '\', and a name that does not exist as
+// it stands is tried without regard to case, since pages come from a system that had none.
+HostFile* hostOpen(const char* name);
+size_t hostRead(HostFile* file, void* buffer, size_t size);  // the bytes read
+void hostClose(HostFile* file);
+size_t hostTell(HostFile* file);
+size_t hostFileSize(HostFile* file);  // leaves the position alone
+bool hostHasFileSystem();

@@ -1,0 +1,58 @@
+#include "host/screen.h"
+
+#include <algorithm>
+
+#include "host/color.h"
+
+namespace {
+
+// Every 16-bit pixel's desktop colour, worked out once by the exact rule.
+const std::vector<uint32_t>& pixel16Table() {
+  static const std::vector<uint32_t> table = [] {
+    std::vector<uint32_t> colors(65536);
+    for (uint32_t p = 0; p < 65536; ++p) colors[p] = yCrCbToRgb(widenPixel16(uint16_t(p)));
+    return colors;
+  }();
+  return table;
+}
+
+template <class Pixel>
+void convertRow(const Pixel* source, uint32_t* destination, int count, const uint32_t* colors) {
+  for (int i = 0; i < count; ++i) destination[i] = colors[source[i]];
+}
+
+}  // namespace
+
+void ScreenSurface::create(int width, int height, int depth) {
+  screenWidth = width;
+  screenHeight = height;
+  sourceDepth = depth;
+  dibBits.assign(size_t(width) * size_t(height), 0);
+}
+
+void ScreenSurface::convert(const void* source, int x, int y, int w, int h) {
+  const int right = std::min(x + w, screenWidth);
+  const int bottom = std::min(y + h, screenHeight);
+  x = std::max(x, 0);
+  y = std::max(y, 0);
+  if (x >= right || y >= bottom) return;
+
+  // A 32-bit frame buffer loses its column after the first row, so only that row is converted.
+  const int lastRow = sourceDepth == 32 ? y + 1 : bottom;
+  for (int row = y; row < lastRow; ++row) {
+    const size_t at = size_t(row) * size_t(screenWidth) + size_t(x);
+    uint32_t* out = dibBits.data() + at;
+    if (sourceDepth == 8) {
+      convertRow(static_cast<const uint8_t*>(source) + at, out, right - x, palette.data());
+    } else if (sourceDepth == 16) {
+      convertRow(static_cast<const uint16_t*>(source) + at, out, right - x, pixel16Table().data());
+    } else if (sourceDepth == 32) {
+      std::transform(static_cast<const uint32_t*>(source) + at, static_cast<const uint32_t*>(source) + at + right - x,
+                     out, yCrCbToRgb);
+    }
+  }
+}
+
+void ScreenSurface::setPalette(const uint32_t* colors, int count) {
+  std::transform(colors, colors + std::clamp(count, 0, 256), palette.begin(), yCrCbToRgb);
+}

@@ -1,0 +1,9 @@
+// The subcommands of kpg, each in the file of its name.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+void addBuildCommand(CLI::App& app);
+void addDumpCommand(CLI::App& app);
+void addShotCommand(CLI::App& app);
+void addClutCommand(CLI::App& app);

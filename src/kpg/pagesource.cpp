@@ -1,0 +1,295 @@
+#include "kpg/pagesource.h"
+
+#include <yaml-cpp/yaml.h>
+
+#include <cctype>
+#include <charconv>
+#include <optional>
+#include <set>
+
+#include "engine/display.h"
+#include "host/color.h"
+#include "kpg/base64.h"
+#include "kpg/errors.h"
+#include "kpg/schema.h"
+
+namespace {
+
+constexpr int kMaxSourceDepth = 1000;  // of nested values; far beyond what a page may nest
+
+std::optional<int64_t> parseInteger(std::string_view text) {
+  const bool negative = text.starts_with('-');
+  if (negative || text.starts_with('+')) text.remove_prefix(1);
+  const bool hex = text.starts_with("0x") || text.starts_with("0X");
+  if (hex) text.remove_prefix(2);
+  uint64_t value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, hex ? 16 : 10);
+  if (error != std::errc() || end != text.data() + text.size() || value > 0xFFFFFFFF) return std::nullopt;
+  return negative ? -int64_t(value) : int64_t(value);
+}
+
+std::optional<bool> parseBoolean(std::string_view text) {
+  if (text == "true" || text == "yes" || text == "1") return true;
+  if (text == "false" || text == "no" || text == "0") return false;
+  return std::nullopt;
+}
+
+bool isText(const YAML::Node& node) { return node.IsScalar() && node.Tag() == "!"; }  // quoted
+
+class SourceReader {
+ public:
+  SourceReader(std::string f, const std::function<void(const std::string&)>& w) : file(std::move(f)), warn(w) {}
+
+  PageTree read() {
+    YAML::Node top;
+    try {
+      top = YAML::LoadFile(file);
+    } catch (const YAML::BadFile&) {
+      throw CommandError(file + ": can't be read");
+    } catch (const YAML::Exception& e) {
+      throw SourceError(file, e.mark.line + 1, e.msg);
+    }
+    expectMap(top, "a page source");
+    PageTree page;
+    bool hasPage = false;
+    eachPair(top, [&](const std::string& key, const YAML::Node& value, const YAML::Node& keyNode) {
+      if (key == "flags") {
+        page.flags = flags(value);
+        indexed = page.flags & kPageIs8Bit;
+      } else if (key == "page") {
+        hasPage = true;
+      } else {
+        fail(keyNode, "unknown key '" + key + "'; a page source has 'flags' and 'page'");
+      }
+    });
+    if (!hasPage) fail(top, "there is no 'page'");
+    page.root = node(top["page"], ObjectKind::root);
+    return page;
+  }
+
+ private:
+  [[noreturn]] void fail(const YAML::Node& node, const std::string& message) const {
+    throw SourceError(file, node.Mark().line + 1, message);
+  }
+
+  void expectMap(const YAML::Node& node, const std::string& what) const {
+    if (!node.IsMap()) fail(node, what + " must be a map");
+  }
+
+  // Calls back with each pair in source order; a key that stands twice is an error.
+  template <class F>
+  void eachPair(const YAML::Node& map, F&& f) const {
+    std::set<std::string> seen;
+    for (const auto& pair : map) {
+      if (!pair.first.IsScalar()) fail(pair.first, "a key must be a name");
+      const std::string& key = pair.first.Scalar();
+      if (!seen.insert(key).second) fail(pair.first, "'" + key + "' stands twice");
+      f(key, pair.second, pair.first);
+    }
+  }
+
+  uint32_t flags(const YAML::Node& value) const {
+    if (value.IsScalar()) {
+      if (value.Scalar() == "8bit") return kPageIs8Bit;
+      if (value.Scalar() == "16bit") return 0;
+      if (const auto number = parseInteger(value.Scalar())) return uint32_t(*number);
+    }
+    fail(value, "'flags' is 8bit or 16bit");
+  }
+
+  const std::string& scalar(const YAML::Node& value, const char* what) const {
+    if (!value.IsScalar()) fail(value, std::string("expecting ") + what);
+    return value.Scalar();
+  }
+
+  uint16_t position(const YAML::Node& value) const {
+    const auto number = parseInteger(scalar(value, "a number of pixels"));
+    if (!number || *number < 0 || *number > 65535) fail(value, "a position or size goes from 0 to 65535");
+    return uint16_t(*number);
+  }
+
+  PageNode node(const YAML::Node& source, ObjectKind kind) {
+    expectMap(source, "an object");
+    const Nesting nesting(*this, source);
+    const std::string type = typeOf(source);
+    PageNode result;
+    eachPair(source, [&](const std::string& key, const YAML::Node& value, const YAML::Node& keyNode) {
+      if (key == "x") return void(result.x = position(value));
+      if (key == "y") return void(result.y = position(value));
+      if (key == "width") return void(result.width = position(value));
+      if (key == "height") return void(result.height = position(value));
+      if (key.find('\0') != std::string::npos) fail(keyNode, "a name can't hold a zero byte");
+      const AttributeForm form = attributeForm(kind, type, key);
+      if (form == AttributeForm::unknown && kind != ObjectKind::other) warnAt(keyNode, "nothing reads '" + key + "'");
+      result.attributes.push_back({key, attribute(value, form)});
+    });
+    return result;
+  }
+
+  std::string typeOf(const YAML::Node& source) const {
+    for (const auto& pair : source)
+      if (pair.first.IsScalar() && pair.first.Scalar() == "type" && pair.second.IsScalar()) return pair.second.Scalar();
+    return {};
+  }
+
+  void warnAt(const YAML::Node& node, const std::string& message) const {
+    warn(file + ":" + std::to_string(node.Mark().line + 1) + ": warning: " + message);
+  }
+
+  // A YAML tag decides over the form that the reader wants.
+  PageValue attribute(const YAML::Node& value, AttributeForm form) {
+    const std::string& tag = value.Tag();
+    if (tag == "!int") return integer(value);
+    if (tag == "!bool") return boolean(value);
+    if (tag == "!color") return color(value);
+    if (tag == "!string") return string(value);
+    if (tag == "!script") return script(value);
+    if (tag == "!scriptdata") return scriptData(value);
+    if (tag == "!object") return object(value);
+    if (tag == "!table") return table(value, tableObjectKind(form));
+    if (!tag.empty() && tag != "?" && tag != "!" && !tag.starts_with("tag:yaml.org,2002:"))
+      fail(value, "unknown tag " + tag);
+
+    switch (form) {
+      case AttributeForm::integer: return integer(value);
+      case AttributeForm::boolean: return boolean(value);
+      case AttributeForm::color: return color(value);
+      case AttributeForm::string: return string(value);
+      case AttributeForm::script: return script(value);
+      case AttributeForm::widgets:
+      case AttributeForm::styles:
+      case AttributeForm::lines: return objects(value, form);
+      case AttributeForm::files: return files(value);
+      default: return byLooks(value);
+    }
+  }
+
+  PageValue number(PageTag tag, uint32_t n) const {
+    PageValue result;
+    result.tag = tag;
+    result.number = n;
+    return result;
+  }
+
+  PageValue integer(const YAML::Node& value) const {
+    const auto n = parseInteger(scalar(value, "a whole number"));
+    if (!n || *n < INT32_MIN) fail(value, "'" + value.Scalar() + "' is no whole number of 32 bits");
+    return number(PageTag::integer, uint32_t(*n));
+  }
+
+  PageValue boolean(const YAML::Node& value) const {
+    const std::string& text = scalar(value, "true or false");
+    const auto flag = parseBoolean(text);
+    // Any word is a number to the engine, so the tag's own values come back as they were.
+    if (!flag && value.Tag() == "!bool")
+      if (const auto n = parseInteger(text)) return number(PageTag::boolean, uint32_t(*n));
+    if (!flag) fail(value, "'" + text + "' is neither true nor false");
+    return number(PageTag::boolean, *flag);
+  }
+
+  PageValue color(const YAML::Node& value) const {
+    const std::string& text = scalar(value, "a colour");
+    if (text == "black") return number(PageTag::color, indexed ? 235 : 0x10808000);
+    if (text == "white") return number(PageTag::color, indexed ? 236 : 0xEB808000);
+    if (text == "transparent") return number(PageTag::color, indexed ? 237 : 0);
+    if (text.starts_with('#')) return rgb(value, text.substr(1));
+    const auto n = parseInteger(text);
+    if (!n || *n < 0) fail(value, "'" + text + "' is no colour");
+    return number(PageTag::color, uint32_t(*n));
+  }
+
+  PageValue rgb(const YAML::Node& value, const std::string& digits) const {
+    if (indexed) fail(value, "\"#RRGGBB\" is for 16-bit pages; an 8-bit page takes an index of its colour table");
+    const auto n = digits.size() == 6 ? parseInteger("0x" + digits) : std::nullopt;
+    if (!n) fail(value, "'#" + digits + "' is no colour of the form #RRGGBB");
+    return number(PageTag::color, rgbToYCrCb(uint32_t(*n) << 8));
+  }
+
+  PageValue string(const YAML::Node& value) const {
+    PageValue result;
+    result.tag = PageTag::string;
+    result.bytes = value.IsNull() ? "" : scalar(value, "text");
+    if (result.bytes.find('\0') != std::string::npos) fail(value, "a text can't hold a zero byte");
+    return result;
+  }
+
+  PageValue script(const YAML::Node& value) const { fail(value, "scripts can't be compiled; give !scriptdata"); }
+
+  PageValue scriptData(const YAML::Node& value) const {
+    const auto bytes = base64Decode(value.IsNull() ? "" : scalar(value, "base64"));
+    if (!bytes) fail(value, "this is no base64");
+    PageValue result;
+    result.tag = PageTag::script;
+    result.bytes = *bytes;
+    return result;
+  }
+
+  PageValue object(const YAML::Node& value) {
+    PageValue result;
+    result.tag = PageTag::object;
+    if (!value.IsNull() && !(value.IsScalar() && value.Scalar().empty()))
+      result.object.push_back(node(value, ObjectKind::other));
+    return result;
+  }
+
+  PageValue objects(const YAML::Node& value, AttributeForm form) {
+    if (!value.IsSequence()) fail(value, "expecting a list of objects");
+    for (const YAML::Node& item : value) expectMap(item, "an entry of this list");
+    return table(value, tableObjectKind(form));
+  }
+
+  PageValue files(const YAML::Node& value) {
+    if (!value.IsSequence()) fail(value, "expecting a list of file names");
+    for (const YAML::Node& item : value) scalar(item, "a file name");
+    return table(value, ObjectKind::other);
+  }
+
+  PageValue table(const YAML::Node& value, ObjectKind kind) {
+    const Nesting nesting(*this, value);
+    PageValue result;
+    result.tag = PageTag::table;
+    if (value.IsNull() || (value.IsScalar() && value.Scalar().empty())) return result;
+    if (!value.IsSequence()) fail(value, "expecting a list");
+    for (const YAML::Node& item : value) {
+      if (!item.IsMap()) {
+        result.table.push_back(string(item));
+        continue;
+      }
+      PageValue entry;
+      entry.tag = PageTag::object;
+      entry.object.push_back(node(item, kind));
+      result.table.push_back(std::move(entry));
+    }
+    return result;
+  }
+
+  PageValue byLooks(const YAML::Node& value) {
+    if (value.IsMap()) return object(value);
+    if (value.IsSequence()) return table(value, ObjectKind::other);
+    if (value.IsNull() || isText(value)) return string(value);
+    const auto n = parseInteger(value.Scalar());
+    if (n && *n >= INT32_MIN) return integer(value);
+    if (value.Scalar() == "true" || value.Scalar() == "false") return boolean(value);
+    return string(value);
+  }
+
+  // Counts how deep the reader stands, so that a source can't overflow the stack.
+  struct Nesting {
+    Nesting(SourceReader& r, const YAML::Node& at) : reader(r) {
+      if (++reader.depth > kMaxSourceDepth) reader.fail(at, "nested too deep");
+    }
+    ~Nesting() { --reader.depth; }
+    SourceReader& reader;
+  };
+
+  std::string file;
+  const std::function<void(const std::string&)>& warn;
+  bool indexed = false;  // an 8-bit page
+  int depth = 0;
+};
+
+}  // namespace
+
+PageTree readPageSource(const std::string& path, const std::function<void(const std::string&)>& warn) {
+  return SourceReader(path, warn).read();
+}

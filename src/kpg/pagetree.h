@@ -1,0 +1,34 @@
+// A page as a tree, between its YAML source and its compiled bytes.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "engine/pagefile.h"
+
+struct PageNode;
+
+struct PageValue {
+  PageTag tag = PageTag::none;
+  uint32_t number = 0;           // integer, boolean, colour
+  std::string bytes;             // string, script
+  std::vector<PageNode> object;  // object: one, or none for a null one
+  std::vector<PageValue> table;  // table: strings or objects
+};
+
+struct PageEntry {
+  std::string name;
+  PageValue value;
+};
+
+// An object record.
+struct PageNode {
+  uint16_t x = 0, y = 0, width = 0, height = 0;
+  std::vector<PageEntry> attributes;
+};
+
+struct PageTree {
+  uint32_t flags = 0;
+  PageNode root;
+};

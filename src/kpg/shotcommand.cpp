@@ -1,0 +1,125 @@
+// kpg shot: opens a page without a window, does what a user would do, and saves what the window would show.
+#include <unistd.h>
+
+#include <filesystem>
+#include <iostream>
+#include <memory>
+
+#include "host/headless/headlessdesktop.h"
+#include "kpg/commands.h"
+#include "kpg/errors.h"
+#include "kpg/files.h"
+#include "kpg/png.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Action {
+  enum Kind { key, wait, eval } kind;
+  std::string argument;
+};
+
+struct ShotOptions {
+  std::string page, output, log;
+  std::vector<Action> actions;
+};
+
+// While it lives, what the system itself writes to the C library's standard output goes to the error stream, so that
+// only what was asked for stands on the standard output.
+class StandardOutputAside {
+ public:
+  StandardOutputAside() : kept(dup(STDOUT_FILENO)) { dup2(STDERR_FILENO, STDOUT_FILENO); }
+  ~StandardOutputAside() {
+    std::fflush(stdout);
+    dup2(kept, STDOUT_FILENO);
+    close(kept);
+  }
+
+ private:
+  int kept;
+};
+
+void perform(HeadlessDesktop& desktop, const Action& action) {
+  switch (action.kind) {
+    case Action::key:
+      desktop.key(action.argument);
+      return desktop.settle();
+    case Action::wait: return desktop.wait(uint32_t(std::stoul(action.argument)));
+    case Action::eval:
+      desktop.typeLine(action.argument);
+      return desktop.settle();
+  }
+}
+
+std::string lastLine(std::string log) {
+  while (!log.empty() && log.back() == '\n') log.pop_back();
+  return log.substr(log.rfind('\n') + 1);
+}
+
+// True when the page loaded.
+bool play(HeadlessDesktop& desktop, const ShotOptions& options) {
+  const StandardOutputAside aside;
+  desktop.start();
+  desktop.settle();
+  if (!desktop.shell.loadPage(fs::absolute(options.page).string())) return false;
+  desktop.settle();
+  for (const Action& action : options.actions) perform(desktop, action);
+  return true;
+}
+
+void writeLog(const std::string& path, const std::string& log) {
+  if (path == "-") {
+    std::cout << log << std::flush;
+  } else if (!path.empty()) {
+    writeFile(path, log.data(), log.size());
+  }
+}
+
+// Names are taken against the folder of the call; the page changes it.
+std::string againstHere(const std::string& path) {
+  return path.empty() || path == "-" ? path : fs::absolute(path).string();
+}
+
+void shoot(ShotOptions options) {
+  if (options.output.empty()) options.output = fs::path(options.page).stem().string() + ".png";
+  options.output = againstHere(options.output);
+  options.log = againstHere(options.log);
+
+  HeadlessDesktop desktop;
+  const bool loaded = play(desktop, options);
+  writeLog(options.log, desktop.log);
+  if (!loaded) throw CommandError(lastLine(desktop.log));
+  writePng(options.output, desktop.shell.screen.screenWidth, desktop.shell.screen.screenHeight, desktop.window);
+}
+
+std::string checkKey(const std::string& name) {
+  return HeadlessDesktop::hasKey(name) ? "" : "there is no key '" + name + "'";
+}
+
+}  // namespace
+
+void addShotCommand(CLI::App& app) {
+  auto options = std::make_shared<ShotOptions>();
+  CLI::App* command = app.add_subcommand("shot", "Open a page, do the actions in order, save the screen");
+  command->add_option("page", options->page, "The page")->required()->type_name("PAGE.kpg");
+  command->add_option("-o", options->output, "The picture to write; by default the page's name with .png, here")
+      ->type_name("OUT.png");
+  command->add_option("--log", options->log, "Where to write what the console showed; - for the standard output")
+      ->type_name("FILE");
+
+  const auto addAction = [&](const char* name, Action::Kind kind, const char* help, const char* type) {
+    return command
+        ->add_option_function<std::string>(
+            name, [options, kind](const std::string& argument) { options->actions.push_back({kind, argument}); }, help)
+        ->type_name(type)
+        ->trigger_on_parse()
+        ->group("Actions");
+  };
+  addAction("--key", Action::key,
+            "Press Up Down Left Right Select Clear Backspace UpLeft UpRight DownLeft DownRight 0..9 or S", "NAME")
+      ->check(CLI::Validator(checkKey, ""));
+  addAction("--wait", Action::wait, "Let MS milliseconds pass", "MS")->check(CLI::Range(0u, 1'000'000'000u));
+  addAction("--eval", Action::eval, "Type TEXT at the console and press Enter", "TEXT");
+  command->callback([options] { shoot(*options); });
+}
