@@ -26,6 +26,12 @@ require_packages() {
 
 # build_preset NAME: configures and builds one preset of CMakePresets.json.
 build_preset() {
-  cmake --preset "$1" >/dev/null
+  cmake --preset "$1" -DVISTREL_TESTS=ON >/dev/null
   cmake --build --preset "$1"
+}
+
+# tests_wanted FOLDER: whether a build folder has its tests on; a new one is configured without them, so that opening
+# the previewer needs no test packages.
+tests_wanted() {
+  if grep -q 'VISTREL_TESTS:BOOL=ON' "$1/CMakeCache.txt" 2>/dev/null; then echo ON; else echo OFF; fi
 }

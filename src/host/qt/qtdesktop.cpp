@@ -1,0 +1,107 @@
+#include "host/qt/qtdesktop.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDir>
+#include <QFileDialog>
+#include <QLayout>
+#include <QMenuBar>
+#include <algorithm>
+
+#include "engine/core.h"
+#include "engine/timer.h"
+
+namespace {
+
+// Closing either window ends the program.
+class Window : public QMainWindow {
+ protected:
+  void closeEvent(QCloseEvent* event) override {
+    QMainWindow::closeEvent(event);
+    QApplication::quit();
+  }
+};
+
+}  // namespace
+
+QtDesktop::QtDesktop() {
+  sinceStart.start();
+  wakeUp.setSingleShot(true);
+  wakeUp.setTimerType(Qt::PreciseTimer);
+  QObject::connect(&wakeUp, &QTimer::timeout, [this] { turn(); });
+}
+
+QtDesktop::~QtDesktop() = default;
+
+bool QtDesktop::start() {
+  if (!shell.start()) return false;
+  schedule();
+  return true;
+}
+
+EditControl* QtDesktop::createConsole(const std::string& title, int width, int height) {
+  consoleWindow = std::make_unique<Window>();
+  consoleWindow->setWindowTitle(QString::fromStdString(title));
+  edit = new ConsoleEdit(consoleWindow.get());
+  edit->onEnter = [this](const std::function<void()>& breakLine) {
+    shell.consoleEnter(breakLine);
+    turn();
+  };
+  consoleWindow->setCentralWidget(edit);
+  consoleWindow->resize(width, height);
+  consoleWindow->show();
+  return edit;
+}
+
+void QtDesktop::createScreen(const std::string& title, int, int) {
+  screenWindow = std::make_unique<Window>();
+  screenWindow->setWindowTitle(QString::fromStdString(title));
+  screen = new ScreenWidget(shell, [this] { turn(); });
+  QMenu* menu = screenWindow->menuBar()->addMenu(kFileMenuTitle);
+  for (const MenuItem& item : kFileMenu) {
+    if (!item.text) {
+      menu->addSeparator();
+      continue;
+    }
+    QAction* action = menu->addAction(item.text);
+    QObject::connect(action, &QAction::triggered, [this, command = item.command] {
+      shell.command(command);
+      turn();
+    });
+  }
+  screenWindow->setCentralWidget(screen);
+  screenWindow->layout()->setSizeConstraint(QLayout::SetFixedSize);
+  screenWindow->show();
+}
+
+void QtDesktop::invalidate(const DesktopRect& rect) { screen->update(rect.x, rect.y, rect.w, rect.h); }
+
+std::optional<std::string> QtDesktop::chooseFile(const std::string& title, const std::string& filterName,
+                                                 const std::string& pattern) {
+  dialogOpen = true;
+  const QString filter = QString::fromStdString(filterName + " (" + pattern + ")");
+  const QString path =
+      QFileDialog::getOpenFileName(screenWindow.get(), QString::fromStdString(title), QDir::currentPath(), filter);
+  dialogOpen = false;
+  if (path.isEmpty()) return std::nullopt;
+  return QDir::toNativeSeparators(path).toStdString();
+}
+
+void QtDesktop::quit() { QApplication::quit(); }
+
+void QtDesktop::turn() {
+  if (dialogOpen) return;
+  shell.step();
+  schedule();
+}
+
+void QtDesktop::schedule() {
+  uint32_t due;
+  if (engineBusy()) {
+    wakeUp.start(0);
+  } else if (timersNextDue(&due)) {
+    wakeUp.start(std::max(0, int32_t(due - milliseconds())));
+  } else {
+    wakeUp.stop();
+  }
+}

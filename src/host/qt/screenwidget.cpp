@@ -1,0 +1,50 @@
+#include "host/qt/screenwidget.h"
+
+#include <QImage>
+#include <QKeyEvent>
+#include <QPaintEvent>
+#include <QPainter>
+
+#include "host/qt/windows1252.h"
+
+namespace {
+
+// 0 for a key that only comes as a character.
+int virtualKey(int key) {
+  switch (key) {
+    case Qt::Key_Left: return 37;
+    case Qt::Key_Up: return 38;
+    case Qt::Key_Right: return 39;
+    case Qt::Key_Down: return 40;
+    case Qt::Key_Delete: return 46;
+    default: return 0;
+  }
+}
+
+}  // namespace
+
+ScreenWidget::ScreenWidget(Shell& s, std::function<void()> after) : shell(s), afterMessage(std::move(after)) {
+  setFixedSize(s.screen.screenWidth, s.screen.screenHeight);
+  setFocusPolicy(Qt::StrongFocus);
+  setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+void ScreenWidget::paintEvent(QPaintEvent* event) {
+  const ScreenSurface& screen = shell.screen;
+  const QImage image(reinterpret_cast<const uchar*>(screen.dibBits.data()), screen.screenWidth, screen.screenHeight,
+                     screen.screenWidth * 4, QImage::Format_RGB32);
+  QPainter painter(this);
+  for (const QRect& rect : event->region()) painter.drawImage(rect.topLeft(), image, rect);
+}
+
+void ScreenWidget::keyPressEvent(QKeyEvent* event) {
+  if (const int key = virtualKey(event->key())) {
+    shell.keyDown(key);
+    return afterMessage();
+  }
+  for (QChar c : event->text()) {
+    shell.character(bytesFromText(QString(c)).front());
+    afterMessage();
+  }
+  QWidget::keyPressEvent(event);
+}

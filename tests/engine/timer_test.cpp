@@ -1,0 +1,99 @@
+#include "engine/timer.h"
+
+#include <functional>
+
+#include "support/pagefixture.h"
+
+namespace {
+
+std::string* heard;
+
+struct NamedTimer : Timer {
+  explicit NamedTimer(char n) : Timer(tell), name(n) {}
+
+  static void tell(Timer* timer, TimerReason reason) {
+    auto* self = static_cast<NamedTimer*>(timer);
+    *heard += self->name;
+    *heard += reason == TimerReason::fired ? '!' : '.';
+    if (reason == TimerReason::fired && self->onFired) self->onFired();
+    if (reason == TimerReason::stopped && self->onStopped) self->onStopped();
+  }
+
+  char name;
+  std::function<void()> onFired, onStopped;
+};
+
+class TimerTest : public PageTest {
+ protected:
+  TimerTest() { heard = &story; }
+  std::string passing(uint32_t milliseconds) {
+    story.clear();
+    desktop.wait(milliseconds);
+    return story;
+  }
+  std::string story;
+};
+
+TEST_F(TimerTest, EqualTimesFireInTheOrderOfArmingAndOneShotsStop) {
+  auto *a = new NamedTimer('a'), *b = new NamedTimer('b'), *c = new NamedTimer('c');
+  timerStart(b, 5, false);
+  timerStart(a, 5, true);
+  timerStart(c, 3, false);
+  EXPECT_EQ(passing(4), "c!c.");
+  EXPECT_EQ(passing(1), "b!b.a!");
+  EXPECT_EQ(timerRemaining(a), 5);
+  EXPECT_EQ(timerRemaining(b), 0);
+  EXPECT_EQ(passing(5), "a!");
+
+  story.clear();
+  timerDestroy(b);  // fired long ago, but its armed bit is still set: it stops once more
+  timerDestroy(a);
+  timerDestroy(c);
+  EXPECT_EQ(story, "b.a.c.");
+}
+
+TEST_F(TimerTest, ARepeatingTimerArmsAnewWhateverItsCallbackDid) {
+  auto* a = new NamedTimer('a');
+  a->onFired = [a] { timerStop(a); };
+  timerStart(a, 2, true);
+  EXPECT_EQ(passing(4), "a!a.a!a.");
+  a->onFired = [a] { timerStart(a, 100, true); };  // the later insertion, now + 100 as well, wins
+  EXPECT_EQ(passing(2), "a!");
+  EXPECT_EQ(timerRemaining(a), 100);
+  timerDestroy(a);
+}
+
+TEST_F(TimerTest, OneShotsCanArmThemselvesAgain) {
+  auto* a = new NamedTimer('a');
+  a->onFired = [a] { timerStart(a, 3, false); };
+  timerStart(a, 1, false);
+  EXPECT_EQ(passing(7), "a!a.a!a.a!a.");
+  timerDestroy(a);
+}
+
+TEST_F(TimerTest, ADestroyedTimerIsNeverHeardOfAgain) {
+  auto *a = new NamedTimer('a'), *b = new NamedTimer('b'), *c = new NamedTimer('c');
+  a->onFired = [&] {
+    timerDestroy(a);
+    timerDestroy(b);
+  };
+  c->onStopped = [&] { timerDestroy(c); };  // frees once, though the destruction stops it once more
+  timerStart(a, 1, true);
+  timerStart(b, 1, true);
+  timerStart(c, 1, false);
+  EXPECT_EQ(passing(9), "a!a.b.c!c.c.");
+}
+
+TEST_F(TimerTest, SettingTheIntervalStartsAndKeepsRepeating) {
+  auto* a = new NamedTimer('a');
+  timerStart(a, 50, true);
+  timerSetInterval(a, 2);
+  EXPECT_EQ(passing(4), "a!a!");
+  timerStop(a);
+  EXPECT_FALSE(timerIsListed(a));
+  timerSetInterval(a, 3);
+  EXPECT_EQ(passing(3), "a!");
+  timerDestroy(a);
+}
+
+}  // namespace

@@ -1,0 +1,55 @@
+#include "support/pagefixture.h"
+
+#include <unistd.h>
+
+#include <fstream>
+
+#include "engine/core.h"
+#include "kpg/files.h"
+#include "kpg/pagesource.h"
+#include "kpg/pagewriter.h"
+
+namespace fs = std::filesystem;
+
+PageTest::PageTest() : before(fs::current_path()) {
+  std::string name = (fs::temp_directory_path() / "vistrel-test-XXXXXX").string();
+  folder = mkdtemp(name.data());
+  fs::current_path(folder);
+  desktop.start();
+  desktop.settle();
+  desktop.log.clear();
+}
+
+PageTest::~PageTest() {
+  fs::current_path(before);
+  fs::remove_all(folder);
+}
+
+void PageTest::writeText(const std::string& name, const std::string& text) { writeFile(name, text.data(), text.size()); }
+
+void PageTest::build(const std::string& name, const std::string& source) {
+  writeText(name + ".yaml", source);
+  const auto bytes = writePage(readPageSource(name + ".yaml", [](const std::string&) {}));
+  writeFile(name, bytes.data(), bytes.size());
+}
+
+bool PageTest::loadFile(const std::string& name) {
+  const bool loaded = desktop.shell.loadPage((folder / name).string());
+  if (loaded) desktop.settle();
+  return loaded;
+}
+
+bool PageTest::load(const std::string& source) {
+  build("page.kpg", source);
+  return loadFile("page.kpg");
+}
+
+void PageTest::key(const std::string& name) {
+  ASSERT_TRUE(desktop.key(name)) << name;
+  desktop.settle();
+}
+
+std::string PageTest::focusName() const {
+  const Widget* focus = topFrame()->focus;
+  return focus ? focus->name ? focus->name : "(unnamed)" : "(none)";
+}
