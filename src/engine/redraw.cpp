@@ -34,6 +34,7 @@ void widgetMarkDirty(Widget* widget, uint32_t bits) {
   if (widget->gone) return;
   if (!(widget->flags & kWidgetQueued)) {
     widget->nextDirty = nullptr;
+    widget->dirtyLink = tail;
     *tail = widget;
     tail = &widget->nextDirty;
   }
@@ -42,10 +43,9 @@ void widgetMarkDirty(Widget* widget, uint32_t bits) {
 
 void redrawRemove(Widget* widget) {
   if (!(widget->flags & kWidgetQueued)) return;
-  Widget** link = &head;
-  while (*link != widget) link = &(*link)->nextDirty;
-  *link = widget->nextDirty;
-  if (tail == &widget->nextDirty) tail = link;
+  *widget->dirtyLink = widget->nextDirty;
+  if (widget->nextDirty) widget->nextDirty->dirtyLink = widget->dirtyLink;
+  if (tail == &widget->nextDirty) tail = widget->dirtyLink;
   widget->flags &= ~kWidgetQueued;
 }
 

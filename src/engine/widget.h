@@ -43,6 +43,7 @@ struct Widget : EventTarget {
   Widget* nextSlave = nullptr;
   Widget* master = nullptr;       // the widget whose slaves this one is among
   Widget* nextDirty = nullptr;    // in the redraw queue
+  Widget** dirtyLink = nullptr;   // the link of that queue that leads here
   Widget* nextInFrame = nullptr;  // in the frame's list
 };
 

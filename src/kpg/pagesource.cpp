@@ -11,11 +11,14 @@
 #include "host/color.h"
 #include "kpg/base64.h"
 #include "kpg/errors.h"
+#include "kpg/files.h"
 #include "kpg/schema.h"
 
 namespace {
 
-constexpr int kMaxSourceDepth = 1000;  // of nested values; far beyond what a page may nest
+// Anchors can lead to themselves and multiply; both bounds lie far beyond what a page may hold.
+constexpr int kMaxSourceDepth = 1000;
+constexpr int kMaxObjects = 500'000;
 
 std::optional<int64_t> parseInteger(std::string_view text) {
   const bool negative = text.starts_with('-');
@@ -42,10 +45,9 @@ class SourceReader {
 
   PageTree read() {
     YAML::Node top;
+    const std::vector<uint8_t> text = readFile(file);
     try {
-      top = YAML::LoadFile(file);
-    } catch (const YAML::BadFile&) {
-      throw CommandError(file + ": can't be read");
+      top = YAML::Load(std::string(text.begin(), text.end()));
     } catch (const YAML::Exception& e) {
       throw SourceError(file, e.mark.line + 1, e.msg);
     }
@@ -111,6 +113,7 @@ class SourceReader {
   PageNode node(const YAML::Node& source, ObjectKind kind) {
     expectMap(source, "an object");
     const Nesting nesting(*this, source);
+    if (++objectCount > kMaxObjects) fail(source, "there are too many objects");
     const std::string type = typeOf(source);
     PageNode result;
     eachPair(source, [&](const std::string& key, const YAML::Node& value, const YAML::Node& keyNode) {
@@ -273,7 +276,7 @@ class SourceReader {
     return string(value);
   }
 
-  // Counts how deep the reader stands, so that a source can't overflow the stack.
+  // Counts how deep the reader stands.
   struct Nesting {
     Nesting(SourceReader& r, const YAML::Node& at) : reader(r) {
       if (++reader.depth > kMaxSourceDepth) reader.fail(at, "nested too deep");
@@ -286,6 +289,7 @@ class SourceReader {
   const std::function<void(const std::string&)>& warn;
   bool indexed = false;  // an 8-bit page
   int depth = 0;
+  int objectCount = 0;
 };
 
 }  // namespace

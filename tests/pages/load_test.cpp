@@ -1,0 +1,160 @@
+// Loading and unloading, with pages nested in pages and a language that does what the test says.
+#include <functional>
+#include <map>
+
+#include "engine/display.h"
+#include "engine/language.h"
+#include "kpg/base64.h"
+#include "support/pagefixture.h"
+
+namespace {
+
+// Runs scripts by name: a page says "!scriptdata" with the name as its bytes.
+std::map<std::string, std::function<void()>>* actions;
+std::string* story;
+
+constexpr ScriptingLanguage kPuppet = {
+    [](Frame*) { return *story += "attach ", 1; },
+    [](Frame*) { return *story += "detach ", 1; },
+    [](Frame*, const char* path) { return *story += "load:" + std::string(path) + " ", 0; },
+    [](Frame*, const uint8_t* bytes, uint32_t length) {
+      const std::string name(reinterpret_cast<const char*>(bytes), length);
+      *story += name + " ";
+      if (const auto found = actions->find(name); found != actions->end()) found->second();
+      return 1;
+    },
+};
+
+class LoadTest : public PageTest {
+ protected:
+  LoadTest() {
+    actions = &scripts;
+    story = &heard;
+    languageRegister("puppet", kPuppet);
+  }
+
+  // A page in the puppet language; scripts are called as their hooks, with the suffix.
+  std::string page(const std::string& more, const std::string& suffix = "") {
+    const auto script = [](const std::string& name) { return " !scriptdata " + name; };
+    return "flags: 8bit\npage: {width: 100, height: 100, scriptingLanguage: puppet, onLoad:" + script(base(suffix)) +
+           ", onUnload:" + script(base("un" + suffix)) + ", " + more + "}\n";
+  }
+  static std::string base(const std::string& name) { return "\"" + base64Encode("load" + name) + "\""; }
+
+  std::string hearing() { return std::exchange(heard, {}); }
+
+  std::map<std::string, std::function<void()>> scripts;
+  std::string heard;
+};
+
+TEST_F(LoadTest, StepsRunInOrderAndUnloadWhenAnotherPageComes) {
+  ASSERT_TRUE(load(page("type: group, scripts: [a.bobo, b.bobo], start: nobody, children: [{name: w}]")));
+  EXPECT_EQ(hearing(), "attach load:a.bobo load:b.bobo load ");
+  EXPECT_EQ(desktop.log, "Error loading 'a.bobo'\nError loading 'b.bobo'\nCan't find starting widget 'nobody'\n");
+  desktop.log.clear();
+
+  // The old page goes before the new one is even looked for, so a missing one leaves nothing.
+  bool widgetsThere = true;
+  scripts["loadun"] = [&] { widgetsThere = topFrame()->widgets || topFrame()->focus; };
+  EXPECT_FALSE(loadFile("none.kpg"));
+  EXPECT_EQ(hearing(), "loadun detach ");
+  EXPECT_FALSE(widgetsThere);
+  EXPECT_EQ(topFrame()->pageData, nullptr);
+}
+
+TEST_F(LoadTest, FailuresSayWhyAndLeaveTheFrameEmpty) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"flags: 8bit\npage: {scriptingLanguage: klingon}", "Unknown scripting language 'klingon'\n"},
+      {"flags: 8bit\npage: {colorTable: no.clut}",
+       "Loading CLUT 'no.clut'\nCan't find: no.clut\nCan't load CLUT 'no.clut'\n"},
+  };
+  for (const auto& [source, log] : cases) {
+    EXPECT_FALSE(load(source));
+    EXPECT_EQ(std::exchange(desktop.log, {}), log);
+    EXPECT_EQ(topFrame()->pageData, nullptr);
+  }
+}
+
+TEST_F(LoadTest, AFailedLoadRunsOnUnloadAndKeepsTheDepthOfThePageBefore) {
+  ASSERT_TRUE(load("flags: 16bit\npage: {}"));
+  ASSERT_FALSE(load(page("colorTable: no.clut")));
+  EXPECT_EQ(hearing(), "attach loadun detach ");
+  EXPECT_EQ(displayDepth(), 8);  // step 8 is behind it, the table was step 9
+  ASSERT_TRUE(load("flags: 16bit\npage: {}"));
+  ASSERT_FALSE(load("flags: 8bit\npage: {scriptingLanguage: klingon}"));
+  EXPECT_EQ(displayDepth(), 16);
+}
+
+TEST_F(LoadTest, APageMayLoadAnotherFromItsOwnOnLoad) {
+  build("second.kpg", page("name: second, start: second", "2"));
+  scripts["load"] = [] { frameLoad(topFrame(), "second.kpg"); };
+  build("first.kpg", page("name: first, start: first"));
+  EXPECT_FALSE(loadFile("first.kpg"));  // the first load gives way
+  EXPECT_EQ(hearing(), "attach load loadun detach attach load2 ");
+  EXPECT_EQ(focusName(), "second");
+}
+
+TEST_F(LoadTest, AFrameThatIsGoingRefusesLoadsAndUnloads) {
+  build("second.kpg", page("name: second"));
+  std::string results;
+  scripts["loadun"] = [&] {
+    results += std::to_string(frameLoad(topFrame(), "second.kpg"));
+    results += std::to_string(frameUnloadAndClear(topFrame()));
+  };
+  ASSERT_TRUE(load(page("")));
+  EXPECT_EQ(frameUnloadAndClear(topFrame()), 1);
+  EXPECT_EQ(results, "00");
+  EXPECT_EQ(frameUnloadAndClear(topFrame()), 0);
+}
+
+TEST_F(LoadTest, ANestedPageMayTakeThePageAroundItAway) {
+  build("inner.kpg", page("name: inner", "Inner"));
+  build("other.kpg", page("name: other, start: other", "Other"));
+  const std::string outer = "type: group, children: [{name: a}, {type: frame, src: inner.kpg}, {name: b}]";
+  scripts["loadInner"] = [] { frameUnload(topFrame()); };
+  EXPECT_FALSE(load(page(outer)));
+  EXPECT_EQ(topFrame()->pageData, nullptr);
+
+  scripts["loadInner"] = [] { frameLoad(topFrame(), "other.kpg"); };
+  EXPECT_FALSE(load(page(outer)));
+  EXPECT_EQ(focusName(), "other");
+  desktop.settle();
+}
+
+TEST_F(LoadTest, NestedFramesGoSilentlyAndHearEventsBehindTheOuterOne) {
+  build("inner.kpg", page("type: group, children: [{name: x, timeout: 50}], start: x", "Inner"));
+  ASSERT_TRUE(load(page("type: group, children: [{name: nest, type: frame, src: inner.kpg}]")));
+  EXPECT_EQ(hearing(), "attach loadInner attach load ");  // the inner page loads while the outer one is built
+  auto* inner = static_cast<Frame*>(widget("nest"));
+  EXPECT_EQ(inner->focus->frame, inner);
+  EXPECT_FALSE(loadFile("none.kpg"));
+  EXPECT_EQ(hearing(), "loadun detach ");
+  desktop.wait(60);  // the inner widget's timer went with it
+}
+
+TEST_F(LoadTest, PagesThatHoldThemselvesEnd) {
+  build("page.kpg", "page: {type: group, children: [{type: frame, src: page.kpg}, {type: frame, src: page.kpg}]}");
+  loadFile("page.kpg");
+  EXPECT_NE(desktop.log.find(" -- 'page.kpg' not found\n"), std::string::npos);  // the 33rd frame finds nothing
+
+  build("line.kpg", "page: {type: frame, src: line.kpg}");
+  desktop.log.clear();
+  EXPECT_TRUE(loadFile("line.kpg"));
+  EXPECT_EQ(desktop.log, " -- 'line.kpg' not found\n");
+}
+
+TEST_F(LoadTest, AWidgetGoneInItsOwnEventClimbsNoFurther) {
+  // The script of a direction key unloads the page; nothing of the frame's navigation runs behind it.
+  scripts["go"] = [] { frameUnloadAndClear(topFrame()); };
+  for (const char* hook : {"onUp", "onClick", "onBlur", "onFocus"}) {
+    const std::string source =
+        page("type: group, start: a, children: [{name: b, onFocus: !scriptdata " +
+             std::string(hook == std::string("onFocus") ? "Z28=" : "\"\"") + "}, {name: a, down: b, " + hook +
+             ": !scriptdata " + std::string(hook == std::string("onFocus") ? "\"\"" : "Z28=") + "}]");
+    ASSERT_TRUE(load(source)) << hook;
+    for (const char* name : {"Up", "Select", "Down"}) key(name);
+    EXPECT_EQ(topFrame()->pageData, nullptr) << hook;
+  }
+}
+
+}  // namespace
