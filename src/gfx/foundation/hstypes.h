@@ -30,3 +30,9 @@ constexpr uint32_t hsMagnitude32(int32_t a) { return a < 0 ? 0u - uint32_t(a) : 
 constexpr int32_t hsWithSign(uint32_t magnitude, bool negative) {
   return int32_t(negative ? 0u - magnitude : magnitude);
 }
+
+// A tag of four characters as a number, the first one highest.
+constexpr uint32_t hsTag(const char (&text)[5]) {
+  return uint32_t(uint8_t(text[0])) << 24 | uint32_t(uint8_t(text[1])) << 16 | uint32_t(uint8_t(text[2])) << 8 |
+         uint8_t(text[3]);
+}
