@@ -1,0 +1,15 @@
+#include "gfx/nomemory.h"
+
+#include <cstdlib>
+#include <new>
+
+bool NoMemory::now = false;
+
+// In a file of its own, so that no caller is compiled into it.
+void* operator new(size_t size) {
+  void* block = NoMemory::now ? nullptr : std::malloc(size ? size : 1);
+  if (!block) throw std::bad_alloc();
+  return block;
+}
+void operator delete(void* block) noexcept { std::free(block); }
+void operator delete(void* block, size_t) noexcept { std::free(block); }
