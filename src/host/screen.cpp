@@ -1,6 +1,7 @@
 #include "host/screen.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "host/color.h"
 
@@ -16,9 +17,24 @@ const std::vector<uint32_t>& pixel16Table() {
   return table;
 }
 
-template <class Pixel>
-void convertRow(const Pixel* source, uint32_t* destination, int count, const uint32_t* colors) {
-  for (int i = 0; i < count; ++i) destination[i] = colors[source[i]];
+void convertRow(const uint8_t* source, uint32_t* destination, int count, const uint32_t* palette) {
+  for (int i = 0; i < count; ++i) destination[i] = palette[source[i]];
+}
+
+// The big table is slow to look into, and pages are flat: four pixels like the four before are copied.
+void convertRow(const uint16_t* source, uint32_t* destination, int count, const uint32_t* table) {
+  uint64_t seen = 0, four;
+  std::array<uint32_t, 4> converted;
+  converted.fill(table[0]);
+  for (; count >= 4; count -= 4, source += 4, destination += 4) {
+    std::memcpy(&four, source, sizeof four);
+    if (four != seen) {
+      seen = four;
+      for (size_t i = 0; i < 4; ++i) converted[i] = table[source[i]];
+    }
+    std::memcpy(destination, converted.data(), sizeof converted);
+  }
+  for (int i = 0; i < count; ++i) destination[i] = table[source[i]];
 }
 
 }  // namespace

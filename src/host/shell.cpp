@@ -37,8 +37,8 @@ bool Shell::start() {
   EditControl* edit = desktop.createConsole("KOVA Messages", kConsoleWidth, kConsoleHeight);
   if (!edit) return false;
   console = std::make_unique<MessageConsole>(*edit);
-  imageCacheMemory.resize(kImageCacheSize);
-  engineInit(imageCacheMemory.data(), imageCacheMemory.size());
+  imageCacheMemory = std::make_unique_for_overwrite<uint8_t[]>(kImageCacheSize);
+  engineInit(imageCacheMemory.get(), kImageCacheSize);
   bobInitCompiler();
   return true;
 }

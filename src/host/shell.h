@@ -4,7 +4,6 @@
 
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "host/console.h"
 #include "host/desktop.h"
@@ -50,5 +49,5 @@ class Shell {
   std::unique_ptr<MessageConsole> console;
 
  private:
-  std::vector<uint8_t> imageCacheMemory;
+  std::unique_ptr<uint8_t[]> imageCacheMemory;
 };

@@ -90,7 +90,7 @@ void shoot(ShotOptions options) {
   const bool loaded = play(desktop, options);
   writeLog(options.log, desktop.log);
   if (!loaded) throw CommandError(lastLine(desktop.log));
-  writePng(options.output, desktop.shell.screen.screenWidth, desktop.shell.screen.screenHeight, desktop.window);
+  writePng(options.output, desktop.shell.screen.screenWidth, desktop.shell.screen.screenHeight, desktop.window());
 }
 
 std::string checkKey(const std::string& name) {

@@ -27,7 +27,7 @@ class PageTest : public testing::Test {
 
   void key(const std::string& name);
 
-  uint32_t pixel(int x, int y) const { return desktop.window[size_t(y) * 720 + size_t(x)]; }
+  uint32_t pixel(int x, int y) const { return desktop.window()[size_t(y) * 720 + size_t(x)]; }
   Widget* widget(const char* name) const { return frameFindWidget(topFrame(), name); }
   std::string focusName() const;
 

@@ -1,7 +1,5 @@
 #include "host/headless/headlessdesktop.h"
 
-#include <algorithm>
-
 #include "engine/core.h"
 
 namespace {
@@ -28,18 +26,6 @@ std::optional<Key> findKey(std::string_view name) {
 }  // namespace
 
 EditControl* HeadlessDesktop::createConsole(const std::string&, int, int) { return &edit; }
-
-void HeadlessDesktop::createScreen(const std::string&, int width, int height) {
-  window.assign(size_t(width) * size_t(height), 0);
-}
-
-void HeadlessDesktop::invalidate(const DesktopRect& rect) {
-  const ScreenSurface& screen = shell.screen;
-  for (int y = rect.y; y < rect.y + rect.h; ++y) {
-    const size_t at = size_t(y) * size_t(screen.screenWidth) + size_t(rect.x);
-    std::copy_n(screen.dibBits.begin() + ptrdiff_t(at), rect.w, window.begin() + ptrdiff_t(at));
-  }
-}
 
 std::optional<std::string> HeadlessDesktop::chooseFile(const std::string&, const std::string&, const std::string&) {
   return fileToChoose;

@@ -26,12 +26,15 @@ class HeadlessDesktop : public Desktop {
   // Types the text at the end of the console and presses Enter.
   void typeLine(std::string_view text);
 
+  // What the screen window shows, 0x00RRGGBB: it repaints at once whatever the shell has converted.
+  const std::vector<uint32_t>& window() const { return shell.screen.dibBits; }
+
   // The clock moves on by 1 millisecond and one step is taken, `milliseconds` times.
   void wait(uint32_t milliseconds);
 
   EditControl* createConsole(const std::string& title, int width, int height) override;
-  void createScreen(const std::string& title, int width, int height) override;
-  void invalidate(const DesktopRect& rect) override;
+  void createScreen(const std::string&, int, int) override {}
+  void invalidate(const DesktopRect&) override {}
   std::optional<std::string> chooseFile(const std::string&, const std::string&, const std::string&) override;
   void consoleOutput(char c) override { log += c; }
   uint32_t milliseconds() override { return clock; }
@@ -40,7 +43,6 @@ class HeadlessDesktop : public Desktop {
   uint32_t clock = 0;  // milliseconds
   EditText edit;
   std::string log;                          // all that the system wrote to the console
-  std::vector<uint32_t> window;             // what the screen window shows, 0x00RRGGBB
   std::optional<std::string> fileToChoose;  // what the open dialog will answer
   bool hasQuit = false;
   Shell shell;

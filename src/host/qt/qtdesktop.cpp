@@ -3,15 +3,20 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDir>
+#include <QEventLoop>
 #include <QFileDialog>
 #include <QLayout>
 #include <QMenuBar>
 #include <algorithm>
+#include <cstdlib>
 
 #include "engine/core.h"
 #include "engine/timer.h"
+#include "gfx/foundation/hsdebug.h"
 
 namespace {
+
+QtDesktop* theDesktop = nullptr;  // for the halt function, which takes nothing
 
 // Closing either window ends the program.
 class Window : public QMainWindow {
@@ -25,13 +30,15 @@ class Window : public QMainWindow {
 }  // namespace
 
 QtDesktop::QtDesktop() {
+  theDesktop = this;
+  hsSetHaltProc([] { theDesktop->halt(); });
   sinceStart.start();
   wakeUp.setSingleShot(true);
   wakeUp.setTimerType(Qt::PreciseTimer);
   QObject::connect(&wakeUp, &QTimer::timeout, [this] { turn(); });
 }
 
-QtDesktop::~QtDesktop() = default;
+QtDesktop::~QtDesktop() { hsSetHaltProc(nullptr); }
 
 bool QtDesktop::start() {
   if (!shell.start()) return false;
@@ -44,6 +51,7 @@ EditControl* QtDesktop::createConsole(const std::string& title, int width, int h
   consoleWindow->setWindowTitle(QString::fromStdString(title));
   edit = new ConsoleEdit(consoleWindow.get());
   edit->onEnter = [this](const std::function<void()>& breakLine) {
+    if (standsStill) return breakLine();
     shell.consoleEnter(breakLine);
     turn();
   };
@@ -56,7 +64,11 @@ EditControl* QtDesktop::createConsole(const std::string& title, int width, int h
 void QtDesktop::createScreen(const std::string& title, int, int) {
   screenWindow = std::make_unique<Window>();
   screenWindow->setWindowTitle(QString::fromStdString(title));
-  screen = new ScreenWidget(shell, [this] { turn(); });
+  screen = new ScreenWidget(shell, [this](const std::function<void()>& message) {
+    if (standsStill) return;
+    message();
+    turn();
+  });
   QMenu* menu = screenWindow->menuBar()->addMenu(kFileMenuTitle);
   for (const MenuItem& item : kFileMenu) {
     if (!item.text) {
@@ -65,6 +77,7 @@ void QtDesktop::createScreen(const std::string& title, int, int) {
     }
     QAction* action = menu->addAction(item.text);
     QObject::connect(action, &QAction::triggered, [this, command = item.command] {
+      if (standsStill && command != Command::exit) return;
       shell.command(command);
       turn();
     });
@@ -78,19 +91,26 @@ void QtDesktop::invalidate(const DesktopRect& rect) { screen->update(rect.x, rec
 
 std::optional<std::string> QtDesktop::chooseFile(const std::string& title, const std::string& filterName,
                                                  const std::string& pattern) {
-  dialogOpen = true;
+  standsStill = true;
   const QString filter = QString::fromStdString(filterName + " (" + pattern + ")");
   const QString path =
       QFileDialog::getOpenFileName(screenWindow.get(), QString::fromStdString(title), QDir::currentPath(), filter);
-  dialogOpen = false;
+  standsStill = false;
   if (path.isEmpty()) return std::nullopt;
   return QDir::toNativeSeparators(path).toStdString();
 }
 
 void QtDesktop::quit() { QApplication::quit(); }
 
+void QtDesktop::halt() {
+  standsStill = true;
+  shell.console->write(std::string(hsReportText()) + "\n");
+  QEventLoop().exec();
+  std::_Exit(0);
+}
+
 void QtDesktop::turn() {
-  if (dialogOpen) return;
+  if (standsStill) return;
   shell.step();
   schedule();
 }

@@ -29,13 +29,14 @@ class QtDesktop : public Desktop {
   void quit() override;
 
  private:
-  void turn();      // one step, then sleep until the next is due
+  void turn();  // one step, then sleep until the next is due
   void schedule();
+  [[noreturn]] void halt();  // the engine stands still for ever; the windows go on
 
   Shell shell{*this};
   QElapsedTimer sinceStart;
   QTimer wakeUp;
-  bool dialogOpen = false;  // the step loop stands still behind an open dialog
+  bool standsStill = false;  // behind an open dialog, or for ever behind a halt
   std::unique_ptr<QMainWindow> consoleWindow, screenWindow;
   ConsoleEdit* edit = nullptr;
   ScreenWidget* screen = nullptr;

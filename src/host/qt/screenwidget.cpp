@@ -23,7 +23,7 @@ int virtualKey(int key) {
 
 }  // namespace
 
-ScreenWidget::ScreenWidget(Shell& s, std::function<void()> after) : shell(s), afterMessage(std::move(after)) {
+ScreenWidget::ScreenWidget(Shell& s, Dispatch d) : shell(s), dispatch(std::move(d)) {
   setFixedSize(s.screen.screenWidth, s.screen.screenHeight);
   setFocusPolicy(Qt::StrongFocus);
   setAttribute(Qt::WA_OpaquePaintEvent);
@@ -38,13 +38,7 @@ void ScreenWidget::paintEvent(QPaintEvent* event) {
 }
 
 void ScreenWidget::keyPressEvent(QKeyEvent* event) {
-  if (const int key = virtualKey(event->key())) {
-    shell.keyDown(key);
-    return afterMessage();
-  }
-  for (QChar c : event->text()) {
-    shell.character(bytesFromText(QString(c)).front());
-    afterMessage();
-  }
+  if (const int key = virtualKey(event->key())) dispatch([&] { shell.keyDown(key); });
+  for (char c : bytesFromText(event->text())) dispatch([&] { shell.character(c); });
   QWidget::keyPressEvent(event);
 }

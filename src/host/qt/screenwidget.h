@@ -7,7 +7,9 @@
 
 class ScreenWidget : public QWidget {
  public:
-  ScreenWidget(Shell& shell, std::function<void()> afterMessage);
+  // `dispatch` takes each message and gives the engine a step behind it.
+  using Dispatch = std::function<void(const std::function<void()>& message)>;
+  ScreenWidget(Shell& shell, Dispatch dispatch);
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -15,5 +17,5 @@ class ScreenWidget : public QWidget {
 
  private:
   Shell& shell;
-  std::function<void()> afterMessage;  // a step of the engine behind each message
+  Dispatch dispatch;
 };

@@ -1,0 +1,95 @@
+// From a key to pixels, from video colour to the desktop's, and a whole run of kpg shot.
+#include <benchmark/benchmark.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <random>
+#include <string>
+
+#include "host/headless/headlessdesktop.h"
+#include "kpg/files.h"
+#include "kpg/pagewriter.h"
+
+namespace {
+
+PageEntry text(const char* name, const std::string& value) { return {name, {PageTag::string, 0, value, {}, {}}}; }
+PageEntry number(const char* name, PageTag tag, uint32_t value) { return {name, {tag, value, "", {}, {}}}; }
+
+std::string nameOf(int i) { return "w" + std::to_string(i); }
+
+// 500 boxes in rows of 25, linked in a ring, each with a highlight frame.
+PageTree ringPage() {
+  constexpr int kCount = 500;
+  PageEntry children{"children", {PageTag::table, 0, "", {}, {}}};
+  for (int i = 0; i < kCount; ++i) {
+    PageNode node{uint16_t(10 + i % 25 * 28), uint16_t(10 + i / 25 * 23), 20, 15, {}};
+    node.attributes = {text("name", nameOf(i)), number("bgColor", PageTag::color, uint32_t(i) << 25 | 0x808000),
+                       number("highlightFrame", PageTag::boolean, 1), number("frameColor", PageTag::color, 0xEB808000),
+                       text("right", nameOf((i + 1) % kCount))};
+    children.value.table.push_back({PageTag::object, 0, "", {node}, {}});
+  }
+  PageTree page;
+  page.root = {0, 0, 720, 480, {text("type", "group"), text("start", "w0"), children}};
+  page.root.attributes.push_back(number("bgColor", PageTag::color, 0x40808000));
+  return page;
+}
+
+void writeRing(const std::string& path) {
+  const auto bytes = writePage(ringPage());
+  writeFile(path, bytes.data(), bytes.size());
+}
+
+void KeyToPixels(benchmark::State& state) {
+  std::filesystem::current_path(std::filesystem::temp_directory_path());
+  writeRing("vistrel-bench.kpg");
+  HeadlessDesktop desktop;
+  desktop.start();
+  if (!desktop.shell.loadPage("vistrel-bench.kpg")) return state.SkipWithError("the page does not load");
+  desktop.settle();
+  for (auto _ : state) {
+    desktop.key("Right");
+    desktop.settle();
+  }
+}
+BENCHMARK(KeyToPixels)->Unit(benchmark::kMicrosecond);
+
+void ScreenToRgb16(benchmark::State& state) {
+  ScreenSurface screen;
+  screen.create(720, 480, 16);
+  std::vector<uint16_t> pixels(720 * 480);
+  std::mt19937 random(1);
+  if (state.range(0)) {
+    for (auto& p : pixels) p = uint16_t(random());
+  } else {
+    for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = uint16_t(i / 720 / 60 * 2000);  // flat, as pages are
+  }
+  for (auto _ : state) {
+    screen.convert(pixels.data(), 0, 0, 720, 480);
+    benchmark::ClobberMemory();
+  }
+}
+BENCHMARK(ScreenToRgb16)->ArgName("noise")->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
+
+// The yardstick: a plain copy of as many bytes as the conversion writes.
+void CopyOfRgb(benchmark::State& state) {
+  std::vector<uint32_t> from(720 * 480, 1), to(720 * 480);
+  for (auto _ : state) {
+    std::memcpy(to.data(), from.data(), from.size() * 4);
+    benchmark::ClobberMemory();
+  }
+}
+BENCHMARK(CopyOfRgb)->Unit(benchmark::kMicrosecond);
+
+void ShotProcess(benchmark::State& state) {
+  const std::string folder = std::filesystem::temp_directory_path();
+  writeRing(folder + "/vistrel-bench.kpg");
+  const std::string command =
+      std::string(KPG_PROGRAM) + " shot " + folder + "/vistrel-bench.kpg -o " + folder + "/b.png";
+  for (auto _ : state)
+    if (std::system(command.c_str()) != 0) return state.SkipWithError("kpg shot failed");
+}
+BENCHMARK(ShotProcess)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+}  // namespace

@@ -1,0 +1,55 @@
+// Page files: a page made of the input is loaded, drawn and driven with keys and time, and read by the dumper.
+//
+// The first byte says how many of the following are actions; what is left is the page. It lies under the name "p", so
+// that a page can hold itself.
+#include <stdlib.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+
+#include "host/headless/headlessdesktop.h"
+#include "kpg/dump.h"
+#include "kpg/errors.h"
+
+namespace {
+
+constexpr const char* kKeys[] = {"Up",      "Down",     "Left",      "Right", "Select", "Clear", "Backspace", "UpLeft",
+                                 "UpRight", "DownLeft", "DownRight", "S",     "0",      "1",     "2",         "5"};
+
+void enterFolder() {
+  static const bool entered = [] {
+    std::string name = (std::filesystem::temp_directory_path() / "vistrel-fuzz-XXXXXX").string();
+    std::filesystem::current_path(mkdtemp(name.data()));
+    return true;
+  }();
+  (void)entered;
+}
+
+void act(HeadlessDesktop& desktop, uint8_t action) {
+  if (action >= 0xC0) return desktop.wait(action - 0xC0u);
+  desktop.key(kKeys[action % std::size(kKeys)]);
+  desktop.settle();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  if (size < 1 || size - 1 < data[0]) return 0;
+  enterFolder();
+  const uint8_t* actions = data + 1;
+  const uint8_t* page = actions + data[0];
+  std::ofstream("p", std::ios::binary).write(reinterpret_cast<const char*>(page), data + size - page);
+
+  HeadlessDesktop desktop;
+  desktop.start();
+  desktop.settle();
+  if (desktop.shell.loadPage("p")) desktop.settle();
+  for (size_t i = 0; i < data[0]; ++i) act(desktop, actions[i]);
+  try {
+    dumpPage("p", {page, data + size});
+  } catch (const CommandError&) {
+  }
+  return 0;
+}
