@@ -10,8 +10,7 @@
 
 namespace {
 
-constexpr int kMaxDepth = 300;        // a little more than the engine follows
-constexpr int kMaxObjects = 100'000;  // objects can lead to one another without end
+constexpr int kMaxDepth = 300;  // a little more than the engine follows
 
 std::string quoted(const char* text) {
   std::string out = "\"";
@@ -65,7 +64,8 @@ class Dumper {
     for (const auto& [name, value] : header)
       if (isWidget || value) line(indent, std::string(name) + ": " + std::to_string(value));
 
-    if (++objects > kMaxObjects || indent > 4 * kMaxDepth) {
+    // Objects can lead to one another without end, so the file's size bounds how many are told.
+    if (++objects > page.bytes.size() || indent > 4 * kMaxDepth) {
       line(indent, "# and so on");
     } else {
       const std::string type = typeOf(record);
@@ -193,7 +193,7 @@ class Dumper {
 
   const PageData& page;
   std::string out;
-  int objects = 0;
+  size_t objects = 0;
 };
 
 }  // namespace
