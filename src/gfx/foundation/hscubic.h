@@ -8,6 +8,7 @@
 #include "gfx/foundation/hspoint.h"
 
 inline hsFixed hsInterp(hsFixed a, hsFixed b, hsFixed t) { return hsWrapAdd(hsFixMul(t, hsWrapSub(b, a)), a); }
+inline hsPoint hsMidPoint(hsPoint a, hsPoint b) { return {hsFixedAverage(a.fX, b.fX), hsFixedAverage(a.fY, b.fY)}; }
 
 class hsCubic {
  public:

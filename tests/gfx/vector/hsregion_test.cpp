@@ -1,0 +1,345 @@
+#include "gfx/vector/hsregion.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "gfx/halt.h"
+#include "gfx/vector/pathtext.h"
+#include "gfx/vector/regionmodel.h"
+
+void PrintTo(const hsIntRect& r, std::ostream* out) {
+  *out << r.fLeft << "," << r.fTop << "," << r.fRight << "," << r.fBottom;
+}
+
+namespace {
+
+using testing::ElementsAre;
+using Rects = std::vector<hsIntRect>;
+
+constexpr int16_t S = hsRegion::kRunTypeSentinel;
+
+Rects RectsOf(const hsRegion& region) {
+  Rects rects;
+  for (hsRegionRectIter iter(region); !iter.IsDone(); iter.Next()) rects.push_back(iter.Rect());
+  return rects;
+}
+
+hsRegion RegionOf(const std::vector<int16_t>& runs) {
+  hsRegion region;
+  region.SetRuns(int32_t(runs.size()), runs.data());
+  return region;
+}
+
+std::vector<int16_t> RunsOf(const hsRegion& region) {
+  if (!region.Runs()) return {};
+  return {region.Runs(), region.Runs() + region.CountRuns()};
+}
+
+hsRegion Difference(const hsIntRect& a, const hsIntRect& b) {
+  hsRegion region;
+  region.Difference(a, b);
+  return region;
+}
+
+struct Operation {
+  const char* name;
+  void (hsRegion::*perform)(const hsRegion&, const hsRegion&);
+  bool (*keeps)(bool a, bool b);
+};
+
+const Operation kOperations[] = {
+    {"intersect", &hsRegion::Intersect, [](bool a, bool b) { return a && b; }},
+    {"union", &hsRegion::Union, [](bool a, bool b) { return a || b; }},
+    {"difference", &hsRegion::Difference, [](bool a, bool b) { return a && !b; }},
+    {"xor", &hsRegion::Xor, [](bool a, bool b) { return a != b; }},
+};
+
+TEST(Region, DifferenceOfNestedRectsHasThreeBands) {
+  EXPECT_EQ(RectsOf(Difference({0, 0, 30, 30}, {10, 10, 20, 20})),
+            (Rects{{0, 0, 30, 10}, {0, 10, 10, 20}, {20, 10, 30, 20}, {0, 20, 30, 30}}));
+}
+
+// Every operation on random regions gives the shortest runs of the right pixels, into a third region or an operand.
+TEST(Region, OperationsAgreeWithPixels) {
+  Random random(31);
+  ThrowOnHalt halt;
+  for (int i = 0; i < 2000; ++i) {
+    const PixelModel a = RandomModel(random), b = RandomModel(random);
+    const hsRegion aRegion = a.Region(), bRegion = b.Region();
+    for (const Operation& operation : kOperations) {
+      PixelModel want;
+      for (size_t y = 0; y < kModelSize; ++y)
+        for (size_t x = 0; x < kModelSize; ++x) want.pixels[y][x] = operation.keeps(a.pixels[y][x], b.pixels[y][x]);
+      hsRegion result, overA = aRegion, overB = bRegion;
+      (result.*operation.perform)(aRegion, bRegion);
+      (overA.*operation.perform)(overA, bRegion);
+      (overB.*operation.perform)(aRegion, overB);
+      ASSERT_TRUE(result == want.Region()) << operation.name << i;
+      ASSERT_TRUE(result.Validate());
+      ASSERT_TRUE(overA == result && overB == result) << operation.name << i;
+    }
+  }
+}
+
+TEST(Region, AGapBetweenOperandsIsAnEmptyBand) {
+  for (const Operation& operation : {kOperations[1], kOperations[3]}) {
+    hsRegion result;
+    (result.*operation.perform)(hsRegion(hsIntRect{0, 0, 5, 2}), hsRegion(hsIntRect{0, 7, 5, 9}));
+    EXPECT_THAT(RunsOf(result), ElementsAre(0, 2, 0, 5, S, 7, S, 9, 0, 5, S, S));
+    EXPECT_EQ(result.Bounds(), (hsIntRect{0, 0, 5, 9}));
+  }
+}
+
+TEST(Region, ResultsThatAreRectanglesBecomeOnes) {
+  hsRegion region;
+  region.Union(hsIntRect{0, 0, 10, 5}, hsIntRect{0, 5, 10, 9});
+  EXPECT_TRUE(region.IsRect());
+  EXPECT_EQ(region.Bounds(), (hsIntRect{0, 0, 10, 9}));
+  region.Xor(hsIntRect{0, 0, 10, 5}, hsIntRect{10, 0, 20, 5});
+  EXPECT_EQ(RectsOf(region), (Rects{{0, 0, 20, 5}}));
+  region.Difference(region, hsIntRect{0, 0, 20, 5});
+  EXPECT_TRUE(region.IsEmpty());
+  EXPECT_EQ(region.Bounds(), (hsIntRect{0, 0, 0, 0}));
+}
+
+// 100 spans on each of 200 thin bands come of two operands that have only some hundreds of elements.
+TEST(Region, AResultCanBeMuchLargerThanItsOperands) {
+  std::vector<int16_t> fence{0, 400}, shelves{0};
+  for (int16_t i = 0; i < 100; ++i) fence.insert(fence.end(), {int16_t(4 * i), int16_t(4 * i + 2)});
+  fence.insert(fence.end(), {S, S});
+  for (int16_t i = 0; i < 200; ++i)
+    shelves.insert(shelves.end(), {int16_t(2 * i + 1), 500, 510, S, int16_t(2 * i + 2), S});
+  shelves.push_back(S);
+  hsRegion result;
+  result.Union(RegionOf(fence), RegionOf(shelves));
+  EXPECT_TRUE(result.Validate());
+  EXPECT_EQ(RectsOf(result).size(), 200u * 101 + 200u * 100);
+}
+
+TEST(Region, QueriesAgreeWithPixels) {
+  Random random(32);
+  ThrowOnHalt halt;
+  for (int i = 0; i < 300; ++i) {
+    const PixelModel model = RandomModel(random);
+    const hsRegion region = model.Region();
+    const auto at = [&](int x, int y) { return model.pixels[size_t(y)][size_t(x)]; };
+    for (int k = 0; k < 60; ++k) {
+      const int x = int(random() % kModelSize), y = int(random() % kModelSize);
+      ASSERT_EQ(region.Contains(x, y), at(x, y));
+      const hsIntRect r = RandomRect(random, 10);
+      bool all = true, any = false;
+      for (int v = r.fTop; v < r.fBottom; ++v)
+        for (int u = r.fLeft; u < r.fRight; ++u) all &= at(u, v), any |= at(u, v);
+      ASSERT_EQ(region.Contains(r), all);
+      ASSERT_EQ(region.Intersects(r), any);
+
+      PixelBlitter cut;
+      PixelModel want;
+      region.Blit(r, &cut);
+      for (int v = r.fTop; v < r.fBottom; ++v)
+        for (int u = r.fLeft; u < r.fRight; ++u) want.pixels[size_t(v)][size_t(u)] = at(u, v);
+      ASSERT_TRUE(cut.drawn == want && !cut.twice);
+    }
+    // Spans in any order of rows, so that the clipper seeks both ways.
+    for (int k = 0; k < 60; ++k) {
+      const int y = int(random() % kModelSize), left = int(random() % kModelSize);
+      const int right = left + int(random() % unsigned(kModelSize - left));
+      PixelBlitter span;
+      region.BlitClipped(y, left, right, &span);
+      PixelModel want;
+      for (int x = left; x < right; ++x) want.pixels[size_t(y)][size_t(x)] = at(x, y);
+      ASSERT_TRUE(span.drawn == want && !span.twice);
+    }
+    ASSERT_TRUE(region.Validate());
+  }
+}
+
+TEST(Region, ClipSpanGivesTheFirstPieceOnly) {
+  hsRegion ring = Difference({0, 0, 30, 30}, {10, 10, 20, 20});
+  int32_t left = 5, right = 40;
+  EXPECT_TRUE(ring.ClipSpan(15, &left, &right));
+  EXPECT_EQ(left, 5);
+  EXPECT_EQ(right, 10);
+  left = 12, right = 18;
+  EXPECT_FALSE(ring.ClipSpan(15, &left, &right));
+  EXPECT_EQ(left, 12);
+  EXPECT_EQ(right, 18);
+  EXPECT_EQ(AssertOf([&] { ring.ClipSpan(15, &right, &left); }), "bad left-right for clipSpan");
+  left = 20, right = 40000;
+  EXPECT_EQ(AssertOf([&] { ring.ClipSpan(15, &left, &right); }), "value out of runtype range");
+  // A rectangle only clamps, down to nothing.
+  hsRegion rect(hsIntRect{10, 0, 20, 1});
+  left = 0, right = 10;
+  EXPECT_TRUE(rect.ClipSpan(0, &left, &right));
+  EXPECT_EQ(left, right);
+  left = 20, right = 30;
+  EXPECT_FALSE(rect.ClipSpan(0, &left, &right));
+}
+
+TEST(Region, RowIteratorsMirrorEachOther) {
+  Random random(33);
+  for (int i = 0; i < 300; ++i) {
+    const PixelModel model = RandomModel(random);
+    const hsRegion region = model.Region();
+    if (region.IsRect()) {
+      EXPECT_EQ(ReportOf([&] { hsRegionRowIter iter(region); }), "nil param: 0");
+      EXPECT_EQ(ReportOf([&] { hsRegionReverseRowIter iter(region); }), "nil param: 0");
+      continue;
+    }
+    std::vector<std::array<int32_t, 3>> want, forward, backward;
+    for (int y = 0; y < kModelSize; ++y) {
+      const std::vector<int16_t> row = model.Row(y);
+      for (size_t k = 0; k < row.size(); k += 2) want.push_back({y, row[k], row[k + 1]});
+    }
+    int32_t y, left, right;
+    for (hsRegionRowIter iter(region); iter.Next(&y, &left, &right);) forward.push_back({y, left, right});
+    for (hsRegionReverseRowIter iter(region); iter.Next(&y, &left, &right);) backward.push_back({y, left, right});
+    std::reverse(backward.begin(), backward.end());
+    ASSERT_EQ(forward, want);
+    ASSERT_EQ(backward, want);
+  }
+}
+
+TEST(RegionBuilder, MakesTheShortestRuns) {
+  Random random(34);
+  ThrowOnHalt halt;
+  for (int i = 0; i < 500; ++i) {
+    const PixelModel model = RandomModel(random);
+    hsRegionBuilder builder;
+    for (int y = 0; y < kModelSize; ++y) {
+      const std::vector<int16_t> row = model.Row(y);
+      for (size_t k = 0; k < row.size(); k += 2) {
+        // Some spans come in two pieces that touch.
+        const int width = row[k + 1] - row[k], first = width > 1 && random() % 2 ? 1 : 0;
+        if (first) builder.BlitH(y, row[k], first);
+        builder.BlitH(y, row[k] + first, width - first);
+      }
+    }
+    int32_t count;
+    const int16_t* runs = builder.Finish(&count);
+    ASSERT_THAT(std::vector<int16_t>(runs, runs + count), testing::ElementsAreArray(model.Runs())) << i;
+  }
+}
+
+TEST(RegionBuilder, WritesAGapAndNothing) {
+  hsRegionBuilder builder;
+  builder.BlitH(0, 3, 2);
+  builder.BlitH(2, 3, 2);
+  EXPECT_EQ(AssertOf([&] { builder.BlitH(3, 32760, 10); }), "value out of runtype range");
+  int32_t count;
+  const int16_t* runs = builder.Finish(&count);
+  EXPECT_THAT(std::vector<int16_t>(runs, runs + count), ElementsAre(0, 1, 3, 5, S, 2, S, 3, 3, 5, S, S));
+  EXPECT_EQ((hsRegionBuilder().Finish(&count), count), 1);
+}
+
+TEST(Region, TranslatesItselfOrACopy) {
+  const hsRegion ring = Difference({0, 0, 30, 30}, {10, 10, 20, 20});
+  hsRegion moved;
+  hsRegion(ring).Translate(-5, 7, &moved);
+  EXPECT_EQ(RectsOf(moved), (Rects{{-5, 7, 25, 17}, {-5, 17, 5, 27}, {15, 17, 25, 27}, {-5, 27, 25, 37}}));
+  EXPECT_EQ(moved.Bounds(), (hsIntRect{-5, 7, 25, 37}));
+  int32_t left = 0, right = 50;
+  EXPECT_TRUE(moved.ClipSpan(20, &left, &right));
+  moved.Translate(100, 0);  // under its clipper
+  left = 0, right = 500;
+  EXPECT_TRUE(moved.ClipSpan(20, &left, &right));
+  EXPECT_EQ(left, 95);
+  hsRegion nothing;
+  nothing.Translate(5, 5);
+  EXPECT_TRUE(nothing.IsEmpty());
+  EXPECT_EQ(AssertOf([&] { moved.Translate(32767, 0); }), "value out of runtype range");
+  // Only the way is checked, not where it leads; what has left the range can be walked but isn't a region any more.
+  moved.Translate(32766, 0);
+  EXPECT_EQ(RectsOf(moved).size(), 4u);
+  EXPECT_EQ(AssertOf([&] { moved.Union(moved, ring); }), "rgn validate failed");
+}
+
+TEST(Region, MalformedRunsAreRefused) {
+  const std::vector<int16_t> cases[] = {
+      {0, 10, 5, 8, S, S, S},          // goes on behind its end
+      {0, 10, 5, 8, 9, S, S},          // half a span
+      {0, 10, 5, 8, 8, 9, S, S},       // spans that touch
+      {0, 10, 8, 5, 12, 13, S, S},     // right before left
+      {10, 10, 5, 8, S, 12, S, S},     // a band without rows
+      {0, 10, 5, 8, S, 12, 1, 2, S},   // no end
+      {0, 10, S, 12, S, 14, S, S},     // no pixels
+      {0, 10, -32767, 8, S, 12, S, S}  // out of range
+  };
+  for (const auto& runs : cases) {
+    EXPECT_EQ(AssertOf([&] { RegionOf(runs); }), "rgn validate failed");
+    ReturnOnHalt halt;
+    EXPECT_TRUE(RegionOf(runs).IsEmpty());
+  }
+  const std::vector<int16_t> ring = RunsOf(Difference({0, 0, 30, 30}, {10, 10, 20, 20}));
+  const hsIntRect wrong{0, 0, 30, 31};
+  EXPECT_EQ(AssertOf([&] { hsRegion(int32_t(ring.size()), ring.data(), &wrong); }), "rgn validate failed");
+  EXPECT_EQ(AssertOf([&] { hsRegion(6, ring.data()); }), "bad count");
+  EXPECT_EQ(RectsOf(RegionOf({0, 10, 5, 8, S, S})), (Rects{{5, 0, 8, 10}}));
+  EXPECT_TRUE(RegionOf({S}).IsEmpty());
+  EXPECT_EQ(AssertOf([&] { Difference({0, 0, 40000, 9}, {1, 1, 2, 2}); }), "value out of runtype range");
+}
+
+TEST(Region, WhateverIsReadAsRunsStaysInside) {
+  Random random(35);
+  ReturnOnHalt halt;
+  int taken = 0;
+  testing::internal::CaptureStdout();
+  for (int i = 0; i < 20000; ++i) {
+    std::vector<int16_t> runs(random() % 24);
+    int16_t last = 0;
+    for (int16_t& value : runs) value = random() % 4 == 0 ? S : last = int16_t(last % 64 + int(random() % 9));
+    const hsRegion region = RegionOf(runs);
+    taken += !region.IsRect();
+    hsRegion other;
+    other.Xor(region, hsIntRect{2, 2, 30, 30});
+  }
+  testing::internal::GetCapturedStdout();
+  EXPECT_GT(taken, 20);
+}
+
+TEST(Region, OfAPath) {
+  hsRegion region;
+  region.SetPath(PathOf("M 0 0 L 10.4 0 L 10.4 5.5 L 0 5.5 Z"));
+  EXPECT_EQ(RectsOf(region), (Rects{{0, 0, 10, 6}}));
+  region.SetPath(PathOf("M 5 2 L 20 2 L 20 20 L 5 20 Z"), hsRegion::kIntersectPath);
+  EXPECT_EQ(RectsOf(region), (Rects{{5, 2, 10, 6}}));
+}
+
+TEST(Region, CopiesAreTheirOwn) {
+  hsRegion ring = Difference({0, 0, 30, 30}, {10, 10, 20, 20}), copy = ring, other;
+  int32_t left = 0, right = 30;
+  EXPECT_TRUE(ring.ClipSpan(15, &left, &right));
+  other = ring;
+  EXPECT_TRUE(other == copy && other.Validate() && ring.Validate());
+  ring.SetRect(1, 2, 3, 4);
+  EXPECT_TRUE(ring.Validate());
+  EXPECT_TRUE(other == copy);
+  EXPECT_FALSE(other == ring);
+  other.Swap(ring);
+  EXPECT_EQ(other.Bounds(), (hsIntRect{1, 2, 3, 4}));
+  ring = std::move(other);
+  EXPECT_TRUE(ring.IsRect());
+  const hsRegion& self = ring;
+  ring = self;
+  EXPECT_EQ(ring.Bounds(), (hsIntRect{1, 2, 3, 4}));
+}
+
+TEST(Blitter, ARectangleIsRowsFromTheTop) {
+  struct Rows : hsGBlitter {
+    void BlitH(int32_t y, int32_t x, int32_t width) override {
+      EXPECT_EQ(x, 3);
+      EXPECT_EQ(width, 4);
+      rows.push_back(y);
+    }
+    std::vector<int32_t> rows;
+  } blitter;
+  blitter.BlitRect(7, 3, 4, 3);
+  EXPECT_THAT(blitter.rows, ElementsAre(7, 8, 9));
+  EXPECT_EQ(AssertOf([&] { blitter.BlitRect(7, 3, 4, 0); }), "bad height");
+  uint32_t value;
+  EXPECT_EQ(blitter.GetDirectTarget(&value), nullptr);
+}
+
+}  // namespace

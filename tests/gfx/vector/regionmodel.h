@@ -1,0 +1,95 @@
+// A region as a bitmap of pixels, the slow and certain way.
+#pragma once
+
+#include <array>
+#include <random>
+#include <vector>
+
+#include "gfx/vector/hsregion.h"
+#include "gfx/vector/hsregionbuilder.h"
+#include "gfx/vector/hsregioniter.h"
+
+constexpr int kModelSize = 64;  // pixels either way
+
+struct PixelModel {
+  std::array<std::array<bool, kModelSize>, kModelSize> pixels{};
+
+  bool operator==(const PixelModel&) const = default;
+  void Fill(const hsIntRect& r, bool value = true) {
+    for (int y = r.fTop; y < r.fBottom; ++y)
+      for (int x = r.fLeft; x < r.fRight; ++x) pixels[size_t(y)][size_t(x)] = value;
+  }
+  // The spans of a row, left and right by turns.
+  std::vector<int16_t> Row(int y) const {
+    std::vector<int16_t> edges;
+    for (int x = 0; x <= kModelSize; ++x) {
+      const bool now = x < kModelSize && pixels[size_t(y)][size_t(x)];
+      if (now != (edges.size() % 2 == 1)) edges.push_back(int16_t(x));
+    }
+    return edges;
+  }
+  // The shortest runs for these pixels: alike rows in one band, no empty band at either end.
+  std::vector<int16_t> Runs() const {
+    std::vector<int16_t> runs, band;
+    size_t kept = 0;  // the length of runs up to the last band with spans
+    for (int y = 0; y < kModelSize; ++y) {
+      const std::vector<int16_t> row = Row(y);
+      if (runs.empty() && row.empty()) continue;
+      if (runs.empty()) runs.push_back(int16_t(y));
+      if (runs.size() > 1 && row == band) {
+        runs[runs.size() - row.size() - 2] = int16_t(y + 1);
+        continue;
+      }
+      band = row;
+      runs.push_back(int16_t(y + 1));
+      runs.insert(runs.end(), row.begin(), row.end());
+      runs.push_back(hsRegion::kRunTypeSentinel);
+      if (!row.empty()) kept = runs.size();
+    }
+    if (kept > 0 && runs.size() != kept) runs.resize(kept);
+    runs.push_back(hsRegion::kRunTypeSentinel);
+    return runs;
+  }
+  hsRegion Region() const {
+    const std::vector<int16_t> runs = Runs();
+    hsRegion region;
+    region.SetRuns(int32_t(runs.size()), runs.data());
+    return region;
+  }
+};
+
+// Notes every pixel, and whether one came twice.
+struct PixelBlitter : hsGBlitter {
+  void BlitH(int32_t y, int32_t x, int32_t width) override {
+    for (int32_t i = x; i < x + width; ++i) {
+      bool& pixel = drawn.pixels.at(size_t(y)).at(size_t(i));
+      twice |= pixel;
+      pixel = true;
+    }
+  }
+  PixelModel drawn;
+  bool twice = false;
+};
+
+inline PixelModel ModelOf(const hsRegion& region) {
+  PixelModel model;
+  for (hsRegionRectIter iter(region); !iter.IsDone(); iter.Next()) model.Fill(iter.Rect());
+  return model;
+}
+
+using Random = std::mt19937;
+
+inline hsIntRect RandomRect(Random& random, int maxSize = kModelSize) {
+  const int left = int(random() % kModelSize), top = int(random() % kModelSize);
+  const int width = 1 + int(random() % unsigned(maxSize)), height = 1 + int(random() % unsigned(maxSize));
+  return {left, top, std::min(left + width, kModelSize), std::min(top + height, kModelSize)};
+}
+
+// Nothing, a rectangle, a few shapes with gaps between them, or many small ones.
+inline PixelModel RandomModel(Random& random) {
+  PixelModel model;
+  const unsigned kind = random() % 8;
+  const int count = kind == 0 ? 0 : kind == 1 ? 1 : kind < 6 ? 2 + int(random() % 8) : 80;
+  for (int i = 0; i < count; ++i) model.Fill(RandomRect(random, kind == 6 ? 4 : 24), kind < 3 || random() % 4 != 0);
+  return model;
+}
