@@ -1,246 +1,204 @@
 #include "t2k/crossings.h"
 
-#include <algorithm>
-
-#include "gfx/foundation/hstypes.h"
-
 namespace {
 
-constexpr int32_t kLongSpan = 32768;
-constexpr int kMaxDepth = 16;  // of a curve's subdivision; 32 bits of error halve twice a step
+constexpr int kLineRoom = 16;  // crossings that a line has room for at first
+constexpr uint32_t kRisingKinds = kVerticalRising | kHorizontalRising;
 
-// Whether the extent lo..hi of a curve piece may cross a centre line.
-inline bool CrossesCentre(int32_t lo, int32_t hi) {
-  if (hi - lo >= 64) return true;
-  const int32_t lowFraction = lo & 63, highFraction = hi & 63;
-  if (lo >> 6 == hi >> 6) return lowFraction <= 32 && highFraction >= 32;
-  return !(highFraction < 32 && lowFraction > 32);
+inline Crossing PlaceOf(Crossing c) { return c >> kKindBits; }
+
+inline void OrderPair(Crossing& a, Crossing& b) {
+  const Crossing low = std::min(a, b);
+  b = std::max(a, b);
+  a = low;
 }
 
-int DepthForError(int32_t error) {
-  int depth = 0;
-  for (; error > 1; error >>= 2) ++depth;
-  return depth;
+// Most lines have two or four crossings; those are sorted without a branch.
+inline void SortLine(Crossing* c, int count) {
+  if (count == 2) return OrderPair(c[0], c[1]);
+  if (count == 4) {
+    OrderPair(c[0], c[1]);
+    OrderPair(c[2], c[3]);
+    OrderPair(c[0], c[2]);
+    OrderPair(c[1], c[3]);
+    OrderPair(c[1], c[2]);
+    return;
+  }
+  for (int i = 1; i < count; ++i) {
+    const Crossing moving = c[i];
+    int j = i;
+    for (; j > 0 && c[j - 1] > moving; --j) c[j] = c[j - 1];
+    c[j] = moving;
+  }
 }
 
-int32_t QuadraticError(int32_t a, int32_t b, int32_t c) { return std::abs((a - 2 * b + c + 2) >> 2); }
-int32_t CubicError(int32_t a, int32_t b, int32_t c, int32_t d) { return std::abs(((b + c - a - d) * 3 + 4) >> 3); }
+inline bool SamePlace(Crossing a, Crossing b) { return PlaceOf(a) == PlaceOf(b); }
+
+// Whether it matters in which order crossings of two kinds at one place stand. It does where the second of them would
+// end one span and the first begin another, or the other way about, and where they are more than two.
+bool IsUndecided(const Crossing* c, int count) {
+  int winding = 0;
+  for (int i = 0; i + 1 < count; ++i) {
+    if (SamePlace(c[i], c[i + 1]) && c[i] != c[i + 1]) {
+      const bool more = (i > 0 && SamePlace(c[i - 1], c[i])) || (i + 2 < count && SamePlace(c[i + 1], c[i + 2]));
+      if (more || winding == 1 || winding == -1) return true;
+    }
+    winding += c[i] & kRisingKinds ? 1 : -1;
+  }
+  return false;
+}
+
+// Whether the line is in order as it stands: crossings rise and fall in pairs from the first on, so that nothing
+// overlaps, and no span begins where the one ahead of it ends.
+inline bool IsPlain(const Crossing* c, int count) {
+  if (count == 2) return (c[0] ^ c[1]) & kRisingKinds;
+  if (count & 1) return false;
+  Crossing opposite = (c[0] ^ c[1]) & kRisingKinds;
+  bool touching = false;
+  for (int i = 2; i < count; i += 2) {
+    opposite &= c[i] ^ c[i + 1];
+    touching |= SamePlace(c[i - 1], c[i]);
+  }
+  return opposite && !touching;
+}
+
+// A crossing below the slot of its line, in the order of the walk. The kind in the low bits takes no part in sorting.
+using SequencedCrossing = uint64_t;
+
+// Not stable: where crossings of different kinds share a place, which of them survives an overlap hangs on the order
+// that this very sort leaves them in.
+void ShellSort(SequencedCrossing* c, int n) {
+  int gap = 1;
+  while (gap <= n / 9) gap = 3 * gap + 1;
+  for (; gap > 0; gap /= 3) {
+    for (int i = gap; i < n; ++i) {
+      const SequencedCrossing moving = c[i];
+      int j = i;
+      for (; j >= gap && c[j - gap] >> kKindBits > moving >> kKindBits; j -= gap) c[j] = c[j - gap];
+      c[j] = moving;
+    }
+  }
+}
+
+// A crossing at which the winding rises above one lies inside, and so does the one behind it. Gives what is left.
+int StrikeLine(tsiMemObject* mem, Crossing* line, int count) {
+  int winding = 0, left = 0;
+  bool strikeNext = false;
+  for (int i = 0; i < count; ++i) {
+    winding += line[i] & kRisingKinds ? 1 : -1;
+    const bool inside = winding > 1 || winding < -1;
+    if (!inside && !strikeNext) line[left++] = line[i];
+    strikeNext = inside;
+  }
+  tsi_Assert(mem, winding == 0);
+  return left;
+}
 
 }  // namespace
 
-CrossingTable::CrossingTable(tsiMemObject* mem)
-    : mem_(mem),
-      edges_(mem, kFirstEdges),
-      maxEdges_(kFirstEdges),
-      bounds_{kCrossingLimit, kCrossingLimit, -kCrossingLimit, -kCrossingLimit} {}
+// Deals crossings out to their lines as they come.
+class CrossingTable::LineSink {
+ public:
+  explicit LineSink(CrossingTable* table) : table_(table), entries_(table->entries_.get()), count_(table->count_) {}
 
-bool CrossingTable::Reserve(int more) {
-  if (more <= maxEdges_ - numEdges_) return true;
-  if (more > kMaxEdges - numEdges_) {
-    overflowed_ = true;
-    return false;
+  bool Begin(bool vertical, int32_t line, int) {
+    slot_ = table_->SlotOf(vertical, line);
+    return true;
   }
-  while (maxEdges_ < numEdges_ + more) maxEdges_ += maxEdges_ / 2;
-  edges_.Resize(uint32_t(maxEdges_));
+  // A line without room counts on and writes over its last place.
+  void Put(int32_t along, uint32_t kind) {
+    const int32_t count = count_[slot_]++;
+    entries_[slot_ * kLineRoom + std::min(count, kLineRoom - 1)] = MakeCrossing(along, kind);
+    ++slot_;
+  }
+
+ private:
+  const CrossingTable* table_;
+  Crossing* entries_;
+  int32_t* count_;
+  int slot_ = 0;
+};
+
+class CrossingTable::SequenceSink {
+ public:
+  explicit SequenceSink(CrossingTable* table) : table_(table) {}
+
+  bool Begin(bool vertical, int32_t line, int count) {
+    if (count > kMaxEdges - int(all.size())) table_->overflowed_ = true;
+    slot_ = table_->SlotOf(vertical, line);
+    return !table_->overflowed_;
+  }
+  void Put(int32_t along, uint32_t kind) { all.push_back(uint64_t(slot_++) << 32 | MakeCrossing(along, kind)); }
+
+  std::vector<SequencedCrossing> all;
+
+ private:
+  CrossingTable* table_;
+  int slot_ = 0;
+};
+
+CrossingTable::CrossingTable(const GlyphClass& glyph, const CrossingBounds& box, int oversample)
+    : mem_(glyph.mem),
+      glyph_(glyph),
+      oversample_(oversample),
+      rows_((box.ymax * oversample >> 6) - (box.ymin * oversample >> 6) + 1),
+      columns_((box.xmax * oversample >> 6) - (box.xmin * oversample >> 6) + 1),
+      lowRow_(box.ymin * oversample >> 6),
+      lowColumn_(box.xmin * oversample >> 6),
+      entries_(mem_, uint32_t(rows_ + columns_) * kLineRoom),
+      start_(mem_, uint32_t(rows_ + columns_) * 2),
+      count_(start_.get() + rows_ + columns_),
+      bounds_{kCrossingLimit, kCrossingLimit, -kCrossingLimit, -kCrossingLimit} {
+  const int slots = rows_ + columns_;
+  for (int slot = 0; slot < slots; ++slot) start_[size_t(slot)] = slot * kLineRoom;
+  std::fill_n(count_, slots, 0);
+  LineSink sink(this);
+  OutlineWalker<LineSink>(glyph, oversample, sink).Walk();
+  if (!SortLines()) SortInSequence();
+  if (!overflowed_) SetBounds();
+}
+
+// Sorts and strikes each line by itself, which is cheap. False if that isn't enough: a line is crowded, or an order
+// undecided.
+bool CrossingTable::SortLines() {
+  for (int slot = 0; slot < rows_ + columns_; ++slot) {
+    const int count = count_[slot];
+    if (!count) continue;
+    if (count > kLineRoom) return false;
+    Crossing* line = LineAt(slot);
+    SortLine(line, count);
+    if (IsPlain(line, count)) continue;
+    if (IsUndecided(line, count)) return false;
+    count_[slot] = StrikeLine(mem_, line, count);
+  }
   return true;
 }
 
-// The crossings with the centre lines of one axis: a runs across the lines, b along them. Positions are b0 plus an
-// exact quotient cut toward zero, kept up from line to line by its remainder.
-template <bool kVertical>
-inline void CrossingTable::AddCrossings(int32_t a0, int32_t b0, int32_t a1, int32_t b1) {
-  constexpr CrossingKind kRising = kVertical ? kVerticalRising : kHorizontalRising;
-  constexpr CrossingKind kFalling = kVertical ? kVerticalFalling : kHorizontalFalling;
-  CrossingKind kind = kRising;
-  if (a0 > a1) {
-    std::swap(a0, a1);
-    std::swap(b0, b1);
-    kind = kFalling;
+void CrossingTable::SortInSequence() {
+  SequenceSink sink(this);
+  OutlineWalker<SequenceSink>(glyph_, oversample_, sink).Walk();
+  if (overflowed_) return;
+  ShellSort(sink.all.data(), int(sink.all.size()));
+  const int slots = rows_ + columns_;
+  entries_.Resize(uint32_t(sink.all.size()));
+  std::fill_n(count_, slots, 0);
+  for (size_t i = 0; i < sink.all.size(); ++i) {
+    const auto slot = size_t(sink.all[i] >> 32);
+    if (!count_[slot]++) start_[slot] = int32_t(i);
+    entries_[i] = Crossing(sink.all[i]);
   }
-  int32_t line = ((a0 + 31) & ~63) + 32;
-  if (line > a1) return;
-  const int count = ((a1 - line) >> 6) + 1;
-  if (!Reserve(count)) return;
+  for (int slot = 0; slot < slots; ++slot) count_[slot] = StrikeLine(mem_, LineAt(slot), count_[slot]);
+}
 
-  int32_t across = a1 - a0;
-  int32_t along = b1 - b0;
-  while (across > kLongSpan) {
-    across >>= 1;
-    along >>= 1;
-  }
-  const bool backward = along < 0;
-  const uint64_t steep = hsMagnitude32(along);
-  const uint32_t divisor = uint32_t(across);
-  const uint64_t numerator = steep * uint32_t(line - a0);
-  uint32_t quotient, remainder;
-  if (numerator <= UINT32_MAX) [[likely]] {
-    quotient = uint32_t(numerator) / divisor;
-    remainder = uint32_t(numerator) % divisor;
-  } else {
-    quotient = uint32_t(numerator / divisor);
-    remainder = uint32_t(numerator % divisor);
-  }
-
-  Crossing* out = edges_.get() + numEdges_;
-  numEdges_ += count;
-  const int32_t first = backward ? b0 - int32_t(quotient) : b0 + int32_t(quotient);
-  int32_t last = first;
-  *out++ = MakeCrossing(line, first, kind);
-  if (count > 1) {
-    const uint64_t step = steep * 64;
-    const uint32_t stepQuotient = uint32_t(step / divisor);
-    const uint32_t stepRemainder = uint32_t(step % divisor);
-    for (int i = 1; i < count; ++i) {
-      line += 64;
-      quotient += stepQuotient;
-      remainder += stepRemainder;
-      if (remainder >= divisor) {
-        remainder -= divisor;
-        ++quotient;
-      }
-      last = backward ? b0 - int32_t(quotient) : b0 + int32_t(quotient);
-      *out++ = MakeCrossing(line, last, kind);
-    }
-  }
-
-  const int32_t firstLine = line - (count - 1) * 64;
+void CrossingTable::SetBounds() {
   auto& [xmin, ymin, xmax, ymax] = bounds_;
-  (kVertical ? xmin : ymin) = std::min(kVertical ? xmin : ymin, firstLine);
-  (kVertical ? xmax : ymax) = std::max(kVertical ? xmax : ymax, line);
-  (kVertical ? ymin : xmin) = std::min({kVertical ? ymin : xmin, first, last});
-  (kVertical ? ymax : xmax) = std::max({kVertical ? ymax : xmax, first, last});
-}
-
-void CrossingTable::AddLine(Point p, Point q) {
-  p = {p.x | 1, p.y | 1};
-  q = {q.x | 1, q.y | 1};
-  AddCrossings<true>(p.x, p.y, q.x, q.y);
-  AddCrossings<false>(p.y, p.x, q.y, q.x);
-}
-
-void CrossingTable::AddQuadratic(Point a, Point b, Point c) {
-  struct Piece {
-    Point a, b, c;
-    int depth;
+  const auto extend = [](const LineSpans& spans, int32_t& lineMin, int32_t& lineMax, int32_t& min, int32_t& max) {
+    if (!spans.count) return;
+    lineMin = std::min(lineMin, spans.line);
+    lineMax = std::max(lineMax, spans.line);
+    min = std::min(min, AlongOf(spans.begin[0]));
+    max = std::max(max, AlongOf(spans.begin[spans.count - 1]));
   };
-  Piece stack[kMaxDepth + 2];
-  Piece* top = stack;
-  *top = {a, b, c, DepthForError(std::max(QuadraticError(a.x, b.x, c.x), QuadraticError(a.y, b.y, c.y)))};
-  for (;;) {
-    const Piece piece = *top;
-    const auto [left, right] = std::minmax({piece.a.x, piece.b.x, piece.c.x});
-    const auto [low, high] = std::minmax({piece.a.y, piece.b.y, piece.c.y});
-    if (CrossesCentre(left, right) || CrossesCentre(low, high)) {
-      if (piece.depth > 0) {
-        const Point ab = Middle(piece.a, piece.b), bc = Middle(piece.b, piece.c), abc = Middle(ab, bc);
-        top[0] = {abc, bc, piece.c, piece.depth - 1};
-        top[1] = {piece.a, ab, abc, piece.depth - 1};
-        ++top;
-        continue;
-      }
-      AddLine(piece.a, piece.c);
-    }
-    if (top-- == stack) return;
-  }
-}
-
-void CrossingTable::AddCubic(Point a, Point b, Point c, Point d) {
-  struct Piece {
-    Point a, b, c, d;
-    int depth;
-  };
-  Piece stack[kMaxDepth + 2];
-  Piece* top = stack;
-  *top = {a, b, c, d, DepthForError(std::max(CubicError(a.x, b.x, c.x, d.x), CubicError(a.y, b.y, c.y, d.y)))};
-  for (;;) {
-    const Piece piece = *top;
-    const auto [left, right] = std::minmax({piece.a.x, piece.b.x, piece.c.x, piece.d.x});
-    const auto [low, high] = std::minmax({piece.a.y, piece.b.y, piece.c.y, piece.d.y});
-    if (CrossesCentre(left, right) || CrossesCentre(low, high)) {
-      if (piece.depth > 0) {
-        const Point ab = Middle(piece.a, piece.b), bc = Middle(piece.b, piece.c), cd = Middle(piece.c, piece.d);
-        const Point abc = Middle(ab, bc), bcd = Middle(bc, cd), abcd = Middle(abc, bcd);
-        top[0] = {abcd, bcd, cd, piece.d, piece.depth - 1};
-        top[1] = {piece.a, ab, abc, abcd, piece.depth - 1};
-        ++top;
-        continue;
-      }
-      AddLine(piece.a, piece.d);
-    }
-    if (top-- == stack) return;
-  }
-}
-
-void CrossingTable::AddQuadraticContour(const GlyphClass& glyph, int first, int last, int oversample) {
-  const auto pointAt = [&](int i) { return Point{glyph.x[i] * oversample, glyph.y[i] * oversample}; };
-  int start = first;
-  while (start <= last && !glyph.onCurve[start]) ++start;
-  const bool noneOnCurve = start > last;
-  if (noneOnCurve) start = last;
-
-  const Point startPoint = noneOnCurve ? Middle(pointAt(last), pointAt(first)) : pointAt(start);
-  Point current = startPoint;
-  Point control{};
-  bool haveControl = false;
-  const auto curveOrLineTo = [&](Point p) {
-    if (haveControl) {
-      AddQuadratic(current, control, p);
-    } else {
-      AddLine(current, p);
-    }
-    current = p;
-  };
-  const int count = last - first + 1;
-  const int between = noneOnCurve ? count : count - 1;  // points to walk before the start comes round again
-  int i = start;
-  for (int k = 0; k < between; ++k) {
-    i = i == last ? first : i + 1;
-    const Point p = pointAt(i);
-    if (glyph.onCurve[i]) {
-      curveOrLineTo(p);
-      haveControl = false;
-      continue;
-    }
-    if (haveControl) curveOrLineTo(Middle(control, p));
-    control = p;
-    haveControl = true;
-  }
-  curveOrLineTo(startPoint);
-}
-
-void CrossingTable::AddCubicContour(const GlyphClass& glyph, int first, int last, int oversample) {
-  const auto pointAt = [&](int i) { return Point{glyph.x[i] * oversample, glyph.y[i] * oversample}; };
-  int start = first;
-  while (start <= last && !glyph.onCurve[start]) ++start;
-  tsi_Assert(mem_, start <= last);
-  const int count = last - first + 1;
-  const auto indexAt = [&](int k) { return first + (start - first + k) % count; };
-  Point current = pointAt(start);
-  for (int k = 1; k <= count;) {
-    const int b = indexAt(k);
-    if (glyph.onCurve[b]) {
-      AddLine(current, pointAt(b));
-      current = pointAt(b);
-      ++k;
-      continue;
-    }
-    const int c = indexAt(k + 1), d = indexAt(k + 2);
-    tsi_Assert(mem_, k + 2 <= count && !glyph.onCurve[c] && glyph.onCurve[d]);
-    AddCubic(current, pointAt(b), pointAt(c), pointAt(d));
-    current = pointAt(d);
-    k += 3;
-  }
-}
-
-bool CrossingTable::AddOutline(const GlyphClass& glyph, int oversample) {
-  for (int i = 0; i < glyph.contourCount && !overflowed_; ++i) {
-    const int first = glyph.sp[i], last = glyph.ep[i];
-    if (first > last) continue;
-    if (glyph.curveType == 3) {
-      AddCubicContour(glyph, first, last, oversample);
-    } else {
-      AddQuadraticContour(glyph, first, last, oversample);
-    }
-  }
-  return !overflowed_;
+  for (int i = 0; i < rows_; ++i) extend(Row(i), ymin, ymax, xmin, xmax);
+  for (int i = 0; i < columns_; ++i) extend(Column(i), xmin, xmax, ymin, ymax);
 }

@@ -1,91 +1,72 @@
-// Where an outline crosses the centre lines of the pixel grid, in both directions.
+// The crossings of an outline with the pixel grid's centre lines, line by line in order.
 //
-// This is all that the scan converter knows of a shape. Centre lines run at 32 + 64k in 26.6; the ends of every
-// line piece are forced odd, so no end lies on one and every closed contour crosses each centre line as often one way
-// as the other. What is left after overlaps are struck out are pairs: two crossings that follow each other on a centre
-// line are a span inside the outline.
+// This is all that the scan converter knows of a shape. What is left once overlapping contours are struck out are
+// pairs: two crossings that follow each other on a centre line are a span inside the outline.
 #pragma once
 
-#include "t2k/glyph.h"
+#include <vector>
 
-// A crossing in one word, so that words compare as crossings sort: those of horizontal lines first, by y and then x;
-// then those of vertical lines, by x and then y. The kind in the low bits doesn't take part.
-using Crossing = uint64_t;
-
-enum CrossingKind : uint32_t {
-  kVerticalRising = 1,   // crosses a vertical centre line, x growing
-  kVerticalFalling = 2,  // x falling
-  kHorizontalRising = 4,
-  kHorizontalFalling = 8,
-};
+#include "t2k/outlinewalker.h"
 
 // Coordinates, oversampled, must stay within this.
 inline constexpr int32_t kCrossingLimit = 1 << 27;
-inline constexpr int kKindBits = 4;
+inline constexpr int kMaxEdges = 1 << 18;  // crossings of a glyph that takes the slow sort
 
-// line: the coordinate of the centre line; along: where on it.
-constexpr Crossing MakeCrossing(int32_t line, int32_t along, CrossingKind kind) {
-  const uint64_t vertical = kind <= kVerticalFalling;
-  return vertical << 60 | uint64_t(uint32_t(line + kCrossingLimit)) << 32 |
-         uint32_t(along + kCrossingLimit) << kKindBits | kind;
+// A crossing's place on its line above its kind, so that words compare as places do.
+using Crossing = uint32_t;
+inline constexpr int kKindBits = 4;
+constexpr Crossing MakeCrossing(int32_t along, uint32_t kind) {
+  return uint32_t(along + kCrossingLimit) << kKindBits | kind;
 }
-constexpr bool IsVertical(Crossing c) { return c >> 60; }
-constexpr int32_t LineOf(Crossing c) { return int32_t(c >> 32 & 0x0FFFFFFF) - kCrossingLimit; }
-constexpr int32_t AlongOf(Crossing c) { return int32_t(uint32_t(c) >> kKindBits) - kCrossingLimit; }
-constexpr uint32_t KindOf(Crossing c) { return c & 15; }
+constexpr int32_t AlongOf(Crossing c) { return int32_t(c >> kKindBits) - kCrossingLimit; }
 
 struct CrossingBounds {
   int32_t xmin, ymin, xmax, ymax;
 };
 
+// The spans on one centre line: crossings in pairs.
+struct LineSpans {
+  int32_t line;  // 26.6, oversampled
+  const Crossing* begin;
+  int count;
+};
+
 class CrossingTable {
  public:
-  explicit CrossingTable(tsiMemObject* mem);
+  // Takes in all contours of a scaled glyph whose points lie in box, everything multiplied by oversample; puts every
+  // line in order and strikes out what lies inside overlapping contours.
+  CrossingTable(const GlyphClass& glyph, const CrossingBounds& box, int oversample);
 
-  // Adds all contours of a scaled glyph, its coordinates multiplied by oversample. False if the shape needs more
-  // than kMaxEdges crossings; the table is then of no further use. Throws on a cubic outline whose off-curve points
-  // don't come in twos.
-  bool AddOutline(const GlyphClass& glyph, int oversample);
+  // The shape has more crossings than the table takes; it is of no further use.
+  bool Overflowed() const { return overflowed_; }
+  bool IsEmpty() const { return bounds_.xmin > bounds_.xmax; }
+  // Of the crossings, oversampled.
+  const CrossingBounds& Bounds() const { return bounds_; }
 
-  int Count() const { return numEdges_; }
-  const CrossingBounds& Bounds() const { return bounds_; }  // oversampled; meaningless while empty
-
-  // Sorts, and strikes out what lies inside overlapping contours.
-  void SortAndStrike();
-
-  // The spans that are left, two crossings each.
-  const Crossing* HorizontalBegin() const { return edges_.get(); }
-  const Crossing* HorizontalEnd() const { return edges_.get() + horizontals_; }
-  const Crossing* VerticalBegin() const { return HorizontalEnd(); }
-  const Crossing* VerticalEnd() const { return edges_.get() + numEdges_; }
+  tsiMemObject* Handler() const { return mem_; }
+  int Rows() const { return rows_; }
+  int Columns() const { return columns_; }
+  LineSpans Row(int i) const { return {(lowRow_ + i) * 64 + 32, LineAt(i), count_[i]}; }
+  LineSpans Column(int i) const { return {(lowColumn_ + i) * 64 + 32, LineAt(rows_ + i), count_[rows_ + i]}; }
 
  private:
-  struct Point {
-    int32_t x, y;
-  };
-  static Point Middle(Point a, Point b) { return {(a.x + b.x + 1) >> 1, (a.y + b.y + 1) >> 1}; }
+  class LineSink;
+  class SequenceSink;
 
-  void AddQuadraticContour(const GlyphClass& glyph, int first, int last, int oversample);
-  void AddCubicContour(const GlyphClass& glyph, int first, int last, int oversample);
-  void AddLine(Point p, Point q);
-  void AddQuadratic(Point a, Point b, Point c);
-  void AddCubic(Point a, Point b, Point c, Point d);
-  template <bool kVertical>
-  void AddCrossings(int32_t a0, int32_t b0, int32_t a1, int32_t b1);
-  bool Reserve(int more);
-
-  void SortByLines();
-  void ShellSort();
-  int StrikeOverlaps(int begin, int end, int out);
+  // Lines have slots: rows from the lowest up, then columns from the left.
+  int SlotOf(bool vertical, int32_t line) const { return (line >> 6) - (vertical ? lowColumn_ - rows_ : lowRow_); }
+  Crossing* LineAt(int slot) const { return entries_.get() + start_[size_t(slot)]; }
+  bool SortLines();
+  void SortInSequence();
+  void SetBounds();
 
   tsiMemObject* mem_;
-  tsiBlock<Crossing> edges_;
-  int numEdges_ = 0;
-  int maxEdges_;
-  int horizontals_ = 0;
+  const GlyphClass& glyph_;
+  const int oversample_;
+  const int rows_, columns_, lowRow_, lowColumn_;
+  tsiBlock<Crossing> entries_;
+  tsiBlock<int32_t> start_;  // of each line in entries_, then the counts
+  int32_t* const count_;
   bool overflowed_ = false;
   CrossingBounds bounds_;
 };
-
-inline constexpr int kFirstEdges = 448;
-inline constexpr int kMaxEdges = 1 << 20;

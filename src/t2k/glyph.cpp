@@ -130,21 +130,19 @@ void Delete_GlyphClass(GlyphClass* glyph) {
   tsi_DeAllocMem(glyph->mem, glyph);
 }
 
-GlyphClass* NewGlyphWithRoom(tsiMemObject* mem, int contours, int points) {
-  GlyphHolder glyph(tsi_NewRecord<GlyphClass>(mem));
+GlyphClass* NewGlyph(tsiMemObject* mem) {
+  auto* glyph = tsi_NewRecord<GlyphClass>(mem);
   glyph->mem = mem;
   glyph->curveType = 2;
-  glyph->sp = tsi_NewArray<int16_t>(mem, uint32_t(contours) * 2);
-  glyph->ep = glyph->sp + contours;
-  glyph->contourCountMax = contours;
-  SetPointArrays(glyph.get(), tsi_AllocMem(mem, PointBlockBytes(points)), points);
-  return glyph.Release();
+  glyph->pointCountMax = -1;
+  return glyph;
 }
 
 GlyphClass* NewEmptyGlyph(tsiMemObject* mem, GlyphMetrics metrics) {
-  GlyphClass* glyph = NewGlyphWithRoom(mem, 0, 0);
-  SetPhantoms(glyph, -metrics.lsb, metrics.aw);
-  return glyph;
+  GlyphHolder glyph(NewGlyph(mem));
+  ReservePoints(glyph.get(), 0);
+  SetPhantoms(glyph.get(), -metrics.lsb, metrics.aw);
+  return glyph.Release();
 }
 
 void ReservePoints(GlyphClass* glyph, int points) {
@@ -152,7 +150,8 @@ void ReservePoints(GlyphClass* glyph, int points) {
   tsi_Assert(glyph->mem, points <= kMaxGlyphPoints, kT2KTooManyPoints);
   GlyphClass old = *glyph;
   SetPointArrays(glyph, tsi_AllocMem(glyph->mem, PointBlockBytes(points)), points);
-  const size_t count = size_t(old.pointCount);
+  if (!old.oox) return;
+  const auto count = size_t(old.pointCount);
   std::memcpy(glyph->oox, old.oox, count * sizeof *old.oox);
   std::memcpy(glyph->ooy, old.ooy, count * sizeof *old.ooy);
   std::memcpy(glyph->onCurve, old.onCurve, count);
@@ -163,9 +162,8 @@ void ReserveContours(GlyphClass* glyph, int contours) {
   if (contours <= glyph->contourCountMax) return;
   tsi_Assert(glyph->mem, contours <= kMaxGlyphPoints, kT2KTooManyPoints);
   int16_t* moved = tsi_NewArray<int16_t>(glyph->mem, uint32_t(contours) * 2);
-  const size_t bytes = size_t(std::max<int>(glyph->contourCount, 0)) * sizeof *moved;
-  std::memcpy(moved, glyph->sp, bytes);
-  std::memcpy(moved + contours, glyph->ep, bytes);
+  std::copy_n(glyph->sp, glyph->contourCount, moved);
+  std::copy_n(glyph->ep, glyph->contourCount, moved + contours);
   tsi_DeAllocMem(glyph->mem, glyph->sp);
   glyph->sp = moved;
   glyph->ep = moved + contours;
@@ -173,7 +171,7 @@ void ReserveContours(GlyphClass* glyph, int contours) {
 }
 
 GlyphClass* ReadTrueTypeGlyph(InputStream& in, bool readHints, GlyphMetrics metrics) {
-  GlyphHolder glyph(NewGlyphWithRoom(in.mem, 0, 0));
+  GlyphHolder glyph(NewGlyph(in.mem));
   const int16_t contourCount = ReadInt16(in);
   glyph->xmin = ReadInt16(in);
   glyph->ymin = ReadInt16(in);
@@ -186,6 +184,7 @@ GlyphClass* ReadTrueTypeGlyph(InputStream& in, bool readHints, GlyphMetrics metr
     const uint16_t lastFlags = ReadComponentEntries(in, glyph.get());
     if (lastFlags & kHasInstructions) ReadInstructions(in, glyph.get(), readHints);
     glyph->contourCount = contourCount;
+    ReservePoints(glyph.get(), 0);
   }
   AlignToSideBearing(glyph.get(), metrics);
   return glyph.Release();
@@ -236,7 +235,9 @@ GlyphClass* MergeComponent(GlyphClass* result, GlyphClass* part, uint16_t flags,
   tsi_Assert(mem, oldPoints + part->pointCount <= kMaxGlyphPoints, kT2KTooManyPoints);
   const Offset offset = OffsetOfPart(result, part, flags, argument1, argument2);
 
-  GlyphHolder merged(NewGlyphWithRoom(mem, oldContours + part->contourCount, oldPoints + part->pointCount));
+  GlyphHolder merged(NewGlyph(mem));
+  ReserveContours(merged.get(), oldContours + part->contourCount);
+  ReservePoints(merged.get(), oldPoints + part->pointCount);
   merged->curveType = part->curveType;
   merged->contourCount = int16_t(oldContours + part->contourCount);
   merged->pointCount = int16_t(oldPoints + part->pointCount);

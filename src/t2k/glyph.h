@@ -27,7 +27,7 @@ struct GlyphClass {
   tsiMemObject* mem;
   int curveType;  // 2: quadratic, 3: cubic
   int contourCountMax;
-  int pointCountMax;  // without the phantoms, for which there is always room
+  int pointCountMax;  // without the phantoms, which have room of their own; -1 before there is any
   int16_t contourCount;
   int16_t pointCount;
   int16_t* sp;  // first and last point of each contour, one block; ep is sp + contourCountMax
@@ -72,8 +72,8 @@ class GlyphHolder {
 
 // The functions below throw tsiError.
 
-// A glyph with room for so many contours and points and none in it yet.
-GlyphClass* NewGlyphWithRoom(tsiMemObject* mem, int contours, int points);
+// A glyph with nothing in it and room for nothing yet, not even the phantoms.
+GlyphClass* NewGlyph(tsiMemObject* mem);
 // No contours, the two phantoms only.
 GlyphClass* NewEmptyGlyph(tsiMemObject* mem, GlyphMetrics metrics);
 // Reads the glyph that begins at in's position, in the TrueType layout; its instructions only if readHints is set.
@@ -81,7 +81,7 @@ GlyphClass* ReadTrueTypeGlyph(InputStream& in, bool readHints, GlyphMetrics metr
 // The same for the packed layout.
 GlyphClass* ReadPackedGlyph(InputStream& in, GlyphMetrics metrics);
 
-// Grows the arrays so that there is room for so many points (or contours) altogether.
+// Makes or grows the arrays so that there is room for so many points and the phantoms (or contours) altogether.
 void ReservePoints(GlyphClass* glyph, int points);
 void ReserveContours(GlyphClass* glyph, int contours);
 

@@ -86,10 +86,11 @@ void ReadPackedPoints(InputStream& in, GlyphClass* glyph) {
 GlyphClass* ReadPackedGlyph(InputStream& in, GlyphMetrics metrics) {
   const int16_t contourCount = ReadInt16(in);
   if (contourCount == 0) return NewEmptyGlyph(in.mem, metrics);
-  GlyphHolder glyph(NewGlyphWithRoom(in.mem, 0, 0));
+  GlyphHolder glyph(NewGlyph(in.mem));
   if (contourCount < 0) {
     ReadComponentEntries(in, glyph.get());
     glyph->contourCount = contourCount;
+    ReservePoints(glyph.get(), 0);
   } else {
     tsi_Assert(in.mem, contourCount <= int(BytesLeft(in)));
     ReserveContours(glyph.get(), contourCount);

@@ -329,7 +329,9 @@ void SetProgramPhantoms(const T1Class* t, GlyphClass* glyph) {
 }  // namespace
 
 GlyphClass* RunGlyphProgram(T1Class* t, int32_t index) {
-  GlyphHolder glyph(NewGlyphWithRoom(t->mem, 8, 64));
+  GlyphHolder glyph(NewGlyph(t->mem));
+  ReserveContours(glyph.get(), 8);
+  ReservePoints(glyph.get(), 64);
   glyph->curveType = 3;
   t->glyph = glyph.get();
   ResetMachine(t);

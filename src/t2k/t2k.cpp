@@ -227,5 +227,8 @@ void Purge(T2K* t, int level) {
 }
 
 int32_t ScaleUnits(int32_t units, int pixelsPerEm, int upem) {
-  return hsSaturate((int64_t{units} * (int64_t{pixelsPerEm} * 64) + upem / 2) / upem);
+  const int64_t numerator = int64_t{units} * (int64_t{pixelsPerEm} * 64) + upem / 2;
+  if (hsFits32(numerator)) [[likely]]
+    return int32_t(numerator) / upem;
+  return hsSaturate(numerator / upem);
 }

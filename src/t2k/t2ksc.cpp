@@ -48,16 +48,14 @@ tsiScanConv ScanConvert(const GlyphClass& glyph, const ScanConvOptions& options)
   };
   if (IsTooLarge(points)) return withoutBitmap(BoundsInPixels(points));
 
-  CrossingTable crossings(glyph.mem);
-  if (!crossings.AddOutline(glyph, oversample)) return withoutBitmap(BoundsInPixels(points));
-  if (!crossings.Count()) return {};
-  // The outermost crossings of a line are never struck out, so the bounds are known before the sort.
+  CrossingTable crossings(glyph, points, oversample);
+  if (crossings.Overflowed()) return withoutBitmap(BoundsInPixels(points));
+  if (crossings.IsEmpty()) return {};
   CrossingBounds bounds = crossings.Bounds();
   for (int32_t* edge : {&bounds.xmin, &bounds.ymin, &bounds.xmax, &bounds.ymax}) *edge /= oversample;
   tsiScanConv sc = withoutBitmap(BoundsInPixels(bounds));
   if (options.boundsOnly || sc.Width() > kMaxBitmapSide || sc.Height() > kMaxBitmapSide) return sc;
 
-  crossings.SortAndStrike();
   const auto bytes = uint32_t(sc.rowBytes * sc.Height());
   tsiBlock<uint8_t> bits(glyph.mem, bytes);
   std::memset(bits.get(), 0, bytes);

@@ -1,6 +1,7 @@
 // Opening a font in one step and closing it in order, for tests and their tools.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <fstream>
 #include <iterator>
