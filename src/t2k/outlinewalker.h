@@ -1,0 +1,253 @@
+// Walks a scaled outline and finds where it crosses the centre lines of the pixel grid.
+//
+// Centre lines run at 32 + 64k in 26.6. The ends of every line piece are forced odd, so none lies on a centre line and
+// a closed contour crosses each of them as often one way as the other. Curves are halved until they are flat, and
+// pieces that touch no centre line are passed over.
+#pragma once
+
+#include <algorithm>
+
+#include "gfx/foundation/hstypes.h"
+#include "t2k/glyph.h"
+
+enum CrossingKind : uint32_t {
+  kVerticalRising = 1,   // crosses a vertical centre line, x growing
+  kVerticalFalling = 2,  // x falling
+  kHorizontalRising = 4,
+  kHorizontalFalling = 8,
+};
+
+inline constexpr int kMaxCurveDepth = 16;  // 32 bits of error, two less at each halving
+
+// Sink gets the crossings in the order of the walk: Begin(vertical, line, count) announces count of them on
+// neighbouring lines from line up, false to decline; then Put(along, kind) gives each one's place on its line.
+template <class Sink>
+class OutlineWalker {
+ public:
+  // Coordinates times oversample must stay within 2^27.
+  OutlineWalker(const GlyphClass& glyph, int oversample, Sink& sink)
+      : glyph_(glyph), oversample_(oversample), sink_(sink) {}
+
+  // Throws on a cubic outline whose off-curve points don't come in twos.
+  void Walk() {
+    for (int i = 0; i < glyph_.contourCount; ++i) {
+      const int first = glyph_.sp[i], last = glyph_.ep[i];
+      if (first > last) continue;
+      if (glyph_.curveType == 3) {
+        WalkCubicContour(first, last);
+      } else {
+        WalkQuadraticContour(first, last);
+      }
+    }
+  }
+
+ private:
+  struct Point {
+    int32_t x, y;
+  };
+  static Point Middle(Point a, Point b) { return {(a.x + b.x + 1) >> 1, (a.y + b.y + 1) >> 1}; }
+  Point PointAt(int i) const { return {glyph_.x[i] * oversample_, glyph_.y[i] * oversample_}; }
+
+  // A contour without a point on the curve starts midway between its last and its first.
+  void WalkQuadraticContour(int first, int last) {
+    int start = first;
+    while (start <= last && !glyph_.onCurve[start]) ++start;
+    const bool noneOnCurve = start > last;
+    if (noneOnCurve) start = last;
+    const Point startPoint = noneOnCurve ? Middle(PointAt(last), PointAt(first)) : PointAt(start);
+    Point current = startPoint, control{};
+    bool haveControl = false;
+    const auto goTo = [&](Point p) {
+      if (haveControl) {
+        AddQuadratic(current, control, p);
+      } else {
+        AddLine(current, p);
+      }
+      current = p;
+    };
+    int i = start;
+    for (int left = last - first + (noneOnCurve ? 1 : 0); left > 0; --left) {
+      i = i == last ? first : i + 1;
+      const Point p = PointAt(i);
+      if (glyph_.onCurve[i]) {
+        goTo(p);
+        haveControl = false;
+        continue;
+      }
+      if (haveControl) goTo(Middle(control, p));
+      control = p;
+      haveControl = true;
+    }
+    goTo(startPoint);
+  }
+
+  void WalkCubicContour(int first, int last) {
+    int start = first;
+    while (start <= last && !glyph_.onCurve[start]) ++start;
+    tsi_Assert(glyph_.mem, start <= last);
+    const int count = last - first + 1;
+    const auto indexAt = [&](int k) { return first + (start - first + k) % count; };
+    Point current = PointAt(start);
+    for (int k = 1; k <= count;) {
+      const int b = indexAt(k);
+      if (glyph_.onCurve[b]) {
+        AddLine(current, PointAt(b));
+        current = PointAt(b);
+        ++k;
+        continue;
+      }
+      const int c = indexAt(k + 1), d = indexAt(k + 2);
+      tsi_Assert(glyph_.mem, k + 2 <= count && !glyph_.onCurve[c] && glyph_.onCurve[d]);
+      AddCubic(current, PointAt(b), PointAt(c), PointAt(d));
+      current = PointAt(d);
+      k += 3;
+    }
+  }
+
+  // Whether a centre line lies within lo..hi, both ends included.
+  static bool CrossesCentre(int32_t lo, int32_t hi) { return (hi - 32) >> 6 > (lo - 33) >> 6; }
+
+  template <class... Values>
+  static int32_t Least(int32_t first, Values... rest) {
+    ((first = std::min(first, rest)), ...);
+    return first;
+  }
+  template <class... Values>
+  static int32_t Most(int32_t first, Values... rest) {
+    ((first = std::max(first, rest)), ...);
+    return first;
+  }
+
+  static int DepthForError(int32_t error) {
+    int depth = 0;
+    for (; error > 1; error >>= 2) ++depth;
+    return depth;
+  }
+
+  void AddQuadratic(Point a, Point b, Point c) {
+    struct Piece {
+      Point a, b, c;
+      int depth;
+    };
+    const auto error = [](int32_t p, int32_t q, int32_t r) { return std::abs((p - 2 * q + r + 2) >> 2); };
+    Piece stack[kMaxCurveDepth + 1];  // what is still to do, the next piece on top
+    Piece* top = stack;
+    int depth = DepthForError(std::max(error(a.x, b.x, c.x), error(a.y, b.y, c.y)));
+    for (;;) {
+      if (CrossesCentre(Least(a.x, b.x, c.x), Most(a.x, b.x, c.x)) ||
+          CrossesCentre(Least(a.y, b.y, c.y), Most(a.y, b.y, c.y))) {
+        if (depth > 0) {
+          const Point ab = Middle(a, b), bc = Middle(b, c), abc = Middle(ab, bc);
+          *top++ = {abc, bc, c, --depth};
+          b = ab;
+          c = abc;
+          continue;
+        }
+        AddLine(a, c);
+      }
+      if (top == stack) return;
+      --top;
+      a = top->a;
+      b = top->b;
+      c = top->c;
+      depth = top->depth;
+    }
+  }
+
+  void AddCubic(Point a, Point b, Point c, Point d) {
+    struct Piece {
+      Point a, b, c, d;
+      int depth;
+    };
+    const auto error = [](int32_t p, int32_t q, int32_t r, int32_t s) {
+      return std::abs(((q + r - p - s) * 3 + 4) >> 3);
+    };
+    Piece stack[kMaxCurveDepth + 1];
+    Piece* top = stack;
+    int depth = DepthForError(std::max(error(a.x, b.x, c.x, d.x), error(a.y, b.y, c.y, d.y)));
+    for (;;) {
+      if (CrossesCentre(Least(a.x, b.x, c.x, d.x), Most(a.x, b.x, c.x, d.x)) ||
+          CrossesCentre(Least(a.y, b.y, c.y, d.y), Most(a.y, b.y, c.y, d.y))) {
+        if (depth > 0) {
+          const Point ab = Middle(a, b), bc = Middle(b, c), cd = Middle(c, d);
+          const Point abc = Middle(ab, bc), bcd = Middle(bc, cd), abcd = Middle(abc, bcd);
+          *top++ = {abcd, bcd, cd, d, --depth};
+          b = ab;
+          c = abc;
+          d = abcd;
+          continue;
+        }
+        AddLine(a, d);
+      }
+      if (top == stack) return;
+      --top;
+      a = top->a;
+      b = top->b;
+      c = top->c;
+      d = top->d;
+      depth = top->depth;
+    }
+  }
+
+  void AddLine(Point p, Point q) {
+    p = {p.x | 1, p.y | 1};
+    q = {q.x | 1, q.y | 1};
+    AddCrossings<true>(p.x, p.y, q.x, q.y);
+    AddCrossings<false>(p.y, p.x, q.y, q.x);
+  }
+
+  // The crossings with the centre lines of one axis: a runs across the lines, b along them. Places are b0 plus
+  // an exact quotient cut toward zero, kept up from line to line by its remainder.
+  template <bool kVertical>
+  void AddCrossings(int32_t a0, int32_t b0, int32_t a1, int32_t b1) {
+    // A piece that ends in the cell where it starts, on the same side of the centre line, crosses none.
+    if (((a0 + 32) ^ (a1 + 32)) >> 6 == 0) return;
+    uint32_t kind = kVertical ? kVerticalRising : kHorizontalRising;
+    if (a0 > a1) {
+      std::swap(a0, a1);
+      std::swap(b0, b1);
+      kind = kVertical ? kVerticalFalling : kHorizontalFalling;
+    }
+    const int32_t line = ((a0 + 31) & ~63) + 32;
+    const int count = ((a1 - line) >> 6) + 1;
+    if (!sink_.Begin(kVertical, line, count)) return;
+
+    int32_t across = a1 - a0;
+    int32_t along = b1 - b0;
+    constexpr int32_t kLongSpan = 32768;
+    while (across > kLongSpan) {
+      across >>= 1;
+      along >>= 1;
+    }
+    const bool backward = along < 0;
+    const uint32_t steep = hsMagnitude32(along), divisor = uint32_t(across);
+    const uint64_t numerator = uint64_t{steep} * uint32_t(line - a0);
+    uint32_t quotient, remainder;
+    if (numerator <= UINT32_MAX) [[likely]] {
+      quotient = uint32_t(numerator) / divisor;
+      remainder = uint32_t(numerator) % divisor;
+    } else {
+      quotient = uint32_t(numerator / divisor);
+      remainder = uint32_t(numerator % divisor);
+    }
+    const auto put = [&] { sink_.Put(backward ? b0 - int32_t(quotient) : b0 + int32_t(quotient), kind); };
+    put();
+    if (count == 1) return;
+
+    const uint64_t step = uint64_t{steep} * 64;
+    const auto stepQuotient = uint32_t(step / divisor), stepRemainder = uint32_t(step % divisor);
+    for (int i = 1; i < count; ++i) {
+      quotient += stepQuotient;
+      remainder += stepRemainder;
+      if (remainder >= divisor) {
+        remainder -= divisor;
+        ++quotient;
+      }
+      put();
+    }
+  }
+
+  const GlyphClass& glyph_;
+  const int oversample_;
+  Sink& sink_;
+};
