@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "gfx/foundation/hsdebug.h"
+#include "kpg/bobcommands.h"
 #include "kpg/commands.h"
 #include "kpg/errors.h"
 
@@ -14,6 +15,7 @@ int main(int argc, char** argv) {
   addDumpCommand(app);
   addShotCommand(app);
   addClutCommand(app);
+  addBobCommands(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {

@@ -1,0 +1,90 @@
+// Building and popping frames, inline for the machine's loop. The registers are those of BobInterp.
+#pragma once
+
+#include "bob/objects.h"
+#include "bob/thread.h"
+#include "bob/vm.h"
+
+inline BobValue bobFollowMovedEnvironment(BobInterp* interp, BobValue env) {
+  const uint32_t* w = interp->words(env);
+  return w[0] == kBobMovedEnvironment ? w[BobLayout::kEnvNext] : env;
+}
+
+// Checks the number of slots against what the code takes, fills missing ones with nil and gathers surplus ones.
+void bobAdjustArguments(BobInterp* interp, const BobThread& thread, int slots);
+
+// The function lies at interp->sp[slots] and is a Method.
+inline void bobPushCallFrame(BobInterp* interp, int slots, BobFrameRecord record) {
+  using namespace BobLayout;
+  uint32_t* const argv = interp->sp + slots;
+  BobThread& thread = bobThreadOf(interp, interp->words(*argv)[kMethodCode]);
+  const int oldArgc = interp->argc;
+  interp->argv = argv;
+  interp->argc = slots;
+  if (slots != thread.plainSlots) bobAdjustArguments(interp, thread, slots);
+  if (interp->sp - interp->stackBase < kCallFrameWords) bobRaise(interp, kBobStackOverflow);
+
+  const uint32_t* method = interp->words(*argv);
+  uint32_t* frame = interp->sp - kCallFrameWords;
+  frame[kFrameRecord] = record;
+  frame[kFramePrevious] = interp->offsetOf(interp->fp);
+  frame[kFrameEnv] = interp->env;
+  frame[kFrameScope] = interp->scope.object;
+  frame[kFrameCode] = interp->code;
+  frame[kFramePc] = uint32_t(interp->pc - interp->cbase);
+  frame[kFrameArgc] = uint32_t(oldArgc);
+  frame[kFrameEnvironment] = kBobStackEnvironment;
+  frame[kFrameEnvironment + 1] = uint32_t(argv - interp->sp) + 2;
+  frame[kFrameEnvironment + 2] = method[kMethodEnv];
+  frame[kFrameEnvironment + 3] = kBobNil;
+  interp->env = interp->offsetOf(frame + kFrameEnvironment);
+  interp->fp = interp->sp = frame;
+  interp->scope.object = method[kMethodScope];
+  interp->code = method[kMethodCode];
+  interp->cbase = interp->pc = thread.words.data();
+}
+
+// Points cbase and pc into the form of `code`; there is none while the host runs.
+inline void bobResumeCode(BobInterp* interp, uint32_t pc) {
+  interp->cbase = interp->code ? bobThreadOf(interp, interp->code).words.data() : nullptr;
+  interp->pc = interp->code ? interp->cbase + pc : nullptr;
+}
+
+// Pops a call or top frame, its variables and the function's slot.
+inline void bobPopCallFrame(BobInterp* interp) {
+  using namespace BobLayout;
+  const uint32_t* frame = interp->fp;
+  const uint32_t count = interp->words(interp->env)[kEnvCount];
+  interp->sp = interp->fp + kFrameEnvironment + 2 + count + 1;
+  interp->fp = interp->words(frame[kFramePrevious]);
+  interp->env = bobFollowMovedEnvironment(interp, frame[kFrameEnv]);
+  interp->scope.object = frame[kFrameScope];
+  interp->code = frame[kFrameCode];
+  interp->argc = int(frame[kFrameArgc]);
+  bobResumeCode(interp, frame[kFramePc]);
+}
+
+// A frame over the `count` words on top of the stack. The caller has checked for kBlockFrameWords of room.
+inline void bobPushBlockFrame(BobInterp* interp, uint32_t count) {
+  uint32_t* frame = interp->sp - kBlockFrameWords;
+  frame[kFrameRecord] = kBlockFrame;
+  frame[kFramePrevious] = interp->offsetOf(interp->fp);
+  frame[kBlockFrameEnv] = interp->env;
+  frame[kBlockFrameEnvironment] = kBobStackEnvironment;
+  frame[kBlockFrameEnvironment + 1] = count + 2;
+  frame[kBlockFrameEnvironment + 2] = interp->env;
+  frame[kBlockFrameEnvironment + 3] = kBobNil;
+  interp->env = interp->offsetOf(frame + kBlockFrameEnvironment);
+  interp->fp = interp->sp = frame;
+}
+
+inline void bobPopBlockFrame(BobInterp* interp) {
+  const uint32_t* frame = interp->fp;
+  const uint32_t count = interp->words(interp->env)[BobLayout::kEnvCount];
+  interp->sp = interp->fp + kBlockFrameEnvironment + 2 + count;
+  interp->fp = interp->words(frame[kFramePrevious]);
+  interp->env = bobFollowMovedEnvironment(interp, frame[kBlockFrameEnv]);
+}
+
+// Moves the environments that lie on the stack, from env outward, to the heap: env is the heap chain then.
+void bobMoveEnvironments(BobInterp* interp);

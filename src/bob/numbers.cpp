@@ -1,0 +1,117 @@
+#include "bob/numbers.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+
+namespace {
+
+constexpr size_t kIntegerText = 99;  // of a buffer of 100
+
+bool IsSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+void SkipSpace(std::string_view& text) {
+  while (!text.empty() && IsSpace(text.front())) text.remove_prefix(1);
+}
+
+// from_chars leaves the value alone when the number is out of range: it is then infinite or 0, whichever side of 1
+// it lies.
+double OutOfRange(std::string_view number) {
+  const size_t e = number.find_first_of("eEpP");
+  if (e != std::string_view::npos) return number[e + 1] == '-' ? 0.0 : HUGE_VAL;
+  const size_t first = number.find_first_not_of("0");
+  return first != std::string_view::npos && IsDigit(number[first]) ? HUGE_VAL : 0.0;
+}
+
+// Flags, width and precision of one conversion, each number cut to what the buffer can show.
+size_t ReadConversion(std::string_view text, std::string& spec) {
+  size_t i = 0;
+  while (i < text.size() && std::string_view("-+ #0").find(text[i]) != std::string_view::npos) {
+    if (spec.find(text[i]) == std::string::npos) spec += text[i];
+    ++i;
+  }
+  const auto number = [&] {
+    int value = 0;
+    for (; i < text.size() && IsDigit(text[i]); ++i) value = std::min(value * 10 + text[i] - '0', 100);
+    spec += std::to_string(value);
+  };
+  if (i < text.size() && IsDigit(text[i])) number();
+  if (i < text.size() && text[i] == '.') spec += text[i++], number();
+  while (i < text.size() && (text[i] == 'l' || text[i] == 'h')) ++i;  // every integer has 32 bits
+  return i;
+}
+
+}  // namespace
+
+int32_t bobParseInteger(std::string_view text) {
+  SkipSpace(text);
+  const bool negative = !text.empty() && text.front() == '-';
+  if (!text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);
+  const uint64_t limit = uint64_t(std::numeric_limits<int64_t>::max()) + negative;
+  uint64_t value = 0;
+  for (; !text.empty() && IsDigit(text.front()); text.remove_prefix(1)) {
+    const uint64_t digit = uint64_t(text.front() - '0');
+    value = value > (limit - digit) / 10 ? limit : value * 10 + digit;
+  }
+  return int32_t(uint32_t(negative ? 0 - value : value));
+}
+
+double bobParseFloat(std::string_view text) {
+  SkipSpace(text);
+  const bool negative = !text.empty() && text.front() == '-';
+  if (!text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);
+  if (!text.empty() && text.front() == '-') return 0;  // from_chars would take a second sign
+  std::chars_format format = std::chars_format::general;
+  const bool hex = text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X') &&
+                   (std::isxdigit(static_cast<unsigned char>(text[2])) || text[2] == '.');
+  if (hex) {
+    text.remove_prefix(2);
+    format = std::chars_format::hex;
+  }
+  double value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, format);
+  if (error == std::errc::result_out_of_range) value = OutOfRange(text.substr(0, size_t(end - text.data())));
+  return negative ? -value : value;
+}
+
+std::string bobFormatFloat(double number) {
+  char buffer[64];
+  if (std::isnan(number)) number = std::fabs(number);
+  const auto end = std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::general, 6).ptr;
+  std::string text(buffer, end);
+  return text.find('.') == std::string::npos ? text + ".0" : text;
+}
+
+std::string bobFormatInteger(std::string_view format, int32_t number) {
+  std::string out;
+  while (!format.empty() && out.size() < kIntegerText) {
+    if (format.front() != '%') {
+      out += format.front();
+      format.remove_prefix(1);
+      continue;
+    }
+    std::string spec = "%";
+    const size_t length = 1 + ReadConversion(format.substr(1), spec);
+    const char conversion = length < format.size() ? format[length] : 0;
+    if (conversion == '%') {
+      out += '%';
+    } else if (conversion && std::string_view("diuoxXc").find(conversion) != std::string_view::npos) {
+      char buffer[256];
+      spec += conversion;
+      const int written = std::snprintf(buffer, sizeof buffer, spec.c_str(), number);
+      out.append(buffer, size_t(std::max(written, 0)));
+    } else {
+      out.append(format.substr(0, length));
+      format.remove_prefix(length);
+      continue;
+    }
+    format.remove_prefix(length + 1);
+  }
+  return out.substr(0, std::min(out.find('\0'), kIntegerText));
+}
+
+int32_t bobTruncate(double number) {
+  return number > -2147483649.0 && number < 2147483648.0 ? int32_t(number) : std::numeric_limits<int32_t>::min();
+}

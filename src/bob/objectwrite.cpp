@@ -1,0 +1,102 @@
+// Writing values, and compiling to object files.
+#include "bob/bob.h"
+#include "bob/compiler.h"
+
+using namespace BobLayout;
+
+namespace {
+
+constexpr int kValueDepth = 256;  // containers in containers
+
+class Writer {
+ public:
+  Writer(BobInterp* interp, BobStream* stream) : interp(interp), stream(stream) {}
+
+  bool value(BobValue value, int depth) {
+    if (depth == kValueDepth) bobRaise(interp, kBobStackOverflow);
+    if (value == kBobNil) return byte(0);
+    const BobTypeRecord* record = interp->recordOf(value);
+    const uint32_t type = interp->typeOf(value);
+    if (type == kBobCompiledCode) {
+      const uint32_t* w = interp->words(value);
+      return byte(1) && elements(w + kCodeElements, bobCodeCount(w[kCodeCount]), depth);
+    }
+    if (record->base == kBobVector) {
+      const uint32_t* w = interp->words(bobVectorTarget(interp, value));
+      return byte(2) && elements(w + kElements, w[kSize], depth);
+    }
+    if (record->base == kBobObject) return object(value, depth);
+    if (type == kBobSymbol) return byte(4) && text(bobSymbolText(interp, value));
+    if (type == kBobString) return byte(5) && text(bobStringText(interp, value));
+    if (type == kBobInteger) return byte(6) && word(uint32_t(bobIntegerValue(interp, value)));
+    if (type != kBobFloat) return false;
+    const double number = bobFloatValue(interp, value);
+    uint64_t bits;
+    std::memcpy(&bits, &number, sizeof bits);
+    return byte(7) && word(uint32_t(bits >> 32)) && word(uint32_t(bits));
+  }
+
+  bool word(uint32_t n) {
+    return byte(uint8_t(n >> 24)) && byte(uint8_t(n >> 16)) && byte(uint8_t(n >> 8)) && byte(uint8_t(n));
+  }
+
+ private:
+  bool byte(uint8_t b) { return stream->PutC(b) != -1; }
+  bool text(std::string_view text) { return word(uint32_t(text.size())) && bobPutText(stream, text); }
+
+  bool elements(const uint32_t* first, uint32_t count, int depth) {
+    if (!word(count)) return false;
+    for (uint32_t i = 0; i < count; ++i)
+      if (!value(first[i], depth + 1)) return false;
+    return true;
+  }
+
+  // The parent is lost: nil stands for whatever it is.
+  bool object(BobValue object, int depth) {
+    if (!byte(3) || !byte(0) || !word(bobPropertyCount(interp, object))) return false;
+    bool ok = true;
+    bobForEachProperty(interp, object, [&](BobValue property) {
+      const uint32_t* w = interp->words(property);
+      ok = ok && value(w[kKey], depth + 1) && value(w[kValue], depth + 1);
+    });
+    return ok;
+  }
+
+  BobInterp* interp;
+  BobStream* stream;
+};
+
+void WriteRecord(BobInterp* interp, BobValue method, BobStream* stream) {
+  if (!bobWriteValue(interp, interp->words(method)[kMethodCode], stream)) bobRaise(interp, kBobWritingFile);
+}
+
+}  // namespace
+
+bool bobWriteHeader(BobStream* stream) {
+  return bobPutText(stream, "BOBO") && Writer(nullptr, stream).word(kBobObjectVersion);
+}
+
+bool bobWriteValue(BobInterp* interp, BobValue value, BobStream* stream) {
+  return Writer(interp, stream).value(value, 0);
+}
+
+bool bobCompileFile(BobScope* scope, const char* source, const char* object) {
+  BobInterp* interp = scope->interp;
+  const std::string objectName = object;  // the names may lie in the heap
+  const std::unique_ptr<BobStream> in = bobOpenFile(interp, source, "r");
+  if (!in) return false;
+  const std::unique_ptr<BobStream> out = bobOpenFile(interp, objectName.c_str(), "wb");
+  if (!out || !bobWriteHeader(out.get())) return false;
+  const BobKeptScanner kept(interp, in.get());
+  while (const BobValue method = interp->compiler->compileStatement(scope->object))
+    WriteRecord(interp, method, out.get());
+  if (out->Close() != 0) bobRaise(interp, kBobWritingFile);
+  return true;
+}
+
+void bobCompileText(BobScope* scope, std::string_view text, BobStream* stream) {
+  BobStringCopyInput input(text);
+  const BobKeptScanner kept(scope->interp, &input);
+  if (const BobValue method = scope->interp->compiler->compileStatement(scope->object))
+    WriteRecord(scope->interp, method, stream);
+}

@@ -1,0 +1,6 @@
+// The kit's commands for the language: run, eval, compile, decode.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+void addBobCommands(CLI::App& app);
