@@ -16,7 +16,7 @@ hsPoint Interp(hsPoint a, hsPoint b, hsFixed t) { return {hsInterp(a.fX, b.fX, t
 // The three inner points of a quadratic chopped at t, level in `flat`.
 template <Axis flat>
 bool ChopQuadFlat(const hsPoint src[3], hsPoint dst[3]) {
-  hsFixed t;
+  hsFixed t = 0;
   if (!hsCubic::FindQuadExtrema(src[0].*flat, src[1].*flat, src[2].*flat, &t)) return false;
   const hsPoint ab = Interp(src[0], src[1], t), bc = Interp(src[1], src[2], t), top = Interp(ab, bc, t);
   dst[0] = ab;
@@ -41,7 +41,7 @@ void ChopCubicFlatAt(const hsPoint src[4], hsPoint dst[5], hsFixed t) {
 
 template <Axis flat>
 int ChopCubicFlat(const hsPoint src[4], hsPoint dst[8]) {
-  hsFixed t[2];
+  hsFixed t[2] = {};
   const int count = hsCubic::FindCubicExtrema(src[0].*flat, src[1].*flat, src[2].*flat, src[3].*flat, t);
   if (count > 0) ChopCubicFlatAt<flat>(src, dst, t[0]);
   if (count == 2) {

@@ -74,7 +74,8 @@ hsRegion::hsRegion(int32_t count, const int16_t runs[], const hsIntRect* bounds)
   if (hsAssert(good, "rgn validate failed")) Adopt(count, CopyOf(count, runs), computed);
 }
 
-hsRegion::hsRegion(const hsRegion& other) : fBounds(other.fBounds), fRunCount(other.fRunCount) {
+hsRegion::hsRegion(const hsRegion& other)
+    : fBounds(other.fBounds), fRunCount(other.fRunCount), fIsChecked(other.fIsChecked) {
   if (other.fRuns) fRuns = CopyOf(fRunCount, other.fRuns.get());
 }
 
@@ -87,6 +88,7 @@ hsRegion& hsRegion::operator=(const hsRegion& other) {
     fSpanClipper.reset();
     fBounds = other.fBounds;
     fRunCount = other.fRunCount;
+    fIsChecked = true;
     return *this;
   }
   hsRegion copy(other);
@@ -102,6 +104,7 @@ hsRegion& hsRegion::operator=(hsRegion&& other) noexcept {
 void hsRegion::Swap(hsRegion& other) noexcept {
   std::swap(fBounds, other.fBounds);
   std::swap(fRunCount, other.fRunCount);
+  std::swap(fIsChecked, other.fIsChecked);
   fRuns.swap(other.fRuns);
   fSpanClipper.reset();  // a clipper knows its region by address
   other.fSpanClipper.reset();
@@ -112,6 +115,7 @@ void hsRegion::Adopt(int32_t count, std::unique_ptr<int16_t[]> runs, const hsInt
   fRuns = std::move(runs);
   fRunCount = count;
   fBounds = bounds;
+  fIsChecked = true;
 }
 
 bool hsRegion::operator==(const hsRegion& other) const {
@@ -124,6 +128,7 @@ void hsRegion::SetEmpty() {
   fSpanClipper.reset();
   fBounds = {0, 0, 0, 0};
   fRunCount = kEmptyCount;
+  fIsChecked = true;
 }
 
 void hsRegion::SetRect(const hsIntRect& rect) {
@@ -132,6 +137,7 @@ void hsRegion::SetRect(const hsIntRect& rect) {
   fSpanClipper.reset();
   fBounds = rect;
   fRunCount = kRectCount;
+  fIsChecked = true;
 }
 
 void hsRegion::SetRect(const hsRect& rect) {
@@ -201,11 +207,14 @@ void hsRegion::Translate(int32_t dx, int32_t dy, hsRegion* dst) {
     *dst = *this;
     return dst->Translate(dx, dy);
   }
-  Validate();
+  Check();
   if (!hsIsRunType(dx) || !hsIsRunType(dy) || IsEmpty()) return;
   fBounds = {hsWrapAdd(fBounds.fLeft, dx), hsWrapAdd(fBounds.fTop, dy), hsWrapAdd(fBounds.fRight, dx),
              hsWrapAdd(fBounds.fBottom, dy)};
   if (!fRuns) return;
+  // A bounding box in range has everything in range.
+  const hsIntRect range{1 - S, 1 - S, S - 1, S - 1};
+  fIsChecked = fIsChecked && range.Contains(fBounds);
   int16_t* p = fRuns.get();
   *p = MovedRun(*p, dy);
   for (++p; *p != S; ++p) {
@@ -227,7 +236,7 @@ bool hsRegion::ClipSpan(int32_t y, int32_t* left, int32_t* right) const {
 }
 
 void hsRegion::Blit(const hsIntRect& rect, hsGBlitter* blitter) const {
-  Validate();
+  Check();
   for (hsRegionClipRectIter iter(*this, rect); !iter.IsDone(); iter.Next()) {
     const hsIntRect& r = iter.Rect();
     blitter->BlitRect(r.fTop, r.fLeft, r.Width(), r.Height());

@@ -1,7 +1,7 @@
 // The boolean operations on regions: one merge of bands, and within it one merge of spans.
 //
-// A pixel has a state: bit 0 says inside a, bit 1 inside b. An operation keeps the pixels whose state lies between two
-// limits, so that 3, 3 intersects, 1, 3 unites, 1, 1 subtracts and 1, 2 keeps what is in just one of the two.
+// In a band where both operands have spans these are merged; where only one has, they are kept or dropped whole. What
+// tells the four operations apart is no more than that: how spans merge, and whether those of one alone are kept.
 #include <algorithm>
 #include <cstring>
 #include <utility>
@@ -11,51 +11,138 @@
 namespace {
 
 constexpr int16_t S = hsRegion::kRunTypeSentinel;
-constexpr int16_t kNoSpans[] = {S};
 
-// Writes the edges of what is kept and a sentinel, at most as many elements as a and b have; gives the place behind.
-// Without a branch on the data: which side an edge comes from can't be foreseen.
-template <int kMin, int kMax>
-int16_t* MergeSpans(const int16_t* a, const int16_t* b, int16_t* out) {
-  int state = 0;
-  bool inside = false;
+// The merges of two bands' spans. Each reads pairs up to the sentinel, writes what is kept and a sentinel, at most as
+// many elements as both have together, and gives the place behind.
+
+using SpanMerge = int16_t* (*)(const int16_t* a, const int16_t* b, int16_t* out);
+
+int16_t* CopySpans(const int16_t* spans, int16_t* out) {
+  while ((*out++ = *spans++) != S) {
+  }
+  return out;
+}
+
+// Puts one more span, which starts no earlier than the last one did, and joins the two where they meet.
+inline void Join(const int16_t*& span, int16_t& right, int16_t*& out) {
+  if (span[0] > right) {
+    out[1] = right;
+    out += 2;
+    out[0] = span[0];
+    right = span[1];
+  } else if (span[1] > right) {
+    right = span[1];
+  }
+  span += 2;
+}
+
+int16_t* UniteSpans(const int16_t* a, const int16_t* b, int16_t* out) {
+  const int16_t*& first = *a < *b ? a : b;
+  out[0] = first[0];
+  int16_t right = first[1];
+  first += 2;
+  while (*a != S && *b != S) {
+    if (*a < *b)
+      Join(a, right, out);
+    else
+      Join(b, right, out);
+  }
+  const int16_t* rest = *a != S ? a : b;
+  while (*rest != S && *rest <= right) Join(rest, right, out);
+  out[1] = right;
+  return CopySpans(rest, out + 2);
+}
+
+// Without a branch on how the spans lie, which can't be foreseen.
+int16_t* IntersectSpans(const int16_t* a, const int16_t* b, int16_t* out) {
+  while (*a != S && *b != S) {
+    const int16_t aRight = a[1], bRight = b[1];
+    out[0] = std::max(a[0], b[0]);
+    out[1] = std::min(aRight, bRight);
+    out += 2 * (out[0] < out[1]);
+    a += 2 * (aRight <= bRight);
+    b += 2 * (bRight <= aRight);
+  }
+  *out = S;
+  return out + 1;
+}
+
+int16_t* SubtractSpans(const int16_t* a, const int16_t* b, int16_t* out) {
+  for (; *a != S; a += 2) {
+    int16_t left = a[0];  // of what is left of the span
+    const int16_t right = a[1];
+    while (*b != S && b[1] <= left) b += 2;
+    while (*b < right) {
+      if (left < *b) {
+        out[0] = left;
+        out[1] = *b;
+        out += 2;
+      }
+      left = b[1];
+      if (left >= right) break;  // and this span of b may reach into the next of a
+      b += 2;
+    }
+    if (left < right) {
+      out[0] = left;
+      out[1] = right;
+      out += 2;
+    }
+  }
+  *out = S;
+  return out + 1;
+}
+
+// All edges in order, but for those that both have.
+int16_t* XorSpans(const int16_t* a, const int16_t* b, int16_t* out) {
   for (;;) {
     const int16_t ax = *a, bx = *b;
-    const bool stepA = ax <= bx, stepB = bx <= ax;
-    const int16_t x = stepA ? ax : bx;
-    *out = x;
-    if (x == S) return out + 1;
-    a += stepA;
-    b += stepB;
-    state ^= int(stepA) | int(stepB) << 1;
-    const bool now = state >= kMin && state <= kMax;
-    out += now != inside;
-    inside = now;
+    *out = std::min(ax, bx);
+    if (*out == S) return out + 1;
+    out += ax != bx;
+    a += ax <= bx;
+    b += bx <= ax;
   }
 }
 
-// One operand's current band. Used up, its top and bottom are the sentinel, which no row reaches.
+// One operand's current band, or what is left of it. Used up, its top is the sentinel, which no row reaches.
 struct Band {
   int32_t top, bottom;
   const int16_t* spans;
   const int16_t* end;  // the band's sentinel
 
-  explicit Band(const int16_t* runs) : top(runs[0]), bottom(runs[1]) { Enter(runs + 2); }
-  void Enter(const int16_t* first) {
-    spans = end = first;
-    while (*end != S) end += 2;
-  }
-  void Advance() {
-    const int16_t* next = end + 1;
-    top = bottom;
-    bottom = *next;
-    if (bottom == S)
+  explicit Band(const int16_t* runs) : top(runs[0]) { Enter(runs + 1); }
+  bool IsUsedUp() const { return top == S; }
+  int32_t Size() const { return int32_t(end - spans); }
+  // Leaves the rows above y behind; y is at most the bottom.
+  void ConsumeTo(int32_t y) {
+    top = y;
+    if (y != bottom) return;
+    if (end[1] == S)
       top = S;
     else
-      Enter(next + 1);
+      Enter(end + 1);
   }
-  int32_t Size() const { return int32_t(end - spans); }
+  void SkipTo(int32_t y) {
+    while (top < y) ConsumeTo(std::min(bottom, y));
+  }
+
+ private:
+  void Enter(const int16_t* slot) {
+    bottom = *slot;
+    spans = end = slot + 1;
+    while (*end != S) end += 2;
+  }
 };
+
+// Whether two bands have the same spans. Most differ in the first, which is why this isn't left to a library call.
+bool AreSame(const int16_t* a, const int16_t* b) {
+  while (*a == *b) {
+    if (*a == S) return true;
+    ++a;
+    ++b;
+  }
+  return false;
+}
 
 // A rectangle written out as runs.
 struct RectRuns {
@@ -70,14 +157,13 @@ struct RectRuns {
 class hsRegionOperator {
  public:
   // Into result, which may be a or b. bounds are the result's, if the caller knows them.
-  template <int kMin, int kMax>
+  template <SpanMerge merge, bool keepsA, bool keepsB>
   static void Perform(const hsRegion& a, const hsRegion& b, hsRegion* result, const hsIntRect* bounds = nullptr) {
     if (!hsAssert(!a.IsEmpty() && !b.IsEmpty(), "need non-empty rgns")) return;
     const RectRuns aRect(a.fRuns ? hsIntRect{} : a.fBounds), bRect(b.fRuns ? hsIntRect{} : b.fBounds);
-    const int32_t largest = std::max({a.fRunCount, b.fRunCount, int32_t{hsRegion::kRectRuns}});
-    hsRegionOperator merge(3 * largest);
-    merge.MergeBands<kMin, kMax>(a.fRuns ? a.fRuns.get() : aRect.runs, b.fRuns ? b.fRuns.get() : bRect.runs);
-    merge.Deliver(result, bounds);
+    hsRegionOperator bands(a.fRunCount + b.fRunCount + 2 * hsRegion::kRectRuns);
+    bands.MergeBands<merge, keepsA, keepsB>(a.fRuns ? a.fRuns.get() : aRect.runs, b.fRuns ? b.fRuns.get() : bRect.runs);
+    bands.Deliver(result, bounds);
   }
 
  private:
@@ -101,99 +187,108 @@ class hsRegionOperator {
     fPrev = prev < 0 ? nullptr : fRuns.get() + prev;
   }
 
-  template <int kMin, int kMax>
+  template <SpanMerge merge, bool keepsA, bool keepsB>
   void MergeBands(const int16_t* aRuns, const int16_t* bRuns) {
     Band a(aRuns), b(bRuns);
-    // Where pixels of a alone are dropped, a result needs both operands; where those of b alone are, it needs a.
-    constexpr bool kNeedsA = kMax < 2 || kMin == 3, kNeedsB = kMin == 3;
-    while (a.bottom != S || b.bottom != S) {
-      if ((kNeedsA && a.bottom == S) || (kNeedsB && b.bottom == S)) return;
-      const bool inA = a.top <= b.top, inB = b.top <= a.top;
-      const int32_t top = std::min(a.top, b.top);
-      // The band ends where either operand changes: at a bottom, or at the top of the one that isn't in it yet.
-      const int32_t bottom = inA && inB ? std::min(a.bottom, b.bottom)
-                             : inA      ? std::min(a.bottom, b.top)
-                                        : std::min(b.bottom, a.top);
-      EnsureRoom(a.Size() + b.Size());
-      PutGap(top);
-      int16_t* spans = fOut + 1;
-      int16_t* end;
-      if (inA && inB)
-        end = MergeSpans<kMin, kMax>(a.spans, b.spans, spans);
-      else if (inA)
-        end = kMin <= 1 ? CopySpans(a, spans) : CopySpans(kNoSpans, spans);
-      else
-        end = kMin <= 2 && kMax >= 2 ? CopySpans(b, spans) : CopySpans(kNoSpans, spans);
-      PutBand(top, bottom, end);
-      if (inA) Consume(&a, bottom);
-      if (inB) Consume(&b, bottom);
+    for (;;) {
+      if (a.top < b.top) {
+        if (!keepsA && b.IsUsedUp()) return;
+        TakeAlone(&a, b.top, keepsA);
+      } else if (b.top < a.top) {
+        if (!keepsB && a.IsUsedUp()) return;
+        TakeAlone(&b, a.top, keepsB);
+      } else {
+        if (a.IsUsedUp()) return;
+        const int32_t bottom = std::min(a.bottom, b.bottom);
+        if (a.Size() > 0 && b.Size() > 0) {
+          EnsureRoom(a.Size() + b.Size());
+          PutBand(a.top, bottom, merge(a.spans, b.spans, SpansAt(a.top)));
+        } else if (keepsA && a.Size() > 0) {
+          PutSpansOf(a, bottom);
+        } else if (keepsB && b.Size() > 0) {
+          PutSpansOf(b, bottom);
+        }
+        a.ConsumeTo(bottom);
+        b.ConsumeTo(bottom);
+      }
     }
   }
 
-  static int16_t* CopySpans(const Band& band, int16_t* to) {
-    std::memcpy(to, band.spans, size_t(band.Size() + 1) * sizeof(int16_t));
-    return to + band.Size() + 1;
-  }
-  static int16_t* CopySpans(const int16_t (&none)[1], int16_t* to) {
-    *to = none[0];
-    return to + 1;
-  }
-
-  static void Consume(Band* band, int32_t bottom) {
-    if (band->bottom == bottom)
-      band->Advance();
-    else
-      band->top = bottom;
+  // The rows of band above y, where the other operand has none.
+  void TakeAlone(Band* band, int32_t y, bool keeps) {
+    if (!keeps) return band->SkipTo(y);
+    while (band->top < y) {
+      const int32_t bottom = std::min(band->bottom, y);
+      if (band->Size() > 0) PutSpansOf(*band, bottom);
+      band->ConsumeTo(bottom);
+      if (fPrev) TakeAsTheyStand(band, y);
+    }
   }
 
-  // Both operands may leave rows free between them.
-  void PutGap(int32_t top) {
-    if (!fPrev || *fPrev == top) return;
-    fOut[1] = S;
-    PutBand(*fPrev, top, fOut + 2);
+  // Whole bands above y that follow the last one put without a gap and differ from one another: in one copy.
+  void TakeAsTheyStand(Band* band, int32_t y) {
+    const int16_t* const from = band->spans - 1;
+    const int16_t* above = fPrev + 1;
+    const int16_t* to = from;
+    int32_t top = *fPrev;
+    while (band->top == top && band->bottom <= y && band->Size() > 0 && !AreSame(band->spans, above)) {
+      fLeft = std::min(fLeft, int32_t{band->spans[0]});
+      fRight = std::max(fRight, int32_t{band->end[-1]});
+      above = band->spans;
+      to = band->end + 1;
+      top = band->bottom;
+      band->ConsumeTo(top);
+    }
+    if (to == from) return;
+    EnsureRoom(int32_t(to - from));
+    fPrev = fOut + (above - 1 - from);
+    fOut = std::copy(from, to, fOut);
   }
 
-  // The spans and sentinel of the band lie from fOut + 1 to end. A band like the one above only makes that one higher,
-  // and empty bands before all others are dropped.
+  void PutSpansOf(const Band& band, int32_t bottom) {
+    EnsureRoom(band.Size());
+    int16_t* const spans = SpansAt(band.top);
+    PutBand(band.top, bottom, std::copy(band.spans, band.end + 1, spans));
+  }
+
+  // Rows have been left out since the last band.
+  bool IsGapBefore(int32_t top) const { return fPrev && *fPrev != top; }
+  // Where the spans of a band from top on are to be written, behind its bottom and, after a gap, that gap's empty band.
+  int16_t* SpansAt(int32_t top) const { return fOut + (IsGapBefore(top) ? 3 : 1); }
+
+  // Takes what has been written at SpansAt, up to end, as a band. One like the band above only makes that higher, and
+  // no spans make no band.
   void PutBand(int32_t top, int32_t bottom, int16_t* end) {
-    const int32_t size = int32_t(end - fOut) - 1;
+    int16_t* const spans = SpansAt(top);
+    if (*spans == S) return;
     if (!fPrev) {
-      if (size == 1) return;
       fRuns[0] = int16_t(top);
-    } else if (fOut - fPrev - 1 == size && std::equal(fPrev + 1, fOut, fOut + 1)) {
+    } else if (IsGapBefore(top)) {
+      fOut[0] = int16_t(top);
+      fOut[1] = S;
+    } else if (AreSame(spans, fPrev + 1)) {
       *fPrev = int16_t(bottom);
       return;
     }
-    *fOut = int16_t(bottom);
-    fPrev = fOut;
+    fLeft = std::min(fLeft, int32_t{spans[0]});
+    fRight = std::max(fRight, int32_t{end[-2]});
+    fPrev = spans - 1;
+    *fPrev = int16_t(bottom);
     fOut = end;
-    if (size > 1) {
-      fLeft = std::min(fLeft, int32_t{fPrev[1]});
-      fRight = std::max(fRight, int32_t{end[-2]});
-    }
   }
 
   void Deliver(hsRegion* result, const hsIntRect* bounds) {
     if (!fPrev) return result->SetEmpty();
-    if (fOut - fPrev == 2) {  // an empty band at the end
-      fOut = fPrev;
-      fPrev = nullptr;
-    }
     *fOut++ = S;
     const int32_t count = int32_t(fOut - fRuns.get());
     if (count <= hsRegion::kRectRuns) return result->SetRuns(count, fRuns.get());
-    const hsIntRect exact = bounds ? *bounds : hsIntRect{fLeft, fRuns[0], fRight, LastBottom()};
-    // Kept at its own size: most results need far less than the room they were made in.
-    std::unique_ptr<int16_t[]> runs(new int16_t[size_t(count)]);
-    std::copy_n(fRuns.get(), count, runs.get());
-    result->Adopt(count, std::move(runs), exact);
-  }
-
-  int32_t LastBottom() const {
-    const int16_t* p = fOut - 2;  // the last band's sentinel
-    do --p;
-    while (p[-1] != S && p - 1 != fRuns.get());
-    return *p;
+    const hsIntRect exact = bounds ? *bounds : hsIntRect{fLeft, fRuns[0], fRight, *fPrev};
+    if (count < fCapacity / 2) {  // most of the room would lie idle
+      std::unique_ptr<int16_t[]> fitting(new int16_t[size_t(count)]);
+      std::copy_n(fRuns.get(), count, fitting.get());
+      fRuns = std::move(fitting);
+    }
+    result->Adopt(count, std::move(fRuns), exact);
   }
 
   std::unique_ptr<int16_t[]> fRuns;
@@ -204,8 +299,8 @@ class hsRegionOperator {
 };
 
 void hsRegion::Intersect(const hsRegion& a, const hsRegion& b) {
-  a.Validate();
-  b.Validate();
+  a.Check();
+  b.Check();
   if (a.IsEmpty() || b.IsEmpty() || !a.fBounds.Intersects(b.fBounds)) return SetEmpty();
   if (a.IsRect() && b.IsRect()) {
     hsIntRect shared = a.fBounds;
@@ -220,40 +315,40 @@ void hsRegion::Intersect(const hsRegion& a, const hsRegion& b) {
     *this = a;
     return;
   }
-  hsRegionOperator::Perform<3, 3>(a, b, this);
+  hsRegionOperator::Perform<IntersectSpans, false, false>(a, b, this);
 }
 
 void hsRegion::Union(const hsRegion& a, const hsRegion& b) {
-  a.Validate();
-  b.Validate();
+  a.Check();
+  b.Check();
   if (a.IsEmpty() || b.IsEmpty()) {
     *this = a.IsEmpty() ? b : a;
     return;
   }
   hsIntRect bounds = a.fBounds;
   bounds.Union(b.fBounds);
-  hsRegionOperator::Perform<1, 3>(a, b, this, &bounds);
+  hsRegionOperator::Perform<UniteSpans, true, true>(a, b, this, &bounds);
 }
 
 void hsRegion::Difference(const hsRegion& a, const hsRegion& b) {
-  a.Validate();
-  b.Validate();
+  a.Check();
+  b.Check();
   const bool rects = a.IsRect() && b.IsRect();
   if (a.IsEmpty() || b.IsEmpty() || (rects && !a.fBounds.Intersects(b.fBounds))) {
     *this = a;
     return;
   }
   if (rects && b.fBounds.Contains(a.fBounds)) return SetEmpty();
-  hsRegionOperator::Perform<1, 1>(a, b, this);
+  hsRegionOperator::Perform<SubtractSpans, true, false>(a, b, this);
 }
 
 void hsRegion::Xor(const hsRegion& a, const hsRegion& b) {
-  a.Validate();
-  b.Validate();
+  a.Check();
+  b.Check();
   if (a.IsEmpty() || b.IsEmpty()) {
     *this = a.IsEmpty() ? b : a;
     return;
   }
   if (a.IsRect() && b.IsRect() && a.fBounds == b.fBounds) return SetEmpty();
-  hsRegionOperator::Perform<1, 2>(a, b, this);
+  hsRegionOperator::Perform<XorSpans, true, true>(a, b, this);
 }
