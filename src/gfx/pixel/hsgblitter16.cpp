@@ -1,0 +1,139 @@
+#include "gfx/pixel/hsgblitter16.h"
+
+#include <array>
+
+#include "gfx/foundation/hsdebug.h"
+#include "gfx/pixel/fillrow.h"
+#include "gfx/pixel/hsgattribute.h"
+#include "gfx/pixel/lcdmask.h"
+#include "gfx/pixel/lerp.h"
+#include "gfx/pixel/maskwalk.h"
+
+namespace {
+
+uint16_t PixelOf(const hsGColor& c) { return hsPack16(c.fR >> 10, c.fG >> 11, c.fB >> 11); }
+
+uint16_t LerpPixel(uint32_t r6, uint32_t g5, uint32_t b5, uint32_t d, uint32_t scale) {
+  return hsPack16(Lerp(r6, hsRed6(d), scale), Lerp(g5, hsGreen5(d), scale), Lerp(b5, hsBlue5(d), scale));
+}
+
+// What is left of a 5-bit channel (in bits 9-5 of the index) under a coverage of 0 to 31.
+const std::array<uint8_t, 1024>& DarkenTable() {
+  static const std::array<uint8_t, 1024> table = [] {
+    std::array<uint8_t, 1024> t{};
+    for (uint32_t i = 0; i < 1024; ++i) t[i] = uint8_t(((i >> 5) * (32 - (i & 31))) >> 5);
+    return t;
+  }();
+  return table;
+}
+
+}  // namespace
+
+// ---- hsGColorBlitter16Opaque
+
+hsGColorBlitter16Opaque::hsGColorBlitter16Opaque(const hsGBitmap& device, const hsGColor& color)
+    : hsGDeviceBlitter(device), fPixel(PixelOf(color)) {
+  (void)hsAssert(color.fA >> 8 == 0xFF, "bad color.fA");
+}
+
+void hsGColorBlitter16Opaque::BlitH(int32_t y, int32_t x, int32_t width) {
+  if (!hsAssert(width > 0, "bad blit count")) return;
+  hsFillRow16(Pixels<uint16_t>(y, x), width, fPixel);
+}
+
+void hsGColorBlitter16Opaque::BlitRect(int32_t y, int32_t x, int32_t width, int32_t height) {
+  if (!hsAssert(width > 0, "bad blit width")) return;
+  if (!hsAssert(height > 0, "bad blit height")) return;
+  for (; height > 0; --height) hsFillRow16(Pixels<uint16_t>(y++, x), width, fPixel);
+}
+
+const hsGBitmap* hsGColorBlitter16Opaque::GetDirectTarget(uint32_t* value) {
+  *value = fPixel;
+  return &fDevice;
+}
+
+void hsGColorBlitter16Opaque::BlitMask(const hsGMask& mask, const hsRegion* clip) {
+  if (!hsAssert(mask.fMaskType == kMask_Bit, "bad masktype")) return;
+  hsWalkBits(mask, clip, [this](int32_t y, int32_t x) { *Pixels<uint16_t>(y, x) = fPixel; });
+}
+
+bool hsGColorBlitter16Opaque::Reuse(const hsGBitmap& bitmap, const hsGAttribute& attr, int32_t maskType) {
+  if (bitmap.fPixelSize != 16 || attr.Color().fA >> 8 != 0xFF || !hsIsPlainPaint(attr) || maskType != kMask_Bit)
+    return false;
+  fDevice = bitmap;
+  fPixel = PixelOf(attr.Color());
+  return true;
+}
+
+// ---- hsGColorBlitter16
+
+hsGColorBlitter16::hsGColorBlitter16(const hsGBitmap& device, const hsGColor& color)
+    : hsGDeviceBlitter(device), fColor(color) {}
+
+// Runs of equal pixels are blended once. Red is taken at five bits and doubled, so it loses its low bit here, though
+// not under bit masks.
+void hsGColorBlitter16::BlendSpan(uint16_t* pixels, int32_t width) const {
+  const uint32_t scale = (fColor.fA >> 8) + 1u;
+  const uint32_t r5 = fColor.fR >> 11, g5 = fColor.fG >> 11, b5 = fColor.fB >> 11;
+  uint32_t seen = uint16_t(~pixels[0]);  // differs from the first pixel, so that it is blended
+  uint16_t blended = 0;
+  for (uint16_t* end = pixels + width; pixels != end; ++pixels) {
+    if (*pixels != seen) {
+      seen = *pixels;
+      blended = LerpPixel(r5 * 2, g5, b5, seen, scale);
+    }
+    *pixels = blended;
+  }
+}
+
+void hsGColorBlitter16::BlendCovered(uint16_t* pixels, int32_t width, const uint8_t* coverage) const {
+  const uint32_t scale = (fColor.fA >> 8) + 1u;
+  const uint32_t r5 = fColor.fR >> 11, g5 = fColor.fG >> 11, b5 = fColor.fB >> 11;
+  for (int32_t i = 0; i < width; ++i) {
+    const uint32_t v = (coverage[i] * scale) >> 8;
+    if (v != 0) pixels[i] = LerpPixel(r5 * 2, g5, b5, pixels[i], v + 1);
+  }
+}
+
+void hsGColorBlitter16::BlitH(int32_t y, int32_t x, int32_t width) {
+  if (!hsAssert(width > 0, "bad blit count")) return;
+  if (fAlpha) {
+    BlendCovered(Pixels<uint16_t>(y, x), width, fAlpha);
+  } else {
+    BlendSpan(Pixels<uint16_t>(y, x), width);
+  }
+}
+
+void hsGColorBlitter16::BlitRect(int32_t y, int32_t x, int32_t width, int32_t height) {
+  if (!hsAssert(width > 0 && height > 0, "bad blit size")) return;
+  if (!hsAssert(!fAlpha, "GetAlpha() != nil in BlitTile")) return;
+  for (; height > 0; --height) BlendSpan(Pixels<uint16_t>(y++, x), width);
+}
+
+void hsGColorBlitter16::BlitMask(const hsGMask& mask, const hsRegion* clip) {
+  if (!hsAssert(mask.fMaskType <= kMask_Alpha, "bad masktype")) return;
+  if (mask.fMaskType == kMask_Alpha) return hsGBlitter::BlitMask(mask, clip);
+  if (!hsAssert(!clip || clip->Bounds().Intersects(mask.fBounds), "mask doesn't intersect clip")) return;
+  const uint32_t scale = (fColor.fA >> 8) + 1u;
+  const uint32_t r6 = fColor.fR >> 10, g5 = fColor.fG >> 11, b5 = fColor.fB >> 11;
+  hsWalkBits(mask, clip, [=, this](int32_t y, int32_t x) {
+    uint16_t* pixel = Pixels<uint16_t>(y, x);
+    *pixel = LerpPixel(r6, g5, b5, *pixel, scale);
+  });
+}
+
+void hsGColorBlitter16::BlitLCDMask(const hsGMask& mask, const hsRegion* clip, int32_t lcdOffset) {
+  const auto& table = DarkenTable();
+  // Only the low five bits of red take part.
+  hsBlitLCD<uint16_t>(fDevice, mask, clip, lcdOffset, [&](uint32_t d, uint32_t c0, uint32_t c1, uint32_t c2) {
+    return hsPack16(table[(d >> 5 & 0x3E0) | c0], table[(d & 0x3E0) | c1], table[(d << 5 & 0x3E0) | c2]);
+  });
+}
+
+bool hsGColorBlitter16::Reuse(const hsGBitmap& bitmap, const hsGAttribute& attr, int32_t maskType) {
+  if (bitmap.fPixelSize != 16 || !hsIsPlainPaint(attr) || maskType == kMask_3D) return false;
+  if (attr.Color().fA >> 8 == 0xFF && maskType == kMask_Bit) return false;
+  fDevice = bitmap;
+  fColor = attr.Color();
+  return true;
+}

@@ -1,0 +1,80 @@
+#include "gfx/pixel/hsgshaderblitter.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "gfx/foundation/hsdebug.h"
+#include "gfx/pixel/hsgattribute.h"
+#include "gfx/pixel/hsgembossshader.h"
+#include "gfx/pixel/maskwalk.h"
+
+hsGShaderBlitter::hsGShaderBlitter(const hsGBitmap& device, const hsGAttribute& attr, hsGShader* shader,
+                                   int32_t maskType)
+    : hsGDeviceBlitter(device), fColor(hsPremultiply(attr.Color())), fShader(shader), fMaskType(maskType) {
+  if (shader) shader->Ref();
+  std::fill_n(fSpan, kSpan, fColor);
+  bool opaque = shader ? shader->IsOpaque() : hsColor32A(fColor) == 0xFF;
+  if (maskType == kMask_3D) opaque = false;
+  if (attr.XferMode()) {
+    hsRefAssign(fXfer, attr.XferMode());
+  } else if (opaque) {
+    fXfer = new hsGSrcMode;
+  } else {
+    fXfer = new hsGSrcOverMode;
+  }
+  fXfer->SetOpaque(opaque);
+}
+
+hsGShaderBlitter::~hsGShaderBlitter() {
+  hsRefAssign<hsGShader>(fShader, nullptr);
+  fXfer->UnRef();
+}
+
+void hsGShaderBlitter::ShadeSpan(hsGShader* shader, int32_t y, int32_t x, int32_t count) {
+  shader->ShadeRow(y, x, count, fSpan);
+}
+
+void hsGShaderBlitter::BlitShaded(hsGShader* shader, int32_t y, int32_t x, int32_t width, const uint8_t* alpha) {
+  while (width > 0) {
+    const int32_t chunk = std::min(width, kSpan);
+    if (shader) ShadeSpan(shader, y, x, chunk);
+    XferSpan(y, x, chunk, alpha);
+    if (alpha) alpha += chunk;
+    x += chunk;
+    width -= chunk;
+  }
+}
+
+void hsGShaderBlitter::BlitH(int32_t y, int32_t x, int32_t width) {
+  if (hsAssert(width > 0, "bad count")) BlitShaded(fShader, y, x, width, fAlpha);
+}
+
+void hsGShaderBlitter::BlitMask(const hsGMask& mask, const hsRegion* clip) {
+  if (mask.fMaskType != kMask_3D) return hsGBlitter::BlitMask(mask, clip);
+  hsGEmbossShader emboss(mask, fShader, fColor);
+  hsWalkMaskSpans(mask.fBounds, clip,
+                  [&](int32_t y, int32_t x, int32_t width) { BlitShaded(&emboss, y, x, width, nullptr); });
+  if (!fShader) std::fill_n(fSpan, kSpan, fColor);
+}
+
+void hsGShaderBlitter8::XferSpan(int32_t y, int32_t x, int32_t count, const uint8_t* alpha) {
+  fXfer->Xfer8(count, fSpan, Pixels<uint8_t>(y, x), fDevice.fColorTable, alpha);
+}
+
+void hsGShaderBlitter16::XferSpan(int32_t y, int32_t x, int32_t count, const uint8_t* alpha) {
+  fXfer->Xfer16(count, fSpan, Pixels<uint16_t>(y, x), alpha);
+}
+
+hsGShaderBlitterA::hsGShaderBlitterA(const hsGBitmap& device, const hsGAttribute& attr, hsGShader* shader,
+                                     int32_t maskType)
+    : hsGShaderBlitter(device, attr, shader, maskType) {
+  std::memset(fAlphaSpan, int(hsColor32A(fColor)), sizeof fAlphaSpan);
+}
+
+void hsGShaderBlitterA::ShadeSpan(hsGShader* shader, int32_t y, int32_t x, int32_t count) {
+  shader->ShadeAlphaRow(y, x, count, fAlphaSpan);
+}
+
+void hsGShaderBlitterA::XferSpan(int32_t y, int32_t x, int32_t count, const uint8_t* alpha) {
+  fXfer->XferA(count, fAlphaSpan, Pixels<uint8_t>(y, x), alpha);
+}
