@@ -103,9 +103,9 @@ TEST_F(ScanConverter, NothingToCross) {
 TEST_F(ScanConverter, CubicPointsComeInTwos) {
   const FontContour good = {{0, 0}, {0, 500, false}, {500, 500, false}, {500, 0}};
   EXPECT_NE(Draw({good}, 0, 3), "0,0\n");
-  for (const FontContour& bad : {FontContour{{0, 0}, {0, 500, false}, {500, 0}},
-                                 FontContour{{0, 0}, {0, 9, false}, {9, 9, false}, {9, 0, false}},
-                                 FontContour{{0, 0, false}, {9, 9, false}}}) {
+  for (const FontContour& bad :
+       {FontContour{{0, 0}, {0, 500, false}, {500, 0}},
+        FontContour{{0, 0}, {0, 9, false}, {9, 9, false}, {9, 0, false}}, FontContour{{0, 0, false}, {9, 9, false}}}) {
     EXPECT_THROW(Draw({bad}, 0, 3), tsiError);
   }
 }
