@@ -143,9 +143,14 @@ Bytes Type1Builder::Program(std::initializer_list<int> values) {
 
 std::string Type1Builder::ClearText() const { return head + encoding + "currentfile eexec\n"; }
 
-Bytes Type1Builder::PrivateCipher() const {
+Bytes Type1Builder::PrivateCipher() const { return Encrypt(PrivatePortion(true), 55665); }
+
+Bytes Type1Builder::PrivateText() const { return PrivatePortion(false); }
+
+Bytes Type1Builder::PrivatePortion(bool seal) const {
   const auto sealed = [&](const Bytes& program) {
-    return Encrypt(Bytes().Text(std::string(size_t(lenIV), 'x')).Add(program), 4330);
+    const Bytes whole = Bytes().Text(std::string(size_t(lenIV), 'x')).Add(program);
+    return seal ? Encrypt(whole, 4330) : whole;
   };
   Bytes plain;
   plain.Text("abcd").Text(privateHead).Text("/lenIV " + std::to_string(lenIV) + " def\n");
@@ -161,7 +166,7 @@ Bytes Type1Builder::PrivateCipher() const {
     plain.Text("/" + name + " " + std::to_string(data.size()) + " " + mark + " ").Add(data).Text(" ND\n");
   }
   plain.Text("end end readonly put mark currentfile closefile\n");
-  return Encrypt(plain, 55665);
+  return plain;
 }
 
 Bytes Type1Builder::Build() const {

@@ -76,7 +76,8 @@ class Type1Builder {
   const char* mark = "RD";
 
   Bytes Build() const;
-  Bytes BuildPC() const;  // in segments
+  Bytes BuildPC() const;      // in segments
+  Bytes PrivateText() const;  // the private portion, nothing in it encrypted
 
   // Program text: numbers of -107..107 and up, and operator bytes.
   static Bytes Number(int v);
@@ -84,5 +85,6 @@ class Type1Builder {
 
  private:
   std::string ClearText() const;
+  Bytes PrivatePortion(bool seal) const;
   Bytes PrivateCipher() const;
 };
