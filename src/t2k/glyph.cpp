@@ -109,13 +109,23 @@ struct Offset {
 
 Offset OffsetOfPart(const GlyphClass* result, const GlyphClass* part, uint16_t flags, int32_t argument1,
                     int32_t argument2) {
-  if (!(flags & kArgsAreOffset)) {
-    tsi_Assert(result->mem, argument1 >= 0 && argument1 < result->pointCount + kPhantoms);
-    tsi_Assert(result->mem, argument2 >= 0 && argument2 < part->pointCount + kPhantoms);
-    return {hsWrapSub(result->x[argument1], part->x[argument2]), hsWrapSub(result->y[argument1], part->y[argument2])};
+  if (flags & kArgsAreOffset) {
+    if (flags & kRoundOffset) return {hsWrapAdd(argument1, 32) & ~63, hsWrapAdd(argument2, 32) & ~63};
+    return {argument1, argument2};
   }
-  if (flags & kRoundOffset) return {hsWrapAdd(argument1, 32) & ~63, hsWrapAdd(argument2, 32) & ~63};
-  return {argument1, argument2};
+  if (!result) return {0, 0};
+  tsi_Assert(result->mem, argument1 >= 0 && argument1 < result->pointCount + kPhantoms);
+  tsi_Assert(result->mem, argument2 >= 0 && argument2 < part->pointCount + kPhantoms);
+  return {hsWrapSub(result->x[argument1], part->x[argument2]), hsWrapSub(result->y[argument1], part->y[argument2])};
+}
+
+// The first part becomes the result itself; its phantoms stay where they are.
+GlyphClass* TakeOver(GlyphClass* part, Offset offset) {
+  for (int i = 0; i < part->pointCount; ++i) {
+    part->x[i] = hsWrapAdd(part->x[i], offset.x);
+    part->y[i] = hsWrapAdd(part->y[i], offset.y);
+  }
+  return part;
 }
 
 }  // namespace
@@ -226,7 +236,7 @@ void AllocScaledPoints(GlyphClass* glyph) {
 }
 
 GlyphClass* MergeComponent(GlyphClass* result, GlyphClass* part, uint16_t flags, int32_t argument1, int32_t argument2) {
-  if (!result) return part;
+  if (!result) return TakeOver(part, OffsetOfPart(nullptr, part, flags, argument1, argument2));
   GlyphHolder oldHolder(result), partHolder(part);
   tsiMemObject* mem = result->mem;
   const int oldPoints = result->pointCount;

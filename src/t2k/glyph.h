@@ -94,6 +94,6 @@ void AlignToSideBearing(GlyphClass* glyph, GlyphMetrics metrics);
 void AllocScaledPoints(GlyphClass* glyph);
 
 // Joins a scaled component to the scaled result so far, which is null at first. With kArgsAreOffset the arguments are
-// an offset in 26.6, otherwise a point number of the result and one of the part. The part that comes first is taken
-// over as it stands, its offset unused. Both arguments belong to this call; it gives the new result.
+// an offset in 26.6, otherwise a point number of the result and one of the part that are to coincide. Both glyphs
+// belong to this call, which gives the new result: at first that is the part itself.
 GlyphClass* MergeComponent(GlyphClass* result, GlyphClass* part, uint16_t flags, int32_t argument1, int32_t argument2);

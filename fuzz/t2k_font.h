@@ -1,0 +1,37 @@
+// What the fuzz targets of the font engine do with a font: open it, look at it from all sides, close it.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+#include "t2k/t2k.h"
+
+// The last byte chooses size, grey level and commands.
+inline void TryFont(const uint8_t* data, size_t size, int fontType) {
+  if (!size || size > 1 << 20) return;
+  const uint8_t choice = data[size - 1];
+  int err;
+  tsiMemObject* mem = tsi_NewMemhandler(&err);
+  InputStream* in = New_InputStream3(mem, data, uint32_t(size), &err);
+  sfntClass* font = New_sfntClass(mem, fontType, 0, in, nullptr, &err);
+  T2K* t = font ? NewT2K(mem, font, &err) : nullptr;
+  if (t) {
+    const hsFixed pixels = (5 + choice % 61) << 16;
+    const T2KMatrix matrix{pixels, choice & 64 ? pixels / 3 : 0, 0, pixels};
+    T2K_NewTransformation(t, true, 72, 72, &matrix, &err);
+    const int level = choice % (5 + 1);
+    const int cmd = kT2KBitmap | (choice & 128 ? kT2KGridFit : 0);
+    for (int i = 0; !err && i < t->numGlyphs && i < 12; ++i) {
+      T2K_RenderGlyph(t, i, choice & 63, 0, level, cmd | kT2KByIndex, &err);
+    }
+    for (const char* c = "Ag0"; !err && *c; ++c) T2K_RenderGlyph(t, *c, 0, 0, level, cmd, &err);
+    const uint16_t text[] = {'A', 'V', 0xFFFF, choice};
+    if (!err) T2K_MeasureTextInX(t, text, nullptr, 4);
+  }
+  DeleteT2K(t, &err);
+  Delete_sfntClass(font, &err);
+  Delete_InputStream(in, &err);
+  if (mem->numPointers) std::abort();  // something was left behind
+  tsi_DeleteMemhandler(mem);
+}
