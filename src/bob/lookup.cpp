@@ -14,3 +14,36 @@ BobValue bobFindAndCache(BobInterp* interp, BobValue start, BobValue symbol, uin
   }
   return 0;
 }
+
+BobValue bobFindGlobalOrFail(BobInterp* interp, BobValue symbol, uint32_t* cache) {
+  if (bobIsSymbol(interp, symbol))
+    if (const BobValue property = bobFindAndCache(interp, interp->scope.object, symbol, cache))
+      return interp->words(property)[kValue];
+  BobValue value;
+  if (!bobFindGlobal(interp, interp->scope.object, symbol, &value)) bobRaise(interp, kBobUnboundVariable, symbol);
+  return value;
+}
+
+BobValue bobGetAnyProperty(BobInterp* interp, BobValue object, BobValue key) {
+  const BobLocal keep(interp, key);
+  BobValue value;
+  if (!bobGetProperty(interp, object, key, &value)) bobRaise(interp, kBobNoProperty, keep);
+  return value;
+}
+
+void bobSetAnyProperty(BobInterp* interp, BobValue object, BobValue key, bool isElement) {
+  const BobLocal keep(interp, key);
+  if (!bobSetProperty(interp, object, key, interp->val))
+    bobRaise(interp, kBobNoProperty, isElement ? interp->val : keep.value);
+}
+
+void bobSetAnyGlobal(BobInterp* interp, BobValue symbol, uint32_t* cache) {
+  const BobValue scope = interp->scope.object;
+  const BobValue own = bobIsSymbol(interp, symbol) ? bobFindSymbolLocally(interp, scope, symbol) : 0;
+  if (!own) {
+    bobSetProperty(interp, scope, symbol, interp->val);
+    return;
+  }
+  interp->words(own)[kValue] = interp->val;
+  bobFillCache(interp, cache, scope, own);
+}
