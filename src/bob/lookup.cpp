@@ -1,5 +1,7 @@
 #include "bob/lookup.h"
 
+#include "bob/kinds.h"
+
 using namespace BobLayout;
 
 BobValue bobFindAndCache(BobInterp* interp, BobValue start, BobValue symbol, uint32_t* cache) {
@@ -24,7 +26,28 @@ BobValue bobFindGlobalOrFail(BobInterp* interp, BobValue symbol, uint32_t* cache
   return value;
 }
 
-BobValue bobGetAnyProperty(BobInterp* interp, BobValue object, BobValue key) {
+BobValue bobFindMember(BobInterp* interp, BobValue object, BobValue key, uint32_t* cache) {
+  if (!bobIsSymbol(interp, key)) return 0;
+  switch (interp->recordOf(object)->base) {
+    case kBobVector:
+    case kBobString:
+    case kBobInteger:
+    case kBobFloat:
+    case kBobSymbol:
+    case kBobMethod: break;
+    default: return 0;
+  }
+  const BobValue classObject = bobClassOf(interp, object);
+  if (bobCacheHolds(interp, cache, classObject) && interp->words(cache[kCacheProperty])[kKey] == key)
+    return cache[kCacheProperty];
+  const BobValue property = bobFindSymbolLocally(interp, classObject, key);
+  if (property) bobFillCache(interp, cache, classObject, property);
+  return property;
+}
+
+BobValue bobGetAnyProperty(BobInterp* interp, BobValue object, BobValue key, uint32_t* cache) {
+  if (const BobValue member = bobFindMember(interp, object, key, cache))
+    return bobDeliver(interp, object, key, interp->words(member)[kValue]);
   const BobLocal keep(interp, key);
   BobValue value;
   if (!bobGetProperty(interp, object, key, &value)) bobRaise(interp, kBobNoProperty, keep);

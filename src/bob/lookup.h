@@ -74,9 +74,13 @@ inline uint32_t* bobFindElement(BobInterp* interp, BobValue object, BobValue ind
   return w + kElements + bobSmallValue(index);
 }
 
+// The same for a member of a value kind, in its class: what the member is, not what a getter gives. 0 for objects of
+// other kinds, and for keys that aren't symbols.
+BobValue bobFindMember(BobInterp* interp, BobValue object, BobValue key, uint32_t* cache);
+
 // The general roads. They raise what the instructions raise.
 BobValue bobFindGlobalOrFail(BobInterp* interp, BobValue symbol, uint32_t* cache);
-BobValue bobGetAnyProperty(BobInterp* interp, BobValue object, BobValue key);
+BobValue bobGetAnyProperty(BobInterp* interp, BobValue object, BobValue key, uint32_t* cache);
 // Stores interp->val. A failure reports the key for a property, but the value for an element.
 void bobSetAnyProperty(BobInterp* interp, BobValue object, BobValue key, bool isElement);
 // Stores interp->val as a global of the current scope.

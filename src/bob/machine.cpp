@@ -5,6 +5,7 @@
 // back. A joined instruction does what its parts do one after the other, the check for room on the stack included.
 #include "bob/arithmetic.h"
 #include "bob/frames.h"
+#include "bob/kinds.h"
 #include "bob/lookup.h"
 
 using namespace BobLayout;
@@ -20,7 +21,12 @@ using namespace BobLayout;
 #define B() (insn >> 16)
 #define VARIABLE(index) vars[-int(index)]
 #define LITERAL(number) (interp->words(interp->code)[kCodeElements + (number)])
-#define BRANCH() (pc += int32_t(*pc))
+#define BRANCH() (BURN(), pc += int32_t(*pc))
+#ifdef BOB_FUEL  // for fuzzing: what has run for too long is stopped without a word
+#define BURN() (interp->fuel == 0 ? (STORE(), bobRaise(interp, kBobRestart)) : void(--interp->fuel))
+#else
+#define BURN() void()
+#endif
 #define ROOM(count)                                    \
   do {                                                 \
     if (sp - interp->stackBase < (count)) [[unlikely]] \
@@ -285,7 +291,7 @@ get:
     NEXT();
   }
   STORE();
-  interp->val = bobGetAnyProperty(interp, left, val);
+  interp->val = bobGetAnyProperty(interp, left, val, pc);
   RELOAD();
   pc += kBobCacheWords;
   NEXT();
@@ -367,6 +373,12 @@ doSend:
     place[-1] = place[0];
     place[-2] = interp->words(left)[kParent];
     place[0] = interp->words(property)[kValue];
+  } else if ((property = bobFindMember(interp, left, place[-1], pc))) {
+    STORE();
+    right = bobDeliver(interp, left, place[-1], interp->words(property)[kValue]);
+    place[-1] = place[0];
+    place[-2] = kBobNil;
+    place[0] = right;
   } else {
     STORE();
     bobPrepareSend(interp, int(A()));
@@ -374,6 +386,7 @@ doSend:
   pc += kBobCacheWords;
 doCall:
   STORE();
+  BURN();
   left = sp[A()];
   if (!bobIsSmall(left) && *interp->words(left) == kBobMethod) [[likely]] {
     bobPushCallFrame(interp, int(A()), kCallFrame);

@@ -40,7 +40,8 @@ struct BobThread {
 #define BOB_THREAD_OPCODES(X)                                                                                        \
   X(Bad)                                                                                                             \
   X(Jump)                                                                                                            \
-  X(Brt) X(Brf) /* target */                                                                                         \
+  X(Brt)                                                                                                             \
+  X(Brf) /* target */                                                                                                \
       X(True) X(Nil) X(Push) X(Not) X(Bnot) BOB_ARITHMETIC_FORMS(X, Add) BOB_ARITHMETIC_FORMS(X, Sub)                \
           BOB_ARITHMETIC_FORMS(X, Mul) BOB_ARITHMETIC_FORMS(X, Div) BOB_ARITHMETIC_FORMS(X, Rem)                     \
               BOB_ARITHMETIC_FORMS(X, Band) BOB_ARITHMETIC_FORMS(X, Bor) BOB_ARITHMETIC_FORMS(X, Xor)                \
