@@ -1,6 +1,8 @@
 // What the host sees: native kinds, calls in, scopes, streams, argument signatures.
 #include <gtest/gtest.h>
 
+#include <deque>
+
 #include "bob/session.h"
 
 namespace {
@@ -9,6 +11,7 @@ struct Lamp {
   int32_t level = 0;
 };
 
+std::deque<Lamp> lamps;  // never given back: the host owns them
 std::vector<Lamp*> finalized;
 uint32_t lampKind;
 
@@ -16,7 +19,7 @@ BobValue LampInitialize(BobInterp* interp) {
   BobValue self;
   int32_t level = 7;
   bobParse(interp, "V=*|i", lampKind, &self, &level);
-  bobHandleOf(interp, self) = bobMakeHandle(interp, new Lamp{level});
+  bobHandleOf(interp, self) = bobMakeHandle(interp, &lamps.emplace_back(Lamp{level}));
   return self;
 }
 BobValue LampBlink(BobInterp* interp) {
@@ -36,7 +39,6 @@ void SetLampLevel(BobInterp* interp, BobValue object, BobValue value) {
 void FinalizeLamp(BobInterp* interp, BobValue object) {
   finalized.push_back(static_cast<Lamp*>(bobNativePointer(interp, object)));
   bobReleaseHandle(interp, bobHandleOf(interp, object));
-  delete finalized.back();
 }
 
 constexpr BobMethodRow kMethods[] = {{"initialize", LampInitialize}, {"Blink", LampBlink}, {nullptr, nullptr}};
@@ -79,7 +81,6 @@ TEST(NativeKinds, AreFinalizedOnceWhenNothingReachesThem) {
   session.run("kept = new Lamp(1); lost = new Lamp(2); closed = new Lamp(3); bare = new Lamp;");
   BobValue closed;
   ASSERT_TRUE(bobFindGlobal(session.interp, session.root()->object, bobIntern(session.interp, "closed"), &closed));
-  delete static_cast<Lamp*>(bobNativePointer(session.interp, closed));
   bobReleaseHandle(session.interp, bobHandleOf(session.interp, closed));
   bobCollect(session.interp);
   EXPECT_TRUE(finalized.empty());
