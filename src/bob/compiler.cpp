@@ -44,7 +44,8 @@ BobValue BobCompiler::compileStatement(BobValue scopeObject) {
     emitOp(kOpAframe, 2, 0);
     statement();
     emitOp(kOpReturn);
-    return bobMakeMethod(interp, makeCode(), kBobNil, scope);
+    const BobValue code = makeCode();
+    return bobMakeMethod(interp, code, kBobNil, scope);
   } catch (const BobUnwind&) {
     while (!scopes.empty()) popScope();
     throw;

@@ -28,7 +28,7 @@ struct BobCompiler {
   static constexpr int kCodeSize = 4096;
   static constexpr int kLiteralCount = 256;
   static constexpr size_t kControlDepth = 20;
-  static constexpr int kNesting = 200;  // of statements, expressions and literals in each other
+  static constexpr int kNesting = 600;  // of statements, expressions and literals in each other
 
   // What an expression parser has recognised. kValue: the value is in val; otherwise a place, whose value takes a load.
   struct Place {

@@ -16,7 +16,10 @@ uint32_t* bobScanFrame(BobInterp* interp, uint32_t* frame) {
     if (frame[kFrameCode]) copy(frame[kFrameCode]);
   }
   const uint32_t count = environment[kEnvCount];
-  for (uint32_t i = 0; i < count; ++i) copy(environment[kEnvNext + i]);
+  // Once moved its words are dead: whatever still points here is led on to the heap by this collection, which must
+  // find the way as it was.
+  if (environment[0] == kBobStackEnvironment)
+    for (uint32_t i = 0; i < count; ++i) copy(environment[kEnvNext + i]);
   return environment + kEnvNext + count;
 }
 
@@ -76,4 +79,28 @@ void bobMoveEnvironments(BobInterp* interp) {
   }
   // Nothing lay on the stack: the chain is in the heap already. The last one moved got its link with its slots.
   if (first != kBobNil) interp->env = first;
+}
+
+uint32_t* bobFindVariable(BobInterp* interp, uint32_t depth, uint32_t index) {
+  BobValue env = interp->env;
+  for (; depth > 0 && env != kBobNil; --depth) env = interp->words(env)[kEnvNext];
+  if (env == kBobNil || index > interp->words(env)[kEnvCount] - 2) return nullptr;
+  return bobTopOfVariables(interp, env) - index;
+}
+
+BobValue bobMakeClosure(BobInterp* interp) {
+  if (!interp->isA(interp->val, kBobCompiledCode)) bobRaise(interp, kBobBadOpcode);
+  bobMoveEnvironments(interp);
+  return bobMakeMethod(interp, interp->val, interp->env, interp->scope.object);
+}
+
+void bobGatherVector(BobInterp* interp) {
+  if (!bobIsInteger(interp, interp->val)) bobRaise(interp, kBobWrongType, interp->val);
+  const int32_t count = bobIntegerValue(interp, interp->val);
+  if (count < 0) bobRaise(interp, kBobIndexOutOfBounds, interp->val);
+  if (count > interp->fp - interp->sp) bobRaise(interp, kBobBadOpcode);
+  const BobValue vector = bobMakeVector(interp, uint32_t(count));
+  uint32_t* elements = interp->words(vector) + kElements;
+  for (int32_t i = count - 1; i >= 0; --i) elements[i] = *interp->sp++;
+  interp->val = vector;
 }

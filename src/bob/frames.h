@@ -86,5 +86,17 @@ inline void bobPopBlockFrame(BobInterp* interp) {
   interp->env = bobFollowMovedEnvironment(interp, frame[kBlockFrameEnv]);
 }
 
+// The word behind the slots of an environment: variable k lies k words below it.
+inline uint32_t* bobTopOfVariables(BobInterp* interp, BobValue env) {
+  uint32_t* w = interp->words(env);
+  return w + BobLayout::kEnvNext + w[BobLayout::kEnvCount];
+}
+// The variable `depth` environments out, or null if there is none.
+uint32_t* bobFindVariable(BobInterp* interp, uint32_t depth, uint32_t index);
+
 // Moves the environments that lie on the stack, from env outward, to the heap: env is the heap chain then.
 void bobMoveEnvironments(BobInterp* interp);
+// A Method of the code in val, with the environment moved to the heap and the current scope.
+BobValue bobMakeClosure(BobInterp* interp);
+// Pops the elements of a vector literal, the last one first, into a vector; their number is in val, which gets it.
+void bobGatherVector(BobInterp* interp);

@@ -10,7 +10,7 @@ using namespace BobLayout;
 
 namespace {
 
-constexpr uint32_t kGrowingPart = 16 << 20;  // symbols, static rows and native kinds beyond the first chunk
+constexpr uint32_t kGrowingPart = 4 << 20;  // symbols, static rows and native kinds beyond the first chunk
 
 // One record of the native allocator heads each block: next, base, free, top and finalizeList.
 constexpr uint32_t kBlockHeader = 20;

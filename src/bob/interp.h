@@ -147,6 +147,10 @@ struct BobInterp {
   bool collectAlways = false;
   int64_t failAllocation = -1;
 
+#ifdef BOB_FUEL
+  uint32_t fuel = BOB_FUEL;  // branches and calls that are left to run
+#endif
+
   uint32_t* words(BobValue object) { return reinterpret_cast<uint32_t*>(base + object); }
   uint8_t* bytes(BobValue object) { return base + object; }
   uint32_t offsetOf(const void* p) const { return uint32_t(static_cast<const uint8_t*>(p) - base); }

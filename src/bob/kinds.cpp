@@ -12,14 +12,6 @@ const BobPropertyRow* PropertyRow(BobInterp* interp, BobValue value) {
   return interp->isA(value, kBobVPMethod) ? interp->staticRows[interp->words(value)[kRowIndex]].property : nullptr;
 }
 
-// The value found under the key, or what the getter gives when that is a property row.
-BobValue Deliver(BobInterp* interp, BobValue object, BobValue key, BobValue found) {
-  const BobPropertyRow* row = PropertyRow(interp, found);
-  if (!row) return found;
-  if (!row->getter) bobRaise(interp, kBobWriteOnly, key);
-  return row->getter(interp, object);
-}
-
 void RunSetter(BobInterp* interp, const BobPropertyRow* row, BobValue object, BobValue key, BobValue value) {
   if (!row->setter) bobRaise(interp, kBobReadOnly, key);
   row->setter(interp, object, value);
@@ -63,6 +55,13 @@ void AddRowProperty(BobInterp* interp, BobValue object, const char* name, BobVal
 
 }  // namespace
 
+BobValue bobDeliver(BobInterp* interp, BobValue object, BobValue key, BobValue found) {
+  const BobPropertyRow* row = PropertyRow(interp, found);
+  if (!row) return found;
+  if (!row->getter) bobRaise(interp, kBobWriteOnly, key);
+  return row->getter(interp, object);
+}
+
 BobValue bobClassOf(BobInterp* interp, BobValue value) {
   switch (interp->recordOf(value)->base) {
     case kBobMethod: return interp->methodClass;
@@ -77,7 +76,7 @@ BobValue bobClassOf(BobInterp* interp, BobValue value) {
 bool bobGetValueProperty(BobInterp* interp, BobValue object, BobValue key, BobValue* value) {
   const BobValue property = bobFindLocally(interp, bobClassOf(interp, object), key);
   if (!property) return false;
-  *value = Deliver(interp, object, key, interp->words(property)[kValue]);
+  *value = bobDeliver(interp, object, key, interp->words(property)[kValue]);
   return true;
 }
 
@@ -95,7 +94,7 @@ bool bobGetCObjectProperty(BobInterp* interp, BobValue object, BobValue key, Bob
   BobValue property = bobFindLocally(interp, object, key);
   if (!property) property = FindInKinds(interp, interp->typeOf(object), key);
   if (!property) return false;
-  *value = Deliver(interp, object, key, interp->words(property)[kValue]);
+  *value = bobDeliver(interp, object, key, interp->words(property)[kValue]);
   return true;
 }
 

@@ -1,4 +1,4 @@
-// The parts of making native kinds that the interpreter's start needs.
+// The parts of native kinds that other files of the language need.
 #pragma once
 
 #include "bob/interp.h"
@@ -7,3 +7,5 @@
 void bobMakeTypeKind(BobInterp* interp);
 // A class object for the type record.
 BobValue bobMakeTypeInstance(BobInterp* interp, uint32_t type);
+// The value found under the key, or what its getter gives for the object when it is a property row.
+BobValue bobDeliver(BobInterp* interp, BobValue object, BobValue key, BobValue found);

@@ -53,3 +53,35 @@ inline BobValue bobFindCached(BobInterp* interp, BobValue object, BobValue symbo
   if (bobCacheHolds(interp, cache, parent) && isHit()) return cache[kCacheProperty];
   return bobFindAndCache(interp, parent, symbol, cache);
 }
+
+inline bool bobIsSymbol(BobInterp* interp, BobValue value) {
+  return !bobIsSmall(value) && *interp->words(value) == kBobSymbol;
+}
+
+// The property that a GET of any key from any value finds among plain objects, or 0: then the general road decides.
+inline BobValue bobFindField(BobInterp* interp, BobValue object, BobValue key, uint32_t* cache) {
+  if (bobIsSmall(object) || *interp->words(object) != kBobObject || !bobIsSymbol(interp, key)) return 0;
+  return bobFindCached(interp, object, key, cache);
+}
+
+// An element of a vector by a small index, or null: then the general road decides.
+inline uint32_t* bobFindElement(BobInterp* interp, BobValue object, BobValue index) {
+  using namespace BobLayout;
+  if (bobIsSmall(object) || !bobIsSmall(index)) return nullptr;
+  uint32_t* w = interp->words(object);
+  if (w[0] == kBobMovedVector) w = interp->words(w[kMovedTo]);
+  if (w[0] != kBobVector || uint32_t(bobSmallValue(index)) >= w[kSize]) return nullptr;
+  return w + kElements + bobSmallValue(index);
+}
+
+// The same for a member of a value kind, in its class: what the member is, not what a getter gives. 0 for objects of
+// other kinds, and for keys that aren't symbols.
+BobValue bobFindMember(BobInterp* interp, BobValue object, BobValue key, uint32_t* cache);
+
+// The general roads. They raise what the instructions raise.
+BobValue bobFindGlobalOrFail(BobInterp* interp, BobValue symbol, uint32_t* cache);
+BobValue bobGetAnyProperty(BobInterp* interp, BobValue object, BobValue key, uint32_t* cache);
+// Stores interp->val. A failure reports the key for a property, but the value for an element.
+void bobSetAnyProperty(BobInterp* interp, BobValue object, BobValue key, bool isElement);
+// Stores interp->val as a global of the current scope.
+void bobSetAnyGlobal(BobInterp* interp, BobValue symbol, uint32_t* cache);

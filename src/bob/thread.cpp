@@ -1,5 +1,7 @@
 #include "bob/thread.h"
 
+#include <algorithm>
+
 #include "bob/codepaths.h"
 #include "bob/objects.h"
 
@@ -50,16 +52,39 @@ BobThreadOpcode PlainForm(uint8_t opcode) {
   }
 }
 
+constexpr BobThreadOpcode kArithmetic[] = {
+#define BOB_FIRST(name) kT##name,
+    BOB_ARITHMETIC(BOB_FIRST)
+#undef BOB_FIRST
+};
+constexpr uint8_t kArithmeticOpcodes[] = {kOpAdd,  kOpSub, kOpMul, kOpDiv, kOpRem,
+                                          kOpBand, kOpBor, kOpXor, kOpShl, kOpShr};
+constexpr BobThreadOpcode kComparison[] = {
+#define BOB_FIRST(name) kT##name##VVBrt,
+    BOB_COMPARISON(BOB_FIRST)
+#undef BOB_FIRST
+};
+constexpr uint8_t kComparisonOpcodes[] = {kOpLt, kOpLe, kOpEq, kOpNe, kOpGe, kOpGt};
+
+template <size_t kCount>
+int IndexOf(const uint8_t (&opcodes)[kCount], uint8_t opcode) {
+  for (size_t i = 0; i < kCount; ++i)
+    if (opcodes[i] == opcode) return int(i);
+  return -1;
+}
+
 class Translator {
  public:
-  Translator(const BobCodePaths& paths, BobThread& thread) : paths(paths), out(thread.words) {}
+  Translator(BobInterp* interp, BobValue code, const BobCodePaths& paths, BobThread& thread)
+      : interp(interp), code(code), paths(paths), out(thread.words) {}
 
   void translate() {
+    joins = paths.proven && !instructionsOverlap();
     places.assign(paths.length, kNowhere);
     bool open = false;  // the instruction before runs on into the next offset
     uint32_t next = BobCodePaths::kStart;
     for (uint32_t at = BobCodePaths::kStart; at < paths.length; ++at) {
-      if (!paths.isReached(at)) continue;
+      if (!paths.isReached(at) || at < joinedUpTo) continue;
       if (open && next != at) emitJump(next);
       places[at] = uint32_t(out.size());
       open = emit(at, next);
@@ -80,16 +105,166 @@ class Translator {
   };
   static constexpr uint32_t kNowhere = UINT32_MAX;
 
+  // A few instructions from some place on that always run one after the other.
+  struct Sequence {
+    static constexpr int kMost = 6;
+    uint32_t at[kMost + 1];  // the last one is where the sequence ends
+    const uint8_t* p[kMost];
+    int count = 0;
+    uint8_t opcode(int i) const { return i < count ? p[i][0] : 0; }
+    uint32_t operand(int i) const { return bobWordAt(p[i] + 1); }
+  };
+
+  Sequence sequenceFrom(uint32_t at) const {
+    Sequence s;
+    while (s.count < Sequence::kMost && paths.isReached(at) && !paths.isBad(at)) {
+      if (s.count > 0 && paths.isTarget(at)) break;
+      s.at[s.count] = at;
+      s.p[s.count++] = paths.bytes + at;
+      at += bobInstructionLength(paths.bytes, at, paths.length);
+      s.at[s.count] = at;
+    }
+    return s;
+  }
+
+  // A jump into the middle of an instruction makes its bytes count twice.
+  bool instructionsOverlap() const {
+    uint32_t end = 0;
+    for (uint32_t at = BobCodePaths::kStart; at < paths.length; ++at) {
+      if (!paths.isReached(at)) continue;
+      if (at < end) return true;
+      end = at + std::max(bobInstructionLength(paths.bytes, at, paths.length), 1u);
+    }
+    return false;
+  }
+
   void put(BobThreadOpcode op, uint32_t a = 0, uint32_t b = 0) { out.push_back(Word(op, a, b)); }
   void putCache() { out.insert(out.end(), kBobCacheWords, 0); }
   void putTarget(uint32_t target) {
     fixups.push_back({uint32_t(out.size()), target});
     out.push_back(0);
   }
+
+  // A jump to a test is replaced by the test, which saves a step in every loop.
   void emitJump(uint32_t target) {
+    if (joins) {
+      const Sequence s = sequenceFrom(target);
+      const int taken = joinBinary(s, true);
+      if (taken) target = s.at[taken];
+    }
     put(kTJump);
     putTarget(target);
   }
+
+  // -- joined sequences: each gives the number of instructions that it has taken, or 0.
+
+  bool isVariable(const Sequence& s, int i) const {
+    return s.opcode(i) == kOpEref && s.p[i][1] == 0;  // one that is there: this code is proven
+  }
+  bool isSmallLiteral(const Sequence& s, int i) const {
+    return s.opcode(i) == kOpLit && bobIsSmall(interp->words(code)[kCodeElements + s.operand(i)]);
+  }
+  BobValue literal(const Sequence& s, int i) const { return interp->words(code)[kCodeElements + s.operand(i)]; }
+
+  // [EREF] PUSH, then EREF or LIT, a binary opcode, and a branch behind a comparison.
+  int joinBinary(const Sequence& s, bool testsOnly) {
+    const int first = isVariable(s, 0) ? 1 : 0;
+    if (s.opcode(first) != kOpPush) return 0;
+    const int right = first + 1, op = first + 2;
+    const bool isLiteral = isSmallLiteral(s, right);
+    if (!isLiteral && !isVariable(s, right)) return 0;
+    const int form = (first ? 0 : 2) + isLiteral;
+    const uint32_t a = first ? s.p[0][2] : 0, b = isLiteral ? 0 : s.p[right][2];
+    if (const int i = IndexOf(kArithmeticOpcodes, s.opcode(op)); i >= 0 && !testsOnly) {
+      put(BobThreadOpcode(kArithmetic[i] + 1 + form), a, b);
+      if (isLiteral) out.push_back(literal(s, right));
+      return op + 1;
+    }
+    const int i = IndexOf(kComparisonOpcodes, s.opcode(op));
+    const uint8_t branch = s.opcode(op + 1);
+    if (i < 0 || (branch != kOpBrt && branch != kOpBrf)) return 0;
+    put(BobThreadOpcode(kComparison[i] + form + (branch == kOpBrf ? 4 : 0)), a, b);
+    if (isLiteral) out.push_back(literal(s, right));
+    putTarget(s.operand(op + 1));
+    return op + 2;
+  }
+
+  // EREF INC ESET DEC on one variable, or with the steps exchanged.
+  int joinStep(const Sequence& s) {
+    if (!isVariable(s, 0) || s.count < 4 || s.opcode(2) != kOpEset) return 0;
+    const bool up = s.opcode(1) == kOpInc && s.opcode(3) == kOpDec;
+    const bool down = s.opcode(1) == kOpDec && s.opcode(3) == kOpInc;
+    if ((!up && !down) || s.p[2][1] != 0 || s.p[2][2] != s.p[0][2]) return 0;
+    put(kTStepAfter, s.p[0][2]);
+    out.push_back(up ? 1 : uint32_t(-1));
+    return 4;
+  }
+
+  int joined(int count, BobThreadOpcode op, uint32_t a, uint32_t b, int cacheWords = 0) {
+    put(op, a, b);
+    out.insert(out.end(), size_t(cacheWords), 0);
+    return count;
+  }
+
+  int joinVariable(const Sequence& s) {
+    if (!isVariable(s, 0)) return 0;
+    const uint32_t index = s.p[0][2];
+    if (s.opcode(1) == kOpReturn && !paths.hasBlocks(s.at[1])) return joined(2, kTReturnVar, 0, index);
+    if (s.opcode(1) != kOpPush) return 0;
+    if (s.opcode(2) == kOpLit) {
+      const uint32_t number = s.operand(2);
+      if (s.opcode(3) == kOpGetp) return joined(4, kTGetVarField, index, number, kBobCacheWords);
+      if (s.opcode(3) == kOpPush && s.opcode(4) == kOpOver) return joined(5, kTSelectorV, index, number);
+      if (s.opcode(3) == kOpPush && !joinsAt(s.at[3])) return joined(4, kTPushVarLit, index, number);
+    }
+    if (isVariable(s, 2)) {
+      if (s.opcode(3) == kOpVref) return joined(4, kTVrefVV, index, s.p[2][2], kBobCacheWords);
+      if (s.opcode(3) == kOpPush && !joinsAt(s.at[2])) return joined(4, kTPushVarVar, index, s.p[2][2]);
+    }
+    return joined(2, kTPushVar, index, 0);
+  }
+
+  int joinOther(const Sequence& s) {
+    switch (s.opcode(0)) {
+      case kOpPush:
+        if (s.opcode(1) == kOpLit && s.opcode(2) == kOpGetp)
+          return joined(3, kTGetField, 0, s.operand(1), kBobCacheWords);
+        if (s.opcode(1) == kOpLit && s.opcode(2) == kOpPush && s.opcode(3) == kOpOver)
+          return joined(4, kTSelectorA, 0, s.operand(1));
+        if (isVariable(s, 1) && s.opcode(2) == kOpVref) return joined(3, kTVrefAV, 0, s.p[1][2], kBobCacheWords);
+        return 0;
+      case kOpLit:
+        if (s.opcode(1) == kOpPush && !joinsAt(s.at[1])) return joined(2, kTPushLit, 0, s.operand(0));
+        return 0;
+      case kOpGref:
+        if (s.opcode(1) != kOpPush) return 0;
+        if (s.opcode(2) == kOpPushScope) return joined(3, kTGrefCallee, 0, s.operand(0), kBobCacheWords);
+        return joinsAt(s.at[1]) ? 0 : joined(2, kTGrefPush, 0, s.operand(0), kBobCacheWords);
+      case kOpDup2:
+        if (s.opcode(1) == kOpGetp) return joined(2, kTDup2Getp, 0, 0, kBobCacheWords);
+        return 0;
+      default: return 0;
+    }
+  }
+
+  // Whether what begins there joins in a way that is better than taking its first instruction away.
+  bool joinsAt(uint32_t at) {
+    const size_t words = out.size(), targets = fixups.size();
+    const Sequence s = sequenceFrom(at);
+    const bool found = joinBinary(s, false) || (s.opcode(0) == kOpPush ? joinOther(s) : joinVariable(s) > 2);
+    out.resize(words);
+    fixups.resize(targets);
+    return found;
+  }
+
+  int join(const Sequence& s) {
+    if (const int taken = joinStep(s)) return taken;
+    if (const int taken = joinBinary(s, false)) return taken;
+    if (const int taken = joinVariable(s)) return taken;
+    return joinOther(s);
+  }
+
+  // -- single instructions
 
   void emitVariable(uint32_t at, const uint8_t* p) {
     const bool load = *p == kOpEref;
@@ -110,12 +285,23 @@ class Translator {
     putTarget(bobWordAt(p + 3 + 4 * count));
   }
 
-  // Emits the instruction at `at`; true if it runs on into `next`.
+  // Emits what begins at `at`; true if it runs on into `next`.
   bool emit(uint32_t at, uint32_t& next) {
     if (paths.isBad(at)) {
       put(kTBad);
       return false;
     }
+    if (joins) {
+      const Sequence s = sequenceFrom(at);
+      if (const int taken = join(s)) {
+        next = joinedUpTo = s.at[taken];
+        return s.opcode(taken - 1) != kOpReturn;
+      }
+    }
+    return emitSingle(at, next);
+  }
+
+  bool emitSingle(uint32_t at, uint32_t& next) {
     const uint8_t* p = paths.bytes + at;
     next = at + bobInstructionLength(paths.bytes, at, paths.length);
     if (!paths.proven && bobStackPops(p) > 0) put(kTCheckPops, 0, bobStackPops(p));
@@ -164,10 +350,14 @@ class Translator {
     }
   }
 
+  BobInterp* interp;
+  BobValue code;
   const BobCodePaths& paths;
   std::vector<uint32_t>& out;
   std::vector<uint32_t> places;  // by offset: where its threaded form begins
   std::vector<Fixup> fixups;
+  bool joins = false;
+  uint32_t joinedUpTo = 0;  // offsets below are part of what has been emitted
 };
 
 uint32_t TakeNumber(BobInterp* interp) {
@@ -189,7 +379,8 @@ BobThread& bobThreadCode(BobInterp* interp, BobValue code) {
   thread->optional = bytes[2];
   thread->plainSlots = thread->hasRest || thread->optional ? -1 : thread->required;
   const uint32_t variables = uint32_t(thread->required + thread->optional + thread->hasRest);
-  Translator(BobCodePaths(interp, code, variables), *thread).translate();
+  const BobCodePaths paths(interp, code, variables);
+  Translator(interp, code, paths, *thread).translate();
 
   const uint32_t number = TakeNumber(interp);
   if (number > kMaxThreads) bobRaise(interp, kBobInsufficientMemory);

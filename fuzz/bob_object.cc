@@ -1,0 +1,35 @@
+// Records of an object file: each is read, listed and run, and whatever it says stays inside its own code.
+#include "bob/bob.h"
+
+namespace {
+
+FILE* NoFiles(const char*, const char*) { return nullptr; }
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  BobInterp* interp = bobMakeInterp(102400, 0, 65536);
+  bobRegisterGlobals(interp);
+  bobInitCompiler(interp);
+  interp->openFile = NoFiles;
+  const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+  bobTry(interp, [&] {
+    BobStringInput input(bytes);
+    BobValue value;
+    if (bobReadValue(&interp->rootScope, &input, &value) && interp->isA(value, kBobCompiledCode))
+      bobDisassemble(interp, value, interp->stdoutStream);
+  });
+  BobStringInput input(bytes);
+  bobLoadObjectStream(&interp->rootScope, &input);
+  // Functions that the records have left behind, called with too few, enough and too many arguments.
+  for (const char* name : {"f", "g", "h"})
+    for (int count = 0; count < 3; ++count)
+      bobTry(interp, [&] {
+        if (count == 0) bobCallByName(&interp->rootScope, name, {});
+        if (count == 1) bobCallByName(&interp->rootScope, name, {bobSmall(3)});
+        if (count == 2) bobCallByName(&interp->rootScope, name, {bobSmall(3), kBobTrue});
+      });
+  bobCollect(interp);
+  bobDestroyInterp(interp);
+  return 0;
+}

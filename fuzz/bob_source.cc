@@ -1,0 +1,47 @@
+// Source text: compiled and run, written as an object file, read again and listed.
+#include "bob/bob.h"
+#include "bob/compiler.h"
+
+namespace {
+
+FILE* NoFiles(const char*, const char*) { return nullptr; }
+
+class Sink : public BobStream {
+ public:
+  int PutC(int c) override { return bytes += char(c), c; }
+  std::string bytes;
+};
+
+void RoundTrip(BobInterp* interp, BobValue method) {
+  const BobLocal code(interp, interp->words(method)[BobLayout::kMethodCode]);
+  Sink written, again;
+  if (!bobWriteValue(interp, code, &written)) __builtin_trap();
+  BobStringInput input(written.bytes);
+  BobValue copy;
+  if (!bobReadValue(&interp->rootScope, &input, &copy) || !bobWriteValue(interp, copy, &again)) __builtin_trap();
+  if (written.bytes != again.bytes) __builtin_trap();
+  bobDisassemble(interp, copy, interp->stdoutStream);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  BobInterp* interp = bobMakeInterp(102400, 0, 65536);
+  bobRegisterGlobals(interp);
+  bobInitCompiler(interp);
+  interp->openFile = NoFiles;
+  const std::string_view text(reinterpret_cast<const char*>(data), size);
+  bobTry(interp, [&] {
+    BobStringInput input(text);
+    const BobKeptScanner kept(interp, &input);
+    while (const BobValue method = interp->compiler->compileStatement(interp->rootScope.object))
+      RoundTrip(interp, method);
+  });
+  bobTry(interp, [&] {
+    BobStringInput input(text);
+    bobRunSource(&interp->rootScope, &input, interp->stdoutStream);
+  });
+  bobCollect(interp);
+  bobDestroyInterp(interp);
+  return 0;
+}

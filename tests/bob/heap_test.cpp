@@ -1,0 +1,127 @@
+#include <gtest/gtest.h>
+
+#include "bob/session.h"
+
+namespace {
+
+using namespace BobLayout;
+
+uint32_t FreeBytes(BobInterp* interp) { return interp->newSpace.top - interp->newSpace.free; }
+
+TEST(Heap, ObjectsTakeTheSizesOf32BitWords) {
+  Session session;
+  BobInterp* interp = session.interp;
+  const auto taken = [&](auto make) {
+    const uint32_t before = interp->newSpace.free;
+    make();
+    return interp->newSpace.free - before;
+  };
+  EXPECT_EQ(taken([&] { bobMakeInteger(interp, kBobSmallMax); }), 0u);
+  EXPECT_EQ(taken([&] { bobMakeInteger(interp, kBobSmallMax + 1); }), 8u);
+  EXPECT_EQ(taken([&] { bobMakeFloat(interp, 1.5); }), 16u);
+  EXPECT_EQ(taken([&] { bobMakeString(interp, ""); }), 12u);
+  EXPECT_EQ(taken([&] { bobMakeString(interp, "abc"); }), 12u);
+  EXPECT_EQ(taken([&] { bobMakeString(interp, "abcd"); }), 16u);
+  EXPECT_EQ(taken([&] { bobMakeVector(interp, 5); }), 32u);
+  EXPECT_EQ(taken([&] { bobMakeCode(interp, 3); }), 20u);
+  EXPECT_EQ(taken([&] { bobMakeObject(interp, kBobNil); }), 16u);
+  EXPECT_EQ(taken([&] { bobMakeNative(interp, interp->fileKind); }), 24u);
+  const BobLocal object(interp, bobMakeObject(interp, kBobNil));
+  const uint32_t sizes[] = {16, 16, 16, 16, 16 + 24, 16, 16, 16, 16 + 40};  // properties; tables of 4 and 8 buckets
+  for (int i = 0; i < 9; ++i)
+    EXPECT_EQ(taken([&] { bobSetProperty(interp, object, bobSmall(i), kBobNil); }), sizes[i]) << i;
+}
+
+TEST(Heap, HoldsExactlyItsSpaceAndRaisesBehindIt) {
+  Session session;
+  BobInterp* interp = session.interp;
+  bobCollect(interp);
+  session.answer();
+  EXPECT_EQ(interp->newSpace.top - interp->newSpace.base, 102400u);
+  EXPECT_TRUE(bobTry(interp, [&] {
+    const BobLocal all(interp, bobMakeVector(interp, FreeBytes(interp) / 4 - 3));
+    EXPECT_EQ(FreeBytes(interp), 0u);
+  }));
+  EXPECT_EQ(session.err.text, "");  // the last byte was given out without a collection
+  EXPECT_FALSE(bobTry(interp, [&] {
+    bobCollect(interp);
+    const BobLocal all(interp, bobMakeVector(interp, FreeBytes(interp) / 4 - 3));
+    bobMakeInteger(interp, kBobSmallMin - 1);
+  }));
+  EXPECT_EQ(session.answer(), "Error: Insufficient memory\n");
+  EXPECT_EQ(session.eval("\"still\" + \" here\";"), "--> \"still here\"\n");
+  for (const char* text :
+       {"new Vector(0x40000000);", "new String(0x7FFFFFFF);", "(\\[])[0x7FFFFFFE] = 1;", "(\\[]).size = 30000;"})
+    EXPECT_TRUE(session.eval(text).starts_with("Error: Insufficient memory\n")) << text;
+}
+
+TEST(Heap, ReportsEveryCollection) {
+  Session session;
+  bobCollect(session.interp);
+  const std::regex report("\\[GC - [0-9]+ bytes free, total memory [0-9]+, allocations [0-9]+\\]\n");
+  EXPECT_TRUE(std::regex_match(session.err.text, report)) << session.err.text;
+  EXPECT_NE(session.err.text.find(" " + std::to_string(FreeBytes(session.interp)) + " bytes free"), std::string::npos);
+  // A protected-pointer block: its link, 100 addresses and a count, and the word that keeps the size.
+  const uint32_t memory = session.interp->totalMemory;
+  std::vector<BobValue> variables(100);
+  for (BobValue& variable : variables) bobProtect(session.interp, &variable);
+  EXPECT_EQ(session.interp->totalMemory, memory + 412);
+  for (BobValue& variable : variables) EXPECT_TRUE(bobUnprotect(session.interp, &variable));
+  EXPECT_FALSE(bobUnprotect(session.interp, &variables[0]));
+}
+
+TEST(Heap, ProtectedVariablesFollowTheirObjects) {
+  Session session;
+  BobInterp* interp = session.interp;
+  BobValue a, b;
+  bobProtect(interp, &a);
+  bobProtect(interp, &b);
+  a = bobMakeVector(interp, 1);
+  b = a;
+  const BobValue before = a;
+  bobCollect(interp);
+  EXPECT_NE(a, before);
+  EXPECT_EQ(a, b);
+  EXPECT_EQ(bobVectorSize(interp, a), 1u);
+  bobUnprotect(interp, &a);
+  bobUnprotect(interp, &b);
+}
+
+TEST(Symbols, AreOneForEachTextAndStay) {
+  Session session;
+  BobInterp* interp = session.interp;
+  // Worked out by hand: 0xFFFF; 'a' 0x61 takes table[0x9E] = 0x6277, XOR 0x00FF.
+  EXPECT_EQ(bobHashBytes(""), 0xFFFFu);
+  EXPECT_EQ(bobHashBytes("a"), 0x6277u ^ 0x00FFu);
+  const BobValue symbol = bobIntern(interp, "some name");
+  bobCollect(interp);
+  EXPECT_EQ(bobIntern(interp, "some name"), symbol);
+  EXPECT_NE(bobIntern(interp, std::string_view("some\0name", 9)), symbol);
+  EXPECT_EQ(kBobNil, bobIntern(interp, "nil"));
+  EXPECT_EQ(kBobTrue, bobIntern(interp, "true"));
+  // Far more symbols than a chunk holds; one that no chunk can hold.
+  for (int i = 0; i < 2000; ++i) bobIntern(interp, "symbol " + std::to_string(i));
+  for (int i = 0; i < 2000; i += 37) {
+    const std::string text = "symbol " + std::to_string(i);
+    EXPECT_EQ(bobSymbolText(interp, bobIntern(interp, text)), text);
+  }
+  EXPECT_TRUE(session.eval("(new String(9000)).Intern();").starts_with("Error: Insufficient memory\n"));
+}
+
+TEST(Handles, GoStaleForEveryHolderAtOnce) {
+  Session session;
+  BobInterp* interp = session.interp;
+  int widget = 0, other = 0;
+  const uint32_t handle = bobMakeHandle(interp, &widget);
+  EXPECT_EQ(bobHandlePointer(interp, handle), &widget);
+  bobReleaseHandle(interp, handle);
+  const uint32_t next = bobMakeHandle(interp, &other);
+  EXPECT_EQ(bobHandlePointer(interp, next), &other);
+  EXPECT_EQ(bobHandlePointer(interp, handle), nullptr);
+  bobReleaseHandle(interp, handle);  // does nothing to its successor
+  EXPECT_EQ(bobHandlePointer(interp, next), &other);
+  EXPECT_EQ(bobHandlePointer(interp, 0), nullptr);
+  EXPECT_EQ(bobHandlePointer(interp, 0xFFFFFFFF), nullptr);
+}
+
+}  // namespace

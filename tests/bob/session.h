@@ -1,0 +1,63 @@
+// An interpreter of the player's size for tests, with what it writes kept as text.
+#pragma once
+
+#include <regex>
+#include <string>
+#include <utility>
+
+#include "bob/bob.h"
+
+class TextStream : public BobStream {
+ public:
+  int PutC(int c) override { return text += char(c), c; }
+  std::string take() { return std::exchange(text, {}); }
+  std::string text;
+};
+
+struct Session {
+  explicit Session(uint32_t heapBytes = 102400, uint32_t stackWords = 65536)
+      : interp(bobMakeInterp(heapBytes, 0, stackWords)) {
+    bobRegisterGlobals(interp);
+    bobInitCompiler(interp);
+    interp->stdoutStream = &out;
+    interp->stderrStream = &err;
+  }
+  ~Session() { bobDestroyInterp(interp); }
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  BobScope* root() { return &interp->rootScope; }
+
+  // Collects at every allocation from here on.
+  void collectAlways() {
+    interp->collectAlways = true;
+    interp->allocationLimit = 0;
+  }
+  // The allocation behind `count` more raises "Insufficient memory", once.
+  void failAfter(int64_t count) {
+    interp->failAllocation = count;
+    interp->allocationLimit = 0;
+  }
+
+  // Runs source statement by statement: false if an error ended it.
+  bool run(std::string_view source) {
+    BobStringInput input(source);
+    return bobTry(interp, [&] { bobRunSource(root(), &input, nullptr); });
+  }
+  // The console's answer to one line: errors, then output, without the collector's reports and identity numbers.
+  std::string eval(std::string_view line) {
+    bobConsoleEvaluate(root(), line);
+    return answer();
+  }
+  std::string answer() {
+    const std::string errors = err.take();
+    return plain(errors) + plain(out.take());
+  }
+  static std::string plain(const std::string& text) {
+    static const std::regex report("\\[GC[^\\]]*\\]\n"), identity("-[0-9a-f]{8}>");
+    return std::regex_replace(std::regex_replace(text, report, ""), identity, "-#>");
+  }
+
+  TextStream out, err;
+  BobInterp* interp;
+};
