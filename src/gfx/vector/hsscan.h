@@ -28,4 +28,18 @@ void FrameRect(const hsRect* rect, hsScalar frameWidth, hsScalar frameHeight, co
 // An outline one pixel thick. The pixels of the right and bottom edges belong to the rectangle.
 void HairRect(const hsRect* rect, const hsRegion* clip, hsGBlitter* blitter);
 
+// A convex quadrilateral; two of its points may be the same. One that isn't convex is reported.
+void FillQuad(const hsPoint points[4], const hsRegion* clip, hsGBlitter* blitter);
+
+// The same fills with coverage, of 16 samples to a pixel: the blitter's fAlpha is set, and full is 255. The blitter
+// gets whole rows of the shape's bounds, uncovered pixels too, unless the clip is complex. spare isn't looked at.
+void AntiFillPath(const hsPath* path, const hsRegion* clip, hsGBlitter* blitter, int32_t spare = 0);
+void AntiFillQuad(const hsPoint points[4], const hsRegion* clip, hsGBlitter* blitter);
+
+// A line one pixel thick. Its pixels run from the one that holds the upper or left end; the one behind the other end
+// is left out. Equal ends draw one pixel.
+void HairLine(const hsPoint& p0, const hsPoint& p1, const hsRegion* clip, hsGBlitter* blitter);
+// Each segment of a path as hairlines; open contours stay open.
+void HairPath(const hsPath* path, const hsRegion* clip, hsGBlitter* blitter);
+
 }  // namespace HSScan

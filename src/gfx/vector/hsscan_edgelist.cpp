@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-#include "gfx/foundation/hscubic.h"
-#include "gfx/foundation/hsdebug.h"
+#include "gfx/vector/hsmonotone.h"
 #include "gfx/vector/hspath.h"
 #include "gfx/vector/hspathiter.h"
 
@@ -101,11 +100,12 @@ void hsEdgeList::AddQuad(const hsPoint pts[3], const hsIntRect* clip) {
     if (IsAboveOrBelow<3>(guard, pts)) return;
     if (IsBeside<3>(guard, pts)) return AddLine(pts[0], pts[2], clip);
   }
-  hsPoint halves[5] = {pts[0]};
-  if (!hsCubic::ChopQuadAtYExtrema(pts, halves + 1)) return AddQuadPiece(pts, clip);
-  halves[4] = pts[2];
-  AddQuadPiece(halves, clip);
-  AddQuadPiece(halves + 2, clip);
+  hsPoint pieces[5];
+  const int32_t count = hsChopQuadMonotone(pts, pieces);
+  for (int32_t i = 0; i < count; ++i) {
+    NextFree()->SetQuad(pieces + 2 * i);
+    if (NextFree()->Advance(clip)) ++fCount;
+  }
 }
 
 void hsEdgeList::AddCubic(const hsPoint pts[4], const hsIntRect* clip) {
@@ -114,22 +114,12 @@ void hsEdgeList::AddCubic(const hsPoint pts[4], const hsIntRect* clip) {
     if (IsAboveOrBelow<4>(guard, pts)) return;
     if (IsBeside<4>(guard, pts)) return AddLine(pts[0], pts[3], clip);
   }
-  hsPoint pieces[10] = {pts[0]};
-  const int splits = hsCubic::ChopCubicAtYExtrema(pts, pieces + 1);
-  if (!hsAssert(splits >= 0 && splits <= 2, "bad splitcount")) return;
-  if (splits == 0) return AddCubicPiece(pts, clip);
-  pieces[3 * splits + 3] = pts[3];
-  for (int i = 0; i <= splits; ++i) AddCubicPiece(pieces + 3 * i, clip);
-}
-
-void hsEdgeList::AddQuadPiece(const hsPoint pts[3], const hsIntRect* clip) {
-  NextFree()->SetQuad(pts);
-  if (NextFree()->Advance(clip)) ++fCount;
-}
-
-void hsEdgeList::AddCubicPiece(const hsPoint pts[4], const hsIntRect* clip) {
-  NextFree()->SetCubic(pts);
-  if (NextFree()->Advance(clip)) ++fCount;
+  hsPoint pieces[10];
+  const int32_t count = hsChopCubicMonotone(pts, pieces);
+  for (int32_t i = 0; i < count; ++i) {
+    NextFree()->SetCubic(pieces + 3 * i);
+    if (NextFree()->Advance(clip)) ++fCount;
+  }
 }
 
 hsEdge* hsEdgeList::Sort() {

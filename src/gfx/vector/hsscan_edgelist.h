@@ -29,8 +29,6 @@ class hsEdgeList {
   void AddQuad(const hsPoint pts[3], const hsIntRect* clip);
   void AddCubic(const hsPoint pts[4], const hsIntRect* clip);
   void AddLine(hsPoint p0, hsPoint p1, const hsIntRect* clip);
-  void AddQuadPiece(const hsPoint pts[3], const hsIntRect* clip);
-  void AddCubicPiece(const hsPoint pts[4], const hsIntRect* clip);
   hsEdge* NextFree() { return fEdges + fCount; }
 
   hsEdge* fEdges = fInline;

@@ -6,51 +6,17 @@
 #include "gfx/vector/hsscan_fillpath.h"
 
 #include <algorithm>
+#include <type_traits>
 
 #include "gfx/foundation/hsdebug.h"
-#include "gfx/vector/hsgblitter.h"
 #include "gfx/vector/hspath.h"
-#include "gfx/vector/hsregion.h"
+#include "gfx/vector/hsscan_clips.h"
 #include "gfx/vector/hsscan_edgelist.h"
 
 namespace {
 
 constexpr const char kFailed[] = "HSScan assert failed";
 constexpr int32_t kLeftmost = -32767;
-
-// What becomes of a span under each kind of clip.
-struct Unclipped {
-  static constexpr bool kChecksOrder = false;
-  const hsIntRect* Bounds() const { return nullptr; }
-  void Blit(int32_t y, int32_t left, int32_t right) const { blitter->BlitH(y, left, right - left); }
-
-  hsGBlitter* blitter;
-};
-
-struct ClippedToRect {
-  static constexpr bool kChecksOrder = true;
-  const hsIntRect* Bounds() const { return &rect; }
-  void Blit(int32_t y, int32_t left, int32_t right) const {
-    left = std::max(left, rect.fLeft);
-    right = std::min(right, rect.fRight);
-    if (left < right) blitter->BlitH(y, left, right - left);
-  }
-
-  hsGBlitter* blitter;
-  const hsIntRect& rect;
-};
-
-struct ClippedToRegion {
-  static constexpr bool kChecksOrder = false;
-  const hsIntRect* Bounds() const { return &region.Bounds(); }
-  void Blit(int32_t y, int32_t left, int32_t right) const {
-    // Cut to the bounds first: a path can reach farther than runs can say.
-    region.BlitClipped(y, std::max(left, Bounds()->fLeft), std::min(right, Bounds()->fRight), blitter);
-  }
-
-  hsGBlitter* blitter;
-  const hsRegion& region;
-};
 
 // The edges up to row lastY.
 bool IsOrdered(const hsEdge* edge, int32_t lastY) {
@@ -119,11 +85,12 @@ bool Resort(bool needSort, hsEdge* head, hsEdge* stop, int32_t y) {
 }
 
 template <typename Clip>
-void Walk(hsEdge* first, int32_t top, int32_t bottom, int32_t mask, const Clip clip) {
+void Walk(hsEdge* first, int32_t top, int32_t bottom, int32_t mask, const Clip& clip) {
+  constexpr bool checksOrder = std::is_same_v<Clip, hsSpansInRect>;
   hsEdge head;
   head.fNext = first;
   head.fX = kNegInfinity32;  // so that no edge needs a case for being the first
-  if (Clip::kChecksOrder) hsAssert(IsOrdered(first, top), "unordered edges going in");
+  if (checksOrder) hsAssert(IsOrdered(first, top), "unordered edges going in");
   for (int32_t y = top; y < bottom; ++y) {
     hsEdge* prev = &head;
     hsEdge* curr = head.fNext;
@@ -156,7 +123,7 @@ void Walk(hsEdge* first, int32_t top, int32_t bottom, int32_t mask, const Clip c
       curr = next;
     }
     const bool changed = Resort(needSort, &head, curr, y + 1);
-    if (Clip::kChecksOrder && changed) hsAssert(IsOrdered(head.fNext, y + 1), "unordered edges coming out");
+    if (checksOrder && changed) hsAssert(IsOrdered(head.fNext, y + 1), "unordered edges coming out");
   }
 }
 
@@ -170,13 +137,9 @@ void HSScan::FillScaledPath(const hsPath& path, int32_t scale, const hsRegion* c
   int32_t top, bottom;
   edges.GetRows(&top, &bottom);
   hsEdge* const first = edges.Sort();
-  if (!clip) return Walk(first, top, bottom, mask, Unclipped{blitter});
   // The edges were cut to the clip's rows, so none starts above it.
-  bottom = std::min(bottom, clip->Bounds().fBottom);
-  if (clip->IsRect())
-    Walk(first, top, bottom, mask, ClippedToRect{blitter, clip->Bounds()});
-  else
-    Walk(first, top, bottom, mask, ClippedToRegion{blitter, *clip});
+  if (clip) bottom = std::min(bottom, clip->Bounds().fBottom);
+  hsWithSpans(clip, blitter, [&](const auto& spans) { Walk(first, top, bottom, mask, spans); });
 }
 
 void HSScan::FillPath(const hsPath* path, const hsRegion* clip, hsGBlitter* blitter) {

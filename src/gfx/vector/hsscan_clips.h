@@ -1,0 +1,48 @@
+// What becomes of a span under each kind of clip. The walks are compiled once for each, so that no row asks which.
+#pragma once
+
+#include <algorithm>
+
+#include "gfx/vector/hsgblitter.h"
+#include "gfx/vector/hsregion.h"
+
+struct hsSpansUnclipped {
+  const hsIntRect* Bounds() const { return nullptr; }
+  void Blit(int32_t y, int32_t left, int32_t right) const { blitter->BlitH(y, left, right - left); }
+
+  hsGBlitter* blitter;
+};
+
+struct hsSpansInRect {
+  const hsIntRect* Bounds() const { return &rect; }
+  void Blit(int32_t y, int32_t left, int32_t right) const {
+    left = std::max(left, rect.fLeft);
+    right = std::min(right, rect.fRight);
+    if (left < right) blitter->BlitH(y, left, right - left);
+  }
+
+  hsGBlitter* blitter;
+  const hsIntRect& rect;
+};
+
+struct hsSpansInRegion {
+  const hsIntRect* Bounds() const { return &region.Bounds(); }
+  void Blit(int32_t y, int32_t left, int32_t right) const {
+    // Cut to the bounds first: a shape can reach farther than a region's numbers.
+    region.BlitClipped(y, std::max(left, Bounds()->fLeft), std::min(right, Bounds()->fRight), blitter);
+  }
+
+  hsGBlitter* blitter;
+  const hsRegion& region;
+};
+
+// Calls walk with the clip's kind.
+template <typename Walk>
+void hsWithSpans(const hsRegion* clip, hsGBlitter* blitter, const Walk& walk) {
+  if (!clip)
+    walk(hsSpansUnclipped{blitter});
+  else if (clip->IsRect())
+    walk(hsSpansInRect{blitter, clip->Bounds()});
+  else
+    walk(hsSpansInRegion{blitter, *clip});
+}

@@ -1,0 +1,46 @@
+// Turns the spans of a shape drawn four times too large into rows of coverage.
+//
+// A pixel is 4 by 4 samples. A sample adds 16 to its pixel's byte, but on the first of the four sample rows a span
+// takes one off each pixel that it begins in or fills, so that 63 + 64 + 64 + 64 makes 255 and no byte can overflow.
+#pragma once
+
+#include <memory>
+
+#include "gfx/foundation/hsrect.h"
+#include "gfx/vector/hsgblitter.h"
+
+class hsRegion;
+
+class hsSuperBlitter : public hsGBlitter {
+ public:
+  static constexpr int32_t kShift = 2;  // log2 of the samples to a pixel, either way
+
+  // Rows of bounds (pixels) go to realBlitter: whole when clip is nil, otherwise the pieces that lie in clip.
+  hsSuperBlitter(const hsIntRect& bounds, const hsRegion* clip, hsGBlitter* realBlitter);
+  // Passes on the last row and takes the coverage away from the real blitter.
+  ~hsSuperBlitter() noexcept(false) override;
+
+  // In samples, ascending and without overlap.
+  void BlitH(int32_t y, int32_t x, int32_t width) override;
+
+ private:
+  static constexpr int32_t kNoRow = 0x7FFFFFFF;
+  static constexpr int32_t kInlineWords = 256;  // a row of 1024 pixels
+  static constexpr int32_t kSpareWords = 3;     // behind the row: a span's end at its edge, and whole double words
+
+  void AddSpan(int32_t subRow, int32_t x, int32_t width);
+  void AddFull(int32_t pixel, int32_t count, uint8_t full);
+  void Add(int32_t pixel, int32_t value);
+  void Flush(bool clear);
+
+  const hsIntRect fBounds;
+  const hsRegion* const fClip;
+  hsGBlitter* const fRealBlitter;
+  const int32_t fWordCount;  // of coverage in a row, four pixels each
+  uint8_t* fCoverage;
+  bool fDirty = false;
+  int32_t fCurrY = kNoRow;  // pixel row in progress
+  const int32_t fSuperLeft, fSuperTop;
+  std::unique_ptr<uint32_t[]> fMore;
+  uint32_t fInline[kInlineWords + kSpareWords];
+};
