@@ -42,4 +42,18 @@ void HairLine(const hsPoint& p0, const hsPoint& p1, const hsRegion* clip, hsGBli
 // Each segment of a path as hairlines; open contours stay open.
 void HairPath(const hsPath* path, const hsRegion* clip, hsGBlitter* blitter);
 
+// Bits of a stroke's style. Without a join bit corners are mitered, without a cap bit ends are cut straight. Of two
+// join bits or two cap bits the lower one counts.
+enum StrokeStyle : uint32_t {
+  kRoundJoin = 1,
+  kBevelJoin = 2,
+  kRoundCap = 4,
+  kSquareCap = 8,
+};
+
+// Adds the outline of a stroke of src to dst, which should arrive empty: filled by winding, it is the stroke. radius is
+// half the width. A corner is mitered when its tip lies within miterLimit times radius. A negative radius or limit, or
+// a nil dst, fails "bad param".
+void StrokePath(const hsPath* src, hsFixed radius, hsFixed miterLimit, uint32_t style, hsPath* dst);
+
 }  // namespace HSScan
