@@ -95,7 +95,12 @@ void DrawLine(hsPoint p0, hsPoint p1, const Box* box, hsGBlitter* blitter) {
   hsHairRun run;
   if (!MakeRun(p0, p1, dx <= dy, &run)) return;
   if (box) KeepInside(box->rect, &run);
-  BlitRun(run, blitter);
+  if (run.fCount == 0) return;
+  uint32_t value;
+  if (const hsGBitmap* bitmap = blitter->GetDirectTarget(&value))
+    hsStoreHairRun(*bitmap, value, run);
+  else
+    BlitRun(run, blitter);
 }
 
 void HairQuad(const hsPoint quad[3], const hsRegion* clip, hsGBlitter* blitter) {

@@ -1,0 +1,206 @@
+// Scan conversion beside Cairo's image backend: the same shapes on 720 x 480 pixels of 16 bits, an opaque colour.
+// Both sides keep their path built and fill it again and again.
+#include <benchmark/benchmark.h>
+#include <cairo.h>
+
+#include <cmath>
+#include <functional>
+#include <memory>
+#include <random>
+
+#include "../gfx_storeblitter.h"
+#include "gfx/vector/hspath.h"
+#include "gfx/vector/hspathiter.h"
+#include "gfx/vector/hsregion.h"
+#include "gfx/vector/hsscan.h"
+
+namespace {
+
+constexpr double kPi = 3.14159265358979;
+
+hsPoint At(double x, double y) { return {hsScalar(std::lround(x * 65536)), hsScalar(std::lround(y * 65536))}; }
+
+hsPath Star(int points, double x, double y, double radius, double inner) {
+  hsPath path;
+  for (int i = 0; i < 2 * points; ++i) {
+    const double angle = kPi * i / points, r = i % 2 ? inner : radius;
+    const hsPoint p = At(x + r * std::sin(angle), y - r * std::cos(angle));
+    i == 0 ? path.MoveTo(p) : path.LineTo(p);
+  }
+  path.Close();
+  return path;
+}
+
+hsPath Triangles(int count, double size) {
+  std::mt19937 random(7);
+  hsPath path;
+  for (int i = 0; i < count; ++i) {
+    const double x = random() % 7000 / 10.0, y = random() % 4600 / 10.0;
+    path.MoveTo(At(x, y));
+    path.LineTo(At(x + size, y + size / 3));
+    path.LineTo(At(x + size / 4, y + size));
+    path.Close();
+  }
+  return path;
+}
+
+// Crosses itself all over the screen.
+hsPath Scribble(int count) {
+  std::mt19937 random(11);
+  hsPath path(hsPath::kEvenOddFill);
+  for (int i = 0; i < count; ++i) {
+    const hsPoint p = At(10 + random() % 7000 / 10.0, 10 + random() % 4600 / 10.0);
+    i == 0 ? path.MoveTo(p) : path.LineTo(p);
+  }
+  path.Close();
+  return path;
+}
+
+hsPath Circle(double radius) {
+  hsPath path;
+  path.AddCircle(At(360, 0).fX, At(0, 240).fY, At(radius, 0).fX);
+  return path;
+}
+
+// What a page's text is made of: small shapes with curves and a hole.
+hsPath Letters() {
+  hsPath path;
+  for (int row = 0; row < 10; ++row)
+    for (int column = 0; column < 30; ++column) {
+      const double x = 20 + column * 22, y = 20 + row * 44;
+      const hsPoint a = At(x, y), b = At(x + 17.3, y + 28.6), c = At(x + 4.2, y + 3.4), d = At(x + 13.1, y + 25.2);
+      const hsRect outer{a.fX, a.fY, b.fX, b.fY}, inner{c.fX, c.fY, d.fX, d.fY};
+      path.AddOval(&outer);
+      path.AddOval(&inner, true);
+    }
+  return path;
+}
+
+hsPath Blob() {
+  hsPath path;
+  path.MoveTo(At(60, 240));
+  path.CurveTo(At(60, 20), At(300, -60), At(360, 120));
+  path.CurveTo(At(420, 300), At(700, 100), At(660, 300));
+  path.CurveTo(At(620, 500), At(400, 460), At(330, 360));
+  path.CurveTo(At(260, 260), At(60, 460), At(60, 240));
+  path.Close();
+  return path;
+}
+
+const hsPath& Shape(int index) {
+  static const hsPath kShapes[] = {
+      Star(12, 360, 240, 230, 140), Triangles(200, 30), Scribble(40), Circle(220), Letters(), Blob()};
+  return kShapes[index];
+}
+constexpr const char* kNames[] = {"star", "triangles", "scribble", "circle", "letters", "blob"};
+constexpr int kShapeCount = 6;
+
+void ToCairo(const hsPath& path, cairo_t* cairo) {
+  hsPathIter iter(path, false);
+  hsPoint p[4];
+  const auto x = [&](int i) { return p[i].fX / 65536.0; };
+  const auto y = [&](int i) { return p[i].fY / 65536.0; };
+  for (hsPath::Verb verb; (verb = iter.Next(p)) != hsPath::kDoneVerb;) {
+    if (verb == hsPath::kMoveVerb) cairo_move_to(cairo, x(0), y(0));
+    if (verb == hsPath::kLineVerb) cairo_line_to(cairo, x(1), y(1));
+    if (verb == hsPath::kQuadVerb)
+      cairo_curve_to(cairo, (x(0) + 2 * x(1)) / 3, (y(0) + 2 * y(1)) / 3, (x(2) + 2 * x(1)) / 3, (y(2) + 2 * y(1)) / 3,
+                     x(2), y(2));
+    if (verb == hsPath::kCurveVerb) cairo_curve_to(cairo, x(1), y(1), x(2), y(2), x(3), y(3));
+    if (verb == hsPath::kCloseVerb) cairo_close_path(cairo);
+  }
+  const bool evenOdd = path.FillType() == hsPath::kEvenOddFill;
+  cairo_set_fill_rule(cairo, evenOdd ? CAIRO_FILL_RULE_EVEN_ODD : CAIRO_FILL_RULE_WINDING);
+}
+
+class Cairo {
+ public:
+  explicit Cairo(cairo_antialias_t antialias)
+      : surface(cairo_image_surface_create(CAIRO_FORMAT_RGB16_565, kWidth, kHeight), cairo_surface_destroy),
+        cairo(cairo_create(surface.get()), cairo_destroy) {
+    cairo_set_antialias(cairo.get(), antialias);
+    cairo_set_source_rgb(cairo.get(), 1, 0.5, 0);
+  }
+  operator cairo_t*() { return cairo.get(); }
+
+ private:
+  std::unique_ptr<cairo_surface_t, void (*)(cairo_surface_t*)> surface;
+  std::unique_ptr<cairo_t, void (*)(cairo_t*)> cairo;
+};
+
+const hsRegion kScreen(hsIntRect{0, 0, kWidth, kHeight});
+
+void FillOurs(benchmark::State& state, const hsPath& path, bool antiAlias) {
+  StoreBlitter blitter(0xFC00);
+  for (auto _ : state) {
+    if (antiAlias)
+      HSScan::AntiFillPath(&path, &kScreen, &blitter);
+    else
+      HSScan::FillPath(&path, &kScreen, &blitter);
+    benchmark::DoNotOptimize(blitter.Pixels());
+  }
+}
+
+void FillCairo(benchmark::State& state, const hsPath& path, bool antiAlias) {
+  Cairo cairo(antiAlias ? CAIRO_ANTIALIAS_DEFAULT : CAIRO_ANTIALIAS_NONE);
+  ToCairo(path, cairo);
+  for (auto _ : state) cairo_fill_preserve(cairo);
+}
+
+void StrokeOurs(benchmark::State& state, const hsPath& path, double width, bool antiAlias) {
+  StoreBlitter blitter(0xFC00);
+  for (auto _ : state) {
+    hsPath outline;
+    HSScan::StrokePath(&path, At(width / 2, 0).fX, At(4, 0).fX, HSScan::kRoundJoin | HSScan::kRoundCap, &outline);
+    if (antiAlias)
+      HSScan::AntiFillPath(&outline, &kScreen, &blitter);
+    else
+      HSScan::FillPath(&outline, &kScreen, &blitter);
+    benchmark::DoNotOptimize(blitter.Pixels());
+  }
+}
+
+void StrokeCairo(benchmark::State& state, const hsPath& path, double width, bool antiAlias) {
+  Cairo cairo(antiAlias ? CAIRO_ANTIALIAS_DEFAULT : CAIRO_ANTIALIAS_NONE);
+  ToCairo(path, cairo);
+  cairo_set_line_width(cairo, width);
+  cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
+  cairo_set_line_cap(cairo, CAIRO_LINE_CAP_ROUND);
+  for (auto _ : state) cairo_stroke_preserve(cairo);
+}
+
+void HairOurs(benchmark::State& state, const hsPath& path) {
+  StoreBlitter blitter(0xFC00);
+  for (auto _ : state) {
+    HSScan::HairPath(&path, &kScreen, &blitter);
+    benchmark::DoNotOptimize(blitter.Pixels());
+  }
+}
+
+void Register(const std::string& name, const std::function<void(benchmark::State&)>& ours,
+              const std::function<void(benchmark::State&)>& cairos) {
+  benchmark::RegisterBenchmark(name.c_str(), ours)->Unit(benchmark::kMicrosecond);
+  benchmark::RegisterBenchmark((name + "/cairo").c_str(), cairos)->Unit(benchmark::kMicrosecond);
+}
+
+const bool kRegistered = [] {
+  for (const bool antiAlias : {false, true})
+    for (int i = 0; i < kShapeCount; ++i)
+      Register(
+          std::string(antiAlias ? "antifill/" : "fill/") + kNames[i],
+          [=](benchmark::State& state) { FillOurs(state, Shape(i), antiAlias); },
+          [=](benchmark::State& state) { FillCairo(state, Shape(i), antiAlias); });
+  for (const int i : {0, 2, 3, 5}) {
+    for (const bool antiAlias : {false, true})
+      Register(
+          std::string(antiAlias ? "antistroke/" : "stroke/") + kNames[i],
+          [=](benchmark::State& state) { StrokeOurs(state, Shape(i), 6, antiAlias); },
+          [=](benchmark::State& state) { StrokeCairo(state, Shape(i), 6, antiAlias); });
+    Register(
+        std::string("hair/") + kNames[i], [=](benchmark::State& state) { HairOurs(state, Shape(i)); },
+        [=](benchmark::State& state) { StrokeCairo(state, Shape(i), 1, false); });
+  }
+  return true;
+}();
+
+}  // namespace
