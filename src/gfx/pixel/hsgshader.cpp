@@ -9,7 +9,7 @@ void hsGShader::ShadeAlphaRow(int32_t y, int32_t x, int32_t count, uint8_t bytes
     std::memset(bytes, 0xFF, size_t(count));
     return;
   }
-  hsGColor32 colors[32];
+  hsGColor32 colors[32] = {};  // a shader may leave them as they are
   while (count > 0) {
     const int32_t chunk = std::min<int32_t>(count, std::size(colors));
     ShadeRow(y, x, chunk, colors);

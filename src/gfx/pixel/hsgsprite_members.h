@@ -1,0 +1,64 @@
+// What the families of sprite members share: how they are asked for, and the sources that go through a transfer mode.
+#pragma once
+
+#include <algorithm>
+
+#include "gfx/pixel/hsgspriteblitter.h"
+#include "gfx/pixel/hsgxfermode.h"
+
+// All that a sprite is made of.
+struct hsGSpriteParts {
+  const hsGBitmap& device;
+  const hsGBitmap& source;
+  int32_t left, top;
+  const hsGColor& color;
+  hsGXferMode* xfer;  // or nil
+
+  bool IsFull() const { return color.fA >> 8 == 0xFF; }
+};
+
+// For a palette device with a table.
+hsGSpriteBlitter* hsChooseSprite8(const hsGSpriteParts& parts);
+// For palette sources on a 16-bit device.
+hsGSpriteBlitter* hsChooseSpriteIndex16(const hsGSpriteParts& parts);
+// For 32-bit sources on a 16-bit device, without a transfer mode.
+hsGSpriteBlitter* hsChooseSprite32To16(const hsGSpriteParts& parts);
+// 16-bit pixels as they are.
+hsGSpriteBlitter* hsMakeSpriteCopy16(const hsGSpriteParts& parts);
+// 32-bit sources through a transfer mode, on 16 or 32 bits.
+hsGSpriteBlitter* hsMakeSpriteXfer(const hsGSpriteParts& parts);
+
+// A member without a transfer mode.
+class hsGPlainSprite : public hsGSpriteBlitter {
+ public:
+  explicit hsGPlainSprite(const hsGSpriteParts& parts)
+      : hsGSpriteBlitter(parts.device, parts.source, parts.left, parts.top, parts.color) {}
+};
+
+// A member that moves its pixels through a transfer mode, which it tells that they are not all opaque.
+class hsGXferSprite : public hsGSpriteBlitter {
+ public:
+  hsGXferSprite(const hsGSpriteParts& parts, hsGXferMode* mode)
+      : hsGSpriteBlitter(parts.device, parts.source, parts.left, parts.top, parts.color), fXfer(mode) {
+    fXfer->Ref();
+    fXfer->SetOpaque(false);
+  }
+  ~hsGXferSprite() override { fXfer->UnRef(); }
+
+ protected:
+  // Whether 32-bit pixels can be handed on as they lie in the source.
+  bool IsReady() const { return fSource.fConfig == hsGBitmap::kConfig_ARGB32 && fScale == 256; }
+  // 32-bit pixels with their alpha, scaled by the paint's.
+  void Prepare(const hsGColor32* source, int32_t count, hsGColor32* out) const {
+    const hsGColor32 alpha = fSource.fConfig == hsGBitmap::kConfig_ARGB32 ? 0 : 0xFF000000;
+    for (int32_t i = 0; i < count; ++i) out[i] = hsScaleColor32(source[i] | alpha, fScale);
+  }
+  // Palette pixels, the key as nothing at all; the paint's alpha plays no part here.
+  void Expand(const uint8_t* source, int32_t count, hsGColor32* out) const {
+    const hsGColor32* colors = SourceColors();
+    const int32_t key = SourceKey();
+    for (int32_t i = 0; i < count; ++i) out[i] = source[i] == key ? 0 : colors[source[i]];
+  }
+
+  hsGXferMode* fXfer;
+};

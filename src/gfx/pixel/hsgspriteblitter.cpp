@@ -1,0 +1,102 @@
+#include "gfx/pixel/hsgspriteblitter.h"
+
+#include "gfx/foundation/hsdebug.h"
+#include "gfx/pixel/hsgsprite_members.h"
+
+hsGSpriteBlitter::hsGSpriteBlitter(const hsGBitmap& device, const hsGBitmap& source, int32_t left, int32_t top,
+                                   const hsGColor& color)
+    : hsGDeviceBlitter(device), fSource(source), fLeft(left), fTop(top), fScale((color.fA >> 8) + 1u) {}
+
+bool hsGSpriteBlitter::Retarget(const hsGBitmap& source, int32_t left, int32_t top) {
+  if (source.fPixelSize != fDevice.fPixelSize || source.fPixelSize != fSource.fPixelSize) return false;
+  fSource = source;
+  fLeft = left;
+  fTop = top;
+  return true;
+}
+
+const hsGColor32* hsGSpriteBlitter::SourceColors() const {
+  static constexpr hsGColor32 kNoColors[hsGColorTable::kMaxCount] = {};
+  return fSource.fColorTable ? fSource.fColorTable->Colors() : kNoColors;
+}
+
+int32_t hsGSpriteBlitter::SourceKey() const {
+  return fSource.fFlags & hsGBitmap::kHasTransparent ? fSource.fTransparentIndex : -1;
+}
+
+bool hsGSpriteBlitter::IsInside(int32_t y, int32_t x, int32_t width, int32_t height) const {
+  const bool offset = x >= fLeft && y >= fTop;
+  const bool fits = width > 0 && int64_t{x} - fLeft + width <= fSource.fWidth;
+  const bool high = height > 0 && int64_t{y} - fTop + height <= fSource.fHeight;
+  if (fSource.fConfig == hsGBitmap::kConfig_Index8) return hsAssert(offset && fits && high, "bad count");
+  return hsAssert(offset, "bad offset") && hsAssert(fits, "bad width") && hsAssert(high, "bad height");
+}
+
+void hsGSpriteBlitter::DrawRows(int32_t y, int32_t x, int32_t width, int32_t height) {
+  if (!IsInside(y, x, width, height)) return;
+  BeginRows(int64_t{width} * height);
+  const uint8_t* source = fSource.Row<uint8_t>(y - fTop) + int64_t{x - fLeft} * (fSource.fPixelSize >> 3);
+  uint8_t* device = fDevice.Row<uint8_t>(y) + int64_t{x} * (fDevice.fPixelSize >> 3);
+  for (; height > 0; --height, source += fSource.fRowBytes, device += fDevice.fRowBytes) DrawRow(source, device, width);
+}
+
+void hsGSpriteBlitter::BlitH(int32_t y, int32_t x, int32_t width) { DrawRows(y, x, width, 1); }
+
+void hsGSpriteBlitter::BlitRect(int32_t y, int32_t x, int32_t width, int32_t height) { DrawRows(y, x, width, height); }
+
+namespace {
+
+// What a paint without any alpha draws.
+class hsGNullSprite : public hsGPlainSprite {
+ public:
+  using hsGPlainSprite::hsGPlainSprite;
+  bool Retarget(const hsGBitmap&, int32_t, int32_t) override { return true; }
+
+ protected:
+  void DrawRow(const void*, void*, int32_t) override {}
+};
+
+// Coverage laid over coverage; the paint's alpha plays no part.
+class hsGSpriteBlitterA : public hsGPlainSprite {
+ public:
+  using hsGPlainSprite::hsGPlainSprite;
+
+ protected:
+  void DrawRow(const void* source, void* device, int32_t width) override {
+    const auto* s = static_cast<const uint8_t*>(source);
+    auto* d = static_cast<uint8_t*>(device);
+    for (int32_t i = 0; i < width; ++i) d[i] = uint8_t(s[i] + d[i] - ((s[i] * (d[i] + 1u)) >> 8));
+  }
+};
+
+class hsGSpriteXferA : public hsGXferSprite {
+ public:
+  using hsGXferSprite::hsGXferSprite;
+
+ protected:
+  void DrawRow(const void* source, void* device, int32_t width) override {
+    fXfer->XferA(width, static_cast<const uint8_t*>(source), static_cast<uint8_t*>(device), nullptr);
+  }
+};
+
+}  // namespace
+
+hsGSpriteBlitter* ChooseSpriteBlitter(const hsGBitmap& device, const hsGBitmap& source, int32_t left, int32_t top,
+                                      const hsGColor& color, hsGXferMode* xfer) {
+  const hsGSpriteParts parts{device, source, left, top, color, xfer};
+  if (color.fA >> 8 == 0 && !xfer) return new hsGNullSprite(parts);
+  if (device.fConfig == hsGBitmap::kConfig_Alpha8) {
+    if (source.fConfig != hsGBitmap::kConfig_Alpha8) hsThrow(hsException::kGeneric);
+    if (xfer) return new hsGSpriteXferA(parts, xfer);
+    return new hsGSpriteBlitterA(parts);
+  }
+  if (device.fConfig == hsGBitmap::kConfig_Index8) return hsChooseSprite8(parts);
+  const bool is16 = device.fPixelSize == 16;
+  if (is16 && source.fConfig == hsGBitmap::kConfig_Index8) return hsChooseSpriteIndex16(parts);
+  if (is16 && source.fPixelSize == 16 && !xfer && parts.IsFull()) return hsMakeSpriteCopy16(parts);
+  hsThrowIfFalse(source.fPixelSize == 32);
+  if (xfer) return hsMakeSpriteXfer(parts);
+  if (is16) return hsChooseSprite32To16(parts);
+  hsDebugMessage("missing sprite blitter", 0);
+  return nullptr;
+}
