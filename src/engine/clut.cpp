@@ -7,6 +7,7 @@
 #include "engine/ascii.h"
 #include "engine/core.h"
 #include "engine/display.h"
+#include "gfx/pixel/hsgcolortable.h"
 #include "host/host.h"
 
 namespace {
@@ -30,6 +31,17 @@ void readColors(HostFile* file, Clut* clut) {
 
 }  // namespace
 
+Clut::Clut() : colorTable(new hsGColorTable) {}
+
+Clut::~Clut() { colorTable->UnRef(); }
+
+void clutFinish(Clut* clut) {
+  std::array<hsGColor32, hsGColorTable::kMaxCount> converted;
+  for (size_t i = 0; i < converted.size(); ++i) converted[i] = 0xFF000000 | clut->colors[i] >> 8;
+  clut->colorTable->SetCount(uint32_t(clut->count));
+  clut->colorTable->SetColors(0, uint32_t(clut->count), converted.data());
+}
+
 Clut* clutLoad(const char* fileName) {
   for (const auto& clut : cluts)
     if (asciiEqualIgnoringCase(clut->name.c_str(), fileName)) return clut.get();
@@ -43,12 +55,13 @@ Clut* clutLoad(const char* fileName) {
   clut->name = fileName;
   readColors(file, clut.get());
   hostClose(file);
+  clutFinish(clut.get());
   cluts.push_back(std::move(clut));
   return cluts.back().get();
 }
 
 void clutActivate(Clut* clut) {
-  if (displaySetColorTable(clut)) hostSetPalette(clut->colors.data(), clut->count);
+  if (displaySetColorTable(clut->colorTable)) hostSetPalette(clut->colors.data(), clut->count);
 }
 
 void clutsFree() { cluts.clear(); }

@@ -22,8 +22,8 @@ int swapValue = 0;
 
 // The top frame's record has a rectangle and nothing else.
 PageObject topFrameRecord() {
-  static const PageData record({0, 0, 0, 0, kScreenWidth >> 8, kScreenWidth & 255, kScreenHeight >> 8,
-                                kScreenHeight & 255, 0, 0, 0, 0});
+  static const PageData record(
+      {0, 0, 0, 0, kScreenWidth >> 8, kScreenWidth & 255, kScreenHeight >> 8, kScreenHeight & 255, 0, 0, 0, 0});
   return {&record, 0};
 }
 

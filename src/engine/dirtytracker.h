@@ -1,21 +1,19 @@
 // What has changed on the screen since the host last looked.
 //
-// It does not cut to the screen: displayFlush does, so that a draw that lies wholly outside still counts as one and
-// presents an empty rectangle.
+// The raster device tells its bounder of every draw just before it touches pixels. The tracker only remembers the union
+// and never vetoes a draw. It does not cut to the screen: displayFlush does, so that a draw that lies wholly outside
+// still counts as one and presents an empty rectangle.
 #pragma once
 
-#include <cstdint>
+#include "gfx/pixel/hsgbounder.h"
 
-struct PixelRect {
-  int32_t left, top, right, bottom;  // pixels, right and bottom exclusive
-  bool operator==(const PixelRect&) const = default;
-};
-
-class DirtyTracker {
+class DirtyTracker : public hsGBounder {
  public:
-  void record(const PixelRect& rect);  // an empty one is passed over
+  void record(const hsIntRect& rect);  // device pixels; an empty one is passed over
   void clear() { empty = true; }
 
-  PixelRect bounds{};  // meaningless while empty
+  bool BoundRect(const hsIntRect& rect, const hsRegion* clip) override;
+
+  hsIntRect bounds{};  // meaningless while empty
   bool empty = true;
 };

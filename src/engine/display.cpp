@@ -1,48 +1,70 @@
 #include "engine/display.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <memory>
+#include <new>
 #include <utility>
 #include <vector>
 
 #include "engine/dirtytracker.h"
+#include "gfx/pixel/hsgrasterdevice.h"
 #include "host/host.h"
 
 namespace {
 
-struct ScreenDevice {
-  int width = 0, height = 0;  // pixels
-  int depth = 0;              // 0 until first set, then 8 or 16
+class ScreenDevice : public hsGRasterDevice {
+ public:
+  ScreenDevice(int w, int h);
+  ~ScreenDevice() override;
+
+  int width, height;  // pixels
+  int depth = 0;      // 0 until first set, then 8 or 16
   std::vector<uint8_t> pixels;
-  const Clut* colorTable = nullptr;  // null for the device's own default table
-  DirtyTracker tracker;
+  hsGBitmap bitmap;
+  hsGColorTable* colorTable = new hsGColorTable;  // of a fresh 8-bit screen
+  DirtyTracker* tracker = new DirtyTracker;
+
+  // What fills are drawn with, kept so that a fill allocates nothing.
+  hsGAttribute fillPaint;
+  hsPath fillPath;
+  hsGAttribute copyPaint;
 };
 
-std::unique_ptr<ScreenDevice> theDevice;
+ScreenDevice::ScreenDevice(int w, int h) : width(w), height(h) {
+  bitmap.fWidth = uint32_t(w);
+  bitmap.fHeight = uint32_t(h);
+  colorTable->SetDefaultCube();
+  SetBounder(tracker);
+}
+
+ScreenDevice::~ScreenDevice() {
+  SetBitmap(nullptr);
+  colorTable->UnRef();
+  SetBounder(nullptr);
+  tracker->UnRef();
+}
+
+ScreenDevice* theDevice = nullptr;
 bool swapRequested = false;
 
-constexpr int32_t kNoNumber = -32768;  // an edge there is no number to the graphics library
+// The graphics library takes these two for no number, and stops at a path that has one.
+bool isNumber(hsScalar v) { return v != INT32_MIN && v != INT32_MAX; }
 
-// Edges are 16.16 numbers that wrap in 32 bits.
-int32_t edge(int32_t value) { return int16_t(uint16_t(uint32_t(value))); }
-int32_t edge(int32_t start, int32_t length) { return edge(int32_t(uint32_t(start) + uint32_t(length))); }
+// The pixel edge as 16.16, wrapping in 32 bits.
+hsScalar edge(int32_t start, int32_t length = 0) { return hsIntToFixed(hsWrapAdd(start, length)); }
 
-template <class Pixel>
-void fill(ScreenDevice& device, const PixelRect& rect, Pixel pixel) {
-  auto* pixels = reinterpret_cast<Pixel*>(device.pixels.data());
-  for (int y = rect.top; y < rect.bottom; ++y)
-    std::fill(pixels + size_t(y) * size_t(device.width) + rect.left,
-              pixels + size_t(y) * size_t(device.width) + rect.right, pixel);
+[[noreturn]] void outOfMemory() {
+  hostLog("Out of memory\n");
+  std::abort();
 }
 
-PixelRect cutToScreen(const PixelRect& r) {
-  const int w = theDevice->width, h = theDevice->height;
-  return {std::clamp(r.left, 0, w), std::clamp(r.top, 0, h), std::clamp(r.right, 0, w), std::clamp(r.bottom, 0, h)};
-}
-
-// The 6:5:5 pixel of an engine colour: low bits are dropped.
-uint16_t pixel16(uint32_t color) {
-  return uint16_t((color >> 26) << 10 | (color >> 19 & 31) << 5 | (color >> 11 & 31));
+void allocatePixels(ScreenDevice* device, size_t size) {
+  try {
+    device->pixels.assign(size, 0);
+  } catch (const std::bad_alloc&) {
+    outOfMemory();
+  }
 }
 
 }  // namespace
@@ -58,58 +80,80 @@ uint32_t standardColor(int n) {
 }
 
 void displayCreate(int width, int height, int depth) {
-  theDevice = std::make_unique<ScreenDevice>();
-  theDevice->width = width;
-  theDevice->height = height;
+  theDevice = new ScreenDevice(width, height);
   hostCreateScreen(width, height, depth);
   displaySetDepth(depth);
 }
 
 int displaySetDepth(int depth) {
-  if (depth == theDevice->depth) return 1;
+  ScreenDevice* device = theDevice;
+  if (depth == device->depth) return 1;
   if (depth != 8 && depth != 16) return 0;
-  theDevice->pixels.assign(size_t(theDevice->width) * size_t(theDevice->height) * size_t(depth / 8), 0);
-  theDevice->colorTable = nullptr;
+  device->bitmap.SetConfig(depth == 8 ? hsGBitmap::kConfig_Index8 : hsGBitmap::kConfig_RGB16);
+  if (depth == 8) device->bitmap.SetColorTable(device->colorTable);
+  device->bitmap.fRowBytes = uint32_t(device->width * depth / 8);
+  allocatePixels(device, device->bitmap.ImageSize());
   hostSetDepth(depth);
-  theDevice->depth = depth;
+  device->bitmap.fImage = device->pixels.data();
+  device->SetBitmap(&device->bitmap);
+  device->depth = depth;
   return 1;
 }
 
 int displayDepth() { return theDevice ? theDevice->depth : 0; }
 
 void displayFlush() {
-  const ScreenDevice& device = *theDevice;
-  const PixelRect r =
-      device.tracker.empty ? PixelRect{0, 0, device.width, device.height} : cutToScreen(device.tracker.bounds);
-  hostPresentRect(device.pixels.data(), r.left, r.top, std::max(0, r.right - r.left), std::max(0, r.bottom - r.top));
-  theDevice->tracker.clear();
+  const hsIntRect screen = {0, 0, theDevice->width, theDevice->height};
+  const hsIntRect& r = theDevice->tracker->empty ? screen : theDevice->tracker->bounds;
+  const int left = std::clamp(r.fLeft, 0, screen.fRight), right = std::clamp(r.fRight, 0, screen.fRight);
+  const int top = std::clamp(r.fTop, 0, screen.fBottom), bottom = std::clamp(r.fBottom, 0, screen.fBottom);
+  hostPresentRect(theDevice->pixels.data(), left, top, right - left, bottom - top);
+  theDevice->tracker->clear();
 }
 
 void displaySwap(int) { swapRequested = true; }
 
 int displayTakeSwap() { return std::exchange(swapRequested, false); }
 
-void displayFillRect(const Bounds& rect, uint32_t color) {
-  const int32_t x0 = edge(rect.x), x1 = edge(rect.x, rect.w), y0 = edge(rect.y), y1 = edge(rect.y, rect.h);
-  if (x0 != kNoNumber && x1 != kNoNumber && y0 != kNoNumber && y1 != kNoNumber) {
-    const PixelRect covered = {std::min(x0, x1), std::min(y0, y1), std::max(x0, x1), std::max(y0, y1)};
-    theDevice->tracker.record(covered);
-    if (theDevice->depth == 8) {
-      fill(*theDevice, cutToScreen(covered), uint8_t(color));
-    } else {
-      fill(*theDevice, cutToScreen(covered), pixel16(color));
-    }
+void displaySetColor(hsGAttribute* attribute, uint32_t color) {
+  if (theDevice->depth == 8) return attribute->SetColorIndex(uint8_t(color));
+  attribute->SetColor(0xFFFF, hsWiden8(color >> 24), hsWiden8(color >> 16 & 255), hsWiden8(color >> 8 & 255));
+  attribute->SetColorIndex(-1);
+}
+
+void displayFillRect(const Bounds& r, uint32_t color) {
+  const hsRect rect = {edge(r.x), edge(r.y), edge(r.x, r.w), edge(r.y, r.h)};
+  if (isNumber(rect.fLeft) && isNumber(rect.fTop) && isNumber(rect.fRight) && isNumber(rect.fBottom)) {
+    displaySetColor(&theDevice->fillPaint, color);
+    theDevice->fillPath.Rewind();
+    theDevice->fillPath.AddRect(&rect);
+    theDevice->DrawPath(&theDevice->fillPath, &theDevice->fillPaint);
   }
   displayFlush();
 }
 
-int displaySetColorTable(const Clut* clut) {
-  if (theDevice->depth != 8 || theDevice->colorTable == clut) return 0;
-  theDevice->colorTable = clut;
+void displayCopyBitmap(const hsGBitmap& bitmap, int32_t x, int32_t y) {
+  theDevice->CopyBitmap(&bitmap, edge(x), edge(y), &theDevice->copyPaint);
+  displayFlush();
+}
+
+int displaySetColorTable(hsGColorTable* table) {
+  if (theDevice->depth != 8) return 0;
+  hsGBitmap bitmap;
+  theDevice->GetBitmap(&bitmap);
+  if (bitmap.fColorTable == table) return 0;
+  bitmap.SetColorTable(table);
+  theDevice->SetBitmap(&bitmap);
   return 1;
 }
 
+hsGColorTable* displayColorTable() {
+  hsGBitmap bitmap;
+  theDevice->GetBitmap(&bitmap);
+  return bitmap.fColorTable;
+}
+
 void displayDestroy() {
-  theDevice.reset();
+  if (theDevice) std::exchange(theDevice, nullptr)->UnRef();
   swapRequested = false;
 }

@@ -11,8 +11,8 @@ struct TextStyle;
 
 // What one engine routine hands to another beside the words. A script sees and makes the words alone, so it can't
 // forge a pointer; a reader that finds none of its kind answers 0.
-using EventPointer = std::variant<std::monostate, KuiValue*, int32_t*, const char**, const char*, const TextStyle**,
-                                  const TextStyle*>;
+using EventPointer =
+    std::variant<std::monostate, KuiValue*, int32_t*, const char**, const char*, const TextStyle**, const TextStyle*>;
 
 struct Event {
   uint32_t size = 0;        // 28 where the poster fills it; key events leave it 0
@@ -61,7 +61,7 @@ inline constexpr uint32_t kRunOnUp = 0x404000d;
 inline constexpr uint32_t kRunOnDown = 0x404000e;
 inline constexpr uint32_t kRunOnLeft = 0x404000f;
 inline constexpr uint32_t kRunOnRight = 0x4040010;
-inline constexpr uint32_t kScrollLines = 0x4040011;   // data: signed line count
+inline constexpr uint32_t kScrollLines = 0x4040011;    // data: signed line count
 inline constexpr uint32_t kMoveSelection = 0x4040012;  // data: signed line count
 inline constexpr uint32_t kGetSrc = 0x4040013;         // pointer: name to fill
 inline constexpr uint32_t kSetSrc = 0x4040014;         // pointer: name to copy

@@ -82,9 +82,7 @@ int frameEvent(Frame* frame, const Event& event) {
       if (frame->focus) return focusByPosition(frame, event);
       break;
     case kFullRedraw:
-    case kContentRedraw:
-      widgetPaint(frame);
-      return 1;
+    case kContentRedraw: widgetPaint(frame); return 1;
   }
   return widgetBaseEvent(frame, event);
 }

@@ -63,8 +63,8 @@ bool frameCountWidget();
 
 // ---- events and scripts
 
-int frameEvent(Frame* frame, const Event& event);              // the frame's own answer: keys, navigation, drawing
-int frameHandleEvent(Frame* frame, const Event* event);        // to the focused widget if there is one
-void widgetFocus(Frame* frame, Widget* widgetOrNull);          // tells both widgets and runs onBlur and onFocus
-void frameRun(Frame* frame, PageScript script);                // in the frame's language
-int frameRunScript(Frame* frame, const char* attributeName);   // of the root object; 1 if there is one
+int frameEvent(Frame* frame, const Event& event);             // the frame's own answer: keys, navigation, drawing
+int frameHandleEvent(Frame* frame, const Event* event);       // to the focused widget if there is one
+void widgetFocus(Frame* frame, Widget* widgetOrNull);         // tells both widgets and runs onBlur and onFocus
+void frameRun(Frame* frame, PageScript script);               // in the frame's language
+int frameRunScript(Frame* frame, const char* attributeName);  // of the root object; 1 if there is one

@@ -99,14 +99,11 @@ std::optional<PageAttribute> attrFind(const PageObject& record, const char* name
 int attrInt(const PageAttribute& a, int32_t* out) {
   switch (PageTag(a.tag)) {
     case PageTag::integer:
-    case PageTag::boolean:
-      *out = int32_t(a.value);
-      return 1;
+    case PageTag::boolean: *out = int32_t(a.value); return 1;
     case PageTag::string:
       if (const char* text = stringAt(*a.page, a.value)) return *out = asciiToInt(text), 1;
       return 0;
-    default:
-      return hostLog("Expecting an integer, got type %02x\n", a.tag);
+    default: return hostLog("Expecting an integer, got type %02x\n", a.tag);
   }
 }
 
@@ -120,9 +117,7 @@ int attrColor(const PageAttribute& a, uint32_t* out) {
 int attrBool(const PageAttribute& a, bool* out) {
   switch (PageTag(a.tag)) {
     case PageTag::integer:
-    case PageTag::boolean:
-      *out = a.value != 0;
-      return 1;
+    case PageTag::boolean: *out = a.value != 0; return 1;
     case PageTag::string:
       if (const char* text = stringAt(*a.page, a.value)) {
         const std::string_view word = text;
@@ -130,8 +125,7 @@ int attrBool(const PageAttribute& a, bool* out) {
         return 1;
       }
       return 0;
-    default:
-      return hostLog("Expecting boolean, got type %02x\n", a.tag);
+    default: return hostLog("Expecting boolean, got type %02x\n", a.tag);
   }
 }
 

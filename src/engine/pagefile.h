@@ -46,9 +46,9 @@ struct PageTable {
   const PageData* page = nullptr;
   uint32_t offset = 0;
 
-  uint32_t count() const;                           // of the entries that lie inside the file
-  PageObject object(uint32_t index) const;          // none when it leads outside
-  const char* string(uint32_t index) const;         // null when it leads outside
+  uint32_t count() const;                    // of the entries that lie inside the file
+  PageObject object(uint32_t index) const;   // none when it leads outside
+  const char* string(uint32_t index) const;  // null when it leads outside
 };
 
 using PageScript = std::span<const uint8_t>;

@@ -28,7 +28,7 @@ inline constexpr uint32_t kTimerRepeating = 2;
 void timerStart(Timer* timer, uint32_t interval, bool repeat);
 void timerSetInterval(Timer* timer, uint32_t interval);  // starts it anew; the repeat bit stays
 void timerStop(Timer* timer);
-void timerDestroy(Timer* timer);  // stops it if its armed bit is set, and frees it
+void timerDestroy(Timer* timer);             // stops it if its armed bit is set, and frees it
 int32_t timerRemaining(const Timer* timer);  // milliseconds, negative when overdue
 bool timerIsListed(const Timer* timer);      // waiting to fire
 

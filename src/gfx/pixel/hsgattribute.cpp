@@ -43,7 +43,7 @@ bool CopyOut(const std::unique_ptr<T>& stored, T* out) {
 }
 
 void Drop(hsDescriptor*& desc) {
-  hsDescriptor::Delete(desc);
+  if (desc) hsDescriptor::Delete(desc);
   desc = nullptr;
 }
 

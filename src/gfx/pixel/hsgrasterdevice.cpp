@@ -1,0 +1,270 @@
+#include "gfx/pixel/hsgrasterdevice.h"
+
+#include <cstring>
+#include <memory>
+
+#include "gfx/foundation/hsdebug.h"
+#include "gfx/foundation/hsmemory.h"
+#include "gfx/pixel/hsglayer.h"
+#include "gfx/pixel/hsgrasterizer.h"
+#include "gfx/pixel/hsgxfermode.h"
+
+namespace {
+
+// The layer that an attribute's layer filter asks for: it takes the transfer mode for itself while it is open.
+class LayerScope {
+ public:
+  LayerScope(hsGDevice* device, hsGAttribute* attr) : fDevice(attr->LayerFilter() ? device : nullptr), fAttr(attr) {
+    if (!fDevice) return;
+    fDevice->SaveLayer(nullptr, attr);
+    hsRefAssign(fMode, attr->XferMode());
+    attr->SetXferMode(nullptr);
+  }
+  ~LayerScope() noexcept(false) {
+    if (!fDevice) return;
+    fAttr->SetXferMode(fMode);
+    hsRefAssign<hsGXferMode>(fMode, nullptr);
+    fDevice->Restore();
+  }
+  LayerScope(const LayerScope&) = delete;
+  LayerScope& operator=(const LayerScope&) = delete;
+
+ private:
+  hsGDevice* fDevice;
+  hsGAttribute* fAttr;
+  hsGXferMode* fMode = nullptr;
+};
+
+// 16.16 to the pixel that a translation by it lands on.
+int32_t Placed(hsScalar v) { return hsFixedRound(v); }
+
+}  // namespace
+
+hsGRasterDevice::hsGRasterDevice() : hsGDevice(true) {
+  fDraw.fBitmap = &fOwnBitmap;
+  fDraw.fMatrix = &fTotalMatrix;
+  fDraw.fClip = &fTotalClip;
+}
+
+hsGRasterDevice::~hsGRasterDevice() {
+  SetBounder(nullptr);
+  SetCursor(nullptr);
+  while (fLayers) hsGLayer::Pop(&fLayers);
+  FreePixels();
+}
+
+// ---- bookkeeping
+
+void hsGRasterDevice::Update() {
+  if (fClipDirty) {
+    const hsGBitmap& target = *fDraw.fBitmap;
+    fTotalClip.SetRect(fLayerOffsetX, fLayerOffsetY, hsWrapAdd(fLayerOffsetX, int32_t(target.fWidth)),
+                       hsWrapAdd(fLayerOffsetY, int32_t(target.fHeight)));
+    if (fUserClip) fTotalClip.Intersect(fTotalClip, *fUserClip);
+    for (const hsGDeviceState* state = fTop; state; state = state->fPrev)
+      for (const hsGClipRecord* record = state->fClipHead; record; record = record->fNext)
+        fTotalClip.SetPath(record->fPath, hsRegion::kIntersectPath);
+    if (fLayerOffsetX != 0 || fLayerOffsetY != 0) fTotalClip.Translate(-fLayerOffsetX, -fLayerOffsetY);
+    fClipDirty = false;
+  }
+  if (fMatrixDirty) {
+    GetMatrix(&fTotalMatrix);
+    fMatrixDirty = false;
+  }
+}
+
+void hsGRasterDevice::GetMatrix(hsMatrix* out) const {
+  if (!out) return;
+  *out = fTop->fMatrix;
+  out->PostTranslate(hsIntToFixed(hsWrapNeg(hsWrapAdd(fOriginX, fLayerOffsetX))),
+                     hsIntToFixed(hsWrapNeg(hsWrapAdd(fOriginY, fLayerOffsetY))));
+}
+
+void hsGRasterDevice::ClipPath(const hsPath& path) {
+  hsGDevice::ClipPath(path);
+  fClipDirty = true;
+}
+
+void hsGRasterDevice::ConcatMatrix(const hsMatrix& matrix) {
+  hsGDevice::ConcatMatrix(matrix);
+  fMatrixDirty = true;
+}
+
+void hsGRasterDevice::SetBounder(hsGBounder* bounder) { hsRefAssign(fDraw.fBounder, bounder); }
+
+void hsGRasterDevice::SetOrigin(int32_t x, int32_t y) {
+  fOriginX = x;
+  fOriginY = y;
+  fMatrixDirty = true;
+}
+
+void hsGRasterDevice::SetClipRgn(const hsRegion* region) {
+  fUserClip = region;
+  fClipDirty = true;
+}
+
+// ---- the target
+
+void hsGRasterDevice::FreePixels() {
+  if (!fOwnsPixels) return;
+  hsMemory::Delete(fOwnBitmap.fImage);
+  fOwnBitmap.fImage = nullptr;
+  fOwnsPixels = false;
+}
+
+void hsGRasterDevice::SetBitmap(const hsGBitmap* bitmap) {
+  FreePixels();
+  if (!bitmap) return;
+  if (bitmap->fWidth != fOwnBitmap.fWidth || bitmap->fHeight != fOwnBitmap.fHeight) fClipDirty = true;
+  fOwnBitmap = *bitmap;
+  if (fOwnBitmap.fImage) return;
+  fOwnBitmap.fImage = hsMemory::New(int32_t(fOwnBitmap.ImageSize()));
+  std::memset(fOwnBitmap.fImage, 0, fOwnBitmap.ImageSize());
+  fOwnsPixels = true;
+}
+
+void hsGRasterDevice::SetBounds(const hsIntRect* rect, uint8_t config) {
+  if (!hsAssert(rect, "nil bounds")) return;
+  hsGBitmap bitmap(config);
+  bitmap.fWidth = uint32_t(rect->Width());
+  bitmap.fHeight = uint32_t(rect->Height());
+  bitmap.fRowBytes = (bitmap.fPixelSize * bitmap.fWidth + 31) >> 5 << 2;
+  if (config == hsGBitmap::kConfig_Index8) {
+    auto* table = new hsGColorTable;
+    table->SetDefaultCube();
+    bitmap.SetColorTable(table);
+    table->UnRef();
+  }
+  SetOrigin(rect->fLeft, rect->fTop);
+  SetBitmap(&bitmap);
+}
+
+void hsGRasterDevice::SetSize(uint32_t width, uint32_t height, uint8_t config, hsGColorTable* colorTable) {
+  hsGBitmap bitmap(config);
+  bitmap.fWidth = width;
+  bitmap.fHeight = height;
+  // Of 24-bit pixels this counts two bytes, where SetBounds counts three.
+  bitmap.fRowBytes = ((width << (bitmap.fPixelSize >> 4)) + 3) & ~3u;
+  if (config == hsGBitmap::kConfig_Index8) bitmap.SetColorTable(colorTable);
+  SetBitmap(&bitmap);
+}
+
+uint8_t hsGRasterDevice::GetBounds(hsIntRect* out) const {
+  out->Set(fOriginX, fOriginY, hsWrapAdd(fOriginX, int32_t(fOwnBitmap.fWidth)),
+           hsWrapAdd(fOriginY, int32_t(fOwnBitmap.fHeight)));
+  return fOwnBitmap.fConfig;
+}
+
+void hsGRasterDevice::GetBitmap(hsGBitmap* out, bool detach) {
+  *out = fOwnBitmap;
+  if (detach) fOwnsPixels = false;
+}
+
+// ---- layers
+
+void hsGRasterDevice::SetTarget(const hsGBitmap* target) {
+  fDraw.fBitmap = target;
+  AddressChanged();
+}
+
+void hsGRasterDevice::SaveLayer(const hsRect* bounds, hsGAttribute* attr) {
+  Update();
+  hsIntRect rect = fTotalClip.Bounds();
+  if (bounds) {
+    hsRect mapped;
+    hsIntRect wanted;
+    fTotalMatrix.MapRect(bounds, &mapped);
+    mapped.RoundOut(&wanted);
+    if (!rect.Intersect(wanted)) rect = {0, 0, 0, 0};
+  }
+  auto layer = std::make_unique<hsGLayer>(rect, fTop, attr);
+  layer->fBitmap.Erase({0, 0, 0, 0});
+  layer->fNext = fLayers;
+  fLayers = layer.release();
+  fLayerOffsetX += fLayers->fX;
+  fLayerOffsetY += fLayers->fY;
+  SetTarget(&fLayers->fBitmap);
+  Save();
+}
+
+void hsGRasterDevice::Restore() {
+  hsGDevice::Restore();
+  AddressChanged();
+  if (fLayers && fLayers->fSavedState == fTop) CloseLayer();
+}
+
+void hsGRasterDevice::CloseLayer() {
+  hsGLayer* layer = std::exchange(fLayers, fLayers->fNext);
+  const std::unique_ptr<hsGLayer> owned(layer);
+  fLayerOffsetX -= layer->fX;
+  fLayerOffsetY -= layer->fY;
+  SetTarget(fLayers ? &fLayers->fBitmap : &fOwnBitmap);
+  Update();
+  layer->DrawInto(*fDraw.fBitmap, &fTotalClip);
+}
+
+// ---- drawing
+
+// What every draw does around itself.
+template <class Draw>
+void hsGRasterDevice::Drawing(hsGAttribute* attr, Draw&& draw) {
+  const LayerScope layer(this, attr);
+  const hsGCursorHider hider(fCursor, *fDraw.fBitmap, &fDraw.fBounder);
+  Update();
+  fDraw.fAttr = attr;
+  draw();
+}
+
+void hsGRasterDevice::DoDrawFull(hsGAttribute* attr) {
+  Drawing(attr, [&] { fDraw.DrawFull(); });
+}
+
+void hsGRasterDevice::DoDrawLine(const hsPoint& p0, const hsPoint& p1, hsGAttribute* attr) {
+  Drawing(attr, [&] { fDraw.DrawLine(p0, p1); });
+}
+
+void hsGRasterDevice::DoDrawRect(const hsRect& rect, hsGAttribute* attr) {
+  Drawing(attr, [&] { fDraw.DrawRect(rect); });
+}
+
+void hsGRasterDevice::DoDrawPath(const hsPath& path, hsGAttribute* attr) {
+  Drawing(attr, [&] { fDraw.DrawPath(path); });
+}
+
+void hsGRasterDevice::DoDrawBitmap(const hsGBitmap& bitmap, hsScalar x, hsScalar y, hsGAttribute* attr) {
+  Drawing(attr, [&] { fDraw.DrawBitmap(bitmap, x, y); });
+}
+
+void hsGRasterDevice::DoDrawText(uint32_t length, const void* text, hsScalar x, hsScalar y, hsGAttribute* attr) {
+  Drawing(attr, [&] { fDraw.DrawText(length, text, x, y); });
+}
+
+void hsGRasterDevice::DoDrawPosText(uint32_t length, const void* text, const hsPoint positions[],
+                                    const hsPoint directions[], hsGAttribute* attr) {
+  Drawing(attr, [&] { fDraw.DrawPosText(length, text, positions, directions); });
+}
+
+void hsGRasterDevice::DrawFastText(uint32_t length, const void* text, const hsPoint& point, bool underline,
+                                   hsGAttribute* attr) {
+  hsThrowIfNilParam(attr);
+  Drawing(attr, [&] { fDraw.DrawFastText(length, text, point, underline); });
+}
+
+void hsGRasterDevice::CopyBitmap(const hsGBitmap* bitmap, hsScalar x, hsScalar y, hsGAttribute* attr) {
+  hsThrowIfNilParam(attr);
+  if (!hsAssert(bitmap, "nil param") || bitmap->fWidth == 0 || bitmap->fHeight == 0) return;
+  Drawing(attr, [&] {
+    fDraw.DrawSprite(*bitmap, Placed(x) - fOriginX - fLayerOffsetX, Placed(y) - fOriginY - fLayerOffsetY);
+  });
+}
+
+void hsGRasterDevice::EraseColor(const hsGColor& color) {
+  const hsGCursorHider hider(fCursor, *fDraw.fBitmap, &fDraw.fBounder);
+  fDraw.Erase(color);
+}
+
+void hsGRasterDevice::ScrollRect(const hsIntRect& rect, int32_t dx, int32_t dy, hsRegion* outDirty) {
+  const hsGCursorHider hider(fCursor, *fDraw.fBitmap, &fDraw.fBounder);
+  Update();
+  fDraw.Scroll(rect, dx, dy, outDirty);
+}
