@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr int kFlatness = 12;          // a piece this many times as long as it is high counts as horizontal
+constexpr int kFlatness = 12;          // a piece this many times as long as it is high runs along the axis
 constexpr int kShortestShare = 64;     // of an em: shorter pieces are no edges
 constexpr int kSameHeightShare = 100;  // of an em: how far pieces of one edge lie apart
 constexpr int kThickestShare = 4;      // of an em: anything thicker is no stem
@@ -21,19 +21,21 @@ int64_t SignedArea(const GlyphClass& glyph) {
   return area;
 }
 
-std::vector<HintEdge> FindPieces(const GlyphClass& glyph, int upem) {
-  const bool clockwise = SignedArea(glyph) < 0;
+std::vector<HintEdge> FindPieces(const GlyphClass& glyph, HintAxis axis, int upem) {
+  // Ink lies to the right of a contour that runs with the clock: below one that runs in X, beyond one that runs in Y.
+  const bool forwardIsTop = (SignedArea(glyph) < 0) == (axis == kHintY);
+  const int16_t* place = axis == kHintY ? glyph.ooy : glyph.oox;
+  const int16_t* along = axis == kHintY ? glyph.oox : glyph.ooy;
   const int shortest = std::max(1, upem / kShortestShare);
   std::vector<HintEdge> pieces;
   for (int c = 0; c < glyph.contourCount; ++c) {
     for (int i = glyph.sp[c]; i <= glyph.ep[c]; ++i) {
       const int j = i == glyph.ep[c] ? glyph.sp[c] : i + 1;
-      const int dx = glyph.oox[j] - glyph.oox[i], dy = glyph.ooy[j] - glyph.ooy[i];
-      if (std::abs(dx) < shortest || std::abs(dy) * kFlatness > std::abs(dx)) continue;
-      const auto [low, high] = std::minmax(glyph.ooy[i], glyph.ooy[j]);
-      const auto [left, right] = std::minmax(glyph.oox[i], glyph.oox[j]);
-      // Ink lies to the right of a contour that runs with the clock.
-      pieces.push_back({low, high, left, right, (dx > 0) == clockwise, !glyph.onCurve[i] || !glyph.onCurve[j]});
+      const int run = along[j] - along[i], rise = place[j] - place[i];
+      if (std::abs(run) < shortest || std::abs(rise) * kFlatness > std::abs(run)) continue;
+      const auto [low, high] = std::minmax(place[i], place[j]);
+      const auto [left, right] = std::minmax(along[i], along[j]);
+      pieces.push_back({low, high, left, right, (run > 0) == forwardIsTop, !glyph.onCurve[i] || !glyph.onCurve[j]});
     }
   }
   return pieces;
@@ -82,8 +84,8 @@ void PairStems(std::vector<HintEdge>& edges, int upem) {
 
 }  // namespace
 
-std::vector<HintEdge> FindHintEdges(const GlyphClass& glyph, int upem) {
-  std::vector<HintEdge> edges = JoinPieces(FindPieces(glyph, upem), upem);
+std::vector<HintEdge> FindHintEdges(const GlyphClass& glyph, HintAxis axis, int upem) {
+  std::vector<HintEdge> edges = JoinPieces(FindPieces(glyph, axis, upem), upem);
   PairStems(edges, upem);
   return edges;
 }

@@ -1,11 +1,16 @@
-// The horizontal edges of an outline, found in font units.
+// The edges of an outline that run along an axis, found in font units.
+//
+// Words are those of horizontal edges, whose place is a height. For vertical ones read right for top and left for
+// bottom, and the other way about for left and right.
 #pragma once
 
 #include <vector>
 
 #include "t2k/glyph.h"
 
-// Horizontal pieces of outline at about one height, with ink on the same side.
+enum HintAxis { kHintX, kHintY };  // the axis that places count along: edges run across it
+
+// Pieces of outline at about one height, with ink on the same side.
 struct HintEdge {
   int low, high;     // heights of the pieces, within a hundredth of an em
   int left, right;   // between which they lie
@@ -15,4 +20,4 @@ struct HintEdge {
 };
 
 // From the lowest to the highest, stems paired.
-std::vector<HintEdge> FindHintEdges(const GlyphClass& glyph, int upem);
+std::vector<HintEdge> FindHintEdges(const GlyphClass& glyph, HintAxis axis, int upem);

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "t2k/hintedges.h"
+#include "t2k/t1.h"
 #include "t2k/t2kscale.h"
 
 namespace {
@@ -23,7 +24,7 @@ constexpr ZoneLetters kZoneLetters[kMaxHintZones] = {
     {true, "147", "0689"},     // figures
     {false, "pq", "gj"},       // descenders
 };
-constexpr const char* kStemLetters = "eztHEFTL";
+constexpr const char* kStemLetters[2] = {"HIEFLhiln", "eztHEFTL"};  // by HintAxis
 
 constexpr int kSameZoneShare = 60;      // of an em: zones closer together are one
 constexpr int32_t kOvershootFrom = 40;  // 26.6: a smaller overshoot isn't shown
@@ -36,13 +37,14 @@ int16_t Median(std::vector<int16_t>& values) {
 }
 
 // A letter's edges; none if the font lacks it or its bytes are damaged.
-std::vector<HintEdge> EdgesOfLetter(sfntClass* font, char letter, int upem) {
+std::vector<HintEdge> EdgesOfLetter(sfntClass* font, char letter, HintAxis axis, int upem) {
   try {
     const uint16_t index = GetSfntGlyphIndex(font, uint32_t(letter));
-    if (!index && !font->T1) return {};
+    const bool missing = font->T1 ? font->T1->charCode[index] != letter : index == 0;
+    if (missing) return {};
     uint16_t aw;
     const GlyphHolder glyph(GetGlyphByIndex(font, index, false, &aw));
-    return glyph->contourCount > 0 ? FindHintEdges(*glyph.get(), upem) : std::vector<HintEdge>{};
+    return glyph->contourCount > 0 ? FindHintEdges(*glyph.get(), axis, upem) : std::vector<HintEdge>{};
   } catch (const tsiError& error) {
     if (error.code == kT2KOutOfMemory) throw;
     return {};
@@ -51,7 +53,7 @@ std::vector<HintEdge> EdgesOfLetter(sfntClass* font, char letter, int upem) {
 
 void AddExtremes(sfntClass* font, const char* letters, bool isTop, int upem, std::vector<int16_t>& heights) {
   for (; *letters; ++letters) {
-    const std::vector<HintEdge> edges = EdgesOfLetter(font, *letters, upem);
+    const std::vector<HintEdge> edges = EdgesOfLetter(font, *letters, kHintY, upem);
     if (edges.empty()) continue;
     const HintEdge& extreme = isTop ? edges.back() : edges.front();
     if (extreme.isTop == isTop) heights.push_back(int16_t(isTop ? extreme.high : extreme.low));
@@ -64,6 +66,17 @@ void AddZone(HintGlobals& globals, HintZone zone, int upem) {
     if (other.isTop == zone.isTop && std::abs(other.flat - zone.flat) <= upem / kSameZoneShare) return;
   }
   globals.zone[globals.zoneCount++] = zone;
+}
+
+int16_t UsualStem(sfntClass* font, HintAxis axis, int upem) {
+  std::vector<int16_t> stems;
+  for (const char* letter = kStemLetters[axis]; *letter; ++letter) {
+    const std::vector<HintEdge> edges = EdgesOfLetter(font, *letter, axis, upem);
+    for (const HintEdge& edge : edges) {
+      if (!edge.isTop && edge.partner >= 0) stems.push_back(int16_t(edges[size_t(edge.partner)].high - edge.low));
+    }
+  }
+  return stems.empty() ? int16_t{0} : Median(stems);
 }
 
 int32_t RoundToPixel(int32_t v) { return (v + 32) & ~63; }
@@ -93,7 +106,8 @@ void DeleteHinter(HinterClass* hinter) {
   if (hinter) tsi_DeAllocMem(hinter->mem, hinter);
 }
 
-// Stamp (32 bits), zone count, stem, then for each zone flat, round, isTop; all 16 bits big-endian, the rest zero.
+// Stamp (32 bits), zone count, the two stems, then for each zone flat, round, isTop; all 16 bits big-endian, the rest
+// zero.
 bool LoadHintGlobals(HinterClass* hinter, const uint8_t* record, uint32_t length) {
   if (length < kHintRecordBytes) return false;
   const uint8_t* in = record;
@@ -102,7 +116,7 @@ bool LoadHintGlobals(HinterClass* hinter, const uint8_t* record, uint32_t length
   if ((uint32_t(high) << 16 | low) != kRecordStamp || count < 0 || count > kMaxHintZones) return false;
   hinter->globals = {};
   hinter->globals.zoneCount = count;
-  hinter->globals.stem = Get16(in);
+  for (int16_t& stem : hinter->globals.stem) stem = Get16(in);
   for (int i = 0; i < count; ++i) {
     HintZone& zone = hinter->globals.zone[i];
     zone.flat = Get16(in);
@@ -118,7 +132,7 @@ void StoreHintGlobals(const HinterClass* hinter, uint8_t* record) {
   Put16(out, int(kRecordStamp >> 16));
   Put16(out, int(kRecordStamp & 0xFFFF));
   Put16(out, hinter->globals.zoneCount);
-  Put16(out, hinter->globals.stem);
+  for (int16_t stem : hinter->globals.stem) Put16(out, stem);
   for (int i = 0; i < hinter->globals.zoneCount; ++i) {
     const HintZone& zone = hinter->globals.zone[i];
     Put16(out, zone.flat);
@@ -139,26 +153,25 @@ void ComputeHintGlobals(HinterClass* hinter, sfntClass* font) {
     const int16_t roundHeight = round.empty() ? flatHeight : Median(round);
     AddZone(hinter->globals, {flatHeight, roundHeight, letters.isTop}, hinter->upem);
   }
-  std::vector<int16_t> stems;
-  for (const char* letter = kStemLetters; *letter; ++letter) {
-    const std::vector<HintEdge> edges = EdgesOfLetter(font, *letter, hinter->upem);
-    for (const HintEdge& edge : edges) {
-      if (!edge.isTop && edge.partner >= 0) stems.push_back(int16_t(edges[size_t(edge.partner)].high - edge.low));
-    }
-  }
-  hinter->globals.stem = stems.empty() ? int16_t{0} : Median(stems);
+  for (const HintAxis axis : {kHintX, kHintY}) hinter->globals.stem[axis] = UsualStem(font, axis, hinter->upem);
 }
 
-bool SetHintPixelSizes(HinterClass* hinter, int, int yPixelsPerEm) {
-  hinter->yPixelsPerEm = yPixelsPerEm;
-  const auto scale = [&](int units) { return ScaleUnits(units, yPixelsPerEm, hinter->upem); };
+bool SetHintPixelSizes(HinterClass* hinter, int xPixelsPerEm, int yPixelsPerEm) {
+  hinter->pixelsPerEm[kHintX] = xPixelsPerEm;
+  hinter->pixelsPerEm[kHintY] = yPixelsPerEm;
+  const auto scale = [&](int units, HintAxis axis) {
+    return ScaleUnits(units, hinter->pixelsPerEm[axis], hinter->upem);
+  };
   for (int i = 0; i < hinter->globals.zoneCount; ++i) {
     const HintZone& zone = hinter->globals.zone[i];
-    const int32_t overshoot = scale(zone.round - zone.flat);
-    hinter->zonePlace[i] = RoundToPixel(scale(zone.flat));
+    const int32_t overshoot = scale(zone.round - zone.flat, kHintY);
+    hinter->zonePlace[i] = RoundToPixel(scale(zone.flat, kHintY));
     hinter->zoneRound[i] = hinter->zonePlace[i];
     if (std::abs(overshoot) >= kOvershootFrom) hinter->zoneRound[i] += RoundToPixel(overshoot);
   }
-  hinter->stemWidth = std::max(64, RoundToPixel(scale(hinter->globals.stem)));
+  for (const HintAxis axis : {kHintX, kHintY}) {
+    hinter->stemWidth[axis] = std::max(64, RoundToPixel(scale(hinter->globals.stem[axis], axis)));
+  }
+  // Sharpening would take grey off vertical stems by where they happen to fall, and so make them uneven.
   return false;
 }

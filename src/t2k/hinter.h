@@ -1,12 +1,14 @@
-// The automatic hinter: moves a scaled outline so that its horizontal features fall on whole pixels.
+// The automatic hinter: moves a scaled outline so that its edges fall on whole pixels.
 //
 // It knows nothing of a font's instructions. From the font's own letters it learns where they sit (baseline, x-height,
-// cap height, ascenders, descenders) and how thick their horizontal stems are; at a pixel size each of these
-// heights gets a whole pixel. In a glyph it finds the horizontal edges, snaps those near such a height, gives
-// stems a whole number of pixels and never less than one, and moves all other points with their neighbours, in
-// order. Only Y is fitted: widths are left to the rounding of the advance. docs/hinter.md shows it at work.
+// cap height, ascenders, descenders) and how thick their stems are; at a pixel size each of these heights gets
+// a whole pixel. In a glyph it finds the edges, snaps those near such a height, gives stems a whole number of pixels
+// and never less than one, and moves all other points with their neighbours, in order. Grey glyphs are fitted in Y
+// only. In monochrome, which can't show part of a pixel, stems are fitted in X too. Phantom points stay: the advance
+// is the engine's to round. docs/hinter.md shows it at work.
 #pragma once
 
+#include "t2k/hintedges.h"
 #include "t2k/truetype.h"
 
 enum HinterScript {
@@ -27,7 +29,7 @@ struct HintZone {
 struct HintGlobals {
   int zoneCount;
   HintZone zone[kMaxHintZones];
-  int16_t stem;  // the usual thickness of horizontal stems, 0 if unknown
+  int16_t stem[2];  // by HintAxis: the usual thickness of stems that run across it, 0 if unknown
 };
 
 struct HinterClass {
@@ -36,10 +38,10 @@ struct HinterClass {
   HinterScript script;
   HintGlobals globals;
   // At the size that is set:
-  int yPixelsPerEm;
+  int pixelsPerEm[2];                // by HintAxis
   int32_t zonePlace[kMaxHintZones];  // 26.6, whole pixels
   int32_t zoneRound[kMaxHintZones];  // likewise, for round ends
-  int32_t stemWidth;                 // 26.6, whole pixels
+  int32_t stemWidth[2];              // by HintAxis; 26.6, whole pixels
 };
 
 // All throw tsiError.
@@ -58,7 +60,7 @@ void ComputeHintGlobals(HinterClass* hinter, sfntClass* font);
 bool SetHintPixelSizes(HinterClass* hinter, int xPixelsPerEm, int yPixelsPerEm);
 
 struct HintRequest {
-  bool isFigure;  // one of the ten digits, which are to share a width
+  bool isFigure;  // one of the ten digits, which share a width; as no width is changed, nothing hangs on it
   bool isGrey;
 };
 

@@ -22,15 +22,17 @@ struct FittedEdge {
 
 class GlyphFitter {
  public:
-  GlyphFitter(const HinterClass* hinter, const GlyphClass& glyph)
-      : hinter_(hinter), edges_(FindHintEdges(glyph, hinter->upem)) {
+  GlyphFitter(const HinterClass* hinter, const GlyphClass& glyph, HintAxis axis)
+      : hinter_(hinter), axis_(axis), edges_(FindHintEdges(glyph, axis, hinter->upem)) {
     for (const HintEdge& edge : edges_) fits_.push_back({Scale(edge.low), Scale(edge.high), 0, false});
   }
 
   // False if there is nothing to fit.
   bool Fit() {
-    SnapToZones();
-    FitStemsInZones();
+    if (axis_ == kHintY) {
+      SnapToZones();
+      FitStemsInZones();
+    }
     FitFreeStems();
     KeepOrder();
     return std::any_of(fits_.begin(), fits_.end(), [](const FittedEdge& fit) { return fit.fitted; });
@@ -54,7 +56,7 @@ class GlyphFitter {
   }
 
  private:
-  int32_t Scale(int units) const { return ScaleUnits(units, hinter_->yPixelsPerEm, hinter_->upem); }
+  int32_t Scale(int units) const { return ScaleUnits(units, hinter_->pixelsPerEm[axis_], hinter_->upem); }
 
   void SnapToZones() {
     const int reach = hinter_->upem / kZoneShare;
@@ -77,9 +79,9 @@ class GlyphFitter {
   // Whole pixels, at least one; stems of about the usual thickness all get the same.
   int32_t StemWidth(int bottom, int top) const {
     const int units = edges_[size_t(top)].high - edges_[size_t(bottom)].low;
-    const int usual = hinter_->globals.stem;
+    const int usual = hinter_->globals.stem[axis_];
     const int share = hinter_->script == ag_ROMAN ? 4 : 8;
-    if (usual && std::abs(units - usual) * share <= usual) return hinter_->stemWidth;
+    if (usual && std::abs(units - usual) * share <= usual) return hinter_->stemWidth[axis_];
     return std::max(64, RoundToPixel(Scale(units)));
   }
 
@@ -102,7 +104,8 @@ class GlyphFitter {
     });
   }
 
-  // Stems away from all zones keep their middle where the edges fitted so far take it.
+  // Stems away from all zones keep their middle where the edges fitted so far take it. Without zones that is one stem
+  // after the other, so that equal gaps stay equal.
   void FitFreeStems() {
     ForEachStem([&](int bottom, int top) {
       FittedEdge &low = fits_[size_t(bottom)], &high = fits_[size_t(top)];
@@ -130,14 +133,19 @@ class GlyphFitter {
   }
 
   const HinterClass* hinter_;
+  const HintAxis axis_;
   std::vector<HintEdge> edges_;
   std::vector<FittedEdge> fits_;
 };
 
 }  // namespace
 
-void HintGlyph(const HinterClass* hinter, GlyphClass* glyph, const HintRequest&) {
-  GlyphFitter fitter(hinter, *glyph);
-  if (!fitter.Fit()) return;
-  for (int i = 0; i < glyph->pointCount; ++i) glyph->y[i] = fitter.Map(glyph->y[i]);
+void HintGlyph(const HinterClass* hinter, GlyphClass* glyph, const HintRequest& request) {
+  const auto fit = [&](HintAxis axis, int32_t* places) {
+    GlyphFitter fitter(hinter, *glyph, axis);
+    if (!fitter.Fit()) return;
+    for (int i = 0; i < glyph->pointCount; ++i) places[i] = fitter.Map(places[i]);
+  };
+  fit(kHintY, glyph->y);
+  if (!request.isGrey) fit(kHintX, glyph->x);
 }

@@ -148,7 +148,7 @@ TEST_P(EveryGlyph, HasAsMuchInkAsItsOutlineHasArea) {
       for (int level : {0, 1, 3, 5}) {
         ASSERT_TRUE(f.Render(glyph, level, cmd)) << "glyph " << glyph << " size " << size << " error " << f.err;
         if (!f.t->glyph->pointCount) break;
-        if (level == 0) {
+        if (level <= 1) {  // grey and monochrome are fitted differently
           const Shape shape(f.t->glyph);
           area = shape.Area();
           length = shape.Length();

@@ -1,0 +1,220 @@
+#include "t2k/hinter.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <numeric>
+
+#include "t2k/fontbuilder.h"
+#include "t2k/openfont.h"
+
+namespace {
+
+constexpr int kHinted = kT2KGridFit | kT2KKeepGlyph;
+
+// An E with its arms at 0 to 90, 305 to 395 and 610 to 700, its stem at 60 to 160.
+const FontContour kE = {{60, 0},    {60, 700},  {460, 700}, {460, 610}, {160, 610}, {160, 395},
+                        {400, 395}, {400, 305}, {160, 305}, {160, 90},  {460, 90},  {460, 0}};
+const FontContour kZ = {{40, 0},    {40, 80},  {300, 420}, {40, 420}, {40, 500},
+                        {400, 500}, {140, 80}, {400, 80},  {400, 0}};
+
+// A round contour with its extremes at these places.
+FontContour Oval(int left, int bottom, int right, int top) {
+  const int x = (left + right) / 2, y = (bottom + top) / 2;
+  return {{left, y},  {left, top, false},     {x, top},    {right, top, false},
+          {right, y}, {right, bottom, false}, {x, bottom}, {left, bottom, false}};
+}
+
+SfntBuilder LettersFont() {
+  SfntBuilder builder;
+  builder.AddGlyph({}, 500, 0);
+  const auto add = [&](char letter, const std::vector<FontContour>& contours) {
+    builder.characters[letter] = builder.AddContours(contours, 520);
+  };
+  add('E', {kE});
+  add('H', {RectContour(50, 0, 150, 700), RectContour(150, 300, 350, 390), RectContour(350, 0, 450, 700)});
+  add('z', {kZ});
+  add('o', {Oval(30, -10, 480, 510), Reversed(Oval(130, 75, 380, 425))});
+  add('p', {RectContour(50, -210, 150, 500), RectContour(150, 0, 400, 80), RectContour(150, 420, 400, 500)});
+  add('b', {RectContour(50, 0, 150, 760)});
+  return builder;
+}
+
+std::vector<int> DistinctY(const GlyphClass* glyph) {
+  std::vector<int> y(glyph->y, glyph->y + glyph->pointCount);
+  std::sort(y.begin(), y.end());
+  y.erase(std::unique(y.begin(), y.end()), y.end());
+  return y;
+}
+
+TEST(Hinter, LearnsTheFontsHeightsAndStems) {
+  OpenFont f(LettersFont().Build());
+  f.SetSize(12);
+  const HintGlobals& globals = f.t->hintHandle->globals;
+  std::vector<std::tuple<int, int, bool>> zones;
+  for (int i = 0; i < globals.zoneCount; ++i) {
+    zones.push_back({globals.zone[i].flat, globals.zone[i].round, globals.zone[i].isTop});
+  }
+  EXPECT_EQ(zones, (decltype(zones){
+                       {0, -10, false}, {500, 510, true}, {700, 700, true}, {760, 760, true}, {-210, -210, false}}));
+  EXPECT_EQ(globals.stem[kHintY], 90);
+  EXPECT_EQ(globals.stem[kHintX], 100);
+}
+
+// 13 pixels: 500 is 6.5 and goes to 7, 700 is 9.1, stems of 90 are 1.17. The middle bar of the E, 3.965 to 5.135, has
+// its middle at 4.55 and keeps it as the ends spread, so its lower edge goes to 4.
+TEST(Hinter, HeightsAndStemsGetWholePixels) {
+  OpenFont f(LettersFont().Build());
+  f.SetSize(13);
+  ASSERT_TRUE(f.Render('E', 3, kHinted));
+  EXPECT_EQ(DistinctY(f.t->glyph), (std::vector{0, 64, 4 * 64, 5 * 64, 8 * 64, 9 * 64}));
+  ASSERT_TRUE(f.Render('z', 3, kHinted));
+  EXPECT_EQ(DistinctY(f.t->glyph), (std::vector{0, 64, 6 * 64, 7 * 64}));
+  // Overshoots of an eighth of a pixel aren't shown.
+  ASSERT_TRUE(f.Render('o', 3, kHinted));
+  const std::vector<int> y = DistinctY(f.t->glyph);
+  EXPECT_EQ(y.front(), 0);
+  EXPECT_EQ(y.back(), 7 * 64);
+  f.SetSize(100);  // but those of a whole one are
+  ASSERT_TRUE(f.Render('o', 3, kHinted));
+  EXPECT_EQ(DistinctY(f.t->glyph).front(), -64);
+  EXPECT_EQ(DistinctY(f.t->glyph).back(), 51 * 64);
+}
+
+TEST(Hinter, GreyKeepsXAndMonochromeFitsVerticalStems) {
+  OpenFont f(LettersFont().Build());
+  for (int size = 7; size < 40; ++size) {
+    f.SetSize(size);
+    ASSERT_TRUE(f.Render('H', 3, kT2KKeepGlyph));
+    const std::vector<int> unhinted(f.t->glyph->x, f.t->glyph->x + 14);
+    const hsFixed advance = f.t->xAdvanceWidth16Dot16;
+    ASSERT_TRUE(f.Render('H', 3, kHinted));
+    EXPECT_EQ(std::vector<int>(f.t->glyph->x, f.t->glyph->x + 14), unhinted);
+    ASSERT_TRUE(f.Render('H', 0, kHinted));
+    EXPECT_EQ(f.t->xAdvanceWidth16Dot16, advance);
+    const int32_t* x = f.t->glyph->x;
+    const int left = x[2] - x[0], right = x[10] - x[8];
+    EXPECT_EQ(left, right) << size;
+    EXPECT_EQ(left % 64, 0);
+    EXPECT_EQ(x[0] % 64, 0);
+    EXPECT_EQ(left, std::max(64, (size * 64 / 10 + 32) / 64 * 64));
+  }
+}
+
+// At every size: no stem of the E thinner than a pixel, all edges on pixels, all points in their order.
+TEST(Hinter, StemsNeverCollapseAndPointsKeepTheirOrder) {
+  OpenFont f(LettersFont().Build());
+  for (int size = 2; size < 60; ++size) {
+    f.SetSize(size);
+    ASSERT_TRUE(f.Render('E', 0, kHinted));
+    const int32_t* y = f.t->glyph->y;
+    EXPECT_GE(y[9] - y[0], 64) << size;
+    EXPECT_GE(y[5] - y[8], 64) << size;
+    EXPECT_GE(y[1] - y[4], 64) << size;
+    EXPECT_LE(y[9], y[8]) << size;
+    EXPECT_LE(y[5], y[4]) << size;
+    for (int i = 0; i < 12; ++i) EXPECT_EQ(y[i] % 64, 0) << size;
+  }
+}
+
+TEST(Hinter, CubicOutlinesAreFittedAlike) {
+  OpenFont quadratic(LettersFont().Build());
+  Type1Builder builder;
+  const auto program = [](const FontContour& contour) {
+    Bytes all = Type1Builder::Program({0, 520, 13});
+    int x = 0, y = 0;
+    for (size_t i = 0; i < contour.size(); ++i) {
+      all.Add(Type1Builder::Program({contour[i].x - x, contour[i].y - y, i ? 5 : 21}));
+      x = contour[i].x, y = contour[i].y;
+    }
+    return all.U8(9).U8(14);
+  };
+  // Type 1 contours run against the clock.
+  for (const auto& [name, contour] : {std::pair{"E", kE}, {"z", kZ}}) {
+    builder.glyphs.push_back({name, program(Reversed(contour))});
+  }
+  OpenFont cubic(builder.Build(), kFontType1);
+  for (int size : {9, 13, 14, 21}) {
+    for (char letter : {'E', 'z'}) {
+      quadratic.SetSize(size);
+      cubic.SetSize(size);
+      ASSERT_TRUE(quadratic.Render(letter, 2, kHinted));
+      ASSERT_TRUE(cubic.Render(letter, 2, kHinted));
+      EXPECT_EQ(DistinctY(quadratic.t->glyph), DistinctY(cubic.t->glyph)) << letter << size;
+    }
+  }
+}
+
+TEST(Hinter, StoredSettingsAreTakenIfTheyCarryTheStamp) {
+  SfntBuilder builder = LettersFont();
+  OpenFont source(builder.Build());
+  source.SetSize(13);
+  HinterClass settings = *source.t->hintHandle;
+  settings.globals.zone[2].flat = 660;  // capitals 8.58 pixels high, so 9 as before at 13, but 7 at 11
+  settings.globals.zone[2].round = 660;
+  Bytes record(kHintRecordBytes, 0);
+  StoreHintGlobals(&settings, record.data());
+
+  HinterClass loaded{};
+  ASSERT_TRUE(LoadHintGlobals(&loaded, record.data(), kHintRecordBytes));
+  EXPECT_EQ(loaded.globals.zoneCount, 5);
+  EXPECT_EQ(loaded.globals.zone[4].flat, -210);
+  EXPECT_EQ(loaded.globals.stem[kHintY], 90);
+  EXPECT_FALSE(LoadHintGlobals(&loaded, record.data(), kHintRecordBytes - 1));
+
+  const auto capsIn = [&](const Bytes& table) {
+    builder.tables["T2KG"] = table;
+    OpenFont f(builder.Build());
+    f.SetSize(13);
+    return f.t->hintHandle->globals.zone[2].flat;
+  };
+  EXPECT_EQ(capsIn(record), 660);
+  record[0] ^= 1;
+  EXPECT_EQ(capsIn(record), 700);
+  EXPECT_EQ(capsIn(Bytes().U32(7)), 700);
+}
+
+TEST(Hinter, ADamagedLetterDoesNoHarm) {
+  SfntBuilder builder = LettersFont();
+  builder.characters['x'] = builder.AddGlyph(Bytes().Words({0, 0, 0, 0, 0}), 500, 0);
+  builder.characters['e'] = 999;
+  OpenFont f(builder.Build());
+  f.SetSize(13);
+  EXPECT_EQ(f.err, 0);
+  EXPECT_TRUE(f.Render('E', 0, kHinted));
+  EXPECT_EQ(f.t->hintHandle->globals.zone[1].flat, 500);
+  EXPECT_EQ(f.Close(), 0);
+}
+
+bool IsComposite(OpenFont& f, int index) {
+  uint16_t aw;
+  const GlyphHolder glyph(GetGlyphByIndex(f.font, index, false, &aw));
+  return glyph->contourCount < 0;
+}
+
+// Whatever a glyph looks like, hinting maps heights by one rising function.
+TEST(Hinter, KeepsTheOrderOfPointsInARealFont) {
+  const char* path = "/usr/share/fonts/truetype/liberation/LiberationSerif-Regular.ttf";
+  if (!std::filesystem::exists(path)) GTEST_SKIP() << path << " isn't installed";
+  OpenFont f(ReadFontFile(path));
+  for (int size : {7, 12, 19}) {
+    f.SetSize(size);
+    for (int glyph = 0; glyph < f.t->numGlyphs; ++glyph) {
+      ASSERT_TRUE(f.Render(glyph, 0, kT2KKeepGlyph | kT2KByIndex));
+      const int count = f.t->glyph->pointCount;
+      const std::vector<int> before(f.t->glyph->y, f.t->glyph->y + count);
+      ASSERT_TRUE(f.Render(glyph, 0, kHinted | kT2KByIndex));
+      if (IsComposite(f, glyph)) continue;  // each part is fitted by itself
+      std::vector<int> order(static_cast<size_t>(count));
+      std::iota(order.begin(), order.end(), 0);
+      std::sort(order.begin(), order.end(), [&](int a, int b) { return before[size_t(a)] < before[size_t(b)]; });
+      for (int i = 0; i + 1 < count; ++i) {
+        const int a = order[size_t(i)], b = order[size_t(i + 1)];
+        ASSERT_LE(f.t->glyph->y[a], f.t->glyph->y[b]) << "glyph " << glyph << " size " << size;
+      }
+    }
+  }
+}
+
+}  // namespace
