@@ -1,6 +1,7 @@
 #include "bob/codepaths.h"
 
 #include "bob/objects.h"
+#include "bob/vm.h"
 
 using namespace BobLayout;
 
@@ -96,6 +97,20 @@ int BobCodePaths::ownCount(uint32_t at, uint32_t depth) const {
   return depth == 0 ? int(variables) : -1;
 }
 
+bool BobCodePaths::findOwn(uint32_t at, int* index) const {
+  uint32_t depth = bytes[at + 1];
+  if (!proven || ownCount(at, depth) < 0 || (depth > 0 && closes)) return false;
+  *index = bytes[at + 2];
+  for (int node = states[size_t(reached[at])].node; depth > 0; --depth) {
+    const Node& inner = nodes[size_t(node)];
+    node = inner.parent;
+    // On the stack, upward: the block's variables, what was pushed outside of it, the frame around, its variables.
+    *index -=
+        int(inner.outside + (node ? kBlockFrameWords + nodes[size_t(node)].variables : kCallFrameWords + variables));
+  }
+  return true;
+}
+
 bool BobCodePaths::badVariable(uint32_t at) const {
   const uint32_t index = bytes[at + 2];
   if (index == 0) return true;
@@ -156,6 +171,7 @@ void BobCodePaths::visit(uint32_t at) {
     return;
   }
   const uint8_t* p = bytes + at;
+  closes = closes || *p == kOpClose;
   State state = states[size_t(reached[at])];
   if (!step(at, state)) return;
   if (*p == kOpBrt || *p == kOpBrf || *p == kOpBr) flow(bobWordAt(p + 1), state, true);

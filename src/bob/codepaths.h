@@ -24,13 +24,16 @@ class BobCodePaths {
   bool isBad(uint32_t at) const { return bad[at]; }
   // For code that was shown to stay inside: the block frames open at an instruction.
   bool hasBlocks(uint32_t at) const { return states[size_t(reached[at])].node != 0; }
-  // EREF and ESET: whether the depth lies within the function's own environments.
-  bool isOwnDepth(uint32_t at, uint32_t depth) const { return proven && ownCount(at, depth) >= 0; }
+  // EREF and ESET in code that was shown to stay inside: where the variable lies, in words below the top of the
+  // innermost environment's variables. Those of the blocks around are reached so only while nothing can move them to
+  // the heap, that is in code without CLOSE. False for a variable that is to be looked for.
+  bool findOwn(uint32_t at, int* index) const;
 
   const uint8_t* bytes;  // lie in the heap
   uint32_t length;
   uint32_t literals;
-  bool proven = true;  // the depth of the stack is the same on every path, and enough for every instruction
+  bool closes = false;  // makes closures
+  bool proven = true;   // the depth of the stack is the same on every path, and enough for every instruction
 
  private:
   // Block frames, innermost first: what was pushed in the frame outside before this one was made.

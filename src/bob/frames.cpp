@@ -81,13 +81,6 @@ void bobMoveEnvironments(BobInterp* interp) {
   if (first != kBobNil) interp->env = first;
 }
 
-uint32_t* bobFindVariable(BobInterp* interp, uint32_t depth, uint32_t index) {
-  BobValue env = interp->env;
-  for (; depth > 0 && env != kBobNil; --depth) env = interp->words(env)[kEnvNext];
-  if (env == kBobNil || index > interp->words(env)[kEnvCount] - 2) return nullptr;
-  return bobTopOfVariables(interp, env) - index;
-}
-
 BobValue bobMakeClosure(BobInterp* interp) {
   if (!interp->isA(interp->val, kBobCompiledCode)) bobRaise(interp, kBobBadOpcode);
   bobMoveEnvironments(interp);

@@ -92,7 +92,16 @@ inline uint32_t* bobTopOfVariables(BobInterp* interp, BobValue env) {
   return w + BobLayout::kEnvNext + w[BobLayout::kEnvCount];
 }
 // The variable `depth` environments out, or null if there is none.
-uint32_t* bobFindVariable(BobInterp* interp, uint32_t depth, uint32_t index);
+inline uint32_t* bobFindVariable(BobInterp* interp, uint32_t depth, uint32_t index) {
+  using namespace BobLayout;
+  const uint32_t* env = interp->words(interp->env);
+  for (; depth > 0; --depth) {
+    if (env[kEnvNext] == kBobNil) return nullptr;
+    env = interp->words(env[kEnvNext]);
+  }
+  const uint32_t count = env[kEnvCount];
+  return index > count - 2 ? nullptr : const_cast<uint32_t*>(env) + kEnvNext + count - index;
+}
 
 // Moves the environments that lie on the stack, from env outward, to the heap: env is the heap chain then.
 void bobMoveEnvironments(BobInterp* interp);

@@ -133,7 +133,6 @@ struct BobInterp {
   std::vector<std::unique_ptr<std::string>> typeNames;
   void (*gcHook)(BobInterp*, void* data) = nullptr;
   void* gcHookData = nullptr;
-  BobValue initializeSymbol = 0;
 
   std::vector<std::unique_ptr<BobStream>> openStreams;  // the streams of File objects, closed with the interpreter
   std::vector<BobStaticRow> staticRows;

@@ -19,6 +19,8 @@ using namespace BobLayout;
   } while (0)
 #define A() (insn >> 8 & 0xFF)
 #define B() (insn >> 16)
+#define NEAR_A() int8_t(insn >> 8)
+#define FAR_B() int16_t(insn >> 16)
 #define VARIABLE(index) vars[-int(index)]
 #define LITERAL(number) (interp->words(interp->code)[kCodeElements + (number)])
 #define BRANCH() (BURN(), pc += int32_t(*pc))
@@ -27,10 +29,10 @@ using namespace BobLayout;
 #else
 #define BURN() void()
 #endif
-#define ROOM(count)                                    \
-  do {                                                 \
-    if (sp - interp->stackBase < (count)) [[unlikely]] \
-      goto stackOverflow;                              \
+#define ROOM(count)                            \
+  do {                                         \
+    if (sp - stackBase < (count)) [[unlikely]] \
+      goto stackOverflow;                      \
   } while (0)
 #define PUSH(value)                  \
   do {                               \
@@ -39,38 +41,50 @@ using namespace BobLayout;
     *--sp = pushed;                  \
   } while (0)
 
-// An arithmetic instruction in its five forms: `result` from the small integers a and b, as an int32_t that wraps.
-#define ARITHMETIC(name, op, result)                                 \
-  do ##name##VV : left = VARIABLE(A());                              \
-  right = VARIABLE(B());                                             \
-  ROOM(1);                                                           \
-  goto both##name;                                                   \
-  do ##name##VL : left = VARIABLE(A());                              \
-  right = *pc++;                                                     \
-  ROOM(1);                                                           \
-  goto both##name;                                                   \
-  do ##name##AV : left = val;                                        \
-  right = VARIABLE(B());                                             \
-  ROOM(1);                                                           \
-  goto both##name;                                                   \
-  do ##name##AL : left = val;                                        \
-  right = *pc++;                                                     \
-  ROOM(1);                                                           \
-  goto both##name;                                                   \
-  do ##name : left = *sp++;                                          \
-  right = val;                                                       \
-  both##name : if (left & right & 1) [[likely]] {                    \
-    const int32_t a = bobSmallValue(left), b = bobSmallValue(right); \
-    const int32_t r = (result);                                      \
-    if (bobFitsSmall(r)) [[likely]] {                                \
-      val = bobSmall(r);                                             \
-      NEXT();                                                        \
-    }                                                                \
-  }                                                                  \
-  STORE();                                                           \
-  interp->val = bobArithmetic(interp, op, left, right);              \
-  RELOAD();                                                          \
-  NEXT();
+// An arithmetic instruction in its ten forms.
+#define OPERANDS(name, loadLeft, loadRight, room) \
+  do ##name : left = loadLeft;                    \
+  right = loadRight;                              \
+  room;
+#define ARITHMETIC_FORMS(name)                                                     \
+  OPERANDS(name##VVSet, VARIABLE(NEAR_A()), VARIABLE(int8_t(insn >> 16)), ROOM(1)) \
+  target = int8_t(insn >> 24);                                                     \
+  goto set##name;                                                                  \
+  OPERANDS(name##VLSet, VARIABLE(NEAR_A()), *pc++, ROOM(1))                        \
+  target = FAR_B();                                                                \
+  goto set##name;                                                                  \
+  OPERANDS(name##AVSet, val, VARIABLE(FAR_B()), ROOM(1))                           \
+  target = NEAR_A();                                                               \
+  goto set##name;                                                                  \
+  OPERANDS(name##ALSet, val, *pc++, ROOM(1))                                       \
+  target = NEAR_A();                                                               \
+  goto set##name;                                                                  \
+  OPERANDS(name##Set, *sp++, val, )                                                \
+  target = NEAR_A();                                                               \
+  set##name : COMPUTE(name, VARIABLE(target) = val);                               \
+  OPERANDS(name##VV, VARIABLE(NEAR_A()), VARIABLE(FAR_B()), ROOM(1))               \
+  goto plain##name;                                                                \
+  OPERANDS(name##VL, VARIABLE(NEAR_A()), *pc++, ROOM(1))                           \
+  goto plain##name;                                                                \
+  OPERANDS(name##AV, val, VARIABLE(FAR_B()), ROOM(1))                              \
+  goto plain##name;                                                                \
+  OPERANDS(name##AL, val, *pc++, ROOM(1))                                          \
+  goto plain##name;                                                                \
+  OPERANDS(name, *sp++, val, )                                                     \
+  plain##name : COMPUTE(name, );
+#define COMPUTE(name, set)                                                     \
+  do {                                                                         \
+    if ((left & right & 1) && bobFast##name(left, right, &quick)) [[likely]] { \
+      val = quick;                                                             \
+      set;                                                                     \
+      NEXT();                                                                  \
+    }                                                                          \
+    STORE();                                                                   \
+    interp->val = bobArithmetic(interp, kOp##name, left, right);               \
+    RELOAD();                                                                  \
+    set;                                                                       \
+    NEXT();                                                                    \
+  } while (0)
 
 // Whether `left relation right`, for small integers straight from their words.
 #define ORDER(relation) \
@@ -97,14 +111,14 @@ using namespace BobLayout;
   ROOM(1);                                               \
   val = bobBoolean(test);                                \
   BRANCH_IF(val == kBobFalse);
-#define COMPARISON(name, test)                            \
-  TEST_FORM(name, VV, VARIABLE(A()), VARIABLE(B()), test) \
-  TEST_FORM(name, VL, VARIABLE(A()), *pc++, test)         \
-  TEST_FORM(name, AV, val, VARIABLE(B()), test)           \
-  TEST_FORM(name, AL, val, *pc++, test)                   \
-  do ##name : left = *sp++;                               \
-  right = val;                                            \
-  val = bobBoolean(test);                                 \
+#define COMPARISON(name, test)                                     \
+  TEST_FORM(name, VV, VARIABLE(NEAR_A()), VARIABLE(FAR_B()), test) \
+  TEST_FORM(name, VL, VARIABLE(NEAR_A()), *pc++, test)             \
+  TEST_FORM(name, AV, val, VARIABLE(FAR_B()), test)                \
+  TEST_FORM(name, AL, val, *pc++, test)                            \
+  do ##name : left = *sp++;                                        \
+  right = val;                                                     \
+  val = bobBoolean(test);                                          \
   NEXT();
 
 #define UNARY(name, op, result)             \
@@ -127,8 +141,10 @@ void bobExecute(BobInterp* const interp) {
 #undef BOB_HANDLER
   static_assert(kTEnd <= 256);
   uint32_t insn;
-  BobValue left, right, property;
+  int target;
+  BobValue left, right, quick, property;
   uint32_t* place;
+  uint32_t* const stackBase = interp->stackBase;
   uint32_t* pc = interp->pc;
   uint32_t* sp = interp->sp;
   BobValue val = interp->val;
@@ -152,14 +168,21 @@ doPush:
   PUSH(val);
   NEXT();
 doPushVar:
-  val = VARIABLE(A());
+  val = VARIABLE(NEAR_A());
   PUSH(val);
+  NEXT();
+doVarCallee:
+  val = VARIABLE(NEAR_A());
+  ROOM(3);
+  sp -= 3;
+  sp[0] = sp[1] = interp->scope.object;
+  sp[2] = val;
   NEXT();
 doPushVarVar:
   ROOM(2);
   sp -= 2;
-  sp[1] = VARIABLE(A());
-  sp[0] = val = VARIABLE(B());
+  sp[1] = VARIABLE(NEAR_A());
+  sp[0] = val = VARIABLE(FAR_B());
   NEXT();
 doPushLit:
   val = LITERAL(B());
@@ -168,23 +191,23 @@ doPushLit:
 doPushVarLit:
   ROOM(2);
   sp -= 2;
-  sp[1] = VARIABLE(A());
+  sp[1] = VARIABLE(NEAR_A());
   sp[0] = val = LITERAL(B());
   NEXT();
 doNot:
   val = bobBoolean(val == kBobFalse);
   NEXT();
 
-  ARITHMETIC(Add, kOpAdd, a + b)
-  ARITHMETIC(Sub, kOpSub, a - b)
-  ARITHMETIC(Mul, kOpMul, int32_t(uint32_t(a) * uint32_t(b)))
-  ARITHMETIC(Div, kOpDiv, bobDivide(a, b))
-  ARITHMETIC(Rem, kOpRem, bobRemainder(a, b))
-  ARITHMETIC(Band, kOpBand, a & b)
-  ARITHMETIC(Bor, kOpBor, a | b)
-  ARITHMETIC(Xor, kOpXor, a ^ b)
-  ARITHMETIC(Shl, kOpShl, bobShiftLeft(a, b))
-  ARITHMETIC(Shr, kOpShr, bobShiftRight(a, b))
+  ARITHMETIC_FORMS(Add)
+  ARITHMETIC_FORMS(Sub)
+  ARITHMETIC_FORMS(Mul)
+  ARITHMETIC_FORMS(Div)
+  ARITHMETIC_FORMS(Rem)
+  ARITHMETIC_FORMS(Band)
+  ARITHMETIC_FORMS(Bor)
+  ARITHMETIC_FORMS(Xor)
+  ARITHMETIC_FORMS(Shl)
+  ARITHMETIC_FORMS(Shr)
   UNARY(Neg, kOpNeg, -a)
   UNARY(Inc, kOpInc, a + 1)
   UNARY(Dec, kOpDec, a - 1)
@@ -199,17 +222,17 @@ doNot:
   // x++ and x--: the variable takes the step, val keeps the old value.
 doStepAfter : {
   const int32_t step = int32_t(*pc++);
-  const BobValue old = VARIABLE(A());
+  const BobValue old = VARIABLE(NEAR_A());
   const int32_t stepped = bobSmallValue(old) + step;
   if (bobIsSmall(old) && bobFitsSmall(stepped)) [[likely]] {
-    VARIABLE(A()) = bobSmall(stepped);
+    VARIABLE(NEAR_A()) = bobSmall(stepped);
     val = old;
     NEXT();
   }
   STORE();
   interp->val = bobUnary(interp, step == 1 ? kOpInc : kOpDec, old);
   RELOAD();
-  VARIABLE(A()) = val;
+  VARIABLE(NEAR_A()) = val;
   interp->val = bobUnary(interp, step == 1 ? kOpDec : kOpInc, val);
   RELOAD();
   NEXT();
@@ -249,7 +272,7 @@ doGset:
 
   // Gets: the object in left, the key in val.
 doGetVarField:
-  left = VARIABLE(A());
+  left = VARIABLE(NEAR_A());
   val = LITERAL(B());
   ROOM(1);
   goto get;
@@ -264,13 +287,13 @@ doDup2Getp:
   *--sp = val;
   goto get;
 doVrefVV:
-  left = VARIABLE(A());
-  val = VARIABLE(B());
+  left = VARIABLE(NEAR_A());
+  val = VARIABLE(FAR_B());
   ROOM(1);
   goto getElement;
 doVrefAV:
   left = val;
-  val = VARIABLE(B());
+  val = VARIABLE(FAR_B());
   ROOM(1);
   goto getElement;
 doVref:
@@ -326,7 +349,7 @@ doSetp:
   NEXT();
 
 doReturnVar:
-  val = VARIABLE(B());
+  val = VARIABLE(NEAR_A());
 doReturn:
   interp->val = val;
   if (interp->fp[kFrameRecord] == kCallFrame) [[likely]] {
@@ -359,7 +382,7 @@ doFrame:
 
   // The receiver and its selector, as a send wants them below its arguments.
 doSelectorV:
-  val = VARIABLE(A());
+  val = VARIABLE(NEAR_A());
 doSelectorA:
   ROOM(3);
   sp -= 3;
@@ -398,17 +421,11 @@ doCall:
   RELOAD();
   NEXT();
 
-doVar0:
-  val = VARIABLE(B());
+doOwn:
+  val = VARIABLE(FAR_B());
   NEXT();
-doSet0:
-  VARIABLE(B()) = val;
-  NEXT();
-doVar1:
-  val = bobTopOfVariables(interp, interp->words(interp->env)[kEnvNext])[-int(B())];
-  NEXT();
-doSet1:
-  bobTopOfVariables(interp, interp->words(interp->env)[kEnvNext])[-int(B())] = val;
+doSetOwn:
+  VARIABLE(FAR_B()) = val;
   NEXT();
 doVar:
   if (!(place = bobFindVariable(interp, A(), B()))) goto doBad;

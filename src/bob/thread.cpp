@@ -66,6 +66,10 @@ constexpr BobThreadOpcode kComparison[] = {
 };
 constexpr uint8_t kComparisonOpcodes[] = {kOpLt, kOpLe, kOpEq, kOpNe, kOpGe, kOpGt};
 
+// The order of the joined forms behind the plain one, and how far the forms with a Set are from those without.
+enum Form { kFormVV, kFormVL, kFormAV, kFormAL };
+constexpr int kSetForms = kTAddSet - kTAdd;
+
 template <size_t kCount>
 int IndexOf(const uint8_t (&opcodes)[kCount], uint8_t opcode) {
   for (size_t i = 0; i < kCount; ++i)
@@ -158,9 +162,20 @@ class Translator {
 
   // -- joined sequences: each gives the number of instructions that it has taken, or 0.
 
-  bool isVariable(const Sequence& s, int i) const {
-    return s.opcode(i) == kOpEref && s.p[i][1] == 0;  // one that is there: this code is proven
+  // A variable that is known to be there, near enough for an operand of one byte.
+  bool isVariable(const Sequence& s, int i) const { return s.opcode(i) == kOpEref && isNear(s.at[i]); }
+  bool isStore(const Sequence& s, int i) const { return s.opcode(i) == kOpEset && isNear(s.at[i]); }
+  bool isNear(uint32_t at) const {
+    int index;
+    return paths.findOwn(at, &index) && index >= -128 && index < 128;
   }
+  uint32_t variable(const Sequence& s, int i) const {
+    int index = 0;
+    paths.findOwn(s.at[i], &index);
+    return uint32_t(index) & 0xFF;
+  }
+  // The same for an operand of 16 bits.
+  uint32_t wideVariable(const Sequence& s, int i) const { return uint32_t(int(int8_t(variable(s, i)))) & 0xFFFF; }
   bool isSmallLiteral(const Sequence& s, int i) const {
     return s.opcode(i) == kOpLit && bobIsSmall(interp->words(code)[kCodeElements + s.operand(i)]);
   }
@@ -174,11 +189,15 @@ class Translator {
     const bool isLiteral = isSmallLiteral(s, right);
     if (!isLiteral && !isVariable(s, right)) return 0;
     const int form = (first ? 0 : 2) + isLiteral;
-    const uint32_t a = first ? s.p[0][2] : 0, b = isLiteral ? 0 : s.p[right][2];
+    const uint32_t a = first ? variable(s, 0) : 0, b = isLiteral ? 0 : wideVariable(s, right);
     if (const int i = IndexOf(kArithmeticOpcodes, s.opcode(op)); i >= 0 && !testsOnly) {
-      put(BobThreadOpcode(kArithmetic[i] + 1 + form), a, b);
+      const BobThreadOpcode plain = BobThreadOpcode(kArithmetic[i] + 1 + form);
+      if (isStore(s, op + 1))
+        putSet(BobThreadOpcode(plain + kSetForms), form, a, b, s, op + 1);
+      else
+        put(plain, a, b);
       if (isLiteral) out.push_back(literal(s, right));
-      return op + 1;
+      return op + 1 + isStore(s, op + 1);
     }
     const int i = IndexOf(kComparisonOpcodes, s.opcode(op));
     const uint8_t branch = s.opcode(op + 1);
@@ -189,13 +208,23 @@ class Translator {
     return op + 2;
   }
 
+  // Where the variable of a Set goes depends on what else the form has.
+  void putSet(BobThreadOpcode op, int form, uint32_t a, uint32_t b, const Sequence& s, int store) {
+    if (form == kFormVV)
+      put(op, a, (b & 0xFF) | variable(s, store) << 8);
+    else if (form == kFormVL)
+      put(op, a, wideVariable(s, store));
+    else
+      put(op, variable(s, store), b);
+  }
+
   // EREF INC ESET DEC on one variable, or with the steps exchanged.
   int joinStep(const Sequence& s) {
     if (!isVariable(s, 0) || s.count < 4 || s.opcode(2) != kOpEset) return 0;
     const bool up = s.opcode(1) == kOpInc && s.opcode(3) == kOpDec;
     const bool down = s.opcode(1) == kOpDec && s.opcode(3) == kOpInc;
-    if ((!up && !down) || s.p[2][1] != 0 || s.p[2][2] != s.p[0][2]) return 0;
-    put(kTStepAfter, s.p[0][2]);
+    if ((!up && !down) || s.p[2][1] != s.p[0][1] || s.p[2][2] != s.p[0][2]) return 0;
+    put(kTStepAfter, variable(s, 0));
     out.push_back(up ? 1 : uint32_t(-1));
     return 4;
   }
@@ -208,9 +237,10 @@ class Translator {
 
   int joinVariable(const Sequence& s) {
     if (!isVariable(s, 0)) return 0;
-    const uint32_t index = s.p[0][2];
-    if (s.opcode(1) == kOpReturn && !paths.hasBlocks(s.at[1])) return joined(2, kTReturnVar, 0, index);
+    const uint32_t index = variable(s, 0);
+    if (s.opcode(1) == kOpReturn && !paths.hasBlocks(s.at[1])) return joined(2, kTReturnVar, index, 0);
     if (s.opcode(1) != kOpPush) return 0;
+    if (s.opcode(2) == kOpPushScope) return joined(3, kTVarCallee, index, 0);
     if (s.opcode(2) == kOpLit) {
       const uint32_t number = s.operand(2);
       if (s.opcode(3) == kOpGetp) return joined(4, kTGetVarField, index, number, kBobCacheWords);
@@ -218,8 +248,8 @@ class Translator {
       if (s.opcode(3) == kOpPush && !joinsAt(s.at[3])) return joined(4, kTPushVarLit, index, number);
     }
     if (isVariable(s, 2)) {
-      if (s.opcode(3) == kOpVref) return joined(4, kTVrefVV, index, s.p[2][2], kBobCacheWords);
-      if (s.opcode(3) == kOpPush && !joinsAt(s.at[2])) return joined(4, kTPushVarVar, index, s.p[2][2]);
+      if (s.opcode(3) == kOpVref) return joined(4, kTVrefVV, index, wideVariable(s, 2), kBobCacheWords);
+      if (s.opcode(3) == kOpPush && !joinsAt(s.at[2])) return joined(4, kTPushVarVar, index, wideVariable(s, 2));
     }
     return joined(2, kTPushVar, index, 0);
   }
@@ -231,7 +261,8 @@ class Translator {
           return joined(3, kTGetField, 0, s.operand(1), kBobCacheWords);
         if (s.opcode(1) == kOpLit && s.opcode(2) == kOpPush && s.opcode(3) == kOpOver)
           return joined(4, kTSelectorA, 0, s.operand(1));
-        if (isVariable(s, 1) && s.opcode(2) == kOpVref) return joined(3, kTVrefAV, 0, s.p[1][2], kBobCacheWords);
+        if (isVariable(s, 1) && s.opcode(2) == kOpVref)
+          return joined(3, kTVrefAV, 0, wideVariable(s, 1), kBobCacheWords);
         return 0;
       case kOpLit:
         if (s.opcode(1) == kOpPush && !joinsAt(s.at[1])) return joined(2, kTPushLit, 0, s.operand(0));
@@ -257,7 +288,16 @@ class Translator {
     return found;
   }
 
+  // A binary opcode whose left operand is on the stack, and the store of its result.
+  int joinStore(const Sequence& s) {
+    const int i = IndexOf(kArithmeticOpcodes, s.opcode(0));
+    if (i < 0 || !isStore(s, 1)) return 0;
+    put(BobThreadOpcode(kArithmetic[i] + kSetForms), variable(s, 1));
+    return 2;
+  }
+
   int join(const Sequence& s) {
+    if (const int taken = joinStore(s)) return taken;
     if (const int taken = joinStep(s)) return taken;
     if (const int taken = joinBinary(s, false)) return taken;
     if (const int taken = joinVariable(s)) return taken;
@@ -268,11 +308,11 @@ class Translator {
 
   void emitVariable(uint32_t at, const uint8_t* p) {
     const bool load = *p == kOpEref;
-    const uint32_t depth = p[1], index = p[2];
-    if (depth < 2 && paths.isOwnDepth(at, depth))
-      put(depth == 0 ? (load ? kTVar0 : kTSet0) : (load ? kTVar1 : kTSet1), 0, index);
+    int index;
+    if (paths.findOwn(at, &index) && index >= INT16_MIN)
+      put(load ? kTOwn : kTSetOwn, 0, uint32_t(index) & 0xFFFF);
     else
-      put(load ? kTVar : kTSet, depth, index);
+      put(load ? kTVar : kTSet, p[1], p[2]);
   }
 
   void emitSwitch(const uint8_t* p) {

@@ -31,7 +31,7 @@ enum BobFrameWord {
   kBlockFrameWords = 8,
 };
 
-constexpr int kBobMaxRuns = 400;  // nested runs of the machine, each on the native stack
+constexpr int kBobMaxRuns = 1500;  // nested runs of the machine, each on the native stack
 
 // For the collector: copies what the frame holds and gives the address behind it.
 uint32_t* bobScanFrame(BobInterp* interp, uint32_t* frame);
