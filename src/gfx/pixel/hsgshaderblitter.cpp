@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <vector>
 
 #include "gfx/foundation/hsdebug.h"
 #include "gfx/pixel/hsgattribute.h"
@@ -12,7 +13,7 @@ hsGShaderBlitter::hsGShaderBlitter(const hsGBitmap& device, const hsGAttribute& 
                                    int32_t maskType)
     : hsGDeviceBlitter(device), fColor(hsPremultiply(attr.Color())), fShader(shader), fMaskType(maskType) {
   if (shader) shader->Ref();
-  std::fill_n(fSpan, kSpan, fColor);
+  std::fill_n(fColors, kSpan, shader ? 0 : fColor);  // a shader may leave them as they are
   bool opaque = shader ? shader->IsOpaque() : hsColor32A(fColor) == 0xFF;
   if (maskType == kMask_3D) opaque = false;
   if (attr.XferMode()) {
@@ -34,10 +35,12 @@ void hsGShaderBlitter::ShadeSpan(hsGShader* shader, int32_t y, int32_t x, int32_
   shader->ShadeRow(y, x, count, fSpan);
 }
 
-void hsGShaderBlitter::BlitShaded(hsGShader* shader, int32_t y, int32_t x, int32_t width, const uint8_t* alpha) {
+void hsGShaderBlitter::BlitH(int32_t y, int32_t x, int32_t width) {
+  if (!hsAssert(width > 0, "bad count")) return;
+  const uint8_t* alpha = fAlpha;
   while (width > 0) {
     const int32_t chunk = std::min(width, kSpan);
-    if (shader) ShadeSpan(shader, y, x, chunk);
+    if (fShader) ShadeSpan(fShader, y, x, chunk);
     XferSpan(y, x, chunk, alpha);
     if (alpha) alpha += chunk;
     x += chunk;
@@ -45,16 +48,18 @@ void hsGShaderBlitter::BlitShaded(hsGShader* shader, int32_t y, int32_t x, int32
   }
 }
 
-void hsGShaderBlitter::BlitH(int32_t y, int32_t x, int32_t width) {
-  if (hsAssert(width > 0, "bad count")) BlitShaded(fShader, y, x, width, fAlpha);
-}
-
+// Spans of a lit mask go to the mode whole.
 void hsGShaderBlitter::BlitMask(const hsGMask& mask, const hsRegion* clip) {
   if (mask.fMaskType != kMask_3D) return hsGBlitter::BlitMask(mask, clip);
+  if (mask.fBounds.IsEmpty()) return;
   hsGEmbossShader emboss(mask, fShader, fColor);
-  hsWalkMaskSpans(mask.fBounds, clip,
-                  [&](int32_t y, int32_t x, int32_t width) { BlitShaded(&emboss, y, x, width, nullptr); });
-  if (!fShader) std::fill_n(fSpan, kSpan, fColor);
+  std::vector<hsGColor32> row(size_t(mask.fBounds.Width()));
+  fSpan = row.data();
+  hsWalkMaskSpans(mask.fBounds, clip, [&](int32_t y, int32_t x, int32_t width) {
+    ShadeSpan(&emboss, y, x, width);
+    XferSpan(y, x, width, nullptr);
+  });
+  fSpan = fColors;
 }
 
 void hsGShaderBlitter8::XferSpan(int32_t y, int32_t x, int32_t count, const uint8_t* alpha) {
@@ -68,13 +73,13 @@ void hsGShaderBlitter16::XferSpan(int32_t y, int32_t x, int32_t count, const uin
 hsGShaderBlitterA::hsGShaderBlitterA(const hsGBitmap& device, const hsGAttribute& attr, hsGShader* shader,
                                      int32_t maskType)
     : hsGShaderBlitter(device, attr, shader, maskType) {
-  std::memset(fAlphaSpan, int(hsColor32A(fColor)), sizeof fAlphaSpan);
+  std::memset(fColors, shader ? 0 : int(hsColor32A(fColor)), sizeof fColors);
 }
 
 void hsGShaderBlitterA::ShadeSpan(hsGShader* shader, int32_t y, int32_t x, int32_t count) {
-  shader->ShadeAlphaRow(y, x, count, fAlphaSpan);
+  shader->ShadeAlphaRow(y, x, count, AlphaSpan());
 }
 
 void hsGShaderBlitterA::XferSpan(int32_t y, int32_t x, int32_t count, const uint8_t* alpha) {
-  fXfer->XferA(count, fAlphaSpan, Pixels<uint8_t>(y, x), alpha);
+  fXfer->XferA(count, AlphaSpan(), Pixels<uint8_t>(y, x), alpha);
 }

@@ -20,11 +20,10 @@ class hsGShaderBlitter : public hsGDeviceBlitter {
   virtual void XferSpan(int32_t y, int32_t x, int32_t count, const uint8_t* alpha) = 0;
   virtual void ShadeSpan(hsGShader* shader, int32_t y, int32_t x, int32_t count);
 
-  void BlitShaded(hsGShader* shader, int32_t y, int32_t x, int32_t width, const uint8_t* alpha);
-
   hsGColor32 fColor;  // premultiplied
-  hsGColor32 fSpan[kSpan];
-  hsGShader* fShader;  // or nil
+  hsGColor32 fColors[kSpan];
+  hsGColor32* fSpan = fColors;  // the colours of the chunk at hand; bytes on a device of coverage
+  hsGShader* fShader;           // or nil
   hsGXferMode* fXfer = nullptr;
   int32_t fMaskType;
 };
@@ -54,5 +53,5 @@ class hsGShaderBlitterA : public hsGShaderBlitter {
   void ShadeSpan(hsGShader* shader, int32_t y, int32_t x, int32_t count) override;
 
  private:
-  uint8_t fAlphaSpan[kSpan];
+  uint8_t* AlphaSpan() { return reinterpret_cast<uint8_t*>(fSpan); }
 };
