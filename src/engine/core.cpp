@@ -68,6 +68,7 @@ void engineShutdown() {
   redrawReset();
   languagesReset();
   widgetTypesReset();
+  imageCacheFree();
   clutsFree();
   displayDestroy();
 }
