@@ -46,7 +46,7 @@ void MakeClasses(BobInterp* interp) {
   bobInitStringClass(interp);
   bobInitIntegerClass(interp);
   bobInitFloatClass(interp);
-  // Kinds without members. Symbol is in that list too, but the name stays with the class that has the members.
+  // Kinds without members.
   for (BobType type : {kBobCObject, kBobCMethod, kBobProperty, kBobCompiledCode, kBobEnvironment, kBobStackEnvironment,
                        kBobMovedEnvironment})
     bobMakeValueClass(interp, type, nullptr, nullptr);
