@@ -25,22 +25,30 @@ class StoreBlitter : public hsGBlitter {
   }
 
  private:
-  // Runs of nothing and of everything go four pixels at a time.
+  // Runs of nothing are passed over and runs of everything stored, eight pixels at a look.
   void Blend(uint16_t* row, int32_t width) const {
-    int32_t i = 0;
-    while (i < width) {
-      uint32_t four = 1;
-      if (i + 4 <= width) std::memcpy(&four, fAlpha + i, sizeof four);
-      if (four == 0) {
-        i += 4;
-      } else if (four == 0xFFFFFFFF) {
-        std::fill_n(row + i, 4, fColor);
-        i += 4;
-      } else {
-        row[i] = Mix(row[i], fAlpha[i] + 1u);
+    for (int32_t i = 0; i < width;) {
+      const uint8_t coverage = fAlpha[i];
+      if (coverage != 0 && coverage != 0xFF) {
+        row[i] = Mix(row[i], coverage + 1u);
         ++i;
+        continue;
       }
+      const int32_t end = RunEnd(i, width);
+      if (coverage == 0xFF) std::fill_n(row + i, end - i, fColor);
+      i = end;
     }
+  }
+  // Behind the bytes that equal the one at i.
+  int32_t RunEnd(int32_t i, int32_t width) const {
+    const uint8_t same = fAlpha[i];
+    const uint64_t eight = same * uint64_t{0x0101010101010101};
+    for (uint64_t bytes; i + 8 <= width; i += 8) {
+      std::memcpy(&bytes, fAlpha + i, sizeof bytes);
+      if (bytes != eight) break;
+    }
+    while (i < width && fAlpha[i] == same) ++i;
+    return i;
   }
   // scale 1 to 256; the three channels apart in one word.
   uint16_t Mix(uint32_t dst, uint32_t scale) const {

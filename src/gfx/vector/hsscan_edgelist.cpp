@@ -38,23 +38,29 @@ bool IsBeside(const Guard& guard, const hsPoint pts[]) {
   return AllAtMost<count>(pts, &hsPoint::fX, guard.left) || AllAtLeast<count>(pts, &hsPoint::fX, guard.right);
 }
 
-bool IsBefore(const hsEdge* a, const hsEdge* b) {
-  return a->fFirstY != b->fFirstY ? a->fFirstY < b->fFirstY : a->fX < b->fX;
-}
+// An edge and its place in the order, first row and X in one number.
+struct Entry {
+  explicit Entry(hsEdge* e)
+      : key(uint64_t(uint16_t(e->fFirstY ^ 0x8000)) << 32 | (uint32_t(e->fX) ^ 0x80000000)), edge(e) {}
+  Entry() = default;
 
-// Lets the edge at `root` sink to its place in heap[1] to heap[count].
-void SiftDown(hsEdge** heap, int32_t root, int32_t count) {
-  hsEdge* const edge = heap[root];
+  uint64_t key;
+  hsEdge* edge;
+};
+
+// Lets the entry at `root` sink to its place in heap[1] to heap[count].
+void SiftDown(Entry heap[], int32_t root, int32_t count) {
+  const Entry entry = heap[root];
   for (int32_t child; (child = 2 * root) <= count; root = child) {
-    if (child < count && IsBefore(heap[child], heap[child + 1])) ++child;
-    if (!IsBefore(edge, heap[child])) break;
+    if (child < count && heap[child].key < heap[child + 1].key) ++child;
+    if (entry.key >= heap[child].key) break;
     heap[root] = heap[child];
   }
-  heap[root] = edge;
+  heap[root] = entry;
 }
 
-void HeapSort(hsEdge* edges[], int32_t count) {
-  hsEdge** const heap = edges - 1;
+// Of heap[1] to heap[count].
+void HeapSort(Entry heap[], int32_t count) {
   for (int32_t root = count / 2; root > 0; --root) SiftDown(heap, root, count);
   for (int32_t last = count; last > 1;) {
     std::swap(heap[1], heap[last]);
@@ -124,14 +130,14 @@ void hsEdgeList::AddCubic(const hsPoint pts[4], const hsIntRect* clip) {
 
 hsEdge* hsEdgeList::Sort() {
   if (fCount < 1) return nullptr;
-  hsEdge* few[kInlineCount];
-  std::unique_ptr<hsEdge*[]> many(fCount > kInlineCount ? new hsEdge*[size_t(fCount)] : nullptr);
-  hsEdge** const order = many ? many.get() : few;
-  for (int32_t i = 0; i < fCount; ++i) order[i] = fEdges + i;
+  Entry few[kInlineCount + 1];
+  std::unique_ptr<Entry[]> many(fCount > kInlineCount ? new Entry[size_t(fCount) + 1] : nullptr);
+  Entry* const order = many ? many.get() : few;
+  for (int32_t i = 0; i < fCount; ++i) order[i + 1] = Entry(fEdges + i);
   HeapSort(order, fCount);
-  for (int32_t i = 1; i < fCount; ++i) order[i - 1]->fNext = order[i];
-  order[fCount - 1]->fNext = nullptr;
-  return order[0];
+  for (int32_t i = 1; i < fCount; ++i) order[i].edge->fNext = order[i + 1].edge;
+  order[fCount].edge->fNext = nullptr;
+  return order[1].edge;
 }
 
 void hsEdgeList::GetRows(int32_t* top, int32_t* bottom) const {

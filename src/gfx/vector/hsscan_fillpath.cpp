@@ -6,7 +6,6 @@
 #include "gfx/vector/hsscan_fillpath.h"
 
 #include <algorithm>
-#include <type_traits>
 
 #include "gfx/foundation/hsdebug.h"
 #include "gfx/vector/hspath.h"
@@ -17,87 +16,71 @@ namespace {
 
 constexpr const char kFailed[] = "HSScan assert failed";
 constexpr int32_t kLeftmost = -32767;
+constexpr hsFixed kBelowAll = INT32_MIN;  // of the list's head, so that no edge needs a case for being the first
 
-// The edges up to row lastY.
-bool IsOrdered(const hsEdge* edge, int32_t lastY) {
-  if (!edge) return true;
-  for (const hsEdge* next; (next = edge->fNext) && next->fFirstY <= lastY; edge = next)
+// The edges before stop.
+bool IsOrdered(const hsEdge* edge, const hsEdge* stop) {
+  for (const hsEdge* next; (next = edge->fNext) != stop; edge = next)
     if (edge->fX > next->fX) return false;
   return true;
 }
 
-// Brings the run between head and stop into order. Equal edges stay as they were.
-void BubbleSort(hsEdge* head, const hsEdge* stop) {
-  bool again;
-  do {
-    again = false;
-    hsEdge* before = head;
-    hsEdge* edge = head->fNext;
-    if (edge == stop) return;
-    for (hsEdge* next; (next = edge->fNext) != stop;) {
-      if (edge->fX <= next->fX) {
-        before = edge;
-        edge = next;
-        continue;
-      }
-      edge->fNext = next->fNext;
-      next->fNext = edge;
-      before->fNext = next;
-      again = again || before->fX > next->fX;
-      before = next;
+// Brings the run behind head, up to stop, into order and gives its last edge. It is in order up to `sorted`. Equal
+// edges stay as they were.
+hsEdge* SortActive(hsEdge* head, hsEdge* sorted, const hsEdge* stop) {
+  for (hsEdge* edge; (edge = sorted->fNext) != stop;) {
+    if (sorted->fX <= edge->fX) {
+      sorted = edge;
+      continue;
     }
-  } while (again);
+    sorted->fNext = edge->fNext;
+    hsEdge* before = head;
+    while (before->fNext->fX <= edge->fX) before = before->fNext;
+    edge->fNext = before->fNext;
+    before->fNext = edge;
+  }
+  return sorted;
 }
 
-// Merges the edges from `fresh` on that start on row y into the run behind head, which ends where they begin. A
+// Takes the edges from `fresh` on that start on row y into the run from behind head to last; both are in order. A
 // starting edge goes before one at the same X.
-void Merge(hsEdge* head, hsEdge* fresh, int32_t y) {
-  hsEdge* const stop = fresh;
-  hsEdge** link = &head->fNext;
-  hsEdge* edge = head->fNext;
-  while (edge != stop && fresh && fresh->fFirstY <= y) {
-    hsEdge*& first = edge->fX < fresh->fX ? edge : fresh;
-    *link = first;
-    link = &first->fNext;
-    first = first->fNext;
+void Merge(hsEdge* head, hsEdge* last, hsEdge* fresh, int32_t y) {
+  hsEdge* before = head;
+  while (fresh && fresh->fFirstY <= y) {
+    while (before != last && before->fNext->fX < fresh->fX) before = before->fNext;
+    if (before == last) break;  // the others follow as they stand
+    hsAssert(before->fX <= fresh->fX, "insertion sort is failing");
+    hsEdge* const next = fresh->fNext;
+    fresh->fNext = before->fNext;
+    before = before->fNext = fresh;
+    fresh = next;
   }
-  if (edge != stop) {
-    *link = edge;
-    while (edge->fNext != stop) edge = edge->fNext;
-    link = &edge->fNext;
-  }
-  *link = fresh;
+  last->fNext = fresh;
 }
 
-// Readies the list for row y: head to stop are the active edges, stop the first that hasn't started. Gives whether
-// there was anything to do.
-bool Resort(bool needSort, hsEdge* head, hsEdge* stop, int32_t y) {
-  const bool starting = stop && stop->fFirstY <= y;
-  if (needSort) {
-    BubbleSort(head, stop);
-    hsAssert(IsOrdered(head->fNext, stop ? stop->fFirstY - 1 : INT32_MAX), "bubble sort failed");
+// Readies the list for row y. The active edges run from behind head to last; stop, behind them, is the first that
+// hasn't started. sorted is nil when the active edges are in order; otherwise the last before one that has been
+// overtaken. What the walk has seen in order and doesn't change here isn't looked at again.
+void Resort(hsEdge* sorted, hsEdge* head, hsEdge* last, hsEdge* stop, int32_t y) {
+  if (sorted) {
+    last = SortActive(head, sorted, stop);
+    hsAssert(IsOrdered(head->fNext, stop), "bubble sort failed");
   }
-  if (starting) {
-    Merge(head, stop, y);
-    hsAssert(IsOrdered(head->fNext, y), "insertion sort failed");
-  }
-  return needSort || starting;
+  if (stop && stop->fFirstY <= y) Merge(head, last, stop, y);
 }
 
 template <typename Clip>
 void Walk(hsEdge* first, int32_t top, int32_t bottom, int32_t mask, const Clip& clip) {
-  constexpr bool checksOrder = std::is_same_v<Clip, hsSpansInRect>;
   hsEdge head;
   head.fNext = first;
-  head.fX = kNegInfinity32;  // so that no edge needs a case for being the first
-  if (checksOrder) hsAssert(IsOrdered(first, top), "unordered edges going in");
+  head.fX = kBelowAll;
   for (int32_t y = top; y < bottom; ++y) {
     hsEdge* prev = &head;
     hsEdge* curr = head.fNext;
     if (!hsAssert(curr, kFailed)) return;
     int32_t left = kLeftmost, winding = 0;
-    hsFixed lastX = kNegInfinity32;
-    bool needSort = false;
+    hsFixed lastX = kBelowAll;
+    hsEdge* sorted = nullptr;
     while (curr && curr->fFirstY <= y) {
       if (!hsAssert(curr->fCount >= 1, kFailed)) curr->fCount = 1;
       const int32_t x = curr->fX >> 16;
@@ -116,14 +99,13 @@ void Walk(hsEdge* first, int32_t top, int32_t bottom, int32_t mask, const Clip& 
       if (--curr->fCount == 0 && !curr->Advance(clip.Bounds())) {
         prev->fNext = next;
       } else {
-        needSort = needSort || curr->fX < lastX;
+        if (curr->fX < lastX && !sorted) sorted = prev;
         lastX = curr->fX;
         prev = curr;
       }
       curr = next;
     }
-    const bool changed = Resort(needSort, &head, curr, y + 1);
-    if (checksOrder && changed) hsAssert(IsOrdered(head.fNext, y + 1), "unordered edges coming out");
+    Resort(sorted, &head, prev, curr, y + 1);
   }
 }
 

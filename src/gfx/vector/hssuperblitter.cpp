@@ -1,6 +1,7 @@
 #include "gfx/vector/hssuperblitter.h"
 
-#include <cstring>
+#include <algorithm>
+#include <bit>
 
 #include "gfx/foundation/hsdebug.h"
 #include "gfx/vector/hsregion.h"
@@ -9,29 +10,36 @@ namespace {
 
 constexpr int32_t kSamples = 1 << hsSuperBlitter::kShift;  // to a pixel, either way
 constexpr int32_t kSampleValue = 16;
-constexpr uint64_t kEachByte = 0x0101010101010101;
+constexpr int32_t kWordPixels = 8;
+constexpr int32_t kWideWords = 4;  // from which on a run is worth holding back
+constexpr uint64_t kEachByte = 0x0101010101010101, kTopBits = kEachByte << 7;
 
-// count bytes of 0xFF in memory order, the rest 0; count 0 to 8.
-uint64_t MaskOfFirst(int32_t count) {
-  static constexpr uint8_t kBytes[16] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
-  uint64_t mask;
-  std::memcpy(&mask, kBytes + 8 - count, sizeof mask);
-  return mask;
+// Words hold pixels in memory order, whichever end the processor begins at.
+constexpr int PlaceOf(int32_t pixel) {
+  const int byte = pixel & (kWordPixels - 1);
+  return 8 * (std::endian::native == std::endian::little ? byte : kWordPixels - 1 - byte);
 }
-
-// Adds byte by byte; gives the bits that tell whether one overflowed. No byte of `by` is above 0x7F.
-uint64_t AddBytes(uint8_t* at, uint64_t by) {
-  uint64_t before;
-  std::memcpy(&before, at, sizeof before);
-  const uint64_t after = before + by;
-  std::memcpy(at, &after, sizeof after);
-  return before & ~after & (kEachByte << 7);
+constexpr uint64_t At(int32_t pixel, int32_t value) { return uint64_t(value) << PlaceOf(pixel); }
+// The bytes of pixel's word to its left.
+constexpr uint64_t LeftOf(int32_t pixel) {
+  const uint64_t low = (uint64_t{1} << PlaceOf(pixel)) - 1;
+  return std::endian::native == std::endian::little ? low : ~low & ~At(pixel, 255);
 }
+constexpr uint64_t RightOf(int32_t pixel) { return ~LeftOf(pixel) & ~At(pixel, 255); }
 
-// By the byte's place in its word of four, the first one highest.
-void ReportOverflow(int32_t pixel) {
+// A byte that overflows is reported by its place in its four, the first one highest.
+void ReportOverflow(uint64_t carries) {
   static constexpr const char* kMessages[] = {"bad 24", "bad 16", "bad 8", "bad 0"};
+  int32_t pixel = 0;
+  while (!(carries & At(pixel, 0x80))) ++pixel;
   hsAssert(false, kMessages[pixel & 3]);
+}
+
+// Adds byte by byte; gives the top bits of those that overflowed.
+inline uint64_t AddBytes(uint64_t* word, uint64_t by) {
+  const uint64_t before = *word, after = before + by;
+  *word = after;
+  return ((before & by) | ((before | by) & ~after)) & kTopBits;
 }
 
 }  // namespace
@@ -40,17 +48,15 @@ hsSuperBlitter::hsSuperBlitter(const hsIntRect& bounds, const hsRegion* clip, hs
     : fBounds(bounds),
       fClip(clip),
       fRealBlitter(realBlitter),
-      fWordCount((bounds.Width() + 3) / 4),
+      fWordCount((bounds.Width() + kWordPixels - 1) / kWordPixels),
       fSuperLeft(bounds.fLeft * kSamples),
       fSuperTop(bounds.fTop * kSamples) {
-  uint32_t* words = fInline;
-  if (fWordCount > kInlineWords) {
-    fMore.reset(new uint32_t[size_t(fWordCount + kSpareWords)]);
-    words = fMore.get();
+  if (fWordCount >= kInlineWords) {
+    fMore.reset(new uint64_t[size_t(fWordCount) + 1]);
+    fCoverage = fMore.get();
   }
-  std::memset(words, 0, size_t(fWordCount + kSpareWords) * sizeof *words);
-  fCoverage = reinterpret_cast<uint8_t*>(words);
-  if (!fClip) fRealBlitter->fAlpha = fCoverage;
+  std::fill_n(fCoverage, fWordCount + 1, 0);
+  if (!fClip) fRealBlitter->fAlpha = Bytes();
 }
 
 hsSuperBlitter::~hsSuperBlitter() noexcept(false) {
@@ -75,45 +81,66 @@ void hsSuperBlitter::BlitH(int32_t y, int32_t x, int32_t width) {
 void hsSuperBlitter::AddSpan(int32_t subRow, int32_t x, int32_t width) {
   const int32_t less = subRow == 0 ? 1 : 0;
   const int32_t stop = x + width, first = x >> kShift, last = stop >> kShift;
-  if (first == last) return Add(first, width * kSampleValue - less);
-  Add(first, (kSamples - (x & (kSamples - 1))) * kSampleValue - less);
-  AddFull(first + 1, last - first - 1, uint8_t(kSamples * kSampleValue - less));
-  // A stop at the row's right edge falls on the spare word, with nothing to add.
-  Add(last, (stop & (kSamples - 1)) * kSampleValue);
+  const int32_t word = first / kWordPixels;
+  if (first == last) return Add(word, At(first, width * kSampleValue - less));
+  // A stop at the row's right edge can fall on the spare word, with nothing to add.
+  const int32_t lastWord = last / kWordPixels;
+  const uint64_t full = uint64_t(kSamples * kSampleValue - less) * kEachByte;
+  const uint64_t begin = At(first, (kSamples - (x & (kSamples - 1))) * kSampleValue - less) | (full & RightOf(first));
+  const uint64_t end = (full & LeftOf(last)) | At(last, (stop & (kSamples - 1)) * kSampleValue);
+  if (word == lastWord) return Add(word, (begin & LeftOf(last)) | (end & At(last, 255)));
+  Add(word, begin);
+  AddRun({word + 1, lastWord}, full);
+  Add(lastWord, end);
 }
 
-void hsSuperBlitter::Add(int32_t pixel, int32_t value) {
-  const int32_t sum = fCoverage[pixel] + value;
-  if (sum > 255) [[unlikely]]
-    ReportOverflow(pixel);
-  fCoverage[pixel] = uint8_t(sum);
+void hsSuperBlitter::Add(int32_t word, uint64_t by) {
+  const uint64_t carries = AddBytes(fCoverage + word, by);
+  if (carries) [[unlikely]]
+    ReportOverflow(carries);
 }
 
-// The pixels that a span fills from side to side, eight at a time; the last time may take in pixels behind, adding 0.
-void hsSuperBlitter::AddFull(int32_t pixel, int32_t count, uint8_t full) {
-  if (count <= 0) return;
-  uint8_t* at = fCoverage + pixel;
-  uint64_t overflow = 0;
-  const uint64_t all = full * kEachByte;
-  for (; count >= 8; count -= 8, at += 8) overflow |= AddBytes(at, all);
-  overflow |= AddBytes(at, all & MaskOfFirst(count));
-  if (overflow) [[unlikely]]
-    ReportOverflow(pixel);
+// The inside of a shape is filled on all four sample rows. So a wide run waits, and what the rows have in common is
+// added once, when the pixel row is complete.
+void hsSuperBlitter::AddRun(Run run, uint64_t by) {
+  const Run common{std::max(run.begin, fHeld.begin), std::min(run.end, fHeld.end)};
+  if (common.end - common.begin < kWideWords) {
+    if (fHeldBy != 0 || run.end - run.begin < kWideWords) return AddWords(run, by);
+    fHeld = run;
+    fHeldBy = by;
+    return;
+  }
+  AddWords({fHeld.begin, common.begin}, fHeldBy);
+  AddWords({common.end, fHeld.end}, fHeldBy);
+  AddWords({run.begin, common.begin}, by);
+  AddWords({common.end, run.end}, by);
+  fHeld = common;
+  fHeldBy += by;
+}
+
+void hsSuperBlitter::AddWords(Run run, uint64_t by) {
+  uint64_t carries = 0;
+  for (int32_t word = run.begin; word < run.end; ++word) carries |= AddBytes(fCoverage + word, by);
+  if (carries) [[unlikely]]
+    ReportOverflow(carries);
 }
 
 void hsSuperBlitter::Flush(bool clear) {
+  AddWords(fHeld, fHeldBy);
+  fHeld = {0, 0};
+  fHeldBy = 0;
   const int32_t left = fBounds.fLeft, right = fBounds.fRight;
   if (!fClip) {
     fRealBlitter->BlitH(fCurrY, left, right - left);
   } else if (hsAssert(left < right, "HSScan assert failed")) {
     int32_t l = left, r = right;
     while (fClip->ClipSpan(fCurrY, &l, &r)) {
-      fRealBlitter->fAlpha = fCoverage + (l - left);
+      fRealBlitter->fAlpha = Bytes() + (l - left);
       fRealBlitter->BlitH(fCurrY, l, r - l);
       if (r + 1 >= right) break;  // the pixel behind a piece is never in the region
       l = r + 1;
       r = right;
     }
   }
-  if (clear) std::memset(fCoverage, 0, size_t(fWordCount) * 4);
+  if (clear) std::fill_n(fCoverage, fWordCount, 0);
 }

@@ -25,22 +25,29 @@ class hsSuperBlitter : public hsGBlitter {
 
  private:
   static constexpr int32_t kNoRow = 0x7FFFFFFF;
-  static constexpr int32_t kInlineWords = 256;  // a row of 1024 pixels
-  static constexpr int32_t kSpareWords = 3;     // behind the row: a span's end at its edge, and whole double words
+  static constexpr int32_t kInlineWords = 129;  // a row of 1024 pixels
 
+  struct Run {
+    int32_t begin, end;  // words of the row
+  };
+
+  const uint8_t* Bytes() const { return reinterpret_cast<const uint8_t*>(fCoverage); }
   void AddSpan(int32_t subRow, int32_t x, int32_t width);
-  void AddFull(int32_t pixel, int32_t count, uint8_t full);
-  void Add(int32_t pixel, int32_t value);
+  void Add(int32_t word, uint64_t by);
+  void AddRun(Run run, uint64_t by);
+  void AddWords(Run run, uint64_t by);
   void Flush(bool clear);
 
   const hsIntRect fBounds;
   const hsRegion* const fClip;
   hsGBlitter* const fRealBlitter;
-  const int32_t fWordCount;  // of coverage in a row, four pixels each
-  uint8_t* fCoverage;
+  const int32_t fWordCount;       // of coverage in a row, eight pixels each
+  uint64_t* fCoverage = fInline;  // the row, a byte a pixel, and a spare word
   bool fDirty = false;
   int32_t fCurrY = kNoRow;  // pixel row in progress
   const int32_t fSuperLeft, fSuperTop;
-  std::unique_ptr<uint32_t[]> fMore;
-  uint32_t fInline[kInlineWords + kSpareWords];
+  Run fHeld{0, 0};       // words still to be added to
+  uint64_t fHeldBy = 0;  // and what to add to each
+  std::unique_ptr<uint64_t[]> fMore;
+  uint64_t fInline[kInlineWords];
 };

@@ -1,0 +1,172 @@
+// Coverage: the rule of its bytes, and the area that it stands for.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "gfx/halt.h"
+#include "gfx/vector/hsregion.h"
+#include "gfx/vector/hsscan.h"
+#include "gfx/vector/hssuperblitter.h"
+#include "gfx/vector/pathtext.h"
+#include "gfx/vector/scanmodel.h"
+
+namespace {
+
+// What each pixel was covered by; a pixel that comes twice fails.
+struct CoverageBlitter : hsGBlitter {
+  CoverageBlitter() { std::memset(covered, 0, sizeof covered); }
+  void BlitH(int32_t y, int32_t x, int32_t width) override {
+    ASSERT_TRUE(fAlpha);
+    for (int32_t i = 0; i < width; ++i) {
+      if (x + i < 0 || y < 0 || x + i >= kModelSize || y >= kModelSize) continue;
+      ASSERT_EQ(covered[y][x + i], 0);
+      covered[y][x + i] = fAlpha[i];
+    }
+  }
+  uint8_t covered[kModelSize][kModelSize];
+};
+
+std::vector<int> RowOf(const CoverageBlitter& blitter, int y, int count) {
+  return {blitter.covered[y], blitter.covered[y] + count};
+}
+
+std::vector<int> RowOf(const char* path, int y, int count) {
+  CoverageBlitter blitter;
+  const hsPath shape = PathOf(path);
+  HSScan::AntiFillPath(&shape, nullptr, &blitter);
+  EXPECT_FALSE(blitter.fAlpha) << "coverage left behind";
+  return RowOf(blitter, y, count);
+}
+
+TEST(AntiFillPath, BytesFollowFromTheSamples) {
+  using Bytes = std::vector<int>;
+  EXPECT_EQ(RowOf("M 0 0 L 3 0 L 3 1 L 0 1 Z", 0, 3), (Bytes{255, 255, 255}));
+  EXPECT_EQ(RowOf("M 0 0 L 1.5 0 L 1.5 1 L 0 1 Z", 0, 2), (Bytes{255, 128})) << "the last pixel gives up nothing";
+  EXPECT_EQ(RowOf("M 0.5 0 L 1.75 0 L 1.75 1 L 0.5 1 Z", 0, 2), (Bytes{127, 192}));
+  EXPECT_EQ(RowOf("M 0 0 L 0.5 0 L 0.5 1 L 0 1 Z", 0, 1), (Bytes{127}));
+  EXPECT_EQ(RowOf("M 0 0 L 1 0 L 1 0.25 L 0 0.25 Z", 0, 1), (Bytes{63})) << "the first sample row";
+  EXPECT_EQ(RowOf("M 0 0.25 L 1 0.25 L 1 0.5 L 0 0.5 Z", 0, 1), (Bytes{64})) << "any other";
+  EXPECT_EQ(RowOf("M 0.5 0 L 0.75 0 L 0.75 0.25 L 0.5 0.25 Z", 0, 1), (Bytes{15}));
+  EXPECT_EQ(RowOf("M 0.5 0.75 L 0.75 0.75 L 0.75 1 L 0.5 1 Z", 0, 1), (Bytes{16}));
+}
+
+// Random spans, four rows to the pixel, against the sum of the rule pixel by pixel. Rows are wide enough that whole
+// words of coverage are held back, and narrow enough that they aren't.
+TEST(SuperBlitter, SumsEachSpanByTheRule) {
+  Random random(21);
+  ThrowOnHalt halt;
+  for (int i = 0; i < 4000; ++i) {
+    const int left = int(random() % 5), right = left + 1 + int(random() % unsigned(kModelSize - 5));
+    int want[kModelSize] = {};
+    CoverageBlitter blitter;
+    {
+      hsSuperBlitter super({left, 2, right, 4}, nullptr, &blitter);
+      for (int subRow = 0; subRow < 4; ++subRow)
+        for (int x = 4 * left + int(random() % 20); x < 4 * right;) {
+          const int most = 4 * right - x, width = 1 + int(random() % unsigned(random() % 3 ? std::min(most, 9) : most));
+          for (int s = x; s < x + width; ++s) want[s / 4] += 16;
+          // One is taken off the pixel that a span of the first row begins in, and off those that it fills.
+          if (subRow == 0)
+            for (int pixel = x / 4; pixel <= (x + width - 1) / 4; ++pixel)
+              if (pixel == x / 4 || 4 * pixel + 4 <= x + width) --want[pixel];
+          super.BlitH(12 + subRow, x, width);
+          x += width + int(random() % 40);
+        }
+    }
+    for (int x = 0; x < kModelSize; ++x) ASSERT_EQ(blitter.covered[3][x], want[x]) << i << " at " << x;
+  }
+}
+
+TEST(SuperBlitter, ReportsWhatCannotBe) {
+  CoverageBlitter blitter;
+  hsSuperBlitter super({0, 0, 8, 2}, nullptr, &blitter);
+  EXPECT_EQ(AssertOf([&] { super.BlitH(8, 0, 4); }), "HSScan assert failed");
+  EXPECT_EQ(AssertOf([&] { super.BlitH(0, 30, 4); }), "HSScan assert failed");
+  EXPECT_EQ(AssertOf([&] {
+              for (int i = 0; i < 5; ++i) super.BlitH(1, 4, 4);
+            }),
+            "bad 16");
+}
+
+// The part of a convex polygon within a pixel, by cutting it at the pixel's four sides.
+double AreaInPixel(std::vector<Dot> polygon, int x, int y) {
+  for (int side = 0; side < 4; ++side) {
+    const auto depth = [&](const Dot& p) {
+      return side == 0 ? p.x - x : side == 1 ? x + 1 - p.x : side == 2 ? p.y - y : y + 1 - p.y;
+    };
+    std::vector<Dot> cut;
+    for (size_t i = 0; i < polygon.size(); ++i) {
+      const Dot &a = polygon[i], &b = polygon[(i + 1) % polygon.size()];
+      const double da = depth(a), db = depth(b);
+      if (da >= 0) cut.push_back(a);
+      if ((da >= 0) != (db >= 0))
+        cut.push_back({a.x + (b.x - a.x) * da / (da - db), a.y + (b.y - a.y) * da / (da - db)});
+    }
+    polygon = cut;
+  }
+  double area = 0;
+  for (size_t i = 0; i < polygon.size(); ++i) {
+    const Dot &a = polygon[i], &b = polygon[(i + 1) % polygon.size()];
+    area += (a.x * b.y - b.x * a.y) / 2;
+  }
+  return std::fabs(area);
+}
+
+// Triangles: each byte within what a grid of 4 by 4 can miss, inside 255, and all together the area.
+TEST(AntiFill, CoverageIsTheAreaWithinTheGrid) {
+  Random random(8);
+  ThrowOnHalt halt;
+  double sum = 0, area = 0;
+  for (int i = 0; i < 400; ++i) {
+    const hsPoint points[4] = {RandomPoint(random), RandomPoint(random), RandomPoint(random), points[2]};
+    std::vector<Dot> triangle;
+    for (int k = 0; k < 3; ++k) triangle.push_back({points[k].fX / 65536.0, points[k].fY / 65536.0});
+    hsPath path;
+    path.AddPoly(3, points, true);
+    CoverageBlitter ofPath, ofQuad;
+    HSScan::AntiFillPath(&path, nullptr, &ofPath);
+    HSScan::AntiFillQuad(points, nullptr, &ofQuad);
+    for (int y = 0; y < kModelSize; ++y)
+      for (int x = 0; x < kModelSize; ++x) {
+        const double inside = AreaInPixel(triangle, x, y), covered = ofPath.covered[y][x] / 255.0;
+        ASSERT_NEAR(covered, inside, 0.27) << i << " at " << x << "," << y;
+        ASSERT_NEAR(ofQuad.covered[y][x], ofPath.covered[y][x], 33) << i << " at " << x << "," << y;
+        if (inside > 0.999999) {
+          ASSERT_EQ(ofPath.covered[y][x], 255) << i << " at " << x << "," << y;
+        }
+        if (inside == 0) {
+          ASSERT_EQ(ofPath.covered[y][x], 0) << i << " at " << x << "," << y;
+        }
+        sum += covered;
+        area += inside;
+      }
+  }
+  EXPECT_NEAR(sum / area, 1, 0.005);
+}
+
+// A clip takes pixels away and changes none. Edges begin anew at its top, so a sample may fall the other way.
+TEST(AntiFill, ClipsTakeWholePixels) {
+  Random random(14);
+  ThrowOnHalt halt;
+  for (int i = 0; i < 400; ++i) {
+    const hsPath path = RandomPath(random, i % 2 == 0);
+    const PixelModel clip = RandomModel(random);
+    const hsRegion region = clip.Region();
+    CoverageBlitter whole, clipped;
+    HSScan::AntiFillPath(&path, nullptr, &whole);
+    HSScan::AntiFillPath(&path, &region, &clipped);
+    int differences = 0;
+    for (int y = 0; y < kModelSize; ++y)
+      for (int x = 0; x < kModelSize; ++x) {
+        const int want = clip.pixels[size_t(y)][size_t(x)] ? whole.covered[y][x] : 0;
+        if (want == 0 && !clip.pixels[size_t(y)][size_t(x)]) {
+          ASSERT_EQ(clipped.covered[y][x], 0) << i;
+        }
+        ASSERT_NEAR(clipped.covered[y][x], want, 17) << i << " at " << x << "," << y;
+        differences += clipped.covered[y][x] != want;
+      }
+    ASSERT_LE(differences, 12) << i;
+  }
+}
+
+}  // namespace
