@@ -226,8 +226,8 @@ TEST(BitmapBlitter, MappedSourcesOn16Bits) {
           over.Xfer16(1, &color, model.bitmap.Row<uint16_t>(y) + i, nullptr);
         }
       }
-    ASSERT_EQ(device, model) << turn;
     blitter->UnRef();
+    ASSERT_EQ(device, model) << turn;
   }
 }
 
@@ -270,8 +270,8 @@ TEST(BitmapBlitter, PaletteSourcesByIndexOrThroughAShader) {
       shaded->UnRef();
       shader->UnRef();
     }
-    ASSERT_EQ(device, model) << turn;
     blitter->UnRef();
+    ASSERT_EQ(device, model) << turn;
   }
 }
 

@@ -283,9 +283,9 @@ TEST(Blitter, ShadersGoThroughTheirModeInChunks) {
           colors.push_back(hasShader ? PlaceShader::At(i, y, opaque) : hsPremultiply(color));
         Xfer(mode, colors, x, y, covered ? mask.Row(y) + (x - rect.fLeft) : nullptr, &model);
       }
-    ASSERT_EQ(surface, model) << turn;
     blitter->UnRef();
     shader->UnRef();
+    ASSERT_EQ(surface, model) << turn;
   }
 }
 
@@ -320,9 +320,9 @@ TEST(Blitter, MasksOfThreePlanesAreLit) {
         const bool nothing = a2 == 0 || (hasShader && c.a == 0);
         Xfer(over, {nothing ? 0 : Join32({a2, channel(c.r), channel(c.g), channel(c.b)})}, x, y, nullptr, &model);
       }
-    ASSERT_EQ(surface, model) << turn;
     blitter->UnRef();
     shader->UnRef();
+    ASSERT_EQ(surface, model) << turn;
   }
 }
 

@@ -192,9 +192,9 @@ TEST(Sprite, EveryMemberFollowsItsRule) {
         }
       }
     }
+    sprite->UnRef();
     ASSERT_EQ(scene.device, model) << turn << ": " << int(pair.source) << " on " << int(pair.device) << " alpha "
                                    << alpha << " given " << given;
-    sprite->UnRef();
   }
 }
 
