@@ -26,6 +26,9 @@ class hsGSizedFlattenable : public hsFlattenable {
   // Adds what the object has to say to meta and, where that is worth writing, its values to writer. Either may be nil.
   virtual void Describe(hsMeta* meta, hsMeta* writer) const;
 
+  // The number of what rebuilds such objects from a buffer; 0 for none.
+  virtual uint32_t GetCreateProc() const { return 0; }
+
   int32_t StdSize() const { return fStdSize; }
   hsFixed Scale() const { return fScale; }
 

@@ -1,19 +1,24 @@
 // One row of 16-bit pixels of one value, stored in wide words.
 #pragma once
 
-#include <array>
-#include <cstdint>
-#include <cstring>
+#include "gfx/pixel/wide16.h"
 
 inline void hsFillRow16(uint16_t* row, int32_t count, uint16_t value) {
-  std::array<uint16_t, 16> wide;
-  wide.fill(value);
-  if (count < 16) {
+  if (count < kWide16) {
     for (; count > 0; --count) *row++ = value;
     return;
   }
-  // The last words may lie over the ones before them.
-  uint16_t* const last = row + count - 16;
-  for (; row < last; row += 16) std::memcpy(row, wide.data(), sizeof wide);
-  std::memcpy(last, wide.data(), sizeof wide);
+  const hsWide16 wide = hsWide16{} + value;
+  uint16_t* const last = row + count - kWide16;
+  hsStoreWide16(row, wide);
+  // From here on words are aligned; the last one may lie over the one before it.
+  row += kWide16 - (reinterpret_cast<uintptr_t>(row) / sizeof *row) % kWide16;
+  for (; last - row >= 3 * kWide16; row += 4 * kWide16) {
+    hsStoreWide16(row, wide);
+    hsStoreWide16(row + kWide16, wide);
+    hsStoreWide16(row + 2 * kWide16, wide);
+    hsStoreWide16(row + 3 * kWide16, wide);
+  }
+  for (; row < last; row += kWide16) hsStoreWide16(row, wide);
+  hsStoreWide16(last, wide);
 }

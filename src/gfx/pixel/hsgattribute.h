@@ -20,6 +20,7 @@ class hsGRasterizer;
 class hsGLayerFilter;
 class hsGScalerContext;
 class hsGShader;
+class hsGSizedFlattenable;
 class hsGTextContext;
 class hsGXferMode;
 class hsPath;
@@ -51,6 +52,13 @@ class hsGAttribute : public hsRefCnt {
 
   // Everything but the caches.
   void CopyFrom(const hsGAttribute& other);
+  // A copy for text of that size, its path effect, rasterizer and mask filter rebuilt for it where they can be; a size
+  // below 1 is the text size. The caller holds a reference.
+  hsGAttribute* MakeCopyForScale(int32_t size) const;
+
+  // The number of the effect's create procedure ("need create-proc") and the effect's own bytes, into buffer if that is
+  // given. Gives the bytes that it takes.
+  static int32_t FlattenEffect(const hsGSizedFlattenable& effect, void* buffer);
 
   uint32_t Flags() const { return fFlags; }
   void SetFlags(uint32_t flags);

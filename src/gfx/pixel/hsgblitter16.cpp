@@ -8,6 +8,7 @@
 #include "gfx/pixel/lcdmask.h"
 #include "gfx/pixel/lerp.h"
 #include "gfx/pixel/maskwalk.h"
+#include "gfx/pixel/wide16.h"
 
 namespace {
 
@@ -70,20 +71,21 @@ bool hsGColorBlitter16Opaque::Reuse(const hsGBitmap& bitmap, const hsGAttribute&
 hsGColorBlitter16::hsGColorBlitter16(const hsGBitmap& device, const hsGColor& color)
     : hsGDeviceBlitter(device), fColor(color) {}
 
-// Runs of equal pixels are blended once. Red is taken at five bits and doubled, so it loses its low bit here, though
-// not under bit masks.
+// Eight pixels at a time, each channel in 16 bits: a product is at most 63 * 256. Red is taken at five bits and
+// doubled, so it loses its low bit here, though not under bit masks.
 void hsGColorBlitter16::BlendSpan(uint16_t* pixels, int32_t width) const {
   const uint32_t scale = (fColor.fA >> 8) + 1u;
-  const uint32_t r5 = fColor.fR >> 11, g5 = fColor.fG >> 11, b5 = fColor.fB >> 11;
-  uint32_t seen = uint16_t(~pixels[0]);  // differs from the first pixel, so that it is blended
-  uint16_t blended = 0;
-  for (uint16_t* end = pixels + width; pixels != end; ++pixels) {
-    if (*pixels != seen) {
-      seen = *pixels;
-      blended = LerpPixel(r5 * 2, g5, b5, seen, scale);
-    }
-    *pixels = blended;
+  const uint32_t r6 = (fColor.fR >> 11) * 2u, g5 = fColor.fG >> 11, b5 = fColor.fB >> 11;
+  const auto lerp = [scale](uint32_t src, hsWide16 dst) {
+    using Signed = int16_t __attribute__((vector_size(16)));
+    const hsWide16 change = uint16_t(src * scale) - dst * uint16_t(scale);
+    return dst + hsWide16(Signed(change) >> 8);
+  };
+  for (; width >= kWide16; width -= kWide16, pixels += kWide16) {
+    const hsWide16 d = hsLoadWide16(pixels);
+    hsStoreWide16(pixels, lerp(r6, d >> 10) << 10 | lerp(g5, d >> 5 & 31) << 5 | lerp(b5, d & 31));
   }
+  for (; width > 0; --width, ++pixels) *pixels = LerpPixel(r6, g5, b5, *pixels, scale);
 }
 
 void hsGColorBlitter16::BlendCovered(uint16_t* pixels, int32_t width, const uint8_t* coverage) const {

@@ -10,8 +10,13 @@ class hsGBitmap;
 
 class hsGShader : public hsGSizedFlattenable {
  public:
-  using hsGSizedFlattenable::hsGSizedFlattenable;
   hsGShader() = default;
+  explicit hsGShader(int32_t stdSize) : hsGSizedFlattenable(stdSize) {}
+  // Both with the local matrix.
+  hsGShader(const void** cursor, int32_t currentSize);
+  explicit hsGShader(const hsMeta& meta);
+  int32_t Flatten(void* buffer) const override;
+  void Describe(hsMeta* meta, hsMeta* writer) const override;
 
   // Tells the device, paint and total matrix of the draws to come; before every one of them.
   virtual void SetContext(const hsGBitmap&, const hsGAttribute&, const hsMatrix&) {}
@@ -23,6 +28,7 @@ class hsGShader : public hsGSizedFlattenable {
   virtual void ShadeAlphaRow(int32_t y, int32_t x, int32_t count, uint8_t bytes[]);
   virtual void SetBitmap(const hsGBitmap*) {}
 
+  const hsMatrix& LocalMatrix() const { return fLocalMatrix; }
   void SetLocalMatrix(const hsMatrix* matrix) { fLocalMatrix = matrix ? *matrix : hsMatrix(); }
 
  protected:

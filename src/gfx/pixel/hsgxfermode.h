@@ -17,6 +17,9 @@ class hsMeta;
 
 class hsGXferMode : public hsRefCnt {
  public:
+  // The mode that a class of that name makes of its description; nil when there is none. The caller holds a reference.
+  static hsGXferMode* Create(const char* className, const hsMeta& meta);
+
   virtual void Describe(hsMeta*) const {}
   virtual void SetOpaque(bool) {}
 

@@ -1,0 +1,58 @@
+// Effects as bytes, and their rebuilding for another text size.
+#include <cstring>
+#include <vector>
+
+#include "gfx/foundation/hsdebug.h"
+#include "gfx/pixel/hsgattribute.h"
+#include "gfx/pixel/hsgcreateproc.h"
+#include "gfx/pixel/hsgmaskfilter.h"
+#include "gfx/pixel/hsgrasterizer.h"
+#include "gfx/vector/hsgpatheffect.h"
+
+namespace {
+
+constexpr int32_t kNumberBytes = 4;
+
+// The effect made anew for the size, or itself, with a reference, when it can't be or needn't.
+template <class Effect>
+Effect* Rebuilt(Effect* effect, int32_t size) {
+  if (!effect) return nullptr;
+  effect->Ref();
+  const hsGCreateProc create = hsGFindCreateProc(effect->GetCreateProc());
+  if (!create || effect->StdSize() == size) return effect;
+  std::vector<char> bytes(size_t(hsGAttribute::FlattenEffect(*effect, nullptr)));
+  hsGAttribute::FlattenEffect(*effect, bytes.data());
+  const void* cursor = bytes.data() + kNumberBytes;
+  auto* rebuilt = dynamic_cast<Effect*>(create(&cursor, size));
+  if (!rebuilt) return effect;
+  effect->UnRef();
+  return rebuilt;
+}
+
+}  // namespace
+
+int32_t hsGAttribute::FlattenEffect(const hsGSizedFlattenable& effect, void* buffer) {
+  const uint32_t number = effect.GetCreateProc();
+  (void)hsAssert(number != 0, "need create-proc");
+  const int32_t size = effect.Flatten(nullptr) + kNumberBytes;
+  if (!buffer) return size;
+  std::memcpy(buffer, &number, kNumberBytes);
+  const int32_t written = effect.Flatten(static_cast<char*>(buffer) + kNumberBytes) + kNumberBytes;
+  if (written != size) hsDebugMessage("flatten sizes differ", written - size);
+  return size;
+}
+
+hsGAttribute* hsGAttribute::MakeCopyForScale(int32_t size) const {
+  if (size < 1) size = fTextSize;
+  auto* copy = new hsGAttribute;
+  copy->CopyFrom(*this);
+  const auto replace = [&](auto* effect, auto set) {
+    auto* rebuilt = Rebuilt(effect, size);
+    (copy->*set)(rebuilt);
+    if (rebuilt) rebuilt->UnRef();
+  };
+  replace(fPathEffect, &hsGAttribute::SetPathEffect);
+  replace(fRasterizer, &hsGAttribute::SetRasterizer);
+  replace(fMaskFilter, &hsGAttribute::SetMaskFilter);
+  return copy;
+}

@@ -1,0 +1,238 @@
+// The paint: what it refuses, what it drops, what it copies, and its effects.
+#include <gtest/gtest.h>
+
+#include "gfx/halt.h"
+#include "gfx/pixel/hsgattribute.h"
+#include "gfx/pixel/hsgcreateproc.h"
+#include "gfx/pixel/hsgpatheffectapplier.h"
+#include "gfx/pixel/hsgshader.h"
+#include "gfx/pixel/pixelmodel.h"
+#include "gfx/vector/hsgblitter.h"
+#include "gfx/vector/hsgpatheffect.h"
+#include "gfx/vector/hsmeta.h"
+
+namespace {
+
+class PlainShader : public hsGShader {
+ public:
+  using hsGShader::hsGShader;
+  void SetContext(const hsGBitmap&, const hsGAttribute&, const hsMatrix&) override { ++contexts; }
+  void ShadeRow(int32_t, int32_t, int32_t count, hsGColor32 colors[]) override { std::fill_n(colors, count, 0); }
+  int contexts = 0;
+};
+
+// An effect that shifts its path by an amount that grows with the size it was made for.
+class ShiftEffect : public hsGPathEffect {
+ public:
+  ShiftEffect(int32_t stdSize, hsFixed shift, hsScalar width) : hsGPathEffect(stdSize), fShift(shift), fWidth(width) {}
+  ShiftEffect(const void** cursor, int32_t size) : hsGPathEffect(cursor, size), fWidth(0) {
+    std::memcpy(&fShift, *cursor, sizeof fShift);
+    fShift = hsFixMul(fShift, fScale);
+  }
+  static hsGSizedFlattenable* Create(const void** cursor, int32_t size) { return new ShiftEffect(cursor, size); }
+
+  uint32_t GetCreateProc() const override { return fStdSize ? hsGRegisterCreateProc(&Create) : 0; }
+  int32_t Flatten(void* buffer) const override {
+    const int32_t base = hsGPathEffect::Flatten(buffer);
+    if (buffer) std::memcpy(static_cast<char*>(buffer) + base, &fShift, sizeof fShift);
+    return base + 4;
+  }
+  bool FilterPath(const hsMatrix*, hsScalar* strokeWidth, const hsPath* src, hsPath* dst) const override {
+    seenWidth = *strokeWidth;
+    dst->Offset(fShift, 0, src);
+    *strokeWidth = fWidth;
+    return !src->IsEmpty();
+  }
+
+  hsFixed fShift;
+  hsScalar fWidth;
+  mutable hsScalar seenWidth = 0;
+};
+
+TEST(Attribute, RefusesValuesAndKeepsTheOldOnes) {
+  ReturnOnHalt halt;  // none of these may halt
+  hsGAttribute attr(0x80000001);
+  attr.SetFlags(0x10000);
+  attr.SetFlags(0x100);
+  EXPECT_EQ(attr.Flags(), 0x80000001u);
+  attr.SetFlags(0x800030FF & ~0x2000u);
+  EXPECT_EQ(attr.Flags(), 0x800010FFu);
+  attr.SetTextSize(0);
+  EXPECT_EQ(attr.TextSize(), 12 * kFixed1);
+  attr.SetCapType(3);
+  attr.SetCapType(uint32_t(-1));
+  EXPECT_EQ(attr.Cap(), 0);
+  attr.SetFrameSize(-1);
+  attr.SetMiterLimit(-1);
+  attr.SetMinWidth(-1);
+  attr.SetColor(nullptr);
+  EXPECT_EQ(attr.FrameSize(), 0);
+  EXPECT_EQ(attr.MiterLimit(), 4 * kFixed1);
+  EXPECT_EQ(attr.Color(), (hsGColor{0xFFFF, 0, 0, 0}));
+  hsGTextSpacing spacing;
+  spacing.fFlags = 2;
+  spacing.fAlignment = 3;
+  attr.SetTextSpacing(&spacing);
+  EXPECT_FALSE(attr.GetTextSpacing(nullptr));
+  spacing.fFlags = 1;
+  attr.SetTextSpacing(&spacing);
+  EXPECT_TRUE(attr.GetTextSpacing(nullptr));
+  hsGTextFace face, out;
+  face.fSkewX = 5;
+  attr.SetTextFace(&face);
+  face.fScaleX = 0;
+  attr.SetTextFace(&face);
+  ASSERT_TRUE(attr.GetTextFace(&out));
+  EXPECT_EQ(out.fScaleX, kFixed1);
+  face = {};
+  attr.SetTextFace(&face);  // says nothing: freed
+  EXPECT_FALSE(attr.GetTextFace(&out));
+  EXPECT_TRUE(ReturnOnHalt::Reports().empty());
+}
+
+TEST(Attribute, PacksCapAndJoin) {
+  hsGAttribute attr;
+  const uint32_t styles[][2] = {{0, 0}, {4, 4}, {8, 8}, {12, 4}, {1, 1}, {2, 2}, {3, 1}, {10, 10}, {0xF0, 0}};
+  for (const auto& [style, back] : styles) {
+    attr.SetCapJoin(style);
+    EXPECT_EQ(attr.GetCapJoinStyle(), back) << style;
+  }
+}
+
+TEST(Attribute, StrokeWidthReachesTheMinimumOnTheDevice) {
+  hsGAttribute attr;
+  attr.SetFrameSize(kFixed1);
+  hsMatrix matrix;
+  matrix.SetScale(kFixed1 / 4, kFixed1 / 2, 0, 0);
+  EXPECT_EQ(attr.GetStrokeWidth(&matrix), kFixed1);
+  attr.SetMinWidth(kFixed1);
+  EXPECT_EQ(attr.GetStrokeWidth(nullptr), kFixed1);
+  EXPECT_EQ(attr.GetStrokeWidth(&matrix), 4 * kFixed1);  // the smaller scale decides
+  matrix.SetScale(7, kFixed1, 0, 0);                     // too small to divide by
+  EXPECT_EQ(attr.GetStrokeWidth(&matrix), kFixed1);
+  matrix.SetScale(2 * kFixed1, kFixed1, 0, 0);
+  EXPECT_EQ(attr.GetStrokeWidth(&matrix), kFixed1);
+}
+
+TEST(Attribute, KeepsItsBlitterUntilAModeOrAShaderIsSet) {
+  Random random(1);
+  Surface surface(hsGBitmap::kConfig_RGB16, 4, 4, random);
+  hsGAttribute attr;
+  const auto get = [&] {
+    hsGBlitter* blitter = attr.GetBlitter(surface.bitmap, 0, hsMatrix());
+    blitter->UnRef();  // the paint holds it too
+    return blitter;
+  };
+  hsGBlitter* first = get();
+  first->Ref();
+  attr.SetColor(0xFF00, 1, 2, 3);
+  EXPECT_EQ(get(), first);
+  attr.SetMaskFilter(nullptr);
+  EXPECT_EQ(get(), first);
+  EXPECT_EQ(first->RefCount(), 2);
+  attr.SetShader(nullptr);
+  EXPECT_EQ(first->RefCount(), 1);
+  first->UnRef();
+
+  auto* shader = new PlainShader;
+  attr.SetShader(shader);
+  attr.SetShader(shader);
+  EXPECT_EQ(shader->RefCount(), 2);
+  first = get();
+  first->Ref();
+  EXPECT_NE(get(), first);  // shader blitters are never made over
+  EXPECT_EQ(shader->contexts, 2);
+  first->UnRef();
+  hsGAttribute copy;
+  copy.CopyFrom(attr);
+  attr.SetShader(nullptr);
+  EXPECT_EQ(copy.Shader(), shader);
+  EXPECT_EQ(shader->RefCount(), 2);
+  shader->UnRef();
+}
+
+TEST(Attribute, CopyForASizeRebuildsWhatCanBe) {
+  auto* effect = new ShiftEffect(10, 300, 0);
+  hsGAttribute attr;
+  attr.SetPathEffect(effect);
+  const auto shiftAt = [&](int32_t size) {
+    hsGAttribute* copy = attr.MakeCopyForScale(size);
+    const auto* made = static_cast<const ShiftEffect*>(copy->PathEffect());
+    const std::pair<bool, hsFixed> result(made == effect, made->fShift);
+    copy->UnRef();
+    return result;
+  };
+  EXPECT_EQ(shiftAt(25), std::pair(false, 750));
+  EXPECT_EQ(shiftAt(10), std::pair(true, 300));
+  attr.SetTextSize(20);
+  EXPECT_EQ(shiftAt(0), std::pair(false, 600));
+  EXPECT_EQ(hsGAttribute::FlattenEffect(*effect, nullptr), 12);
+  effect->UnRef();
+
+  effect = new ShiftEffect(0, 300, 0);  // has no create procedure
+  attr.SetPathEffect(effect);
+  EXPECT_EQ(shiftAt(25), std::pair(true, 300));
+  EXPECT_EQ(AssertOf([&] { hsGAttribute::FlattenEffect(*effect, nullptr); }), "need create-proc");
+  effect->UnRef();
+}
+
+TEST(Attribute, ApplierTurnsFillsAndStrokesIntoEachOtherForItsScope) {
+  hsPath path;
+  path.MoveTo(0, 0);
+  path.LineTo(100, 0);
+  for (bool frame : {false, true}) {
+    for (hsScalar width : {-1, 7}) {
+      auto* effect = new ShiftEffect(0, 5, width);
+      hsGAttribute attr(frame ? hsGAttribute::kFrame : 0u);
+      attr.SetFrameSize(kFixed1 * 3);
+      attr.SetPathEffect(effect);
+      {
+        hsGPathEffectApplier applier(nullptr, &attr);
+        EXPECT_EQ(attr.PathEffect(), nullptr);
+        EXPECT_FALSE(applier.Apply(hsPath()));
+        ASSERT_TRUE(applier.Apply(path));
+        EXPECT_EQ(effect->seenWidth, frame ? kFixed1 * 3 : -kFixed1);
+        hsPoint point;
+        applier.Path().GetFirstPoint(&point);
+        EXPECT_EQ(point.fX, 5);
+        EXPECT_EQ((attr.Flags() & hsGAttribute::kFrame) != 0, width >= 0);
+        EXPECT_EQ(attr.FrameSize(), width >= 0 ? width : kFixed1 * 3);
+      }
+      EXPECT_EQ(attr.PathEffect(), effect);
+      EXPECT_EQ(attr.FrameSize(), kFixed1 * 3);
+      EXPECT_EQ((attr.Flags() & hsGAttribute::kFrame) != 0, frame);
+      effect->UnRef();
+    }
+  }
+  hsGAttribute bare;
+  EXPECT_EQ(AssertOf([&] { hsGPathEffectApplier applier(nullptr, &bare); }), "nil effect");
+}
+
+TEST(Shader, LocalMatrixTravels) {
+  PlainShader shader(24);
+  hsMeta meta, writer;
+  shader.Describe(&meta, &writer);
+  EXPECT_EQ(meta.CountEntries(), 2);
+  EXPECT_EQ(writer.GetScalars("transform", nullptr), 0);  // the identity isn't worth writing
+  hsMatrix matrix;
+  matrix.SetSkew(1, 2, 3, 4);
+  matrix.PostTranslate(5, 6);
+  shader.SetLocalMatrix(&matrix);
+  hsMeta again;
+  shader.Describe(nullptr, &again);
+  EXPECT_EQ(PlainShader(again).LocalMatrix(), matrix);
+  EXPECT_EQ(PlainShader(again).StdSize(), 24);
+
+  char bytes[40];
+  ASSERT_EQ(shader.Flatten(nullptr), 40);
+  shader.Flatten(bytes);
+  const void* cursor = bytes;
+  const PlainShader back(&cursor, 12);
+  EXPECT_EQ(cursor, bytes + 40);
+  EXPECT_EQ(back.LocalMatrix(), matrix);
+  EXPECT_EQ(back.Scale(), kFixed1 / 2);
+  shader.SetLocalMatrix(nullptr);
+  EXPECT_EQ(shader.LocalMatrix(), hsMatrix());
+}
+
+}  // namespace
