@@ -12,16 +12,15 @@ inline void OrderPair(Crossing& a, Crossing& b) {
   a = low;
 }
 
-// Four crossings, which many lines have, are sorted without a branch.
-inline void SortLine(Crossing* c, int count) {
-  if (count == 4) {
-    OrderPair(c[0], c[1]);
-    OrderPair(c[2], c[3]);
-    OrderPair(c[0], c[2]);
-    OrderPair(c[1], c[3]);
-    OrderPair(c[1], c[2]);
-    return;
+// Insertion without a branch, for the few crossings that most lines have.
+template <int kCount>
+inline void SortFew(Crossing* c) {
+  for (int i = 1; i < kCount; ++i) {
+    for (int j = i; j > 0; --j) OrderPair(c[j - 1], c[j]);
   }
+}
+
+void SortMany(Crossing* c, int count) {
   for (int i = 1; i < count; ++i) {
     const Crossing moving = c[i];
     int j = i;
@@ -163,18 +162,20 @@ CrossingTable::CrossingTable(const GlyphClass& glyph, const CrossingBounds& box,
 // Sorts and strikes each line by itself, which is cheap. False if that isn't enough: a line is crowded, or an order
 // undecided.
 bool CrossingTable::SortLines() {
+  const bool exactSpans = exactSpans_;
   Crossing* line = entries_.get();
   const int32_t* const end = count_ + rows_ + columns_;
   for (int32_t* slot = count_; slot < end; ++slot, line += kLineRoom) {
     const int count = *slot;
     if (!count) continue;
-    if (count == 2 && ((line[0] ^ line[1]) & kRisingKinds)) {
-      OrderPair(line[0], line[1]);
-      continue;
-    }
     if (count > kLineRoom) return false;
-    SortLine(line, count);
-    if (exactSpans_ && IsUndecided(line, count)) return false;
+    switch (count) {
+      case 2: SortFew<2>(line); break;
+      case 4: SortFew<4>(line); break;
+      case 6: SortFew<6>(line); break;
+      default: SortMany(line, count); break;
+    }
+    if (exactSpans && count > 2 && IsUndecided(line, count)) return false;
     if (!RunsInPairs(line, count)) *slot = StrikeLine(mem_, line, count);
   }
   return true;

@@ -237,6 +237,10 @@ class OutlineWalker {
 
     int32_t across = a1 - a0;
     int32_t along = b1 - b0;
+    if (along == 0) {  // most of the long ones are stems
+      sink_.AddRun(kVertical, line, count, kind, [b0] { return b0; });
+      return;
+    }
     constexpr int32_t kLongSpan = 32768;
     while (across > kLongSpan) {
       across >>= 1;
