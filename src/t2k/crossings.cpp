@@ -2,7 +2,6 @@
 
 namespace {
 
-constexpr int kLineRoom = 16;  // crossings that a line has room for at first
 constexpr uint32_t kRisingKinds = kVerticalRising | kHorizontalRising;
 
 inline Crossing PlaceOf(Crossing c) { return c >> kKindBits; }
@@ -13,17 +12,15 @@ inline void OrderPair(Crossing& a, Crossing& b) {
   a = low;
 }
 
-// Most lines have two or four crossings; those are sorted without a branch.
-inline void SortLine(Crossing* c, int count) {
-  if (count == 2) return OrderPair(c[0], c[1]);
-  if (count == 4) {
-    OrderPair(c[0], c[1]);
-    OrderPair(c[2], c[3]);
-    OrderPair(c[0], c[2]);
-    OrderPair(c[1], c[3]);
-    OrderPair(c[1], c[2]);
-    return;
+// Insertion without a branch, for the few crossings that most lines have.
+template <int kCount>
+inline void SortFew(Crossing* c) {
+  for (int i = 1; i < kCount; ++i) {
+    for (int j = i; j > 0; --j) OrderPair(c[j - 1], c[j]);
   }
+}
+
+void SortMany(Crossing* c, int count) {
   for (int i = 1; i < count; ++i) {
     const Crossing moving = c[i];
     int j = i;
@@ -48,18 +45,12 @@ bool IsUndecided(const Crossing* c, int count) {
   return false;
 }
 
-// Whether the line is in order as it stands: crossings rise and fall in pairs from the first on, so that nothing
-// overlaps, and no span begins where the one ahead of it ends.
-inline bool IsPlain(const Crossing* c, int count) {
-  if (count == 2) return (c[0] ^ c[1]) & kRisingKinds;
+// Whether crossings rise and fall in pairs from the first on, so that nothing overlaps.
+inline bool RunsInPairs(const Crossing* c, int count) {
   if (count & 1) return false;
-  Crossing opposite = (c[0] ^ c[1]) & kRisingKinds;
-  bool touching = false;
-  for (int i = 2; i < count; i += 2) {
-    opposite &= c[i] ^ c[i + 1];
-    touching |= SamePlace(c[i - 1], c[i]);
-  }
-  return opposite && !touching;
+  Crossing opposite = kRisingKinds;
+  for (int i = 0; i < count; i += 2) opposite &= c[i] ^ c[i + 1];
+  return opposite != 0;
 }
 
 // A crossing below the slot of its line, in the order of the walk. The kind in the low bits takes no part in sorting.
@@ -96,80 +87,96 @@ int StrikeLine(tsiMemObject* mem, Crossing* line, int count) {
 
 }  // namespace
 
-// Deals crossings out to their lines as they come.
+// Deals crossings out to their lines as they come. A line without room counts on and writes over what it has.
 class CrossingTable::LineSink {
  public:
-  explicit LineSink(CrossingTable* table) : table_(table), entries_(table->entries_.get()), count_(table->count_) {}
+  explicit LineSink(CrossingTable* table)
+      : entries_(table->entries_.get()),
+        count_(table->count_),
+        lowRow_(table->lowRow_),
+        lowColumn_(table->lowColumn_ - table->rows_) {}
 
-  bool Begin(bool vertical, int32_t line, int) {
-    slot_ = table_->SlotOf(vertical, line);
-    return true;
-  }
-  // A line without room counts on and writes over its last place.
-  void Put(int32_t along, uint32_t kind) {
-    const int32_t count = count_[slot_]++;
-    entries_[slot_ * kLineRoom + std::min(count, kLineRoom - 1)] = MakeCrossing(along, kind);
-    ++slot_;
+  template <class Next>
+  void AddRun(bool vertical, int32_t line, int length, uint32_t kind, Next next) {
+    const int slot = (line >> 6) - (vertical ? lowColumn_ : lowRow_);
+    int32_t* count = count_ + slot;
+    Crossing* entry = entries_ + slot * kLineRoom;
+    for (; length > 0; --length) {
+      const int32_t used = (*count)++;
+      entry[used & (kLineRoom - 1)] = MakeCrossing(next(), kind);
+      ++count;
+      entry += kLineRoom;
+    }
   }
 
  private:
-  const CrossingTable* table_;
-  Crossing* entries_;
-  int32_t* count_;
-  int slot_ = 0;
+  Crossing* const entries_;
+  int32_t* const count_;
+  const int lowRow_, lowColumn_;  // the latter as if slots of columns began at 0
 };
 
+// Keeps crossings in the order of the walk.
 class CrossingTable::SequenceSink {
  public:
   explicit SequenceSink(CrossingTable* table) : table_(table) {}
 
-  bool Begin(bool vertical, int32_t line, int count) {
-    if (count > kMaxEdges - int(all.size())) table_->overflowed_ = true;
-    slot_ = table_->SlotOf(vertical, line);
-    return !table_->overflowed_;
+  template <class Next>
+  void AddRun(bool vertical, int32_t line, int length, uint32_t kind, Next next) {
+    if (length > kMaxEdges - int(all.size())) table_->overflowed_ = true;
+    if (table_->overflowed_) return;
+    const int slot = table_->SlotOf(vertical, line);
+    for (int i = 0; i < length; ++i) all.push_back(uint64_t(slot + i) << 32 | MakeCrossing(next(), kind));
   }
-  void Put(int32_t along, uint32_t kind) { all.push_back(uint64_t(slot_++) << 32 | MakeCrossing(along, kind)); }
 
   std::vector<SequencedCrossing> all;
 
  private:
   CrossingTable* table_;
-  int slot_ = 0;
 };
 
-CrossingTable::CrossingTable(const GlyphClass& glyph, const CrossingBounds& box, int oversample)
+CrossingTable::CrossingTable(const GlyphClass& glyph, const CrossingBounds& box, int oversample, bool exactSpans)
     : mem_(glyph.mem),
       glyph_(glyph),
       oversample_(oversample),
+      exactSpans_(exactSpans),
       rows_((box.ymax * oversample >> 6) - (box.ymin * oversample >> 6) + 1),
       columns_((box.xmax * oversample >> 6) - (box.xmin * oversample >> 6) + 1),
       lowRow_(box.ymin * oversample >> 6),
       lowColumn_(box.xmin * oversample >> 6),
       entries_(mem_, uint32_t(rows_ + columns_) * kLineRoom),
-      start_(mem_, uint32_t(rows_ + columns_) * 2),
-      count_(start_.get() + rows_ + columns_),
+      lines_(mem_, uint32_t(rows_ + columns_) * 2),
+      start_(lines_.get()),
+      count_(start_ + rows_ + columns_),
       bounds_{kCrossingLimit, kCrossingLimit, -kCrossingLimit, -kCrossingLimit} {
   const int slots = rows_ + columns_;
-  for (int slot = 0; slot < slots; ++slot) start_[size_t(slot)] = slot * kLineRoom;
+  for (int slot = 0; slot < slots; ++slot) start_[slot] = slot * kLineRoom;
   std::fill_n(count_, slots, 0);
   LineSink sink(this);
   OutlineWalker<LineSink>(glyph, oversample, sink).Walk();
   if (!SortLines()) SortInSequence();
-  if (!overflowed_) SetBounds();
+  if (overflowed_) return;
+  ExtendBounds(false);
+  ExtendBounds(true);
 }
 
 // Sorts and strikes each line by itself, which is cheap. False if that isn't enough: a line is crowded, or an order
 // undecided.
 bool CrossingTable::SortLines() {
-  for (int slot = 0; slot < rows_ + columns_; ++slot) {
-    const int count = count_[slot];
+  const bool exactSpans = exactSpans_;
+  Crossing* line = entries_.get();
+  const int32_t* const end = count_ + rows_ + columns_;
+  for (int32_t* slot = count_; slot < end; ++slot, line += kLineRoom) {
+    const int count = *slot;
     if (!count) continue;
     if (count > kLineRoom) return false;
-    Crossing* line = LineAt(slot);
-    SortLine(line, count);
-    if (IsPlain(line, count)) continue;
-    if (IsUndecided(line, count)) return false;
-    count_[slot] = StrikeLine(mem_, line, count);
+    switch (count) {
+      case 2: SortFew<2>(line); break;
+      case 4: SortFew<4>(line); break;
+      case 6: SortFew<6>(line); break;
+      default: SortMany(line, count); break;
+    }
+    if (exactSpans && count > 2 && IsUndecided(line, count)) return false;
+    if (!RunsInPairs(line, count)) *slot = StrikeLine(mem_, line, count);
   }
   return true;
 }
@@ -180,25 +187,38 @@ void CrossingTable::SortInSequence() {
   if (overflowed_) return;
   ShellSort(sink.all.data(), int(sink.all.size()));
   const int slots = rows_ + columns_;
-  entries_.Resize(uint32_t(sink.all.size()));
+  entries_.Renew(uint32_t(sink.all.size()));
+  Crossing* entries = entries_.get();
   std::fill_n(count_, slots, 0);
   for (size_t i = 0; i < sink.all.size(); ++i) {
-    const auto slot = size_t(sink.all[i] >> 32);
+    const auto slot = int(sink.all[i] >> 32);
     if (!count_[slot]++) start_[slot] = int32_t(i);
-    entries_[i] = Crossing(sink.all[i]);
+    entries[i] = Crossing(sink.all[i]);
   }
-  for (int slot = 0; slot < slots; ++slot) count_[slot] = StrikeLine(mem_, LineAt(slot), count_[slot]);
+  for (int slot = 0; slot < slots; ++slot) count_[slot] = StrikeLine(mem_, entries + start_[slot], count_[slot]);
 }
 
-void CrossingTable::SetBounds() {
-  auto& [xmin, ymin, xmax, ymax] = bounds_;
-  const auto extend = [](const LineSpans& spans, int32_t& lineMin, int32_t& lineMax, int32_t& min, int32_t& max) {
-    if (!spans.count) return;
-    lineMin = std::min(lineMin, spans.line);
-    lineMax = std::max(lineMax, spans.line);
-    min = std::min(min, AlongOf(spans.begin[0]));
-    max = std::max(max, AlongOf(spans.begin[spans.count - 1]));
+// By the first and the last line of a direction, and the outermost crossings of all of them.
+void CrossingTable::ExtendBounds(bool vertical) {
+  const int begin = vertical ? rows_ : 0, end = vertical ? rows_ + columns_ : rows_;
+  int first = -1, last = -1;
+  Crossing lowest = ~Crossing{0}, highest = 0;
+  for (int slot = begin; slot < end; ++slot) {
+    if (!count_[slot]) continue;
+    if (first < 0) first = slot;
+    last = slot;
+    const Crossing* line = LineAt(slot);
+    lowest = std::min(lowest, line[0]);
+    highest = std::max(highest, line[count_[slot] - 1]);
+  }
+  if (first < 0) return;
+  const int32_t lowestLine = ((vertical ? lowColumn_ : lowRow_) + first - begin) * 64 + 32;
+  const int32_t highestLine = lowestLine + (last - first) * 64;
+  CrossingBounds& b = bounds_;
+  const auto extend = [](int32_t& min, int32_t& max, int32_t low, int32_t high) {
+    min = std::min(min, low);
+    max = std::max(max, high);
   };
-  for (int i = 0; i < rows_; ++i) extend(Row(i), ymin, ymax, xmin, xmax);
-  for (int i = 0; i < columns_; ++i) extend(Column(i), xmin, xmax, ymin, ymax);
+  extend(vertical ? b.xmin : b.ymin, vertical ? b.xmax : b.ymax, lowestLine, highestLine);
+  extend(vertical ? b.ymin : b.xmin, vertical ? b.ymax : b.xmax, AlongOf(lowest), AlongOf(highest));
 }

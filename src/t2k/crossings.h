@@ -34,8 +34,10 @@ struct LineSpans {
 class CrossingTable {
  public:
   // Takes in all contours of a scaled glyph whose points lie in box, everything multiplied by oversample; puts every
-  // line in order and strikes out what lies inside overlapping contours.
-  CrossingTable(const GlyphClass& glyph, const CrossingBounds& box, int oversample);
+  // line in order and strikes out what lies inside overlapping contours. With exactSpans the spans are those of the
+  // engine's own order of crossings that share a place; without, two spans that touch may be one or the other way
+  // about, which sums of coverage don't show.
+  CrossingTable(const GlyphClass& glyph, const CrossingBounds& box, int oversample, bool exactSpans);
 
   // The shape has more crossings than the table takes; it is of no further use.
   bool Overflowed() const { return overflowed_; }
@@ -53,19 +55,24 @@ class CrossingTable {
   class LineSink;
   class SequenceSink;
 
+  static constexpr int kLineRoom = 16;      // crossings that a line has room for at first
+  static constexpr int kInlineLines = 256;  // enough for most glyphs
+
   // Lines have slots: rows from the lowest up, then columns from the left.
   int SlotOf(bool vertical, int32_t line) const { return (line >> 6) - (vertical ? lowColumn_ - rows_ : lowRow_); }
-  Crossing* LineAt(int slot) const { return entries_.get() + start_[size_t(slot)]; }
+  const Crossing* LineAt(int slot) const { return entries_.get() + start_[slot]; }
   bool SortLines();
   void SortInSequence();
-  void SetBounds();
+  void ExtendBounds(bool vertical);
 
   tsiMemObject* mem_;
   const GlyphClass& glyph_;
   const int oversample_;
+  const bool exactSpans_;
   const int rows_, columns_, lowRow_, lowColumn_;
-  tsiBlock<Crossing> entries_;
-  tsiBlock<int32_t> start_;  // of each line in entries_, then the counts
+  tsiBuffer<Crossing, kInlineLines * kLineRoom> entries_;
+  tsiBuffer<int32_t, kInlineLines * 2> lines_;
+  int32_t* const start_;  // of each line in entries_
   int32_t* const count_;
   bool overflowed_ = false;
   CrossingBounds bounds_;

@@ -56,27 +56,50 @@ void ReadInstructions(InputStream& in, GlyphClass* glyph, bool readHints) {
   ReadBytes(in, glyph->hintFragment, length);
 }
 
-void ReadFlags(InputStream& in, uint8_t* flags, int count) {
+// The bytes that are left of a stream in memory, for loops that read many.
+class ByteCursor {
+ public:
+  explicit ByteCursor(InputStream& in) : in_(in), at_(in.privateBase + in.pos), end_(in.privateBase + in.maxPos) {}
+  ~ByteCursor() { in_.pos = uint32_t(at_ - in_.privateBase); }
+  ByteCursor(const ByteCursor&) = delete;
+  ByteCursor& operator=(const ByteCursor&) = delete;
+
+  uint8_t Byte() {
+    tsi_Assert(in_.mem, at_ < end_);
+    return *at_++;
+  }
+  int16_t Word() {
+    tsi_Assert(in_.mem, end_ - at_ >= 2);
+    at_ += 2;
+    return int16_t(at_[-2] << 8 | at_[-1]);
+  }
+
+ private:
+  InputStream& in_;
+  const uint8_t* at_;
+  const uint8_t* end_;
+};
+
+void ReadFlags(ByteCursor& in, uint8_t* flags, int count) {
   for (int i = 0; i < count;) {
-    const uint8_t flag = ReadUInt8(in);
-    int copies = 1;
-    if (flag & kRepeat) copies += ReadUInt8(in);
-    copies = std::min(copies, count - i);  // a repeat count may claim more points than there are
-    std::memset(flags + i, flag, size_t(copies));
-    i += copies;
+    const uint8_t flag = in.Byte();
+    flags[i++] = flag;
+    if (!(flag & kRepeat)) continue;
+    // A repeat count may claim more points than there are.
+    for (int copies = std::min<int>(in.Byte(), count - i); copies > 0; --copies) flags[i++] = flag;
   }
 }
 
-void ReadCoordinates(InputStream& in, const uint8_t* flags, int count, uint8_t isShort, uint8_t sameOrPositive,
+void ReadCoordinates(ByteCursor& in, const uint8_t* flags, int count, uint8_t isShort, uint8_t sameOrPositive,
                      int16_t* out) {
   int32_t value = 0;
   for (int i = 0; i < count; ++i) {
     const uint8_t flag = flags[i];
     if (flag & isShort) {
-      const int32_t delta = ReadUInt8(in);
+      const int32_t delta = in.Byte();
       value += flag & sameOrPositive ? delta : -delta;
     } else if (!(flag & sameOrPositive)) {
-      value += ReadInt16(in);
+      value += in.Word();
     }
     out[i] = int16_t(value);
   }
@@ -88,9 +111,10 @@ void ReadSimpleGlyph(InputStream& in, GlyphClass* glyph, int contourCount, bool 
   ReadContours(in, glyph, contourCount);
   ReadInstructions(in, glyph, readHints);
   const int count = glyph->pointCount;
-  ReadFlags(in, glyph->onCurve, count);
-  ReadCoordinates(in, glyph->onCurve, count, kXShort, kXSameOrPositive, glyph->oox);
-  ReadCoordinates(in, glyph->onCurve, count, kYShort, kYSameOrPositive, glyph->ooy);
+  ByteCursor cursor(in);
+  ReadFlags(cursor, glyph->onCurve, count);
+  ReadCoordinates(cursor, glyph->onCurve, count, kXShort, kXSameOrPositive, glyph->oox);
+  ReadCoordinates(cursor, glyph->onCurve, count, kYShort, kYSameOrPositive, glyph->ooy);
   for (int i = 0; i < count; ++i) glyph->onCurve[i] &= kOnCurveBit;
 }
 

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 
 #include "gfx/foundation/hstypes.h"
 #include "t2k/glyph.h"
@@ -16,6 +17,21 @@ enum CrossingKind : uint32_t {
   kHorizontalRising = 4,
   kHorizontalFalling = 8,
 };
+
+// Quotients of small numbers by way of a table of reciprocals: exact while the dividend is below 2^20.
+inline constexpr uint32_t kReciprocals = 512;
+inline constexpr auto kReciprocal = [] {
+  std::array<uint32_t, kReciprocals> table{};
+  for (uint32_t d = 2; d < kReciprocals; ++d) table[d] = uint32_t(((uint64_t{1} << 32) + d - 1) / d);
+  return table;
+}();
+
+// Divisors are spans across a centre line, at least 2.
+inline uint32_t QuotientOf(uint64_t dividend, uint32_t divisor) {
+  if (divisor < kReciprocals && dividend < 1 << 20) [[likely]]
+    return uint32_t(dividend * kReciprocal[divisor] >> 32);
+  return dividend <= UINT32_MAX ? uint32_t(dividend) / divisor : uint32_t(dividend / divisor);
+}
 
 inline constexpr int kMaxCurveDepth = 16;  // 32 bits of error, two less at each halving
 
@@ -124,27 +140,32 @@ class OutlineWalker {
     return depth;
   }
 
+  // A curve that touches no centre line is passed over; one that does is halved all the way down, since a piece that
+  // touches none costs next to nothing as a line.
   void AddQuadratic(Point a, Point b, Point c) {
     struct Piece {
       Point a, b, c;
       int depth;
     };
+    if (!CrossesCentre(Least(a.x, b.x, c.x), Most(a.x, b.x, c.x)) &&
+        !CrossesCentre(Least(a.y, b.y, c.y), Most(a.y, b.y, c.y))) {
+      return;
+    }
     const auto error = [](int32_t p, int32_t q, int32_t r) { return std::abs((p - 2 * q + r + 2) >> 2); };
-    Piece stack[kMaxCurveDepth + 1];  // what is still to do, the next piece on top
-    Piece* top = stack;
     int depth = DepthForError(std::max(error(a.x, b.x, c.x), error(a.y, b.y, c.y)));
+    if (!depth) return AddLine(a, c);
+    Piece stack[kMaxCurveDepth];  // what is still to do, the next piece on top
+    Piece* top = stack;
     for (;;) {
-      if (CrossesCentre(Least(a.x, b.x, c.x), Most(a.x, b.x, c.x)) ||
-          CrossesCentre(Least(a.y, b.y, c.y), Most(a.y, b.y, c.y))) {
-        if (depth > 0) {
-          const Point ab = Middle(a, b), bc = Middle(b, c), abc = Middle(ab, bc);
-          *top++ = {abc, bc, c, --depth};
-          b = ab;
-          c = abc;
-          continue;
-        }
-        AddLine(a, c);
+      const Point ab = Middle(a, b), bc = Middle(b, c), abc = Middle(ab, bc);
+      if (--depth) {
+        *top++ = {abc, bc, c, depth};
+        b = ab;
+        c = abc;
+        continue;
       }
+      AddLine(a, abc);
+      AddLine(abc, c);
       if (top == stack) return;
       --top;
       a = top->a;
@@ -159,26 +180,29 @@ class OutlineWalker {
       Point a, b, c, d;
       int depth;
     };
+    if (!CrossesCentre(Least(a.x, b.x, c.x, d.x), Most(a.x, b.x, c.x, d.x)) &&
+        !CrossesCentre(Least(a.y, b.y, c.y, d.y), Most(a.y, b.y, c.y, d.y))) {
+      return;
+    }
     const auto error = [](int32_t p, int32_t q, int32_t r, int32_t s) {
       return std::abs(((q + r - p - s) * 3 + 4) >> 3);
     };
-    Piece stack[kMaxCurveDepth + 1];
-    Piece* top = stack;
     int depth = DepthForError(std::max(error(a.x, b.x, c.x, d.x), error(a.y, b.y, c.y, d.y)));
+    if (!depth) return AddLine(a, d);
+    Piece stack[kMaxCurveDepth];
+    Piece* top = stack;
     for (;;) {
-      if (CrossesCentre(Least(a.x, b.x, c.x, d.x), Most(a.x, b.x, c.x, d.x)) ||
-          CrossesCentre(Least(a.y, b.y, c.y, d.y), Most(a.y, b.y, c.y, d.y))) {
-        if (depth > 0) {
-          const Point ab = Middle(a, b), bc = Middle(b, c), cd = Middle(c, d);
-          const Point abc = Middle(ab, bc), bcd = Middle(bc, cd), abcd = Middle(abc, bcd);
-          *top++ = {abcd, bcd, cd, d, --depth};
-          b = ab;
-          c = abc;
-          d = abcd;
-          continue;
-        }
-        AddLine(a, d);
+      const Point ab = Middle(a, b), bc = Middle(b, c), cd = Middle(c, d);
+      const Point abc = Middle(ab, bc), bcd = Middle(bc, cd), abcd = Middle(abc, bcd);
+      if (--depth) {
+        *top++ = {abcd, bcd, cd, d, depth};
+        b = ab;
+        c = abc;
+        d = abcd;
+        continue;
       }
+      AddLine(a, abcd);
+      AddLine(abcd, d);
       if (top == stack) return;
       --top;
       a = top->a;
@@ -210,41 +234,39 @@ class OutlineWalker {
     }
     const int32_t line = ((a0 + 31) & ~63) + 32;
     const int count = ((a1 - line) >> 6) + 1;
-    if (!sink_.Begin(kVertical, line, count)) return;
 
     int32_t across = a1 - a0;
     int32_t along = b1 - b0;
+    if (along == 0) {  // most of the long ones are stems
+      sink_.AddRun(kVertical, line, count, kind, [b0] { return b0; });
+      return;
+    }
     constexpr int32_t kLongSpan = 32768;
     while (across > kLongSpan) {
       across >>= 1;
       along >>= 1;
     }
-    const bool backward = along < 0;
+    const int32_t sign = along >> 31;
     const uint32_t steep = hsMagnitude32(along), divisor = uint32_t(across);
     const uint64_t numerator = uint64_t{steep} * uint32_t(line - a0);
-    uint32_t quotient, remainder;
-    if (numerator <= UINT32_MAX) [[likely]] {
-      quotient = uint32_t(numerator) / divisor;
-      remainder = uint32_t(numerator) % divisor;
-    } else {
-      quotient = uint32_t(numerator / divisor);
-      remainder = uint32_t(numerator % divisor);
+    uint32_t quotient = QuotientOf(numerator, divisor);
+    const auto place = [&] { return b0 + ((int32_t(quotient) ^ sign) - sign); };
+    if (count == 1) {
+      sink_.AddRun(kVertical, line, 1, kind, place);
+      return;
     }
-    const auto put = [&] { sink_.Put(backward ? b0 - int32_t(quotient) : b0 + int32_t(quotient), kind); };
-    put();
-    if (count == 1) return;
-
     const uint64_t step = uint64_t{steep} * 64;
-    const auto stepQuotient = uint32_t(step / divisor), stepRemainder = uint32_t(step % divisor);
-    for (int i = 1; i < count; ++i) {
-      quotient += stepQuotient;
+    const uint32_t stepQuotient = QuotientOf(step, divisor);
+    const auto stepRemainder = uint32_t(step - uint64_t{stepQuotient} * divisor);
+    auto remainder = uint32_t(numerator - uint64_t{quotient} * divisor);
+    sink_.AddRun(kVertical, line, count, kind, [&] {
+      const int32_t at = place();
       remainder += stepRemainder;
-      if (remainder >= divisor) {
-        remainder -= divisor;
-        ++quotient;
-      }
-      put();
-    }
+      const bool carry = remainder >= divisor;
+      quotient += stepQuotient + carry;
+      remainder -= carry ? divisor : 0;
+      return at;
+    });
   }
 
   const GlyphClass& glyph_;

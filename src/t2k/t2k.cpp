@@ -225,10 +225,3 @@ void Purge(T2K* t, int level) {
     t->ag_xPixelsPerEm = t->ag_yPixelsPerEm = -1;
   }
 }
-
-int32_t ScaleUnits(int32_t units, int pixelsPerEm, int upem) {
-  const int64_t numerator = int64_t{units} * (int64_t{pixelsPerEm} * 64) + upem / 2;
-  if (hsFits32(numerator)) [[likely]]
-    return int32_t(numerator) / upem;
-  return hsSaturate(numerator / upem);
-}

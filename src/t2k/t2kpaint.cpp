@@ -1,5 +1,7 @@
 #include "t2k/t2kpaint.h"
 
+#include <array>
+
 namespace {
 
 class MonoBits {
@@ -58,8 +60,15 @@ int32_t DropoutPlace(int32_t a0, int32_t a1, int32_t centre) {
   return a0 <= centre ? (a0 + a1 + 1) >> 1 : (a0 + a1 - 2) >> 1;
 }
 
-// How much of its pixel lies beyond a crossing, in units of the line.
-inline int PartBeyond(int32_t along, int unit) { return ((64 - (along & 63)) * unit) >> 6; }
+// How much of its pixel lies beyond a crossing, by the fraction of its place, in parts of one line's unit.
+template <int kOversample>
+constexpr auto kPartBeyond = [] {
+  std::array<uint8_t, 64> parts{};
+  for (int fraction = 0; fraction < 64; ++fraction) {
+    parts[size_t(fraction)] = uint8_t(((64 - fraction) * (kGreyFull / (2 * kOversample))) >> 6);
+  }
+  return parts;
+}();
 
 // Spans are entered into the bitmap as differences: what a crossing adds to its own pixel, and the rest of its unit on
 // the next one. Running sums then fill the spans. Sums wrap in a byte; what comes out in the end fits. The padding
@@ -73,7 +82,7 @@ void EnterRows(const tsiScanConv& sc, const CrossingTable& crossings, uint8_t* b
     uint8_t* row = bits + (sc.top - 1 - (spans.line / kOversample >> 6)) * stride - sc.left;
     for (const Crossing* c = spans.begin; c < spans.begin + spans.count; c += 2) {
       const int32_t x0 = AlongOf(c[0]) / kOversample, x1 = AlongOf(c[1]) / kOversample;
-      const int part0 = PartBeyond(x0, kUnit), part1 = PartBeyond(x1, kUnit);
+      const int part0 = kPartBeyond<kOversample>[x0 & 63], part1 = kPartBeyond<kOversample>[x1 & 63];
       uint8_t* in = row + (x0 >> 6);
       uint8_t* out = row + (x1 >> 6);
       in[0] = uint8_t(in[0] + part0);
@@ -94,7 +103,7 @@ void EnterColumns(const tsiScanConv& sc, const CrossingTable& crossings, uint8_t
     uint8_t* column = bits + (spans.line / kOversample >> 6) - sc.left;
     for (const Crossing* c = spans.begin; c < spans.begin + spans.count; c += 2) {
       const int32_t y0 = AlongOf(c[0]) / kOversample, y1 = AlongOf(c[1]) / kOversample;
-      const int part0 = PartBeyond(y0, kUnit), part1 = PartBeyond(y1, kUnit);
+      const int part0 = kPartBeyond<kOversample>[y0 & 63], part1 = kPartBeyond<kOversample>[y1 & 63];
       uint8_t* in = column + (sc.top - (y0 >> 6)) * stride;
       uint8_t* out = column + (sc.top - (y1 >> 6)) * stride;
       in[0] = uint8_t(in[0] + part0);
@@ -110,7 +119,7 @@ void PaintGreySpans(const tsiScanConv& sc, const CrossingTable& crossings) {
   const int width = sc.Width(), height = sc.Height();
   const int stride = width + 1;
   const auto bytes = uint32_t(stride * (height + 1));
-  tsiBlock<uint8_t> work(crossings.Handler(), bytes * 2);
+  tsiBuffer<uint8_t, 4096> work(crossings.Handler(), bytes * 2);
   std::memset(work.get(), 0, bytes * 2);
   uint8_t* rows = work.get();
   uint8_t* columns = rows + bytes;  // has the row of padding on top

@@ -104,13 +104,13 @@ GlyphClass* RenderOutline(RenderCall& call, int32_t code, bool byIndex, int dept
 
 void ScalePoints(const RenderCall& call, GlyphClass* glyph) {
   const T2K* t = call.t;
-  const int upem = GetUPEM(t->font);
+  const UnitScale scaleX(t->xPixelsPerEm, GetUPEM(t->font)), scaleY(t->yPixelsPerEm, GetUPEM(t->font));
   const int count = glyph->pointCount;
   for (int i = 0; i < count + 2; ++i) {
-    glyph->x[i] = ScaleUnits(glyph->oox[i], t->xPixelsPerEm, upem);
-    glyph->y[i] = ScaleUnits(glyph->ooy[i], t->yPixelsPerEm, upem);
+    glyph->x[i] = scaleX(glyph->oox[i]);
+    glyph->y[i] = scaleY(glyph->ooy[i]);
   }
-  if (call.GridFits()) return;
+  if (call.GridFits() || !(call.xFracPenDelta | call.yFracPenDelta)) return;
   for (int i = 0; i < count; ++i) {
     glyph->x[i] = hsWrapAdd(glyph->x[i], call.xFracPenDelta);
     glyph->y[i] = hsWrapSub(glyph->y[i], call.yFracPenDelta);

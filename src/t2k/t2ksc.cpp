@@ -13,9 +13,14 @@ constexpr int32_t kCoordinateLimit = 1 << 24;
 constexpr int32_t kSpreadLimit = 2 * kMaxBitmapSide * 64;
 
 CrossingBounds PointBounds(const GlyphClass& glyph) {
-  const auto [left, right] = std::minmax_element(glyph.x, glyph.x + glyph.pointCount);
-  const auto [low, high] = std::minmax_element(glyph.y, glyph.y + glyph.pointCount);
-  return {*left, *low, *right, *high};
+  CrossingBounds b{glyph.x[0], glyph.y[0], glyph.x[0], glyph.y[0]};
+  for (int i = 1; i < glyph.pointCount; ++i) {
+    b.xmin = std::min(b.xmin, glyph.x[i]);
+    b.xmax = std::max(b.xmax, glyph.x[i]);
+    b.ymin = std::min(b.ymin, glyph.y[i]);
+    b.ymax = std::max(b.ymax, glyph.y[i]);
+  }
+  return b;
 }
 
 bool IsTooLarge(const CrossingBounds& b) {
@@ -48,7 +53,7 @@ tsiScanConv ScanConvert(const GlyphClass& glyph, const ScanConvOptions& options)
   };
   if (IsTooLarge(points)) return withoutBitmap(BoundsInPixels(points));
 
-  CrossingTable crossings(glyph, points, oversample);
+  const CrossingTable crossings(glyph, points, oversample, options.greyLevel == 0);
   if (crossings.Overflowed()) return withoutBitmap(BoundsInPixels(points));
   if (crossings.IsEmpty()) return {};
   CrossingBounds bounds = crossings.Bounds();

@@ -1,5 +1,6 @@
 #include "t2k/tsimem.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace {
@@ -38,11 +39,37 @@ uint32_t CheckedSize(tsiMemObject* mem, const uint8_t* raw) {
   return head.size;
 }
 
+// The slot of a block, or -1. Blocks that are made last mostly go first, so it looks from the top.
 int FindSlot(const tsiMemObject* mem, const void* raw) {
-  for (int i = 0; i < kMaxPointers; ++i) {
+  for (int i = mem->slotsInUse - 1; i >= 0; --i) {
     if (mem->base[i] == raw) return i;
   }
   return -1;
+}
+
+int FindFreeSlot(tsiMemObject* mem) {
+  int& slot = mem->firstFree;
+  while (slot < kMaxPointers && mem->base[slot]) ++slot;
+  return slot < kMaxPointers ? slot : -1;
+}
+
+void TakeSlot(tsiMemObject* mem, int slot, void* raw, uint32_t size) {
+  mem->base[slot] = raw;
+  mem->forget[slot] = nullptr;
+  mem->firstFree = slot + 1;
+  mem->slotsInUse = std::max(mem->slotsInUse, slot + 1);
+  mem->numPointers++;
+  mem->totalBytes += size;
+}
+
+void FreeSlot(tsiMemObject* mem, int slot) {
+  mem->totalBytes -= ReadHead(static_cast<const uint8_t*>(mem->base[slot])).size;
+  std::free(mem->base[slot]);
+  mem->base[slot] = nullptr;
+  mem->forget[slot] = nullptr;
+  mem->firstFree = std::min(mem->firstFree, slot);
+  while (mem->slotsInUse > 0 && !mem->base[mem->slotsInUse - 1]) mem->slotsInUse--;
+  mem->numPointers--;
 }
 
 void CheckBudget(tsiMemObject* mem, uint32_t size, uint32_t released) {
@@ -72,15 +99,12 @@ void* tsi_AllocMem(tsiMemObject* mem, uint32_t size) {
   if (!mem) tsi_Error(mem, kT2KNullHandlerAlloc);
   if (mem->numPointers >= mem->maxPointers) tsi_Error(mem, kT2KTooManyBlocks);
   CheckBudget(mem, size, 0);
-  const int slot = FindSlot(mem, nullptr);
+  const int slot = FindFreeSlot(mem);
   if (slot < 0) tsi_Error(mem, kT2KNoFreeSlot);
   auto* raw = static_cast<uint8_t*>(std::malloc(size + kFrameBytes));
   if (!raw) tsi_Error(mem, kT2KOutOfMemory);
   MarkBlock(raw, size);
-  mem->base[slot] = raw;
-  mem->forget[slot] = nullptr;
-  mem->numPointers++;
-  mem->totalBytes += size;
+  TakeSlot(mem, slot, raw, size);
   return raw + kHeadBytes;
 }
 
@@ -104,27 +128,18 @@ void tsi_DeAllocMem(tsiMemObject* mem, void* block) {
   if (!block) return;
   if (!mem) tsi_Error(mem, kT2KNullHandlerAlloc);
   uint8_t* raw = RawBlock(block);
-  const uint32_t size = CheckedSize(mem, raw);
+  CheckedSize(mem, raw);
   const int slot = FindSlot(mem, raw);
   if (slot < 0) tsi_Error(mem, kT2KUnknownBlock);
   if (mem->numPointers < 1) tsi_Error(mem, kT2KBadCount);
-  mem->base[slot] = nullptr;
-  mem->forget[slot] = nullptr;
-  mem->numPointers--;
-  mem->totalBytes -= size;
-  std::free(raw);
+  FreeSlot(mem, slot);
 }
 
 void tsi_Error(tsiMemObject*, int code) { throw tsiError{code}; }
 
 void tsi_FreeShell(tsiMemObject* mem, void* block) {
   const int slot = FindSlot(mem, RawBlock(block));
-  if (slot < 0) return;
-  mem->totalBytes -= ReadHead(RawBlock(block)).size;
-  std::free(mem->base[slot]);
-  mem->base[slot] = nullptr;
-  mem->forget[slot] = nullptr;
-  mem->numPointers--;
+  if (slot >= 0) FreeSlot(mem, slot);
 }
 
 void tsi_HoldByCaller(tsiMemObject* mem, void* block, void (*forget)(void* object)) {
@@ -135,15 +150,12 @@ void tsi_HoldByCaller(tsiMemObject* mem, void* block, void (*forget)(void* objec
 
 void tsi_TearDown(tsiMemObject* mem, int code) {
   mem->failedCode = code;
-  for (int i = 0; i < kMaxPointers; ++i) {
+  for (int i = mem->slotsInUse - 1; i >= 0; --i) {
     if (!mem->base[i]) continue;
     if (mem->forget[i]) {
       mem->forget[i](static_cast<uint8_t*>(mem->base[i]) + kHeadBytes);
-      continue;
+    } else {
+      FreeSlot(mem, i);
     }
-    mem->totalBytes -= ReadHead(static_cast<const uint8_t*>(mem->base[i])).size;
-    std::free(mem->base[i]);
-    mem->base[i] = nullptr;
-    mem->numPointers--;
   }
 }

@@ -54,6 +54,8 @@ struct tsiMemObject {
   // Per slot: not null for an object that the caller holds, which survives a failure as a shell. It makes the object
   // forget what it owned.
   void (*forget[kMaxPointers])(void* object);
+  int32_t firstFree;    // no slot below it is free
+  int32_t slotsInUse;   // all slots from here on are free
   uint32_t state;       // kHandlerState while sound
   uint32_t totalBytes;  // payload of all live blocks
   int failedCode;       // 0, or the error that finished this font
@@ -124,12 +126,39 @@ class tsiBlock {
   }
   T* get() const { return data_; }
   T& operator[](size_t index) const { return data_[index]; }
-  void Swap(tsiBlock& other) { std::swap(data_, other.data_); }
   T* Release() { return std::exchange(data_, nullptr); }
 
  private:
   tsiMemObject* mem_;
   T* data_;
+};
+
+// Room for count plain elements for the length of a scope: kInline of them in place, more in a block.
+template <class T, uint32_t kInline>
+class tsiBuffer {
+ public:
+  tsiBuffer(tsiMemObject* mem, uint32_t count) : mem_(mem) { Renew(count); }
+  ~tsiBuffer() { Drop(); }
+  tsiBuffer(const tsiBuffer&) = delete;
+  tsiBuffer& operator=(const tsiBuffer&) = delete;
+
+  // Makes room anew; what was there is lost.
+  void Renew(uint32_t count) {
+    Drop();
+    if (count > kInline) data_ = tsi_NewArray<T>(mem_, count);
+  }
+  T* get() { return data_; }
+  const T* get() const { return data_; }
+
+ private:
+  void Drop() {
+    if (data_ != inline_) tsi_DeAllocMem(mem_, data_);
+    data_ = inline_;
+  }
+
+  tsiMemObject* mem_;
+  T* data_ = inline_;
+  T inline_[kInline];
 };
 
 // Runs the body of a public entry and turns what it throws into a code. A font that has failed before answers its old
