@@ -84,23 +84,23 @@ TEST_F(TargetTest, WalksOutliveWhatTheirHooksTakeAway) {
   // An observer that empties its own target's lists ends that list's walk; the other target is still reached.
   observerAdd(a, new Hook(7, note("later")));
   observerAdd(a, new Hook(7, [&](const Event* event) {
-    if (!event) return 1;
-    story += "empties ";
-    targetDestroyLists(a);
-    return 0;
-  }));
+                if (!event) return 1;
+                story += "empties ";
+                targetDestroyLists(a);
+                return 0;
+              }));
   EXPECT_EQ(posting(7), "empties a- later- b => 0");
 
   // A handler that destroys its target: nobody climbs on from there.
   auto* c = make("c");
   targetActivate(c);
   handlerAdd(c, new Hook(7, [&](const Event* event) {
-    if (!event) return 1;
-    targetDestroyLists(c);
-    c->gone = true;
-    bury(c);
-    return 0;
-  }));
+               if (!event) return 1;
+               targetDestroyLists(c);
+               c->gone = true;
+               bury(c);
+               return 0;
+             }));
   EXPECT_EQ(posting(7), "c- => 0");
   targetDestroyLists(b);
   delete a;

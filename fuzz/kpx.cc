@@ -1,0 +1,7 @@
+// .kpx pictures.
+#include "picture.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  drawPictureFile("p.kpx", data, size);
+  return 0;
+}

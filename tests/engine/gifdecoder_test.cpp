@@ -1,0 +1,163 @@
+#include "engine/gifdecoder.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace {
+
+// Writes GIFs: plain codes with a clear whenever the next code would be wider, so every width is the first.
+class GifWriter {
+ public:
+  GifWriter(int width, int height, int colorBits) {
+    text("GIF89a");
+    little16(width);
+    little16(height);
+    bytes.push_back(colorBits ? uint8_t(0x80 | (colorBits - 1)) : 0);
+    add({0, 0});
+    for (int i = 0; colorBits && i < 1 << colorBits; ++i) add({uint8_t(i), uint8_t(i * 2), uint8_t(i * 3)});
+  }
+
+  void image(int width, int height, bool interlaced, int minimumBits, const std::vector<uint8_t>& indices) {
+    bytes.push_back(0x2C);
+    for (int word : {7, 9, width, height}) little16(word);
+    bytes.push_back(interlaced ? 0x40 : 0);
+    bytes.push_back(uint8_t(minimumBits));
+    const int clear = 1 << minimumBits;
+    std::vector<int> codes;
+    for (size_t i = 0; i < indices.size(); ++i) {
+      if (i % size_t(clear - 1) == 0) codes.push_back(clear);
+      codes.push_back(indices[i]);
+    }
+    codes.push_back(clear + 1);
+    put(codes, minimumBits + 1);
+  }
+
+  // Codes of one width in blocks of 255 bytes.
+  void put(const std::vector<int>& codes, int bits) {
+    std::vector<uint8_t> data;
+    uint32_t buffer = 0;
+    int count = 0;
+    for (int code : codes) {
+      buffer |= uint32_t(code) << count;
+      for (count += bits; count >= 8; count -= 8, buffer >>= 8) data.push_back(uint8_t(buffer));
+    }
+    if (count) data.push_back(uint8_t(buffer));
+    for (size_t at = 0; at < data.size(); at += 255) {
+      const size_t size = std::min<size_t>(255, data.size() - at);
+      bytes.push_back(uint8_t(size));
+      for (size_t i = 0; i < size; ++i) bytes.push_back(data[at + i]);
+    }
+    bytes.push_back(0);
+  }
+
+  void add(std::initializer_list<uint8_t> more) {
+    for (uint8_t byte : more) bytes.push_back(byte);
+  }
+  void text(const char* t) {
+    for (; *t; ++t) bytes.push_back(uint8_t(*t));
+  }
+  void little16(int v) { add({uint8_t(v), uint8_t(v >> 8)}); }
+
+  std::vector<uint8_t> bytes;
+};
+
+struct Decoded {
+  GifError error;
+  uint32_t width = 0, height = 0;
+  bool hasColors = false;
+  std::vector<std::vector<uint8_t>> rows;  // by number
+};
+
+Decoded decode(const std::vector<uint8_t>& bytes) {
+  Decoded result;
+  size_t at = 0;
+  GifDecoder decoder([&](uint8_t* buffer, size_t size) {
+    size = std::min(size, bytes.size() - at);
+    std::copy_n(bytes.begin() + long(at), size, buffer);
+    at += size;
+    return size;
+  });
+  result.error = decoder.decode(
+      [&](uint32_t width, uint32_t height, const std::array<uint32_t, 256>* colors) {
+        result.width = width;
+        result.height = height;
+        result.hasColors = colors != nullptr;
+        return true;
+      },
+      [&](uint32_t y, const uint8_t* indices, uint32_t count) {
+        if (result.rows.size() <= y) result.rows.resize(y + 1);
+        result.rows[y].assign(indices, indices + count);
+      });
+  return result;
+}
+
+TEST(GifDecoder, EveryCodeSizePlainAndInterlaced) {
+  std::mt19937 random(1);
+  for (int bits = 2; bits <= 8; ++bits) {
+    for (bool interlaced : {false, true}) {
+      const int width = 13, height = 21;
+      std::vector<std::vector<uint8_t>> picture(height, std::vector<uint8_t>(width));
+      for (auto& row : picture)
+        for (auto& index : row) index = uint8_t(random() % (1u << bits));
+      std::vector<int> order;
+      if (interlaced) {
+        for (auto [start, step] : {std::pair{0, 8}, {4, 8}, {2, 4}, {1, 2}})
+          for (int y = start; y < height; y += step) order.push_back(y);
+      } else {
+        for (int y = 0; y < height; ++y) order.push_back(y);
+      }
+      std::vector<uint8_t> indices;
+      for (int y : order) indices.insert(indices.end(), picture[size_t(y)].begin(), picture[size_t(y)].end());
+      GifWriter gif(width, height, bits);
+      gif.image(width, height, interlaced, bits, indices);
+      const Decoded result = decode(gif.bytes);
+      EXPECT_EQ(result.error, GifError::none);
+      EXPECT_EQ(result.rows, picture) << bits << interlaced;
+    }
+  }
+}
+
+TEST(GifDecoder, CodesThatDefineThemselvesAndWidthsThatGrow) {
+  // By hand, minimum 2 bits: clear 4, end 5. Codes 1, 6 (being defined: 1 1), 7 (being defined: 1 1 1): three bits
+  // until code 7 is defined, four from then on.
+  GifWriter gif(6, 1, 2);
+  gif.add({0x2C, 0, 0, 0, 0, 6, 0, 1, 0, 0, 2});
+  // clear=100 1=001 6=110 7=111, then end=0101 in four bits, lowest bit first: 100 | 001<<3 | 110<<6 | 111<<9 |
+  // 0101<<12
+  const uint32_t packed = 4 | 1 << 3 | 6 << 6 | 7 << 9 | 5 << 12;
+  gif.add({2, uint8_t(packed), uint8_t(packed >> 8), 0, 0x3B});
+  const Decoded result = decode(gif.bytes);
+  EXPECT_EQ(result.error, GifError::none);
+  EXPECT_EQ(result.rows, (std::vector<std::vector<uint8_t>>{{1, 1, 1, 1, 1, 1}}));
+}
+
+TEST(GifDecoder, FaultsHaveTheirNumbers) {
+  GifWriter good(2, 1, 2);
+  const size_t screenEnd = 13;
+  EXPECT_EQ(decode({'G', 'I', 'G', '8', '9', 'a'}).error, GifError::badSignature);
+  EXPECT_EQ(decode({good.bytes.begin(), good.bytes.begin() + 9}).error, GifError::truncatedDescriptor);
+  EXPECT_EQ(decode({good.bytes.begin(), good.bytes.begin() + screenEnd + 4}).error, GifError::truncatedColorTable);
+  EXPECT_EQ(decode(good.bytes).error, GifError::none);  // the file may end between blocks
+
+  const auto with = [&](std::vector<uint8_t> more) {
+    std::vector<uint8_t> bytes = good.bytes;
+    for (uint8_t byte : more) bytes.push_back(byte);
+    return decode(bytes).error;
+  };
+  EXPECT_EQ(with({0x21, 0xF9, 3}), GifError::badGraphicControl);
+  EXPECT_EQ(with({0x21, 0xF9, 4, 0, 0}), GifError::endOfFile);
+  EXPECT_EQ(with({0x77, 0x21, 0xFE, 2, 'h', 'i', 0, 0x3B, 0x21}), GifError::none);
+  EXPECT_EQ(with({0x2C, 0, 0}), GifError::truncatedDescriptor);
+  EXPECT_EQ(with({0x2C, 0, 0, 0, 0, 2, 0, 1, 0, 0, 9}), GifError::badCodeSize);
+  EXPECT_EQ(with({0x2C, 0, 0, 0, 0, 2, 0, 1, 0, 0, 2, 1, 0x07}), GifError::badCode);  // 7 before anything is defined
+  EXPECT_EQ(with({0x2C, 0, 0, 0, 0, 2, 0, 1, 0, 0, 2, 5, 0x04}), GifError::endOfFile);
+}
+
+TEST(GifDecoder, AnyPrefixEndsWithoutHarm) {
+  GifWriter gif(9, 9, 3);
+  gif.image(9, 9, true, 3, std::vector<uint8_t>(81, 5));
+  for (size_t size = 0; size <= gif.bytes.size(); ++size) decode({gif.bytes.begin(), gif.bytes.begin() + long(size)});
+}
+
+}  // namespace
