@@ -12,20 +12,37 @@ inline void OrderPair(Crossing& a, Crossing& b) {
   a = low;
 }
 
-// Insertion without a branch, for the few crossings that most lines have.
+// Sorts the few crossings that most lines have, by insertion without a branch. Says, like the one below, whether they
+// rise and fall in pairs from the first on, so that nothing overlaps.
 template <int kCount>
-inline void SortFew(Crossing* c) {
+inline bool SortFew(Crossing* c) {
   for (int i = 1; i < kCount; ++i) {
     for (int j = i; j > 0; --j) OrderPair(c[j - 1], c[j]);
   }
+  Crossing opposite = kRisingKinds;
+  for (int i = 0; i < kCount; i += 2) opposite &= c[i] ^ c[i + 1];
+  return opposite != 0;
 }
 
-void SortMany(Crossing* c, int count) {
+bool SortMany(Crossing* c, int count) {
   for (int i = 1; i < count; ++i) {
     const Crossing moving = c[i];
     int j = i;
     for (; j > 0 && c[j - 1] > moving; --j) c[j] = c[j - 1];
     c[j] = moving;
+  }
+  if (count & 1) return false;
+  Crossing opposite = kRisingKinds;
+  for (int i = 0; i < count; i += 2) opposite &= c[i] ^ c[i + 1];
+  return opposite != 0;
+}
+
+inline bool SortLine(Crossing* c, int count) {
+  switch (count) {
+    case 2: return SortFew<2>(c);
+    case 4: return SortFew<4>(c);
+    case 6: return SortFew<6>(c);
+    default: return SortMany(c, count);
   }
 }
 
@@ -43,14 +60,6 @@ bool IsUndecided(const Crossing* c, int count) {
     winding += c[i] & kRisingKinds ? 1 : -1;
   }
   return false;
-}
-
-// Whether crossings rise and fall in pairs from the first on, so that nothing overlaps.
-inline bool RunsInPairs(const Crossing* c, int count) {
-  if (count & 1) return false;
-  Crossing opposite = kRisingKinds;
-  for (int i = 0; i < count; i += 2) opposite &= c[i] ^ c[i + 1];
-  return opposite != 0;
 }
 
 // A crossing below the slot of its line, in the order of the walk. The kind in the low bits takes no part in sorting.
@@ -153,31 +162,40 @@ CrossingTable::CrossingTable(const GlyphClass& glyph, const CrossingBounds& box,
   std::fill_n(count_, slots, 0);
   LineSink sink(this);
   OutlineWalker<LineSink>(glyph, oversample, sink).Walk();
-  if (!SortLines()) SortInSequence();
-  if (overflowed_) return;
-  ExtendBounds(false);
-  ExtendBounds(true);
+  if (!SortLines(false) || !SortLines(true)) SortInSequence();
 }
+
+// The first and the last line of a direction that has crossings, and the outermost crossings of all of them.
+struct CrossingTable::LineExtent {
+  int first = -1, last = -1;
+  Crossing lowest = ~Crossing{0}, highest = 0;
+
+  void Take(int slot, const Crossing* line, int count) {
+    if (first < 0) first = slot;
+    last = slot;
+    lowest = std::min(lowest, line[0]);
+    highest = std::max(highest, line[count - 1]);
+  }
+};
 
 // Sorts and strikes each line by itself, which is cheap. False if that isn't enough: a line is crowded, or an order
 // undecided.
-bool CrossingTable::SortLines() {
+bool CrossingTable::SortLines(bool vertical) {
+  const int begin = vertical ? rows_ : 0, end = vertical ? rows_ + columns_ : rows_;
   const bool exactSpans = exactSpans_;
-  Crossing* line = entries_.get();
-  const int32_t* const end = count_ + rows_ + columns_;
-  for (int32_t* slot = count_; slot < end; ++slot, line += kLineRoom) {
-    const int count = *slot;
+  int32_t* const counts = count_;
+  Crossing* line = entries_.get() + begin * kLineRoom;
+  LineExtent extent;
+  for (int slot = begin; slot < end; ++slot, line += kLineRoom) {
+    const int count = counts[slot];
     if (!count) continue;
     if (count > kLineRoom) return false;
-    switch (count) {
-      case 2: SortFew<2>(line); break;
-      case 4: SortFew<4>(line); break;
-      case 6: SortFew<6>(line); break;
-      default: SortMany(line, count); break;
-    }
+    const bool inPairs = SortLine(line, count);
+    extent.Take(slot, line, count);
     if (exactSpans && count > 2 && IsUndecided(line, count)) return false;
-    if (!RunsInPairs(line, count)) *slot = StrikeLine(mem_, line, count);
+    if (!inPairs) counts[slot] = StrikeLine(mem_, line, count);
   }
+  ExtendBounds(vertical, extent);
   return true;
 }
 
@@ -195,30 +213,25 @@ void CrossingTable::SortInSequence() {
     if (!count_[slot]++) start_[slot] = int32_t(i);
     entries[i] = Crossing(sink.all[i]);
   }
-  for (int slot = 0; slot < slots; ++slot) count_[slot] = StrikeLine(mem_, entries + start_[slot], count_[slot]);
+  LineExtent extent[2];
+  for (int slot = 0; slot < slots; ++slot) {
+    if (!count_[slot]) continue;
+    Crossing* line = entries + start_[slot];
+    extent[slot >= rows_].Take(slot, line, count_[slot]);
+    count_[slot] = StrikeLine(mem_, line, count_[slot]);
+  }
+  for (const bool vertical : {false, true}) ExtendBounds(vertical, extent[vertical]);
 }
 
-// By the first and the last line of a direction, and the outermost crossings of all of them.
-void CrossingTable::ExtendBounds(bool vertical) {
-  const int begin = vertical ? rows_ : 0, end = vertical ? rows_ + columns_ : rows_;
-  int first = -1, last = -1;
-  Crossing lowest = ~Crossing{0}, highest = 0;
-  for (int slot = begin; slot < end; ++slot) {
-    if (!count_[slot]) continue;
-    if (first < 0) first = slot;
-    last = slot;
-    const Crossing* line = LineAt(slot);
-    lowest = std::min(lowest, line[0]);
-    highest = std::max(highest, line[count_[slot] - 1]);
-  }
-  if (first < 0) return;
-  const int32_t lowestLine = ((vertical ? lowColumn_ : lowRow_) + first - begin) * 64 + 32;
-  const int32_t highestLine = lowestLine + (last - first) * 64;
-  CrossingBounds& b = bounds_;
-  const auto extend = [](int32_t& min, int32_t& max, int32_t low, int32_t high) {
+void CrossingTable::ExtendBounds(bool vertical, const LineExtent& extent) {
+  if (extent.first < 0) return;
+  const int32_t firstLine = (vertical ? lowColumn_ + extent.first - rows_ : lowRow_ + extent.first) * 64 + 32;
+  const int32_t lastLine = firstLine + (extent.last - extent.first) * 64;
+  const auto widen = [](int32_t& min, int32_t& max, int32_t low, int32_t high) {
     min = std::min(min, low);
     max = std::max(max, high);
   };
-  extend(vertical ? b.xmin : b.ymin, vertical ? b.xmax : b.ymax, lowestLine, highestLine);
-  extend(vertical ? b.ymin : b.xmin, vertical ? b.ymax : b.xmax, AlongOf(lowest), AlongOf(highest));
+  auto& [xmin, ymin, xmax, ymax] = bounds_;
+  widen(vertical ? xmin : ymin, vertical ? xmax : ymax, firstLine, lastLine);
+  widen(vertical ? ymin : xmin, vertical ? ymax : xmax, AlongOf(extent.lowest), AlongOf(extent.highest));
 }

@@ -54,6 +54,7 @@ class CrossingTable {
  private:
   class LineSink;
   class SequenceSink;
+  struct LineExtent;
 
   static constexpr int kLineRoom = 16;      // crossings that a line has room for at first
   static constexpr int kInlineLines = 256;  // enough for most glyphs
@@ -61,9 +62,9 @@ class CrossingTable {
   // Lines have slots: rows from the lowest up, then columns from the left.
   int SlotOf(bool vertical, int32_t line) const { return (line >> 6) - (vertical ? lowColumn_ - rows_ : lowRow_); }
   const Crossing* LineAt(int slot) const { return entries_.get() + start_[slot]; }
-  bool SortLines();
+  bool SortLines(bool vertical);
   void SortInSequence();
-  void ExtendBounds(bool vertical);
+  void ExtendBounds(bool vertical, const LineExtent& extent);
 
   tsiMemObject* mem_;
   const GlyphClass& glyph_;

@@ -1,6 +1,7 @@
 #include "t2k/glyph.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "gfx/foundation/hstypes.h"
 
@@ -18,9 +19,31 @@ constexpr uint8_t kRepeat = 0x08;
 constexpr uint8_t kXSameOrPositive = 0x10;
 constexpr uint8_t kYSameOrPositive = 0x20;
 
-// The three arrays in font units lie in one block: oox, ooy, onCurve.
-uint32_t PointBlockBytes(int pointMax) { return uint32_t(pointMax + kPhantoms) * 5; }
+// A glyph with room for its arrays in the same block, which is enough for most.
+struct RoomyGlyph {
+  static constexpr int kContours = 12;
+  static constexpr int kPoints = 64;
 
+  GlyphClass glyph;  // first, so that the two have one address
+  int16_t contours[kContours * 2];
+  int32_t scaled[(kPoints + kPhantoms) * 2];
+  uint8_t points[(kPoints + kPhantoms) * 5];
+};
+static_assert(offsetof(RoomyGlyph, points) % alignof(int16_t) == 0);
+
+RoomyGlyph* RoomOf(GlyphClass* glyph) { return reinterpret_cast<RoomyGlyph*>(glyph); }
+
+void FreeContours(GlyphClass* glyph, int16_t* array) {
+  if (array != RoomOf(glyph)->contours) tsi_DeAllocMem(glyph->mem, array);
+}
+void FreePoints(GlyphClass* glyph, int16_t* array) {
+  if (static_cast<void*>(array) != RoomOf(glyph)->points) tsi_DeAllocMem(glyph->mem, array);
+}
+void FreeScaled(GlyphClass* glyph, int32_t* array) {
+  if (array != RoomOf(glyph)->scaled) tsi_DeAllocMem(glyph->mem, array);
+}
+
+// The three arrays in font units lie one behind the other: oox, ooy, onCurve.
 void SetPointArrays(GlyphClass* glyph, void* block, int pointMax) {
   glyph->pointCountMax = pointMax;
   glyph->oox = static_cast<int16_t*>(block);
@@ -156,20 +179,21 @@ GlyphClass* TakeOver(GlyphClass* part, Offset offset) {
 
 void Delete_GlyphClass(GlyphClass* glyph) {
   if (!glyph) return;
-  tsi_DeAllocMem(glyph->mem, glyph->sp);
-  tsi_DeAllocMem(glyph->mem, glyph->oox);
-  tsi_DeAllocMem(glyph->mem, glyph->x);
+  FreeContours(glyph, glyph->sp);
+  FreePoints(glyph, glyph->oox);
+  FreeScaled(glyph, glyph->x);
   tsi_DeAllocMem(glyph->mem, glyph->componentData);
   tsi_DeAllocMem(glyph->mem, glyph->hintFragment);
   tsi_DeAllocMem(glyph->mem, glyph);
 }
 
 GlyphClass* NewGlyph(tsiMemObject* mem) {
-  auto* glyph = tsi_NewRecord<GlyphClass>(mem);
-  glyph->mem = mem;
-  glyph->curveType = 2;
-  glyph->pointCountMax = -1;
-  return glyph;
+  auto* room = static_cast<RoomyGlyph*>(tsi_AllocMem(mem, sizeof(RoomyGlyph)));
+  room->glyph = GlyphClass{};
+  room->glyph.mem = mem;
+  room->glyph.curveType = 2;
+  room->glyph.pointCountMax = -1;
+  return &room->glyph;
 }
 
 GlyphClass* NewEmptyGlyph(tsiMemObject* mem, GlyphMetrics metrics) {
@@ -182,23 +206,28 @@ GlyphClass* NewEmptyGlyph(tsiMemObject* mem, GlyphMetrics metrics) {
 void ReservePoints(GlyphClass* glyph, int points) {
   if (points <= glyph->pointCountMax) return;
   tsi_Assert(glyph->mem, points <= kMaxGlyphPoints, kT2KTooManyPoints);
-  GlyphClass old = *glyph;
-  SetPointArrays(glyph, tsi_AllocMem(glyph->mem, PointBlockBytes(points)), points);
+  if (!glyph->oox && points <= RoomyGlyph::kPoints) {
+    SetPointArrays(glyph, RoomOf(glyph)->points, RoomyGlyph::kPoints);
+    return;
+  }
+  const GlyphClass old = *glyph;
+  SetPointArrays(glyph, tsi_AllocMem(glyph->mem, uint32_t(points + kPhantoms) * 5), points);
   if (!old.oox) return;
   const auto count = size_t(old.pointCount);
   std::memcpy(glyph->oox, old.oox, count * sizeof *old.oox);
   std::memcpy(glyph->ooy, old.ooy, count * sizeof *old.ooy);
   std::memcpy(glyph->onCurve, old.onCurve, count);
-  tsi_DeAllocMem(glyph->mem, old.oox);
+  FreePoints(glyph, old.oox);
 }
 
 void ReserveContours(GlyphClass* glyph, int contours) {
   if (contours <= glyph->contourCountMax) return;
   tsi_Assert(glyph->mem, contours <= kMaxGlyphPoints, kT2KTooManyPoints);
-  int16_t* moved = tsi_NewArray<int16_t>(glyph->mem, uint32_t(contours) * 2);
+  const bool fits = !glyph->sp && contours <= RoomyGlyph::kContours;
+  int16_t* moved = fits ? RoomOf(glyph)->contours : tsi_NewArray<int16_t>(glyph->mem, uint32_t(contours) * 2);
   std::copy_n(glyph->sp, glyph->contourCount, moved);
   std::copy_n(glyph->ep, glyph->contourCount, moved + contours);
-  tsi_DeAllocMem(glyph->mem, glyph->sp);
+  FreeContours(glyph, glyph->sp);
   glyph->sp = moved;
   glyph->ep = moved + contours;
   glyph->contourCountMax = contours;
@@ -252,10 +281,10 @@ void AlignToSideBearing(GlyphClass* glyph, GlyphMetrics metrics) {
 }
 
 void AllocScaledPoints(GlyphClass* glyph) {
-  const uint32_t count = uint32_t(glyph->pointCount + kPhantoms);
-  tsi_DeAllocMem(glyph->mem, glyph->x);
-  glyph->x = nullptr;
-  glyph->x = tsi_NewArray<int32_t>(glyph->mem, count * 2);
+  const auto count = uint32_t(glyph->pointCount + kPhantoms);
+  FreeScaled(glyph, std::exchange(glyph->x, nullptr));
+  const bool fits = glyph->pointCount <= RoomyGlyph::kPoints;
+  glyph->x = fits ? RoomOf(glyph)->scaled : tsi_NewArray<int32_t>(glyph->mem, count * 2);
   glyph->y = glyph->x + count;
 }
 

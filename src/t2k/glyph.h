@@ -23,6 +23,7 @@ enum ComponentFlag : uint16_t {
   kUseMyMetrics = 0x0200,
 };
 
+// Made by NewGlyph only: most have their arrays in the same block.
 struct GlyphClass {
   tsiMemObject* mem;
   int curveType;  // 2: quadratic, 3: cubic
@@ -30,12 +31,12 @@ struct GlyphClass {
   int pointCountMax;  // without the phantoms, which have room of their own; -1 before there is any
   int16_t contourCount;
   int16_t pointCount;
-  int16_t* sp;  // first and last point of each contour, one block; ep is sp + contourCountMax
+  int16_t* sp;  // first and last point of each contour
   int16_t* ep;
-  int16_t* oox;  // font units; one block with ooy and onCurve
+  int16_t* oox;  // font units
   int16_t* ooy;
   uint8_t* onCurve;  // 1 on the curve, 0 off
-  int32_t* x;        // scaled, 26.6; one block, null until the glyph is scaled
+  int32_t* x;        // scaled, 26.6; null until the glyph is scaled
   int32_t* y;
   uint16_t* componentData;  // raw entries
   int componentSize;        // in words

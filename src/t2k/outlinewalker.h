@@ -213,19 +213,20 @@ class OutlineWalker {
     }
   }
 
-  void AddLine(Point p, Point q) {
+  [[gnu::always_inline]] void AddLine(Point p, Point q) {
     p = {p.x | 1, p.y | 1};
     q = {q.x | 1, q.y | 1};
-    AddCrossings<true>(p.x, p.y, q.x, q.y);
-    AddCrossings<false>(p.y, p.x, q.y, q.x);
+    if (AreApart(p.x, q.x)) AddCrossings<true>(p.x, p.y, q.x, q.y);
+    if (AreApart(p.y, q.y)) AddCrossings<false>(p.y, p.x, q.y, q.x);
   }
+
+  // Whether a centre line lies between two odd coordinates.
+  static bool AreApart(int32_t a, int32_t b) { return ((a + 32) ^ (b + 32)) >> 6 != 0; }
 
   // The crossings with the centre lines of one axis: a runs across the lines, b along them. Places are b0 plus
   // an exact quotient cut toward zero, kept up from line to line by its remainder.
   template <bool kVertical>
-  void AddCrossings(int32_t a0, int32_t b0, int32_t a1, int32_t b1) {
-    // A piece that ends in the cell where it starts, on the same side of the centre line, crosses none.
-    if (((a0 + 32) ^ (a1 + 32)) >> 6 == 0) return;
+  [[gnu::noinline]] void AddCrossings(int32_t a0, int32_t b0, int32_t a1, int32_t b1) {
     uint32_t kind = kVertical ? kVerticalRising : kHorizontalRising;
     if (a0 > a1) {
       std::swap(a0, a1);

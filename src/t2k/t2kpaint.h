@@ -1,14 +1,15 @@
-// Spans to pixels; the second half of the scan converter. Bitmaps come zeroed.
+// Spans to pixels; the second half of the scan converter.
 #pragma once
 
 #include "t2k/crossings.h"
 #include "t2k/t2ksc.h"
 
-// One bit a pixel. A span that is narrower than a pixel and has coloured none is kept by dropout control: it
-// sets the pixel in its middle, rounded towards the centre of bounds, so that thin features don't vanish.
+// One bit a pixel, set in a bitmap that comes zeroed. A span that is narrower than a pixel and has coloured none is
+// kept by dropout control: it sets the pixel in its middle, rounded towards the centre of bounds, so that thin features
+// don't vanish.
 void PaintMono(const tsiScanConv& sc, const CrossingTable& crossings, const CrossingBounds& bounds);
 
-// One byte a pixel. Rows and columns give half of the coverage each.
+// One byte a pixel, every one of them written. Rows and columns give half of the coverage each.
 void PaintGrey(const tsiScanConv& sc, const CrossingTable& crossings, int oversample);
 
 void SharpenGrey(const tsiScanConv& sc);

@@ -63,12 +63,12 @@ tsiScanConv ScanConvert(const GlyphClass& glyph, const ScanConvOptions& options)
 
   const auto bytes = uint32_t(sc.rowBytes * sc.Height());
   tsiBlock<uint8_t> bits(glyph.mem, bytes);
-  std::memset(bits.get(), 0, bytes);
   sc.baseAddr = bits.get();
   if (options.greyLevel) {
     PaintGrey(sc, crossings, oversample);
     if (options.sharpen) SharpenGrey(sc);
   } else {
+    std::memset(bits.get(), 0, bytes);
     PaintMono(sc, crossings, bounds);
   }
   bits.Release();
