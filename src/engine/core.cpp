@@ -7,7 +7,7 @@
 #include "engine/imagecache.h"
 #include "engine/language.h"
 #include "engine/redraw.h"
-#include "engine/scriptbindings.h"
+#include "engine/scriptbindings/scriptbindings.h"
 #include "engine/widgettypes.h"
 #include "host/host.h"
 

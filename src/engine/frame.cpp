@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "engine/graveyard.h"
-#include "engine/scriptbindings.h"
+#include "engine/scriptbindings/scriptbindings.h"
 
 namespace {
 

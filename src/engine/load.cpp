@@ -11,7 +11,7 @@
 #include "engine/frame.h"
 #include "engine/graveyard.h"
 #include "engine/redraw.h"
-#include "engine/scriptbindings.h"
+#include "engine/scriptbindings/scriptbindings.h"
 #include "engine/textstyle.h"
 #include "engine/widgettypes.h"
 #include "host/host.h"

@@ -40,7 +40,8 @@ struct EventTarget {
   EventTarget* nextActive = nullptr;
   uint32_t targetFlags = 0;
   Bounds bounds;
-  bool gone = false;  // destroyed; only its memory is still here
+  uint32_t scriptHandle = 0;  // the number by which scripts' wrappers know it; 0 while there is none
+  bool gone = false;          // destroyed; only its memory is still here
 };
 
 inline constexpr uint32_t kTargetActive = 1;  // targetFlags: on the active list

@@ -5,6 +5,7 @@
 #include "engine/frame.h"
 #include "engine/graveyard.h"
 #include "engine/redraw.h"
+#include "engine/scriptbindings/scriptbindings.h"
 #include "host/host.h"
 
 namespace {
@@ -143,6 +144,7 @@ void widgetDestroy(Widget* widget) {
   EngineCall call;
   if (widget->gone) return;
   widget->gone = true;
+  scriptTargetGone(widget);
   if (widget->timeoutTimer) timerDestroy(widget->timeoutTimer);
   redrawRemove(widget);
   leaveMaster(widget);

@@ -5,7 +5,7 @@
 
 #include "engine/core.h"
 #include "engine/frame.h"
-#include "engine/scriptbindings.h"
+#include "engine/scriptbindings/scriptbindings.h"
 #include "host/hostoperations.h"
 #include "host/keytable.h"
 

@@ -1,0 +1,119 @@
+// What the files of the script bindings share: the runtime, wrappers, and values on their way to and from widgets.
+#pragma once
+
+#include <list>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "bob/bob.h"
+#include "engine/target.h"
+#include "engine/timer.h"
+#include "engine/value.h"
+
+struct Frame;
+struct TextStyle;
+struct Widget;
+class StringTableFile;
+
+// The hook of a script function on a target.
+struct ScriptHandler : EventHandler {
+  using EventHandler::EventHandler;
+  int fn(const Event* event) override;
+
+  BobValue callback = kBobNil;
+  std::list<ScriptHandler*>::iterator place{};  // in the runtime's list
+};
+
+// A target that a script made. It lives as long as a wrapper or the active list has it.
+struct ScriptTarget : EventTarget {
+  using EventTarget::EventTarget;
+  int handleEvent(const Event* event) override;
+
+  bool hasWrapper = true;
+};
+
+// While it waits or fires, the timer keeps its callback alive; otherwise its wrapper does, and `callback` is unset.
+struct ScriptTimer : Timer {
+  using Timer::Timer;
+  BobValue callback = kBobNil;
+  bool hasWrapper = true;
+  int firing = 0;
+  uint32_t handle = 0;
+};
+
+struct CollectorRoot {
+  void (*copyRoots)(BobInterp*, void*);
+  void* data;
+};
+
+struct ScriptRuntime {
+  BobInterp* interp = nullptr;
+  uint32_t targetKind = 0, eventKind = 0, widgetKind = 0, frameKind = 0, styleKind = 0, timerKind = 0, tableKind = 0;
+  std::vector<std::pair<std::string, uint32_t>> widgetTypes;  // `type` of a widget, kind of its wrappers
+  std::list<ScriptHandler*> handlers;                         // each newest first
+  std::list<ScriptTimer*> timers;
+  std::list<ScriptTarget*> targets;
+  std::vector<std::unique_ptr<StringTableFile>> tables;
+  std::vector<CollectorRoot> roots;
+};
+
+// Null while none runs.
+extern std::unique_ptr<ScriptRuntime> scriptRuntime;
+
+// ---- the classes; each defines its kind in the root scope, in the order of these lines. False on failure.
+
+bool scriptDefineEvents(ScriptRuntime& runtime);
+bool scriptDefineTarget(ScriptRuntime& runtime);
+bool scriptDefineWidget(ScriptRuntime& runtime);
+bool scriptDefineFrame(ScriptRuntime& runtime);
+bool scriptDefineTextStyle(ScriptRuntime& runtime);
+bool scriptDefineTimer(ScriptRuntime& runtime);
+bool scriptDefineStringTable(ScriptRuntime& runtime);
+
+extern const BobPropertyRow kWidgetProperties[];
+
+// ---- the language's operations on frames
+
+int scriptAttach(Frame* frame);
+int scriptDetach(Frame* frame);
+int scriptLoadFile(Frame* frame, const char* path);
+int scriptRun(Frame* frame, const uint8_t* bytes, uint32_t length);
+
+// ---- what a collection must copy; and what is left when the runtime stops
+
+void scriptCopyHandlerRoots(ScriptRuntime& runtime);
+void scriptCopyTimerRoots(ScriptRuntime& runtime);
+void scriptDestroyTimers(ScriptRuntime& runtime);
+void scriptDestroyTargets(ScriptRuntime& runtime);
+
+// ---- wrappers; like all that makes values, these can collect
+
+BobValue scriptWrapTarget(BobInterp* interp, uint32_t kind, EventTarget* target);
+BobValue scriptWrapWidget(BobInterp* interp, Widget* widget);
+BobValue scriptWrapEvent(BobInterp* interp, const Event& event);
+BobValue scriptWrapStyle(BobInterp* interp, const TextStyle* style);
+const TextStyle* scriptStyleOf(BobInterp* interp, BobValue value);  // null for what is no style
+
+// What stands behind a wrapper's pointer, or behind a value; null for an inactive one. A script can give a Widget
+// wrapper a target that is no widget (`initialize` is inherited): such a wrapper is inactive as a widget.
+Widget* scriptWidgetOf(void* pointer);
+Widget* scriptWidgetOf(BobInterp* interp, BobValue value);
+Frame* scriptFrameOf(void* pointer);
+
+// Gives up the target that a script made behind this wrapper, if it has one. A target that still hears events lives on
+// until it is taken off the active list.
+void scriptReleaseTarget(BobInterp* interp, BobValue wrapper);
+
+// ---- values
+
+bool BobToKuiValue(BobInterp* interp, BobValue value, KuiValue* out);  // a string looks into the heap
+bool KuiToBobValue(BobInterp* interp, const KuiValue& value, BobValue* out);
+
+// Logs a complaint about what a script did.
+void scriptComplain(const char* text);
+
+inline constexpr char kInactiveWidget[] = "Operation attempted on inactive widget\n";
+inline constexpr char kInactiveFrame[] = "Operation attempted on inactive frame\n";
+inline constexpr char kExpectingInteger[] = "Expecting integer value\n";

@@ -1,0 +1,114 @@
+// The class EventTarget, and the delivery of events to script functions.
+#include "engine/graveyard.h"
+#include "engine/scriptbindings/bindings.h"
+#include "engine/scriptbindings/scriptbindings.h"
+
+namespace {
+
+void destroyTarget(ScriptTarget* target) {
+  if (target->gone) return;
+  target->gone = true;
+  scriptTargetGone(target);
+  targetDestroyLists(target);
+  scriptRuntime->targets.remove(target);
+  bury(target);
+}
+
+ScriptTarget* scriptTargetBehind(BobInterp* interp, BobValue wrapper) {
+  return dynamic_cast<ScriptTarget*>(static_cast<EventTarget*>(bobNativePointer(interp, wrapper)));
+}
+
+BobValue initialize(BobInterp* interp) {
+  BobValue self;
+  bobParse(interp, "V=*", scriptRuntime->targetKind, &self);
+  scriptReleaseTarget(interp, self);  // one that it had before
+  auto* target = new ScriptTarget(nullptr);
+  scriptRuntime->targets.push_front(target);
+  target->scriptHandle = bobMakeHandle(interp, static_cast<EventTarget*>(target));
+  bobHandleOf(interp, self) = target->scriptHandle;
+  return self;
+}
+
+ScriptHandler* newHandler(int32_t code, BobValue callback) {
+  auto* handler = new ScriptHandler(uint32_t(code));
+  handler->callback = callback;
+  scriptRuntime->handlers.push_front(handler);
+  handler->place = scriptRuntime->handlers.begin();
+  return handler;
+}
+
+BobValue addHook(BobInterp* interp, bool (*add)(EventTarget*, EventHandler*)) {
+  void* pointer;
+  int32_t code;
+  BobValue callback;
+  bobParse(interp, "P=*iV", scriptRuntime->targetKind, &pointer, &code, &callback);
+  if (!pointer) return kBobFalse;
+  ScriptHandler* handler = newHandler(code, callback);
+  if (!add(static_cast<EventTarget*>(pointer), handler)) {
+    handler->fn(nullptr);
+    delete handler;
+  }
+  return kBobTrue;  // whether it was taken or refused
+}
+
+BobValue observeEvent(BobInterp* interp) { return addHook(interp, observerAdd); }
+BobValue onEvent(BobInterp* interp) { return addHook(interp, handlerAdd); }
+
+BobValue changeActive(BobInterp* interp, bool (*change)(EventTarget*)) {
+  void* pointer;
+  bobParse(interp, "P=*", scriptRuntime->targetKind, &pointer);
+  return bobBoolean(pointer && change(static_cast<EventTarget*>(pointer)));
+}
+
+BobValue push(BobInterp* interp) { return changeActive(interp, targetActivate); }
+BobValue remove(BobInterp* interp) { return changeActive(interp, targetDeactivate); }
+
+constexpr BobMethodRow kMethods[] = {
+    {"initialize", initialize}, {"ObserveEvent", observeEvent},
+    {"OnEvent", onEvent},       {"Push", push},
+    {"Remove", remove},         {nullptr, nullptr},
+};
+
+}  // namespace
+
+void scriptReleaseTarget(BobInterp* interp, BobValue wrapper) {
+  ScriptTarget* target = scriptTargetBehind(interp, wrapper);
+  if (!target) return;
+  if (target != defaultTarget() && !(target->targetFlags & kTargetActive)) return destroyTarget(target);
+  target->hasWrapper = false;
+  scriptTargetGone(target);
+}
+
+int ScriptTarget::handleEvent(const Event* event) {
+  if (event) return 0;
+  if (!hasWrapper) destroyTarget(this);
+  return 1;
+}
+
+int ScriptHandler::fn(const Event* event) {
+  if (!event) {
+    scriptRuntime->handlers.erase(place);
+    return 1;
+  }
+  BobInterp* interp = scriptRuntime->interp;
+  BobValue result = kBobNil;
+  bobTry(interp, [&] {
+    const BobValue wrapper = scriptWrapEvent(interp, *event);  // ahead of the callback, which it can move
+    result = bobCall(&interp->rootScope, callback, {wrapper});
+  });
+  return result != kBobNil;
+}
+
+bool scriptDefineTarget(ScriptRuntime& runtime) {
+  runtime.targetKind = bobMakeKind(runtime.interp, 0, "EventTarget", kMethods, nullptr);
+  if (runtime.targetKind) bobSetFinalizer(runtime.interp, runtime.targetKind, scriptReleaseTarget);
+  return runtime.targetKind != 0;
+}
+
+void scriptCopyHandlerRoots(ScriptRuntime& runtime) {
+  for (ScriptHandler* handler : runtime.handlers) handler->callback = bobCopyValue(runtime.interp, handler->callback);
+}
+
+void scriptDestroyTargets(ScriptRuntime& runtime) {
+  while (!runtime.targets.empty()) destroyTarget(runtime.targets.front());
+}

@@ -1,0 +1,100 @@
+// The runtime's start and stop: one interpreter of the player's sizes, the classes, and the language "script".
+#include "engine/graveyard.h"
+#include "engine/language.h"
+#include "engine/scriptbindings/bindings.h"
+#include "engine/scriptbindings/scriptbindings.h"
+#include "engine/scriptbindings/stringtable.h"
+#include "host/host.h"
+
+std::unique_ptr<ScriptRuntime> scriptRuntime;
+
+namespace {
+
+constexpr uint32_t kHeapBytes = 102400, kStackWords = 65536;
+constexpr size_t kMaxRoots = 10;
+
+bool readOnlyFiles = false;
+
+// Scripts print to the message console and read nothing.
+class ConsoleStream : public BobStream {
+ public:
+  int PutC(int c) override {
+    hostPutChar(char(c));
+    return c;
+  }
+};
+
+ConsoleStream consoleStream;
+
+constexpr ScriptingLanguage kScript = {scriptAttach, scriptDetach, scriptLoadFile, scriptRun};
+
+FILE* openForReading(const char* path, const char* mode) {
+  return std::string_view(mode).find_first_of("wa+") == std::string_view::npos ? std::fopen(path, mode) : nullptr;
+}
+
+void collectorHook(BobInterp* interp, void*) {
+  for (const CollectorRoot& root : scriptRuntime->roots) root.copyRoots(interp, root.data);
+  scriptCopyHandlerRoots(*scriptRuntime);
+  scriptCopyTimerRoots(*scriptRuntime);
+}
+
+// The hook for what pages of a session share. One reference stays on the stack for good.
+void makeKova(BobInterp* interp) {
+  const BobValue kova = bobMakeClass(interp, "KOVA", interp->objectClass, nullptr);
+  bobCheckRoom(interp, 1);
+  bobPush(interp, kova);
+}
+
+bool defineClasses(ScriptRuntime& runtime) {
+  return scriptDefineTarget(runtime) && scriptDefineEvents(runtime) && scriptDefineWidget(runtime) &&
+         scriptDefineFrame(runtime) && scriptDefineTextStyle(runtime) && scriptDefineTimer(runtime) &&
+         scriptDefineStringTable(runtime);
+}
+
+bool start(ScriptRuntime& runtime) {
+  BobInterp* interp = runtime.interp;
+  bobRegisterGlobals(interp);
+  interp->gcHook = collectorHook;
+  interp->stdinStream = interp->stdoutStream = interp->stderrStream = &consoleStream;
+  if (readOnlyFiles) interp->openFile = openForReading;
+  makeKova(interp);
+  return defineClasses(runtime);
+}
+
+}  // namespace
+
+int scriptRuntimeStart() {
+  BobInterp* interp = bobMakeInterp(kHeapBytes, 0, kStackWords);
+  if (!interp) return 0;
+  scriptRuntime = std::make_unique<ScriptRuntime>();
+  scriptRuntime->interp = interp;
+  bool started = false;
+  if (!bobTry(interp, [&] { started = start(*scriptRuntime); }) || !started || !languageRegister("script", kScript)) {
+    scriptRuntimeStop();
+    return 0;
+  }
+  return 1;
+}
+
+void scriptRuntimeStop() {
+  if (!scriptRuntime) return;
+  EngineCall call;
+  scriptDestroyTimers(*scriptRuntime);
+  scriptDestroyTargets(*scriptRuntime);
+  bobDestroyInterp(scriptRuntime->interp);
+  scriptRuntime.reset();
+}
+
+void bobInitCompiler() {
+  if (scriptRuntime) bobTry(scriptRuntime->interp, [] { bobInitCompiler(scriptRuntime->interp); });
+}
+
+void scriptSetReadOnly(bool readOnly) { readOnlyFiles = readOnly; }
+
+BobInterp* scriptInterp() { return scriptRuntime ? scriptRuntime->interp : nullptr; }
+
+int scriptRegisterRoot(void (*copyRoots)(BobInterp*, void*), void* data) {
+  if (!scriptRuntime || scriptRuntime->roots.size() == kMaxRoots) return 0;
+  scriptRuntime->roots.push_back({copyRoots, data});
+  return 1;
+}

@@ -1,0 +1,93 @@
+// Frames in the language: their scopes, what a page publishes there, and running its scripts.
+#include "engine/core.h"
+#include "engine/frame.h"
+#include "engine/graveyard.h"
+#include "engine/scriptbindings/bindings.h"
+#include "engine/scriptbindings/scriptbindings.h"
+
+namespace {
+
+BobScope* scopeAround(const Frame* frame) {
+  return frame->frame ? frame->frame->scriptEnv->scope : &scriptRuntime->interp->rootScope;
+}
+
+void bindOwnNames(BobScope* scope, Frame* frame) {
+  bobSetGlobal(scope, "parent", frame->frame ? scopeAround(frame)->object : kBobNil);
+  bobSetGlobal(scope, "frame", scriptWrapTarget(scope->interp, scriptRuntime->frameKind, frame));
+}
+
+// Of two widgets of one name, scripts see the last.
+BobValue widgetsObject(BobInterp* interp, const Frame* frame) {
+  const BobLocal object(interp, bobMakeObject(interp, interp->objectClass));
+  for (Widget* widget = frame->widgets; widget; widget = widget->nextInFrame) {
+    if (!widget->name) continue;
+    const BobLocal wrapper(interp, scriptWrapWidget(interp, widget));
+    const BobValue name = bobIntern(interp, widget->name);
+    bobSetProperty(interp, object, name, wrapper);
+  }
+  return object;
+}
+
+}  // namespace
+
+ScriptScope::~ScriptScope() {
+  if (scriptRuntime) bobReleaseScope(scope);
+}
+
+std::unique_ptr<ScriptScope> scriptScopeCreate(Frame* frame) {
+  BobInterp* interp = scriptRuntime->interp;
+  std::unique_ptr<ScriptScope> result;
+  const bool made = bobTry(interp, [&] {
+    result = std::make_unique<ScriptScope>(bobMakeScope(scopeAround(frame)));
+    if (!frame->frame)
+      bobSetGlobal(&interp->rootScope, "topFrame", scriptWrapTarget(interp, scriptRuntime->frameKind, frame));
+    bindOwnNames(result->scope, frame);
+  });
+  return made ? std::move(result) : nullptr;
+}
+
+int scriptAttach(Frame* frame) {
+  BobScope* scope = frame->scriptEnv->scope;
+  BobInterp* interp = scope->interp;
+  return bobTry(interp, [&] {
+    const BobLocal widgets(interp, widgetsObject(interp, frame));
+    const BobLocal styles(interp, bobMakeObject(interp, interp->objectClass));
+    bobSetGlobal(scope, "widgets", widgets);
+    bobSetGlobal(scope, "textStyles", styles);
+  });
+}
+
+int scriptDetach(Frame* frame) {
+  BobScope* scope = frame->scriptEnv->scope;
+  return bobTry(scope->interp, [&] {
+    bobClearProperties(scope->interp, scope->object);
+    bindOwnNames(scope, frame);
+  });
+}
+
+int scriptLoadFile(Frame* frame, const char* path) {
+  EngineCall call;
+  BobScope* scope = frame->scriptEnv->scope;
+  bool loaded = false;
+  return bobTry(scope->interp, [&] { loaded = bobLoadObjectFile(scope, path); }) && loaded;
+}
+
+int scriptRun(Frame* frame, const uint8_t* bytes, uint32_t length) {
+  EngineCall call;
+  BobStringInput stream({reinterpret_cast<const char*>(bytes), length});
+  return bobLoadObjectStream(frame->scriptEnv->scope, &stream);
+}
+
+int scriptLoadStartupFile(const char* path) {
+  EngineCall call;
+  if (!scriptRuntime) return 0;
+  bool loaded = false;
+  return bobTry(scriptRuntime->interp, [&] { loaded = bobLoadObjectFile(&scriptRuntime->interp->rootScope, path); }) &&
+         loaded;
+}
+
+void consoleEvaluate(Frame* frame, const char* text, uint32_t length) {
+  EngineCall call;
+  if (!frame || !scriptRuntime || !scriptRuntime->interp->compiler) return;
+  bobConsoleEvaluate(frame->scriptEnv->scope, {text, length});
+}

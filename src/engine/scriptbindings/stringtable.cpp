@@ -1,0 +1,103 @@
+#include "engine/scriptbindings/stringtable.h"
+
+#include <algorithm>
+
+#include "engine/core.h"
+#include "engine/scriptbindings/bindings.h"
+#include "host/host.h"
+
+namespace {
+
+constexpr size_t kCountOffset = 20, kEntriesOffset = 32, kEntrySize = 12;
+constexpr size_t kLengthField = 4, kOffsetField = 8;  // in an entry
+constexpr size_t kMaxLength = 80;
+
+StringTableFile* tableBehind(BobInterp* interp, BobValue wrapper) {
+  return static_cast<StringTableFile*>(bobNativePointer(interp, wrapper));
+}
+
+bool closeTable(BobInterp* interp, BobValue wrapper) {
+  StringTableFile* table = tableBehind(interp, wrapper);
+  if (!table) return false;
+  bobReleaseHandle(interp, bobHandleOf(interp, wrapper));
+  std::erase_if(scriptRuntime->tables, [table](const auto& open) { return open.get() == table; });
+  return true;
+}
+
+void finalize(BobInterp* interp, BobValue wrapper) { closeTable(interp, wrapper); }
+
+BobValue initialize(BobInterp* interp) {
+  BobValue self;
+  const char* name;
+  bobParse(interp, "V=*S", scriptRuntime->tableKind, &self, &name);
+  std::unique_ptr<StringTableFile> table = StringTableFile::open(name);
+  if (!table) return kBobNil;
+  closeTable(interp, self);  // one that it had before
+  bobHandleOf(interp, self) = bobMakeHandle(interp, table.get());
+  scriptRuntime->tables.push_back(std::move(table));
+  return self;
+}
+
+BobValue close(BobInterp* interp) {
+  BobValue self;
+  bobParse(interp, "V=*", scriptRuntime->tableKind, &self);
+  return bobBoolean(closeTable(interp, self));
+}
+
+BobValue string(BobInterp* interp) {
+  void* pointer;
+  int32_t index;
+  bobParse(interp, "P=*i", scriptRuntime->tableKind, &pointer, &index);
+  if (!pointer) return kBobNil;
+  const std::string_view text = static_cast<StringTableFile*>(pointer)->string(index);
+  return text.empty() ? kBobNil : bobMakeString(interp, text);
+}
+
+constexpr BobMethodRow kMethods[] = {
+    {"initialize", initialize},
+    {"Close", close},
+    {"String", string},
+    {nullptr, nullptr},
+};
+
+}  // namespace
+
+std::unique_ptr<StringTableFile> StringTableFile::open(const char* name) {
+  HostFile* file = hostOpen(name);
+  if (!file) {
+    if (logVerbose) hostLog("Can't open '%s'\n", name);
+    return nullptr;
+  }
+  std::vector<uint8_t> bytes(hostFileSize(file));
+  const bool whole = hostRead(file, bytes.data(), bytes.size()) == bytes.size();
+  hostClose(file);
+  if (!whole) {
+    scriptComplain("Read failed\n");
+    return nullptr;
+  }
+  return std::make_unique<StringTableFile>(std::move(bytes));
+}
+
+uint32_t StringTableFile::bigEndian(size_t offset) const {
+  const uint8_t* p = bytes.data() + offset;
+  return uint32_t(p[0]) << 24 | uint32_t(p[1]) << 16 | uint32_t(p[2]) << 8 | p[3];
+}
+
+std::string_view StringTableFile::string(int32_t index) const {
+  if (bytes.size() < kCountOffset + 4) return {};
+  const uint8_t* c = bytes.data() + kCountOffset;
+  const uint32_t count = uint32_t(c[3]) << 24 | uint32_t(c[2]) << 16 | uint32_t(c[1]) << 8 | c[0];
+  if (index < 1 || uint32_t(index) > count) return {};
+
+  const size_t entry = kEntriesOffset + kEntrySize * (size_t(index) - 1);
+  if (entry + kEntrySize > bytes.size()) return {};
+  const size_t length = bigEndian(entry + kLengthField), offset = bigEndian(entry + kOffsetField);
+  if (length > bytes.size() || offset > bytes.size() - length) return {};
+  return {reinterpret_cast<const char*>(bytes.data()) + offset, std::min(length, kMaxLength)};
+}
+
+bool scriptDefineStringTable(ScriptRuntime& runtime) {
+  runtime.tableKind = bobMakeKind(runtime.interp, 0, "StringTable", kMethods, nullptr);
+  if (runtime.tableKind) bobSetFinalizer(runtime.interp, runtime.tableKind, finalize);
+  return runtime.tableKind != 0;
+}

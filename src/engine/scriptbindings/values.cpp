@@ -1,0 +1,67 @@
+// Wrappers, and values on their way between widgets and scripts.
+#include "engine/core.h"
+#include "engine/frame.h"
+#include "engine/scriptbindings/bindings.h"
+#include "engine/scriptbindings/scriptbindings.h"
+#include "host/host.h"
+
+void scriptComplain(const char* text) {
+  if (logVerbose) hostLog("%s", text);
+}
+
+BobValue scriptWrapTarget(BobInterp* interp, uint32_t kind, EventTarget* target) {
+  if (!target->scriptHandle) target->scriptHandle = bobMakeHandle(interp, target);
+  const BobValue wrapper = bobMakeNative(interp, kind);
+  bobHandleOf(interp, wrapper) = target->scriptHandle;
+  return wrapper;
+}
+
+BobValue scriptWrapWidget(BobInterp* interp, Widget* widget) {
+  uint32_t kind = scriptRuntime->widgetKind;
+  if (const char* type = widgetAttrString(widget, "type"))
+    for (const auto& [name, kindOfType] : scriptRuntime->widgetTypes)
+      if (name == type) kind = kindOfType;
+  return scriptWrapTarget(interp, kind, widget);
+}
+
+void scriptTargetGone(EventTarget* target) {
+  if (!scriptRuntime || !target->scriptHandle) return;
+  bobReleaseHandle(scriptRuntime->interp, target->scriptHandle);
+  target->scriptHandle = 0;
+}
+
+Widget* scriptWidgetOf(void* pointer) { return dynamic_cast<Widget*>(static_cast<EventTarget*>(pointer)); }
+
+// A getter is also called with the class object itself, which is no widget.
+Widget* scriptWidgetOf(BobInterp* interp, BobValue value) {
+  if (!bobIsOfKind(interp, value, scriptRuntime->widgetKind)) return nullptr;
+  return scriptWidgetOf(bobNativePointer(interp, value));
+}
+
+Frame* scriptFrameOf(void* pointer) { return dynamic_cast<Frame*>(static_cast<EventTarget*>(pointer)); }
+
+bool BobToKuiValue(BobInterp* interp, BobValue value, KuiValue* out) {
+  if (value == kBobNil) {
+    out->kind = KuiValue::kNil;
+  } else if (bobIsInteger(interp, value)) {
+    out->kind = KuiValue::kInteger;
+    out->integer = bobIntegerValue(interp, value);
+  } else if (interp->isA(value, kBobString)) {
+    out->kind = KuiValue::kString;
+    out->string = bobStringText(interp, value);
+  } else {
+    scriptComplain("BobToKuiValue - unknown type\n");
+    return false;
+  }
+  return true;
+}
+
+bool KuiToBobValue(BobInterp* interp, const KuiValue& value, BobValue* out) {
+  switch (value.kind) {
+    case KuiValue::kNil: *out = kBobNil; return true;
+    case KuiValue::kString: *out = bobMakeString(interp, value.string); return true;
+    case KuiValue::kInteger: *out = bobMakeInteger(interp, value.integer); return true;
+  }
+  if (logVerbose) hostLog("KuiToBobValue - unknown type %d\n", int(value.kind));
+  return false;
+}
