@@ -119,6 +119,7 @@ void frameRun(Frame* frame, PageScript script) {
 
 int frameRunScript(Frame* frame, const char* attributeName) {
   PageScript script;
+  if (!frame->pageData) return 0;
   if (!attrScript(frame->rootObject, attributeName, &script)) return 0;
   frameRun(frame, script);
   return 1;

@@ -32,9 +32,7 @@ void copyPiece(const CachedImage& image, int sx, int sy, int x, int y, int w, in
   bitmap.fHeight = uint32_t(h);
   bitmap.fRowBytes = image.rowBytes;
   const Clut* clut = imageClut(image);
-  hsGColorTable* table = clut ? clut->colorTable : displayColorTable();
-  if (!table) return displayFlush();  // a 16-bit screen has no colours for it
-  bitmap.SetColorTable(table);
+  bitmap.SetColorTable(clut ? clut->colorTable : displayColorTable());
   displayCopyBitmap(bitmap, x, y);
 }
 
@@ -64,6 +62,10 @@ int imageDraw(const char* name, int offsetX, int offsetY, Bounds* rect, bool til
   const int sx = offsetX % width, sy = offsetY % height;
   if (rect->w == 0) rect->w = width - sx;
   if (rect->h == 0) rect->h = height - sy;
+  if (!imageClut(*image) && !displayColorTable()) {  // a 16-bit screen has no colours for it
+    displayFlush();
+    return 1;
+  }
   if (!tile) {
     copyPiece(*image, sx, sy, rect->x, rect->y, std::min(width - sx, rect->w), std::min(height - sy, rect->h));
     return 1;

@@ -197,7 +197,7 @@ int frameLoad(Frame* frame, const char* path) {
 
 void frameUnload(Frame* frame) {
   EngineCall call;
-  if (frame->gone || frame->unloading) return;
+  if (frame->gone || frame->unloading || !frame->pageData) return;
   frame->unloading = true;
   ++frame->generation;
   while (frame->widgets) {
@@ -215,6 +215,7 @@ void frameUnload(Frame* frame) {
 }
 
 int frameUnloadAndClear(Frame* frame) {
+  EngineCall call;
   if (!frame->pageData || frame->unloading) return 0;
   frameUnload(frame);
   widgetMarkDirty(frame, kWidgetFullRedraw);

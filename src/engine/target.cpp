@@ -122,6 +122,7 @@ EventTarget* defaultTarget() { return theDefaultTarget; }
 
 void targetDestroyLists(EventTarget* target) {
   targetDeactivate(target);
+  if (target->gone && theDefaultTarget == target) theDefaultTarget = nullptr;
   destroyHandlers(target->observers);
   destroyHandlers(target->handlers);
 }

@@ -63,9 +63,8 @@ void timerStop(Timer* timer) {
 void timerDestroy(Timer* timer) {
   EngineCall call;
   if (timer->gone) return;
+  timer->gone = true;  // so that its callback can neither arm it again nor destroy it once more
   if (timer->timerFlags & kTimerArmed) timerStop(timer);
-  if (timer->gone) return;  // its callback destroyed it
-  timer->gone = true;
   bury(timer);
 }
 

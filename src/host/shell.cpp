@@ -59,7 +59,7 @@ bool Shell::loadPage(const std::string& path) {
   std::error_code ignored;  // a folder that can't be entered leaves the current one; the load then says what it misses
   const auto folder = std::filesystem::path(path).parent_path();
   if (!folder.empty()) std::filesystem::current_path(folder, ignored);
-  return frameLoad(topFrame(), path.c_str()) != 0;
+  return topFrame() && frameLoad(topFrame(), path.c_str()) != 0;
 }
 
 void Shell::consoleEnter(const std::function<void()>& breakLine) {

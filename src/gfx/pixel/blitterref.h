@@ -6,7 +6,9 @@
 class hsGBlitterRef {
  public:
   explicit hsGBlitterRef(hsGBlitter* owned) : fBlitter(owned) {}  // takes over the caller's reference
-  ~hsGBlitterRef() noexcept(false) { fBlitter->UnRef(); }
+  ~hsGBlitterRef() noexcept(false) {
+    if (fBlitter) fBlitter->UnRef();
+  }
   hsGBlitterRef(const hsGBlitterRef&) = delete;
   hsGBlitterRef& operator=(const hsGBlitterRef&) = delete;
 

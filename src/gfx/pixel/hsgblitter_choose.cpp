@@ -17,7 +17,7 @@ bool IsFull(const hsGAttribute& attr, int32_t maskType) {
 }
 
 hsGBlitter* ChooseA(const hsGBitmap& bitmap, const hsGAttribute& attr, int32_t maskType) {
-  (void)hsAssert(bitmap.fConfig == hsGBitmap::kConfig_Alpha8, "expected alpha device");
+  hsThrowIfNilParam(hsAssert(bitmap.fConfig == hsGBitmap::kConfig_Alpha8, "expected alpha device") ? &bitmap : nullptr);
   // A mask of three planes still takes a solid blitter here.
   if (!hsIsPlainPaint(attr)) return new hsGShaderBlitterA(bitmap, attr, attr.Shader(), maskType);
   if (IsFull(attr, maskType)) return new hsGColorBlitterAOpaque(bitmap, attr.Color());
@@ -27,14 +27,14 @@ hsGBlitter* ChooseA(const hsGBitmap& bitmap, const hsGAttribute& attr, int32_t m
 }  // namespace
 
 hsGBlitter* hsChooseBlitter16(const hsGBitmap& bitmap, const hsGAttribute& attr, hsGShader* shader, int32_t maskType) {
-  (void)hsAssert(bitmap.fPixelSize == 16, "expected device depth 16");
+  hsThrowIfNilParam(hsAssert(bitmap.fPixelSize == 16, "expected device depth 16") ? &bitmap : nullptr);
   if (shader || attr.XferMode() || maskType == kMask_3D) return new hsGShaderBlitter16(bitmap, attr, shader, maskType);
   if (IsFull(attr, maskType)) return new hsGColorBlitter16Opaque(bitmap, attr.Color());
   return new hsGColorBlitter16(bitmap, attr.Color());
 }
 
 hsGBlitter* hsChooseBlitter8(const hsGBitmap& bitmap, const hsGAttribute& attr, hsGShader* shader, int32_t maskType) {
-  (void)hsAssert(bitmap.fPixelSize == 8, "expected device depth 8");
+  hsThrowIfNilParam(hsAssert(bitmap.fPixelSize == 8, "expected device depth 8") ? &bitmap : nullptr);
   hsThrowIfNilParam(hsAssert(bitmap.fColorTable, "need color table") ? bitmap.fColorTable : nullptr);
   if (shader || attr.XferMode() || maskType == kMask_3D) return new hsGShaderBlitter8(bitmap, attr, shader, maskType);
   if (maskType != kMask_Bit) return new hsGColorBlitter8(bitmap, hsPaletteColor(bitmap, attr));

@@ -261,6 +261,7 @@ void hsGRawDraw::DrawBitmap(const hsGBitmap& bitmap, hsScalar x, hsScalar y) {
     matrix.MapRect(&source, &rect, type);
     if (fBounder && fBounder->BoundFixedRect(rect, matrix, fClip, nullptr, false)) return;
     const Ref blitter(fAttr->GetBitmapBlitter(*fBitmap, kMask_Bit, bitmap, matrix));
+    if (!blitter) return;
     return HSScan::FillRect(&rect, clip, blitter, false);
   }
   hsPoint corners[4];
@@ -269,6 +270,7 @@ void hsGRawDraw::DrawBitmap(const hsGBitmap& bitmap, hsScalar x, hsScalar y) {
   const hsPath path = QuadPath(corners);
   if (fBounder && fBounder->BoundPath(path, matrix, fClip, nullptr, false)) return;
   const Ref blitter(fAttr->GetBitmapBlitter(*fBitmap, kMask_Bit, bitmap, matrix));
+  if (!blitter) return;
   if (IsConvexQuad(corners)) {
     HSScan::FillQuad(corners, clip, blitter);
   } else {

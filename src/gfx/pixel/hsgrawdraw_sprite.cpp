@@ -1,4 +1,5 @@
 // Bitmaps at whole pixels, and the moving of pixels already drawn.
+#include <algorithm>
 #include <cstring>
 
 #include "gfx/foundation/hsdebug.h"
@@ -39,7 +40,8 @@ void hsGRawDraw::DrawSprite(const hsGBitmap& target, const hsGBitmap& bitmap, in
   if (clip && !rect.Intersect(clip->Bounds())) return;
   if (!hsAssert(requested.Contains(rect), "bad clipping")) return;
 
-  const hsGBitmap part = From(bitmap, rect.fLeft - x, rect.fTop - y);
+  const hsGBitmap part =
+      rect.fLeft != x || rect.fTop != y ? From(bitmap, rect.fLeft - x, rect.fTop - y) : bitmap;
   hsGBlitter* blitter = cached;
   if (cached && cached->Retarget(part, rect.fLeft, rect.fTop)) {
     cached->Ref();
@@ -74,6 +76,9 @@ void hsGRawDraw::Scroll(const hsIntRect& rect, int32_t dx, int32_t dy, hsRegion*
     if (fBounder->BoundRect(touched, fClip)) return;
   }
   if (dx == 0 && dy == 0) return;
+  // Nothing that moves by its own size stays inside, and a region can't be moved farther than its numbers go.
+  const auto tooFar = [](int32_t by, uint32_t size) { return hsMagnitude32(by) >= std::min<uint32_t>(size, 32767); };
+  if (tooFar(dx, fBitmap->fWidth) || tooFar(dy, fBitmap->fHeight)) return;
   if (fBitmap->fPixelSize != 8 && fBitmap->fPixelSize != 16)
     hsThrowReported("unsupported bitdepth", fBitmap->fPixelSize, hsException::kGeneric);
 

@@ -120,7 +120,8 @@ void QtDesktop::schedule() {
   if (engineBusy()) {
     wakeUp.start(0);
   } else if (timersNextDue(&due)) {
-    wakeUp.start(std::max(0, int32_t(due - milliseconds())));
+    const uint32_t now = milliseconds();
+    wakeUp.start(due <= now ? 0 : int(std::min<uint32_t>(due - now, INT32_MAX)));
   } else {
     wakeUp.stop();
   }
