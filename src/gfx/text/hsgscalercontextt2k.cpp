@@ -184,12 +184,12 @@ void hsGScalerContextT2K::GetFontMetrics(hsPoint* ascent, hsPoint* descent, hsPo
     along = {scaler->xMaxLinearAdvanceWidth, hsWrapNeg(scaler->yMaxLinearAdvanceWidth)};
     slant = {scaler->caretDx, hsWrapNeg(scaler->caretDy)};
   }
-  const hsPoint none{};
-  const hsPoint axes[2] = {{fRecord.fTextSize, 0}, {0, hsWrapNeg(fRecord.fTextSize)}};
-  hsPoint mapped[2];
-  fRecord.fMatrix.MapVectors(2, axes, mapped);
-  along = Unit(along == none ? mapped[0] : along);
-  slant = Unit(slant == none ? mapped[1] : slant);
+  const auto& m = fRecord.fMatrix.fMap;
+  const hsFixed size = fRecord.fTextSize;
+  if (along == hsPoint{}) along = {hsFixMulSat(m[0][0], size), hsFixMulSat(m[1][0], size)};
+  if (slant == hsPoint{}) slant = {hsWrapNeg(hsFixMulSat(m[0][1], size)), hsWrapNeg(hsFixMulSat(m[1][1], size))};
+  along = Unit(along);
+  slant = Unit(slant);
   if (ascent) *ascent = Meet(top, along, slant);
   if (descent) *descent = Meet(bottom, along, slant);
   if (baseline) *baseline = along;

@@ -19,14 +19,16 @@ std::unique_ptr<hsGScalerContext> NewContext(const hsDescriptor* desc) {
   return context;
 }
 
+// Pixels that the sides of a unit square reach over along an axis; the matrix may scale by any amount.
+int64_t Reach(int64_t a, int64_t b) {
+  const int64_t low = std::min<int64_t>({0, a, b, a + b}), high = std::max<int64_t>({0, a, b, a + b});
+  return ((high + 0xFFFF) >> 16) - (low >> 16);
+}
+
 // Room for some images of the strike's glyphs.
 int32_t ChunkSize(const hsGScalerRecord& record) {
-  const hsRect unit = {0, 0, kFixed1, kFixed1};
-  hsRect mapped;
-  hsIntRect bounds;
-  record.fMatrix.MapRect(&unit, &mapped);
-  mapped.RoundOut(&bounds);
-  int64_t size = std::min<int64_t>(int64_t{bounds.Width()} * bounds.Height(), INT32_MAX) * 8;
+  const auto& m = record.fMatrix.fMap;
+  int64_t size = Reach(m[0][0], m[0][1]) * Reach(m[1][0], m[1][1]) * 8;
   if (!(record.fFlags & hsGScalerRecord::kAntiAlias)) size /= 8;
   return int32_t(std::clamp<int64_t>(size, kSmallestChunk, kLargestChunk));
 }

@@ -13,10 +13,9 @@ namespace {
 
 constexpr uint16_t kSpace = 0x20;
 
+// (x, 0) without the translation; pages may give any extra under any scale.
 hsPoint MapLinear(const hsMatrix& matrix, hsFixed x) {
-  hsPoint vector = {x, 0};
-  matrix.MapVectors(1, &vector, &vector);
-  return vector;
+  return {hsFixMulSat(matrix.fMap[0][0], x), hsFixMulSat(matrix.fMap[1][0], x)};
 }
 
 constexpr hsPoint Divided(const hsPoint& p, uint32_t by) {
