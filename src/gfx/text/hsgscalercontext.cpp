@@ -8,6 +8,7 @@
 #include "gfx/pixel/hsgmask.h"
 #include "gfx/pixel/hsgrawdraw.h"
 #include "gfx/text/hsgfontregistry.h"
+#include "gfx/text/hsgsbitcontext.h"
 #include "gfx/text/hsgscalercontextt2k.h"
 #include "gfx/text/hsgstrike.h"
 #include "gfx/vector/hsscan.h"
@@ -48,6 +49,8 @@ hsGScalerContext* hsGScalerContext::Create(const hsDescriptor* desc) {
   if (hsDescriptor::Find32(desc, kRecord_FontScaler) != kScaler_Registered) return nullptr;
   hsGScalerRecord record;
   if (!FindRecord(desc, &record)) return nullptr;
+  if (hsGFontRegistry::GetFontByID(record.fFontID)->Format() == kFontFormat_BitmapOnly)
+    return new hsGSbitContext(desc, record.fEncoding != 0);
   return new hsGScalerContextT2K(desc);
 }
 
