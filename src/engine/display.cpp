@@ -29,6 +29,7 @@ class ScreenDevice : public hsGRasterDevice {
   hsGAttribute fillPaint;
   hsPath fillPath;
   hsGAttribute copyPaint;
+  hsGAttribute textPaint;
 };
 
 ScreenDevice::ScreenDevice(int w, int h) : width(w), height(h) {
@@ -121,14 +122,16 @@ void displaySetColor(hsGAttribute* attribute, uint32_t color) {
   attribute->SetColorIndex(-1);
 }
 
+void displayFillFixed(const hsRect& rect, uint32_t color) {
+  if (!isNumber(rect.fLeft) || !isNumber(rect.fTop) || !isNumber(rect.fRight) || !isNumber(rect.fBottom)) return;
+  displaySetColor(&theDevice->fillPaint, color);
+  theDevice->fillPath.Rewind();
+  theDevice->fillPath.AddRect(&rect);
+  theDevice->DrawPath(&theDevice->fillPath, &theDevice->fillPaint);
+}
+
 void displayFillRect(const Bounds& r, uint32_t color) {
-  const hsRect rect = {edge(r.x), edge(r.y), edge(r.x, r.w), edge(r.y, r.h)};
-  if (isNumber(rect.fLeft) && isNumber(rect.fTop) && isNumber(rect.fRight) && isNumber(rect.fBottom)) {
-    displaySetColor(&theDevice->fillPaint, color);
-    theDevice->fillPath.Rewind();
-    theDevice->fillPath.AddRect(&rect);
-    theDevice->DrawPath(&theDevice->fillPath, &theDevice->fillPaint);
-  }
+  displayFillFixed({edge(r.x), edge(r.y), edge(r.x, r.w), edge(r.y, r.h)}, color);
   displayFlush();
 }
 
@@ -152,6 +155,9 @@ hsGColorTable* displayColorTable() {
   theDevice->GetBitmap(&bitmap);
   return bitmap.fColorTable;
 }
+
+hsGRasterDevice* displayDevice() { return theDevice; }
+hsGAttribute* displayTextPaint() { return &theDevice->textPaint; }
 
 void displayDestroy() {
   if (theDevice) std::exchange(theDevice, nullptr)->UnRef();

@@ -7,10 +7,12 @@
 #include <cstdint>
 
 #include "engine/target.h"
+#include "gfx/foundation/hsrect.h"
 
 class hsGAttribute;
 class hsGBitmap;
 class hsGColorTable;
+class hsGRasterDevice;
 
 // Colours that mean the same on every screen: a palette index on an 8-bit screen, else 0xYYRRBBAA.
 inline constexpr int kColorBlack = 1, kColorWhite = 2, kColorTransparent = 3;
@@ -33,6 +35,9 @@ int displayTakeSwap();        // whether one was pending
 // Fills the rectangle (pixels; edges wrap at 16 bits) with an engine colour.
 void displayFillRect(const Bounds& rect, uint32_t color);
 
+// The same for a rectangle in 16.16, without a flush. One with an edge that is no number fills nothing.
+void displayFillFixed(const hsRect& rect, uint32_t color);
+
 // Copies a bitmap to the screen with its top left corner at (x, y), and flushes.
 void displayCopyBitmap(const hsGBitmap& bitmap, int32_t x, int32_t y);
 
@@ -42,5 +47,9 @@ hsGColorTable* displayColorTable();  // of an 8-bit screen; null on a 16-bit one
 
 // Puts an engine colour into a paint, as the screen's depth wants it.
 void displaySetColor(hsGAttribute* attribute, uint32_t color);
+
+// For text: the screen's device, and the one paint that draws all text on it, which keeps what no style resets.
+hsGRasterDevice* displayDevice();
+hsGAttribute* displayTextPaint();
 
 void displayDestroy();

@@ -26,7 +26,7 @@ class GifWriter {
     const int clear = 1 << minimumBits;
     std::vector<int> codes;
     for (size_t i = 0; i < indices.size(); ++i) {
-      if (i % size_t(clear - 1) == 0) codes.push_back(clear);
+      if (i % size_t(clear - 2) == 0) codes.push_back(clear);
       codes.push_back(indices[i]);
     }
     codes.push_back(clear + 1);

@@ -18,7 +18,10 @@ BobValue scriptWrapTarget(BobInterp* interp, uint32_t kind, EventTarget* target)
 
 BobValue scriptWrapWidget(BobInterp* interp, Widget* widget) {
   uint32_t kind = scriptRuntime->widgetKind;
-  if (const char* type = widgetAttrString(widget, "type"))
+  // The kind was chosen when the widget was made; a type that is no string was told then.
+  const auto attribute = attrFind(widget->record, "type");
+  const char* type = nullptr;
+  if (attribute && attribute->tag == uint8_t(PageTag::string) && attrString(*attribute, &type))
     for (const auto& [name, kindOfType] : scriptRuntime->widgetTypes)
       if (name == type) kind = kindOfType;
   return scriptWrapTarget(interp, kind, widget);

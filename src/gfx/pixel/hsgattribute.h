@@ -25,6 +25,7 @@ class hsGTextContext;
 class hsGXferMode;
 class hsPath;
 struct hsDescriptor;
+struct hsGScalerRecord;
 
 class hsGAttribute : public hsRefCnt {
  public:
@@ -110,6 +111,29 @@ class hsGAttribute : public hsRefCnt {
   hsGLayerFilter* LayerFilter() const { return fLayerFilter; }
   void SetLayerFilter(hsGLayerFilter* filter);
 
+  // Text of length bytes in the paint's encoding. An encoding alone that changes keeps the strike of the text before.
+  //
+  // The advance width, 16.16 pixels of user space, and the font's top and bottom from the baseline, if asked for.
+  hsFixed MeasureText(uint32_t length, const void* text, hsPoint* outLeft, hsPoint* outRight);
+  // One advance a character; gives their number.
+  uint32_t GetTextWidths(uint32_t length, const void* text, hsFixed widths[]);
+  // The rule under the text; no change without one.
+  void GetUnderline(uint32_t length, const void* text, hsRect* rect);
+  // Adds the outlines up to the first glyph that starts beyond limit, if that isn't negative. "inconsistent text
+  // param".
+  void GetTextPath(uint32_t length, const void* text, hsFixed limit, hsPath* path);
+  // The number of characters. "unknown text-encoding".
+  uint32_t CountText(uint32_t length, const void* text) const;
+  // The entry to text under a matrix, nil for the identity; the caller holds a reference.
+  hsGTextContext* GetTextContext(const hsMatrix* matrix);
+  // A new descriptor of the text state, with what is to be added to each advance and to each glyph's place.
+  // "advance required", "glyphOffset required".
+  hsDescriptor* MakeStrikeDesc(const hsMatrix* matrix, hsPoint* outAdvance, hsPoint* outOffset);
+  // "BuildSimpleStrike called unnecessarily".
+  void BuildSimpleStrike();
+  // The descriptor of the fast text path: single bytes, no matrix, no face.
+  const hsDescriptor* SimpleStrikeDesc();
+
   // The blitter of this paint on a bitmap, the last one made over if it will do; the caller holds a reference.
   hsGBlitter* GetBlitter(const hsGBitmap& bitmap, int32_t maskType, const hsMatrix& matrix);
   // The blitter that draws `source` under the matrix; the caller holds a reference.
@@ -119,6 +143,7 @@ class hsGAttribute : public hsRefCnt {
  private:
   void DropStrike();  // the descriptor of the full text state
   void DropBlitter();
+  hsGScalerRecord PlainRecord();
 
   uint32_t fFlags;
   hsGColor fColor{0xFFFF, 0, 0, 0};
@@ -143,7 +168,9 @@ class hsGAttribute : public hsRefCnt {
 
   hsGBlitter* fCachedBlitter = nullptr;
   uint32_t fResolvedFontID = 0;
-  hsDescriptor* fStrikeDesc = nullptr;
+  hsDescriptor* fStrikeDesc = nullptr;  // for fStrikeMatrix
+  hsMatrix fStrikeMatrix;
+  hsPoint fAdvanceScale{0, 0}, fOriginOffset{0, 0};
   bool fSimpleDirty = true;
   hsDescriptor* fSimpleDesc = nullptr;
 };

@@ -244,7 +244,7 @@ void hsGRasterDevice::DoDrawPosText(uint32_t length, const void* text, const hsP
   Drawing(attr, [&] { fDraw.DrawPosText(length, text, positions, directions); });
 }
 
-void hsGRasterDevice::DrawFastText(uint32_t length, const void* text, const hsPoint& point, bool underline,
+void hsGRasterDevice::DrawFastText(uint32_t length, const void* text, hsPoint* point, const hsGUnderline* underline,
                                    hsGAttribute* attr) {
   hsThrowIfNilParam(attr);
   Drawing(attr, [&] { fDraw.DrawFastText(length, text, point, underline); });

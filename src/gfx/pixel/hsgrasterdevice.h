@@ -44,7 +44,8 @@ class hsGRasterDevice : public hsGDevice {
   void EraseColor(uint16_t r, uint16_t g, uint16_t b) { EraseColor(hsGColor{0xFFFF, r, g, b}); }
   void EraseColor(uint16_t a, uint16_t r, uint16_t g, uint16_t b) { EraseColor(hsGColor{a, r, g, b}); }
   void ScrollRect(const hsIntRect& rect, int32_t dx, int32_t dy, hsRegion* outDirty);
-  void DrawFastText(uint32_t length, const void* text, const hsPoint& point, bool underline, hsGAttribute* attr);
+  void DrawFastText(uint32_t length, const void* text, hsPoint* point, const hsGUnderline* underline,
+                    hsGAttribute* attr);
   // At whole pixels: only the translation of origin and layers counts, whatever the matrix.
   void CopyBitmap(const hsGBitmap* bitmap, hsScalar x, hsScalar y, hsGAttribute* attr);
 

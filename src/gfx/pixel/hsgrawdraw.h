@@ -14,6 +14,7 @@
 
 class hsGSpriteBlitter;
 struct hsGMask;
+struct hsGUnderline;
 
 struct hsGRawDraw {
   // Without bitmap, matrix or attribute each reports "nil param" and throws.
@@ -27,7 +28,8 @@ struct hsGRawDraw {
   void DrawSprite(const hsGBitmap& bitmap, int32_t x, int32_t y);
   void DrawText(uint32_t length, const void* text, hsScalar x, hsScalar y);
   void DrawPosText(uint32_t length, const void* text, const hsPoint positions[], const hsPoint directions[]);
-  void DrawFastText(uint32_t length, const void* text, const hsPoint& point, bool underline);
+  // Single bytes at a device position, which moves on to the end of the text; the underline may be nil.
+  void DrawFastText(uint32_t length, const void* text, hsPoint* point, const hsGUnderline* underline);
   void Erase(const hsGColor& color);
   // Moves the pixels of rect by whole pixels. outDirty, if given, becomes what was uncovered.
   void Scroll(const hsIntRect& rect, int32_t dx, int32_t dy, hsRegion* outDirty);

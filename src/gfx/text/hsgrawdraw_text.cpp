@@ -1,8 +1,237 @@
-// Text on the draw core.
+// Text on the draw core: as masks from the glyph cache, or as paths where masks won't do.
+#include <algorithm>
+#include <vector>
+
+#include "gfx/foundation/hsdebug.h"
+#include "gfx/pixel/blitterref.h"
+#include "gfx/pixel/hsgmask.h"
 #include "gfx/pixel/hsgrawdraw.h"
+#include "gfx/text/hsgtextcontext.h"
+#include "gfx/vector/hsgpatheffect.h"
+#include "gfx/vector/hsscan.h"
 
-void hsGRawDraw::DrawText(uint32_t, const void*, hsScalar, hsScalar) { Check(); }
+namespace {
 
-void hsGRawDraw::DrawPosText(uint32_t, const void*, const hsPoint[], const hsPoint[]) { Check(); }
+constexpr uint16_t kLargestImage = 2048;  // pixels a side; a larger glyph is passed over
 
-void hsGRawDraw::DrawFastText(uint32_t, const void*, const hsPoint&, bool) { Check(); }
+constexpr hsFixed RoundToPixel(hsFixed v) { return hsIntToFixed(hsFixedRound(v)); }
+
+// Puts the attribute's flags back if they have been changed.
+class FlagScope {
+ public:
+  explicit FlagScope(hsGAttribute* attr) : fAttr(attr), fSaved(attr->Flags()) {}
+  ~FlagScope() noexcept(false) {
+    if (fAttr->Flags() != fSaved) fAttr->SetFlags(fSaved);
+  }
+  FlagScope(const FlagScope&) = delete;
+  FlagScope& operator=(const FlagScope&) = delete;
+
+ private:
+  hsGAttribute* fAttr;
+  uint32_t fSaved;
+};
+
+// The attribute's settings for one text call.
+struct TextSettings {
+  explicit TextSettings(const hsGRawDraw& draw) {
+    const hsGPathEffect* effect = draw.fAttr->PathEffect();
+    asPaths = draw.fMatrix->GetType() & hsMatrix::kPerspectiveType ||
+              draw.fAttr->Flags() & hsGAttribute::kTextAsPaths || (effect && effect->DrawsTextAsPaths());
+    if (asPaths)
+      draw.fAttr->SetFlags((draw.fAttr->Flags() & ~uint32_t{hsGAttribute::kFrame}) | hsGAttribute::kNoGridFit);
+    hasSpacing = draw.fAttr->GetTextSpacing(&spacing);
+    alignment = std::max(spacing.fAlignment, 0);
+  }
+  const hsGTextSpacing* Spacing() const { return hasSpacing ? &spacing : nullptr; }
+  hsPoint Shift(const hsPoint& end) const { return {hsFixMulSat(alignment, end.fX), hsFixMulSat(alignment, end.fY)}; }
+
+  bool asPaths, hasSpacing;
+  hsGTextSpacing spacing;
+  hsFixed alignment;
+};
+
+// Draws masks of glyphs, one after the other, with one blitter.
+class GlyphPainter {
+ public:
+  GlyphPainter(const hsGRawDraw& draw, uint8_t maskType)
+      : fDraw(draw),
+        fMaskType(maskType),
+        fBlitter(draw.fAttr->GetBlitter(*draw.fBitmap, maskType, *draw.fMatrix)),
+        fDevice{0, 0, int32_t(draw.fBitmap->fWidth), int32_t(draw.fBitmap->fHeight)} {}
+
+  // With the pen at (x, y), half a pixel added. getImage gives the glyph's image or nil.
+  template <class GetImage>
+  void Draw(hsGGlyph* glyph, hsFixed x, hsFixed y, GetImage&& getImage) {
+    if (glyph->fWidth == 0 || glyph->fCharCode == hsGGlyph::kEmpty) return;
+    if (glyph->fWidth > kLargestImage || glyph->fHeight > kLargestImage) return;
+    const hsFixed atX = hsWrapAdd(x, glyph->fLeft);
+    const int32_t left = atX >> 16, top = hsWrapAdd(y, glyph->fTop) >> 16;
+    hsGMask mask;
+    mask.fBounds = {left, top, left + glyph->fWidth, top + glyph->fHeight};
+    if (fDraw.fBounder && fDraw.fBounder->BoundRect(mask.fBounds, fDraw.fClip)) return;
+    if (!fDevice.Intersects(mask.fBounds)) return;
+    mask.fImage = getImage(glyph);
+    if (!mask.fImage) return;
+    mask.fRowBytes = uint16_t(glyph->fRowBytes);
+    mask.fMaskType = fMaskType;
+    Blit(mask, atX);
+  }
+
+ private:
+  // Blitters take a mask without a clip only where it lies wholly on the device.
+  void Blit(const hsGMask& mask, hsFixed atX) {
+    const hsRegion* clip = fDraw.fClip;
+    if (!clip && !fDevice.Contains(mask.fBounds)) {
+      fWhole.SetRect(fDevice.fLeft, fDevice.fTop, fDevice.fRight, fDevice.fBottom);
+      clip = &fWhole;
+    }
+    if (clip && clip->IsRect() && clip->Bounds().Contains(mask.fBounds)) clip = nullptr;
+    if (fMaskType != kMask_LCD) return fBlitter->BlitMask(mask, clip);
+    const int32_t third = ((atX & 0xFFFF) * 3) >> 16;
+    hsAssert(third <= 2, "bad lcd");
+    fBlitter->BlitLCDMask(mask, clip, third);
+  }
+
+  const hsGRawDraw& fDraw;
+  uint8_t fMaskType;
+  hsGBlitterRef fBlitter;
+  hsIntRect fDevice;
+  hsRegion fWhole;
+};
+
+// The image of a glyph of the context; when there is no memory left, once more behind a purge.
+uint8_t* ImageOf(hsGTextContext& context, hsGGlyph* glyph) {
+  const uint8_t* image = context.GetImage(glyph);
+  if (!image) {
+    context.Purge();
+    glyph->fImage = nullptr;
+    image = context.GetImage(glyph);
+  }
+  return const_cast<uint8_t*>(image);
+}
+
+void DrawOutlines(hsGRawDraw* draw, hsGTextContext& context, uint32_t count, const hsGGlyph glyphs[],
+                  const hsPoint positions[], const hsPoint& origin) {
+  for (uint32_t i = 0; i < count; ++i) {
+    const hsPoint at = positions[i] + origin;
+    hsPath outline;
+    outline.Offset(at.fX, at.fY, context.GetPath(&glyphs[i]));
+    draw->DrawPath(outline);
+  }
+}
+
+// Each outline turned by its direction and moved to its position.
+void DrawTurnedOutlines(hsGRawDraw* draw, hsGTextContext& context, uint32_t count, const hsGGlyph glyphs[],
+                        const hsPoint positions[], const hsPoint directions[]) {
+  for (uint32_t i = 0; i < count; ++i) {
+    hsMatrix place;
+    place.SetSinCos(directions[i].fX, directions[i].fY, 0, 0);
+    place.PostTranslate(positions[i].fX, positions[i].fY);
+    hsPath outline;
+    outline.Transform(&place, context.GetPath(&glyphs[i]));
+    draw->DrawPath(outline);
+  }
+}
+
+void DrawTurnedGlyphs(hsGRawDraw* draw, hsGTextContext& plain, const hsPoint mapped[], const hsPoint directions[]) {
+  for (uint32_t i = 0; i < plain.Count();) {
+    hsMatrix turned = *draw->fMatrix;
+    turned.PreSinCos(directions[i].fX, directions[i].fY, 0, 0);
+    const hsGTextContextRef context(draw->fAttr->GetTextContext(&turned));
+    GlyphPainter painter(*draw, context->MaskType());
+    const hsPoint direction = directions[i];
+    for (; i < plain.Count() && directions[i] == direction; ++i) {
+      hsGGlyph glyph;
+      context->FillGlyph(plain.Chars()[i], &glyph);
+      painter.Draw(&glyph, mapped[i].fX, mapped[i].fY, [&](hsGGlyph* g) { return ImageOf(*context, g); });
+    }
+  }
+}
+
+}  // namespace
+
+void hsGRawDraw::DrawText(uint32_t length, const void* text, hsScalar x, hsScalar y) {
+  Check();
+  if (length == 0 || !text) return;
+  const FlagScope scope(fAttr);
+  const TextSettings settings(*this);
+  const hsGTextContextRef context(fAttr->GetTextContext(settings.asPaths ? nullptr : fMatrix));
+  const uint32_t count = context->SetText(length, text);
+  if (count == 0) return;
+  hsGGlyph* glyphs;
+  const hsPoint* positions = context->GetPositions(&glyphs, settings.Spacing());
+  if (fAttr->Flags() & hsGAttribute::kLayoutOnly) return;
+  const hsPoint shift = settings.Shift(positions[count]);
+  if (settings.asPaths) return DrawOutlines(this, *context, count, glyphs, positions, hsPoint{x, y} - shift);
+
+  hsPoint origin = {x, y};
+  fMatrix->MapPoints(1, &origin, &origin);
+  origin = origin - shift;
+  origin = {RoundToPixel(origin.fX), RoundToPixel(origin.fY)};
+  {
+    GlyphPainter painter(*this, context->MaskType());
+    for (uint32_t i = 0; i < count; ++i) {
+      const hsPoint at = origin + positions[i] + hsPoint{kFixedHalf, kFixedHalf};
+      painter.Draw(&glyphs[i], at.fX, at.fY, [&](hsGGlyph* glyph) { return ImageOf(*context, glyph); });
+    }
+  }
+  if (context->HasUnderline())
+    context->DrawUnderline(this, origin.fX, origin.fY, positions[count].fX, positions[count].fY);
+}
+
+void hsGRawDraw::DrawPosText(uint32_t length, const void* text, const hsPoint positions[], const hsPoint directions[]) {
+  Check();
+  if (length == 0 || !text) return;
+  const FlagScope scope(fAttr);
+  const TextSettings settings(*this);
+  const hsGTextContextRef context(fAttr->GetTextContext(settings.asPaths ? nullptr : fMatrix));
+  const uint32_t count = context->SetText(length, text);
+  if (count == 0) return;
+  hsGGlyph* glyphs = context->GetGlyphs();
+  if (fAttr->Flags() & hsGAttribute::kLayoutOnly) return;
+  if (settings.asPaths && directions) return DrawTurnedOutlines(this, *context, count, glyphs, positions, directions);
+  if (settings.asPaths) return DrawOutlines(this, *context, count, glyphs, positions, {0, 0});
+
+  std::vector<hsPoint> mapped(positions, positions + count);
+  fMatrix->MapPoints(int32_t(count), mapped.data(), mapped.data());
+  for (hsPoint& p : mapped) p = p + hsPoint{kFixedHalf, kFixedHalf};
+  if (directions) return DrawTurnedGlyphs(this, *context, mapped.data(), directions);
+  GlyphPainter painter(*this, context->MaskType());
+  for (uint32_t i = 0; i < count; ++i)
+    painter.Draw(&glyphs[i], mapped[i].fX, mapped[i].fY, [&](hsGGlyph* glyph) { return ImageOf(*context, glyph); });
+}
+
+void hsGRawDraw::DrawFastText(uint32_t length, const void* text, hsPoint* point, const hsGUnderline* underline) {
+  Check();
+  hsGTextSpacing spacing;
+  const bool spaced = fAttr->GetTextSpacing(&spacing);
+  if (!hsAssert(spacing.fAlignment == 0, "DrawFastText only does left-alignment")) return;
+  const hsDescriptor* desc = fAttr->SimpleStrikeDesc();
+  if (!hsAssert(desc, "oops")) return;
+  hsGStrike* strike = hsGStrike::FindOrCreate(desc);
+  hsFixed x = hsWrapAdd(point->fX, kFixedHalf);
+  const hsFixed y = hsWrapAdd(point->fY, kFixedHalf);
+  {
+    GlyphPainter painter(*this, kMask_Bit);
+    const auto* bytes = static_cast<const uint8_t*>(text);
+    for (uint32_t i = 0; i < length; ++i) {
+      hsGGlyph* glyph = strike->GetGlyph8(bytes[i]);
+      if (!glyph) break;
+      painter.Draw(glyph, x, y, [&](hsGGlyph* g) { return const_cast<uint8_t*>(strike->GetImage(g)); });
+      x = hsWrapAdd(x, glyph->fAdvanceX);
+      if (spaced) x = hsWrapAdd(x, bytes[i] == 0x20 ? spacing.fWordExtra : spacing.fCharExtra);
+    }
+  }
+  strike->Release();
+  const hsFixed end = hsWrapSub(x, kFixedHalf);
+  if (underline && underline->fThickness > 0) {
+    const hsFixed top = hsWrapAdd(point->fY, underline->fPosition);
+    const hsRect rect = {point->fX, top, end, hsWrapAdd(top, underline->fThickness)};
+    if (!fBounder || !fBounder->BoundFixedRect(rect, *fMatrix, fClip, nullptr, false)) {
+      hsRegion storage;
+      const hsGBlitterRef blitter(fAttr->GetBlitter(*fBitmap, kMask_Bit, *fMatrix));
+      HSScan::FillRect(&rect, ClipOrBitmap(&storage), blitter, true);
+    }
+  }
+  point->fX = end;
+}

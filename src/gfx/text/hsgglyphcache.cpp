@@ -1,0 +1,103 @@
+#include "gfx/text/hsgglyphcache.h"
+
+#include <cstdio>
+#include <utility>
+
+#include "gfx/foundation/hsdebug.h"
+#include "gfx/text/hsgstrike.h"
+
+namespace {
+
+hsGGlyphCache* gCache = nullptr;
+uint32_t gGlyphBytes = 0;
+
+}  // namespace
+
+hsGGlyphCache* hsGGlyphCache::Instance() {
+  if (!gCache) gCache = new hsGGlyphCache;
+  return gCache;
+}
+
+hsGGlyphCache::~hsGGlyphCache() {
+  Purge();
+  hsAssert(fCount == 0, "strikecount out of sync");
+}
+
+void hsGGlyphCache::Shutdown() {
+  if (!gCache) return;
+  delete std::exchange(gCache, nullptr);
+  gGlyphBytes = 0;
+  std::printf("deleting glyph cache\n");
+  std::fflush(stdout);
+}
+
+void hsGGlyphCache::NoteImage(uint32_t size) {
+  gGlyphBytes += size;
+  if (gGlyphBytes <= kGlyphBudget) return;
+  std::printf("glyph cache exceeded %xH bytes with %d elements\n", gGlyphBytes, Instance()->fCount);
+  std::fflush(stdout);
+}
+
+uint32_t hsGGlyphCache::ImageBytes() { return gGlyphBytes; }
+
+hsGStrike* hsGGlyphCache::Take(const hsDescriptor* desc) {
+  for (hsGStrike* strike = fHead; strike; strike = strike->fNext) {
+    if (!hsDescriptor::Equal(strike->fDesc, desc)) continue;
+    Remove(strike);
+    return strike;
+  }
+  return nullptr;
+}
+
+void hsGGlyphCache::Insert(hsGStrike* strike) {
+  if (!hsAssert(strike, "need strike")) return;
+  if (!hsAssert(!strike->fPrev, "need fPrev == nil") || !hsAssert(!strike->fNext, "need fNext == nil")) return;
+  Check();
+  if (fCount >= kMostStrikes) Purge();
+  strike->fNext = fHead;
+  if (fHead) fHead->fPrev = strike;
+  fHead = strike;
+  ++fCount;
+  Check();
+  if (strike->fPurgeOnRelease) Purge();
+}
+
+void hsGGlyphCache::Remove(hsGStrike* strike) {
+  if (!hsAssert(strike, "need strike") || !hsAssert(fCount > 0, "bad strikecount")) return;
+  if (!hsAssert(fHead, "bad strikehead")) return;
+  Check();
+  if (strike->fNext) strike->fNext->fPrev = strike->fPrev;
+  if (strike->fPrev) {
+    strike->fPrev->fNext = strike->fNext;
+  } else {
+    fHead = strike->fNext;
+  }
+  strike->fNext = strike->fPrev = nullptr;
+  --fCount;
+  Check();
+}
+
+bool hsGGlyphCache::Purge() {
+  hsGStrike* strike = fHead;
+  while (strike && strike->fNext) strike = strike->fNext;
+  bool any = false;
+  while (strike) {
+    hsGStrike* previous = strike->fPrev;
+    if (strike->fRefCnt == 1) {
+      Remove(strike);
+      delete strike;
+      any = true;
+    }
+    strike = previous;
+  }
+  return any;
+}
+
+void hsGGlyphCache::Check() const {
+  hsAssert((fCount == 0) == (fHead == nullptr), "bad header");
+  hsAssert(!fHead || !fHead->fPrev, "need prev == nil");
+  int32_t count = 0;
+  for (const hsGStrike* strike = fHead; strike; strike = strike->fNext, ++count)
+    hsAssert(!strike->fNext || strike->fNext->fPrev == strike, "bad next");
+  hsAssert(count == fCount, "bad count");
+}

@@ -1,0 +1,86 @@
+// What measures a strike's glyphs, renders them and gives their outlines.
+//
+// The base carries what is alike for all kinds of font: outlining and mask filters, which work on the outlines that
+// the kind gives. A context is made from the strike's descriptor and lives with the strike.
+#pragma once
+
+#include "gfx/foundation/hsdescriptor.h"
+#include "gfx/foundation/hsmatrix.h"
+#include "gfx/text/hsgglyph.h"
+
+class hsGAttribute;
+class hsGMaskFilter;
+class hsGPathEffect;
+class hsGRasterizer;
+class hsPath;
+struct hsGMask;
+
+inline constexpr uint32_t kRecord_FontScaler = hsTag("Sclr");      // 4 bytes, an hsGScalerKind
+inline constexpr uint32_t kRecord_FontScalerDesc = hsTag("TRec");  // an hsGScalerRecord
+
+enum hsGScalerKind : uint32_t {
+  kScaler_None = 0,
+  kScaler_Registered = 1,  // a font of the registry, by its format
+};
+
+struct hsGScalerRecord {
+  enum Flags : uint16_t {  // the low half of the attribute's
+    kAntiAlias = 0x1,
+    kLinearAdvances = 0x40,
+    kNoGridFit = 0x80,
+    kLCDAllowed = 0x1000,
+  };
+
+  uint32_t fFontID;
+  hsFixed fTextSize;
+  hsMatrix fMatrix;  // without translation
+  uint16_t fFlags;
+  uint16_t fEncoding;
+  hsFixed fSizeRatio;
+  uint32_t fOutlineStyle;  // hsGAttribute::GetCapJoinStyle
+  hsFixed fOutlineMiter;
+  hsFixed fOutlineWidth;  // a fraction of the text size
+};
+static_assert(sizeof(hsGScalerRecord) == 0x40);
+
+class hsGScalerContext {
+ public:
+  // The context of a descriptor; nil for one that names no scaler. "need kRecord_FontScalerDesc".
+  static hsGScalerContext* Create(const hsDescriptor* desc);
+
+  explicit hsGScalerContext(const hsDescriptor* desc);
+  hsGScalerContext(const hsGScalerContext&) = delete;
+  hsGScalerContext& operator=(const hsGScalerContext&) = delete;
+  virtual ~hsGScalerContext() noexcept(false);
+
+  uint8_t MaskType() const { return fMaskType; }
+  bool DoesKerning() const { return fDoesKerning; }
+  const hsGScalerRecord& Record() const { return fRecord; }
+
+  // Size, place, advance and row bytes of the glyph whose fCharCode is set.
+  void Measure(hsGGlyph* glyph);
+  // The image of a measured glyph; false if it couldn't be rendered.
+  bool GetImage(const hsGGlyph& glyph, uint8_t* buffer);
+  // The outline on the device, from the pen.
+  void GetOutline(const hsGGlyph& glyph, hsPath* path);
+
+  // Points on the device relative to the pen, y downward; any may be nil. baseline is a unit vector.
+  virtual void GetFontMetrics(hsPoint* ascent, hsPoint* descent, hsPoint* baseline) = 0;
+  // Moves count + 1 positions, and the advances of the glyphs if given, for pairs that kern.
+  virtual void KernGlyphs(uint32_t count, const uint16_t chars[], hsGGlyph glyphs[], hsPoint positions[]);
+
+ protected:
+  virtual void GenerateMetrics(hsGGlyph* glyph) = 0;
+  virtual bool GenerateImage(const hsGGlyph& glyph, uint8_t* buffer) = 0;
+  virtual void GeneratePath(const hsGGlyph& glyph, hsPath* path) = 0;
+
+  hsGScalerRecord fRecord{};
+  uint8_t fMaskType = 0;  // hsMaskType
+  bool fDoesKerning = false;
+
+ private:
+  void StrokedOutline(const hsGGlyph& glyph, hsPath* path);
+  bool RenderOutline(const hsGGlyph& glyph, uint8_t* buffer);
+
+  hsDescriptor* fStrokeDesc = nullptr;  // of the plain font, to outline its glyphs; nil for no outlining
+};

@@ -1,0 +1,39 @@
+// Glyphs by the font engine.
+//
+// The engine's state for a font is shared by all contexts on it, so a context sets its transformation before each call.
+// A font that can't be opened is told once; its glyphs have no size and no advance, and nothing is drawn. A glyph that
+// the engine fails on closes the font, which is opened again for the next one.
+#pragma once
+
+#include "gfx/text/hsgfontscaler.h"
+#include "gfx/text/hsgscalercontext.h"
+
+struct T2K;
+class hsGT2KRef;
+
+// Whether the engine can open a font of the registry.
+bool hsFontOpens(uint32_t fontID);
+
+class hsGScalerContextT2K : public hsGScalerContext {
+ public:
+  explicit hsGScalerContextT2K(const hsDescriptor* desc);
+  ~hsGScalerContextT2K() noexcept(false) override;
+
+  void GetFontMetrics(hsPoint* ascent, hsPoint* descent, hsPoint* baseline) override;
+  void KernGlyphs(uint32_t count, const uint16_t chars[], hsGGlyph glyphs[], hsPoint positions[]) override;
+
+ protected:
+  void GenerateMetrics(hsGGlyph* glyph) override;
+  bool GenerateImage(const hsGGlyph& glyph, uint8_t* buffer) override;
+  void GeneratePath(const hsGGlyph& glyph, hsPath* path) override;
+
+ private:
+  T2K* Scaler();  // under this context's transformation; nil if the font doesn't open
+  T2K* Render(uint16_t code, int command);
+  uint16_t EngineCode(uint16_t code) const;
+  void Purge();
+
+  hsGT2KRef* fRef;
+  int fGreyLevel;
+  int fCommand;  // kT2KGridFit or none
+};

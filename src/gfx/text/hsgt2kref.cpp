@@ -1,0 +1,125 @@
+#include "gfx/text/hsgt2kref.h"
+
+#include <algorithm>
+
+#include "gfx/foundation/hsdebug.h"
+
+namespace {
+
+std::vector<hsGT2KRef*>& AllRefs() {
+  static auto* refs = new std::vector<hsGT2KRef*>;  // outlives whatever draws text on the way out
+  return *refs;
+}
+
+bool ReadFontBytes(void* id, uint8_t* destination, uint32_t position, uint32_t count) {
+  auto* font = static_cast<hsGFontScaler*>(id);
+  const uint32_t size = font->GetDataSize();
+  return position <= size && count <= size - position && font->ReadData(position, count, destination);
+}
+
+}  // namespace
+
+hsGT2KRef::hsGT2KRef(hsGFontScaler* font, hsFixed sizeRatio, bool unicode)
+    : fFont(font), fSizeRatio(sizeRatio), fUnicode(unicode) {
+  fFont->Ref();
+}
+
+hsGT2KRef::~hsGT2KRef() {
+  Close();
+  fFont->UnRef();
+}
+
+hsGT2KRef* hsGT2KRef::Find(hsGFontScaler* font, hsFixed sizeRatio, bool unicode) {
+  for (hsGT2KRef* ref : AllRefs()) {
+    if (ref->fFont != font || ref->fSizeRatio != sizeRatio || ref->fUnicode != unicode) continue;
+    ++ref->fRefCnt;
+    return ref;
+  }
+  AllRefs().push_back(new hsGT2KRef(font, sizeRatio, unicode));
+  return AllRefs().back();
+}
+
+void hsGT2KRef::UnRef() {
+  if (--fRefCnt > 0) return;
+  const bool known = std::erase(AllRefs(), this) != 0;
+  hsThrowIfFalse(hsAssert(known, "UnRefT2K failed"));
+  delete this;
+}
+
+// Reports a failure with the engine's code, the first one of this font only: text goes on without it.
+bool hsGT2KRef::Tell(bool failed, const char* words) {
+  if (failed && !fTold) {
+    hsStatusMessage(words, fError);
+    fTold = true;
+  }
+  return failed;
+}
+
+bool hsGT2KRef::OpenStream(int* fontType) {
+  const uint32_t size = fFont->GetDataSize();
+  switch (fFont->Format()) {
+    case kFontFormat_TrueType:
+      *fontType = kFontTypeSfnt;
+      fStream = New_NonRamInputStream(fMemory, ReadFontBytes, fFont, size, &fError);
+      break;
+    case kFontFormat_SfntInRam:
+      *fontType = kFontTypeSfntInMemory;
+      fData.resize(size);
+      fFont->CopyData(0, size, fData.data());
+      fStream = New_InputStream3(fMemory, fData.data(), size, &fError);
+      break;
+    case kFontFormat_Type1: return !Tell(true, "unimplemented type-1 support for this platform");
+    default: return !Tell(true, "unknown font format");
+  }
+  return !Tell(!fStream, "New_InputStream3 failed");
+}
+
+T2K* hsGT2KRef::Open() {
+  if (fScaler || fCannotOpen) return fScaler;
+  fError = 0;
+  fFont->Acquire();
+  fIsOpen = true;
+  fMemory = tsi_NewMemhandler(&fError);
+  int fontType = 0;
+  if (!Tell(!fMemory, "tsi_NewMemhandler failed") && OpenStream(&fontType)) {
+    T2KStyling styling{};
+    styling.params[0] = fSizeRatio;
+    fSfnt = New_sfntClass(fMemory, fontType, 0, fStream, fSizeRatio == kFixed1 ? nullptr : &styling, &fError);
+    if (!Tell(!fSfnt, "New_sfntClass failed")) fScaler = NewT2K(fMemory, fSfnt, &fError);
+    if (fSfnt) Tell(!fScaler, "NewT2K failed");
+  }
+  if (fScaler) {
+    ChooseEncoding();
+  } else {
+    fCannotOpen = true;
+    Close();
+  }
+  return fScaler;
+}
+
+void hsGT2KRef::ChooseEncoding() {
+  uint16_t platform = 0, script = 0;
+  fNeedsTranslation = false;
+  if (!fFont->GetEncoding(fUnicode, &platform, &script)) {
+    if (!fUnicode || !fFont->GetEncoding(false, &platform, &script)) return;
+    fNeedsTranslation = true;
+  }
+  fSfnt->preferedPlatformID = platform;
+  fSfnt->preferedPlatformSpecificID = script;
+}
+
+void hsGT2KRef::Close() {
+  if (!fIsOpen) return;
+  int ignored = 0;  // a font that has failed answers its old error here
+  if (fScaler) DeleteT2K(fScaler, &ignored);
+  if (fSfnt) Delete_sfntClass(fSfnt, &ignored);
+  if (fStream) Delete_InputStream(fStream, &ignored);
+  tsi_DeleteMemhandler(fMemory);
+  fFont->Release();
+  fData.clear();
+  fScaler = nullptr;
+  fSfnt = nullptr;
+  fStream = nullptr;
+  fMemory = nullptr;
+  fIsOpen = false;
+}

@@ -1,0 +1,44 @@
+// The font engine's state for one font, shared by the contexts that draw with it.
+#pragma once
+
+#include <vector>
+
+#include "gfx/text/hsgfontscaler.h"
+#include "t2k/t2k.h"
+
+class hsGT2KRef {
+ public:
+  // The state for a font, size ratio and choice of encoding, with one more reference. The font opens on first use.
+  static hsGT2KRef* Find(hsGFontScaler* font, hsFixed sizeRatio, bool unicode);
+  void UnRef();  // "UnRefT2K failed" for one that isn't known
+
+  // Opens the font unless it is open. Nil if that fails, which is told once.
+  T2K* Open();
+  void Close();
+
+  bool NeedsTranslation() const { return fNeedsTranslation; }
+
+ private:
+  hsGT2KRef(hsGFontScaler* font, hsFixed sizeRatio, bool unicode);
+  ~hsGT2KRef();
+
+  bool OpenStream(int* fontType);
+  void ChooseEncoding();
+  bool Tell(bool failed, const char* words);
+
+  hsGFontScaler* fFont;
+  hsFixed fSizeRatio;
+  bool fUnicode;
+  bool fNeedsTranslation = false;
+  bool fCannotOpen = false;
+  bool fTold = false;
+  bool fIsOpen = false;
+  int32_t fRefCnt = 1;
+
+  int fError = 0;
+  tsiMemObject* fMemory = nullptr;
+  InputStream* fStream = nullptr;
+  sfntClass* fSfnt = nullptr;
+  T2K* fScaler = nullptr;
+  std::vector<uint8_t> fData;  // of a font that is read whole
+};

@@ -1,0 +1,189 @@
+#include "gfx/text/textfixture.h"
+
+// A font unit at size 10, as the engine rounds it down to 16.16.
+constexpr hsFixed kUnit = 655;
+
+TEST_F(TextTest, GlyphsStandAtTheirPositionsOnTheBaseline) {
+  Draw("a b", 5_px, 20_px);
+  // a: 1 right of the pen, 7 rows; then 6 + 3 on to b, whose block reaches 2 rows below. Masks stand a row lower than
+  // outlines, the lowest row of a on the row of the baseline itself.
+  ExpectBlocks({{6, 14, 10, 21}, {14, 18, 17, 23}});
+}
+
+TEST_F(TextTest, RunStartsOnAWholePixelAndAlignmentMovesIt) {
+  Draw("a", 5_px + 0x7FFF, 19_px + 0x8000);
+  ExpectBlocks({{6, 14, 10, 21}});
+  fPixels.assign(fPixels.size(), 0);
+  SetSpacing(kFixedHalf, 0, 0);
+  Draw("ab", 20_px, 20_px);  // 10 wide, so it starts at 15
+  ExpectBlocks({{16, 14, 20, 21}, {21, 18, 24, 23}});
+}
+
+TEST_F(TextTest, ClipAndEdgesCutGlyphs) {
+  const hsRegion clip(hsIntRect{0, 0, 8, 15});
+  fDraw.fClip = &clip;
+  Draw("a", 5_px, 20_px);
+  ExpectBlocks({{6, 14, 8, 15}});
+  fPixels.assign(fPixels.size(), 0);
+  fDraw.fClip = nullptr;
+  Draw("a", -3 * kFixed1, 4_px);
+  ExpectBlocks({{0, 0, 2, 5}});
+}
+
+TEST_F(TextTest, EncodingsGiveTheSameRun) {
+  Draw("\xC3\xA9\xE2\x82\xAC", 0, 10_px);  // e acute, euro
+  ExpectBlocks({{1, 10, 2, 11}, {2, 9, 4, 11}});
+  fPixels.assign(fPixels.size(), 0);
+  fAttr.SetTextEncoding(hsGAttribute::kUTF16);
+  fAttr.SetTextSize(11_px);
+  fAttr.SetTextSize(10_px);
+  Draw(std::string("\xE9\x00\xAC\x20\x61", 5), 0, 10_px);  // the odd byte is dropped
+  ExpectBlocks({{1, 10, 2, 11}, {2, 9, 4, 11}});
+  EXPECT_EQ(fAttr.CountText(5, "12345"), 2u);
+}
+
+TEST_F(TextTest, AChangeOfEncodingAloneKeepsTheStrike) {
+  EXPECT_EQ(Width("\xC3\xA9"), 2_px);
+  fAttr.SetTextEncoding(hsGAttribute::kSingleBytes);
+  EXPECT_EQ(Width("\xC3\xA9"), 2_px);
+  fAttr.SetTextSize(20_px);
+  EXPECT_EQ(Width("\xC3\xA9"), 24_px);  // two bytes, both unknown
+}
+
+TEST_F(TextTest, SpacingMovesEachCharacterByItsOwnExtraToo) {
+  SetSpacing(0, 2_px, kFixed1);
+  EXPECT_EQ(Positions("a b"), (std::vector<hsFixed>{1_px, 9_px, 13_px, 17_px}));
+  EXPECT_EQ(Width("a b"), 17_px);
+  EXPECT_EQ(Widths("a b"), (std::vector<hsFixed>{8_px, 4_px, 4_px}));
+}
+
+TEST_F(TextTest, JustifyingSpreadsWhatRemainsAheadOfTheLastCharacter) {
+  struct {
+    const char* text;
+    uint32_t flags;
+    std::vector<hsFixed> positions;
+  } const cases[] = {
+      // b begins at 9, 11 short of 20: all of it into the one space.
+      {"a b", 0, {0, 17_px, 20_px, 24_px}},
+      {"a b ", hsGTextSpacing::kIgnoreTrailingSpaces, {0, 17_px, 20_px, 24_px + 0, 27_px}},
+      // b begins at 6, 14 short: 7 to each character.
+      {"ab", 0, {7_px, 20_px, 24_px}},
+      {"  ", hsGTextSpacing::kIgnoreTrailingSpaces, {0, 3_px, 6_px}},
+  };
+  for (const auto& c : cases) {
+    SetSpacing(-20 * kFixed1, 0, 0, c.flags);
+    EXPECT_EQ(Positions(c.text), c.positions) << c.text;
+  }
+}
+
+TEST_F(TextTest, KerningGivesHalfToEachSide) {
+  EXPECT_EQ(Positions("aba"), (std::vector<hsFixed>{0, 6_px, 10_px, 16_px}));
+  fAttr.SetFlags(fAttr.Flags() | hsGAttribute::kKernText);
+  constexpr hsFixed kHalf = 100 * kUnit / 2;
+  // The pair a, b kerns by 100 units; the pair b, a by none, so all that stands behind moves by all of it.
+  EXPECT_EQ(Positions("aba"), (std::vector<hsFixed>{0, 6_px - kHalf, 10_px - 2 * kHalf, 16_px - 2 * kHalf}));
+  EXPECT_EQ(Positions("ab"), (std::vector<hsFixed>{0, 6_px - kHalf, 10_px - kHalf}));
+}
+
+TEST_F(TextTest, MetricsAreTheFontsAndNothingHasNoWidth) {
+  hsPoint top, bottom;
+  EXPECT_EQ(fAttr.MeasureText(0, nullptr, &top, &bottom), 0);
+  EXPECT_EQ(top, (hsPoint{0, -800 * kUnit}));
+  EXPECT_EQ(bottom, (hsPoint{0, 200 * kUnit}));
+}
+
+TEST_F(TextTest, FaceScalesAdvancesAndDrawsTheUnderline) {
+  hsGTextFace face;
+  face.fScaleX = 2_px;
+  face.fExtraAdvance = 4_px;  // half of it in front of the glyph
+  fAttr.SetTextFace(&face);
+  Draw("a", 0, 20_px);
+  ExpectBlocks({{4, 14, 12, 21}});
+  EXPECT_EQ(Width("aa"), 32_px);
+
+  fPixels.assign(fPixels.size(), 0);
+  face = {};
+  face.fUnderlineThickness = kFixed1 / 10;
+  face.fUnderlinePosition = kFixed1 / 5;
+  fAttr.SetTextFace(&face);
+  hsRect rule{};
+  fAttr.GetUnderline(2, "ab", &rule);
+  EXPECT_EQ(hsFixedRound(rule.fTop), 2);
+  EXPECT_EQ(rule.fRight, 10_px);
+  Draw("a", 4_px, 20_px);
+  ExpectBlocks({{5, 14, 9, 21}, {4, 22, 10, 23}});
+}
+
+TEST_F(TextTest, PathsDrawWhatMasksDraw) {
+  fAttr.SetFlags(fAttr.Flags() | hsGAttribute::kTextAsPaths | hsGAttribute::kFrame);
+  const uint32_t flags = fAttr.Flags();
+  Draw("a b", 5_px, 20_px);
+  EXPECT_EQ(fAttr.Flags(), flags);
+  ExpectBlocks({{6, 13, 10, 20}, {14, 17, 17, 22}});
+  hsPath path;
+  hsRect bounds;
+  fAttr.GetTextPath(3, "aab", 6_px, &path);  // advances are linear; the last glyph begins near 12
+  path.ComputeBounds(&bounds, false);
+  EXPECT_EQ(bounds, (hsRect{1_px, -7 * kFixed1, 5_px + 600 * kUnit, 0}));
+}
+
+TEST_F(TextTest, OutliningWidensGlyphs) {
+  hsGTextFace face;
+  face.fOutlineWidth = kFixed1 / 5;  // 2 pixels, 1 to each side
+  fAttr.SetTextFace(&face);
+  Draw("a", 5_px, 20_px);
+  // The block's outline as a ring: 5..11 by 12..21 without 7..9 by 14..19.
+  ExpectBlocks({{5, 12, 11, 14}, {5, 14, 7, 19}, {9, 14, 11, 19}, {5, 19, 11, 21}});
+  EXPECT_EQ(Width("a"), 6_px);
+}
+
+TEST_F(TextTest, GreyGlyphsKeepTheEnginesCoverage) {
+  fAttr.SetFlags(fAttr.Flags() | hsGAttribute::kAntiAlias);
+  const hsGTextContextRef context(fAttr.GetTextContext(nullptr));
+  context->SetText(1, "a");
+  hsGGlyph* glyph = context->GetGlyphs();
+  EXPECT_EQ(context->MaskType(), kMask_Alpha);
+  const uint8_t* image = context->GetImage(glyph);
+  EXPECT_EQ(image[3 * glyph->fRowBytes + 2], 120);  // deep inside the block
+}
+
+TEST_F(TextTest, PositionedTextTurnsWithItsDirections) {
+  const hsPoint positions[] = {{5_px, 20_px}, {30_px, 20_px}};
+  fDraw.DrawPosText(2, "ab", positions, nullptr);
+  ExpectBlocks({{6, 14, 10, 21}, {30, 18, 33, 23}});
+  fPixels.assign(fPixels.size(), 0);
+  const hsPoint directions[] = {{0, kFixed1}, {kFixed1, 0}};  // upright, then a quarter turn
+  fDraw.DrawPosText(2, "ab", positions, directions);
+  // A quarter turn takes (x, y) to (-y, x): right of the pen becomes below, below becomes left.
+  ExpectBlocks({{6, 14, 10, 21}, {28, 21, 33, 24}});
+}
+
+TEST_F(TextTest, FastTextMovesThePoint) {
+  const hsGUnderline rule = {3_px, kFixed1};
+  hsPoint point = {5_px, 20_px};
+  SetSpacing(0, 2_px, kFixed1);
+  fDraw.DrawFastText(3, "a b", &point, &rule);
+  EXPECT_EQ(point, (hsPoint{22_px, 20_px}));  // 6 + 1, 3 + 2, 4 + 1
+  ExpectBlocks({{6, 14, 10, 21}, {17, 18, 20, 23}, {5, 23, 22, 24}});
+}
+
+TEST_F(TextTest, BrokenUTF8IsReportedAndStaysInItsBytes) {
+  for (const char* text : {"\xC3\x28", "\xE2\x82"})
+    EXPECT_EQ(AssertOf([&] { Width(text); }), "bad middle UTF8") << text;
+  EXPECT_EQ(AssertOf([&] { Width("a\xF0\x9F"); }), "bad UTF8 byte");
+  EXPECT_EQ(Width("\x80\x80"), 0);  // no character at all
+  ReturnOnHalt halt;
+  EXPECT_EQ(Positions("\x80\x80\xC3").size(), 2u);
+}
+
+TEST_F(TextTest, AFontThatCannotBeOpenedDrawsNothing) {
+  const std::vector<uint8_t> whole = BlockFont().Build();
+  for (size_t length : {size_t{5}, size_t{40}, whole.size() / 2}) {
+    fAttr.SetFontID(Register({whole.begin(), whole.begin() + std::ptrdiff_t(length)}));
+    Draw("ab", 5_px, 20_px);
+    ExpectBlocks({});
+    EXPECT_EQ(Width("ab"), 0) << length;
+  }
+  fAttr.SetFontID(Register(whole, kFontFormat_Type1));
+  EXPECT_EQ(Width("ab"), 0);
+}
