@@ -54,7 +54,9 @@ void AddPair(const hsQuadEdge& a, const hsQuadEdge& b, Side* left, Side* right) 
 }
 
 bool MakeSides(hsQuadEdge edges[4], int32_t count, Side* left, Side* right) {
-  std::stable_sort(edges, edges + count, [](const auto& a, const auto& b) { return a.fFirstY < b.fFirstY; });
+  for (int32_t end = count; end > 1; --end)
+    for (int32_t i = 1; i < end; ++i)
+      if (edges[i].fFirstY < edges[i - 1].fFirstY) std::swap(edges[i], edges[i - 1]);
   if (!hsAssert(count >= 2 && count <= 4, "bad edge count")) return false;
   if (!hsAssert(edges[0].fFirstY == edges[1].fFirstY, "bad edges")) return false;
   AddPair(edges[0], edges[1], left, right);

@@ -94,8 +94,9 @@ TEST(HairLine, LongLinesDoNotStrayOutOfTheirBox) {
   Random random(23);
   for (int i = 0; i < 400; ++i) {
     const hsPoint a{hsScalar(random() % 0x20000), hsScalar(random() % 0x20000)};
-    const hsScalar length = 14000 * kFixed1 + hsScalar(random() % 0x20000);
-    const hsPoint b{a.fX + length, a.fY + length - hsScalar(random() % 0x4000)};
+    // The last pixel's middle lies half a pixel behind the end, and there the line half a pixel beside its box's edge.
+    const hsPoint b{14002 * kFixed1 + hsScalar(random() % 256 + 1),
+                    14000 * kFixed1 + 0x7FFF - hsScalar(random() % 256)};
     const hsRegion clip(
         hsIntRect{hsFixedRound(a.fX) - 1, hsFixedRound(a.fY) - 1, hsFixedRound(b.fX) + 1, hsFixedRound(b.fY) + 1});
     Last last;
