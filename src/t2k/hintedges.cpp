@@ -50,6 +50,7 @@ std::vector<HintEdge> JoinPieces(std::vector<HintEdge> pieces, int upem) {
       return edge.isTop == piece.isTop && edge.isRound == piece.isRound && piece.high - edge.low <= reach;
     });
     if (same == edges.rend()) {
+      if (edges.size() == kMaxHintEdges) return {};
       edges.push_back(piece);
       continue;
     }

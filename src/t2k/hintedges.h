@@ -19,5 +19,8 @@ struct HintEdge {
   int partner = -1;  // the edge across the stem, as an index; -1 if there is none
 };
 
-// From the lowest to the highest, stems paired.
+// A glyph with more edges is an ornament, and left as it is.
+inline constexpr size_t kMaxHintEdges = 256;
+
+// From the lowest to the highest, stems paired; none if there are too many.
 std::vector<HintEdge> FindHintEdges(const GlyphClass& glyph, HintAxis axis, int upem);

@@ -12,8 +12,8 @@ inline constexpr int kMaxStackValues = 32;
 inline constexpr int kMaxMasters = 16;
 inline constexpr int kMaxCharStrings = 65535;
 // Steps (bytes, roughly) that one glyph's programs may take, and all glyphs together when a font is opened.
-inline constexpr int kMaxProgramSteps = 500000;
-inline constexpr int kMaxOpeningSteps = 8000000;
+inline constexpr int kMaxProgramSteps = 200000;
+inline constexpr int kMaxOpeningSteps = 4000000;
 
 // A glyph's program or a subroutine, encryption off, the lenIV bytes in front included.
 struct T1Program {
