@@ -1,19 +1,24 @@
-// Writes a specimen sheet of a font, to be looked at: sizes 10 to 48, monochrome and grey, hinted and not.
+// Writes a specimen sheet of a font, to be looked at: each size in monochrome, monochrome hinted, grey, grey hinted.
 //
-//   t2k_specimen FONT OUT.png [t1] [ZOOM]
+//   t2k_specimen FONT OUT.png [t1] [zoom=N] [sizes=N,N...] [text=TEXT] [width=PIXELS]
 #include <png.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <string>
 
 #include "t2k/openfont.h"
 
 namespace {
 
-constexpr int kSizes[] = {10, 12, 14, 16, 20, 24, 32, 48};
-constexpr const char* kText = "Hamburgefonstiv 0123456789 xyz&@$ QKWAV";
+struct Options {
+  int fontType = kFontTypeSfnt;
+  int zoom = 1;
+  int width = 1100;
+  std::vector<int> sizes = {10, 12, 14, 16, 20, 24, 32, 48};
+  std::string text = "Hamburgefonstiv 0123456789 xyz&@$ QKWAV";
+};
 
 struct Picture {
   int width, height;
@@ -39,11 +44,11 @@ void DrawGlyph(const T2K* t, Picture& picture, int penX, int baseline, bool isGr
   }
 }
 
-void DrawLine(OpenFont& f, Picture& picture, int x, int baseline, int greyLevel, int cmd) {
-  hsFixed pen = hsFixed(x) << 16;
-  for (const char* c = kText; *c; ++c) {
-    if (!f.Render(*c, greyLevel, cmd | kT2KBitmap)) {
-      std::fprintf(stderr, "error %d at '%c'\n", f.err, *c);
+void DrawLine(OpenFont& f, Picture& picture, const std::string& text, int baseline, int greyLevel, int cmd) {
+  hsFixed pen = 4 << 16;
+  for (const char c : text) {
+    if (!f.Render(c, greyLevel, cmd | kT2KBitmap)) {
+      std::fprintf(stderr, "error %d at '%c'\n", f.err, c);
       return;
     }
     DrawGlyph(f.t, picture, (pen + 0x8000) >> 16, baseline, greyLevel > 0);
@@ -66,24 +71,52 @@ bool WritePng(const Picture& picture, int zoom, const char* path) {
   return png_image_write_to_file(&image, path, 0, large.data(), 0, nullptr);
 }
 
+bool ReadOption(const std::string& argument, Options* options) {
+  const auto value = [&](const char* key) {
+    const std::string prefix = std::string(key) + "=";
+    return argument.rfind(prefix, 0) == 0 ? argument.substr(prefix.size()) : std::string();
+  };
+  if (argument == "t1") {
+    options->fontType = kFontType1;
+  } else if (const std::string zoom = value("zoom"); !zoom.empty()) {
+    options->zoom = std::max(1, std::stoi(zoom));
+  } else if (const std::string width = value("width"); !width.empty()) {
+    options->width = std::max(1, std::stoi(width));
+  } else if (const std::string text = value("text"); !text.empty()) {
+    options->text = text;
+  } else if (std::string sizes = value("sizes"); !sizes.empty()) {
+    options->sizes.clear();
+    for (char* at = sizes.data(); *at; at += *at == ',') options->sizes.push_back(int(std::strtol(at, &at, 10)));
+  } else {
+    return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc < 3) return std::fprintf(stderr, "usage: %s FONT OUT.png [t1] [ZOOM]\n", argv[0]), 2;
-  const bool isType1 = argc > 3 && std::strcmp(argv[3], "t1") == 0;
-  const int zoom = std::max(1, argc > 3 ? std::atoi(argv[argc - 1]) : 1);
-  OpenFont f(ReadFontFile(argv[1]), isType1 ? kFontType1 : kFontTypeSfnt);
+  Options options;
+  bool understood = argc >= 3;
+  for (int i = 3; i < argc; ++i) understood &= ReadOption(argv[i], &options);
+  if (!understood) {
+    std::fprintf(stderr, "usage: %s FONT OUT.png [t1] [zoom=N] [sizes=N,N...] [text=TEXT] [width=PIXELS]\n", argv[0]);
+    return 2;
+  }
+  OpenFont f(ReadFontFile(argv[1]), options.fontType);
   if (!f.t) return std::fprintf(stderr, "can't open: error %d\n", f.err), 1;
 
-  Picture picture(1100, 1000);
-  int y = 4;
-  for (int size : kSizes) {
+  int height = 8;
+  for (int size : options.sizes) height += size * 5 / 4 * 4 + size / 3;
+  Picture picture(options.width, height);
+  int y = 0;
+  for (int size : options.sizes) {
     f.SetSize(size);
     for (const auto& [greyLevel, cmd] : {std::pair{0, 0}, {0, int(kT2KGridFit)}, {3, 0}, {3, int(kT2KGridFit)}}) {
       y += size * 5 / 4;
-      DrawLine(f, picture, 4, y, greyLevel, cmd);
+      DrawLine(f, picture, options.text, y, greyLevel, cmd);
     }
     y += size / 3;
   }
-  return WritePng(picture, zoom, argv[2]) ? 0 : 1;
+  return WritePng(picture, options.zoom, argv[2]) ? 0 : 1;
 }
