@@ -140,7 +140,7 @@ TEST_F(LoadTest, PagesThatHoldThemselvesEnd) {
   build("line.kpg", "page: {type: frame, src: line.kpg}");
   desktop.log.clear();
   EXPECT_TRUE(loadFile("line.kpg"));
-  EXPECT_EQ(desktop.log, " -- 'line.kpg' not found\n");
+  EXPECT_EQ(log(), " -- 'line.kpg' not found\n");
 }
 
 TEST_F(LoadTest, AWidgetGoneInItsOwnEventClimbsNoFurther) {
