@@ -37,5 +37,5 @@ struct ScriptFile {
 struct PageTree {
   uint32_t flags = 0;
   PageNode root;
-  std::vector<ScriptFile> scriptFiles;
+  std::vector<ScriptFile> scriptFiles{};
 };
