@@ -59,7 +59,8 @@ constexpr const char* kWhole[] = {"gc();",
                                   "KOVA.s = new StringTable(\"one.kpg\");",
                                   "KOVA.e.id; widgets = nil;"};
 
-// Hooks call KOVA.f, so what a line stores there runs from anywhere.
+// Hooks call KOVA.f, so what a line stores there runs from anywhere. Since it mostly calls hooks again, it runs 40
+// times an action at most.
 std::string pageSource(const std::string& other) {
   std::string text =
       "flags: 8bit\npage:\n  width: 720\n  height: 480\n  type: group\n  start: a\n"
@@ -107,7 +108,8 @@ std::string lineOf(Input& input) {
     case 0: return input.pick(kWhole);
     case 1: {
       const std::string first = callOf(input);
-      return "KOVA.f = function (e) { KOVA.e = e; " + first + " " + callOf(input) + " };";
+      const std::string both = first + " " + callOf(input);
+      return "KOVA.f = function (e) { KOVA.e = e; if (KOVA.n > 0) { KOVA.n = KOVA.n - 1; " + both + " } };";
     }
     default: return callOf(input);
   }
@@ -125,6 +127,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   desktop.shell.loadPage(input.byte() & 1 ? "one.kpg" : "two.kpg");
   for (int actions = 0; !input.isEmpty() && actions < 60; ++actions) {
     const uint8_t action = input.byte();
+    desktop.typeLine("KOVA.n = 40;");
     if (action >= 0x80) {
       desktop.typeLine(lineOf(input));
     } else if (action >= 0x60) {
