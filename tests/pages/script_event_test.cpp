@@ -162,6 +162,16 @@ TEST_P(ScriptEventTest, ATimerMayClearAndReplaceItselfWhileItFires) {
   desktop.log.clear();
   desktop.wait(30);
   EXPECT_EQ(heard(), "one two ");
+  // A repeating timer comes back even if its function has cleared it, unless that also made it a one-shot.
+  say("KOVA.t = new Timer(function () { KOVA.t.Clear(); stdout.Display(\"again \"); }, 5, true);");
+  desktop.log.clear();
+  desktop.wait(11);
+  EXPECT_EQ(heard(), "again again ");
+  say("KOVA.t.Clear();");
+  say("KOVA.t = new Timer(function () { KOVA.t.Set(1); KOVA.t.Clear(); stdout.Display(\"last \"); }, 5, true);");
+  desktop.log.clear();
+  desktop.wait(30);
+  EXPECT_EQ(heard(), "last ");
   say("KOVA.t.initialize(function () { stdout.Display(\"three \"); }, 4);");
   say("KOVA.t.initialize(function () { stdout.Display(\"four \"); }, 5);");  // the one before runs out
   desktop.log.clear();
