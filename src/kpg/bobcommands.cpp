@@ -7,11 +7,9 @@
 
 #include "bob/bob.h"
 #include "bob/compiler.h"
+#include "kpg/bobruntime.h"
 
 namespace {
-
-// The player's sizes.
-constexpr uint32_t kHeapBytes = 102400, kStackWords = 65536;
 
 // What the language writes, on one of the C library's streams.
 class OutputStream : public BobStream {
@@ -28,22 +26,16 @@ class InputStream : public BobStream {
   int GetC() override { return std::fgetc(stdin); }
 };
 
-struct Runtime {
-  Runtime() : interp(bobMakeInterp(kHeapBytes, 0, kStackWords)) {
-    if (!interp) throw CLI::RuntimeError("out of memory", 1);
-    bobRegisterGlobals(interp);
-    bobInitCompiler(interp);
+// The language on the C library's streams.
+struct Runtime : BobRuntime {
+  Runtime() {
     interp->stdinStream = &in;
     interp->stdoutStream = &out;
     interp->stderrStream = &err;
   }
-  ~Runtime() { bobDestroyInterp(interp); }
-  Runtime(const Runtime&) = delete;
-  Runtime& operator=(const Runtime&) = delete;
 
   InputStream in;
   OutputStream out{stdout}, err{stderr};
-  BobInterp* interp;
 };
 
 [[noreturn]] void Fail() { throw CLI::RuntimeError(1); }
@@ -78,27 +70,11 @@ void Compile(const std::string& source, const std::string& object) {
   if (!made) CannotOpen(object);
 }
 
-// The code, then the functions among its literals.
-void Decode(BobInterp* interp, BobValue code) {
-  using namespace BobLayout;
-  bobDisassemble(interp, code, interp->stdoutStream);
-  const uint32_t* w = interp->words(code);
-  for (uint32_t i = 1; i < bobCodeCount(w[kCodeCount]); ++i)
-    if (interp->isA(w[kCodeElements + i], kBobCompiledCode)) Decode(interp, w[kCodeElements + i]);
-}
-
-bool DecodeRecords(BobInterp* interp, BobStream* stream) {
-  return bobTry(interp, [&] {
-    BobValue code;
-    while (bobReadValue(&interp->rootScope, stream, &code) && interp->isA(code, kBobCompiledCode)) Decode(interp, code);
-  });
-}
-
 bool DecodeSource(BobInterp* interp, BobStream* stream) {
   return bobTry(interp, [&] {
     const BobKeptScanner kept(interp, stream);
     while (const BobValue method = interp->compiler->compileStatement(interp->rootScope.object))
-      Decode(interp, interp->words(method)[BobLayout::kMethodCode]);
+      bobListCode(interp, interp->words(method)[BobLayout::kMethodCode]);
   });
 }
 
@@ -111,7 +87,7 @@ void DecodeFile(const std::string& path) {
   for (char c : {'B', 'O', 'B', 'O', '\0', '\0', '\0', '\4'}) isObject = isObject && stream->GetC() == c;
   if (!isObject) stream = bobOpenFile(runtime.interp, path.c_str(), "r");
   if (!stream) CannotOpen(path);
-  const bool ok = isObject ? DecodeRecords(runtime.interp, stream.get()) : DecodeSource(runtime.interp, stream.get());
+  const bool ok = isObject ? bobListRecords(runtime.interp, stream.get()) : DecodeSource(runtime.interp, stream.get());
   if (!ok) Fail();
 }
 

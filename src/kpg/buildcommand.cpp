@@ -1,17 +1,20 @@
 // kpg build: a page source becomes a page.
+#include <filesystem>
 #include <iostream>
 #include <memory>
 
 #include "kpg/commands.h"
 #include "kpg/errors.h"
 #include "kpg/files.h"
+#include "kpg/pagebuild.h"
 #include "kpg/pagesource.h"
 #include "kpg/pagewriter.h"
 
-namespace {
+namespace fs = std::filesystem;
 
-void build(const std::string& source, const std::string& output) {
-  const PageTree page = readPageSource(source, [](const std::string& warning) { std::cerr << warning << "\n"; });
+void buildPage(const std::string& source, const std::string& output,
+               const std::function<void(const std::string&)>& warn) {
+  const PageTree page = readPageSource(source, warn);
   std::vector<uint8_t> bytes;
   try {
     bytes = writePage(page);
@@ -19,9 +22,10 @@ void build(const std::string& source, const std::string& output) {
     throw CommandError(source + ": " + e.what());
   }
   writeFile(output, bytes.data(), bytes.size());
+  const fs::path folder = fs::path(output).parent_path();
+  for (const ScriptFile& script : page.scriptFiles)
+    writeFile((folder / script.name).string(), script.bytes.data(), script.bytes.size());
 }
-
-}  // namespace
 
 void addBuildCommand(CLI::App& app) {
   struct Options {
@@ -31,5 +35,7 @@ void addBuildCommand(CLI::App& app) {
   CLI::App* command = app.add_subcommand("build", "Compile a page source");
   command->add_option("source", options->source, "The page source, YAML")->required()->type_name("PAGE.yaml");
   command->add_option("-o", options->output, "The page to write")->required()->type_name("PAGE.kpg");
-  command->callback([options] { build(options->source, options->output); });
+  command->callback([options] {
+    buildPage(options->source, options->output, [](const std::string& warning) { std::cerr << warning << "\n"; });
+  });
 }

@@ -2,15 +2,32 @@
 
 #include <cstdio>
 #include <cstring>
+#include <set>
 
 #include "engine/pagefile.h"
 #include "kpg/base64.h"
 #include "kpg/errors.h"
 #include "kpg/schema.h"
+#include "kpg/scripts.h"
 
 namespace {
 
 constexpr int kMaxDepth = 300;  // a little more than the engine follows
+
+// A line of a comment: what could end it or hurt a reader is shown as its code.
+std::string commented(std::string_view text) {
+  std::string out = "# ";
+  for (const char c : text) {
+    if (uint8_t(c) >= 0x20 && uint8_t(c) < 0x7F) {
+      out += c;
+      continue;
+    }
+    char code[8];
+    std::snprintf(code, sizeof code, "\\x%02x", unsigned(uint8_t(c)));
+    out += code;
+  }
+  return out;
+}
 
 std::string quoted(const char* text) {
   std::string out = "\"";
@@ -33,8 +50,8 @@ bool isPlainWord(const char* text) {
   if (!std::strchr("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ", *text) || !*text) return false;
   if (std::strspn(text, "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.-") != std::strlen(text))
     return false;
-  for (const char* word : {"true", "false", "yes", "no", "on", "off", "null", "y", "n", "Null", "NULL", "True", "TRUE",
-                           "False", "FALSE"})
+  for (const char* word :
+       {"true", "false", "yes", "no", "on", "off", "null", "y", "n", "Null", "NULL", "True", "TRUE", "False", "FALSE"})
     if (std::strcmp(text, word) == 0) return false;
   return true;
 }
@@ -147,8 +164,21 @@ class Dumper {
   void script(const PageAttribute& a, int indent, const std::string& key) {
     PageScript bytes;
     if (!attrScript(a, &bytes)) return line(indent, "# " + key + " a script outside the file");
-    const std::string data = base64Encode({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    const std::string_view records(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    list(records, indent);
+    const std::string data = base64Encode(records);
     line(indent, key + " !scriptdata \"" + data + "\"");
+  }
+
+  // Once for all attributes that lead to the same bytes.
+  void list(std::string_view records, int indent) {
+    if (!listed.insert(records.data()).second) return;
+    const std::string listing = listScript(records);
+    for (size_t at = 0; at < listing.size();) {
+      const size_t end = std::min(listing.find('\n', at), listing.size());
+      line(indent, commented(std::string_view(listing).substr(at, end - at)));
+      at = end + 1;
+    }
   }
 
   void nested(const PageAttribute& a, int indent, const std::string& key) {
@@ -194,6 +224,7 @@ class Dumper {
   const PageData& page;
   std::string out;
   size_t objects = 0;
+  std::set<const char*> listed;  // scripts
 };
 
 }  // namespace

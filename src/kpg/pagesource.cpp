@@ -4,6 +4,8 @@
 
 #include <cctype>
 #include <charconv>
+#include <filesystem>
+#include <memory>
 #include <optional>
 #include <set>
 
@@ -13,6 +15,7 @@
 #include "kpg/errors.h"
 #include "kpg/files.h"
 #include "kpg/schema.h"
+#include "kpg/scripts.h"
 
 namespace {
 
@@ -45,9 +48,10 @@ class SourceReader {
 
   PageTree read() {
     YAML::Node top;
-    const std::vector<uint8_t> text = readFile(file);
+    const std::vector<uint8_t> bytes = readFile(file);
+    text.assign(bytes.begin(), bytes.end());
     try {
-      top = YAML::Load(std::string(text.begin(), text.end()));
+      top = YAML::Load(text);
     } catch (const YAML::Exception& e) {
       throw SourceError(file, e.mark.line + 1, e.msg);
     }
@@ -66,6 +70,7 @@ class SourceReader {
     });
     if (!hasPage) fail(top, "there is no 'page'");
     page.root = node(top["page"], ObjectKind::root);
+    page.scriptFiles = std::move(scriptFiles);
     return page;
   }
 
@@ -216,7 +221,35 @@ class SourceReader {
     return result;
   }
 
-  PageValue script(const YAML::Node& value) const { fail(value, "scripts can't be compiled; give !scriptdata"); }
+  PageValue script(const YAML::Node& value) {
+    PageValue result;
+    result.tag = PageTag::script;
+    const std::string source = value.IsNull() ? "" : scalar(value, "a script");
+    try {
+      result.bytes = compiler().compile(source);
+    } catch (const ScriptError& e) {
+      throw SourceError(file, firstLine(value) + e.line - 1, e.what());
+    }
+    return result;
+  }
+
+  // Where the scalar's own text begins: a block scalar's behind the line of its indicator.
+  int firstLine(const YAML::Node& value) const {
+    const YAML::Mark mark = value.Mark();
+    const size_t at = std::min(size_t(mark.pos), text.size());
+    const std::string rest = text.substr(at, text.find('\n', at) - at);
+    size_t indicator = 0;
+    if (rest.starts_with('!'))
+      indicator = rest.find_first_not_of(" \t", std::min(rest.find_first_of(" \t"), rest.size()));
+    const bool isBlock = indicator < rest.size() && (rest[indicator] == '|' || rest[indicator] == '>');
+    return mark.line + (isBlock ? 2 : 1);
+  }
+
+  // Made when there is something to compile.
+  ScriptCompiler& compiler() {
+    if (!scripts) scripts = std::make_unique<ScriptCompiler>();
+    return *scripts;
+  }
 
   PageValue scriptData(const YAML::Node& value) const {
     const auto bytes = base64Decode(value.IsNull() ? "" : scalar(value, "base64"));
@@ -243,8 +276,33 @@ class SourceReader {
 
   PageValue files(const YAML::Node& value) {
     if (!value.IsSequence()) fail(value, "expecting a list of file names");
-    for (const YAML::Node& item : value) scalar(item, "a file name");
-    return table(value, ObjectKind::other);
+    PageValue result;
+    result.tag = PageTag::table;
+    for (const YAML::Node& item : value) {
+      PageValue name = string(item);
+      if (name.bytes.ends_with(".bob")) name.bytes = compileFile(item);
+      result.table.push_back(std::move(name));
+    }
+    return result;
+  }
+
+  // Compiles the script file of that name, beside the page source. Gives the object file's name.
+  std::string compileFile(const YAML::Node& item) {
+    const std::string& name = item.Scalar();
+    const std::string path = (std::filesystem::path(file).parent_path() / name).string();
+    std::vector<uint8_t> source;
+    try {
+      source = readFile(path);
+    } catch (const CommandError&) {
+      fail(item, "can't read '" + name + "'");
+    }
+    try {
+      scriptFiles.push_back(
+          {name + "o", compiler().compileFile({reinterpret_cast<char*>(source.data()), source.size()})});
+    } catch (const ScriptError& e) {
+      throw SourceError(path, e.line, e.what());
+    }
+    return scriptFiles.back().name;
   }
 
   PageValue table(const YAML::Node& value, ObjectKind kind) {
@@ -286,6 +344,9 @@ class SourceReader {
   };
 
   std::string file;
+  std::string text;  // of the whole source
+  std::unique_ptr<ScriptCompiler> scripts;
+  std::vector<ScriptFile> scriptFiles;
   const std::function<void(const std::string&)>& warn;
   bool indexed = false;  // an 8-bit page
   int depth = 0;

@@ -28,7 +28,14 @@ struct PageNode {
   std::vector<PageEntry> attributes;
 };
 
+// An object file that goes beside the page.
+struct ScriptFile {
+  std::string name;  // as the page names it
+  std::string bytes;
+};
+
 struct PageTree {
   uint32_t flags = 0;
   PageNode root;
+  std::vector<ScriptFile> scriptFiles{};
 };

@@ -5,6 +5,7 @@
 #include <iostream>
 #include <memory>
 
+#include "engine/scriptbindings/scriptbindings.h"
 #include "host/headless/headlessdesktop.h"
 #include "kpg/commands.h"
 #include "kpg/errors.h"
@@ -22,6 +23,7 @@ struct Action {
 
 struct ShotOptions {
   std::string page, output, log;
+  bool readOnly = false;
   std::vector<Action> actions;
 };
 
@@ -42,13 +44,9 @@ class StandardOutputAside {
 
 void perform(HeadlessDesktop& desktop, const Action& action) {
   switch (action.kind) {
-    case Action::key:
-      desktop.key(action.argument);
-      return desktop.settle();
+    case Action::key: desktop.key(action.argument); return desktop.settle();
     case Action::wait: return desktop.wait(uint32_t(std::stoul(action.argument)));
-    case Action::eval:
-      desktop.typeLine(action.argument);
-      return desktop.settle();
+    case Action::eval: desktop.typeLine(action.argument); return desktop.settle();
   }
 }
 
@@ -86,6 +84,7 @@ void shoot(ShotOptions options) {
   options.output = againstHere(options.output);
   options.log = againstHere(options.log);
 
+  scriptSetReadOnly(options.readOnly);
   HeadlessDesktop desktop;
   const bool loaded = play(desktop, options);
   writeLog(options.log, desktop.log);
@@ -108,10 +107,16 @@ void addShotCommand(CLI::App& app) {
   command->add_option("--log", options->log, "Where to write what the console showed; - for the standard output")
       ->type_name("FILE");
 
+  command->add_flag("--read-only", options->readOnly, "Let no script write a file");
+
   const auto addAction = [&](const char* name, Action::Kind kind, const char* help, const char* type) {
     return command
         ->add_option_function<std::string>(
-            name, [options, kind](const std::string& argument) { options->actions.push_back({kind, argument}); }, help)
+            name,
+            [options, kind](const std::string& argument) {
+              options->actions.push_back({kind, argument});
+            },
+            help)
         ->type_name(type)
         ->trigger_on_parse()
         ->group("Actions");

@@ -59,4 +59,46 @@ TEST_F(CommandsTest, APageThatDoesNotLoadLeavesALogAndNoPicture) {
   EXPECT_TRUE(err.starts_with("Failed to load page file: '"));
 }
 
+TEST_F(CommandsTest, ScriptFilesAreCompiledBesideThePage) {
+  std::filesystem::create_directories("out");
+  std::filesystem::create_directories("source");
+  writeText("source/tools.bob", "define twice(x) { return 2 * x; }\n");
+  writeText("source/p.yaml", "page: {scripts: [tools.bob], onLoad: 'stdout.Display(twice(4), \"\\n\");'}");
+  EXPECT_EQ(kpg("build source/p.yaml -o out/p.kpg"), 0) << err;
+  EXPECT_EQ(kpg("compile source/tools.bob -o t.bobo"), 0);
+  EXPECT_EQ(text("out/tools.bobo"), text("t.bobo"));
+  EXPECT_EQ(kpg("shot out/p.kpg --log -"), 0);
+  EXPECT_EQ(out, "8\n");
+
+  // A faulty file is named with its own line, and nothing is written.
+  writeText("source/tools.bob", "x = 1;\ndefine twice(x) {\n");
+  EXPECT_EQ(kpg("build source/p.yaml -o bad.kpg"), 1);
+  EXPECT_TRUE(err.starts_with("source/tools.bob:3: Syntax error - ")) << err;
+  EXPECT_FALSE(std::filesystem::exists("bad.kpg"));
+}
+
+TEST_F(CommandsTest, ADumpListsScriptsAndBuildsBack) {
+  build("p.kpg", "page:\n  type: group\n  onLoad: 'x = \"a\\nb\";'\n  children: [{onClick: 'y = 2; define f() {}'}]\n");
+  EXPECT_EQ(kpg("dump p.kpg"), 0);
+  for (const char* line : {"\n  # ", "GSET 0002 ; x\n", "GSET 0002 ; y\n", "\n  onLoad: !scriptdata "})
+    EXPECT_NE(out.find(line), std::string::npos) << line << out;
+  writeText("back.yaml", out);
+  EXPECT_EQ(kpg("build back.yaml -o back.kpg"), 0) << err;
+  EXPECT_EQ(text("back.kpg"), text("p.kpg"));
+}
+
+TEST_F(CommandsTest, ReadOnlyKeepsScriptsFromWriting) {
+  writeText("in.txt", "in");
+  build("p.kpg", "page: {}");
+  std::string lines;
+  for (const char* mode : {"w", "a", "wb", "r+", "r"})
+    lines +=
+        std::string(" --eval 'new File(\"") + (*mode == 'r' ? "in.txt" : "new.txt") + "\", \"" + mode + "\") ? 1 : 0;'";
+  EXPECT_EQ(kpg("shot p.kpg --read-only --log -" + lines), 0);
+  EXPECT_EQ(out, "--> 0\n--> 0\n--> 0\n--> 0\n--> 1\n");
+  EXPECT_FALSE(std::filesystem::exists("new.txt"));
+  EXPECT_EQ(kpg("shot p.kpg --log -" + lines), 0);
+  EXPECT_EQ(out, "--> 1\n--> 1\n--> 1\n--> 1\n--> 1\n");
+}
+
 }  // namespace

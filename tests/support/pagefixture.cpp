@@ -6,8 +6,7 @@
 
 #include "engine/core.h"
 #include "kpg/files.h"
-#include "kpg/pagesource.h"
-#include "kpg/pagewriter.h"
+#include "kpg/pagebuild.h"
 
 namespace fs = std::filesystem;
 
@@ -25,12 +24,13 @@ PageTest::~PageTest() {
   fs::remove_all(folder);
 }
 
-void PageTest::writeText(const std::string& name, const std::string& text) { writeFile(name, text.data(), text.size()); }
+void PageTest::writeText(const std::string& name, const std::string& text) {
+  writeFile(name, text.data(), text.size());
+}
 
 void PageTest::build(const std::string& name, const std::string& source) {
   writeText(name + ".yaml", source);
-  const auto bytes = writePage(readPageSource(name + ".yaml", [](const std::string&) {}));
-  writeFile(name, bytes.data(), bytes.size());
+  buildPage(name + ".yaml", name, [](const std::string&) {});
 }
 
 bool PageTest::loadFile(const std::string& name) {
@@ -47,6 +47,12 @@ bool PageTest::load(const std::string& source) {
 void PageTest::key(const std::string& name) {
   ASSERT_TRUE(desktop.key(name)) << name;
   desktop.settle();
+}
+
+std::string PageTest::log() const {
+  std::string text = desktop.log;
+  for (size_t at; (at = text.find("[GC - ")) != std::string::npos;) text.erase(at, text.find('\n', at) + 1 - at);
+  return text;
 }
 
 std::string PageTest::focusName() const {

@@ -27,6 +27,9 @@ class PageTest : public testing::Test {
 
   void key(const std::string& name);
 
+  // What the console has shown, without the collector's lines.
+  std::string log() const;
+
   uint32_t pixel(int x, int y) const { return desktop.window()[size_t(y) * 720 + size_t(x)]; }
   Widget* widget(const char* name) const { return frameFindWidget(topFrame(), name); }
   std::string focusName() const;
@@ -36,4 +39,3 @@ class PageTest : public testing::Test {
  private:
   std::filesystem::path before, folder;
 };
-

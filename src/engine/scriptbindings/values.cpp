@@ -5,6 +5,20 @@
 #include "engine/scriptbindings/scriptbindings.h"
 #include "host/host.h"
 
+namespace {
+
+// By the page's word for the widget. One of a wrong type has been complained about when the widget was made.
+uint32_t kindFor(const Widget* widget) {
+  const auto type = attrFind(widget->record, "type");
+  const char* text;
+  if (type && type->tag == uint8_t(PageTag::string) && attrString(*type, &text))
+    for (const auto& [name, kind] : scriptRuntime->widgetTypes)
+      if (name == text) return kind;
+  return scriptRuntime->widgetKind;
+}
+
+}  // namespace
+
 void scriptComplain(const char* text) {
   if (logVerbose) hostLog("%s", text);
 }
@@ -17,14 +31,7 @@ BobValue scriptWrapTarget(BobInterp* interp, uint32_t kind, EventTarget* target)
 }
 
 BobValue scriptWrapWidget(BobInterp* interp, Widget* widget) {
-  uint32_t kind = scriptRuntime->widgetKind;
-  // The kind was chosen when the widget was made; a type that is no string was told then.
-  const auto attribute = attrFind(widget->record, "type");
-  const char* type = nullptr;
-  if (attribute && attribute->tag == uint8_t(PageTag::string) && attrString(*attribute, &type))
-    for (const auto& [name, kindOfType] : scriptRuntime->widgetTypes)
-      if (name == type) kind = kindOfType;
-  return scriptWrapTarget(interp, kind, widget);
+  return scriptWrapTarget(interp, kindFor(widget), widget);
 }
 
 void scriptTargetGone(EventTarget* target) {

@@ -1,0 +1,222 @@
+// Scripts over the life of pages: scopes, files, hooks that take their own page away, long sessions.
+#include "engine/display.h"
+#include "pages/scriptfixture.h"
+
+namespace {
+
+class ScriptPageTest : public ScriptTest {};
+EVERY_COLLECTION(ScriptPageTest);
+
+TEST_P(ScriptPageTest, EveryScriptAttributeRunsAndThePixelsFollow) {
+  ASSERT_TRUE(load(R"(flags: 16bit
+page:
+  width: 720
+  height: 480
+  type: group
+  start: a
+  onLoad: 'define say(t) { stdout.Display(t, " "); } say("load");'
+  onUnload: 'say("unload"); say(toString(widgets.box.x)); '
+  children:
+    - {x: 10, y: 10, width: 20, height: 20, name: box, bgColor: 0xEB808000}
+    - {x: 50, y: 10, width: 20, height: 20, name: bar, type: slider, navigate: upDown, immediate: true,
+       right: a, onChange: 'say(toString(widgets.bar.value));'}
+    - x: 80
+      name: a
+      left: bar
+      onUp: say("up");
+      onDown: |
+        say("down");
+        widgets.box.bgColor = 0x10808000;
+      onFocus: say("focus");
+      onBlur: say("blur");
+      onClick: say("click");
+)"));
+  EXPECT_EQ(heard(), "load focus ");
+  EXPECT_EQ(pixel(15, 15), 0xFCFCFCu);  // white, in five and six bits of luma
+  for (const char* name : {"Up", "Down", "Select", "Left", "Up"}) key(name);
+  EXPECT_EQ(heard(), "up down click blur 2 ");
+  EXPECT_EQ(pixel(15, 15), 0u);
+  EXPECT_EQ(say("frame.UnloadPage();"), "unload Operation attempted on inactive widget\nnil --> true\n");
+}
+
+TEST_P(ScriptPageTest, ScopesNestAndAreEmptiedWhenThePageGoes) {
+  build("inner.kpg",
+        "flags: 8bit\npage: {type: group, onLoad: 'mine = 1; stdout.Display(shared, parent.outer);', "
+        "children: [{name: w, x: 7}]}");
+  ASSERT_TRUE(
+      load("flags: 8bit\npage: {type: group, onLoad: 'outer = 5; define show() { return 3; }', "
+           "children: [{name: nest, type: frame, width: 9, height: 9}]}"));
+  say("KOVA.shared = 1;");
+  EXPECT_EQ(say("parent;"), "--> nil\n");
+  EXPECT_EQ(say("shared = 4;"), "--> 4\n");
+  EXPECT_EQ(say("widgets.nest.LoadPage(\"inner.kpg\");"), "45--> true\n");
+  EXPECT_EQ(say("mine;").substr(0, 30), "Error: Unbound variable - mine");  // not seen from outside
+  EXPECT_EQ(say("widgets.nest.LoadPage(\"none.kpg\");"), " -- 'none.kpg' not found\n--> nil\n");
+  EXPECT_EQ(say("widgets.nest.UnloadPage();"), "--> nil\n");
+  ASSERT_TRUE(load("flags: 8bit\npage: {}"));
+  for (const char* name : {"outer", "show", "shared"})
+    EXPECT_EQ(say(std::string(name) + ";").substr(0, 24), "Error: Unbound variable ") << name;
+  EXPECT_EQ(say("KOVA.shared;"), "--> 1\n");
+  EXPECT_EQ(say("widgets.nest;").substr(0, 20), "Error: No property -");
+  EXPECT_NE(say("widgets.Show();").find("Properties:\n--> nil\n"), std::string::npos);
+}
+
+TEST_P(ScriptPageTest, ScriptFilesAreObjectFiles) {
+  writeText("tools.bob", "define twice(x) { return 2 * x; }\n");
+  writeText("raw.bobo", "x = 1;");
+  ASSERT_TRUE(load("flags: 8bit\npage: {scripts: [tools.bob, raw.bobo, none.bobo], onLoad: 'v = twice(21);'}"));
+  EXPECT_EQ(heard(),
+            "Error: Not an object file - raw.bobo\nError loading 'raw.bobo'\n"
+            "Error: File not found - none.bobo\nError loading 'none.bobo'\n");
+  EXPECT_EQ(say("v;"), "--> 42\n");
+}
+
+TEST_P(ScriptPageTest, TheConsoleGoesOnAfterAnyError) {
+  ASSERT_TRUE(load("flags: 8bit\npage: {}"));
+  EXPECT_EQ(say("1 +;").substr(0, 21), "Error: Syntax error -");
+  EXPECT_EQ(say("1 + 1;"), "--> 2\n");
+  EXPECT_EQ(say("define f() { return g(); } "), "--> <Method-f>\n");
+  const std::string text = say("f();");
+  EXPECT_EQ(text.substr(0, 27), "Error: Unbound variable - g");
+  EXPECT_NE(text.find("Happened in f\n"), std::string::npos);
+  EXPECT_EQ(text.find("-->"), std::string::npos);
+  say("define deep(n) { return deep(n + 1); }");
+  EXPECT_EQ(say("deep(0);").substr(0, 21), "Error: Stack overflow");
+  EXPECT_EQ(say("Quit();").find("-->"), std::string::npos);
+  EXPECT_EQ(say("\"still here\";"), "--> \"still here\"\n");
+}
+
+// The hooks from which a script can take its own page away, and the keys that reach them.
+struct Hook {
+  const char* name;
+  std::vector<const char*> keys;
+};
+const Hook kHooks[] = {{"onClick", {"Select"}},
+                       {"onUp", {"Up"}},
+                       {"onBlur", {"Right"}},
+                       {"onFocus", {"Right"}},
+                       {"onChange", {"Right", "Up"}}};
+
+class ScriptHookTest : public ScriptTest {
+ protected:
+  // A page whose hook runs the script; for onLoad and onUnload the page's own, else a widget's.
+  std::string page(const std::string& hook, const std::string& script) {
+    const std::string on = hook + ": '" + script + "'";
+    const bool own = hook == "onLoad" || hook == "onUnload";
+    const bool second = hook == "onChange" || hook == "onFocus";
+    return "flags: 8bit\npage:\n  type: group\n  start: a\n" + (own ? "  " + on + "\n" : "") +
+           "  children:\n    - {name: nest, type: frame, width: 50, height: 50}\n    - {name: a, right: b" +
+           (own || second ? "" : ", " + on) + "}\n    - {name: b, left: a, type: slider, navigate: upDown, " +
+           "immediate: true" + (second ? ", " + on : "") + "}\n";
+  }
+  void play(const Hook& hook) {
+    for (const char* name : hook.keys) key(name);
+    desktop.wait(5);
+  }
+};
+EVERY_COLLECTION(ScriptHookTest);
+
+TEST_P(ScriptHookTest, AHookMayUnloadItsPage) {
+  for (const Hook& hook : kHooks) {
+    ASSERT_TRUE(load(page(hook.name, "KOVA.w = widgets.a; frame.UnloadPage(); stdout.Display(KOVA.w.x);")));
+    desktop.log.clear();
+    play(hook);
+    EXPECT_EQ(heard(), "Operation attempted on inactive widget\nnil") << hook.name;
+    EXPECT_EQ(topFrame()->pageData, nullptr) << hook.name;
+  }
+}
+
+TEST_P(ScriptHookTest, AHookMayLoadAnotherPage) {
+  build("next.kpg", "flags: 8bit\npage: {type: group, start: next, children: [{name: next, x: 9}]}");
+  for (const Hook& hook : kHooks) {
+    ASSERT_TRUE(load(page(hook.name, "stdout.Display(topFrame.LoadPage(\"next.kpg\"), widgets.next.x);")));
+    desktop.log.clear();
+    play(hook);
+    EXPECT_EQ(heard(), "true9") << hook.name;
+    EXPECT_EQ(focusName(), "next") << hook.name;
+  }
+  for (const char* hook : {"onLoad", "onUnload"}) {
+    const bool loaded = load(page(hook, "stdout.Display(topFrame.LoadPage(\"next.kpg\"));"));
+    EXPECT_EQ(loaded, hook == std::string("onUnload"));  // the load gives way to the one that its script asks for
+    if (loaded) say("frame.UnloadPage();");
+    EXPECT_EQ(focusName(), loaded ? "(none)" : "next") << hook;
+  }
+}
+
+// Pages that load themselves end by the language's own bound.
+TEST_P(ScriptHookTest, AHookMayLoadItsOwnPageOrNestIt) {
+  for (const Hook& hook : kHooks) {
+    ASSERT_TRUE(load(page(hook.name, "stdout.Display(topFrame.LoadPage(\"page.kpg\"));")));
+    desktop.log.clear();
+    play(hook);
+    EXPECT_EQ(heard().substr(0, 4), "true") << hook.name;
+    EXPECT_EQ(focusName(), "a");
+    ASSERT_TRUE(load(page(hook.name, "stdout.Display(widgets.nest.LoadPage(\"page.kpg\"));")));
+    desktop.log.clear();
+    play(hook);
+    EXPECT_EQ(heard().substr(0, 4), "true") << hook.name;
+  }
+  if (GetParam()) return;  // the depth of these takes its time
+  load("flags: 8bit\npage: {onLoad: 'topFrame.LoadPage(\"page.kpg\");'}");
+  const std::string text = heard();
+  EXPECT_TRUE(text.starts_with("Error: Stack overflow") || text.starts_with("Error: Insufficient memory")) << text;
+  load(page("onLoad", "widgets.nest.LoadPage(\"page.kpg\");"));
+  EXPECT_NE(heard().find(" -- 'page.kpg' not found\n"), std::string::npos);  // frames have a bound of their own
+}
+
+TEST_P(ScriptHookTest, EventsAndTimersMayTakeThePageToo) {
+  build("next.kpg", "flags: 8bit\npage: {type: group, start: next, children: [{name: next}]}");
+  const std::string go =
+      "function (e) { topFrame.LoadPage(\"next.kpg\"); topFrame.UnloadPage(); "
+      "topFrame.LoadPage(\"next.kpg\"); gc(); }";
+  for (const std::string& hook :
+       {"topFrame.OnEvent(0x80002, " + go + ");", "topFrame.ObserveEvent(0x80002, " + go + ");",
+        "widgets.a.OnEvent(0x80002, " + go + ");", "new Timer(function () { (" + go + ")(1); }, 3, true);",
+        "widgets.a.OnEvent(0x4030004, " + go + "); topFrame.UnloadPage(); topFrame.LoadPage(\"next.kpg\");"}) {
+    ASSERT_TRUE(load(page("onUp", "")));
+    say("{ " + hook + " }");
+    key("Select");
+    desktop.wait(10);
+    EXPECT_EQ(focusName(), "next") << hook;
+  }
+  // From inside an event that a script sends to its own widget.
+  ASSERT_TRUE(load(page("onUp", "frame.UnloadPage();")));
+  EXPECT_EQ(say("widgets.a.HandleEvent(0x404000d);"), "--> true\n");
+  EXPECT_EQ(topFrame()->pageData, nullptr);
+}
+
+// Heap, handles and native records stay flat over page changes; names stay for good, so they are reused here.
+class ScriptSessionTest : public PageTest {};
+
+TEST_F(ScriptSessionTest, TenThousandPageChangesOverAThousandPagesStayFlat) {
+  const auto nameOf = [](int i) { return "p" + std::to_string(i % 1000) + ".kpg"; };
+  for (int i = 0; i < 1000; ++i)
+    build(nameOf(i),
+          "flags: 8bit\npage: {type: group, onLoad: 'keep = new Vector(20); KOVA.last = widgets.a; "
+          "widgets.b.OnEvent(1, function (e) { return keep; }); new Timer(function () { keep; }, 1);', "
+          "children: [{name: a, x: " +
+              std::to_string(i) + "}, {name: b}, {name: nest, type: frame}]}");
+  BobInterp* interp = scriptInterp();
+  const auto change = [&](int from, int to) {
+    for (int i = from; i < to; ++i) {
+      frameLoad(topFrame(), nameOf(i).c_str());
+      desktop.wait(2);
+    }
+    bobCollect(interp);
+    bobCollect(interp);  // what finalizers let go of in the first
+    desktop.log.clear();
+  };
+  change(0, 2000);
+  const uint32_t heap = interp->newSpace.free - interp->newSpace.base, arena = interp->arenaFree;
+  const uint32_t native = interp->totalMemory;
+  const size_t handles = interp->handles.size();
+  change(2000, 10000);
+  EXPECT_EQ(interp->newSpace.free - interp->newSpace.base, heap);
+  EXPECT_EQ(interp->arenaFree, arena);
+  EXPECT_EQ(interp->totalMemory, native);
+  EXPECT_LE(interp->handles.size(), handles + 16);  // a number wears out after 4,096 uses
+  desktop.typeLine("KOVA.last.x;");
+  EXPECT_EQ(log(), "--> 999\n");
+}
+
+}  // namespace

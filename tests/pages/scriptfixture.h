@@ -1,0 +1,38 @@
+// Pages with scripts, each test run twice: as the player runs it, and with a collection at every allocation, which
+// moves every object whenever it can.
+#pragma once
+
+#include "bob/bob.h"
+#include "engine/scriptbindings/scriptbindings.h"
+#include "support/pagefixture.h"
+
+class ScriptTest : public PageTest, public testing::WithParamInterface<bool> {
+ protected:
+  ScriptTest() {
+    if (!GetParam()) return;
+    scriptInterp()->collectAlways = true;
+    bobCollect(scriptInterp());
+    desktop.log.clear();
+  }
+
+  // What the console answers to the line, without what the drawing behind it says.
+  std::string say(const std::string& line) {
+    desktop.log.clear();
+    desktop.typeLine(line);
+    const std::string answer = heard();
+    desktop.settle();
+    desktop.log.clear();
+    return answer;
+  }
+
+  // What it has shown since the last look.
+  std::string heard() {
+    const std::string text = log();
+    desktop.log.clear();
+    return text;
+  }
+};
+
+#define EVERY_COLLECTION(Suite)                                 \
+  INSTANTIATE_TEST_SUITE_P(Collections, Suite, testing::Bool(), \
+                           [](const auto& info) { return info.param ? "AtEveryAllocation" : "WhenFull"; })
