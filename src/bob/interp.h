@@ -82,6 +82,12 @@ struct BobProtectedBlock {
   int count = 0;
 };
 
+#ifdef BOB_FUEL
+constexpr uint32_t kBobTurnsToRest = BOB_FUEL;
+#else
+constexpr uint32_t kBobTurnsToRest = 1 << 20;  // some milliseconds
+#endif
+
 struct BobInterp {
   static constexpr BobValue nil = kBobNil, true_ = kBobTrue, false_ = kBobFalse;
 
@@ -146,9 +152,10 @@ struct BobInterp {
   bool collectAlways = false;
   int64_t failAllocation = -1;
 
-#ifdef BOB_FUEL
-  uint32_t fuel = BOB_FUEL;  // branches and calls that are left to run
-#endif
+  // Called after so many branches and calls, so that a host stays alive beside a script that doesn't end. It may raise
+  // an error but must not run scripts.
+  void (*rest)(BobInterp*) = nullptr;
+  uint32_t turnsToRest = kBobTurnsToRest;
 
   uint32_t* words(BobValue object) { return reinterpret_cast<uint32_t*>(base + object); }
   uint8_t* bytes(BobValue object) { return base + object; }

@@ -56,6 +56,7 @@ bool start(ScriptRuntime& runtime) {
   bobRegisterGlobals(interp);
   interp->gcHook = collectorHook;
   interp->stdinStream = interp->stdoutStream = interp->stderrStream = &consoleStream;
+  interp->rest = [](BobInterp*) { hostBreathe(); };
   if (readOnlyFiles) interp->openFile = openForReading;
   makeKova(interp);
   return defineClasses(runtime);
