@@ -182,7 +182,7 @@ int frameLoad(Frame* frame, const char* path) {
   if (frame->gone || frame->unloading) return 0;
   if (frame->pageData) frameUnload(frame);
   if (frame->gone) return 0;
-  if (frame->nesting > kMaxFrameNesting) return hostLog(" -- '%s' not found\n", path);
+  if (frame->nesting > kMaxFrameNesting || engineStackSpent()) return hostLog(" -- '%s' not found\n", path);
 
   std::unique_ptr<PageData> page = readPage(path);
   if (!page) return 0;

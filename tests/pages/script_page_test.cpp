@@ -164,6 +164,20 @@ TEST_P(ScriptHookTest, AHookMayLoadItsOwnPageOrNestIt) {
   EXPECT_NE(heard().find(" -- 'page.kpg' not found\n"), std::string::npos);  // frames have a bound of their own
 }
 
+// Each event climbs from the bottom of 150 groups to a script that sends it down again, or loads the page anew.
+TEST_P(ScriptHookTest, EndlessEventsAndLoadsEnd) {
+  if (GetParam()) return;  // the depth of these takes its time
+  std::string inner = "{name: bottom}";
+  for (int depth = 150; depth > 0; --depth) inner = "{type: group, children: [" + inner + "]}";
+  for (const std::string again : {"widgets.bottom.HandleEvent(0x4030);", "topFrame.LoadPage(\"page.kpg\");"}) {
+    load("flags: 8bit\npage: {name: top, type: group, onUp: '" + again + "', children: [" + inner +
+         "], onLoad: 'widgets.top.OnEvent(0x4030, function (e) { " + again +
+         " }); widgets.bottom.HandleEvent(0x4030);'}");
+    say("frame.UnloadPage();");
+    EXPECT_EQ(say("1;"), "--> 1\n");
+  }
+}
+
 TEST_P(ScriptHookTest, EventsAndTimersMayTakeThePageToo) {
   build("next.kpg", "flags: 8bit\npage: {type: group, start: next, children: [{name: next}]}");
   const std::string go =
