@@ -20,9 +20,9 @@ namespace {
 
 constexpr int kMaxFrameNesting = 32;
 constexpr uint32_t kMaxPageWidgets = 65536;
+constexpr uint32_t kMaxLoadWidgets = 4 * kMaxPageWidgets;  // with the pages nested in the page
 
-// Widgets made since the outermost load under way began. Pages nested in a page count with it, so that pages that hold
-// themselves end.
+// Widgets made since the outermost load under way began, so that pages that hold themselves end.
 uint32_t widgetsMade = 0;
 int loadsUnderWay = 0;
 
@@ -41,8 +41,13 @@ std::unique_ptr<PageData> readPage(const char* path) {
     hostLog(" -- '%s' not found\n", path);
     return nullptr;
   }
-  std::vector<uint8_t> bytes(hostFileSize(file));
-  const bool whole = hostRead(file, bytes.data(), bytes.size()) == bytes.size();
+  std::vector<uint8_t> bytes;
+  bool whole = false;
+  try {
+    bytes.resize(hostFileSize(file));
+    whole = hostRead(file, bytes.data(), bytes.size()) == bytes.size();
+  } catch (const std::exception&) {  // larger than memory
+  }
   hostClose(file);
   if (!whole) return nullptr;
   if (!pageCheck(bytes.data(), bytes.size())) {
@@ -174,7 +179,9 @@ Frame* frameCreate(Frame* owner, Widget* parentWidget, PageObject record) {
   return frame;
 }
 
-bool frameCountWidget() { return widgetsMade++ < kMaxPageWidgets; }
+bool frameCountWidget(Frame* frame) {
+  return frame->widgetsMade++ < kMaxPageWidgets && widgetsMade++ < kMaxLoadWidgets;
+}
 
 int frameLoad(Frame* frame, const char* path) {
   EngineCall call;
@@ -188,6 +195,7 @@ int frameLoad(Frame* frame, const char* path) {
   if (!page) return 0;
   frame->pageData = std::move(page);
   frame->rootObject = pageRoot(*frame->pageData);
+  frame->widgetsMade = 0;
   frame->widgets = nullptr;
   frame->widgetsTail = &frame->widgets;
   frame->textStyles = nullptr;
@@ -200,10 +208,9 @@ void frameUnload(Frame* frame) {
   if (frame->gone || frame->unloading || !frame->pageData) return;
   frame->unloading = true;
   ++frame->generation;
-  while (frame->widgets) {
-    Widget* widget = takeWidget(frame);
+  while (Widget* widget = frame->widgets) {
     eventSendSimple(widget, kWidgetDestroyed, 0);
-    widgetDestroy(widget);
+    if (frame->widgets == widget) widgetDestroy(takeWidget(frame));
   }
   frame->focus = nullptr;
   stylesFree(frame);
