@@ -3,7 +3,6 @@
 // Any step that runs a script may find, behind it, that the frame has been unloaded, loaded again or destroyed. The
 // load then stops and leaves the frame to whoever took it.
 #include <memory>
-#include <vector>
 
 #include "engine/clut.h"
 #include "engine/core.h"
@@ -13,6 +12,7 @@
 #include "engine/redraw.h"
 #include "engine/scriptbindings/scriptbindings.h"
 #include "engine/textstyle.h"
+#include "engine/wholefile.h"
 #include "engine/widgettypes.h"
 #include "host/host.h"
 
@@ -41,20 +41,13 @@ std::unique_ptr<PageData> readPage(const char* path) {
     hostLog(" -- '%s' not found\n", path);
     return nullptr;
   }
-  std::vector<uint8_t> bytes;
-  bool whole = false;
-  try {
-    bytes.resize(hostFileSize(file));
-    whole = hostRead(file, bytes.data(), bytes.size()) == bytes.size();
-  } catch (const std::exception&) {  // larger than memory
-  }
-  hostClose(file);
-  if (!whole) return nullptr;
-  if (!pageCheck(bytes.data(), bytes.size())) {
+  auto bytes = readWhole(file);
+  if (!bytes) return nullptr;
+  if (!pageCheck(bytes->data(), bytes->size())) {
     hostLog("Failed to load page file: '%s'\n", path);
     return nullptr;
   }
-  return std::make_unique<PageData>(std::move(bytes));
+  return std::make_unique<PageData>(std::move(*bytes));
 }
 
 // One load of one frame, as long as nobody else has loaded or unloaded it.
