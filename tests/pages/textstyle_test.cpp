@@ -1,30 +1,20 @@
 // Styles of a page, down to pixels, with the font of blocks.
 #include <array>
 #include <cstring>
-#include <fstream>
 
 #include "engine/display.h"
 #include "engine/textstyle.h"
 #include "host/color.h"
+#include "support/blockfont.h"
 #include "support/pagefixture.h"
-#include "t2k/fontbuilder.h"
 
 namespace {
 
 class TextStyleTest : public PageTest {
  protected:
-  // 1,000 units an em; a: 4 x 7 pixels at size 10, 1 from the pen, advance 6.
   TextStyleTest() {
-    SfntBuilder font;
-    font.AddContours({RectContour(0, 0, 500, 500)}, 600);
-    font.characters[' '] = font.AddGlyph({}, 300, 0);
-    font.characters['a'] = font.AddContours({RectContour(100, 0, 500, 700)}, 600);
-    font.characters[0xE9] = font.AddContours({RectContour(100, 0, 200, 100)}, 200);
-    writeFile("blocks.ttf", font.Build());
-    writeFile("broken.ttf", {'n', 'o', ' ', 'f', 'o', 'n', 't'});
-  }
-  static void writeFile(const char* name, const std::vector<uint8_t>& bytes) {
-    std::ofstream(name, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), long(bytes.size()));
+    WriteFile("blocks.ttf", BlockFontFile());
+    WriteFile("broken.ttf", {'n', 'o', ' ', 'f', 'o', 'n', 't'});
   }
   bool loadStyles(const std::string& styles) {
     return load("flags: 16bit\npage: {width: 720, height: 480, type: group, bgColor: 0x10808000, textStyles: [" +
