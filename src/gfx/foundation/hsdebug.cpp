@@ -27,6 +27,11 @@ hsHaltProc hsSetHaltProc(hsHaltProc proc) {
 
 const char* hsReportText() { return gReport; }
 
+void hsHalt() {
+  gReport[0] = '\0';
+  gHaltProc();
+}
+
 void hsStatusMessage(const char* message, int32_t value) {
   std::snprintf(gReport, sizeof gReport, "%s: %ld", message, long{value});
   std::printf("%s\n", gReport);
