@@ -36,6 +36,11 @@ void hsPrintStatus(const char* format, ...) {
 
 const char* hsReportText() { return gReport; }
 
+void hsHalt() {
+  gReport[0] = '\0';
+  gHaltProc();
+}
+
 void hsStatusMessage(const char* message, int32_t value) {
   std::snprintf(gReport, sizeof gReport, "%s: %ld", message, long{value});
   hsPrintStatus("%s\n", gReport);

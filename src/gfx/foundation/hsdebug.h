@@ -20,6 +20,9 @@ hsHaltProc hsSetHaltProc(hsHaltProc proc);
 // The text of the latest report, for a halt function that shows it elsewhere too; "" before the first.
 const char* hsReportText();
 
+// Halts without a report of its own, for what has been told elsewhere; hsReportText is "" then.
+void hsHalt();
+
 // Prints "message: value" as a line on standard output, flushes it and halts.
 void hsDebugMessage(const char* message, int32_t value);
 

@@ -43,7 +43,8 @@ void hsGIndexBlitter::BlitMask(const hsGMask& mask, const hsRegion* clip) {
 bool hsGIndexBlitter::Reuse(const hsGBitmap& bitmap, const hsGAttribute& attr, int32_t maskType) {
   const int32_t index = attr.ColorIndex();
   const bool solid = index >= 0 || attr.Color().fA == 0xFFFF;
-  if (bitmap.fConfig != hsGBitmap::kConfig_Index8 || !bitmap.fColorTable || !solid || !hsIsPlainPaint(attr) || maskType != kMask_Bit)
+  if (bitmap.fConfig != hsGBitmap::kConfig_Index8 || !bitmap.fColorTable || !solid || !hsIsPlainPaint(attr) ||
+      maskType != kMask_Bit)
     return false;
   fDevice = bitmap;
   fIndex = index >= 0 ? uint8_t(index) : bitmap.fColorTable->ColorToIndex(attr.Color());
@@ -142,7 +143,8 @@ void hsGColorBlitter8::BlitLCDMask(const hsGMask& mask, const hsRegion* clip, in
 
 bool hsGColorBlitter8::Reuse(const hsGBitmap& bitmap, const hsGAttribute& attr, int32_t maskType) {
   if (bitmap.fConfig != hsGBitmap::kConfig_Index8 || !bitmap.fColorTable || !hsIsPlainPaint(attr) ||
-      maskType == kMask_3D) return false;
+      maskType == kMask_3D)
+    return false;
   const bool solid = attr.ColorIndex() >= 0 || attr.Color().fA >> 8 == 0xFF;
   if (solid && maskType == kMask_Bit) return false;
   fDevice = bitmap;

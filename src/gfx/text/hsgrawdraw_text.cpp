@@ -57,7 +57,7 @@ class GlyphPainter {
       : fClip(draw.fClip),
         fBounder(bounder),
         fMaskType(maskType),
-        fBlitter(draw.fAttr->GetBlitter(*draw.fBitmap, maskType, *draw.fMatrix)),
+        fBlitter(draw.GetBlitter(maskType)),
         fDevice{0, 0, int32_t(draw.fBitmap->fWidth), int32_t(draw.fBitmap->fHeight)},
         fShown(fDevice) {}
 
@@ -238,7 +238,7 @@ void hsGRawDraw::DrawFastText(uint32_t length, const void* text, hsPoint* point,
     const hsRect rect = {point->fX, top, end, hsWrapAdd(top, underline->fThickness)};
     if (!fBounder || !fBounder->BoundFixedRect(rect, *fMatrix, fClip, nullptr, false)) {
       hsRegion storage;
-      const hsGBlitterRef blitter(fAttr->GetBlitter(*fBitmap, kMask_Bit, *fMatrix));
+      const hsGBlitterRef blitter(GetBlitter(kMask_Bit));
       HSScan::FillRect(&rect, ClipOrBitmap(&storage), blitter, true);
     }
   }

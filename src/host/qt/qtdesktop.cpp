@@ -116,7 +116,7 @@ void QtDesktop::quit() { QApplication::quit(); }
 
 void QtDesktop::halt() {
   standsStill = true;
-  shell.console->write(std::string(hsReportText()) + "\n");
+  if (*hsReportText() != '\0') shell.console->write(std::string(hsReportText()) + "\n");
   QEventLoop().exec();
   std::_Exit(0);
 }
