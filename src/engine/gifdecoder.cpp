@@ -1,6 +1,7 @@
 #include "engine/gifdecoder.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -14,6 +15,8 @@ constexpr Pass kInterlaced[] = {{0, 8}, {4, 8}, {2, 4}, {1, 2}};
 constexpr Pass kPlain[] = {{0, 1}};
 
 uint32_t little16(const uint8_t* p) { return uint32_t(p[0] | p[1] << 8); }
+
+int tableSize(uint8_t packed) { return 2 << (packed & 7); }
 
 // Collects indices into rows and hands each on when it is full, in the order of the passes.
 class RowSink {
@@ -127,11 +130,11 @@ GifError GifDecoder::decode(const Begin& begin, const Row& row) {
   if (!read(signature, sizeof signature) || signature[0] != 'G' || signature[1] != 'I' || signature[2] != 'F')
     return GifError::badSignature;
   if (!read(screen, sizeof screen)) return GifError::truncatedDescriptor;
-  std::array<uint32_t, 256> colors{};
-  const bool hasColors = screen[4] & 0x80;
-  if (hasColors)
-    if (const GifError error = readColors(screen[4], &colors); error != GifError::none) return error;
-  if (!begin(little16(screen), little16(screen + 2), hasColors ? &colors : nullptr)) return GifError::outOfMemory;
+  if (screen[4] & 0x80) {
+    if (const GifError error = readColors(screen[4], &global); error != GifError::none) return error;
+    globalCount = tableSize(screen[4]);
+  }
+  if (!begin(little16(screen), little16(screen + 2), globalCount ? &global : nullptr)) return GifError::outOfMemory;
 
   for (;;) {
     GifError error = GifError::none;
@@ -147,8 +150,7 @@ GifError GifDecoder::decode(const Begin& begin, const Row& row) {
 }
 
 GifError GifDecoder::readColors(uint8_t packed, std::array<uint32_t, 256>* colors) {
-  const size_t count = size_t{2} << (packed & 7);
-  for (size_t i = 0; i < count; ++i) {
+  for (size_t i = 0; i < size_t(tableSize(packed)); ++i) {
     uint8_t rgb[3];
     if (!read(rgb, sizeof rgb)) return GifError::truncatedColorTable;
     (*colors)[i] = uint32_t(rgb[0]) << 24 | uint32_t(rgb[1]) << 16 | uint32_t(rgb[2]) << 8;
@@ -165,6 +167,7 @@ GifError GifDecoder::readExtension() {
     if (size != 4) return GifError::badGraphicControl;
     uint8_t control[4];
     if (!read(control, sizeof control)) return GifError::endOfFile;
+    nextTransparent = control[0] & 1 ? control[3] : -1;
   }
   return skipBlocks();
 }
@@ -183,20 +186,30 @@ GifError GifDecoder::readImage(const Row& row) {
   uint8_t descriptor[9];
   if (!read(descriptor, sizeof descriptor)) return GifError::truncatedDescriptor;
   const uint8_t packed = descriptor[8];
-  if (packed & 0x80) {  // a table of its own; indices are all that we keep
-    std::array<uint32_t, 256> colors;
-    if (const GifError error = readColors(packed, &colors); error != GifError::none) return error;
+  current = {current.number + 1,
+             little16(descriptor),
+             little16(descriptor + 2),
+             little16(descriptor + 4),
+             little16(descriptor + 6),
+             (packed & 0x40) != 0,
+             globalCount,
+             global,
+             std::exchange(nextTransparent, -1)};
+  if (packed & 0x80) {  // a table of its own
+    current.colors = {};
+    current.colorCount = tableSize(packed);
+    if (const GifError error = readColors(packed, &current.colors); error != GifError::none) return error;
   }
-  return readPixels({little16(descriptor + 4), little16(descriptor + 6), (packed & 0x40) != 0}, row);
+  return readPixels(row);
 }
 
-GifError GifDecoder::readPixels(const ImageDescriptor& image, const Row& row) {
+GifError GifDecoder::readPixels(const Row& row) {
   const int minimumBits = next();
   if (minimumBits < 0) return GifError::endOfFile;
   if (minimumBits < 2 || minimumBits > 8) return GifError::badCodeSize;
-  if (image.width == 0 || image.height == 0) return skipBlocks();
+  if (current.width == 0 || current.height == 0) return skipBlocks();
 
-  RowSink sink(image.width, image.height, image.interlaced, row);
+  RowSink sink(current.width, current.height, current.interlaced, row);
   Dictionary dictionary;
   dictionary.reset(minimumBits);
   std::array<uint8_t, kMaxCodes> indices;
