@@ -48,7 +48,8 @@ class GifDecoder {
   const GifImage& image() const { return current; }
 
  private:
-  int next();  // a byte, or -1 at the end of the file
+  bool fill();  // the buffer; false at the end of the file
+  int next();   // a byte, or -1 at the end of the file
   bool read(uint8_t* bytes, size_t size);
   GifError readColors(uint8_t packed, std::array<uint32_t, 256>* colors);
   GifError readExtension();
