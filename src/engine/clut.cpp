@@ -1,6 +1,6 @@
 #include "engine/clut.h"
 
-#include <algorithm>
+#include <array>
 #include <memory>
 #include <vector>
 
@@ -21,10 +21,9 @@ uint32_t big32(const uint8_t* p) { return uint32_t(p[0]) << 24 | uint32_t(p[1]) 
 
 // One byte that says nothing, then four a colour, big-endian.
 void readColors(HostFile* file, Clut* clut) {
-  std::vector<uint8_t> bytes(std::min(hostFileSize(file), 1 + 4 * kMaxColors));
-  bytes.resize(hostRead(file, bytes.data(), bytes.size()));
-  const size_t colors = bytes.empty() ? 0 : (bytes.size() - 1) / 4;
-  clut->count = int(std::min(colors, kMaxColors));
+  std::array<uint8_t, 1 + 4 * kMaxColors> bytes;  // whatever follows is passed over
+  const size_t size = hostRead(file, bytes.data(), bytes.size());
+  clut->count = size == 0 ? 0 : int((size - 1) / 4);
   for (size_t i = 0; i < size_t(clut->count); ++i) clut->colors[i] = big32(bytes.data() + 1 + i * 4);
   clut->colors[kTransparentIndex] = 0;
 }

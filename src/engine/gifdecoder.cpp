@@ -1,11 +1,13 @@
 #include "engine/gifdecoder.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
 constexpr int kMaxBits = 12;
 constexpr int kMaxCodes = 1 << kMaxBits;
+constexpr size_t kHead = 8;  // indices of an entry that are written at one stroke, wanted or not
 
 struct Pass {
   uint32_t start, step;
@@ -15,31 +17,50 @@ constexpr Pass kPlain[] = {{0, 1}};
 
 uint32_t little16(const uint8_t* p) { return uint32_t(p[0] | p[1] << 8); }
 
+int tableSize(uint8_t packed) { return 2 << (packed & 7); }
+
 // Collects indices into rows and hands each on when it is full, in the order of the passes.
 class RowSink {
  public:
   RowSink(uint32_t w, uint32_t h, bool interlaced, const GifDecoder::Row& r)
-      : height(h),
+      : width(w),
+        height(h),
         emit(r),
-        indices(w),
+        row(w + kHead),
         pass(interlaced ? kInterlaced : kPlain),
         passEnd(interlaced ? std::end(kInterlaced) : std::end(kPlain)),
         y(pass->start) {}
 
-  void put(uint8_t index) {
-    if (pass == passEnd) return;  // more than the image holds
-    indices[filled++] = index;
-    if (filled < indices.size()) return;
+  // Where the next `length` indices, up to kMaxCodes, are to be written; put() then takes them. They go straight into
+  // the row where that has room. There is always room for kHead.
+  uint8_t* place(size_t length) { return length <= width - filled ? row.data() + filled : overhang.data(); }
+  void put(const uint8_t* from, size_t length) {
+    if (from != overhang.data()) return advance(length);
+    while (length > 0) {
+      const size_t part = std::min(length, width - filled);
+      std::copy_n(from, part, row.data() + filled);
+      advance(part);
+      from += part;
+      length -= part;
+    }
+  }
+
+ private:
+  void advance(size_t length) {
+    filled += length;
+    if (filled < width) return;
     filled = 0;
-    emit(y, indices.data(), uint32_t(indices.size()));
+    if (pass == passEnd) return;  // more than the image holds
+    emit(y, row.data(), uint32_t(width));
     y += pass->step;
     while (y >= height && ++pass != passEnd) y = pass->start;
   }
 
- private:
+  size_t width;
   uint32_t height;
   const GifDecoder::Row& emit;
-  std::vector<uint8_t> indices;
+  std::vector<uint8_t> row;
+  std::array<uint8_t, kMaxCodes + kHead> overhang;
   size_t filled = 0;
   const Pass *pass, *passEnd;
   uint32_t y;
@@ -48,68 +69,69 @@ class RowSink {
 // The dictionary: each code is a shorter one and a last index.
 class Dictionary {
  public:
-  void reset(int minimumBits) {
-    clear = 1 << minimumBits;
+  explicit Dictionary(int minimum) : clear(1 << minimum), minimumBits(minimum) {
+    for (int i = 0; i < clear; ++i) entries[size_t(i)] = {{uint8_t(i)}, 0, 1, uint8_t(i)};
+    reset();
+  }
+
+  void reset() {
     count = clear + 2;
     bits = minimumBits + 1;
     previous = -1;
   }
 
-  // Writes the indices of the code, first to last, into `out` and gives their number; 0 for a code that can't be.
-  size_t expand(int code, std::array<uint8_t, kMaxCodes>* out) {
+  // Gives the indices of the code to the sink, and defines the next code. False for a code that can't be.
+  bool expand(int code, RowSink* sink) {
     if (previous < 0) {  // the first behind a clear stands for itself
-      if (code >= clear) return 0;
-      previous = code;
-      first = uint8_t(code);
-      (*out)[0] = first;
-      return 1;
+      if (code >= clear) return false;
+    } else {
+      if (code > count || (code == count && count >= kMaxCodes)) return false;
+      define(entries[size_t(code == count ? previous : code)].head[0]);
     }
-    if (code > count || (code == count && count >= kMaxCodes)) return 0;
-    size_t at = out->size();
-    int link = code;
-    if (code == count) {  // the code being defined: the one before it and its first index again
-      (*out)[--at] = first;
-      link = previous;
-    }
-    for (; link >= clear; link = prefix[size_t(link)]) {
-      if (link < clear + 2 || at < 2) return 0;
-      (*out)[--at] = suffix[size_t(link)];
-    }
-    first = uint8_t(link);
-    (*out)[--at] = first;
-    add();
     previous = code;
-    const size_t length = out->size() - at;
-    std::copy(out->begin() + long(at), out->end(), out->begin());
-    return length;
+    const Entry* entry = &entries[size_t(code)];
+    const size_t length = entry->length;
+    uint8_t* out = sink->place(length);
+    for (size_t at = length; at > kHead; entry = &entries[entry->prefix]) out[--at] = entry->last;
+    std::copy_n(entry->head.data(), kHead, out);
+    sink->put(out, length);
+    return true;
   }
 
-  int clear = 0;  // the code that empties it; the next one ends the image
-  int bits = 0;   // of the codes now
+  const int clear;  // the code that empties it; the next one ends the image
+  int bits;         // of the codes now
 
  private:
-  void add() {
+  // The next code is the one before, and one index more.
+  void define(uint8_t last) {
     if (count == kMaxCodes) return;  // it is full and stays as it is
-    prefix[size_t(count)] = int16_t(previous);
-    suffix[size_t(count)] = first;
+    Entry& made = entries[size_t(count)];
+    const Entry& from = entries[size_t(previous)];
+    made = {from.head, uint16_t(previous), uint16_t(from.length + 1), last};
+    if (from.length < kHead) made.head[from.length] = last;
     if (++count == 1 << bits && bits < kMaxBits) ++bits;
   }
 
-  int count = 0;
-  int previous = -1;
-  uint8_t first = 0;
-  std::array<int16_t, kMaxCodes> prefix;
-  std::array<uint8_t, kMaxCodes> suffix;
+  struct Entry {
+    std::array<uint8_t, kHead> head;  // the first indices, which are all of most entries
+    uint16_t prefix, length;
+    uint8_t last;
+  };
+  const int minimumBits;
+  int count, previous;
+  std::array<Entry, kMaxCodes> entries;
 };
 
 }  // namespace
 
+bool GifDecoder::fill() {
+  filled = source(buffer.data(), buffer.size());
+  position = 0;
+  return filled > 0;
+}
+
 int GifDecoder::next() {
-  if (position == filled) {
-    filled = source(buffer.data(), buffer.size());
-    position = 0;
-    if (filled == 0) return -1;
-  }
+  if (position == filled && !fill()) return -1;
   return buffer[position++];
 }
 
@@ -127,11 +149,11 @@ GifError GifDecoder::decode(const Begin& begin, const Row& row) {
   if (!read(signature, sizeof signature) || signature[0] != 'G' || signature[1] != 'I' || signature[2] != 'F')
     return GifError::badSignature;
   if (!read(screen, sizeof screen)) return GifError::truncatedDescriptor;
-  std::array<uint32_t, 256> colors{};
-  const bool hasColors = screen[4] & 0x80;
-  if (hasColors)
-    if (const GifError error = readColors(screen[4], &colors); error != GifError::none) return error;
-  if (!begin(little16(screen), little16(screen + 2), hasColors ? &colors : nullptr)) return GifError::outOfMemory;
+  if (screen[4] & 0x80) {
+    if (const GifError error = readColors(screen[4], &global); error != GifError::none) return error;
+    globalCount = tableSize(screen[4]);
+  }
+  if (!begin(little16(screen), little16(screen + 2), globalCount ? &global : nullptr)) return GifError::outOfMemory;
 
   for (;;) {
     GifError error = GifError::none;
@@ -147,8 +169,7 @@ GifError GifDecoder::decode(const Begin& begin, const Row& row) {
 }
 
 GifError GifDecoder::readColors(uint8_t packed, std::array<uint32_t, 256>* colors) {
-  const size_t count = size_t{2} << (packed & 7);
-  for (size_t i = 0; i < count; ++i) {
+  for (size_t i = 0; i < size_t(tableSize(packed)); ++i) {
     uint8_t rgb[3];
     if (!read(rgb, sizeof rgb)) return GifError::truncatedColorTable;
     (*colors)[i] = uint32_t(rgb[0]) << 24 | uint32_t(rgb[1]) << 16 | uint32_t(rgb[2]) << 8;
@@ -165,6 +186,7 @@ GifError GifDecoder::readExtension() {
     if (size != 4) return GifError::badGraphicControl;
     uint8_t control[4];
     if (!read(control, sizeof control)) return GifError::endOfFile;
+    nextTransparent = control[0] & 1 ? control[3] : -1;
   }
   return skipBlocks();
 }
@@ -183,24 +205,32 @@ GifError GifDecoder::readImage(const Row& row) {
   uint8_t descriptor[9];
   if (!read(descriptor, sizeof descriptor)) return GifError::truncatedDescriptor;
   const uint8_t packed = descriptor[8];
-  if (packed & 0x80) {  // a table of its own; indices are all that we keep
-    std::array<uint32_t, 256> colors;
-    if (const GifError error = readColors(packed, &colors); error != GifError::none) return error;
+  current = {current.number + 1,
+             little16(descriptor),
+             little16(descriptor + 2),
+             little16(descriptor + 4),
+             little16(descriptor + 6),
+             (packed & 0x40) != 0,
+             globalCount,
+             global,
+             std::exchange(nextTransparent, -1)};
+  if (packed & 0x80) {  // a table of its own
+    current.colors = {};
+    current.colorCount = tableSize(packed);
+    if (const GifError error = readColors(packed, &current.colors); error != GifError::none) return error;
   }
-  return readPixels({little16(descriptor + 4), little16(descriptor + 6), (packed & 0x40) != 0}, row);
+  return readPixels(row);
 }
 
-GifError GifDecoder::readPixels(const ImageDescriptor& image, const Row& row) {
+GifError GifDecoder::readPixels(const Row& row) {
   const int minimumBits = next();
   if (minimumBits < 0) return GifError::endOfFile;
   if (minimumBits < 2 || minimumBits > 8) return GifError::badCodeSize;
-  if (image.width == 0 || image.height == 0) return skipBlocks();
+  if (current.width == 0 || current.height == 0) return skipBlocks();
 
-  RowSink sink(image.width, image.height, image.interlaced, row);
-  Dictionary dictionary;
-  dictionary.reset(minimumBits);
-  std::array<uint8_t, kMaxCodes> indices;
-  uint32_t bitBuffer = 0;
+  RowSink sink(current.width, current.height, current.interlaced, row);
+  Dictionary dictionary(minimumBits);
+  uint64_t bitBuffer = 0;
   int bitCount = 0, blockLeft = 0;
   for (;;) {
     while (bitCount < dictionary.bits) {
@@ -209,26 +239,22 @@ GifError GifDecoder::readPixels(const ImageDescriptor& image, const Row& row) {
         if (blockLeft < 0) return GifError::endOfFile;
         if (blockLeft == 0) return GifError::none;  // the data ends without an end code
       }
-      const int byte = next();
-      if (byte < 0) return GifError::endOfFile;
-      --blockLeft;
-      bitBuffer |= uint32_t(byte) << bitCount;
-      bitCount += 8;
+      if (position == filled && !fill()) return GifError::endOfFile;
+      for (; blockLeft > 0 && position < filled && bitCount <= 56; --blockLeft, bitCount += 8)
+        bitBuffer |= uint64_t{buffer[position++]} << bitCount;
     }
     const int code = int(bitBuffer & ((1u << dictionary.bits) - 1));
     bitBuffer >>= dictionary.bits;
     bitCount -= dictionary.bits;
 
     if (code == dictionary.clear) {
-      dictionary.reset(minimumBits);
+      dictionary.reset();
     } else if (code == dictionary.clear + 1) {
       for (; blockLeft > 0; --blockLeft)
         if (next() < 0) return GifError::endOfFile;
       return skipBlocks();
-    } else {
-      const size_t length = dictionary.expand(code, &indices);
-      if (length == 0) return GifError::badCode;
-      for (size_t i = 0; i < length; ++i) sink.put(indices[i]);
+    } else if (!dictionary.expand(code, &sink)) {
+      return GifError::badCode;
     }
   }
 }

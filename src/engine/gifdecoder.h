@@ -1,4 +1,5 @@
-// The GIF format as published (87a and 89a), of which transparency, delays and places of images are passed over.
+// The GIF format as published (87a and 89a). Rows come as the player takes them, wherever their image lies; what else a
+// file says of an image can be asked for.
 #pragma once
 
 #include <array>
@@ -20,6 +21,15 @@ enum class GifError {
   badGraphicControl = -10,
 };
 
+struct GifImage {
+  int number = -1;  // from 0; -1 ahead of the first
+  uint32_t left, top, width, height;
+  bool interlaced;
+  int colorCount = 0;                  // of its own table or else of the global one; 0 for neither
+  std::array<uint32_t, 256> colors{};  // 0xRRGGBB00
+  int transparent = -1;                // index; -1 for none
+};
+
 class GifDecoder {
  public:
   // Gives up to `size` more bytes of the file; fewer mean that it has ended.
@@ -34,21 +44,24 @@ class GifDecoder {
 
   GifError decode(const Begin& begin, const Row& row);
 
- private:
-  struct ImageDescriptor {
-    uint32_t width, height;
-    bool interlaced;
-  };
+  // The image that rows come from now; the last one when decode() has returned.
+  const GifImage& image() const { return current; }
 
-  int next();  // a byte, or -1 at the end of the file
+ private:
+  bool fill();  // the buffer; false at the end of the file
+  int next();   // a byte, or -1 at the end of the file
   bool read(uint8_t* bytes, size_t size);
   GifError readColors(uint8_t packed, std::array<uint32_t, 256>* colors);
   GifError readExtension();
   GifError readImage(const Row& row);
-  GifError readPixels(const ImageDescriptor& image, const Row& row);
+  GifError readPixels(const Row& row);
   GifError skipBlocks();
 
   Source source;
   std::array<uint8_t, 1024> buffer;
   size_t position = 0, filled = 0;
+  GifImage current;
+  std::array<uint32_t, 256> global{};
+  int globalCount = 0;
+  int nextTransparent = -1;  // said ahead of the image that it is for
 };

@@ -37,6 +37,10 @@ bool HandleHeap::init(void* memory, size_t size) {
   return true;
 }
 
+uint64_t HandleHeap::blockSize(uint64_t size) { return ((size + 3) & ~uint64_t{3}) + kBlockOverhead; }
+
+size_t HandleHeap::room(size_t memorySize) { return (memorySize & ~size_t{3}) - (kTable + 4 * kHandleStep); }
+
 HeapHandle HandleHeap::findFreeHandle() const {
   for (uint32_t slot = word(kHandles); slot < word(kTableEnd); slot += 4)
     if (word(slot) == 0) return slot;
@@ -61,8 +65,8 @@ HeapHandle HandleHeap::heapAlloc(HeapRelocator relocator, uint64_t size) {
     handle = findFreeHandle();
     if (!handle) return 0;
   }
-  const uint64_t rounded = (size + 3) & ~uint64_t{3};
-  const uint64_t whole = rounded + kBlockOverhead;
+  const uint64_t whole = blockSize(size);
+  const uint64_t rounded = whole - kBlockOverhead;
   const auto fits = [&] { return word(kTableEnd) + whole <= word(kHeapBottom); };
   if (!fits()) compact();
   if (!fits()) return 0;

@@ -18,6 +18,11 @@ class HandleHeap {
   // Takes the memory over, with 32 handles. False when it is too small.
   bool init(void* memory, size_t size);
 
+  // What a payload of that size takes, and what memory of that size has for blocks as long as the table is as small as
+  // it starts.
+  static uint64_t blockSize(uint64_t size);
+  static size_t room(size_t memorySize);
+
   // 0 when there is no room, even after moving.
   HeapHandle heapAlloc(HeapRelocator relocator, uint64_t size);
   void heapFree(HeapHandle handle);  // its room comes back with the next compaction

@@ -57,9 +57,11 @@ void evict(int64_t need) {
   }
 }
 
+uint64_t payloadSize(uint64_t pixels, size_t nameLength) { return pixels + nameLength + sizeof(CachedImage) + 1; }
+
 HeapHandle place(const char* name, uint64_t pixelBytes) {
   const size_t nameLength = std::strlen(name);
-  const uint64_t need = pixelBytes + nameLength + sizeof(CachedImage) + 1;
+  const uint64_t need = payloadSize(pixelBytes, nameLength);
   for (;;) {
     if (const HeapHandle handle = heap.heapAlloc(relocate, need)) {
       uint8_t* payload = heap.payload(handle);
@@ -91,6 +93,12 @@ HeapHandle load(const char* name) {
 }
 
 }  // namespace
+
+uint64_t imageMemory(uint64_t pixels, size_t nameLength) {
+  return HandleHeap::blockSize(payloadSize(pixels, nameLength));
+}
+
+size_t imageMemoryLimit() { return HandleHeap::room(kImageCacheSize); }
 
 void imageCacheInit(void* memory, size_t size) {
   lruHead = lruTail = 0;

@@ -23,6 +23,12 @@ struct CachedImage {
 };
 static_assert(sizeof(CachedImage) == 32);
 
+inline constexpr size_t kImageCacheSize = 0x80000;  // bytes of the block
+
+// What a picture of so many pixels under a name of that length takes of the block, and the most that one can take.
+uint64_t imageMemory(uint64_t pixels, size_t nameLength);
+size_t imageMemoryLimit();
+
 void imageCacheInit(void* memory, size_t size);
 void imageCacheFree();  // forgets everything, at the end of the engine
 

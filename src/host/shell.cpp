@@ -5,14 +5,14 @@
 
 #include "engine/core.h"
 #include "engine/frame.h"
+#include "engine/imagecache.h"
 #include "engine/scriptbindings/scriptbindings.h"
 #include "host/hostoperations.h"
 #include "host/keytable.h"
 
 namespace {
 
-constexpr size_t kImageCacheSize = 0x80000;  // bytes
-constexpr int kConsoleWidth = 800;           // pixels
+constexpr int kConsoleWidth = 800;  // pixels
 constexpr int kConsoleHeight = 600;
 
 void post(const std::optional<RemoteKey>& key) {
@@ -63,7 +63,6 @@ bool Shell::loadPage(const std::string& path) {
 }
 
 void Shell::consoleEnter(const std::function<void()>& breakLine) {
-  console->enter(breakLine, [](std::string_view text) {
-    consoleEvaluate(topFrame(), text.data(), uint32_t(text.size()));
-  });
+  console->enter(breakLine,
+                 [](std::string_view text) { consoleEvaluate(topFrame(), text.data(), uint32_t(text.size())); });
 }

@@ -1,30 +1,44 @@
 // kpg clut: makes colour tables.
 #include <memory>
 
+#include "kpg/clutfile.h"
 #include "kpg/commands.h"
+#include "kpg/enginecolors.h"
 #include "kpg/errors.h"
-#include "kpg/files.h"
 #include "kpg/standardclut.h"
 
 namespace {
 
-void writeClut(const std::string& path, const auto& colors) {
-  std::vector<uint8_t> bytes = {0};
-  for (uint32_t color : colors)
-    for (int shift = 24; shift >= 0; shift -= 8) bytes.push_back(uint8_t(color >> shift));
-  writeFile(path, bytes.data(), bytes.size());
+struct ClutOptions {
+  std::vector<std::string> pictures;
+  std::string output;
+  bool standard = false;
+  size_t most = kMaxClutColors - 1;
+};
+
+void makeTable(const ClutOptions& options) {
+  if (options.standard != options.pictures.empty()) throw CommandError("kpg clut: takes either pictures or --standard");
+  if (options.standard) {
+    const auto colors = standardClut();
+    return writeClutFile(options.output, {colors.begin(), colors.end()});
+  }
+  std::vector<uint32_t> pixels;
+  for (const std::string& path : options.pictures) {
+    const auto more = toEngineColors(readPicture(path), {});
+    pixels.insert(pixels.end(), more.begin(), more.end());
+  }
+  writeClutFile(options.output, makeClut(pixels, options.most));
 }
 
 }  // namespace
 
 void addClutCommand(CLI::App& app) {
-  struct Options {
-    std::string output;
-    bool standard = false;
-  };
-  auto options = std::make_shared<Options>();
-  CLI::App* command = app.add_subcommand("clut", "Make a colour table");
-  command->add_flag("--standard", options->standard, "A table of 240 colours that suits any page")->required();
+  auto options = std::make_shared<ClutOptions>();
+  CLI::App* command = app.add_subcommand("clut", "Make a colour table, from pictures that are to share it");
+  command->add_option("pictures", options->pictures, "PNG or GIF pictures")->type_name("IN.png");
+  command->add_flag("--standard", options->standard, "A table of 240 colours that suits any page, from no picture");
+  command->add_option("--colors", options->most, "Use at most so many colours, black and white among them")
+      ->check(CLI::Range(size_t{3}, kMaxClutColors - 1));
   command->add_option("-o", options->output, "The colour table to write")->required()->type_name("OUT.clut");
-  command->callback([options] { writeClut(options->output, standardClut()); });
+  command->callback([options] { makeTable(*options); });
 }

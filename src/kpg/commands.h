@@ -8,3 +8,4 @@ void addDumpCommand(CLI::App& app);
 void addShotCommand(CLI::App& app);
 void addClutCommand(CLI::App& app);
 void addFontCommand(CLI::App& app);
+void addImageCommand(CLI::App& app);

@@ -16,6 +16,7 @@ int main(int argc, char** argv) {
   addShotCommand(app);
   addClutCommand(app);
   addFontCommand(app);
+  addImageCommand(app);
   addBobCommands(app);
   try {
     app.parse(argc, argv);

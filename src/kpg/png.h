@@ -5,5 +5,13 @@
 #include <string>
 #include <vector>
 
-// Writes width x height pixels 0x00RRGGBB, rows from the top. Throws CommandError.
+#include "kpg/picture.h"
+
+bool isPng(const std::vector<uint8_t>& bytes);
+
+// Any kind of PNG, as 8 bits a channel. `path` is for errors. Throws CommandError.
+Picture decodePng(const std::string& path, const std::vector<uint8_t>& bytes);
+
+// Write width x height pixels, rows from the top: 0x00RRGGBB, or 0xAARRGGBB with alpha. Throw CommandError.
 void writePng(const std::string& path, int width, int height, const std::vector<uint32_t>& pixels);
+void writePngWithAlpha(const std::string& path, int width, int height, const std::vector<uint32_t>& pixels);

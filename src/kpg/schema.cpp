@@ -86,9 +86,9 @@ constexpr Row kRootRows[] = {
 };
 
 constexpr Row kStyleRows[] = {
-    {"", "name", string},        {"", "font", string},         {"", "size", integer},       {"", "color", color},
-    {"", "antialias", boolean},  {"", "gridfit", boolean},     {"", "tracking", integer},   {"", "bgColor", color},
-    {"", "underline", boolean},  {"", "letterExtra", integer}, {"", "spaceExtra", integer}, {"", "horScale", integer},
+    {"", "name", string},       {"", "font", string},         {"", "size", integer},       {"", "color", color},
+    {"", "antialias", boolean}, {"", "gridfit", boolean},     {"", "tracking", integer},   {"", "bgColor", color},
+    {"", "underline", boolean}, {"", "letterExtra", integer}, {"", "spaceExtra", integer}, {"", "horScale", integer},
     {"", "encoding", string},
 };
 

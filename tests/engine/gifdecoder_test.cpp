@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <random>
 
 namespace {
@@ -33,12 +34,50 @@ class GifWriter {
     put(codes, minimumBits + 1);
   }
 
-  // Codes of one width in blocks of 255 bytes.
+  // The same with a dictionary, as encoders do it; a full one is emptied, or stays full to the end.
+  void compressedImage(int width, int height, int minimumBits, const std::vector<uint8_t>& indices, bool emptied) {
+    bytes.push_back(0x2C);
+    for (int word : {0, 0, width, height}) little16(word);
+    add({0, uint8_t(minimumBits)});
+    const int clear = 1 << minimumBits;
+    std::map<std::pair<int, uint8_t>, int> dictionary;
+    std::vector<std::pair<int, int>> codes = {{clear, minimumBits + 1}};
+    int next = clear + 2, bits = minimumBits + 1, current = indices[0];
+    for (size_t i = 1; i < indices.size(); ++i) {
+      if (const auto found = dictionary.find({current, indices[i]}); found != dictionary.end()) {
+        current = found->second;
+        continue;
+      }
+      codes.push_back({current, bits});
+      if (next < 4096) {
+        dictionary[{current, indices[i]}] = next;
+        if (next++ == 1 << bits && bits < 12) ++bits;
+      } else if (emptied) {
+        codes.push_back({clear, bits});
+        dictionary.clear();
+        next = clear + 2;
+        bits = minimumBits + 1;
+      }
+      current = indices[i];
+    }
+    codes.push_back({current, bits});
+    if (next == 1 << bits && bits < 12) ++bits;  // the decoder defines one more for that code
+    codes.push_back({clear + 1, bits});
+    put(codes);
+  }
+
   void put(const std::vector<int>& codes, int bits) {
+    std::vector<std::pair<int, int>> pairs;
+    for (int code : codes) pairs.push_back({code, bits});
+    put(pairs);
+  }
+
+  // Codes, each with its width, in blocks of 255 bytes.
+  void put(const std::vector<std::pair<int, int>>& codes) {
     std::vector<uint8_t> data;
     uint32_t buffer = 0;
     int count = 0;
-    for (int code : codes) {
+    for (auto [code, bits] : codes) {
       buffer |= uint32_t(code) << count;
       for (count += bits; count >= 8; count -= 8, buffer >>= 8) data.push_back(uint8_t(buffer));
     }
@@ -130,6 +169,32 @@ TEST(GifDecoder, CodesThatDefineThemselvesAndWidthsThatGrow) {
   const Decoded result = decode(gif.bytes);
   EXPECT_EQ(result.error, GifError::none);
   EXPECT_EQ(result.rows, (std::vector<std::vector<uint8_t>>{{1, 1, 1, 1, 1, 1}}));
+}
+
+// Strings of every length, across rows and across the dictionary's end.
+TEST(GifDecoder, WholeDictionaries) {
+  std::mt19937 random(2);
+  for (int bits : {2, 5, 8}) {
+    for (bool emptied : {false, true}) {
+      for (int width : {1, 7, 300}) {
+        const int height = 60000 / width;
+        std::vector<uint8_t> indices;
+        while (int(indices.size()) < width * height) {  // runs, some long, between noise
+          const size_t length = random() % 8 ? 1 + random() % 3 : random() % 2000;
+          indices.insert(indices.end(), length, uint8_t(random() % (1u << bits)));
+        }
+        indices.resize(size_t(width * height));
+        GifWriter gif(width, height, bits);
+        gif.compressedImage(width, height, bits, indices, emptied);
+        const Decoded result = decode(gif.bytes);
+        ASSERT_EQ(result.error, GifError::none);
+        ASSERT_EQ(result.rows.size(), size_t(height));
+        std::vector<uint8_t> all;
+        for (const auto& row : result.rows) all.insert(all.end(), row.begin(), row.end());
+        ASSERT_TRUE(all == indices) << bits << emptied << width;
+      }
+    }
+  }
 }
 
 TEST(GifDecoder, FaultsHaveTheirNumbers) {

@@ -1,27 +1,10 @@
 // The program as its users call it: exit statuses, streams, and the rules of a shot.
-#include <sys/wait.h>
-
-#include "kpg/files.h"
+#include "kpgfixture.h"
 #include "support/blockfont.h"
-#include "support/pagefixture.h"
 
 namespace {
 
-class CommandsTest : public PageTest {
- protected:
-  // Exit status; standard output and error stream are left in `out` and `err`.
-  int kpg(const std::string& arguments) {
-    const int status = std::system((std::string(KPG_PROGRAM) + " " + arguments + " >out.txt 2>err.txt").c_str());
-    out = text("out.txt");
-    err = text("err.txt");
-    return WEXITSTATUS(status);
-  }
-  static std::string text(const std::string& name) {
-    const auto bytes = readFile(name);
-    return {bytes.begin(), bytes.end()};
-  }
-  std::string out, err;
-};
+using CommandsTest = KpgTest;
 
 TEST_F(CommandsTest, ErrorsGoToTheErrorStreamWithStatusOne) {
   EXPECT_EQ(kpg("--help"), 0);

@@ -1,0 +1,23 @@
+// Runs the program as its users call it.
+#pragma once
+
+#include <sys/wait.h>
+
+#include "kpg/files.h"
+#include "support/pagefixture.h"
+
+class KpgTest : public PageTest {
+ protected:
+  // Exit status; standard output and error stream are left in `out` and `err`.
+  int kpg(const std::string& arguments) {
+    const int status = std::system((std::string(KPG_PROGRAM) + " " + arguments + " >out.txt 2>err.txt").c_str());
+    out = text("out.txt");
+    err = text("err.txt");
+    return WEXITSTATUS(status);
+  }
+  static std::string text(const std::string& name) {
+    const auto bytes = readFile(name);
+    return {bytes.begin(), bytes.end()};
+  }
+  std::string out, err;
+};
