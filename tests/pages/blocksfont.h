@@ -1,0 +1,69 @@
+// Pages whose text is set in a font of blocks, so that every pixel of it can be worked out by hand.
+#pragma once
+
+#include <array>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "host/color.h"
+#include "support/pagefixture.h"
+#include "t2k/fontbuilder.h"
+
+inline void writeBytes(const char* name, const std::vector<uint8_t>& bytes) {
+  std::ofstream(name, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), long(bytes.size()));
+}
+
+// 1,000 units an em, 800 above the baseline and 200 below. At size 10, in pixels:
+//   a        4 x 7 from 1 on, advance 6        b    9 x 7, advance 10
+//   space    nothing, advance 3                U+E9 1 x 1 from 1 on, advance 2
+//   others   5 x 5, advance 6
+// The lowest row of a glyph is that of the baseline.
+inline std::vector<uint8_t> blocksFont() {
+  SfntBuilder font;
+  font.AddContours({RectContour(0, 0, 500, 500)}, 600);
+  font.characters[' '] = font.AddGlyph({}, 300, 0);
+  font.characters['a'] = font.AddContours({RectContour(100, 0, 500, 700)}, 600);
+  font.characters['b'] = font.AddContours({RectContour(0, 0, 900, 700)}, 1000);
+  font.characters[0xE9] = font.AddContours({RectContour(100, 0, 200, 100)}, 200);
+  return font.Build();
+}
+
+class BlocksTest : public PageTest {
+ protected:
+  using Box = std::array<int, 4>;  // left, top, right, bottom
+  static constexpr Box kNothing = {720, 480, 0, 0};
+
+  BlocksTest() { writeBytes("blocks.ttf", blocksFont()); }
+
+  // A dark page with the styles `plain` (white), `bright` (grey), both of size 10, and `big` (white, size 20).
+  bool loadTexts(const std::string& children, const std::string& root = "start: w") {
+    return load("flags: 16bit\npage: {width: 720, height: 480, type: group, bgColor: 0x10808000, " + root +
+                ", textStyles: [{name: plain, font: blocks.ttf, size: 10, color: 0xEB808000},"
+                "{name: bright, font: blocks.ttf, size: 10, color: 0x80808000},"
+                "{name: big, font: blocks.ttf, size: 20, color: 0xEB808000}], children: [" +
+                children + "]}");
+  }
+
+  // What differs from the page's ground, or from nothing but one colour.
+  Box inked() const {
+    return boxOf([ground = pixel(719, 479)](uint32_t p) { return p != ground; });
+  }
+  Box inkedIn(uint32_t color) const {
+    return boxOf([color](uint32_t p) { return p == color; });
+  }
+
+  // Of the styles, as the screen keeps them: two bits less of luma.
+  const uint32_t kPlain = yCrCbToRgb(0xE8808000), kBright = yCrCbToRgb(0x80808000);
+
+ private:
+  template <class F>
+  Box boxOf(F counts) const {
+    Box box = kNothing;
+    for (int y = 0; y < 480; ++y)
+      for (int x = 0; x < 720; ++x)
+        if (counts(pixel(x, y)))
+          box = {std::min(box[0], x), std::min(box[1], y), std::max(box[2], x + 1), std::max(box[3], y + 1)};
+    return box;
+  }
+};
