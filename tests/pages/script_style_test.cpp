@@ -10,7 +10,7 @@ namespace {
 class ScriptStyleTest : public ScriptTest {
  protected:
   void loadStyles() {
-    WriteFile("blocks.ttf", BlockFontFile());
+    writeBytes("blocks.ttf", blocksFont());
     ASSERT_TRUE(load(R"(flags: 8bit
 page:
   width: 720

@@ -2,20 +2,16 @@
 #include <array>
 #include <cstring>
 
+#include "blocksfont.h"
 #include "engine/display.h"
 #include "engine/textstyle.h"
 #include "host/color.h"
-#include "support/blockfont.h"
-#include "support/pagefixture.h"
 
 namespace {
 
-class TextStyleTest : public PageTest {
+class TextStyleTest : public BlocksTest {
  protected:
-  TextStyleTest() {
-    WriteFile("blocks.ttf", BlockFontFile());
-    WriteFile("broken.ttf", {'n', 'o', ' ', 'f', 'o', 'n', 't'});
-  }
+  TextStyleTest() { writeBytes("broken.ttf", {'n', 'o', ' ', 'f', 'o', 'n', 't'}); }
   bool loadStyles(const std::string& styles) {
     return load("flags: 16bit\npage: {width: 720, height: 480, type: group, bgColor: 0x10808000, textStyles: [" +
                 styles + "]}");
@@ -32,18 +28,7 @@ class TextStyleTest : public PageTest {
   static void draw(const TextStyle& style, const std::string& text, int x, int top) {
     textDrawAt(style, text.data(), uint32_t(text.size()), x, top);
   }
-  // Columns and rows of the pixels that differ from the page's ground.
-  std::array<int, 4> inked() const {
-    std::array<int, 4> box = {720, 480, 0, 0};
-    for (int y = 0; y < 480; ++y)
-      for (int x = 0; x < 720; ++x)
-        if (pixel(x, y) != pixel(719, 479))
-          box = {std::min(box[0], x), std::min(box[1], y), std::max(box[2], x + 1), std::max(box[3], y + 1)};
-    return box;
-  }
 };
-
-constexpr std::array<int, 4> kNothing = {720, 480, 0, 0};
 
 TEST_F(TextStyleTest, AttributesAreReadInOrder) {
   ASSERT_TRUE(loadStyles(
