@@ -32,6 +32,25 @@ TEST(Heap, ObjectsTakeTheSizesOf32BitWords) {
     EXPECT_EQ(taken([&] { bobSetProperty(interp, object, bobSmall(i), kBobNil); }), sizes[i]) << i;
 }
 
+TEST(Heap, VectorsGrowByHalfWithinBounds) {
+  Session session;
+  BobInterp* interp = session.interp;
+  const BobLocal vector(interp, bobMakeVector(interp, 0));
+  const struct {
+    uint32_t size, taken;  // the bytes of the vector that takes over, 0 if there is room
+  } steps[] = {
+      {1, 12 + 4 * 8},     {8, 0},  {9, 12 + 4 * 16},  {16, 0},
+      {17, 12 + 4 * 24},   {24, 0}, {25, 12 + 4 * 36}, {300, 12 + 4 * 300},
+      {301, 12 + 4 * 428}, {2, 0},  {428, 0},          {1000, 12 + 4 * 1000},
+  };
+  for (const auto& step : steps) {
+    const uint32_t before = interp->newSpace.free;
+    bobSetVectorSize(interp, vector, step.size);
+    EXPECT_EQ(interp->newSpace.free - before, step.taken) << step.size;
+    EXPECT_EQ(bobVectorSize(interp, vector), step.size);
+  }
+}
+
 TEST(Heap, HoldsExactlyItsSpaceAndRaisesBehindIt) {
   Session session;
   BobInterp* interp = session.interp;
@@ -53,6 +72,9 @@ TEST(Heap, HoldsExactlyItsSpaceAndRaisesBehindIt) {
   for (const char* text :
        {"new Vector(0x40000000);", "new String(0x7FFFFFFF);", "(\\[])[0x7FFFFFFE] = 1;", "(\\[]).size = 30000;"})
     EXPECT_TRUE(session.eval(text).starts_with("Error: Insufficient memory\n")) << text;
+  // What is too large for any space is looked for all the same: a collection comes first.
+  bobConsoleEvaluate(session.root(), "new Vector(0x40000000);");
+  EXPECT_TRUE(session.err.text.starts_with("[GC - ")) << session.err.text;
 }
 
 TEST(Heap, ReportsEveryCollection) {
@@ -61,6 +83,11 @@ TEST(Heap, ReportsEveryCollection) {
   const std::regex report("\\[GC - [0-9]+ bytes free, total memory [0-9]+, allocations [0-9]+\\]\n");
   EXPECT_TRUE(std::regex_match(session.err.text, report)) << session.err.text;
   EXPECT_NE(session.err.text.find(" " + std::to_string(FreeBytes(session.interp)) + " bytes free"), std::string::npos);
+  // Two spaces, the stack, a chunk of symbols and the kinds Type and File; the compiler, its code and the block of
+  // protected pointers that its literals are in. Each has a word more, for its size.
+  EXPECT_EQ(session.interp->totalMemory, 2u * (102400 + 20 + 4) + (262144 + 4) + (8192 + 8 + 4) + 2 * (15 * 4 + 5 + 4) +
+                                             (1200 + 4) + (4096 + 4) + (408 + 4));
+  EXPECT_EQ(session.interp->allocationCount, 9u);
   // A protected-pointer block: its link, 100 addresses and a count, and the word that keeps the size.
   const uint32_t memory = session.interp->totalMemory;
   std::vector<BobValue> variables(100);
