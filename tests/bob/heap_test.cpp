@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <iterator>
+#include <set>
+#include <sstream>
+
 #include "bob/session.h"
 
 namespace {
@@ -30,6 +34,52 @@ TEST(Heap, ObjectsTakeTheSizesOf32BitWords) {
   const uint32_t sizes[] = {16, 16, 16, 16, 16 + 24, 16, 16, 16, 16 + 40};  // properties; tables of 4 and 8 buckets
   for (int i = 0; i < 9; ++i)
     EXPECT_EQ(taken([&] { bobSetProperty(interp, object, bobSmall(i), kBobNil); }), sizes[i]) << i;
+}
+
+// What so many properties take: a property each, and a table when there are more than four.
+uint32_t StoreSize(size_t count) {
+  size_t buckets = 4;
+  for (size_t held = 5; held < count; ++held)
+    if (held >= 2 * buckets) buckets *= 2;
+  return uint32_t(16 * count + (count > 4 ? 8 + 4 * buckets : 0));
+}
+
+std::set<std::string> Names(const std::string& text) {
+  std::istringstream in(text);
+  return {std::istream_iterator<std::string>(in), {}};
+}
+
+// Pages have the rest of the space to themselves, so a new interpreter must hold these objects and no others.
+TEST(Heap, ANewInterpreterHoldsItsClassesAndNothingElse) {
+  const std::set<std::string> object = Names("initialize Class Clone Exists ExistsLocally Send Show");
+  const std::set<std::string> kinds[] = {
+      Names("Decode Apply"),
+      Names("initialize Clone Push PushFront Pop PopFront size"),  // Vector
+      Names("printName"),
+      Names("initialize Intern toInteger toFloat size"),  // String
+      Names("toFloat toInteger toString"),
+      Names("toFloat toInteger"),
+      Names("initialize Close Print Display GetC PutC"),
+  };
+  constexpr uint32_t kKindsWithoutMembers = 8;  // Type, CObject, CMethod, Property, CompiledCode, three environments
+  const std::set<std::string> globals = Names(
+      "nil true false Object Type Method Vector Symbol String Integer Float CObject CMethod Property CompiledCode "
+      "Environment StackEnvironment MovedEnvironment File stdin stdout stderr Hash toString rand gc LoadObjectFile "
+      "Quit "
+      "Load Eval CompileFile");
+  std::set<std::string> symbols = globals;
+  symbols.insert(object.begin(), object.end());
+  uint32_t expected = 16 + StoreSize(object.size()) + 16 + StoreSize(globals.size()) + 24 * kKindsWithoutMembers;
+  for (const auto& members : kinds) {
+    symbols.insert(members.begin(), members.end());
+    expected += 24 + StoreSize(members.size());
+  }
+  expected += 16 + StoreSize(symbols.size());
+  expected += 3 * 24;        // stdin, stdout, stderr
+  expected += 12 + 4 * 256;  // the compiler's literals
+  Session session;
+  bobCollect(session.interp);
+  EXPECT_EQ(session.interp->newSpace.free - session.interp->newSpace.base, expected);
 }
 
 TEST(Heap, VectorsGrowByHalfWithinBounds) {
