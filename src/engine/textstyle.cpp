@@ -160,6 +160,15 @@ void styleToAttribute(hsGAttribute* attribute, const TextStyle& style) {
   attribute->SetTextSize(hsIntToFixed(style.size));
 }
 
+// Of the first character of a text that decodes.
+uint32_t characterLength(uint32_t encoding, const char* text, uint32_t length) {
+  if (encoding == hsGAttribute::kUTF16) return 2;
+  if (encoding != hsGAttribute::kUTF8) return 1;
+  int bytes = 1;
+  utf8Decode(reinterpret_cast<const uint8_t*>(text), length, &bytes);
+  return uint32_t(bytes);
+}
+
 // The bytes at the beginning of the text that decode.
 uint32_t usableLength(uint32_t encoding, const char* text, uint32_t length) {
   if (encoding == hsGAttribute::kUTF16) return length & ~1u;
@@ -246,6 +255,28 @@ void textMeasure(const TextStyle& style, const char* text, uint32_t length, int3
   *width = hsFixedRound(advance);
   *height = hsFixedRound(hsWrapSub(bottom.fY, top.fY));
   if (ascent) *ascent = -hsFixedRound(top.fY);
+}
+
+// Without kerning a text is as wide as its characters together, so one walk finds what trying every length would find.
+uint32_t textFit(const TextStyle& style, const char* text, uint32_t length, int32_t limit, int32_t* width) {
+  *width = 0;
+  if (length == 0) return 0;
+  hsGAttribute paint;
+  if (style.font) styleToAttribute(&paint, style);
+  const uint32_t usable = style.font ? usableLength(style.encoding, text, length) : 0;
+  uint32_t fitting = 0, at = 0;
+  hsFixed advance = 0;
+  for (;;) {
+    // All ends inside a character measure what stands before it; so do all behind the last one that decodes.
+    const uint32_t next = at < usable ? at + characterLength(style.encoding, text + at, usable - at) : length;
+    if (hsFixedRound(advance) < limit) {
+      fitting = next - 1;
+      *width = hsFixedRound(advance);
+    }
+    if (next >= length) return fitting;
+    advance = hsWrapAdd(advance, paint.MeasureText(next - at, text + at, nullptr, nullptr));
+    at = next;
+  }
 }
 
 void textMetrics(const TextStyle& style, int32_t* ascent, int32_t* descent) {

@@ -14,6 +14,9 @@ using hsHaltProc = void (*)();
 // Sets the halt function, nullptr for the standing one, and gives the one before.
 hsHaltProc hsSetHaltProc(hsHaltProc proc);
 
+// Prints on standard output and flushes it. All that the system itself says there goes through here.
+[[gnu::format(printf, 1, 2)]] void hsPrintStatus(const char* format, ...);
+
 // The text of the latest report, for a halt function that shows it elsewhere too; "" before the first.
 const char* hsReportText();
 
