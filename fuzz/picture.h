@@ -4,25 +4,48 @@
 #include <stdlib.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <vector>
 
+#include "engine/clut.h"
+#include "engine/display.h"
 #include "engine/imagecache.h"
 #include "host/headless/headlessdesktop.h"
 
-// Writes the bytes under `name`, draws it, tiled too, and draws it again from the cache.
-inline void drawPictureFile(const char* name, const uint8_t* data, size_t size) {
-  static const bool entered = [] {
+inline void writeBytes(const char* name, const uint8_t* data, size_t size) {
+  std::ofstream(name, std::ios::binary).write(reinterpret_cast<const char*>(data), std::streamsize(size));
+}
+
+// The engine, started once, with nothing in its cache: a start takes longer than many pictures.
+inline void freshCache() {
+  static HeadlessDesktop* const desktop = [] {
     std::string folder = (std::filesystem::temp_directory_path() / "vistrel-fuzz-XXXXXX").string();
     std::filesystem::current_path(mkdtemp(folder.data()));
-    return true;
+    constexpr uint8_t kGood[] = {0, 0, 0, 2, 0, 1, 0, 1, 0, 0, 0, 0, 7, 8};
+    writeBytes("good.kpx", kGood, sizeof kGood);
+    auto* made = new HeadlessDesktop;
+    made->start();
+    return made;
   }();
-  (void)entered;
-  std::ofstream(name, std::ios::binary).write(reinterpret_cast<const char*>(data), std::streamsize(size));
-  HeadlessDesktop desktop;
-  desktop.start();
+  static std::vector<uint32_t> memory(kImageCacheSize / 4);
+  desktop->log.clear();
+  imageCacheFree();
+  clutsFree();
+  imageCacheInit(memory.data(), kImageCacheSize);
+}
+
+// Writes the bytes under `name`, draws it, tiled too, and draws it again from the cache, which must take a good picture
+// afterwards.
+inline void drawPictureFile(const char* name, const uint8_t* data, size_t size) {
+  freshCache();
+  writeBytes(name, data, size);
+  displaySetDepth(size % 2 ? 8 : 16);
   for (bool tile : {false, true}) {
     Bounds rect = {700, 470, 50, 20};
     imageDraw(name, 3, -2, &rect, tile);
   }
+  const CachedImage* good = imageGet("good.kpx");
+  if (!good || imagePixels(*good)[1] != 8) std::abort();
 }

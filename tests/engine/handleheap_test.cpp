@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <random>
@@ -77,7 +78,7 @@ TEST_F(HandleHeapTest, LiveBlocksKeepTheirBytesThroughEveryMove) {
       if (!handle) continue;
       std::vector<uint8_t> bytes(size - 4);
       for (uint8_t& byte : bytes) byte = uint8_t(random());
-      std::memcpy(heap.payload(handle) + 4, bytes.data(), bytes.size());
+      std::copy(bytes.begin(), bytes.end(), heap.payload(handle) + 4);
       ASSERT_TRUE(model.emplace(handle, bytes).second);
     } else {
       auto victim = std::next(model.begin(), long(random() % model.size()));
@@ -88,7 +89,7 @@ TEST_F(HandleHeapTest, LiveBlocksKeepTheirBytesThroughEveryMove) {
       uint32_t own;
       std::memcpy(&own, heap.payload(handle), 4);
       ASSERT_EQ(own, heap.offsetOf(heap.payload(handle)));
-      ASSERT_EQ(std::memcmp(heap.payload(handle) + 4, bytes.data(), bytes.size()), 0);
+      ASSERT_TRUE(std::equal(bytes.begin(), bytes.end(), heap.payload(handle) + 4));
     }
     if (model.size() > 28) {  // stay below the table's first size, whose growth would take room
       heap.heapFree(model.begin()->first);
