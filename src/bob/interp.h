@@ -131,7 +131,7 @@ struct BobInterp {
   uint32_t totalMemory = 0, allocationCount = 0;  // what the collector reports of native memory
 
   BobStream *stdinStream = nullptr, *stdoutStream = nullptr, *stderrStream = nullptr;
-  FILE* (*openFile)(const char* path, const char* mode) = std::fopen;
+  std::unique_ptr<BobStream> (*openFile)(const char* path, const char* mode) = bobOpenPlainFile;
 
   uint32_t typeClass = 0;  // the kind of class objects
   uint32_t fileKind = 0;

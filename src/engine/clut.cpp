@@ -21,7 +21,7 @@ uint32_t big32(const uint8_t* p) { return uint32_t(p[0]) << 24 | uint32_t(p[1]) 
 
 // One byte that says nothing, then four a colour, big-endian.
 void readColors(HostFile* file, Clut* clut) {
-  std::vector<uint8_t> bytes(hostFileSize(file));
+  std::vector<uint8_t> bytes(std::min(hostFileSize(file), 1 + 4 * kMaxColors));
   bytes.resize(hostRead(file, bytes.data(), bytes.size()));
   const size_t colors = bytes.empty() ? 0 : (bytes.size() - 1) / 4;
   clut->count = int(std::min(colors, kMaxColors));

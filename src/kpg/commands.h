@@ -7,3 +7,4 @@ void addBuildCommand(CLI::App& app);
 void addDumpCommand(CLI::App& app);
 void addShotCommand(CLI::App& app);
 void addClutCommand(CLI::App& app);
+void addFontCommand(CLI::App& app);

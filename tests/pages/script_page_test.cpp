@@ -64,7 +64,9 @@ TEST_P(ScriptPageTest, ScopesNestAndAreEmptiedWhenThePageGoes) {
 TEST_P(ScriptPageTest, ScriptFilesAreObjectFiles) {
   writeText("tools.bob", "define twice(x) { return 2 * x; }\n");
   writeText("raw.bobo", "x = 1;");
-  ASSERT_TRUE(load("flags: 8bit\npage: {scripts: [tools.bob, raw.bobo, none.bobo], onLoad: 'v = twice(21);'}"));
+  build("page.kpg", "flags: 8bit\npage: {scripts: [tools.bob, raw.bobo, none.bobo], onLoad: 'v = twice(21);'}");
+  std::filesystem::rename("tools.bobo", "Tools.BOBO");  // names on the player have no case
+  ASSERT_TRUE(loadFile("page.kpg"));
   EXPECT_EQ(heard(),
             "Error: Not an object file - raw.bobo\nError loading 'raw.bobo'\n"
             "Error: File not found - none.bobo\nError loading 'none.bobo'\n");

@@ -34,7 +34,6 @@ void drawLine(const TextWidget* widget, const TextStyle& style, const char* text
 // Lines stand as far apart as the style's size says, whatever the font says.
 void drawLines(const TextWidget* widget, const TextStyle& style, const char* text) {
   const std::vector<TextLine> lines = breakLines(style, {text, widget->length}, widget->bounds.w);
-  if (lines.empty()) return;
   int32_t width, height, ascent;
   textMeasure(style, text, 0, &width, &height, &ascent);
   int32_t baseline = alignedTop(widget->bounds, widget->alignment, int32_t(lines.size()) * style.size);

@@ -2,39 +2,18 @@
 #pragma once
 
 #include <array>
-#include <fstream>
 #include <string>
-#include <vector>
 
 #include "host/color.h"
+#include "support/blockfont.h"
 #include "support/pagefixture.h"
-#include "t2k/fontbuilder.h"
-
-inline void writeBytes(const char* name, const std::vector<uint8_t>& bytes) {
-  std::ofstream(name, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), long(bytes.size()));
-}
-
-// 1,000 units an em, 800 above the baseline and 200 below. At size 10, in pixels:
-//   a        4 x 7 from 1 on, advance 6        b    9 x 7, advance 10
-//   space    nothing, advance 3                U+E9 1 x 1 from 1 on, advance 2
-//   others   5 x 5, advance 6
-// The lowest row of a glyph is that of the baseline.
-inline std::vector<uint8_t> blocksFont() {
-  SfntBuilder font;
-  font.AddContours({RectContour(0, 0, 500, 500)}, 600);
-  font.characters[' '] = font.AddGlyph({}, 300, 0);
-  font.characters['a'] = font.AddContours({RectContour(100, 0, 500, 700)}, 600);
-  font.characters['b'] = font.AddContours({RectContour(0, 0, 900, 700)}, 1000);
-  font.characters[0xE9] = font.AddContours({RectContour(100, 0, 200, 100)}, 200);
-  return font.Build();
-}
 
 class BlocksTest : public PageTest {
  protected:
   using Box = std::array<int, 4>;  // left, top, right, bottom
   static constexpr Box kNothing = {720, 480, 0, 0};
 
-  BlocksTest() { writeBytes("blocks.ttf", blocksFont()); }
+  BlocksTest() { WriteFile("blocks.ttf", BlockFontFile()); }
 
   // A dark page with the styles `plain` (white), `bright` (grey), both of size 10, and `big` (white, size 20).
   bool loadTexts(const std::string& children, const std::string& root = "start: w") {
