@@ -36,8 +36,8 @@ TEST_F(CommandsTest, AShotWritesPictureAndLogAgainstTheFolderOfTheCall) {
 }
 
 TEST_F(CommandsTest, TellsWhatAFontHolds) {
-  std::vector<uint8_t> font = blocksFont();
-  writeBytes("blocks.ttf", font);
+  std::vector<uint8_t> font = BlockFontFile();
+  WriteFile("blocks.ttf", font);
   EXPECT_EQ(kpg("font blocks.ttf --out specimen.png"), 0) << err;
   EXPECT_NE(out.find("glyphs: 4 for 3 characters\nunits an em: 1000, ascent 800, descent -200"), std::string::npos);
   EXPECT_NE(out.find("platform 3 encoding 1 format 4"), std::string::npos);
@@ -45,7 +45,7 @@ TEST_F(CommandsTest, TellsWhatAFontHolds) {
   EXPECT_EQ(text("specimen.png").substr(1, 3), "PNG");
 
   font.resize(200);
-  writeBytes("cut.ttf", font);
+  WriteFile("cut.ttf", font);
   EXPECT_EQ(kpg("font cut.ttf --out none.png"), 1);
   EXPECT_TRUE(out.ends_with("opens: no\n"));
   EXPECT_NE(err.find("cut.ttf: the player can't draw with it (error "), std::string::npos);

@@ -2,7 +2,7 @@
 #include <cstring>
 #include <random>
 
-#include "blocksfont.h"
+#include "blockspage.h"
 #include "engine/display.h"
 #include "engine/textstyle.h"
 #include "engine/value.h"
@@ -43,7 +43,7 @@ uint8_t badByte(std::mt19937& random) {
 class BrokenTextTest : public BlocksTest {
  protected:
   BrokenTextTest() : before(hsSetHaltProc([] { ADD_FAILURE() << hsReportText(); })) {
-    writeBytes("wrong.ttf", {'n', 'o', ' ', 'f', 'o', 'n', 't'});
+    WriteFile("wrong.ttf", {'n', 'o', ' ', 'f', 'o', 'n', 't'});
   }
   ~BrokenTextTest() override { hsSetHaltProc(before); }
 
@@ -65,7 +65,7 @@ class BrokenTextTest : public BlocksTest {
     auto bytes = readFile("page.kpg");
     for (auto& byte : bytes)
       if (byte == 'Q') byte = static_cast<std::decay_t<decltype(byte)>>(badByte(random));
-    writeBytes("page.kpg", {bytes.begin(), bytes.end()});
+    WriteFile("page.kpg", {bytes.begin(), bytes.end()});
     ASSERT_TRUE(loadFile("page.kpg"));
   }
 

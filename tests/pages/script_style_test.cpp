@@ -10,7 +10,7 @@ namespace {
 class ScriptStyleTest : public ScriptTest {
  protected:
   void loadStyles() {
-    writeBytes("blocks.ttf", blocksFont());
+    WriteFile("blocks.ttf", BlockFontFile());
     ASSERT_TRUE(load(R"(flags: 8bit
 page:
   width: 720

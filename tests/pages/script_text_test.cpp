@@ -1,5 +1,5 @@
 // What scripts see of text, number, select and text container widgets.
-#include "blocksfont.h"
+#include "blockspage.h"
 #include "scriptfixture.h"
 
 namespace {
@@ -7,7 +7,7 @@ namespace {
 class ScriptTextTest : public ScriptTest {
  protected:
   void loadAll() {
-    writeBytes("blocks.ttf", blocksFont());
+    WriteFile("blocks.ttf", BlockFontFile());
     ASSERT_TRUE(load(R"(flags: 16bit
 page:
   type: group

@@ -1,7 +1,7 @@
 // Selects, from keys and events to pixels.
 #include "engine/widgets/select.h"
 
-#include "blocksfont.h"
+#include "blockspage.h"
 #include "engine/value.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include <random>
 
-#include "blocksfont.h"
+#include "blockspage.h"
 #include "engine/value.h"
 #include "engine/widgets/linebreak.h"
 #include "engine/widgets/number.h"

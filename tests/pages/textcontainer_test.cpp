@@ -1,7 +1,7 @@
 // Text containers, from keys and events to pixels.
 #include "engine/widgets/textcontainer.h"
 
-#include "blocksfont.h"
+#include "blockspage.h"
 #include "engine/value.h"
 
 namespace {

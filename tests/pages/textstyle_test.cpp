@@ -2,7 +2,7 @@
 #include <array>
 #include <cstring>
 
-#include "blocksfont.h"
+#include "blockspage.h"
 #include "engine/display.h"
 #include "engine/textstyle.h"
 #include "host/color.h"
@@ -11,7 +11,7 @@ namespace {
 
 class TextStyleTest : public BlocksTest {
  protected:
-  TextStyleTest() { writeBytes("broken.ttf", {'n', 'o', ' ', 'f', 'o', 'n', 't'}); }
+  TextStyleTest() { WriteFile("broken.ttf", {'n', 'o', ' ', 'f', 'o', 'n', 't'}); }
   bool loadStyles(const std::string& styles) {
     return load("flags: 16bit\npage: {width: 720, height: 480, type: group, bgColor: 0x10808000, textStyles: [" +
                 styles + "]}");

@@ -14,7 +14,7 @@ class BlocksTest : public PageTest {
   using Box = std::array<int, 4>;  // left, top, right, bottom
   static constexpr Box kNothing = {720, 480, 0, 0};
 
-  BlocksTest() { writeBytes("blocks.ttf", blocksFont()); }
+  BlocksTest() { WriteFile("blocks.ttf", BlockFontFile()); }
 
   // A dark page with the styles `plain` (white), `bright` (grey), both of size 10, and `big` (white, size 20).
   bool loadTexts(const std::string& children, const std::string& root = "start: w") {
