@@ -1,8 +1,7 @@
-// A font of blocks, so that every pixel of a text can be worked out by hand.
+// A font of blocks, for pages that draw text.
 #pragma once
 
 #include <fstream>
-#include <vector>
 
 #include "t2k/fontbuilder.h"
 
@@ -19,4 +18,8 @@ inline std::vector<uint8_t> BlockFontFile() {
   font.characters['b'] = font.AddContours({RectContour(0, 0, 900, 700)}, 1000);
   font.characters[0xE9] = font.AddContours({RectContour(100, 0, 200, 100)}, 200);
   return font.Build();
+}
+
+inline void WriteFile(const char* name, const std::vector<uint8_t>& bytes) {
+  std::ofstream(name, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), long(bytes.size()));
 }
