@@ -22,11 +22,12 @@ inline void hsFillRow16(uint16_t* row, int32_t count, uint16_t value) {
   if (count < kWide16) return hsFillFew16(row, count, value);
   const hsWide16 wide = hsWide16{} + value;
   uint16_t* const last = row + count - kWide16;
+  // The first and the last word may lie over their neighbours; in between they are aligned.
   hsStoreWide16(row, wide);
-  // From here on words are aligned; the last one may lie over the one before it.
+  hsStoreWide16(last, wide);
+  if (count <= 2 * kWide16) return;
   row += kWide16 - (reinterpret_cast<uintptr_t>(row) / sizeof *row) % kWide16;
   for (; last - row >= 7 * kWide16; row += 8 * kWide16)
     for (int32_t i = 0; i < 8; ++i) hsStoreWide16(row + i * kWide16, wide);
   for (; row < last; row += kWide16) hsStoreWide16(row, wide);
-  hsStoreWide16(last, wide);
 }

@@ -18,13 +18,6 @@ constexpr const char kFailed[] = "HSScan assert failed";
 constexpr int32_t kLeftmost = -32767;
 constexpr hsFixed kBelowAll = INT32_MIN;  // of the list's head, so that no edge needs a case for being the first
 
-// The edges before stop.
-bool IsOrdered(const hsEdge* edge, const hsEdge* stop) {
-  for (const hsEdge* next; (next = edge->fNext) != stop; edge = next)
-    if (edge->fX > next->fX) return false;
-  return true;
-}
-
 // Where a run stops being in order: up to `last` it is, and the edge behind that belongs farther in front.
 struct Overtaken {
   hsEdge* beforeLast;
@@ -45,6 +38,7 @@ hsEdge* SortActive(hsEdge* head, Overtaken sorted, const hsEdge* stop) {
     while (before->fNext->fX <= edge->fX) before = before->fNext;
     edge->fNext = before->fNext;
     before->fNext = edge;
+    hsAssert(before->fX <= edge->fX && edge->fX <= edge->fNext->fX, "bubble sort failed");
     if (passedOne) sorted.beforeLast = edge;
   }
   return sorted.last;
@@ -69,42 +63,24 @@ void Merge(hsEdge* head, hsEdge* last, hsEdge* fresh, int32_t y) {
 // Readies the list for row y. The active edges run from behind head to last; stop, behind them, is the first that
 // hasn't started. What the walk has seen in order and doesn't change here isn't looked at again.
 void Resort(const Overtaken& sorted, hsEdge* head, hsEdge* last, hsEdge* stop, int32_t y) {
-  if (sorted.last) {
-    last = SortActive(head, sorted, stop);
-    hsAssert(IsOrdered(head->fNext, stop), "bubble sort failed");
-  }
+  if (sorted.last) last = SortActive(head, sorted, stop);
   if (stop && stop->fFirstY <= y) Merge(head, last, stop, y);
 }
 
-// The spans of a row, noted first and drawn together: whether an edge ends one is a toss-up that is better counted than
+// Spans of a row are noted first and drawn together: whether an edge ends one is a toss-up that is better counted than
 // branched on.
-template <typename Clip>
-class RowSpans {
- public:
-  RowSpans(const Clip& clip, int32_t y) : fClip(clip), fY(y) {}
-
-  void Add(int32_t left, int32_t right, bool counts) {
-    fSpans[fCount] = {left, right};
-    fCount += counts;
-    if (fCount == kMany) [[unlikely]]
-      Draw();
-  }
-  void Draw() {
-    for (int32_t i = 0; i < fCount; ++i) fClip.Blit(fY, fSpans[i].left, fSpans[i].right);
-    fCount = 0;
-  }
-
- private:
-  static constexpr int32_t kMany = 64;
-  struct Span {
-    int32_t left, right;
-  };
-
-  const Clip& fClip;
-  const int32_t fY;
-  int32_t fCount = 0;
-  Span fSpans[kMany];
+struct Span {
+  int32_t left, right;
 };
+constexpr int32_t kManySpans = 64;
+
+template <typename Clip>
+void DrawSpans(const Clip& clip, int32_t y, const Span spans[], int32_t count) {
+  for (const Span* const end = spans + count; spans != end; ++spans) clip.Blit(y, spans->left, spans->right);
+}
+
+// a or b, without a branch.
+int32_t Select(bool first, int32_t a, int32_t b) { return b ^ ((a ^ b) & -int32_t{first}); }
 
 // At the end of an edge's line: false when nothing follows it.
 template <typename Clip>
@@ -118,6 +94,7 @@ void Walk(hsEdge* first, int32_t top, int32_t bottom, int32_t mask, const Clip& 
   hsEdge head;
   head.fNext = first;
   head.fX = kBelowAll;
+  Span spans[kManySpans];
   for (int32_t y = top; y < bottom; ++y) {
     hsEdge* beforePrev = &head;
     hsEdge* prev = &head;
@@ -128,14 +105,19 @@ void Walk(hsEdge* first, int32_t top, int32_t bottom, int32_t mask, const Clip& 
     int32_t left = 0, winding = 0;
     hsFixed lastX = kBelowAll;
     Overtaken sorted{};
-    RowSpans<Clip> spans(clip, y);
+    int32_t count = 0;
     while (curr && curr->fFirstY <= y) {
       const int32_t x = curr->fX >> 16;
       const bool wasInside = (winding & mask) != 0;
       winding += curr->fWinding;
       const bool isInside = (winding & mask) != 0;
-      left = wasInside ? left : x;
-      spans.Add(left, x, wasInside & !isInside & (left < x));
+      left = Select(wasInside, left, x);
+      spans[count] = {left, x};
+      count += wasInside & !isInside & (left < x);
+      if (count == kManySpans) [[unlikely]] {
+        DrawSpans(clip, y, spans, count);
+        count = 0;
+      }
       curr->fX = hsWrapAdd(curr->fX, curr->fDX);
       hsEdge* const next = curr->fNext;
       if (--curr->fCount <= 0 && !GoesOn(curr, clip)) [[unlikely]] {
@@ -149,7 +131,7 @@ void Walk(hsEdge* first, int32_t top, int32_t bottom, int32_t mask, const Clip& 
       }
       curr = next;
     }
-    spans.Draw();
+    DrawSpans(clip, y, spans, count);
     Resort(sorted, &head, prev, curr, y + 1);
   }
 }
