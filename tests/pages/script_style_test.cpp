@@ -66,6 +66,29 @@ TEST_P(ScriptStyleTest, AreMadeOfAnObjectsProperties) {
   EXPECT_EQ(styleOf("{ t = new TextStyle(o); o.size = 30; t.initialize(o); t; };").size, 30);
 }
 
+TEST_P(ScriptStyleTest, WidgetsTakeAndGiveCopies) {
+  WriteFile("blocks.ttf", BlockFontFile());
+  ASSERT_TRUE(load(R"(flags: 8bit
+page:
+  width: 720
+  height: 480
+  type: group
+  textStyles: [{name: body, size: 10, font: blocks.ttf}]
+  children:
+    - {x: 1, y: 1, width: 99, height: 40, type: text, name: words, textStyle: body, value: aa}
+    - {x: 1, y: 1, width: 9, height: 9, type: slider, name: bar}
+)"));
+  EXPECT_EQ(styleOf("widgets.words.style;").size, 10);
+  say("{ o = new Object(); o.font = \"blocks.ttf\"; o.size = 20; };");
+  say("widgets.words.style = new TextStyle(o);");
+  say("widgets.words.highlightStyle = textStyles.body;");
+  EXPECT_EQ(styleOf("widgets.words.style;").size, 20);
+  EXPECT_EQ(styleOf("widgets.words.highlightStyle;").size, 10);
+  EXPECT_EQ(styleOf("textStyles.body;").size, 10);
+  EXPECT_EQ(say("widgets.words.style = 5;"), "Expecting a style value\n--> 5\n");
+  EXPECT_EQ(say("widgets.bar.style;"), "--> nil\n");
+}
+
 TEST_P(ScriptStyleTest, GlyphsAreRenderedAheadTwentyAtATime) {
   loadStyles();
   EXPECT_EQ(say("textStyles.body.CacheGlyphs(\"0123456789abcdefghij\\351klm\");"), "--> true\n");
