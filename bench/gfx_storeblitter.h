@@ -1,4 +1,5 @@
-// The least that a blitter for 16-bit pixels can do: an opaque colour is stored, coverage blends it.
+// The least that a blitter for 16-bit pixels can do: an opaque colour is stored as the system's own blitters store it,
+// coverage blends it.
 #pragma once
 
 #include <algorithm>
@@ -6,6 +7,7 @@
 #include <cstring>
 #include <vector>
 
+#include "gfx/pixel/fillrow.h"
 #include "gfx/vector/hsgblitter.h"
 
 constexpr int kWidth = 720, kHeight = 480;  // of the screen, in pixels
@@ -21,7 +23,7 @@ class StoreBlitter : public hsGBlitter {
     if (fAlpha)
       Blend(row, width);
     else
-      std::fill_n(row, width, fColor);
+      hsFillRow16(row, width, fColor);
   }
 
  private:

@@ -7,7 +7,9 @@
 #include <filesystem>
 #include <random>
 #include <string>
+#include <vector>
 
+#include "engine/display.h"
 #include "host/headless/headlessdesktop.h"
 #include "kpg/files.h"
 #include "kpg/pagewriter.h"
@@ -54,6 +56,27 @@ void KeyToPixels(benchmark::State& state) {
   }
 }
 BENCHMARK(KeyToPixels)->Unit(benchmark::kMicrosecond);
+
+// Squares all over the screen, each fill with its flush: display surface, device, converter, blitter, and the
+// conversion of what changed.
+void FillRectAndFlush(benchmark::State& state) {
+  HeadlessDesktop desktop;
+  desktop.start();
+  displaySetDepth(int(state.range(0)));
+  const int size = int(state.range(1));
+  std::mt19937 random(4);
+  std::vector<Bounds> rects;
+  for (int i = 0; i < 64; ++i)
+    rects.push_back({int(random() % unsigned(721 - size)), int(random() % unsigned(481 - size)), size, size});
+  uint32_t color = 0x10808000;
+  for (auto _ : state)
+    for (const Bounds& rect : rects) displayFillRect(rect, color += 0x01030500);
+  state.SetItemsProcessed(state.iterations() * int64_t(rects.size()));
+}
+BENCHMARK(FillRectAndFlush)
+    ->ArgNames({"depth", "size"})
+    ->ArgsProduct({{8, 16}, {16, 64, 360}})
+    ->Unit(benchmark::kMicrosecond);
 
 void ScreenToRgb16(benchmark::State& state) {
   ScreenSurface screen;

@@ -7,7 +7,9 @@ using namespace BobLayout;
 namespace {
 
 // What the native allocator counts for compile-time records.
-constexpr uint32_t kCompilerSize = 700;
+constexpr uint32_t kControlRecords = 20 * (8 + 8 + 12) + 6 * 4;  // breaks, continues, switches; top and base of each
+constexpr uint32_t kScannerRecord = 2 * 256 + 10 * 4;            // two buffers and ten words, the float two of them
+constexpr uint32_t kCompilerSize = 14 * 4 + kControlRecords + kScannerRecord + 8;  // the float and the end aligned to 8
 constexpr uint32_t kScopeRecord = 8;
 constexpr uint32_t kNameRecord = 8;
 

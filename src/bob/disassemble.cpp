@@ -13,7 +13,8 @@ class Lister {
     bytes = bobStringText(interp, string);
     literals = bobCodeCount(w[kCodeCount]);
     const BobValue name = literals > 1 ? w[kCodeElements + 1] : kBobNil;
-    if (interp->isA(name, kBobString)) prefix = bobStringText(interp, name).substr(0, 32);
+    isNamed = interp->isA(name, kBobString);
+    if (isNamed) prefix = bobStringText(interp, name).substr(0, 32);
   }
 
   void list() {
@@ -24,10 +25,10 @@ class Lister {
   uint8_t byte(uint32_t at) const { return uint8_t(bytes[at]); }
 
   uint32_t instruction(uint32_t at) {
-    if (prefix.empty())
-      bobPutFormat(stream, "%08x", code);
-    else
+    if (isNamed)
       bobPutText(stream, prefix);
+    else
+      bobPutFormat(stream, "%08x", code);
     bobPutFormat(stream, ":%04x %02x ", at, byte(at));
     const auto* start = reinterpret_cast<const uint8_t*>(bytes.data());
     const uint32_t length = bobInstructionLength(start, at, uint32_t(bytes.size()));
@@ -72,6 +73,7 @@ class Lister {
   BobStream* stream;
   std::string_view bytes;  // in the heap: printing doesn't allocate there
   std::string_view prefix;
+  bool isNamed;  // by a String, which may be empty
   uint32_t literals;
 };
 

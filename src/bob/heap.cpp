@@ -103,6 +103,11 @@ uint32_t bobAllocateSlow(BobInterp* interp, uint32_t size) {
   return at;
 }
 
+void bobRefuseAllocation(BobInterp* interp) {
+  bobCollect(interp);
+  bobRaise(interp, kBobInsufficientMemory);
+}
+
 void bobCollect(BobInterp* interp) {
   bobPutText(interp->stderrStream, "[GC");
   std::swap(interp->oldSpace, interp->newSpace);

@@ -18,6 +18,9 @@ inline uint32_t bobAllocate(BobInterp* interp, uint32_t size) {
   return at;
 }
 
+// For what no space could hold: ends as every allocation does that finds no room, with a collection and the error.
+[[noreturn]] void bobRefuseAllocation(BobInterp* interp);
+
 // One collection.
 void bobCollect(BobInterp* interp);
 // For the collector's users (Scan routines, gcHook): where the value lives after this collection.

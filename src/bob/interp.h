@@ -82,6 +82,12 @@ struct BobProtectedBlock {
   int count = 0;
 };
 
+#ifdef BOB_FUEL
+constexpr uint32_t kBobTurnsToRest = BOB_FUEL;
+#else
+constexpr uint32_t kBobTurnsToRest = 1 << 20;  // some milliseconds
+#endif
+
 struct BobInterp {
   static constexpr BobValue nil = kBobNil, true_ = kBobTrue, false_ = kBobFalse;
 
@@ -125,7 +131,7 @@ struct BobInterp {
   uint32_t totalMemory = 0, allocationCount = 0;  // what the collector reports of native memory
 
   BobStream *stdinStream = nullptr, *stdoutStream = nullptr, *stderrStream = nullptr;
-  FILE* (*openFile)(const char* path, const char* mode) = std::fopen;
+  std::unique_ptr<BobStream> (*openFile)(const char* path, const char* mode) = bobOpenPlainFile;
 
   uint32_t typeClass = 0;  // the kind of class objects
   uint32_t fileKind = 0;
@@ -146,9 +152,10 @@ struct BobInterp {
   bool collectAlways = false;
   int64_t failAllocation = -1;
 
-#ifdef BOB_FUEL
-  uint32_t fuel = BOB_FUEL;  // branches and calls that are left to run
-#endif
+  // Called after so many branches and calls, so that a host stays alive beside a script that doesn't end. It may raise
+  // an error but must not run scripts.
+  void (*rest)(BobInterp*) = nullptr;
+  uint32_t turnsToRest = kBobTurnsToRest;
 
   uint32_t* words(BobValue object) { return reinterpret_cast<uint32_t*>(base + object); }
   uint8_t* bytes(BobValue object) { return base + object; }

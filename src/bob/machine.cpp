@@ -10,6 +10,15 @@
 
 using namespace BobLayout;
 
+static void bobRest(BobInterp* interp) {
+#ifdef BOB_FUEL  // for fuzzing: what has run for too long is stopped without a word
+  interp->turnsToRest = 1;
+  bobRaise(interp, kBobRestart);
+#endif
+  interp->turnsToRest = kBobTurnsToRest;
+  if (interp->rest) interp->rest(interp);
+}
+
 #define STORE() (interp->sp = sp, interp->val = val, interp->pc = pc)
 #define RELOAD() (val = interp->val, vars = bobTopOfVariables(interp, interp->env))
 #define NEXT()                    \
@@ -23,12 +32,8 @@ using namespace BobLayout;
 #define FAR_B() int16_t(insn >> 16)
 #define VARIABLE(index) vars[-int(index)]
 #define LITERAL(number) (interp->words(interp->code)[kCodeElements + (number)])
-#define BRANCH() (BURN(), pc += int32_t(*pc))
-#ifdef BOB_FUEL  // for fuzzing: what has run for too long is stopped without a word
-#define BURN() (interp->fuel == 0 ? (STORE(), bobRaise(interp, kBobRestart)) : void(--interp->fuel))
-#else
-#define BURN() void()
-#endif
+#define BRANCH() (TURN(), pc += int32_t(*pc))
+#define TURN() (--interp->turnsToRest == 0 ? (STORE(), bobRest(interp)) : void())
 #define ROOM(count)                            \
   do {                                         \
     if (sp - stackBase < (count)) [[unlikely]] \
@@ -409,7 +414,7 @@ doSend:
   pc += kBobCacheWords;
 doCall:
   STORE();
-  BURN();
+  TURN();
   left = sp[A()];
   if (!bobIsSmall(left) && *interp->words(left) == kBobMethod) [[likely]] {
     bobPushCallFrame(interp, int(A()), kCallFrame);

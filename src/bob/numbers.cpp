@@ -17,12 +17,19 @@ void SkipSpace(std::string_view& text) {
 }
 
 // from_chars leaves the value alone when the number is out of range: it is then infinite or 0, whichever side of 1
-// it lies.
-double OutOfRange(std::string_view number) {
-  const size_t e = number.find_first_of("eEpP");
-  if (e != std::string_view::npos) return number[e + 1] == '-' ? 0.0 : HUGE_VAL;
-  const size_t first = number.find_first_not_of("0");
-  return first != std::string_view::npos && IsDigit(number[first]) ? HUGE_VAL : 0.0;
+// it lies. That takes the first digit's place and the exponent together: a long fraction can have a large exponent.
+double OutOfRange(std::string_view number, bool hex) {
+  const size_t e = std::min(number.find_first_of(hex ? "pP" : "eE"), number.size());
+  int64_t exponent = 0;
+  bool negative = false;
+  for (char c : number.substr(std::min(e + 1, number.size()))) {
+    if (IsDigit(c)) exponent = std::min<int64_t>(exponent * 10 + c - '0', 1 << 30);
+    negative = negative || c == '-';
+  }
+  const size_t first = number.find_first_not_of("0.");
+  const size_t point = std::min(number.substr(0, e).find('.'), e);
+  const int64_t place = int64_t(point) - int64_t(first);
+  return place * (hex ? 4 : 1) + (negative ? -exponent : exponent) > 0 ? HUGE_VAL : 0.0;
 }
 
 // Flags, width and precision of one conversion, each number cut to what the buffer can show.
@@ -39,7 +46,10 @@ size_t ReadConversion(std::string_view text, std::string& spec) {
   };
   if (i < text.size() && IsDigit(text[i])) number();
   if (i < text.size() && text[i] == '.') spec += text[i++], number();
-  while (i < text.size() && (text[i] == 'l' || text[i] == 'h')) ++i;  // every integer has 32 bits
+  std::string halves;
+  for (; i < text.size() && (text[i] == 'l' || text[i] == 'h'); ++i)
+    if (text[i] == 'h' && halves.size() < 2) halves += 'h';  // a long has 32 bits as well
+  if (i < text.size() && text[i] != 'c') spec += halves;
   return i;
 }
 
@@ -72,7 +82,7 @@ double bobParseFloat(std::string_view text) {
   }
   double value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, format);
-  if (error == std::errc::result_out_of_range) value = OutOfRange(text.substr(0, size_t(end - text.data())));
+  if (error == std::errc::result_out_of_range) value = OutOfRange(text.substr(0, size_t(end - text.data())), hex);
   return negative ? -value : value;
 }
 

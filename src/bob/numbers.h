@@ -12,8 +12,8 @@ int32_t bobParseInteger(std::string_view text);
 double bobParseFloat(std::string_view text);
 // "%g", and ".0" behind it when that holds no point; a NaN shows no sign.
 std::string bobFormatFloat(double number);
-// The number by a format text of integer conversions (d i u o x X c and %%), cut to 99 bytes. What is no integer
-// conversion stands as it is.
+// The number by a format text of integer conversions (d i u o x X c and %%, h and hh cut the number to 16 and 8 bits),
+// cut to 99 bytes. What is no integer conversion stands as it is.
 std::string bobFormatInteger(std::string_view format, int32_t number);
 // Toward zero; -2147483648 for what doesn't fit.
 int32_t bobTruncate(double number);

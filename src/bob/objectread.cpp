@@ -101,7 +101,7 @@ class Reader {
   bool text(std::string* result) {
     uint32_t length;
     if (!word(&length)) return false;
-    if (length > interp->newSpace.top - interp->newSpace.base) bobRaise(interp, kBobInsufficientMemory);
+    if (length > interp->newSpace.top - interp->newSpace.base) bobRefuseAllocation(interp);
     for (uint32_t i = 0; i < length; ++i) {
       const int c = stream->GetC();
       if (c == -1) return false;

@@ -269,11 +269,8 @@ int BobScanner::string() {
       unget(c);
       break;
     }
-    if (c == '\\') {
-      c = escape();
-    } else if (c == -2) {  // the byte 0xFE
-      bobSyntaxError(interp, "end of file in literal string");
-    }
+    if (c == '\\') c = escape();
+    if (c == -2) bobSyntaxError(interp, "end of file in literal string");  // the byte 0xFE
     if (c < 0x80) {
       append(c);
     } else if (c < 0x800) {

@@ -44,8 +44,7 @@ std::unique_ptr<BobStream> bobOpenFile(BobInterp* interp, const char* path, cons
   const std::string_view letters(mode);
   const bool known = !letters.empty() && std::string_view("rwa").find(letters[0]) != std::string_view::npos &&
                      letters.find_first_not_of("b+t", 1) == std::string_view::npos;
-  FILE* file = known ? interp->openFile(path, mode) : nullptr;
-  return file ? std::make_unique<BobFileStream>(file) : nullptr;
+  return known ? interp->openFile(path, mode) : nullptr;
 }
 
 BobKeptScanner::BobKeptScanner(BobInterp* interp, BobStream* input)

@@ -12,6 +12,11 @@ int BobFileStream::Close() {
 int BobFileStream::GetC() { return file ? std::fgetc(file) : -1; }
 int BobFileStream::PutC(int c) { return file ? std::fputc(c, file) : -1; }
 
+std::unique_ptr<BobStream> bobOpenPlainFile(const char* path, const char* mode) {
+  FILE* file = std::fopen(path, mode);
+  return file ? std::make_unique<BobFileStream>(file) : nullptr;
+}
+
 bool bobPutText(BobStream* stream, std::string_view text) {
   for (char c : text)
     if (stream->PutC(uint8_t(c)) == -1) return false;

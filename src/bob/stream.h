@@ -82,6 +82,9 @@ class BobFileStream : public BobStream {
   FILE* file;
 };
 
+// Null if the C library doesn't open it in that mode.
+std::unique_ptr<BobStream> bobOpenPlainFile(const char* path, const char* mode);
+
 // Each gives false when a byte is refused.
 bool bobPutText(BobStream* stream, std::string_view text);
 [[gnu::format(printf, 2, 3)]] bool bobPutFormat(BobStream* stream, const char* format, ...);

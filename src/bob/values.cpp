@@ -18,7 +18,7 @@ BobValue MakeRecord(BobInterp* interp, uint32_t type, uint32_t head, uint32_t co
 
 // No object fills a space, so anything of this many words is refused before its size can wrap.
 void CheckCount(BobInterp* interp, uint32_t count) {
-  if (count > (interp->newSpace.top - interp->newSpace.base) / 4) bobRaise(interp, kBobInsufficientMemory);
+  if (count > (interp->newSpace.top - interp->newSpace.base) / 4) bobRefuseAllocation(interp);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "engine/clut.h"
 
+#include <array>
 #include <memory>
 #include <vector>
 

@@ -3,12 +3,14 @@
 #include "engine/clut.h"
 #include "engine/display.h"
 #include "engine/frame.h"
+#include "engine/glyphwarming.h"
 #include "engine/graveyard.h"
 #include "engine/imagecache.h"
 #include "engine/language.h"
 #include "engine/redraw.h"
 #include "engine/scriptbindings/scriptbindings.h"
 #include "engine/widgettypes.h"
+#include "gfx/text/hsgglyphcache.h"
 #include "host/host.h"
 
 namespace {
@@ -36,7 +38,7 @@ int engineInit(void* cacheMemory, size_t cacheSize) {
   theTopFrame = frameCreate(nullptr, nullptr, topFrameRecord());
   if (!theTopFrame) return 0;
   widgetTypesRegisterAll();
-  return 1;
+  return glyphWarmingStart();
 }
 
 void engineStep() {
@@ -63,6 +65,7 @@ void engineShutdown() {
   theTopFrame = nullptr;
   swapPending = false;
   scriptRuntimeStop();
+  glyphWarmingStop();
   targetsReset();
   timersReset();
   redrawReset();
@@ -71,4 +74,5 @@ void engineShutdown() {
   imageCacheFree();
   clutsFree();
   displayDestroy();
+  hsGGlyphCache::Shutdown();
 }

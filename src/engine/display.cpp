@@ -1,13 +1,13 @@
 #include "engine/display.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <memory>
 #include <new>
 #include <utility>
 #include <vector>
 
 #include "engine/dirtytracker.h"
+#include "gfx/foundation/hsdebug.h"
 #include "gfx/pixel/hsgrasterdevice.h"
 #include "host/host.h"
 
@@ -55,16 +55,15 @@ bool isNumber(hsScalar v) { return v != INT32_MIN && v != INT32_MAX; }
 // The pixel edge as 16.16, wrapping in 32 bits.
 hsScalar edge(int32_t start, int32_t length = 0) { return hsIntToFixed(hsWrapAdd(start, length)); }
 
-[[noreturn]] void outOfMemory() {
-  hostLog("Out of memory\n");
-  std::abort();
-}
-
-void allocatePixels(ScreenDevice* device, size_t size) {
+// False, and the old pixels, when the halt that tells of it returns.
+bool allocatePixels(ScreenDevice* device, uint64_t size) {
   try {
-    device->pixels.assign(size, 0);
+    device->pixels = std::vector<uint8_t>(size_t(size));
+    return true;
   } catch (const std::bad_alloc&) {
-    outOfMemory();
+    hostLog("Out of memory\n");
+    hsHalt();
+    return false;
   }
 }
 
@@ -90,10 +89,12 @@ int displaySetDepth(int depth) {
   ScreenDevice* device = theDevice;
   if (depth == device->depth) return 1;
   if (depth != 8 && depth != 16) return 0;
-  device->bitmap.SetConfig(depth == 8 ? hsGBitmap::kConfig_Index8 : hsGBitmap::kConfig_RGB16);
-  if (depth == 8) device->bitmap.SetColorTable(device->colorTable);
-  device->bitmap.fRowBytes = uint32_t(device->width * depth / 8);
-  allocatePixels(device, device->bitmap.ImageSize());
+  hsGBitmap bitmap = device->bitmap;
+  bitmap.SetConfig(depth == 8 ? hsGBitmap::kConfig_Index8 : hsGBitmap::kConfig_RGB16);
+  if (depth == 8) bitmap.SetColorTable(device->colorTable);
+  bitmap.fRowBytes = uint32_t(device->width * depth / 8);
+  if (!allocatePixels(device, bitmap.ImageSize())) return 0;
+  device->bitmap = bitmap;
   hostSetDepth(depth);
   device->bitmap.fImage = device->pixels.data();
   device->SetBitmap(&device->bitmap);

@@ -90,11 +90,12 @@ int frameEvent(Frame* frame, const Event& event) {
 void widgetFocus(Frame* frame, Widget* widget) {
   EngineCall call;
   if (!frame || frame->gone || widget == frame->focus) return;
+  const uint32_t generation = frame->generation;
   if (Widget* old = frame->focus) {
     eventSendSimple(old, kFocusChange, 0);
     runScript(frame, "onBlur", old);
   }
-  if (frame->gone || (widget && widget->gone)) return;
+  if (frame->gone || frame->generation != generation || (widget && widget->gone)) return;
   frame->focus = widget;
   if (!widget) return;
   eventSendSimple(widget, kFocusChange, 1);

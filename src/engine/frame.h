@@ -25,6 +25,7 @@ struct Frame : Widget {
   PageObject rootObject;               // like language, stale after an unload until the next load
   Widget* widgets = nullptr;           // all the page's widgets; children stand ahead of their parent, the root last
   Widget** widgetsTail = &widgets;
+  uint32_t widgetsMade = 0;            // by the page's load
   Widget* focus = nullptr;
   TextStyleNode* textStyles = nullptr;
   const ScriptingLanguage* language = nullptr;
@@ -58,8 +59,8 @@ void frameAbandonPage(Frame* frame);
 Widget* frameFindWidget(const Frame* frame, const char* name);  // the first of that name; null if none
 void frameAppendWidget(Frame* frame, Widget* widget);
 
-// Counts one more widget against what the page being loaded may hold; false when it is full.
-bool frameCountWidget();
+// Counts one more widget against what the page being loaded, and all the pages in it, may hold; false when full.
+bool frameCountWidget(Frame* frame);
 
 // ---- events and scripts
 

@@ -17,6 +17,10 @@ class EngineCall {
   EngineCall& operator=(const EngineCall&) = delete;
 };
 
+// Whether the calls under way, from the outermost one down, have used up the native stack that pages may have. Pages
+// in pages, events that climb, and scripts that send events inside events ask, and then go no deeper.
+bool engineStackSpent();
+
 void graveyardTake(std::shared_ptr<void> thing);
 
 template <class T>

@@ -3,7 +3,6 @@
 // Any step that runs a script may find, behind it, that the frame has been unloaded, loaded again or destroyed. The
 // load then stops and leaves the frame to whoever took it.
 #include <memory>
-#include <vector>
 
 #include "engine/clut.h"
 #include "engine/core.h"
@@ -13,6 +12,7 @@
 #include "engine/redraw.h"
 #include "engine/scriptbindings/scriptbindings.h"
 #include "engine/textstyle.h"
+#include "engine/wholefile.h"
 #include "engine/widgettypes.h"
 #include "host/host.h"
 
@@ -20,9 +20,9 @@ namespace {
 
 constexpr int kMaxFrameNesting = 32;
 constexpr uint32_t kMaxPageWidgets = 65536;
+constexpr uint32_t kMaxLoadWidgets = 4 * kMaxPageWidgets;  // with the pages nested in the page
 
-// Widgets made since the outermost load under way began. Pages nested in a page count with it, so that pages that hold
-// themselves end.
+// Widgets made since the outermost load under way began, so that pages that hold themselves end.
 uint32_t widgetsMade = 0;
 int loadsUnderWay = 0;
 
@@ -41,15 +41,13 @@ std::unique_ptr<PageData> readPage(const char* path) {
     hostLog(" -- '%s' not found\n", path);
     return nullptr;
   }
-  std::vector<uint8_t> bytes(hostFileSize(file));
-  const bool whole = hostRead(file, bytes.data(), bytes.size()) == bytes.size();
-  hostClose(file);
-  if (!whole) return nullptr;
-  if (!pageCheck(bytes.data(), bytes.size())) {
+  auto bytes = readWhole(file);
+  if (!bytes) return nullptr;
+  if (!pageCheck(bytes->data(), bytes->size())) {
     hostLog("Failed to load page file: '%s'\n", path);
     return nullptr;
   }
-  return std::make_unique<PageData>(std::move(bytes));
+  return std::make_unique<PageData>(std::move(*bytes));
 }
 
 // One load of one frame, as long as nobody else has loaded or unloaded it.
@@ -174,7 +172,9 @@ Frame* frameCreate(Frame* owner, Widget* parentWidget, PageObject record) {
   return frame;
 }
 
-bool frameCountWidget() { return widgetsMade++ < kMaxPageWidgets; }
+bool frameCountWidget(Frame* frame) {
+  return frame->widgetsMade++ < kMaxPageWidgets && widgetsMade++ < kMaxLoadWidgets;
+}
 
 int frameLoad(Frame* frame, const char* path) {
   EngineCall call;
@@ -182,12 +182,13 @@ int frameLoad(Frame* frame, const char* path) {
   if (frame->gone || frame->unloading) return 0;
   if (frame->pageData) frameUnload(frame);
   if (frame->gone) return 0;
-  if (frame->nesting > kMaxFrameNesting) return hostLog(" -- '%s' not found\n", path);
+  if (frame->nesting > kMaxFrameNesting || engineStackSpent()) return hostLog(" -- '%s' not found\n", path);
 
   std::unique_ptr<PageData> page = readPage(path);
   if (!page) return 0;
   frame->pageData = std::move(page);
   frame->rootObject = pageRoot(*frame->pageData);
+  frame->widgetsMade = 0;
   frame->widgets = nullptr;
   frame->widgetsTail = &frame->widgets;
   frame->textStyles = nullptr;
@@ -200,10 +201,9 @@ void frameUnload(Frame* frame) {
   if (frame->gone || frame->unloading || !frame->pageData) return;
   frame->unloading = true;
   ++frame->generation;
-  while (frame->widgets) {
-    Widget* widget = takeWidget(frame);
+  while (Widget* widget = frame->widgets) {
     eventSendSimple(widget, kWidgetDestroyed, 0);
-    widgetDestroy(widget);
+    if (frame->widgets == widget) widgetDestroy(takeWidget(frame));
   }
   frame->focus = nullptr;
   stylesFree(frame);

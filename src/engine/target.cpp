@@ -59,7 +59,7 @@ int eventPostSimple(uint32_t code, uint32_t data, uint32_t data2) {
 
 int eventSend(EventTarget* target, const Event& event) {
   EngineCall call;
-  if (target->gone) return 0;
+  if (target->gone || engineStackSpent()) return 0;
   if (EventHandler* handler = findCode(target->handlers, event.code)) {
     if (handler->fn(&event)) return 1;
     if (target->gone) return 0;

@@ -5,6 +5,8 @@
 
 namespace {
 
+constexpr uint32_t kFiringsToBreath = 4096;
+
 Timer* timers = nullptr;  // sorted by due; equal times in the order of arming
 
 void unlink(Timer* timer) {
@@ -80,7 +82,9 @@ void timersFire() {
   EngineCall call;
   if (!timers) return;
   const uint32_t now = hostMilliseconds();
-  while (timers && timers->due <= now) {
+  // A repeating timer of interval 0 is due again at once, and the loop doesn't end.
+  for (uint32_t fired = 1; timers && timers->due <= now; ++fired) {
+    if (fired % kFiringsToBreath == 0) hostBreathe();
     Timer* timer = timers;
     timers = timer->next;
     timer->next = nullptr;

@@ -128,7 +128,7 @@ int Widget::handleEvent(const Event* event) {
 }
 
 bool widgetInitialize(Widget* widget) {
-  if (widget->frame && !frameCountWidget()) return false;
+  if (widget->frame && !frameCountWidget(widget->frame)) return false;
   widget->name = widgetAttrString(widget, "name");
   readBackground(widget);
   readHighlightFrame(widget);

@@ -6,7 +6,11 @@
 #include "engine/frame.h"
 #include "engine/widgets/group.h"
 #include "engine/widgets/image.h"
+#include "engine/widgets/number.h"
+#include "engine/widgets/select.h"
 #include "engine/widgets/slider.h"
+#include "engine/widgets/text.h"
+#include "engine/widgets/textcontainer.h"
 
 namespace {
 
@@ -35,7 +39,11 @@ Widget* widgetFromRecord(Frame* frame, Widget* parent, PageObject record) {
 void widgetTypesRegisterAll() {
   widgetTypeRegister("frame", createFrame);
   widgetTypeRegister("image", imageWidgetCreate);
+  widgetTypeRegister("number", numberCreate);
+  widgetTypeRegister("select", selectCreate);
   widgetTypeRegister("slider", sliderCreate);
+  widgetTypeRegister("text", textCreate);
+  widgetTypeRegister("textContainer", textContainerCreate);
   widgetTypeRegister("group", groupCreate);
 }
 

@@ -19,7 +19,8 @@ void MessageConsole::write(std::string_view text) {
 void MessageConsole::flush() {
   if (pending == 0) return;
   trim();
-  edit.replaceSelection({buffer.data(), pending});
+  const std::string_view text(buffer.data(), pending);
+  edit.replaceSelection(text.substr(0, text.find('\0')));  // the control takes a text up to its zero byte
   pending = 0;
 }
 

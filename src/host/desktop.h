@@ -33,6 +33,10 @@ class Desktop {
 
   virtual uint32_t milliseconds() = 0;  // since the program started
 
+  // Called now and then while a script or a chain of timers runs on and on: a chance to paint the windows and to close
+  // them. No message may reach the shell meanwhile.
+  virtual void breathe() {}
+
   // Ends the program. Nothing is unloaded or torn down.
   virtual void quit() = 0;
 };

@@ -56,6 +56,10 @@ void hostPutChar(char c) {
   theShell->console->consolePutChar(c);
 }
 
+void hostBreathe() {
+  if (theShell) theShell->desktop.breathe();
+}
+
 uint32_t hostMilliseconds() { return theShell->desktop.milliseconds(); }
 
 // ---- files

@@ -7,4 +7,5 @@ void addBuildCommand(CLI::App& app);
 void addDumpCommand(CLI::App& app);
 void addShotCommand(CLI::App& app);
 void addClutCommand(CLI::App& app);
+void addFontCommand(CLI::App& app);
 void addImageCommand(CLI::App& app);

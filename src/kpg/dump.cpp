@@ -1,5 +1,6 @@
 #include "kpg/dump.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <set>
@@ -192,19 +193,32 @@ class Dumper {
     PageTable table;
     if (!attrTable(a, &table)) return line(indent, "# " + key + " a table outside the file");
     const ObjectKind kind = tableObjectKind(form);
-    const bool expected = kind != ObjectKind::other || form == AttributeForm::files || form == AttributeForm::unknown;
     const uint32_t count = table.count();
+    bool expected = kind != ObjectKind::other || form == AttributeForm::files || form == AttributeForm::unknown;
+    for (uint32_t i = 0; i < count; ++i) {
+      const bool asText = isText(table, i, kind);
+      const bool asIs = form == AttributeForm::files
+                            ? asText && !std::string_view(table.string(i)).ends_with(".bob")  // which build compiles
+                            : !asText || kind == ObjectKind::other;
+      if (!asIs) expected = false;
+    }
     line(indent, key + (expected ? "" : " !table") + (count ? "" : " []"));
     for (uint32_t i = 0; i < count; ++i) {
-      const PageObject record = table.object(i);
-      if (kind != ObjectKind::other ? bool(record) : looksLikeObject(record)) {
+      if (isText(table, i, kind)) {
+        line(indent + 2, "- " + quoted(table.string(i)));
+      } else if (const PageObject record = table.object(i)) {
         listedObject(record, kind, indent + 2);
-      } else if (const char* text = table.string(i)) {
-        line(indent + 2, "- " + quoted(text));
       } else {
         line(indent + 2, "# an entry outside the file");
       }
     }
+  }
+
+  // Whether an entry is told as a text. Where the engine reads objects, that is what only reads as a text.
+  bool isText(const PageTable& table, uint32_t i, ObjectKind kind) const {
+    const char* text = table.string(i);
+    if (!text || looksLikeObject(table.object(i))) return false;
+    return kind == ObjectKind::other || std::all_of(text, text + std::strlen(text), [](char c) { return c >= ' '; });
   }
 
   // Nothing in the file says what a table of unknown use leads to. What reads as a record with good attributes is one:

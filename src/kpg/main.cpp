@@ -15,6 +15,7 @@ int main(int argc, char** argv) {
   addDumpCommand(app);
   addShotCommand(app);
   addClutCommand(app);
+  addFontCommand(app);
   addImageCommand(app);
   addBobCommands(app);
   try {

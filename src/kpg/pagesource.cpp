@@ -1,5 +1,6 @@
 #include "kpg/pagesource.h"
 
+#include <yaml-cpp/depthguard.h>
 #include <yaml-cpp/yaml.h>
 
 #include <cctype>
@@ -40,7 +41,16 @@ std::optional<bool> parseBoolean(std::string_view text) {
   return std::nullopt;
 }
 
-bool isText(const YAML::Node& node) { return node.IsScalar() && node.Tag() == "!"; }  // quoted
+constexpr std::string_view kYamlTags = "tag:yaml.org,2002:";  // written !!
+
+bool isText(const YAML::Node& node) {
+  return node.IsScalar() && (node.Tag() == "!" /* quoted */ || node.Tag() == std::string(kYamlTags) + "str");
+}
+
+bool isPlain(const YAML::Node& node) {
+  const std::string& tag = node.Tag();
+  return tag.empty() || tag == "?" || tag == "!" || tag.starts_with(kYamlTags);
+}
 
 class SourceReader {
  public:
@@ -52,6 +62,8 @@ class SourceReader {
     text.assign(bytes.begin(), bytes.end());
     try {
       top = YAML::Load(text);
+    } catch (const YAML::DeepRecursion& e) {
+      throw SourceError(file, e.mark.line + 1, "nested too deep");
     } catch (const YAML::Exception& e) {
       throw SourceError(file, e.mark.line + 1, e.msg);
     }
@@ -69,6 +81,7 @@ class SourceReader {
       }
     });
     if (!hasPage) fail(top, "there is no 'page'");
+    expectNoTag(top["page"]);
     page.root = node(top["page"], ObjectKind::root);
     page.scriptFiles = std::move(scriptFiles);
     return page;
@@ -81,6 +94,11 @@ class SourceReader {
 
   void expectMap(const YAML::Node& node, const std::string& what) const {
     if (!node.IsMap()) fail(node, what + " must be a map");
+  }
+
+  // Where the form is settled there is no choice for a tag.
+  void expectNoTag(const YAML::Node& node) const {
+    if (!isPlain(node)) fail(node, "no tag can stand here: " + node.Tag());
   }
 
   // Calls back with each pair in source order; a key that stands twice is an error.
@@ -96,6 +114,7 @@ class SourceReader {
   }
 
   uint32_t flags(const YAML::Node& value) const {
+    expectNoTag(value);
     if (value.IsScalar()) {
       if (value.Scalar() == "8bit") return kPageIs8Bit;
       if (value.Scalar() == "16bit") return 0;
@@ -110,6 +129,7 @@ class SourceReader {
   }
 
   uint16_t position(const YAML::Node& value) const {
+    expectNoTag(value);
     const auto number = parseInteger(scalar(value, "a number of pixels"));
     if (!number || *number < 0 || *number > 65535) fail(value, "a position or size goes from 0 to 65535");
     return uint16_t(*number);
@@ -155,8 +175,7 @@ class SourceReader {
     if (tag == "!scriptdata") return scriptData(value);
     if (tag == "!object") return object(value);
     if (tag == "!table") return table(value, tableObjectKind(form));
-    if (!tag.empty() && tag != "?" && tag != "!" && !tag.starts_with("tag:yaml.org,2002:"))
-      fail(value, "unknown tag " + tag);
+    if (!isPlain(value)) fail(value, "unknown tag " + tag);
 
     switch (form) {
       case AttributeForm::integer: return integer(value);
@@ -279,6 +298,7 @@ class SourceReader {
     PageValue result;
     result.tag = PageTag::table;
     for (const YAML::Node& item : value) {
+      expectNoTag(item);
       PageValue name = string(item);
       if (name.bytes.ends_with(".bob")) name.bytes = compileFile(item);
       result.table.push_back(std::move(name));
@@ -312,6 +332,7 @@ class SourceReader {
     if (value.IsNull() || (value.IsScalar() && value.Scalar().empty())) return result;
     if (!value.IsSequence()) fail(value, "expecting a list");
     for (const YAML::Node& item : value) {
+      expectNoTag(item);
       if (!item.IsMap()) {
         result.table.push_back(string(item));
         continue;

@@ -1,6 +1,4 @@
 // kpg shot: opens a page without a window, does what a user would do, and saves what the window would show.
-#include <unistd.h>
-
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -11,6 +9,7 @@
 #include "kpg/errors.h"
 #include "kpg/files.h"
 #include "kpg/png.h"
+#include "kpg/stdoutaside.h"
 
 namespace {
 
@@ -25,21 +24,6 @@ struct ShotOptions {
   std::string page, output, log;
   bool readOnly = false;
   std::vector<Action> actions;
-};
-
-// While it lives, what the system itself writes to the C library's standard output goes to the error stream, so that
-// only what was asked for stands on the standard output.
-class StandardOutputAside {
- public:
-  StandardOutputAside() : kept(dup(STDOUT_FILENO)) { dup2(STDERR_FILENO, STDOUT_FILENO); }
-  ~StandardOutputAside() {
-    std::fflush(stdout);
-    dup2(kept, STDOUT_FILENO);
-    close(kept);
-  }
-
- private:
-  int kept;
 };
 
 void perform(HeadlessDesktop& desktop, const Action& action) {
@@ -57,7 +41,6 @@ std::string lastLine(std::string log) {
 
 // True when the page loaded.
 bool play(HeadlessDesktop& desktop, const ShotOptions& options) {
-  const StandardOutputAside aside;
   desktop.start();
   desktop.settle();
   if (!desktop.shell.loadPage(fs::absolute(options.page).string())) return false;
@@ -85,11 +68,22 @@ void shoot(ShotOptions options) {
   options.log = againstHere(options.log);
 
   scriptSetReadOnly(options.readOnly);
-  HeadlessDesktop desktop;
-  const bool loaded = play(desktop, options);
-  writeLog(options.log, desktop.log);
-  if (!loaded) throw CommandError(lastLine(desktop.log));
-  writePng(options.output, desktop.shell.screen.screenWidth, desktop.shell.screen.screenHeight, desktop.window());
+  bool loaded;
+  std::string log;
+  int width, height;
+  std::vector<uint32_t> window;
+  {
+    const StandardOutputAside aside;
+    HeadlessDesktop desktop;
+    loaded = play(desktop, options);
+    log = desktop.log;
+    width = desktop.shell.screen.screenWidth;
+    height = desktop.shell.screen.screenHeight;
+    window = desktop.window();
+  }
+  writeLog(options.log, log);
+  if (!loaded) throw CommandError(lastLine(log));
+  writePng(options.output, width, height, window);
 }
 
 std::string checkKey(const std::string& name) {

@@ -1,66 +1,13 @@
 #include "t2k/crossings.h"
 
+#include <vector>
+
 namespace {
 
-constexpr uint32_t kRisingKinds = kVerticalRising | kHorizontalRising;
+constexpr CrossingBounds kNoBounds{kCrossingLimit, kCrossingLimit, -kCrossingLimit, -kCrossingLimit};
 
 inline Crossing PlaceOf(Crossing c) { return c >> kKindBits; }
-
-inline void OrderPair(Crossing& a, Crossing& b) {
-  const Crossing low = std::min(a, b);
-  b = std::max(a, b);
-  a = low;
-}
-
-// Sorts the few crossings that most lines have, by insertion without a branch. Says, like the one below, whether they
-// rise and fall in pairs from the first on, so that nothing overlaps.
-template <int kCount>
-inline bool SortFew(Crossing* c) {
-  for (int i = 1; i < kCount; ++i) {
-    for (int j = i; j > 0; --j) OrderPair(c[j - 1], c[j]);
-  }
-  Crossing opposite = kRisingKinds;
-  for (int i = 0; i < kCount; i += 2) opposite &= c[i] ^ c[i + 1];
-  return opposite != 0;
-}
-
-bool SortMany(Crossing* c, int count) {
-  for (int i = 1; i < count; ++i) {
-    const Crossing moving = c[i];
-    int j = i;
-    for (; j > 0 && c[j - 1] > moving; --j) c[j] = c[j - 1];
-    c[j] = moving;
-  }
-  if (count & 1) return false;
-  Crossing opposite = kRisingKinds;
-  for (int i = 0; i < count; i += 2) opposite &= c[i] ^ c[i + 1];
-  return opposite != 0;
-}
-
-inline bool SortLine(Crossing* c, int count) {
-  switch (count) {
-    case 2: return SortFew<2>(c);
-    case 4: return SortFew<4>(c);
-    case 6: return SortFew<6>(c);
-    default: return SortMany(c, count);
-  }
-}
-
 inline bool SamePlace(Crossing a, Crossing b) { return PlaceOf(a) == PlaceOf(b); }
-
-// Whether it matters in which order crossings of two kinds at one place stand. It does where the second of them would
-// end one span and the first begin another, or the other way about, and where they are more than two.
-bool IsUndecided(const Crossing* c, int count) {
-  int winding = 0;
-  for (int i = 0; i + 1 < count; ++i) {
-    if (SamePlace(c[i], c[i + 1]) && c[i] != c[i + 1]) {
-      const bool more = (i > 0 && SamePlace(c[i - 1], c[i])) || (i + 2 < count && SamePlace(c[i + 1], c[i + 2]));
-      if (more || winding == 1 || winding == -1) return true;
-    }
-    winding += c[i] & kRisingKinds ? 1 : -1;
-  }
-  return false;
-}
 
 // A crossing below the slot of its line, in the order of the walk. The kind in the low bits takes no part in sorting.
 using SequencedCrossing = uint64_t;
@@ -80,7 +27,33 @@ void ShellSort(SequencedCrossing* c, int n) {
   }
 }
 
-// A crossing at which the winding rises above one lies inside, and so does the one behind it. Gives what is left.
+}  // namespace
+
+bool SortMany(Crossing* c, int count) {
+  for (int i = 1; i < count; ++i) {
+    const Crossing moving = c[i];
+    int j = i;
+    for (; j > 0 && c[j - 1] > moving; --j) c[j] = c[j - 1];
+    c[j] = moving;
+  }
+  if (count & 1) return false;
+  Crossing opposite = kRisingKinds;
+  for (int i = 0; i < count; i += 2) opposite &= c[i] ^ c[i + 1];
+  return opposite != 0;
+}
+
+bool IsUndecided(const Crossing* c, int count) {
+  int winding = 0;
+  for (int i = 0; i + 1 < count; ++i) {
+    if (SamePlace(c[i], c[i + 1]) && c[i] != c[i + 1]) {
+      const bool more = (i > 0 && SamePlace(c[i - 1], c[i])) || (i + 2 < count && SamePlace(c[i + 1], c[i + 2]));
+      if (more || winding == 1 || winding == -1) return true;
+    }
+    winding += c[i] & kRisingKinds ? 1 : -1;
+  }
+  return false;
+}
+
 int StrikeLine(tsiMemObject* mem, Crossing* line, int count) {
   int winding = 0, left = 0;
   bool strikeNext = false;
@@ -94,9 +67,8 @@ int StrikeLine(tsiMemObject* mem, Crossing* line, int count) {
   return left;
 }
 
-}  // namespace
-
 // Deals crossings out to their lines as they come. A line without room counts on and writes over what it has.
+template <int kRoom>
 class CrossingTable::LineSink {
  public:
   explicit LineSink(CrossingTable* table)
@@ -109,13 +81,18 @@ class CrossingTable::LineSink {
   void AddRun(bool vertical, int32_t line, int length, uint32_t kind, Next next) {
     const int slot = (line >> 6) - (vertical ? lowColumn_ : lowRow_);
     int32_t* count = count_ + slot;
-    Crossing* entry = entries_ + slot * kLineRoom;
-    for (; length > 0; --length) {
+    Crossing* entry = entries_ + slot * kRoom;
+    for (const int32_t* end = count + length; count < end; ++count, entry += kRoom) {
       const int32_t used = (*count)++;
-      entry[used & (kLineRoom - 1)] = MakeCrossing(next(), kind);
-      ++count;
-      entry += kLineRoom;
+      entry[used & (kRoom - 1)] = MakeCrossing(next(), kind);
     }
+  }
+  // A crossing that isn't one is written down too, behind those that count.
+  void AddIf(bool vertical, int32_t number, int32_t along, uint32_t kind, int32_t is) {
+    const int slot = number - (vertical ? lowColumn_ : lowRow_);
+    const int32_t used = count_[slot];
+    entries_[slot * kRoom + (used & (kRoom - 1))] = MakeCrossing(along, kind);
+    count_[slot] = used + is;
   }
 
  private:
@@ -133,8 +110,12 @@ class CrossingTable::SequenceSink {
   void AddRun(bool vertical, int32_t line, int length, uint32_t kind, Next next) {
     if (length > kMaxEdges - int(all.size())) table_->overflowed_ = true;
     if (table_->overflowed_) return;
-    const int slot = table_->SlotOf(vertical, line);
+    const int slot = table_->SlotOf(vertical, line >> 6);
     for (int i = 0; i < length; ++i) all.push_back(uint64_t(slot + i) << 32 | MakeCrossing(next(), kind));
+  }
+
+  void AddIf(bool vertical, int32_t number, int32_t along, uint32_t kind, int32_t is) {
+    AddRun(vertical, number * 64, is, kind, [along] { return along; });
   }
 
   std::vector<SequencedCrossing> all;
@@ -143,63 +124,42 @@ class CrossingTable::SequenceSink {
   CrossingTable* table_;
 };
 
-CrossingTable::CrossingTable(const GlyphClass& glyph, const CrossingBounds& box, int oversample, bool exactSpans)
+CrossingTable::CrossingTable(const GlyphClass& glyph, const CrossingBounds& box, int oversample)
     : mem_(glyph.mem),
       glyph_(glyph),
       oversample_(oversample),
-      exactSpans_(exactSpans),
       rows_((box.ymax * oversample >> 6) - (box.ymin * oversample >> 6) + 1),
       columns_((box.xmax * oversample >> 6) - (box.xmin * oversample >> 6) + 1),
       lowRow_(box.ymin * oversample >> 6),
       lowColumn_(box.xmin * oversample >> 6),
-      entries_(mem_, uint32_t(rows_ + columns_) * kLineRoom),
-      lines_(mem_, uint32_t(rows_ + columns_) * 2),
+      entries_(mem_, uint32_t(Slots()) * kLineRoom),
+      lines_(mem_, uint32_t(Slots()) * 2),
       start_(lines_.get()),
-      count_(start_ + rows_ + columns_),
-      bounds_{kCrossingLimit, kCrossingLimit, -kCrossingLimit, -kCrossingLimit} {
-  const int slots = rows_ + columns_;
-  for (int slot = 0; slot < slots; ++slot) start_[slot] = slot * kLineRoom;
-  std::fill_n(count_, slots, 0);
-  LineSink sink(this);
-  OutlineWalker<LineSink>(glyph, oversample, sink).Walk();
-  if (!SortLines(false) || !SortLines(true)) SortInSequence();
+      count_(start_ + Slots()) {
+  WalkIntoLines<kLineRoom>();
 }
 
-// The first and the last line of a direction that has crossings, and the outermost crossings of all of them.
-struct CrossingTable::LineExtent {
-  int first = -1, last = -1;
-  Crossing lowest = ~Crossing{0}, highest = 0;
+template <int kRoom>
+void CrossingTable::WalkIntoLines() {
+  room_ = kRoom;
+  for (int slot = 0; slot < Slots(); ++slot) start_[slot] = slot * kRoom;
+  std::fill_n(count_, Slots(), 0);
+  bounds_ = kNoBounds;
+  LineSink<kRoom> sink(this);
+  OutlineWalker<LineSink<kRoom>>(glyph_, oversample_, sink).Walk();
+}
 
-  void Take(int slot, const Crossing* line, int count) {
-    if (first < 0) first = slot;
-    last = slot;
-    lowest = std::min(lowest, line[0]);
-    highest = std::max(highest, line[count - 1]);
-  }
-};
-
-// Sorts and strikes each line by itself, which is cheap. False if that isn't enough: a line is crowded, or an order
-// undecided.
-bool CrossingTable::SortLines(bool vertical) {
-  const int begin = vertical ? rows_ : 0, end = vertical ? rows_ + columns_ : rows_;
-  const bool exactSpans = exactSpans_;
-  int32_t* const counts = count_;
-  Crossing* line = entries_.get() + begin * kLineRoom;
-  LineExtent extent;
-  for (int slot = begin; slot < end; ++slot, line += kLineRoom) {
-    const int count = counts[slot];
-    if (!count) continue;
-    if (count > kLineRoom) return false;
-    const bool inPairs = SortLine(line, count);
-    extent.Take(slot, line, count);
-    if (exactSpans && count > 2 && IsUndecided(line, count)) return false;
-    if (!inPairs) counts[slot] = StrikeLine(mem_, line, count);
-  }
-  ExtendBounds(vertical, extent);
+// False if that helps no line, or takes too much.
+bool CrossingTable::MakeRoom() {
+  const int most = *std::max_element(count_, count_ + Slots());
+  if (most < kLineRoom || most >= kMoreRoom || Slots() > kMaxEdges / kMoreRoom) return false;
+  entries_.Renew(uint32_t(Slots()) * kMoreRoom);
+  WalkIntoLines<kMoreRoom>();
   return true;
 }
 
 void CrossingTable::SortInSequence() {
+  bounds_ = kNoBounds;
   SequenceSink sink(this);
   OutlineWalker<SequenceSink>(glyph_, oversample_, sink).Walk();
   if (overflowed_) return;
@@ -217,7 +177,7 @@ void CrossingTable::SortInSequence() {
   for (int slot = 0; slot < slots; ++slot) {
     if (!count_[slot]) continue;
     Crossing* line = entries + start_[slot];
-    extent[slot >= rows_].Take(slot, line, count_[slot]);
+    extent[slot >= rows_].Take(slot, line[0], line[count_[slot] - 1]);
     count_[slot] = StrikeLine(mem_, line, count_[slot]);
   }
   for (const bool vertical : {false, true}) ExtendBounds(vertical, extent[vertical]);

@@ -4,21 +4,9 @@
 // pairs: two crossings that follow each other on a centre line are a span inside the outline.
 #pragma once
 
-#include <vector>
+#include "t2k/crossingsort.h"
 
-#include "t2k/outlinewalker.h"
-
-// Coordinates, oversampled, must stay within this.
-inline constexpr int32_t kCrossingLimit = 1 << 27;
 inline constexpr int kMaxEdges = 1 << 18;  // crossings of a glyph that takes the slow sort
-
-// A crossing's place on its line above its kind, so that words compare as places do.
-using Crossing = uint32_t;
-inline constexpr int kKindBits = 4;
-constexpr Crossing MakeCrossing(int32_t along, uint32_t kind) {
-  return uint32_t(along + kCrossingLimit) << kKindBits | kind;
-}
-constexpr int32_t AlongOf(Crossing c) { return int32_t(c >> kKindBits) - kCrossingLimit; }
 
 struct CrossingBounds {
   int32_t xmin, ymin, xmax, ymax;
@@ -31,13 +19,40 @@ struct LineSpans {
   int count;
 };
 
+// What Settle hands lines to when nobody wants them yet.
+struct NoPainter {
+  template <bool kVertical>
+  void Enter(const LineSpans&) {}
+  void Restart() {}
+};
+
 class CrossingTable {
  public:
-  // Takes in all contours of a scaled glyph whose points lie in box, everything multiplied by oversample; puts every
-  // line in order and strikes out what lies inside overlapping contours. With exactSpans the spans are those of the
-  // engine's own order of crossings that share a place; without, two spans that touch may be one or the other way
-  // about, which sums of coverage don't show.
-  CrossingTable(const GlyphClass& glyph, const CrossingBounds& box, int oversample, bool exactSpans);
+  // Takes in all contours of a scaled glyph whose points lie in box, everything multiplied by oversample.
+  CrossingTable(const GlyphClass& glyph, const CrossingBounds& box, int oversample);
+
+  // To be called once, before anything below: puts every line in order and strikes out what lies inside overlapping
+  // contours. painter gets each line that has spans as soon as it stands, Enter<kVertical>(spans), and starts anew on
+  // Restart(). With exactSpans the spans are those of the engine's own order of crossings that share a place; without,
+  // two spans that touch may be one or the other way about, which sums of coverage don't show.
+  template <class Painter>
+  void Settle(bool exactSpans, Painter& painter) {
+    if (SettleAll(exactSpans, painter)) return;
+    painter.Restart();
+    if (MakeRoom()) {
+      if (SettleAll(exactSpans, painter)) return;
+      painter.Restart();
+    }
+    SortInSequence();
+    if (!overflowed_) EnterAll(painter);
+  }
+
+  // Hands all lines to a painter.
+  template <class Painter>
+  void EnterAll(Painter& painter) const {
+    for (int i = 0; i < rows_; ++i) EnterLine<false>(painter, Row(i));
+    for (int i = 0; i < columns_; ++i) EnterLine<true>(painter, Column(i));
+  }
 
   // The shape has more crossings than the table takes; it is of no further use.
   bool Overflowed() const { return overflowed_; }
@@ -45,36 +60,110 @@ class CrossingTable {
   // Of the crossings, oversampled.
   const CrossingBounds& Bounds() const { return bounds_; }
 
-  tsiMemObject* Handler() const { return mem_; }
   int Rows() const { return rows_; }
   int Columns() const { return columns_; }
   LineSpans Row(int i) const { return {(lowRow_ + i) * 64 + 32, LineAt(i), count_[i]}; }
   LineSpans Column(int i) const { return {(lowColumn_ + i) * 64 + 32, LineAt(rows_ + i), count_[rows_ + i]}; }
 
  private:
+  template <int kRoom>
   class LineSink;
   class SequenceSink;
-  struct LineExtent;
 
-  static constexpr int kLineRoom = 16;      // crossings that a line has room for at first
+  // The first and the last line of a direction that has crossings, and the outermost crossings of all of them.
+  struct LineExtent {
+    int first = -1, last = -1;
+    Crossing lowest = ~Crossing{0}, highest = 0;
+
+    void Take(int slot, Crossing lowestOfLine, Crossing highestOfLine) {
+      if (first < 0) first = slot;
+      last = slot;
+      lowest = std::min(lowest, lowestOfLine);
+      highest = std::max(highest, highestOfLine);
+    }
+  };
+
+  static constexpr int kLineRoom = 16;      // crossings that a line has room for at first, less one
+  static constexpr int kMoreRoom = 64;      // and when that isn't enough
   static constexpr int kInlineLines = 256;  // enough for most glyphs
 
-  // Lines have slots: rows from the lowest up, then columns from the left.
-  int SlotOf(bool vertical, int32_t line) const { return (line >> 6) - (vertical ? lowColumn_ - rows_ : lowRow_); }
+  // Lines have slots: rows from the lowest up, then columns from the left, then one that is never looked at.
+  int Slots() const { return rows_ + columns_ + 1; }
+  int SlotOf(bool vertical, int32_t number) const { return number - (vertical ? lowColumn_ - rows_ : lowRow_); }
   const Crossing* LineAt(int slot) const { return entries_.get() + start_[slot]; }
-  bool SortLines(bool vertical);
+  template <int kRoom>
+  void WalkIntoLines();
+  bool MakeRoom();
   void SortInSequence();
   void ExtendBounds(bool vertical, const LineExtent& extent);
+
+  template <bool kVertical, class Painter>
+  static void EnterLine(Painter& painter, const LineSpans& spans) {
+    if (spans.count) painter.template Enter<kVertical>(spans);
+  }
+
+  template <class Painter>
+  bool SettleAll(bool exactSpans, Painter& painter) {
+    return SettleLines<false>(exactSpans, painter) && SettleLines<true>(exactSpans, painter);
+  }
+  template <bool kVertical, class Painter>
+  bool SettleLines(bool exactSpans, Painter& painter);
 
   tsiMemObject* mem_;
   const GlyphClass& glyph_;
   const int oversample_;
-  const bool exactSpans_;
   const int rows_, columns_, lowRow_, lowColumn_;
   tsiBuffer<Crossing, kInlineLines * kLineRoom> entries_;
   tsiBuffer<int32_t, kInlineLines * 2> lines_;
   int32_t* const start_;  // of each line in entries_
   int32_t* const count_;
+  int room_ = kLineRoom;
   bool overflowed_ = false;
   CrossingBounds bounds_;
 };
+
+// Sorts, strikes and paints each line by itself, which is cheap. False if that isn't enough: a line is crowded, or an
+// order undecided.
+template <bool kVertical, class Painter>
+bool CrossingTable::SettleLines(bool exactSpans, Painter& painter) {
+  const int begin = kVertical ? rows_ : 0, end = kVertical ? rows_ + columns_ : rows_;
+  int32_t* const counts = count_;
+  const int room = room_;
+  Crossing* c = entries_.get() + begin * room;
+  int32_t line = (kVertical ? lowColumn_ : lowRow_) * 64 + 32;
+  LineExtent extent;
+  // Counts of two, four and six have code of their own: they are nearly all.
+  const auto settleFew = [&]<int kCount>(int slot) {
+    const bool inPairs = SortFew<kCount>(c);
+    extent.Take(slot, c[0], c[kCount - 1]);
+    if (!inPairs || (exactSpans && kCount > 2)) return false;
+    painter.template Enter<kVertical>({line, c, kCount});
+    return true;
+  };
+  for (int slot = begin; slot < end; ++slot, c += room, line += 64) {
+    const int count = counts[slot];
+    bool inPairs = false;
+    switch (count) {
+      case 0: continue;
+      case 2:
+        if (settleFew.template operator()<2>(slot)) continue;
+        break;
+      case 4:
+        if (settleFew.template operator()<4>(slot)) continue;
+        break;
+      case 6:
+        if (settleFew.template operator()<6>(slot)) continue;
+        break;
+      default:
+        if (count >= room) return false;
+        break;
+    }
+    inPairs = SortMany(c, count);
+    extent.Take(slot, c[0], c[count - 1]);
+    if (exactSpans && count > 2 && IsUndecided(c, count)) return false;
+    if (!inPairs) counts[slot] = StrikeLine(mem_, c, count);
+    painter.template Enter<kVertical>({line, c, counts[slot]});
+  }
+  ExtendBounds(kVertical, extent);
+  return true;
+}

@@ -18,11 +18,12 @@ enum CrossingKind : uint32_t {
   kHorizontalFalling = 8,
 };
 
-// Quotients of small numbers by way of a table of reciprocals: exact while the dividend is below 2^20.
+// Quotients of small numbers by way of a table of reciprocals, each a little too large: exact, cut toward zero, while
+// the dividend stays within 2^20 either way.
 inline constexpr uint32_t kReciprocals = 512;
 inline constexpr auto kReciprocal = [] {
   std::array<uint32_t, kReciprocals> table{};
-  for (uint32_t d = 2; d < kReciprocals; ++d) table[d] = uint32_t(((uint64_t{1} << 32) + d - 1) / d);
+  for (uint32_t d = 2; d < kReciprocals; ++d) table[d] = uint32_t((uint64_t{1} << 32) / d + 1);
   return table;
 }();
 
@@ -32,11 +33,16 @@ inline uint32_t QuotientOf(uint64_t dividend, uint32_t divisor) {
     return uint32_t(dividend * kReciprocal[divisor] >> 32);
   return dividend <= UINT32_MAX ? uint32_t(dividend) / divisor : uint32_t(dividend / divisor);
 }
+inline int32_t SmallQuotientOf(int32_t dividend, uint32_t divisor) {
+  return int32_t(int64_t{dividend} * kReciprocal[divisor] >> 32) - (dividend >> 31);
+}
 
 inline constexpr int kMaxCurveDepth = 16;  // 32 bits of error, two less at each halving
 
-// Sink gets the crossings in the order of the walk: Begin(vertical, line, count) announces count of them on
-// neighbouring lines from line up, false to decline; then Put(along, kind) gives each one's place on its line.
+// Sink gets the crossings in the order of the walk. AddRun(vertical, line, length, kind, next) are length of them on
+// neighbouring lines from line up, next() giving one place after the other; AddIf(vertical, number, along, kind, is) is
+// the one with line number * 64 + 32, or none where is is 0: then the rest says nothing, but number is that of a line
+// of the outline or of the next one.
 template <class Sink>
 class OutlineWalker {
  public:
@@ -216,12 +222,36 @@ class OutlineWalker {
   [[gnu::always_inline]] void AddLine(Point p, Point q) {
     p = {p.x | 1, p.y | 1};
     q = {q.x | 1, q.y | 1};
-    if (AreApart(p.x, q.x)) AddCrossings<true>(p.x, p.y, q.x, q.y);
-    if (AreApart(p.y, q.y)) AddCrossings<false>(p.y, p.x, q.y, q.x);
+    const int32_t column = LinesBelow(p.x), row = LinesBelow(p.y);
+    const int32_t columns = LinesBelow(q.x) - column, rows = LinesBelow(q.y) - row;
+    if (uint32_t(columns + 1) <= 2 && uint32_t(rows + 1) <= 2) [[likely]] {
+      const int32_t dx = q.x - p.x, dy = q.y - p.y;
+      AddShort<true>(p.x, p.y, dx, dy, column, columns);
+      AddShort<false>(p.y, p.x, dy, dx, row, rows);
+      return;
+    }
+    if (columns) AddCrossings<true>(p.x, p.y, q.x, q.y);
+    if (rows) AddCrossings<false>(p.y, p.x, q.y, q.x);
   }
 
-  // Whether a centre line lies between two odd coordinates.
-  static bool AreApart(int32_t a, int32_t b) { return ((a + 32) ^ (b + 32)) >> 6 != 0; }
+  // The number of the first centre line above an odd coordinate.
+  static int32_t LinesBelow(int32_t a) { return (a + 32) >> 6; }
+
+  // The same as below for a piece that crosses one line (ahead is 1 or -1) or none, without a branch: most pieces of
+  // curves are such, and which of them cross a line nobody foresees. It goes from a, b by da, db, which are below 128;
+  // line is the number of the first one above a.
+  template <bool kVertical>
+  [[gnu::always_inline]] void AddShort(int32_t a, int32_t b, int32_t da, int32_t db, int32_t line, int32_t ahead) {
+    constexpr uint32_t kRising = kVertical ? kVerticalRising : kHorizontalRising;
+    const int32_t falls = ahead >> 31;  // all ones: the piece begins at its other end
+    a += da & falls;
+    b += db & falls;
+    line += falls;
+    const auto across = uint32_t((da ^ falls) - falls) & 127;  // whatever it is where no line is crossed
+    const int32_t along = (db ^ falls) - falls;
+    const int32_t place = b + SmallQuotientOf(along * (line * 64 + 32 - a), across);
+    sink_.AddIf(kVertical, line, place, kRising + (kRising & uint32_t(falls)), ahead & 1);
+  }
 
   // The crossings with the centre lines of one axis: a runs across the lines, b along them. Places are b0 plus
   // an exact quotient cut toward zero, kept up from line to line by its remainder.

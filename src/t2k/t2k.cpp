@@ -73,7 +73,7 @@ class TextMeasurer {
     const uint32_t key = uint32_t(previous_) << 16 | code;
     const uint32_t slot = (uint32_t(previous_) * 16 ^ code) % kKernCacheSize;
     uint16_t glyph = kNoGlyphYet;
-    if (cache.key[slot] != key || (key == UINT32_MAX && !cache.advance[slot])) {
+    if (cache.key[slot] != key) {
       if (previousGlyph_ == kNoGlyphYet) previousGlyph_ = GetSfntGlyphIndex(t_->font, previous_);
       glyph = GetSfntGlyphIndex(t_->font, code);
       int32_t kern, ignored;

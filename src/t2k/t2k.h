@@ -71,7 +71,7 @@ struct T2K {
   sfntClass* font;
 
   struct {
-    uint32_t key[kKernCacheSize];     // previous character and this one; all ones while empty
+    uint32_t key[kKernCacheSize];     // previous character and this one; all ones, which two 0xFFFF match, at first
     int32_t advance[kKernCacheSize];  // kerning included
     int32_t kern[kKernCacheSize];
   } kernCache;

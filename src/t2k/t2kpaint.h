@@ -9,7 +9,4 @@
 // don't vanish.
 void PaintMono(const tsiScanConv& sc, const CrossingTable& crossings, const CrossingBounds& bounds);
 
-// One byte a pixel, every one of them written. Rows and columns give half of the coverage each.
-void PaintGrey(const tsiScanConv& sc, const CrossingTable& crossings, int oversample);
-
 void SharpenGrey(const tsiScanConv& sc);

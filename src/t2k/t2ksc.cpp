@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "t2k/crossings.h"
+#include "t2k/greycells.h"
 #include "t2k/t2kpaint.h"
 
 namespace {
@@ -40,37 +40,109 @@ tsiScanConv BoundsInPixels(const CrossingBounds& b) {
   return sc;
 }
 
+int RowBytesFor(int greyLevel, int width) { return greyLevel ? width : (width + 7) / 8; }
+
+// One conversion: settling its crossings, bounds, bits.
+class Conversion {
+ public:
+  Conversion(const GlyphClass& glyph, const CrossingBounds& points, const ScanConvOptions& options)
+      : glyph_(glyph),
+        points_(points),
+        options_(options),
+        oversample_(std::max(options.greyLevel, 1)),
+        crossings_(glyph, points, oversample_) {}
+
+  tsiScanConv Run() {
+    if (options_.boundsOnly) {
+      NoPainter none;
+      Settle(none);
+      return sc_;
+    }
+    switch (options_.greyLevel) {
+      case 0: RunMono(); break;
+      case 1: RunGrey<1>(); break;
+      case 2: RunGrey<2>(); break;
+      case 3: RunGrey<3>(); break;
+      case 4: RunGrey<4>(); break;
+      default: RunGrey<5>(); break;
+    }
+    return sc_;
+  }
+
+ private:
+  // Puts the crossings in order and works the bounds out. False if there is to be no bitmap.
+  template <class Painter>
+  bool Settle(Painter& painter) {
+    crossings_.Settle(options_.greyLevel == 0, painter);
+    if (!crossings_.Overflowed() && crossings_.IsEmpty()) return false;
+    bounds_ = crossings_.Overflowed() ? points_ : crossings_.Bounds();
+    if (!crossings_.Overflowed()) {
+      for (int32_t* edge : {&bounds_.xmin, &bounds_.ymin, &bounds_.xmax, &bounds_.ymax}) *edge /= oversample_;
+    }
+    sc_ = BoundsInPixels(bounds_);
+    sc_.rowBytes = RowBytesFor(options_.greyLevel, sc_.Width());
+    return !crossings_.Overflowed() && sc_.Width() <= kMaxBitmapSide && sc_.Height() <= kMaxBitmapSide;
+  }
+
+  // paint() writes every byte of the bitmap.
+  template <class Paint>
+  void MakeBits(Paint paint) {
+    tsiBlock<uint8_t> bits(glyph_.mem, uint32_t(sc_.rowBytes * sc_.Height()));
+    sc_.baseAddr = bits.get();
+    paint();
+    bits.Release();
+  }
+
+  void RunMono() {
+    NoPainter none;
+    if (!Settle(none)) return;
+    MakeBits([&] {
+      std::memset(sc_.baseAddr, 0, size_t(sc_.rowBytes * sc_.Height()));
+      PaintMono(sc_, crossings_, bounds_);
+    });
+  }
+
+  // The usual glyph is small: its lines are painted as they settle, into cells for all that its points may reach. Ends
+  // forced odd reach one further.
+  template <int kOversample>
+  void RunGrey() {
+    const PixelBox reach{points_.xmin >> 6, points_.ymin >> 6, ((points_.xmax + 1) >> 6) + 1,
+                         ((points_.ymax + 1) >> 6) + 1};
+    using Cells = GreyCells<kOversample>;
+    if (Cells::FitsInline(reach)) {
+      Cells cells(glyph_.mem, reach);
+      if (Settle(cells)) FinishGrey(cells);
+      return;
+    }
+    NoPainter none;
+    if (!Settle(none)) return;
+    Cells cells(glyph_.mem, {sc_.left, sc_.bottom, sc_.right, sc_.top});
+    crossings_.EnterAll(cells);
+    FinishGrey(cells);
+  }
+
+  template <int kOversample>
+  void FinishGrey(const GreyCells<kOversample>& cells) {
+    MakeBits([&] { cells.Sum(sc_); });
+    if (options_.sharpen) SharpenGrey(sc_);
+  }
+
+  const GlyphClass& glyph_;
+  const CrossingBounds& points_;
+  const ScanConvOptions& options_;
+  const int oversample_;
+  CrossingTable crossings_;
+  CrossingBounds bounds_{};
+  tsiScanConv sc_{};
+};
+
 }  // namespace
 
 tsiScanConv ScanConvert(const GlyphClass& glyph, const ScanConvOptions& options) {
   if (glyph.pointCount < 1 || glyph.contourCount < 1) return {};
-  const int oversample = std::max(options.greyLevel, 1);
   const CrossingBounds points = PointBounds(glyph);
-  const auto rowBytesFor = [&](int width) { return options.greyLevel ? width : (width + 7) / 8; };
-  const auto withoutBitmap = [&](tsiScanConv sc) {
-    sc.rowBytes = rowBytesFor(sc.Width());
-    return sc;
-  };
-  if (IsTooLarge(points)) return withoutBitmap(BoundsInPixels(points));
-
-  const CrossingTable crossings(glyph, points, oversample, options.greyLevel == 0);
-  if (crossings.Overflowed()) return withoutBitmap(BoundsInPixels(points));
-  if (crossings.IsEmpty()) return {};
-  CrossingBounds bounds = crossings.Bounds();
-  for (int32_t* edge : {&bounds.xmin, &bounds.ymin, &bounds.xmax, &bounds.ymax}) *edge /= oversample;
-  tsiScanConv sc = withoutBitmap(BoundsInPixels(bounds));
-  if (options.boundsOnly || sc.Width() > kMaxBitmapSide || sc.Height() > kMaxBitmapSide) return sc;
-
-  const auto bytes = uint32_t(sc.rowBytes * sc.Height());
-  tsiBlock<uint8_t> bits(glyph.mem, bytes);
-  sc.baseAddr = bits.get();
-  if (options.greyLevel) {
-    PaintGrey(sc, crossings, oversample);
-    if (options.sharpen) SharpenGrey(sc);
-  } else {
-    std::memset(bits.get(), 0, bytes);
-    PaintMono(sc, crossings, bounds);
-  }
-  bits.Release();
+  if (!IsTooLarge(points)) return Conversion(glyph, points, options).Run();
+  tsiScanConv sc = BoundsInPixels(points);
+  sc.rowBytes = RowBytesFor(options.greyLevel, sc.Width());
   return sc;
 }

@@ -74,6 +74,56 @@ TEST(Compiler, LimitsAreExact) {
   EXPECT_EQ(session.eval(repeat("(", 50) + "7" + repeat(")", 50) + ";"), "--> 7\n");
 }
 
+TEST(Compiler, SaysWhatItMissesInItsOwnWords) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"define 5;", "Expecting a function or a method definition"},
+      {"break;", "Break outside of loop or switch"},
+      {"while (1) { function () { break; }; }", "Break outside of loop or switch"},
+      {"continue;", "Continue outside of loop"},
+      {"switch (1) { continue; }", "Continue outside of loop"},
+      {"while (1) { function () { continue; }; }", "Continue outside of loop"},
+      {"case 1: 2;", "Case outside of switch"},
+      {"switch (1) { function () { case 1: }; }", "Case outside of switch"},
+      {"default: 2;", "Default outside of switch"},
+      {"switch (1) { case 1: case \\a: case nil: case \\a: }", "Duplicate case"},
+      {"switch (1) { case nil: case nil: }", "Duplicate case"},
+      {"switch (1) { case -1: }", "Expecting a literal value"},
+      {"switch (1) { case true: }", "Expecting a literal value"},
+      {"switch (1) { case \\5: }", "Expecting a literal symbol"},
+      {"5 = 1;", "Expecting an lvalue"},
+      {"f() += 1;", "Expecting an lvalue"},
+      {"++5;", "Expecting an lvalue"},
+      {"nil = 1;", "Expecting an lvalue"},
+      {"x++ ++;", "Expecting an lvalue"},
+      {"x.if;", "Expecting a property selector"},
+      {"+x;", "Expecting a primary expression"},
+      {"{ 1; local a; }", "Expecting a primary expression"},
+      {"{ 1;", "Expecting a primary expression"},
+      {"\\if;", "Expecting a symbol, vector or object literal"},
+      {"super.f();", "Use of super outside of a method"},
+      {"new 5;", "Expecting an object expression"},
+      {"define f(..) {}", "Expecting ')', found '..'"},
+      {"define f(a.., b) {}", "Expecting ')', found ','"},
+      {"define f(a b) {}", "Expecting ')', found '<identifier>'"},
+      {"define a.5() {}", "Expecting '(', found '<float>'"},
+      {"\\{ a: 1, };", "Expecting '<identifier>', found '}'"},
+      {"\\{ P, a: 1 };", "Expecting '<identifier>', found ','"},
+      {"\\{ P a 1 };", "Expecting ':', found '<integer>'"},
+      {"\\[1 2];", "Expecting ']', found '<integer>'"},
+      {"do x; if (1);", "Expecting 'while', found 'if'"},
+      {"try x;", "Expecting '{', found '<identifier>'"},
+      {"throw 1 2;", "Expecting ';', found '<integer>'"},
+      {"function () { super.x; };", "Expecting '(', found ';'"},
+  };
+  Session session;
+  for (const auto& [source, message] : cases)
+    EXPECT_EQ(session.eval(source), std::string("Error: Syntax error - ") + message + "\n  in line 1\n\n") << source;
+  for (const char* source : {"true++;", "--false;", "false *= 2;"})
+    EXPECT_EQ(session.eval(source), "Error: Attempt to store into a constant\n") << source;
+  // Equal strings are labels of their own: nothing is said, and the first one is taken.
+  EXPECT_EQ(session.eval("switch (\"a\") { case \"a\": 1; break; case \"a\": 2; }"), "--> 1\n");
+}
+
 TEST(Compiler, ContinueInASwitchLeavesItsBlocksOpenButHarmsNothing) {
   Session session;
   session.run(

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <iterator>
+#include <set>
+#include <sstream>
+
 #include "bob/session.h"
 
 namespace {
@@ -32,6 +36,71 @@ TEST(Heap, ObjectsTakeTheSizesOf32BitWords) {
     EXPECT_EQ(taken([&] { bobSetProperty(interp, object, bobSmall(i), kBobNil); }), sizes[i]) << i;
 }
 
+// What so many properties take: a property each, and a table when there are more than four.
+uint32_t StoreSize(size_t count) {
+  size_t buckets = 4;
+  for (size_t held = 5; held < count; ++held)
+    if (held >= 2 * buckets) buckets *= 2;
+  return uint32_t(16 * count + (count > 4 ? 8 + 4 * buckets : 0));
+}
+
+std::set<std::string> Names(const std::string& text) {
+  std::istringstream in(text);
+  return {std::istream_iterator<std::string>(in), {}};
+}
+
+// Pages have the rest of the space to themselves, so a new interpreter must hold these objects and no others.
+TEST(Heap, ANewInterpreterHoldsItsClassesAndNothingElse) {
+  const std::set<std::string> object = Names("initialize Class Clone Exists ExistsLocally Send Show");
+  const std::set<std::string> kinds[] = {
+      Names("Decode Apply"),
+      Names("initialize Clone Push PushFront Pop PopFront size"),  // Vector
+      Names("printName"),
+      Names("initialize Intern toInteger toFloat size"),  // String
+      Names("toFloat toInteger toString"),
+      Names("toFloat toInteger"),
+      Names("initialize Close Print Display GetC PutC"),
+  };
+  constexpr uint32_t kKindsWithoutMembers = 8;  // Type, CObject, CMethod, Property, CompiledCode, three environments
+  const std::set<std::string> globals = Names(
+      "nil true false Object Type Method Vector Symbol String Integer Float CObject CMethod Property CompiledCode "
+      "Environment StackEnvironment MovedEnvironment File stdin stdout stderr Hash toString rand gc LoadObjectFile "
+      "Quit "
+      "Load Eval CompileFile");
+  std::set<std::string> symbols = globals;
+  symbols.insert(object.begin(), object.end());
+  uint32_t expected = 16 + StoreSize(object.size()) + 16 + StoreSize(globals.size()) + 24 * kKindsWithoutMembers;
+  for (const auto& members : kinds) {
+    symbols.insert(members.begin(), members.end());
+    expected += 24 + StoreSize(members.size());
+  }
+  expected += 16 + StoreSize(symbols.size());
+  expected += 3 * 24;        // stdin, stdout, stderr
+  expected += 12 + 4 * 256;  // the compiler's literals
+  Session session;
+  bobCollect(session.interp);
+  EXPECT_EQ(session.interp->newSpace.free - session.interp->newSpace.base, expected);
+}
+
+TEST(Heap, VectorsGrowByHalfWithinBounds) {
+  Session session;
+  BobInterp* interp = session.interp;
+  const BobLocal vector(interp, bobMakeVector(interp, 0));
+  const struct {
+    uint32_t size, taken;  // the bytes of the vector that takes over, 0 if there is room
+  } steps[] = {
+      {1, 12 + 4 * 8},     {8, 0},  {9, 12 + 4 * 16},  {16, 0},
+      {17, 12 + 4 * 24},   {24, 0}, {25, 12 + 4 * 36}, {300, 12 + 4 * 300},
+      {301, 12 + 4 * 428}, {2, 0},  {428, 0},          {1000, 12 + 4 * 1000},
+  };
+  for (const auto& step : steps) {
+    const uint32_t before = interp->newSpace.free;
+    bobSetVectorSize(interp, vector, step.size);
+    EXPECT_EQ(interp->newSpace.free - before, step.taken) << step.size;
+    EXPECT_EQ(bobVectorSize(interp, vector), step.size);
+  }
+}
+
 TEST(Heap, HoldsExactlyItsSpaceAndRaisesBehindIt) {
   Session session;
   BobInterp* interp = session.interp;
@@ -53,6 +122,9 @@ TEST(Heap, HoldsExactlyItsSpaceAndRaisesBehindIt) {
   for (const char* text :
        {"new Vector(0x40000000);", "new String(0x7FFFFFFF);", "(\\[])[0x7FFFFFFE] = 1;", "(\\[]).size = 30000;"})
     EXPECT_TRUE(session.eval(text).starts_with("Error: Insufficient memory\n")) << text;
+  // What is too large for any space is looked for all the same: a collection comes first.
+  bobConsoleEvaluate(session.root(), "new Vector(0x40000000);");
+  EXPECT_TRUE(session.err.text.starts_with("[GC - ")) << session.err.text;
 }
 
 TEST(Heap, ReportsEveryCollection) {
@@ -61,6 +133,11 @@ TEST(Heap, ReportsEveryCollection) {
   const std::regex report("\\[GC - [0-9]+ bytes free, total memory [0-9]+, allocations [0-9]+\\]\n");
   EXPECT_TRUE(std::regex_match(session.err.text, report)) << session.err.text;
   EXPECT_NE(session.err.text.find(" " + std::to_string(FreeBytes(session.interp)) + " bytes free"), std::string::npos);
+  // Two spaces, the stack, a chunk of symbols and the kinds Type and File; the compiler, its code and the block of
+  // protected pointers that its literals are in. Each has a word more, for its size.
+  EXPECT_EQ(session.interp->totalMemory, 2u * (102400 + 20 + 4) + (262144 + 4) + (8192 + 8 + 4) + 2 * (15 * 4 + 5 + 4) +
+                                             (1200 + 4) + (4096 + 4) + (408 + 4));
+  EXPECT_EQ(session.interp->allocationCount, 9u);
   // A protected-pointer block: its link, 100 addresses and a count, and the word that keeps the size.
   const uint32_t memory = session.interp->totalMemory;
   std::vector<BobValue> variables(100);

@@ -113,6 +113,15 @@ TEST(Host, CallsFunctionsAndRestoresTheRegistersAfterAnError) {
   EXPECT_EQ(session.answer(), "Error: No property - zork\nError: Unbound variable - nothing\nHappened in bad\n");
 }
 
+TEST(Host, ARestartUnwindsWithoutAWord) {
+  Session session;
+  const auto raise = [&](int code) { return bobTry(session.interp, [&] { bobRaise(session.interp, code); }); };
+  EXPECT_FALSE(raise(kBobRestart));
+  EXPECT_EQ(session.answer(), "");
+  EXPECT_FALSE(raise(99));
+  EXPECT_EQ(session.answer(), "Error: Unknown error\n");
+}
+
 TEST(Host, ScopesHideButNeverChangeWhatIsOutside) {
   Session session;
   BobScope* inner = bobMakeScope(session.root());

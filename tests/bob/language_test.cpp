@@ -49,6 +49,17 @@ TEST(Language, WrongOperandsAreNamedByTheSideThatTheOperationLooksAt) {
       {"rand();", "Too few arguments - <CMethod-rand>"},
       {"new (nil);", "Can't create an instance"},
       {"Quit();", "Exit"},
+      {"gc.Apply();", "Too few arguments - <CMethod-Apply>"},
+      {"gc.Apply(5);", "Wrong type - 5"},
+      {"gc.Apply(\\[]);", "Too few arguments - <CMethod-gc>"},
+      {"Object.Send();", "Too few arguments - <CMethod-Send>"},
+      {"Object.Send(\\Class);", "Wrong type - Class"},
+      {"Object.Send(\\zork, \\[]);", "No method for selector - zork"},
+      {"(\\[1]).size = \"a\";", "Wrong type - \"a\""},
+      {"(\\[1])[-1] = 2;", "Index out of bounds - -1"},
+      {"\"abc\"[0] = 1.5;", "Wrong type - 1.5"},
+      {"new Symbol;", "Can't create an instance"},
+      {"(5).toString(5);", "Wrong type - 5"},
   };
   for (const auto& [text, message] : cases) EXPECT_EQ(session.eval(text), Error(message)) << text;
 }
@@ -76,6 +87,19 @@ TEST(Language, ErrorsLeaveTheInterpreterAsItWas) {
   EXPECT_EQ(session.interp->sp, session.interp->stackTop);
   EXPECT_EQ(session.interp->fp, session.interp->stackTop);
   EXPECT_EQ(session.interp->code, 0u);
+}
+
+// A run that a native method begins hides its caller: the traceback names who was called by code.
+TEST(Language, TracebacksStepOverTheCallersOfNativeMethods) {
+  Expect({
+      {"define inner() { { local a; zork; } }", "--> <Method-inner>\n"},
+      {"define apply() { return inner.Apply(nil, nil, \\[]); }", "--> <Method-apply>\n"},
+      {"define outer() { return apply(); }", "--> <Method-outer>\n"},
+      {"outer();", "Error: Unbound variable - zork\nHappened in inner\nCalled from:\n  outer\n  <CompiledCode-#>\n"},
+      {"outer.Apply(nil, nil, \\[1]);", "Error: Too many arguments - <Method-outer>\nHappened in <CompiledCode-#>\n"},
+      {"Eval(\"1 +;\");",
+       "Error: Syntax error - Expecting a primary expression\n  in line 1\n\nHappened in <CompiledCode-#>\n"},
+  });
 }
 
 TEST(Language, OneConsoleLineIsOneStatement) {

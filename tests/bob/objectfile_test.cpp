@@ -43,8 +43,8 @@ TEST(ObjectFile, WritesTheWorkedExample) {
 TEST(ObjectFile, ValuesSurviveTheRoundTrip) {
   Session session;
   BobInterp* interp = session.interp;
-  for (const char* text :
-       {"nil", "-5", "0x40000000", "0x80000000", "1.1", "-1e300", "\"a\\\"b\"", "\\sym", "\\[1, \\[], nil]"}) {
+  for (const char* text : {"nil", "-5", "0x40000000", "0x80000000", "1.1", "-1e300", "\"a\\\"b\"", "\\sym",
+                           "\\[1, \\[], nil]", "{ local v = \\[1]; v.Push(2); v; }"}) {
     TextStream out;
     const BobLocal value(interp, bobEvaluate(session.root(), std::string(text) + ";"));
     ASSERT_TRUE(bobWriteValue(interp, value, &out)) << text;
@@ -128,6 +128,68 @@ TEST(ObjectFile, BadCodeRaisesWhenItIsReachedAndNotBefore) {
   }
   Session session;
   EXPECT_EQ(Load(session, Bytes({1}) + Word(2) + Bytes({0, 0})), "failed\nError: Bad opcode\n");  // no bytecode at all
+}
+
+TEST(Listing, HasALineForEachInstructionAndEachCase) {
+  Session session;
+  session.run("define sw(a) { switch (a) { case \"s\": return 1; case \\q: a; default: } }");
+  EXPECT_EQ(session.eval("sw.Decode();"),
+            "sw:0000 31 03 00 AFRAME 03 00\n"
+            "sw:0003 21 00 03 EREF 00 03\n"
+            "sw:0006 03 13 00 BR 0013\n"
+            "sw:0009 19 03 00 LIT 0003 ; 1\n"
+            "sw:000c 1e       RETURN\n"
+            "sw:000d 21 00 03 EREF 00 03\n"
+            "sw:0010 03 20 00 BR 0020\n"
+            "sw:0013 34 02 00 SWITCH 0002\n"
+            "                 0002 0009 ; \"s\"\n"
+            "                 0004 000d ; q\n"
+            "                 0010\n"
+            "sw:0020 1e       RETURN\n"
+            "--> true\n");
+  // The name counts even when it is empty, up to 32 characters of it; without one a number stands there.
+  const std::string body = ":0000 31 02 00 AFRAME 02 00\n";
+  EXPECT_TRUE(session.eval("(function \"\" () {}).Decode();").starts_with(body));
+  const std::string name(32, 'n');
+  EXPECT_TRUE(session.eval("(function \"" + name + "nn\" () {}).Decode();").starts_with(name + body));
+  const std::string unnamed = session.eval("(function () {}).Decode();");
+  EXPECT_TRUE(std::regex_match(unnamed.substr(0, 8), std::regex("[0-9a-f]{8}"))) << unnamed;
+  EXPECT_TRUE(unnamed.substr(8).starts_with(body));
+  EXPECT_EQ(session.eval("gc.Decode(stdout);"), "<CMethod-gc>\n--> true\n");
+  // Bytes that are no instruction, or only the beginning of one.
+  const std::string record = Record(Bytes({0x1F, 2, 200, 0x19, 1}), {});
+  BobStringInput input(record);
+  BobValue code;
+  ASSERT_TRUE(bobReadValue(session.root(), &input, &code));
+  TextStream out;
+  bobDisassemble(session.interp, code, &out);
+  EXPECT_EQ(out.text,
+            "rec:0000 31 02 00 AFRAME 02 00\n"
+            "rec:0003 1f 02    CALL 02\n"
+            "rec:0005 c8       <UNKNOWN>\n"
+            "rec:0006 19       <UNKNOWN>\n"
+            "rec:0007 01       <UNKNOWN>\n");
+}
+
+TEST(ObjectFile, AWriteThatFailsIsAnErrorAndAFileThatCannotBeOpenedIsNone) {
+  Session session;
+  TextStream whole;
+  bobCompileText(session.root(), "x = \\[1.5, \"text\"];", &whole);
+  for (size_t size = 0; size < whole.text.size(); ++size) {
+    std::string buffer(size, 0);
+    BobStringOutput output(buffer.data(), size);
+    EXPECT_FALSE(bobTry(session.interp, [&] { bobCompileText(session.root(), "x = \\[1.5, \"text\"];", &output); }));
+    EXPECT_EQ(session.answer(), "Error: Writing file\n");
+  }
+  TextStream nothing;
+  bobCompileText(session.root(), "// no statement", &nothing);
+  EXPECT_EQ(nothing.text, "");
+  const std::string path = testing::TempDir() + "/bob_unwritten";
+  EXPECT_EQ(session.eval("CompileFile(\"" + path + ".none\", \"" + path + "\");"), "--> nil\n");
+  std::ofstream(path + ".bob") << "a = 1;\nb = ;\n";
+  EXPECT_EQ(session.eval("CompileFile(\"" + path + ".bob\", \"no/such/folder/x\");"), "--> nil\n");
+  EXPECT_EQ(session.eval("CompileFile(\"" + path + ".bob\", \"" + path + "\");"),
+            "Error: Syntax error - Expecting a primary expression\n  in line 2\n\nHappened in <CompiledCode-#>\n");
 }
 
 TEST(ObjectFile, HeaderAndFileAreChecked) {

@@ -69,12 +69,25 @@ TEST(Scanner, SaysWhatIsWrongAndInWhichLine) {
       {"x catch;", "Expecting ';', found 'try'\n  in line 1"},
       {"x throw;", "Expecting ';', found 'finally'\n  in line 1"},
       {"x \x01", "Expecting ';', found '\x01'\n  in line 1"},
+      // A string may end with the input, and 0xFF is the same as that; an escape changes nothing about such bytes.
+      {"x = \"ab", "Expecting ';', found '<eof>'\n  in line 1"},
+      {"x = \"ab\xFF\";", "Expecting ';', found '<eof>'\n  in line 1"},
+      {"x = \"ab\\\xFF\";", "Expecting ';', found '<eof>'\n  in line 1"},
+      {"x = \"a\\\xFE\";", "end of file in literal string\n  in line 1"},
+      {"'", "Expecting a closing single quote\n  in line 1"},
+      {"08x;", "Expecting ';', found '<identifier>'\n  in line 1"},
   };
   for (const auto& [text, message] : cases) {
     Session session;
     EXPECT_FALSE(session.run(text));
     EXPECT_EQ(Session::plain(session.err.text), "Error: Syntax error - " + message + "\n\n") << text;
   }
+}
+
+TEST(Scanner, AZeroByteEndsTheSource) {
+  Session session;
+  EXPECT_TRUE(session.run(std::string_view("x = 1; \0 zork;", 14)));
+  EXPECT_EQ(session.eval("x;"), "--> 1\n");
 }
 
 TEST(Scanner, LinesOfAnyLengthCountOnce) {

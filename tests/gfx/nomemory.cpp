@@ -3,11 +3,11 @@
 #include <cstdlib>
 #include <new>
 
-bool NoMemory::now = false;
+size_t NoMemory::failsFrom = SIZE_MAX;
 
 // In a file of its own, so that no caller is compiled into it.
 void* operator new(size_t size) {
-  void* block = NoMemory::now ? nullptr : std::malloc(size ? size : 1);
+  void* block = size >= NoMemory::failsFrom ? nullptr : std::malloc(size ? size : 1);
   if (!block) throw std::bad_alloc();
   return block;
 }

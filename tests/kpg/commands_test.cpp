@@ -1,5 +1,6 @@
 // The program as its users call it: exit statuses, streams, and the rules of a shot.
 #include "kpgfixture.h"
+#include "support/blockfont.h"
 
 namespace {
 
@@ -32,6 +33,26 @@ TEST_F(CommandsTest, AShotWritesPictureAndLogAgainstTheFolderOfTheCall) {
   EXPECT_EQ(kpg("shot pages/p.kpg --log -"), 0);
   EXPECT_EQ(out, "Loading CLUT 'c.clut'\n");
   EXPECT_TRUE(std::filesystem::exists("p.png"));
+}
+
+TEST_F(CommandsTest, TellsWhatAFontHolds) {
+  std::vector<uint8_t> font = BlockFontFile();
+  WriteFile("blocks.ttf", font);
+  EXPECT_EQ(kpg("font blocks.ttf --out specimen.png"), 0) << err;
+  EXPECT_NE(out.find("glyphs: 4 for 3 characters\nunits an em: 1000, ascent 800, descent -200"), std::string::npos);
+  EXPECT_NE(out.find("platform 3 encoding 1 format 4"), std::string::npos);
+  EXPECT_TRUE(out.ends_with("opens: yes\n"));
+  EXPECT_EQ(text("specimen.png").substr(1, 3), "PNG");
+
+  font.resize(200);
+  WriteFile("cut.ttf", font);
+  EXPECT_EQ(kpg("font cut.ttf --out none.png"), 1);
+  EXPECT_TRUE(out.ends_with("opens: no\n"));
+  EXPECT_NE(err.find("cut.ttf: the player can't draw with it (error "), std::string::npos);
+  EXPECT_FALSE(std::filesystem::exists("none.png"));
+  writeText("words.txt", "no font");
+  EXPECT_EQ(kpg("font words.txt"), 1);
+  EXPECT_EQ(err, "words.txt: not a font\n");
 }
 
 TEST_F(CommandsTest, APageThatDoesNotLoadLeavesALogAndNoPicture) {

@@ -62,7 +62,8 @@ class RandomPages {
                                         "~",
                                         "\xC3\xA9",
                                         "!x",
-                                        "0x10"};
+                                        "0x10",
+                                        "a.bob"};
     PageValue v;
     v.tag = PageTag(1 + pick(depth > 0 ? 7 : 5));
     switch (v.tag) {
@@ -95,32 +96,9 @@ class RandomPages {
   std::mt19937 random;
 };
 
-// Lists that a reader looks for hold objects alone, or texts alone; a source can't say anything else there.
-bool sayable(const PageNode& node, bool root) {
-  for (const PageEntry& entry : node.attributes) {
-    for (const PageNode& inner : entry.value.object)
-      if (!sayable(inner, false)) return false;
-    for (const PageValue& item : entry.value.table) {
-      const bool objects = entry.name == "children" || (root && entry.name == "textStyles");
-      const bool texts = root && entry.name == "scripts";
-      if (objects ? item.object.empty() : texts && !item.object.empty()) return false;
-      for (const PageNode& inner : item.object)
-        if (!sayable(inner, false)) return false;
-    }
-  }
-  return true;
-}
-
 TEST_F(RoundTripTest, RandomPagesComeBackByteForByte) {
   RandomPages pages(20);
-  int tried = 0;
-  for (int i = 0; i < 400; ++i) {
-    const PageTree page = pages.page();
-    if (!sayable(page.root, true)) continue;
-    expectRoundTrip(page);
-    ++tried;
-  }
-  EXPECT_GT(tried, 150);
+  for (int i = 0; i < 400; ++i) expectRoundTrip(pages.page());
 }
 
 TEST_F(RoundTripTest, AnyPageCanBeRead) {

@@ -1,5 +1,7 @@
 #include "engine/display.h"
 
+#include "gfx/halt.h"
+#include "gfx/nomemory.h"
 #include "host/host.h"
 #include "support/pagefixture.h"
 
@@ -20,6 +22,19 @@ TEST_F(DisplayTest, DepthsOtherThanEightAndSixteenAreRefused) {
   EXPECT_NE(pixel(0, 0), kGreen);
   EXPECT_EQ(displaySetDepth(8), 1);
   EXPECT_EQ(standardColor(kColorTransparent), 237u);
+}
+
+TEST_F(DisplayTest, WithoutMemoryForItsPixelsTheScreenStopsAsItWas) {
+  ReturnOnHalt halt;
+  {
+    NoMemory none(300000);  // 8 bits take 345,600
+    EXPECT_EQ(displaySetDepth(8), 0);
+  }
+  EXPECT_EQ(halt.Reports(), std::vector<std::string>{""});
+  EXPECT_NE(log().find("Out of memory\n"), std::string::npos);
+  EXPECT_EQ(displayDepth(), 16);
+  displayFillRect({0, 0, 1, 1}, 0xEB808000);
+  EXPECT_NE(pixel(0, 0), kGreen);
 }
 
 TEST_F(DisplayTest, EdgesWrapAt16BitsAndEitherOrderFills) {

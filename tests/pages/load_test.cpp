@@ -143,6 +143,20 @@ TEST_F(LoadTest, PagesThatHoldThemselvesEnd) {
   EXPECT_EQ(log(), " -- 'line.kpg' not found\n");
 }
 
+// 32 pages in one another, each with its frame at the bottom of 150 groups: a key and a draw climb all the way.
+TEST_F(LoadTest, TheDeepestPagesAreLoadedDrawnAndDriven) {
+  std::string inner = "{name: nest, type: frame, src: deep.kpg}";
+  for (int depth = 150; depth > 0; --depth) inner = "{type: group, children: [" + inner + "]}";
+  build("deep.kpg", "page: {type: group, bgColor: 2, start: nest, children: [" + inner + "]}");
+  EXPECT_TRUE(loadFile("deep.kpg"));
+  EXPECT_EQ(log(), " -- 'deep.kpg' not found\n");
+  key("Backspace");
+  key("Up");
+  int frames = 1;
+  for (const Frame* frame = topFrame(); frame->focus; ++frames) frame = static_cast<Frame*>(frame->focus);
+  EXPECT_EQ(frames, 33);
+}
+
 TEST_F(LoadTest, AWidgetGoneInItsOwnEventClimbsNoFurther) {
   // The script of a direction key unloads the page; nothing of the frame's navigation runs behind it.
   scripts["go"] = [] { frameUnloadAndClear(topFrame()); };

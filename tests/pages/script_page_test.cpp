@@ -64,7 +64,9 @@ TEST_P(ScriptPageTest, ScopesNestAndAreEmptiedWhenThePageGoes) {
 TEST_P(ScriptPageTest, ScriptFilesAreObjectFiles) {
   writeText("tools.bob", "define twice(x) { return 2 * x; }\n");
   writeText("raw.bobo", "x = 1;");
-  ASSERT_TRUE(load("flags: 8bit\npage: {scripts: [tools.bob, raw.bobo, none.bobo], onLoad: 'v = twice(21);'}"));
+  build("page.kpg", "flags: 8bit\npage: {scripts: [tools.bob, raw.bobo, none.bobo], onLoad: 'v = twice(21);'}");
+  std::filesystem::rename("tools.bobo", "Tools.BOBO");  // names on the player have no case
+  ASSERT_TRUE(loadFile("page.kpg"));
   EXPECT_EQ(heard(),
             "Error: Not an object file - raw.bobo\nError loading 'raw.bobo'\n"
             "Error: File not found - none.bobo\nError loading 'none.bobo'\n");
@@ -162,6 +164,20 @@ TEST_P(ScriptHookTest, AHookMayLoadItsOwnPageOrNestIt) {
   EXPECT_TRUE(text.starts_with("Error: Stack overflow") || text.starts_with("Error: Insufficient memory")) << text;
   load(page("onLoad", "widgets.nest.LoadPage(\"page.kpg\");"));
   EXPECT_NE(heard().find(" -- 'page.kpg' not found\n"), std::string::npos);  // frames have a bound of their own
+}
+
+// Each event climbs from the bottom of 150 groups to a script that sends it down again, or loads the page anew.
+TEST_P(ScriptHookTest, EndlessEventsAndLoadsEnd) {
+  if (GetParam()) return;  // the depth of these takes its time
+  std::string inner = "{name: bottom}";
+  for (int depth = 150; depth > 0; --depth) inner = "{type: group, children: [" + inner + "]}";
+  for (const std::string again : {"widgets.bottom.HandleEvent(0x4030);", "topFrame.LoadPage(\"page.kpg\");"}) {
+    load("flags: 8bit\npage: {name: top, type: group, onUp: '" + again + "', children: [" + inner +
+         "], onLoad: 'widgets.top.OnEvent(0x4030, function (e) { " + again +
+         " }); widgets.bottom.HandleEvent(0x4030);'}");
+    say("frame.UnloadPage();");
+    EXPECT_EQ(say("1;"), "--> 1\n");
+  }
 }
 
 TEST_P(ScriptHookTest, EventsAndTimersMayTakeThePageToo) {

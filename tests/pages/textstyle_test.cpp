@@ -1,31 +1,17 @@
 // Styles of a page, down to pixels, with the font of blocks.
 #include <array>
 #include <cstring>
-#include <fstream>
 
+#include "blockspage.h"
 #include "engine/display.h"
 #include "engine/textstyle.h"
 #include "host/color.h"
-#include "support/pagefixture.h"
-#include "t2k/fontbuilder.h"
 
 namespace {
 
-class TextStyleTest : public PageTest {
+class TextStyleTest : public BlocksTest {
  protected:
-  // 1,000 units an em; a: 4 x 7 pixels at size 10, 1 from the pen, advance 6.
-  TextStyleTest() {
-    SfntBuilder font;
-    font.AddContours({RectContour(0, 0, 500, 500)}, 600);
-    font.characters[' '] = font.AddGlyph({}, 300, 0);
-    font.characters['a'] = font.AddContours({RectContour(100, 0, 500, 700)}, 600);
-    font.characters[0xE9] = font.AddContours({RectContour(100, 0, 200, 100)}, 200);
-    writeFile("blocks.ttf", font.Build());
-    writeFile("broken.ttf", {'n', 'o', ' ', 'f', 'o', 'n', 't'});
-  }
-  static void writeFile(const char* name, const std::vector<uint8_t>& bytes) {
-    std::ofstream(name, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), long(bytes.size()));
-  }
+  TextStyleTest() { WriteFile("broken.ttf", {'n', 'o', ' ', 'f', 'o', 'n', 't'}); }
   bool loadStyles(const std::string& styles) {
     return load("flags: 16bit\npage: {width: 720, height: 480, type: group, bgColor: 0x10808000, textStyles: [" +
                 styles + "]}");
@@ -42,18 +28,7 @@ class TextStyleTest : public PageTest {
   static void draw(const TextStyle& style, const std::string& text, int x, int top) {
     textDrawAt(style, text.data(), uint32_t(text.size()), x, top);
   }
-  // Columns and rows of the pixels that differ from the page's ground.
-  std::array<int, 4> inked() const {
-    std::array<int, 4> box = {720, 480, 0, 0};
-    for (int y = 0; y < 480; ++y)
-      for (int x = 0; x < 720; ++x)
-        if (pixel(x, y) != pixel(719, 479))
-          box = {std::min(box[0], x), std::min(box[1], y), std::max(box[2], x + 1), std::max(box[3], y + 1)};
-    return box;
-  }
 };
-
-constexpr std::array<int, 4> kNothing = {720, 480, 0, 0};
 
 TEST_F(TextStyleTest, AttributesAreReadInOrder) {
   ASSERT_TRUE(loadStyles(

@@ -352,14 +352,16 @@ FontContour RandomContour(std::mt19937& random, bool cubic, int reach, int grain
 }
 
 // Random shapes, many of them overlapping themselves. A coarse grain makes edges that touch, and so crossings that
-// share a place; a great reach makes lines with more crossings than their first room.
+// share a place; a great reach makes large bitmaps; many contours make lines with more crossings than their first room,
+// and very many ones with more than their second.
 TEST_F(ScanConverter, AgreesWithThePlainModelOnRandomShapes) {
   std::mt19937 random(20);
   for (int round = 0; round < 1500; ++round) {
     const bool cubic = random() % 3 == 0;
     const int grain = random() % 2 ? 1 : 48;
     const int reach = random() % 20 ? 700 : 12000;
-    std::vector<FontContour> contours(1 + random() % (round % 10 ? 3 : 12));
+    const unsigned most = round % 10 ? 3 : round % 100 ? 12 : 150;
+    std::vector<FontContour> contours(1 + random() % most);
     for (FontContour& contour : contours) contour = RandomContour(random, cubic, reach, grain);
     const int level = int(random() % 6);
     ASSERT_EQ(Draw(contours, level, cubic ? 3 : 2), PlainModel(contours, cubic ? 3 : 2, level).Draw()) << round;

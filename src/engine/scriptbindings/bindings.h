@@ -9,11 +9,11 @@
 
 #include "bob/bob.h"
 #include "engine/target.h"
+#include "engine/textstyle.h"
 #include "engine/timer.h"
 #include "engine/value.h"
 
 struct Frame;
-struct TextStyle;
 struct Widget;
 class StringTableFile;
 
@@ -43,6 +43,13 @@ struct ScriptTimer : Timer {
   uint32_t handle = 0;
 };
 
+// What a style's wrapper has.
+struct ScriptStyle {
+  TextStyle style;
+  uint32_t handle = 0;
+  std::list<ScriptStyle>::iterator place{};  // in the runtime's list
+};
+
 struct CollectorRoot {
   void (*copyRoots)(BobInterp*, void*);
   void* data;
@@ -55,6 +62,7 @@ struct ScriptRuntime {
   std::list<ScriptHandler*> handlers;                         // each newest first
   std::list<ScriptTimer*> timers;
   std::list<ScriptTarget*> targets;
+  std::list<ScriptStyle> styles;
   std::vector<std::unique_ptr<StringTableFile>> tables;
   std::vector<CollectorRoot> roots;
 };
@@ -93,8 +101,8 @@ void scriptDestroyTargets(ScriptRuntime& runtime);
 BobValue scriptWrapTarget(BobInterp* interp, uint32_t kind, EventTarget* target);
 BobValue scriptWrapWidget(BobInterp* interp, Widget* widget);
 BobValue scriptWrapEvent(BobInterp* interp, const Event& event);
-BobValue scriptWrapStyle(BobInterp* interp, const TextStyle* style);
-const TextStyle* scriptStyleOf(BobInterp* interp, BobValue value);  // null for what is no style
+BobValue scriptWrapStyle(BobInterp* interp, const TextStyle* style);  // around a copy
+const TextStyle* scriptStyleOf(BobInterp* interp, BobValue value);    // null for what is no style
 
 // What stands behind a wrapper's pointer, or behind a value; null for an inactive one. A script can give a Widget
 // wrapper a target that is no widget (`initialize` is inherited): such a wrapper is inactive as a widget.

@@ -1,4 +1,6 @@
 // The runtime's start and stop: one interpreter of the player's sizes, the classes, and the language "script".
+#include <utility>
+
 #include "engine/graveyard.h"
 #include "engine/language.h"
 #include "engine/scriptbindings/bindings.h"
@@ -28,8 +30,30 @@ ConsoleStream consoleStream;
 
 constexpr ScriptingLanguage kScript = {scriptAttach, scriptDetach, scriptLoadFile, scriptRun};
 
-FILE* openForReading(const char* path, const char* mode) {
-  return std::string_view(mode).find_first_of("wa+") == std::string_view::npos ? std::fopen(path, mode) : nullptr;
+// A file that the host has found, by the rules that hold for all files of a page.
+class HostStream : public BobStream {
+ public:
+  explicit HostStream(HostFile* opened) : file(opened) {}
+  ~HostStream() override { Close(); }
+  int Close() override {
+    if (HostFile* open = std::exchange(file, nullptr)) hostClose(open);
+    return 0;
+  }
+  int GetC() override {
+    uint8_t byte;
+    return file && hostRead(file, &byte, 1) == 1 ? byte : -1;
+  }
+
+ private:
+  HostFile* file;
+};
+
+// Files to be written have the very name that the script gives.
+std::unique_ptr<BobStream> openScriptFile(const char* path, const char* mode) {
+  if (std::string_view(mode).find_first_of("wa+") != std::string_view::npos)
+    return readOnlyFiles ? nullptr : bobOpenPlainFile(path, mode);
+  HostFile* file = hostOpen(path);
+  return file ? std::make_unique<HostStream>(file) : nullptr;
 }
 
 void collectorHook(BobInterp* interp, void*) {
@@ -56,7 +80,8 @@ bool start(ScriptRuntime& runtime) {
   bobRegisterGlobals(interp);
   interp->gcHook = collectorHook;
   interp->stdinStream = interp->stdoutStream = interp->stderrStream = &consoleStream;
-  if (readOnlyFiles) interp->openFile = openForReading;
+  interp->rest = [](BobInterp*) { hostBreathe(); };
+  interp->openFile = openScriptFile;
   makeKova(interp);
   return defineClasses(runtime);
 }

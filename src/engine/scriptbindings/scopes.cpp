@@ -28,6 +28,17 @@ BobValue widgetsObject(BobInterp* interp, const Frame* frame) {
   return object;
 }
 
+// Of two styles of one name, too.
+BobValue stylesObject(BobInterp* interp, const Frame* frame) {
+  const BobLocal object(interp, bobMakeObject(interp, interp->objectClass));
+  for (const TextStyleNode* node = frame->textStyles; node; node = node->next) {
+    const BobLocal wrapper(interp, scriptWrapStyle(interp, &node->style));
+    const BobValue name = bobIntern(interp, node->name ? node->name : "default");
+    bobSetProperty(interp, object, name, wrapper);
+  }
+  return object;
+}
+
 }  // namespace
 
 ScriptScope::~ScriptScope() {
@@ -51,7 +62,7 @@ int scriptAttach(Frame* frame) {
   BobInterp* interp = scope->interp;
   return bobTry(interp, [&] {
     const BobLocal widgets(interp, widgetsObject(interp, frame));
-    const BobLocal styles(interp, bobMakeObject(interp, interp->objectClass));
+    const BobLocal styles(interp, stylesObject(interp, frame));
     bobSetGlobal(scope, "widgets", widgets);
     bobSetGlobal(scope, "textStyles", styles);
   });

@@ -4,6 +4,7 @@
 
 #include "engine/core.h"
 #include "engine/scriptbindings/bindings.h"
+#include "engine/wholefile.h"
 #include "host/host.h"
 
 namespace {
@@ -68,14 +69,12 @@ std::unique_ptr<StringTableFile> StringTableFile::open(const char* name) {
     if (logVerbose) hostLog("Can't open '%s'\n", name);
     return nullptr;
   }
-  std::vector<uint8_t> bytes(hostFileSize(file));
-  const bool whole = hostRead(file, bytes.data(), bytes.size()) == bytes.size();
-  hostClose(file);
-  if (!whole) {
+  auto bytes = readWhole(file);
+  if (!bytes) {
     scriptComplain("Read failed\n");
     return nullptr;
   }
-  return std::make_unique<StringTableFile>(std::move(bytes));
+  return std::make_unique<StringTableFile>(std::move(*bytes));
 }
 
 uint32_t StringTableFile::bigEndian(size_t offset) const {

@@ -1,11 +1,122 @@
-// The class TextStyle. No widget draws text yet, so there is no style to wrap and the class has no members.
+// The class TextStyle.
+//
+// A wrapper has a copy of its style, so it outlives the page or widget that it comes from, and a change of either does
+// not show in the other.
+#include "engine/textstyle.h"
+
+#include <string>
+
+#include "engine/display.h"
+#include "engine/glyphwarming.h"
 #include "engine/scriptbindings/bindings.h"
+#include "engine/wholefile.h"
 
-BobValue scriptWrapStyle(BobInterp*, const TextStyle*) { return kBobNil; }
+namespace {
 
-const TextStyle* scriptStyleOf(BobInterp*, BobValue) { return nullptr; }
+constexpr char kUsualGlyphs[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
+
+void releaseStyle(BobInterp* interp, BobValue wrapper) {
+  auto* held = static_cast<ScriptStyle*>(bobNativePointer(interp, wrapper));
+  if (!held) return;
+  bobReleaseHandle(interp, held->handle);
+  scriptRuntime->styles.erase(held->place);
+}
+
+void holdStyle(BobInterp* interp, BobValue wrapper, const TextStyle& style) {
+  auto& styles = scriptRuntime->styles;
+  styles.push_front({style});
+  ScriptStyle& held = styles.front();
+  held.place = styles.begin();
+  held.handle = bobMakeHandle(interp, &held);
+  bobHandleOf(interp, wrapper) = held.handle;
+}
+
+bool findProperty(BobInterp* interp, const BobLocal& object, const char* name, BobValue* value) {
+  const BobValue key = bobIntern(interp, name);
+  return bobGetProperty(interp, object, key, value);
+}
+
+bool findInteger(BobInterp* interp, const BobLocal& object, const char* name, int32_t* out) {
+  BobValue value;
+  if (!findProperty(interp, object, name, &value) || !bobIsInteger(interp, value)) return false;
+  *out = bobIntegerValue(interp, value);
+  return true;
+}
+
+// Of the object's properties, which a getter may make up on the spot. False without a font that can be read or without
+// a size.
+bool readStyle(BobInterp* interp, const BobLocal& object, TextStyle* style) {
+  BobValue font;
+  if (!findProperty(interp, object, "font", &font)) return false;
+  if (!interp->isA(font, kBobString)) bobRaise(interp, kBobWrongType, font);
+  style->font = fontLoad(std::string(bobStringText(interp, font)).c_str());
+  int32_t number;
+  if (!style->font || !findInteger(interp, object, "size", &number)) return false;
+  style->size = uint16_t(number);
+  style->color = findInteger(interp, object, "color", &number) ? uint32_t(number) : standardColor(kColorWhite);
+  if (findInteger(interp, object, "bgColor", &number)) {
+    style->bgColor = uint32_t(number);
+    style->styleFlags |= kTextStyleBackground;
+  }
+  // Kept in the same word as the background's colour; pages that give both get this one.
+  if (findInteger(interp, object, "aliasCount", &number)) style->bgColor = uint32_t(number);
+  BobValue ignored;
+  if (findProperty(interp, object, "underline", &ignored)) style->styleFlags |= kTextStyleUnderline;
+  return true;
+}
+
+BobValue initialize(BobInterp* interp) {
+  BobValue self, given;
+  bobParse(interp, "V=*V", scriptRuntime->styleKind, &self, &given);
+  const BobLocal wrapper(interp, self), attributes(interp, given);
+  TextStyle style;
+  if (!readStyle(interp, attributes, &style)) return kBobNil;
+  releaseStyle(interp, wrapper);  // one that it had before
+  holdStyle(interp, wrapper, style);
+  return wrapper;
+}
+
+BobValue cacheGlyphs(BobInterp* interp) {
+  void* pointer;
+  const char* text = kUsualGlyphs;
+  bobParse(interp, "P=*|S", scriptRuntime->styleKind, &pointer, &text);
+  return bobBoolean(pointer && glyphWarmingRequest(static_cast<ScriptStyle*>(pointer)->style, text));
+}
+
+BobValue cacheGlyphsFromFile(BobInterp* interp) {
+  void* pointer;
+  const char* path;
+  bobParse(interp, "P=*S", scriptRuntime->styleKind, &pointer, &path);
+  HostFile* file = pointer ? hostOpen(path) : nullptr;
+  const auto bytes = file ? readWhole(file) : std::nullopt;
+  if (!bytes) return kBobFalse;
+  const std::string_view text(reinterpret_cast<const char*>(bytes->data()), bytes->size());
+  return bobBoolean(glyphWarmingRequest(static_cast<ScriptStyle*>(pointer)->style, text));
+}
+
+constexpr BobMethodRow kMethods[] = {
+    {"initialize", initialize},
+    {"CacheGlyphs", cacheGlyphs},
+    {"CacheGlyphsFromFile", cacheGlyphsFromFile},
+    {nullptr, nullptr},
+};
+
+}  // namespace
+
+BobValue scriptWrapStyle(BobInterp* interp, const TextStyle* style) {
+  const BobValue wrapper = bobMakeNative(interp, scriptRuntime->styleKind);
+  holdStyle(interp, wrapper, *style);
+  return wrapper;
+}
+
+const TextStyle* scriptStyleOf(BobInterp* interp, BobValue value) {
+  if (!bobIsOfKind(interp, value, scriptRuntime->styleKind)) return nullptr;
+  const auto* held = static_cast<const ScriptStyle*>(bobNativePointer(interp, value));
+  return held ? &held->style : nullptr;
+}
 
 bool scriptDefineTextStyle(ScriptRuntime& runtime) {
-  runtime.styleKind = bobMakeKind(runtime.interp, 0, "TextStyle", nullptr, nullptr);
+  runtime.styleKind = bobMakeKind(runtime.interp, 0, "TextStyle", kMethods, nullptr);
+  if (runtime.styleKind) bobSetFinalizer(runtime.interp, runtime.styleKind, releaseStyle);
   return runtime.styleKind != 0;
 }

@@ -82,7 +82,8 @@ void setStyle(BobInterp* interp, BobValue self, BobValue value) {
   if (!widget) return;
   const TextStyle* style = scriptStyleOf(interp, value);
   if (!style) return scriptComplain("Expecting a style value\n");
-  eventSendSimple(widget, kCode, 0, style);
+  const TextStyle kept = *style;  // what the event runs can drop the wrapper
+  eventSendSimple(widget, kCode, 0, &kept);
 }
 
 // ---- background and highlight

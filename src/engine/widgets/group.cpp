@@ -1,6 +1,7 @@
 #include "engine/widgets/group.h"
 
 #include "engine/frame.h"
+#include "engine/graveyard.h"
 #include "engine/widgettypes.h"
 
 namespace {
@@ -12,7 +13,7 @@ bool createChildren(Frame* frame, Widget* group, const PageTable& children) {
   const uint32_t generation = frame->generation;
   for (uint32_t i = 0; i < children.count(); ++i) {
     const PageObject record = children.object(i);
-    if (!record || group->depth >= kMaxDepth) continue;
+    if (!record || group->depth >= kMaxDepth || engineStackSpent()) continue;
     Widget* child = widgetFromRecord(frame, group, record);
     if (!child) return false;
     if (frame->gone || frame->generation != generation) {

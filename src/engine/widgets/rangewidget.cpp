@@ -61,7 +61,6 @@ void rangeReadAttributes(RangeWidget* widget) {
   widgetAttrInt(widget, "max", &widget->maximum);
   widget->value = widget->minimum;
   widgetAttrInt(widget, "value", &widget->value);
-  widgetReadNavigate(widget);
 }
 
 int rangeEvent(RangeWidget* widget, const Event& event) {

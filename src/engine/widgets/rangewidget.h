@@ -12,7 +12,7 @@ struct RangeWidget : Widget {
   int32_t value = 1;  // setting the range leaves it alone, so it can lie outside
 };
 
-// Reads min, max, value (min where it is absent), navigate and immediate.
+// Reads min, max and value, which is min where it is absent.
 void rangeReadAttributes(RangeWidget* widget);
 
 // Answers the direction keys and the value and range events; all else goes to widgetBaseEvent.

@@ -56,5 +56,6 @@ Widget* sliderCreate(Frame* frame, Widget* parent, PageObject record) {
   widget->restColor = standardColor(kColorBlack);
   widgetAttrColor(widget, "fgColor", &widget->fillColor);
   widgetAttrColor(widget, "bgColor", &widget->restColor);
+  widgetReadNavigate(widget);
   return widget;
 }

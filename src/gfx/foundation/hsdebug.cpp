@@ -1,5 +1,6 @@
 #include "gfx/foundation/hsdebug.h"
 
+#include <cstdarg>
 #include <cstdio>
 
 namespace {
@@ -25,12 +26,24 @@ hsHaltProc hsSetHaltProc(hsHaltProc proc) {
   return before;
 }
 
+void hsPrintStatus(const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  std::vprintf(format, arguments);
+  va_end(arguments);
+  std::fflush(stdout);
+}
+
 const char* hsReportText() { return gReport; }
+
+void hsHalt() {
+  gReport[0] = '\0';
+  gHaltProc();
+}
 
 void hsStatusMessage(const char* message, int32_t value) {
   std::snprintf(gReport, sizeof gReport, "%s: %ld", message, long{value});
-  std::printf("%s\n", gReport);
-  std::fflush(stdout);
+  hsPrintStatus("%s\n", gReport);
 }
 
 void hsDebugMessage(const char* message, int32_t value) {

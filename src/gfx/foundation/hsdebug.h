@@ -14,8 +14,14 @@ using hsHaltProc = void (*)();
 // Sets the halt function, nullptr for the standing one, and gives the one before.
 hsHaltProc hsSetHaltProc(hsHaltProc proc);
 
+// Prints on standard output and flushes it. All that the system itself says there goes through here.
+[[gnu::format(printf, 1, 2)]] void hsPrintStatus(const char* format, ...);
+
 // The text of the latest report, for a halt function that shows it elsewhere too; "" before the first.
 const char* hsReportText();
+
+// Halts without a report of its own, for what has been told elsewhere; hsReportText is "" then.
+void hsHalt();
 
 // Prints "message: value" as a line on standard output, flushes it and halts.
 void hsDebugMessage(const char* message, int32_t value);

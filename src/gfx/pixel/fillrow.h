@@ -3,11 +3,23 @@
 
 #include "gfx/pixel/wide16.h"
 
-inline void hsFillRow16(uint16_t* row, int32_t count, uint16_t value) {
-  if (count < kWide16) {
-    for (; count > 0; --count) *row++ = value;
-    return;
+// Fewer than eight: two words that may lie over each other.
+inline void hsFillFew16(uint16_t* row, int32_t count, uint16_t value) {
+  if (count >= 4) {
+    const uint64_t four = value * uint64_t{0x0001000100010001};
+    std::memcpy(row, &four, sizeof four);
+    std::memcpy(row + count - 4, &four, sizeof four);
+  } else if (count >= 2) {
+    const uint32_t two = value * uint32_t{0x00010001};
+    std::memcpy(row, &two, sizeof two);
+    std::memcpy(row + count - 2, &two, sizeof two);
+  } else if (count == 1) {
+    *row = value;
   }
+}
+
+inline void hsFillRow16(uint16_t* row, int32_t count, uint16_t value) {
+  if (count < kWide16) return hsFillFew16(row, count, value);
   const hsWide16 wide = hsWide16{} + value;
   uint16_t* const last = row + count - kWide16;
   hsStoreWide16(row, wide);

@@ -46,7 +46,7 @@ class hsGBitmap {
     return reinterpret_cast<Pixel*>(static_cast<uint8_t*>(fImage) + int64_t{y} * fRowBytes);
   }
 
-  uint32_t ImageSize() const { return fHeight * fRowBytes; }  // bytes
+  uint64_t ImageSize() const { return uint64_t{fHeight} * fRowBytes; }  // bytes
 
   // Whether the descriptions agree. Pixels and colour tables are not looked at, and bitmaps without a transparent index
   // never count as equal.

@@ -1,5 +1,6 @@
 #include "gfx/pixel/hsgblitter16.h"
 
+#include <algorithm>
 #include <array>
 
 #include "gfx/foundation/hsdebug.h"
@@ -17,6 +18,33 @@ uint16_t PixelOf(const hsGColor& c) { return hsPack16(c.fR >> 10, c.fG >> 11, c.
 uint16_t LerpPixel(uint32_t r6, uint32_t g5, uint32_t b5, uint32_t d, uint32_t scale) {
   return hsPack16(Lerp(r6, hsRed6(d), scale), Lerp(g5, hsGreen5(d), scale), Lerp(b5, hsBlue5(d), scale));
 }
+
+// A colour that eight pixels at a time go toward, each channel in 16 bits: a product is at most 63 * 256. Red is taken
+// at five bits and doubled, so it loses its low bit here, though not under bit masks.
+struct WideColor {
+  explicit WideColor(const hsGColor& c)
+      : r6(hsWide16{} + uint16_t((c.fR >> 11) * 2u)),
+        g5(hsWide16{} + uint16_t(c.fG >> 11)),
+        b5(hsWide16{} + uint16_t(c.fB >> 11)),
+        alphaScale(hsWide16{} + uint16_t((c.fA >> 8) + 1u)) {}
+
+  static hsWide16 LerpWide(hsWide16 src, hsWide16 dst, hsWide16 scale) {
+    using Signed = int16_t __attribute__((vector_size(16)));
+    return dst + hsWide16(Signed((src - dst) * scale) >> 8);
+  }
+  // Scales 0 to 256.
+  void Blend(uint16_t* pixels, hsWide16 scale) const {
+    const hsWide16 d = hsLoadWide16(pixels);
+    hsStoreWide16(pixels, LerpWide(r6, d >> 10, scale) << 10 | LerpWide(g5, d >> 5 & 31, scale) << 5 |
+                              LerpWide(b5, d & 31, scale));
+  }
+  void BlendCovered(uint16_t* pixels, hsWide8 coverage) const {
+    const hsWide16 v = __builtin_convertvector(coverage, hsWide16) * alphaScale >> 8;
+    Blend(pixels, v - hsWide16(v != 0));  // one more, but for none
+  }
+
+  hsWide16 r6, g5, b5, alphaScale;
+};
 
 // What is left of a 5-bit channel (in bits 9-5 of the index) under a coverage of 0 to 31.
 const std::array<uint8_t, 1024>& DarkenTable() {
@@ -55,7 +83,15 @@ const hsGBitmap* hsGColorBlitter16Opaque::GetDirectTarget(uint32_t* value) {
 
 void hsGColorBlitter16Opaque::BlitMask(const hsGMask& mask, const hsRegion* clip) {
   if (!hsAssert(mask.fMaskType == kMask_Bit, "bad masktype")) return;
-  hsWalkBits(mask, clip, [this](int32_t y, int32_t x) { *Pixels<uint16_t>(y, x) = fPixel; });
+  const hsWide16 color = hsWide16{} + fPixel;
+  hsWalkBitsWide(
+      mask, clip, fDevice.fWidth,
+      [&](int32_t y, int32_t x, uint8_t bits) {
+        uint16_t* pixels = Pixels<uint16_t>(y, x);
+        const hsWide16 set = hsWideBits(bits);
+        hsStoreWide16(pixels, (hsLoadWide16(pixels) & ~set) | (color & set));
+      },
+      [this](int32_t y, int32_t x) { *Pixels<uint16_t>(y, x) = fPixel; });
 }
 
 bool hsGColorBlitter16Opaque::Reuse(const hsGBitmap& bitmap, const hsGAttribute& attr, int32_t maskType) {
@@ -71,24 +107,18 @@ bool hsGColorBlitter16Opaque::Reuse(const hsGBitmap& bitmap, const hsGAttribute&
 hsGColorBlitter16::hsGColorBlitter16(const hsGBitmap& device, const hsGColor& color)
     : hsGDeviceBlitter(device), fColor(color) {}
 
-// Eight pixels at a time, each channel in 16 bits: a product is at most 63 * 256. Red is taken at five bits and
-// doubled, so it loses its low bit here, though not under bit masks.
 void hsGColorBlitter16::BlendSpan(uint16_t* pixels, int32_t width) const {
+  const WideColor wide(fColor);
+  for (; width >= kWide16; width -= kWide16, pixels += kWide16) wide.Blend(pixels, wide.alphaScale);
   const uint32_t scale = (fColor.fA >> 8) + 1u;
-  const uint32_t r6 = (fColor.fR >> 11) * 2u, g5 = fColor.fG >> 11, b5 = fColor.fB >> 11;
-  const auto lerp = [scale](uint32_t src, hsWide16 dst) {
-    using Signed = int16_t __attribute__((vector_size(16)));
-    const hsWide16 change = uint16_t(src * scale) - dst * uint16_t(scale);
-    return dst + hsWide16(Signed(change) >> 8);
-  };
-  for (; width >= kWide16; width -= kWide16, pixels += kWide16) {
-    const hsWide16 d = hsLoadWide16(pixels);
-    hsStoreWide16(pixels, lerp(r6, d >> 10) << 10 | lerp(g5, d >> 5 & 31) << 5 | lerp(b5, d & 31));
-  }
-  for (; width > 0; --width, ++pixels) *pixels = LerpPixel(r6, g5, b5, *pixels, scale);
+  const uint32_t r5 = fColor.fR >> 11, g5 = fColor.fG >> 11, b5 = fColor.fB >> 11;
+  for (; width > 0; --width, ++pixels) *pixels = LerpPixel(r5 * 2, g5, b5, *pixels, scale);
 }
 
 void hsGColorBlitter16::BlendCovered(uint16_t* pixels, int32_t width, const uint8_t* coverage) const {
+  const WideColor wide(fColor);
+  for (; width >= kWide16; width -= kWide16, pixels += kWide16, coverage += kWide16)
+    wide.BlendCovered(pixels, hsLoadWide8(coverage));
   const uint32_t scale = (fColor.fA >> 8) + 1u;
   const uint32_t r5 = fColor.fR >> 11, g5 = fColor.fG >> 11, b5 = fColor.fB >> 11;
   for (int32_t i = 0; i < width; ++i) {
@@ -114,13 +144,30 @@ void hsGColorBlitter16::BlitRect(int32_t y, int32_t x, int32_t width, int32_t he
 
 void hsGColorBlitter16::BlitMask(const hsGMask& mask, const hsRegion* clip) {
   if (!hsAssert(mask.fMaskType <= kMask_Alpha, "bad masktype")) return;
-  if (mask.fMaskType == kMask_Alpha) return hsGBlitter::BlitMask(mask, clip);
+  if (mask.fMaskType == kMask_Alpha) return BlitCoverage(mask, clip);
   if (!hsAssert(!clip || clip->Bounds().Intersects(mask.fBounds), "mask doesn't intersect clip")) return;
   const uint32_t scale = (fColor.fA >> 8) + 1u;
   const uint32_t r6 = fColor.fR >> 10, g5 = fColor.fG >> 11, b5 = fColor.fB >> 11;
   hsWalkBits(mask, clip, [=, this](int32_t y, int32_t x) {
     uint16_t* pixel = Pixels<uint16_t>(y, x);
     *pixel = LerpPixel(r6, g5, b5, *pixel, scale);
+  });
+}
+
+// Glyphs are narrow: a row is mostly one or two times eight pixels, of which the last are not the glyph's own. They are
+// written as they are.
+void hsGColorBlitter16::BlitCoverage(const hsGMask& mask, const hsRegion* clip) const {
+  const WideColor wide(fColor);
+  const uint8_t* const end = mask.fImage + mask.PlaneSize();
+  hsWalkMaskSpans(mask.fBounds, clip, [&](int32_t y, int32_t x, int32_t width) {
+    const uint8_t* coverage = mask.Row(y) + (x - mask.fBounds.fLeft);
+    uint16_t* pixels = Pixels<uint16_t>(y, x);
+    const int32_t wideWidth = (width + 7) & ~7;
+    if (x + wideWidth > int32_t(fDevice.fWidth) || wideWidth > end - coverage)
+      return BlendCovered(pixels, width, coverage);
+    for (; width >= kWide16; width -= kWide16, pixels += kWide16, coverage += kWide16)
+      wide.BlendCovered(pixels, hsLoadWide8(coverage));
+    if (width > 0) wide.BlendCovered(pixels, hsFirstOfWide8(hsLoadWide8(coverage), width));
   });
 }
 

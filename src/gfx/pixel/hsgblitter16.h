@@ -32,6 +32,7 @@ class hsGColorBlitter16 : public hsGDeviceBlitter {
  private:
   void BlendSpan(uint16_t* pixels, int32_t width) const;
   void BlendCovered(uint16_t* pixels, int32_t width, const uint8_t* coverage) const;
+  void BlitCoverage(const hsGMask& mask, const hsRegion* clip) const;
 
   hsGColor fColor;  // not premultiplied
 };

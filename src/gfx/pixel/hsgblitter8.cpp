@@ -7,6 +7,7 @@
 #include "gfx/pixel/lcdmask.h"
 #include "gfx/pixel/lerp.h"
 #include "gfx/pixel/maskwalk.h"
+#include "gfx/pixel/wide16.h"
 
 hsGColor hsPaletteColor(const hsGBitmap& device, const hsGAttribute& attr) {
   const int32_t index = attr.ColorIndex();
@@ -37,13 +38,22 @@ const hsGBitmap* hsGIndexBlitter::GetDirectTarget(uint32_t* value) {
 
 void hsGIndexBlitter::BlitMask(const hsGMask& mask, const hsRegion* clip) {
   if (!hsAssert(mask.fMaskType == kMask_Bit, "bad masktype")) return;
-  hsWalkBits(mask, clip, [this](int32_t y, int32_t x) { *Pixels<uint8_t>(y, x) = fIndex; });
+  const hsWide8 index = hsWide8{} + fIndex;
+  hsWalkBitsWide(
+      mask, clip, fDevice.fWidth,
+      [&](int32_t y, int32_t x, uint8_t bits) {
+        uint8_t* pixels = Pixels<uint8_t>(y, x);
+        const hsWide8 set = hsWide8Bits(bits);
+        hsStoreWide8(pixels, (hsLoadWide8(pixels) & ~set) | (index & set));
+      },
+      [this](int32_t y, int32_t x) { *Pixels<uint8_t>(y, x) = fIndex; });
 }
 
 bool hsGIndexBlitter::Reuse(const hsGBitmap& bitmap, const hsGAttribute& attr, int32_t maskType) {
   const int32_t index = attr.ColorIndex();
   const bool solid = index >= 0 || attr.Color().fA == 0xFFFF;
-  if (bitmap.fConfig != hsGBitmap::kConfig_Index8 || !bitmap.fColorTable || !solid || !hsIsPlainPaint(attr) || maskType != kMask_Bit)
+  if (bitmap.fConfig != hsGBitmap::kConfig_Index8 || !bitmap.fColorTable || !solid || !hsIsPlainPaint(attr) ||
+      maskType != kMask_Bit)
     return false;
   fDevice = bitmap;
   fIndex = index >= 0 ? uint8_t(index) : bitmap.fColorTable->ColorToIndex(attr.Color());
@@ -142,7 +152,8 @@ void hsGColorBlitter8::BlitLCDMask(const hsGMask& mask, const hsRegion* clip, in
 
 bool hsGColorBlitter8::Reuse(const hsGBitmap& bitmap, const hsGAttribute& attr, int32_t maskType) {
   if (bitmap.fConfig != hsGBitmap::kConfig_Index8 || !bitmap.fColorTable || !hsIsPlainPaint(attr) ||
-      maskType == kMask_3D) return false;
+      maskType == kMask_3D)
+    return false;
   const bool solid = attr.ColorIndex() >= 0 || attr.Color().fA >> 8 == 0xFF;
   if (solid && maskType == kMask_Bit) return false;
   fDevice = bitmap;

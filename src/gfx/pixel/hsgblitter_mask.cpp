@@ -1,11 +1,12 @@
 // What every blitter does with a mask unless it knows better.
+#include "gfx/foundation/hsdebug.h"
 #include "gfx/pixel/hsgmask.h"
 #include "gfx/pixel/maskwalk.h"
 #include "gfx/vector/hsgblitter.h"
 
 namespace {
 
-// A view of one coverage byte for each bit, rows of whole eights.
+// One coverage byte for each bit, rows of whole eights.
 hsGMask Expanded(const hsGMask& bits) {
   hsGMask bytes;
   bytes.fBounds = bits.fBounds;
@@ -21,12 +22,15 @@ hsGMask Expanded(const hsGMask& bits) {
 }  // namespace
 
 void hsGBlitter::BlitMask(const hsGMask& mask, const hsRegion* clip) {
-  if (mask.fMaskType == kMask_Bit) return BlitMask(Expanded(mask), clip);
+  if (mask.fMaskType == kMask_Bit) {
+    if (mask.fBounds.Width() <= hsGMask::kMaxWidth) BlitMask(Expanded(mask), clip);
+    return;
+  }
+  const hsGCoverageScope covered(this);
   hsWalkMaskSpans(mask.fBounds, clip, [&](int32_t y, int32_t x, int32_t width) {
     fAlpha = mask.Row(y) + (x - mask.fBounds.fLeft);
     BlitH(y, x, width);
   });
-  fAlpha = nullptr;
 }
 
 void hsGBlitter::BlitLCDMask(const hsGMask& mask, const hsRegion* clip, int32_t lcdOffset) {

@@ -19,15 +19,21 @@ void hsGCursor::SetPosition(const hsGBitmap& target, int32_t x, int32_t y) {
 }
 
 hsIntRect hsGCursor::Bounds() const {
-  const int32_t left = fPosX - fHotX, top = fPosY - fHotY;
-  return {left, top, left + int32_t(fImage.fWidth), top + int32_t(fImage.fHeight)};
+  const int32_t left = hsWrapSub(fPosX, fHotX), top = hsWrapSub(fPosY, fHotY);
+  return {left, top, hsWrapAdd(left, int32_t(fImage.fWidth)), hsWrapAdd(top, int32_t(fImage.fHeight))};
+}
+
+bool hsGCursor::Touches(const hsIntRect& rect) const {
+  return rect.Intersects(Bounds()) || (fBackground.fImage && rect.Intersects(fSavedRect));
 }
 
 void hsGCursor::Draw(const hsGBitmap& target) {
+  fBackground.fImage = nullptr;
   hsIntRect rect = Bounds();
-  if (!rect.Intersect(0, 0, int32_t(target.fWidth), int32_t(target.fHeight))) return;
+  if (!target.fImage || !rect.Intersect(0, 0, int32_t(target.fWidth), int32_t(target.fHeight))) return;
   const size_t bytes = size_t(rect.Width()) * (target.fPixelSize / 8);
   fBackgroundPixels.resize(bytes * size_t(rect.Height()));
+  fSavedRect = rect;
   fBackground = target;
   fBackground.fImage = fBackgroundPixels.data();
   fBackground.fRowBytes = uint32_t(bytes);
@@ -36,15 +42,22 @@ void hsGCursor::Draw(const hsGBitmap& target) {
   for (int32_t y = 0; y < rect.Height(); ++y)
     std::memcpy(fBackground.Row<uint8_t>(y), target.Row<uint8_t>(rect.fTop + y) + rect.fLeft * (target.fPixelSize / 8),
                 bytes);
-  hsGRawDraw::DrawSprite(target, fImage, Bounds().fLeft, Bounds().fTop, nullptr, nullptr, nullptr);
+  try {
+    hsGRawDraw::DrawSprite(target, fImage, Bounds().fLeft, Bounds().fTop, nullptr, nullptr, nullptr);
+  } catch (const hsException&) {
+    // It has been reported, and whoever draws below the cursor must not hear of it.
+  }
 }
 
 void hsGCursor::RestoreBackground(const hsGBitmap& target) {
-  hsIntRect rect = Bounds();
-  if (!fBackground.fImage || !rect.Intersect(0, 0, int32_t(target.fWidth), int32_t(target.fHeight))) return;
-  for (int32_t y = 0; y < rect.Height(); ++y)
-    std::memcpy(target.Row<uint8_t>(rect.fTop + y) + rect.fLeft * (target.fPixelSize / 8), fBackground.Row<uint8_t>(y),
-                fBackground.fRowBytes);
+  if (!fBackground.fImage) return;
+  const hsGBitmap& kept = fBackground;
+  const bool fits = target.fImage && target.fPixelSize == kept.fPixelSize &&
+                    uint32_t(fSavedRect.fRight) <= target.fWidth && uint32_t(fSavedRect.fBottom) <= target.fHeight;
+  for (int32_t y = 0; fits && y < fSavedRect.Height(); ++y)
+    std::memcpy(target.Row<uint8_t>(fSavedRect.fTop + y) + fSavedRect.fLeft * (target.fPixelSize / 8),
+                kept.Row<uint8_t>(y), kept.fRowBytes);
+  fBackground.fImage = nullptr;
 }
 
 hsGCursorHider::hsGCursorHider(hsGCursor* cursor, const hsGBitmap& target, hsGBounder** bounder)
@@ -59,7 +72,7 @@ hsGCursorHider::~hsGCursorHider() {
 }
 
 bool hsGCursorHider::BoundRect(const hsIntRect& rect, const hsRegion* clip) {
-  if (!fHidden && rect.Intersects(fCursor->Bounds())) {
+  if (!fHidden && fCursor->Touches(rect)) {
     fCursor->RestoreBackground(fTarget);
     fHidden = true;
   }

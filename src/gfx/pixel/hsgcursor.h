@@ -19,13 +19,18 @@ class hsGCursor : public hsRefCnt {
   bool IsVisible() const { return fShowCount > 0 && fImage.fImage; }
 
   hsIntRect Bounds() const;  // device pixels
+  // Whether a draw in rect would meet it, where it stands or where it was drawn last.
+  bool Touches(const hsIntRect& rect) const;
+  // Keeps what lies behind it and draws it. An image that doesn't fit the target is reported and isn't seen.
   void Draw(const hsGBitmap& target);
+  // Puts back what was kept, once, into the rectangle that it was taken from.
   void RestoreBackground(const hsGBitmap& target);
 
  private:
   hsGBitmap fImage;
   int32_t fPosX = 0, fPosY = 0, fHotX = 0, fHotY = 0;  // pixels
-  hsGBitmap fBackground;
+  hsGBitmap fBackground;                               // of the target's config; nil image when nothing is kept
+  hsIntRect fSavedRect{0, 0, 0, 0};                    // where fBackground lies, device pixels
   std::vector<uint8_t> fBackgroundPixels;
   int32_t fShowCount = 0;
 };

@@ -14,11 +14,14 @@ enum hsMaskType : uint16_t {
 };
 
 struct hsGMask {
-  // Bytes of a row of that many pixels.
+  // Pixels to a row, and a multiple of eight: what row bytes of 16 bits hold of one byte each.
+  static constexpr int32_t kMaxWidth = 0xFFF8;
+
+  // Bytes of a row of that many pixels, up to kMaxWidth of one byte each.
   static uint16_t RowBytes(uint16_t maskType, int32_t width);
 
-  uint32_t PlaneSize() const { return uint32_t(fBounds.Height()) * fRowBytes; }  // bytes
-  uint32_t ImageSize() const { return fMaskType == kMask_3D ? 3 * PlaneSize() : PlaneSize(); }
+  size_t PlaneSize() const { return size_t(fBounds.Height()) * fRowBytes; }  // bytes
+  size_t ImageSize() const { return fMaskType == kMask_3D ? 3 * PlaneSize() : PlaneSize(); }
 
   // An image of zeros for the bounds, type and row bytes as they stand; "allocating over existing image".
   void AllocImage();

@@ -34,7 +34,7 @@ void hsGMaskFilter::DrawPath(const hsGRawDraw& raw, const hsPath& path, const hs
   hsGMask mask;
   path.ComputeBounds(&bounds, false);
   bounds.RoundOut(&mask.fBounds);
-  if (!mask.fBounds.Intersect(clip->Bounds())) return;
+  if (!mask.fBounds.Intersect(clip->Bounds()) || mask.fBounds.Width() > hsGMask::kMaxWidth) return;
   mask.fMaskType = kMask_Alpha;
   mask.fRowBytes = hsGMask::RowBytes(kMask_Alpha, mask.fBounds.Width());
   mask.AllocImage();
@@ -47,6 +47,7 @@ void hsGMaskFilter::DrawPath(const hsGRawDraw& raw, const hsPath& path, const hs
 
   hsGMask filtered;
   const hsGMask& result = filter->FilterMask(mask, matrix, &filtered) ? filtered : mask;
-  const hsGBlitterRef blitter(raw.fAttr->GetBlitter(*raw.fBitmap, result.fMaskType, matrix));
+  if (!result.fImage || !clip->Bounds().Intersects(result.fBounds)) return;
+  const hsGBlitterRef blitter(raw.GetBlitter(result.fMaskType));
   blitter->BlitMask(result, clip);
 }

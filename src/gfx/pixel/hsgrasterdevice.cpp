@@ -1,5 +1,6 @@
 #include "gfx/pixel/hsgrasterdevice.h"
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 
@@ -34,6 +35,18 @@ class LayerScope {
   hsGAttribute* fAttr;
   hsGXferMode* fMode = nullptr;
 };
+
+uint32_t CheckedSize(uint64_t size) {
+  hsThrowIfBadParam(size > uint32_t{INT32_MAX});
+  return uint32_t(size);
+}
+
+// Of pixels that the device will allocate. Rows of 24-bit pixels may be short: nothing draws on them.
+void CheckSizes(const hsGBitmap& bitmap) {
+  const uint64_t needed = bitmap.fPixelSize == 24 ? 0 : uint64_t{bitmap.fWidth} * (bitmap.fPixelSize / 8);
+  hsThrowIfBadParam(bitmap.fRowBytes < needed);
+  CheckedSize(bitmap.ImageSize());
+}
 
 // 16.16 to the pixel that a translation by it lands on.
 int32_t Placed(hsScalar v) { return hsFixedRound(v); }
@@ -113,38 +126,40 @@ void hsGRasterDevice::FreePixels() {
 }
 
 void hsGRasterDevice::SetBitmap(const hsGBitmap* bitmap) {
+  if (bitmap && !bitmap->fImage) CheckSizes(*bitmap);
   FreePixels();
   if (!bitmap) return;
   if (bitmap->fWidth != fOwnBitmap.fWidth || bitmap->fHeight != fOwnBitmap.fHeight) fClipDirty = true;
   fOwnBitmap = *bitmap;
   if (fOwnBitmap.fImage) return;
   fOwnBitmap.fImage = hsMemory::New(int32_t(fOwnBitmap.ImageSize()));
-  std::memset(fOwnBitmap.fImage, 0, fOwnBitmap.ImageSize());
+  std::memset(fOwnBitmap.fImage, 0, size_t(fOwnBitmap.ImageSize()));
   fOwnsPixels = true;
 }
 
 void hsGRasterDevice::SetBounds(const hsIntRect* rect, uint8_t config) {
   if (!hsAssert(rect, "nil bounds")) return;
   hsGBitmap bitmap(config);
-  bitmap.fWidth = uint32_t(rect->Width());
-  bitmap.fHeight = uint32_t(rect->Height());
-  bitmap.fRowBytes = (bitmap.fPixelSize * bitmap.fWidth + 31) >> 5 << 2;
+  bitmap.fWidth = CheckedSize(uint64_t(std::max<int64_t>(int64_t{rect->fRight} - rect->fLeft, 0)));
+  bitmap.fHeight = CheckedSize(uint64_t(std::max<int64_t>(int64_t{rect->fBottom} - rect->fTop, 0)));
+  bitmap.fRowBytes = CheckedSize((uint64_t{bitmap.fPixelSize} * bitmap.fWidth + 31) >> 5 << 2);
   if (config == hsGBitmap::kConfig_Index8) {
     auto* table = new hsGColorTable;
     table->SetDefaultCube();
     bitmap.SetColorTable(table);
     table->UnRef();
   }
+  CheckSizes(bitmap);
   SetOrigin(rect->fLeft, rect->fTop);
   SetBitmap(&bitmap);
 }
 
 void hsGRasterDevice::SetSize(uint32_t width, uint32_t height, uint8_t config, hsGColorTable* colorTable) {
   hsGBitmap bitmap(config);
-  bitmap.fWidth = width;
-  bitmap.fHeight = height;
+  bitmap.fWidth = CheckedSize(width);
+  bitmap.fHeight = CheckedSize(height);
   // Of 24-bit pixels this counts two bytes, where SetBounds counts three.
-  bitmap.fRowBytes = ((width << (bitmap.fPixelSize >> 4)) + 3) & ~3u;
+  bitmap.fRowBytes = CheckedSize(((uint64_t{width} << (bitmap.fPixelSize >> 4)) + 3) & ~uint64_t{3});
   if (config == hsGBitmap::kConfig_Index8) bitmap.SetColorTable(colorTable);
   SetBitmap(&bitmap);
 }
@@ -260,11 +275,13 @@ void hsGRasterDevice::CopyBitmap(const hsGBitmap* bitmap, hsScalar x, hsScalar y
 
 void hsGRasterDevice::EraseColor(const hsGColor& color) {
   const hsGCursorHider hider(fCursor, *fDraw.fBitmap, &fDraw.fBounder);
+  fDraw.fAttr = &fPlainPaint;
   fDraw.Erase(color);
 }
 
 void hsGRasterDevice::ScrollRect(const hsIntRect& rect, int32_t dx, int32_t dy, hsRegion* outDirty) {
   const hsGCursorHider hider(fCursor, *fDraw.fBitmap, &fDraw.fBounder);
   Update();
+  fDraw.fAttr = &fPlainPaint;
   fDraw.Scroll(rect, dx, dy, outDirty);
 }

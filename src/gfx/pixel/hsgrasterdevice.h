@@ -26,11 +26,13 @@ class hsGRasterDevice : public hsGDevice {
 
   virtual void SetBounder(hsGBounder* bounder);
   virtual void SetOrigin(int32_t x, int32_t y);
-  // The target; nil for none. Pixels are allocated, as zeros, where the bitmap has none.
+  // The target; nil for none. Pixels are allocated, as zeros, where the bitmap has none; more than 2 GB of them, or
+  // rows that don't hold their pixels, fail "bad param" and change nothing.
   virtual void SetBitmap(const hsGBitmap* bitmap);
   virtual void EraseColor(const hsGColor& color);
 
-  // A target of its own, with rows of whole words. An 8-bit one gets the default palette.
+  // A target of its own, with rows of whole words. An 8-bit one gets the default palette. A rectangle that is reversed
+  // has no pixels.
   void SetBounds(const hsIntRect* rect, uint8_t config);
   void SetSize(uint32_t width, uint32_t height, uint8_t config, hsGColorTable* colorTable);
   uint8_t GetBounds(hsIntRect* out) const;  // answers the config
@@ -80,4 +82,5 @@ class hsGRasterDevice : public hsGDevice {
   hsGLayer* fLayers = nullptr;                   // the top one; nil when drawing to fOwnBitmap
   int32_t fLayerOffsetX = 0, fLayerOffsetY = 0;  // sum of the open layers' corners
   hsGCursor* fCursor = nullptr;
+  hsGAttribute fPlainPaint;  // what the draw core is given where no paint plays a part
 };

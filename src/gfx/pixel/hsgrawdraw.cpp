@@ -4,10 +4,11 @@
 
 #include "gfx/foundation/hsdebug.h"
 #include "gfx/pixel/blitterref.h"
+#include "gfx/pixel/hsgbitmapblitter.h"
 #include "gfx/pixel/hsgmask.h"
 #include "gfx/pixel/hsgmaskfilter.h"
+#include "gfx/pixel/hsgpatheffectapplier.h"
 #include "gfx/pixel/hsgrasterizer.h"
-#include "gfx/vector/hsgpatheffect.h"
 #include "gfx/vector/hsscan.h"
 
 namespace {
@@ -75,6 +76,11 @@ const hsRegion* hsGRawDraw::ClipOrBitmap(hsRegion* storage) const {
   return storage;
 }
 
+hsGBlitter* hsGRawDraw::GetBlitter(int32_t maskType) const {
+  if (!fBitmap->fImage) return new hsGNullBlitter;
+  return fAttr->GetBlitter(*fBitmap, maskType, *fMatrix);
+}
+
 hsPath hsGRawDraw::Stroked(const hsPath& path, hsScalar width) const {
   hsPath outline;
   HSScan::StrokePath(&path, width / 2, fAttr->MiterLimit(), fAttr->GetCapJoinStyle(), &outline);
@@ -85,7 +91,7 @@ void hsGRawDraw::DrawFull() {
   Check();
   const hsIntRect whole = {0, 0, int32_t(fBitmap->fWidth), int32_t(fBitmap->fHeight)};
   if (fBounder && fBounder->BoundRect(whole, fClip)) return;
-  const Ref blitter(fAttr->GetBlitter(*fBitmap, kMask_Bit, *fMatrix));
+  const Ref blitter(GetBlitter(kMask_Bit));
   HSScan::FillIRect(&whole, fClip, blitter);
 }
 
@@ -102,7 +108,7 @@ void hsGRawDraw::DrawLine(const hsPoint& p0, const hsPoint& p1) {
       if (fBounder->BoundFixedRect(bounds, *fMatrix, fClip, nullptr, true)) return;
     }
     hsRegion storage;
-    const Ref blitter(fAttr->GetBlitter(*fBitmap, kMask_Bit, *fMatrix));
+    const Ref blitter(GetBlitter(kMask_Bit));
     return HSScan::HairLine(mapped[0], mapped[1], ClipOrBitmap(&storage), blitter);
   }
   if (fAttr->Cap() == hsGAttribute::kRoundCap)
@@ -138,7 +144,7 @@ void hsGRawDraw::DrawRect(const hsRect& unsorted) {
 void hsGRawDraw::DrawDeviceRect(const hsRect& rect, uint32_t flags, hsScalar width) {
   hsRegion storage;
   const hsRegion* clip = ClipOrBitmap(&storage);
-  const Ref blitter(fAttr->GetBlitter(*fBitmap, kMask_Bit, *fMatrix));
+  const Ref blitter(GetBlitter(kMask_Bit));
   if (!(flags & hsGAttribute::kFrame))
     return HSScan::FillRect(&rect, clip, blitter, flags & hsGAttribute::kGrowEmptyRects);
   if (width < 1) return HSScan::HairRect(&rect, clip, blitter);
@@ -155,7 +161,7 @@ void hsGRawDraw::DrawDeviceQuad(const hsPoint points[4]) {
   hsRegion storage;
   const hsRegion* clip = ClipOrBitmap(&storage);
   const bool smooth = fAttr->Flags() & hsGAttribute::kAntiAlias;
-  const Ref blitter(fAttr->GetBlitter(*fBitmap, smooth ? kMask_Alpha : kMask_Bit, *fMatrix));
+  const Ref blitter(GetBlitter(smooth ? kMask_Alpha : kMask_Bit));
   if (smooth) {
     HSScan::AntiFillQuad(mapped, clip, blitter);
   } else {
@@ -166,22 +172,12 @@ void hsGRawDraw::DrawDeviceQuad(const hsPoint points[4]) {
 void hsGRawDraw::DrawPath(const hsPath& path) {
   Check();
   if (path.IsEmpty()) return;
-  uint32_t flags = fAttr->Flags();
-  hsScalar width = flags & hsGAttribute::kFrame ? fAttr->GetStrokeWidth(fMatrix) : -1;
-  if (hsGPathEffect* effect = fAttr->PathEffect()) {
-    hsPath changed;
-    hsScalar changedWidth = width;
-    if (effect->FilterPath(fMatrix, &changedWidth, &path, &changed)) {
-      hsGAttribute plain(flags);
-      plain.CopyFrom(*fAttr);
-      plain.SetPathEffect(nullptr);
-      plain.SetFlags(changedWidth < 0 ? flags & ~uint32_t{hsGAttribute::kFrame} : flags | hsGAttribute::kFrame);
-      if (changedWidth >= 0) plain.SetFrameSize(changedWidth);
-      hsGRawDraw inner = *this;
-      inner.fAttr = &plain;
-      return inner.DrawPath(changed);
-    }
+  if (fAttr->PathEffect()) {
+    hsGPathEffectApplier applier(fMatrix, fAttr);
+    if (applier.Apply(path)) return DrawPath(applier.Path());
   }
+  uint32_t flags = fAttr->Flags();
+  const hsScalar width = fAttr->GetStrokeWidth(fMatrix);
   hsPath outline;
   const hsPath* drawn = &path;
   if (flags & hsGAttribute::kFrame && width > 0) {
@@ -210,7 +206,7 @@ void hsGRawDraw::DrawDevicePath(const hsPath& path, uint32_t flags) {
   hsRegion storage;
   const hsRegion* clip = ClipOrBitmap(&storage);
   const bool smooth = !frame && flags & hsGAttribute::kAntiAlias;
-  const Ref blitter(fAttr->GetBlitter(*fBitmap, smooth ? kMask_Alpha : kMask_Bit, *fMatrix));
+  const Ref blitter(GetBlitter(smooth ? kMask_Alpha : kMask_Bit));
   if (frame) {
     HSScan::HairPath(device, clip, blitter);
   } else if (smooth) {
@@ -242,8 +238,12 @@ void hsGRawDraw::DrawMask(const hsGMask& source) {
   const hsRegion* clip = ClipOrBitmap(&storage);
   if (clip->Contains(mask.fBounds)) clip = nullptr;
   if (clip && !clip->Bounds().Intersects(mask.fBounds)) return;
-  const Ref blitter(fAttr->GetBlitter(*fBitmap, mask.fMaskType, *fMatrix));
+  const Ref blitter(GetBlitter(mask.fMaskType));
   blitter->BlitMask(mask, clip);
+}
+
+hsGBlitter* hsGRawDraw::BitmapBlitter(const hsGBitmap& source, const hsMatrix& matrix) const {
+  return fBitmap->fImage ? fAttr->GetBitmapBlitter(*fBitmap, kMask_Bit, source, matrix) : nullptr;
 }
 
 void hsGRawDraw::DrawBitmap(const hsGBitmap& bitmap, hsScalar x, hsScalar y) {
@@ -260,7 +260,7 @@ void hsGRawDraw::DrawBitmap(const hsGBitmap& bitmap, hsScalar x, hsScalar y) {
     hsRect rect;
     matrix.MapRect(&source, &rect, type);
     if (fBounder && fBounder->BoundFixedRect(rect, matrix, fClip, nullptr, false)) return;
-    const Ref blitter(fAttr->GetBitmapBlitter(*fBitmap, kMask_Bit, bitmap, matrix));
+    const Ref blitter(BitmapBlitter(bitmap, matrix));
     if (!blitter) return;
     return HSScan::FillRect(&rect, clip, blitter, false);
   }
@@ -269,7 +269,7 @@ void hsGRawDraw::DrawBitmap(const hsGBitmap& bitmap, hsScalar x, hsScalar y) {
   matrix.MapPoints(4, corners, corners, type);
   const hsPath path = QuadPath(corners);
   if (fBounder && fBounder->BoundPath(path, matrix, fClip, nullptr, false)) return;
-  const Ref blitter(fAttr->GetBitmapBlitter(*fBitmap, kMask_Bit, bitmap, matrix));
+  const Ref blitter(BitmapBlitter(bitmap, matrix));
   if (!blitter) return;
   if (IsConvexQuad(corners)) {
     HSScan::FillQuad(corners, clip, blitter);
@@ -279,7 +279,7 @@ void hsGRawDraw::DrawBitmap(const hsGBitmap& bitmap, hsScalar x, hsScalar y) {
 }
 
 void hsGRawDraw::Erase(const hsGColor& color) {
-  hsThrowIfNilParam(fBitmap);
+  Check();
   const hsIntRect whole = {0, 0, int32_t(fBitmap->fWidth), int32_t(fBitmap->fHeight)};
   if (fBounder && fBounder->BoundRect(whole, nullptr)) return;
   hsGBitmap(*fBitmap).Erase(color);

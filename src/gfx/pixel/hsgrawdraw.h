@@ -1,6 +1,8 @@
 // The draw core: the four things that define a draw, and for each primitive the decision which scan converter to run
 // with which blitter.
 //
+// A bitmap without pixels is drawn on like any other, so that a bounder hears of everything, and nothing is stored.
+//
 // Shapes are in user space; a name with "Device" in it still maps its shape, but stands behind the decisions that look
 // at the shape itself.
 #pragma once
@@ -12,6 +14,7 @@
 #include "gfx/vector/hspath.h"
 #include "gfx/vector/hsregion.h"
 
+class hsGBlitter;
 class hsGSpriteBlitter;
 struct hsGMask;
 struct hsGUnderline;
@@ -41,6 +44,9 @@ struct hsGRawDraw {
 
   // The clip, or the bitmap's rectangle, built in storage, where there is none.
   const hsRegion* ClipOrBitmap(hsRegion* storage) const;
+  // The paint's blitter for that type of mask, or one that draws nothing where the bitmap has no pixels. The caller
+  // holds a reference.
+  hsGBlitter* GetBlitter(int32_t maskType) const;
 
   const hsGBitmap* fBitmap = nullptr;
   const hsMatrix* fMatrix = nullptr;
@@ -54,6 +60,7 @@ struct hsGRawDraw {
   void DrawDevicePath(const hsPath& path, uint32_t flags);
   void DrawDeviceRect(const hsRect& deviceRect, uint32_t flags, hsScalar width);
   void DrawDeviceQuad(const hsPoint points[4]);
+  hsGBlitter* BitmapBlitter(const hsGBitmap& source, const hsMatrix& matrix) const;  // nil for nothing to draw
   void DrawRasterized(const hsPath& path);
   hsPath Stroked(const hsPath& path, hsScalar width) const;
 };

@@ -34,14 +34,14 @@ void MoveSpan(const hsGBitmap& bitmap, int32_t y, int32_t left, int32_t right, i
 
 void hsGRawDraw::DrawSprite(const hsGBitmap& target, const hsGBitmap& bitmap, int32_t x, int32_t y,
                             const hsGColor* color, hsGXferMode* mode, const hsRegion* clip, hsGSpriteBlitter* cached) {
+  if (!target.fImage) return;
   const hsIntRect requested = {x, y, hsWrapAdd(x, int32_t(bitmap.fWidth)), hsWrapAdd(y, int32_t(bitmap.fHeight))};
   hsIntRect rect = {0, 0, int32_t(target.fWidth), int32_t(target.fHeight)};
   if (!rect.Intersect(requested)) return;
   if (clip && !rect.Intersect(clip->Bounds())) return;
   if (!hsAssert(requested.Contains(rect), "bad clipping")) return;
 
-  const hsGBitmap part =
-      rect.fLeft != x || rect.fTop != y ? From(bitmap, rect.fLeft - x, rect.fTop - y) : bitmap;
+  const hsGBitmap part = rect.fLeft != x || rect.fTop != y ? From(bitmap, rect.fLeft - x, rect.fTop - y) : bitmap;
   hsGBlitter* blitter = cached;
   if (cached && cached->Retarget(part, rect.fLeft, rect.fTop)) {
     cached->Ref();
@@ -66,6 +66,7 @@ void hsGRawDraw::DrawSprite(const hsGBitmap& bitmap, int32_t x, int32_t y) {
 }
 
 void hsGRawDraw::Scroll(const hsIntRect& rect, int32_t dx, int32_t dy, hsRegion* outDirty) {
+  Check();
   if (outDirty) outDirty->SetEmpty();
   hsIntRect bounds = {0, 0, int32_t(fBitmap->fWidth), int32_t(fBitmap->fHeight)};
   if (fBounder) {
@@ -75,7 +76,7 @@ void hsGRawDraw::Scroll(const hsIntRect& rect, int32_t dx, int32_t dy, hsRegion*
     if (fClip && !touched.Intersect(fClip->Bounds())) touched = {0, 0, 0, 0};
     if (fBounder->BoundRect(touched, fClip)) return;
   }
-  if (dx == 0 && dy == 0) return;
+  if ((dx == 0 && dy == 0) || !fBitmap->fImage) return;
   // Nothing that moves by its own size stays inside, and a region can't be moved farther than its numbers go.
   const auto tooFar = [](int32_t by, uint32_t size) { return hsMagnitude32(by) >= std::min<uint32_t>(size, 32767); };
   if (tooFar(dx, fBitmap->fWidth) || tooFar(dy, fBitmap->fHeight)) return;

@@ -46,10 +46,12 @@ void hsGSpriteBlitter::BlitRect(int32_t y, int32_t x, int32_t width, int32_t hei
 
 namespace {
 
-// What a paint without any alpha draws.
+// What a paint without any alpha draws, wherever it is asked to.
 class hsGNullSprite : public hsGPlainSprite {
  public:
   using hsGPlainSprite::hsGPlainSprite;
+  void BlitH(int32_t, int32_t, int32_t) override {}
+  void BlitRect(int32_t, int32_t, int32_t, int32_t) override {}
   bool Retarget(const hsGBitmap&, int32_t, int32_t) override { return true; }
 
  protected:

@@ -15,8 +15,8 @@ class hsGSpriteBlitter : public hsGDeviceBlitter {
 
   // Pixels beyond the source are reported and nothing is drawn: "bad offset", "bad width" and "bad height", or "bad
   // count" for palette sources.
-  void BlitH(int32_t y, int32_t x, int32_t width) final;
-  void BlitRect(int32_t y, int32_t x, int32_t width, int32_t height) final;
+  void BlitH(int32_t y, int32_t x, int32_t width) override;
+  void BlitRect(int32_t y, int32_t x, int32_t width, int32_t height) override;
   // Another source at another place. False, and no change, unless it has the device's pixel size and this member reads
   // such pixels.
   virtual bool Retarget(const hsGBitmap& source, int32_t left, int32_t top);

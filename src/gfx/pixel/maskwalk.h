@@ -7,9 +7,10 @@
 #include "gfx/pixel/hsgmask.h"
 #include "gfx/vector/hsregioniter.h"
 
-// put(y, x) for each set bit of the rectangle, which lies inside the mask; padding bits are never looked at.
-template <class Put>
-void hsWalkBitRect(const hsGMask& mask, const hsIntRect& rect, Put&& put) {
+// byte(y, x, bits) for each byte of the rectangle, which lies inside the mask, with a set bit: the highest bit stands
+// for the pixel at x, and bits outside the rectangle are clear. Padding bits are never looked at.
+template <class Byte>
+void hsWalkBitBytes(const hsGMask& mask, const hsIntRect& rect, Byte&& byte) {
   const int32_t left = rect.fLeft - mask.fBounds.fLeft;
   const int32_t right = rect.fRight - mask.fBounds.fLeft;
   const int32_t firstByte = left >> 3, lastByte = (right - 1) >> 3;
@@ -21,22 +22,48 @@ void hsWalkBitRect(const hsGMask& mask, const hsIntRect& rect, Put&& put) {
       uint8_t bits = row[i];
       if (i == firstByte) bits &= keepFirst;
       if (i == lastByte) bits &= keepLast;
-      while (bits) {
-        const int bit = std::countl_zero(bits);
-        put(y, mask.fBounds.fLeft + i * 8 + bit);
-        bits = uint8_t(bits & ~(0x80 >> bit));
-      }
+      if (bits) byte(y, mask.fBounds.fLeft + i * 8, bits);
     }
   }
 }
 
-// The same for all of the mask that the clip leaves; nil leaves everything.
+// rect(r) for each rectangle of the mask that the clip leaves; nil leaves all of it.
+template <class Rect>
+void hsWalkMaskRects(const hsIntRect& bounds, const hsRegion* clip, Rect&& rect) {
+  if (bounds.IsEmpty()) return;
+  if (!clip) return rect(bounds);
+  for (hsRegionClipRectIter iter(*clip, bounds); !iter.IsDone(); iter.Next()) rect(iter.Rect());
+}
+
+// put(y, x) for each set bit that the clip leaves.
 template <class Put>
 void hsWalkBits(const hsGMask& mask, const hsRegion* clip, Put&& put) {
+  hsWalkMaskRects(mask.fBounds, clip, [&](const hsIntRect& rect) {
+    hsWalkBitBytes(mask, rect, [&](int32_t y, int32_t x, uint8_t bits) {
+      while (bits) {
+        const int bit = std::countl_zero(bits);
+        put(y, x + bit);
+        bits = uint8_t(bits & ~(0x80 >> bit));
+      }
+    });
+  });
+}
+
+// The same for what can write eight pixels of a row at once, all of them on a device of that width: wide(y, x, bits)
+// for those, put(y, x) for single ones at the device's edges.
+template <class Wide, class Put>
+void hsWalkBitsWide(const hsGMask& mask, const hsRegion* clip, uint32_t deviceWidth, Wide&& wide, Put&& put) {
+  const auto wholeBytesFit = [&](const hsIntRect& rect) {
+    const int32_t from = mask.fBounds.fLeft + ((rect.fLeft - mask.fBounds.fLeft) & ~7);
+    const int32_t to = mask.fBounds.fLeft + ((rect.fRight - mask.fBounds.fLeft + 7) & ~7);
+    return from >= 0 && to <= int32_t(deviceWidth);
+  };
   if (mask.fBounds.IsEmpty()) return;
-  if (!clip) return hsWalkBitRect(mask, mask.fBounds, put);
-  for (hsRegionClipRectIter iter(*clip, mask.fBounds); !iter.IsDone(); iter.Next())
-    hsWalkBitRect(mask, iter.Rect(), put);
+  hsWalkMaskRects(mask.fBounds, clip, [&](const hsIntRect& rect) {
+    if (wholeBytesFit(rect)) return hsWalkBitBytes(mask, rect, wide);
+    const hsRegion only(rect);
+    hsWalkBits(mask, &only, put);
+  });
 }
 
 // span(y, x, width) for each run of each row that the clip leaves, from the top left; nil leaves everything.

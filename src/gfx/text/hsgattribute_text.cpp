@@ -1,24 +1,36 @@
 // Measuring with a paint, and the strike descriptors that it keeps.
 #include <algorithm>
 #include <cstring>
+#include <iterator>
+#include <vector>
 
 #include "gfx/foundation/hsdebug.h"
 #include "gfx/foundation/hsdescriptor.h"
 #include "gfx/pixel/hsgattribute.h"
+#include "gfx/pixel/hsgmaskfilter.h"
+#include "gfx/pixel/hsgrasterizer.h"
 #include "gfx/text/hsgfontregistry.h"
 #include "gfx/text/hsgtextcontext.h"
 #include "gfx/text/hsutf8.h"
+#include "gfx/vector/hsgpatheffect.h"
 #include "gfx/vector/hspath.h"
 
 namespace {
 
 constexpr uint16_t kPathFlags = hsGAttribute::kLinearText | hsGAttribute::kNoGridFit;  // of text drawn as paths
 
+constexpr int32_t kFixedLengths[] = {4, int32_t(sizeof(hsGScalerRecord))};
+
 int32_t DescriptorSize() {
-  constexpr int32_t kLengths[] = {4, int32_t(sizeof(hsGScalerRecord))};
-  static const int32_t size = hsDescriptor::ComputeSize(2, kLengths);
+  static const int32_t size = hsDescriptor::ComputeSize(2, kFixedLengths);
   return size;
 }
+
+// An effect on its way into a descriptor; nil for none.
+struct EffectEntry {
+  uint32_t tag;
+  const hsGSizedFlattenable* effect;
+};
 
 void AddScaler(hsDescriptor* desc) {
   const uint32_t kind = kScaler_Registered;
@@ -70,9 +82,21 @@ hsDescriptor* hsGAttribute::MakeStrikeDesc(const hsMatrix* matrix, hsPoint* outA
     }
   }
   ClearTranslation(&record.fMatrix);
-  hsDescriptor* desc = hsDescriptor::New(DescriptorSize());
+
+  // A path effect that sees text as paths is not to see it twice.
+  const bool inGlyphs = fPathEffect && !(fFlags & kTextAsPaths) && !fPathEffect->DrawsTextAsPaths();
+  const EffectEntry effects[] = {{kRecord_PathEffect, inGlyphs ? fPathEffect : nullptr},
+                                 {kRecord_Rasterizer, fRasterizer},
+                                 {kRecord_MaskFilter, fMaskFilter}};
+  std::vector<int32_t> lengths(std::begin(kFixedLengths), std::end(kFixedLengths));
+  for (const EffectEntry& entry : effects)
+    if (entry.effect) lengths.push_back(FlattenEffect(*entry.effect, nullptr));
+  hsDescriptor* desc = hsDescriptor::New(hsDescriptor::ComputeSize(int32_t(lengths.size()), lengths.data()));
   AddScaler(desc);
   AddRecord(desc, record);
+  for (const EffectEntry& entry : effects)
+    if (entry.effect)
+      FlattenEffect(*entry.effect, hsDescriptor::Add(desc, entry.tag, FlattenEffect(*entry.effect, nullptr)));
   hsDescriptor::ComputeCheckSum(desc);
   return desc;
 }

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -105,7 +107,10 @@ std::string LowerCase(std::string name) {
 
 }  // namespace
 
-uint32_t hsGFontRegistry::RegisterFile(const char* path, uint32_t format) { return AddFile(Loaded(), path, format); }
+uint32_t hsGFontRegistry::RegisterFile(const char* path, uint32_t format) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path, "rb"), std::fclose);
+  return file ? RegisterStream(file.get(), format) : 0;
+}
 
 uint32_t hsGFontRegistry::RegisterStream(std::FILE* file, uint32_t format) {
   std::vector<uint8_t> bytes;

@@ -23,8 +23,10 @@ namespace hsGFontRegistry {
 
 // Each gives the new font's identifier, 0 on failure. A format of 0 means kFontFormat_TrueType. Every change of the
 // registry empties the glyph cache.
+//
+// Files are read whole; the stream from where it stands, and it stays the caller's. Files of a list or of the folder
+// are read piece by piece when they are used.
 uint32_t RegisterFile(const char* path, uint32_t format);
-// Reads the rest of the file, which stays the caller's, into memory.
 uint32_t RegisterStream(std::FILE* file, uint32_t format);
 uint32_t RegisterMemory(uint32_t size, const void* data, bool owned, uint32_t format);
 void UnregisterFont(uint32_t id);

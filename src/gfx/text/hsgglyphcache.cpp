@@ -1,6 +1,5 @@
 #include "gfx/text/hsgglyphcache.h"
 
-#include <cstdio>
 #include <utility>
 
 #include "gfx/foundation/hsdebug.h"
@@ -27,15 +26,13 @@ void hsGGlyphCache::Shutdown() {
   if (!gCache) return;
   delete std::exchange(gCache, nullptr);
   gGlyphBytes = 0;
-  std::printf("deleting glyph cache\n");
-  std::fflush(stdout);
+  hsPrintStatus("deleting glyph cache\n");
 }
 
 void hsGGlyphCache::NoteImage(uint32_t size) {
   gGlyphBytes += size;
   if (gGlyphBytes <= kGlyphBudget) return;
-  std::printf("glyph cache exceeded %xH bytes with %d elements\n", gGlyphBytes, Instance()->fCount);
-  std::fflush(stdout);
+  hsPrintStatus("glyph cache exceeded %xH bytes with %d elements\n", gGlyphBytes, Instance()->fCount);
 }
 
 uint32_t hsGGlyphCache::ImageBytes() { return gGlyphBytes; }

@@ -53,11 +53,18 @@ struct TextSettings {
 // Draws masks of glyphs, one after the other, with one blitter.
 class GlyphPainter {
  public:
-  GlyphPainter(const hsGRawDraw& draw, uint8_t maskType)
-      : fDraw(draw),
+  GlyphPainter(const hsGRawDraw& draw, uint8_t maskType, hsGBounder* bounder)
+      : fClip(draw.fClip),
+        fBounder(bounder),
         fMaskType(maskType),
-        fBlitter(draw.fAttr->GetBlitter(*draw.fBitmap, maskType, *draw.fMatrix)),
-        fDevice{0, 0, int32_t(draw.fBitmap->fWidth), int32_t(draw.fBitmap->fHeight)} {}
+        fBlitter(draw.GetBlitter(maskType)),
+        fDevice{0, 0, int32_t(draw.fBitmap->fWidth), int32_t(draw.fBitmap->fHeight)},
+        fShown(fDevice) {}
+
+  // Passes over glyphs outside the clip before their images are made.
+  void ShowClipOnly() {
+    if (fClip && !fShown.Intersect(fClip->Bounds())) fShown = {0, 0, 0, 0};
+  }
 
   // With the pen at (x, y), half a pixel added. getImage gives the glyph's image or nil.
   template <class GetImage>
@@ -68,8 +75,8 @@ class GlyphPainter {
     const int32_t left = atX >> 16, top = hsWrapAdd(y, glyph->fTop) >> 16;
     hsGMask mask;
     mask.fBounds = {left, top, left + glyph->fWidth, top + glyph->fHeight};
-    if (fDraw.fBounder && fDraw.fBounder->BoundRect(mask.fBounds, fDraw.fClip)) return;
-    if (!fDevice.Intersects(mask.fBounds)) return;
+    if (fBounder && fBounder->BoundRect(mask.fBounds, fClip)) return;
+    if (!fShown.Intersects(mask.fBounds)) return;
     mask.fImage = getImage(glyph);
     if (!mask.fImage) return;
     mask.fRowBytes = uint16_t(glyph->fRowBytes);
@@ -80,7 +87,7 @@ class GlyphPainter {
  private:
   // Blitters take a mask without a clip only where it lies wholly on the device.
   void Blit(const hsGMask& mask, hsFixed atX) {
-    const hsRegion* clip = fDraw.fClip;
+    const hsRegion* clip = fClip;
     if (!clip && !fDevice.Contains(mask.fBounds)) {
       fWhole.SetRect(fDevice.fLeft, fDevice.fTop, fDevice.fRight, fDevice.fBottom);
       clip = &fWhole;
@@ -92,10 +99,11 @@ class GlyphPainter {
     fBlitter->BlitLCDMask(mask, clip, third);
   }
 
-  const hsGRawDraw& fDraw;
+  const hsRegion* fClip;
+  hsGBounder* fBounder;
   uint8_t fMaskType;
   hsGBlitterRef fBlitter;
-  hsIntRect fDevice;
+  hsIntRect fDevice, fShown;
   hsRegion fWhole;
 };
 
@@ -138,7 +146,7 @@ void DrawTurnedGlyphs(hsGRawDraw* draw, hsGTextContext& plain, const hsPoint map
     hsMatrix turned = *draw->fMatrix;
     turned.PreSinCos(directions[i].fX, directions[i].fY, 0, 0);
     const hsGTextContextRef context(draw->fAttr->GetTextContext(&turned));
-    GlyphPainter painter(*draw, context->MaskType());
+    GlyphPainter painter(*draw, context->MaskType(), draw->fBounder);
     const hsPoint direction = directions[i];
     for (; i < plain.Count() && directions[i] == direction; ++i) {
       hsGGlyph glyph;
@@ -169,7 +177,7 @@ void hsGRawDraw::DrawText(uint32_t length, const void* text, hsScalar x, hsScala
   origin = origin - shift;
   origin = {RoundToPixel(origin.fX), RoundToPixel(origin.fY)};
   {
-    GlyphPainter painter(*this, context->MaskType());
+    GlyphPainter painter(*this, context->MaskType(), fBounder);
     for (uint32_t i = 0; i < count; ++i) {
       const hsPoint at = origin + positions[i] + hsPoint{kFixedHalf, kFixedHalf};
       painter.Draw(&glyphs[i], at.fX, at.fY, [&](hsGGlyph* glyph) { return ImageOf(*context, glyph); });
@@ -196,7 +204,7 @@ void hsGRawDraw::DrawPosText(uint32_t length, const void* text, const hsPoint po
   fMatrix->MapPoints(int32_t(count), mapped.data(), mapped.data());
   for (hsPoint& p : mapped) p = p + hsPoint{kFixedHalf, kFixedHalf};
   if (directions) return DrawTurnedGlyphs(this, *context, mapped.data(), directions);
-  GlyphPainter painter(*this, context->MaskType());
+  GlyphPainter painter(*this, context->MaskType(), fBounder);
   for (uint32_t i = 0; i < count; ++i)
     painter.Draw(&glyphs[i], mapped[i].fX, mapped[i].fY, [&](hsGGlyph* glyph) { return ImageOf(*context, glyph); });
 }
@@ -210,14 +218,15 @@ void hsGRawDraw::DrawFastText(uint32_t length, const void* text, hsPoint* point,
   if (!hsAssert(desc, "oops")) return;
   hsGStrike* strike = hsGStrike::FindOrCreate(desc);
   hsFixed x = hsWrapAdd(point->fX, kFixedHalf);
-  const hsFixed y = hsWrapAdd(point->fY, kFixedHalf);
   {
-    GlyphPainter painter(*this, kMask_Bit);
+    // Labels: the rows are not rounded, and no bounder hears of single glyphs.
+    GlyphPainter painter(*this, kMask_Bit, nullptr);
+    painter.ShowClipOnly();
     const auto* bytes = static_cast<const uint8_t*>(text);
     for (uint32_t i = 0; i < length; ++i) {
       hsGGlyph* glyph = strike->GetGlyph8(bytes[i]);
       if (!glyph) break;
-      painter.Draw(glyph, x, y, [&](hsGGlyph* g) { return const_cast<uint8_t*>(strike->GetImage(g)); });
+      painter.Draw(glyph, x, point->fY, [&](hsGGlyph* g) { return const_cast<uint8_t*>(strike->GetImage(g)); });
       x = hsWrapAdd(x, glyph->fAdvanceX);
       if (spaced) x = hsWrapAdd(x, bytes[i] == 0x20 ? spacing.fWordExtra : spacing.fCharExtra);
     }
@@ -229,7 +238,7 @@ void hsGRawDraw::DrawFastText(uint32_t length, const void* text, hsPoint* point,
     const hsRect rect = {point->fX, top, end, hsWrapAdd(top, underline->fThickness)};
     if (!fBounder || !fBounder->BoundFixedRect(rect, *fMatrix, fClip, nullptr, false)) {
       hsRegion storage;
-      const hsGBlitterRef blitter(fAttr->GetBlitter(*fBitmap, kMask_Bit, *fMatrix));
+      const hsGBlitterRef blitter(GetBlitter(kMask_Bit));
       HSScan::FillRect(&rect, ClipOrBitmap(&storage), blitter, true);
     }
   }

@@ -91,10 +91,14 @@ hsGSbitContext::hsGSbitContext(const hsDescriptor* desc, bool) : hsGScalerContex
   const auto& m = device.fMap;
   ChooseStrike(std::max(hsMagnitudeSat(m[0][0], m[1][0]), hsMagnitudeSat(m[0][1], m[1][1])));
   if (fStrike == 0) return;
-  const hsFixed ppem[2] = {hsIntToFixed(int32_t(hsSfntU8(fLocation, fStrike + kPpemX))),
-                           hsIntToFixed(int32_t(hsSfntU8(fLocation, fStrike + kPpemY)))};
+  // The reciprocals are rounded: at a size of 10 a strike of 10 comes out a trifle larger than it is, and its bits are
+  // fetched a trifle too early. Sizes whose reciprocal is exact or falls short show their pixels as they are.
+  const auto reciprocal = [&](uint32_t at) {
+    return hsFixDiv(kFixed1, hsIntToFixed(int32_t(hsSfntU8(fLocation, fStrike + at))));
+  };
+  const hsFixed perPixel[2] = {reciprocal(kPpemX), reciprocal(kPpemY)};
   for (int row = 0; row < 2; ++row)
-    for (int axis = 0; axis < 2; ++axis) fResidual.fMap[row][axis] = hsFixDiv(m[row][axis], ppem[axis]);
+    for (int axis = 0; axis < 2; ++axis) fResidual.fMap[row][axis] = hsFixMulSat(m[row][axis], perPixel[axis]);
 }
 
 hsGSbitContext::~hsGSbitContext() noexcept(false) {
@@ -143,10 +147,10 @@ std::vector<uint8_t> hsGSbitContext::ReadData(uint32_t offset, uint32_t length) 
 }
 
 bool hsGSbitContext::Locate(hsSfntBytes subtable, uint32_t glyph, uint32_t first, Entry* entry) const {
-  // The place of the glyph among those that are listed one by one; UINT32_MAX if it isn't.
-  const auto search = [&](uint32_t at, uint32_t stride, uint32_t count) {
-    for (uint32_t i = 0; i < count && at + (uint64_t{i} + 1) * stride <= subtable.size(); ++i) {
-      const uint32_t listed = hsSfntU16(subtable, at + uint64_t{i} * stride);
+  // The place of the glyph among pairs of glyph and offset; UINT32_MAX if it isn't there.
+  const auto search = [&](uint32_t at, uint32_t count) {
+    for (uint32_t i = 0; i < count && at + (uint64_t{i} + 1) * 4 <= subtable.size(); ++i) {
+      const uint32_t listed = hsSfntU16(subtable, at + uint64_t{i} * 4);
       if (listed >= glyph) return listed == glyph ? i : UINT32_MAX;
     }
     return UINT32_MAX;
@@ -166,17 +170,17 @@ bool hsGSbitContext::Locate(hsSfntBytes subtable, uint32_t glyph, uint32_t first
       entry->length = hsSfntU16(subtable, 10 + 2 * index) - entry->location;
       return true;
     case 4: {
-      const uint32_t place = search(12, 4, hsSfntU32(subtable, 8));
+      const uint32_t place = search(12, hsSfntU32(subtable, 8));
       if (place == UINT32_MAX) return false;
       entry->location = hsSfntU16(subtable, 14 + uint64_t{place} * 4);
       entry->length = hsSfntU16(subtable, 18 + uint64_t{place} * 4) - entry->location;
       return true;
     }
     case 5: {
-      const uint32_t place = search(24, 2, hsSfntU32(subtable, 20));
+      const uint32_t place = search(24, hsSfntU32(subtable, 20));
       if (place == UINT32_MAX) return false;
       entry->length = hsSfntU32(subtable, 8);
-      entry->location = place * entry->length;
+      entry->location = hsSfntU16(subtable, 26 + uint64_t{place} * 4);
       return true;
     }
     default: return false;

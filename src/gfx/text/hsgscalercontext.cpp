@@ -5,12 +5,16 @@
 #include <vector>
 
 #include "gfx/foundation/hsdebug.h"
+#include "gfx/pixel/hsgcreateproc.h"
 #include "gfx/pixel/hsgmask.h"
+#include "gfx/pixel/hsgmaskfilter.h"
+#include "gfx/pixel/hsgrasterizer.h"
 #include "gfx/pixel/hsgrawdraw.h"
 #include "gfx/text/hsgfontregistry.h"
 #include "gfx/text/hsgsbitcontext.h"
 #include "gfx/text/hsgscalercontextt2k.h"
 #include "gfx/text/hsgstrike.h"
+#include "gfx/vector/hsgpatheffect.h"
 #include "gfx/vector/hsscan.h"
 
 namespace {
@@ -23,15 +27,54 @@ bool FindRecord(const hsDescriptor* desc, hsGScalerRecord* record) {
   return true;
 }
 
-// The same text without its outlining and transformation.
+// The same text without outlining, effects and transformation.
 hsDescriptor* PlainCopy(const hsDescriptor* desc, hsGScalerRecord record) {
   record.fMatrix.Reset();
-  record.fOutlineStyle = 0;
-  record.fOutlineMiter = record.fOutlineWidth = 0;
+  record.fOutlineWidth = 0;
   hsDescriptor* plain = hsDescriptor::Copy(desc, nullptr);
+  for (uint32_t tag : {kRecord_PathEffect, kRecord_Rasterizer, kRecord_MaskFilter}) hsDescriptor::Remove(plain, tag);
   std::memcpy(hsDescriptor::Find(plain, kRecord_FontScalerDesc), &record, sizeof record);
   hsDescriptor::ComputeCheckSum(plain);
   return plain;
+}
+
+// The effect of an entry, made for the text size, with a reference; nil without one.
+template <class Effect>
+Effect* RebuildEffect(const hsDescriptor* desc, uint32_t tag, hsFixed textSize) {
+  int32_t length = 0;
+  const void* data = hsDescriptor::Find(desc, tag, &length);
+  if (!data) return nullptr;
+  uint32_t number;
+  if (!hsAssert(length >= int32_t(sizeof number), "bad dataLength")) return nullptr;
+  std::memcpy(&number, data, sizeof number);
+  const hsGCreateProc create = hsGFindCreateProc(number);
+  if (!hsAssert(create, "need create proc")) return nullptr;
+  const char* const end = static_cast<const char*>(data) + length;
+  const void* cursor = static_cast<const char*>(data) + sizeof number;
+  hsGSizedFlattenable* made = create(&cursor, textSize);
+  hsAssert(cursor == end, "bad dataLength");
+  auto* effect = dynamic_cast<Effect*>(made);
+  if (made && !effect) made->UnRef();
+  return effect;
+}
+
+void Release(hsRefCnt* shared) {
+  if (shared) shared->UnRef();
+}
+
+hsIntRect BoundsOf(const hsGGlyph& glyph) {
+  const int32_t left = hsFixedRound(glyph.fLeft), top = hsFixedRound(glyph.fTop);
+  return {left, top, left + glyph.fWidth, top + glyph.fHeight};
+}
+
+// What is larger than a glyph can be is nothing.
+void SetBounds(const hsIntRect& bounds, hsGGlyph* glyph) {
+  const int64_t width = int64_t{bounds.fRight} - bounds.fLeft, height = int64_t{bounds.fBottom} - bounds.fTop;
+  const bool fits = width >= 0 && height >= 0 && width <= UINT16_MAX && height <= UINT16_MAX;
+  glyph->fWidth = fits ? uint16_t(width) : 0;
+  glyph->fHeight = fits ? uint16_t(height) : 0;
+  glyph->fLeft = hsWrapShl(bounds.fLeft, 16);
+  glyph->fTop = hsWrapShl(bounds.fTop, 16);
 }
 
 // Eight bytes of coverage to a byte of bits.
@@ -55,10 +98,17 @@ hsGScalerContext* hsGScalerContext::Create(const hsDescriptor* desc) {
 }
 
 hsGScalerContext::hsGScalerContext(const hsDescriptor* desc) {
-  if (FindRecord(desc, &fRecord) && fRecord.fOutlineWidth != 0) fStrokeDesc = PlainCopy(desc, fRecord);
+  if (!FindRecord(desc, &fRecord)) return;
+  fPathEffect = RebuildEffect<hsGPathEffect>(desc, kRecord_PathEffect, fRecord.fTextSize);
+  fRasterizer = RebuildEffect<hsGRasterizer>(desc, kRecord_Rasterizer, fRecord.fTextSize);
+  fMaskFilter = RebuildEffect<hsGMaskFilter>(desc, kRecord_MaskFilter, fRecord.fTextSize);
+  if (fRecord.fOutlineWidth != 0 || fPathEffect || fRasterizer) fStrokeDesc = PlainCopy(desc, fRecord);
 }
 
 hsGScalerContext::~hsGScalerContext() noexcept(false) {
+  Release(fPathEffect);
+  Release(fRasterizer);
+  Release(fMaskFilter);
   if (fStrokeDesc) hsDescriptor::Delete(fStrokeDesc);
 }
 
@@ -66,20 +116,29 @@ void hsGScalerContext::KernGlyphs(uint32_t, const uint16_t[], hsGGlyph[], hsPoin
   hsAssert(false, "KernGlyphs called but fDoesKerning is false");
 }
 
-void hsGScalerContext::Measure(hsGGlyph* glyph) {
+// By the outline where glyphs are drawn by it, else as the font's own kind says.
+void hsGScalerContext::MeasureUnfiltered(hsGGlyph* glyph) {
   GenerateMetrics(glyph);
-  if (glyph->fWidth != 0 && fStrokeDesc) {
-    hsPath path;
-    StrokedOutline(*glyph, &path);
+  if (glyph->fWidth == 0 || !fStrokeDesc) return;
+  hsPath path;
+  StrokedOutline(*glyph, &path);
+  hsIntRect bounds = {0, 0, 0, 0};
+  if (!fRasterizer) {
     hsRect rect;
-    hsIntRect bounds;
     path.ComputeBounds(&rect, false);
     rect.RoundOut(&bounds);
-    const bool fits = bounds.Width() <= UINT16_MAX && bounds.Height() <= UINT16_MAX;
-    glyph->fWidth = fits ? uint16_t(bounds.Width()) : 0;
-    glyph->fHeight = fits ? uint16_t(bounds.Height()) : 0;
-    glyph->fLeft = hsIntToFixed(bounds.fLeft);
-    glyph->fTop = hsIntToFixed(bounds.fTop);
+  } else if (!fRasterizer->ComputeBounds(path, hsMatrix(), &bounds)) {
+    bounds = {0, 0, 0, 0};
+  }
+  SetBounds(bounds, glyph);
+}
+
+void hsGScalerContext::Measure(hsGGlyph* glyph) {
+  MeasureUnfiltered(glyph);
+  if (glyph->fWidth != 0 && fMaskFilter) {
+    hsIntRect bounds = BoundsOf(*glyph);
+    fMaskFilter->ComputeBounds(fRecord.fMatrix, &bounds);
+    SetBounds(bounds, glyph);
   }
   const uint32_t width = glyph->fWidth;
   switch (fMaskType) {
@@ -87,7 +146,7 @@ void hsGScalerContext::Measure(hsGGlyph* glyph) {
     case kMask_Alpha:
     case kMask_3D: glyph->fRowBytes = width; break;
     case kMask_LCD:
-      hsAssert(!fStrokeDesc && fRecord.fFlags & hsGScalerRecord::kLCDAllowed, "unexpected LCD mask");
+      hsAssert(!fStrokeDesc && !fMaskFilter && fRecord.fFlags & hsGScalerRecord::kLCDAllowed, "unexpected LCD mask");
       glyph->fRowBytes = width * 3 + 2;
       break;
     default: hsThrowReported("bad mask type", fMaskType, hsException::kBadParam);
@@ -95,7 +154,32 @@ void hsGScalerContext::Measure(hsGGlyph* glyph) {
 }
 
 bool hsGScalerContext::GetImage(const hsGGlyph& glyph, uint8_t* buffer) {
+  return fMaskFilter ? RenderFiltered(glyph, buffer) : RenderUnfiltered(glyph, buffer);
+}
+
+bool hsGScalerContext::RenderUnfiltered(const hsGGlyph& glyph, uint8_t* buffer) {
   return fStrokeDesc ? RenderOutline(glyph, buffer) : GenerateImage(glyph, buffer);
+}
+
+// The image without the filter's margin, filtered, must come out as large as the glyph was measured.
+bool hsGScalerContext::RenderFiltered(const hsGGlyph& glyph, uint8_t* buffer) {
+  hsGGlyph plain = glyph;
+  MeasureUnfiltered(&plain);
+  hsGMask mask;
+  mask.fBounds = BoundsOf(plain);
+  mask.fMaskType = fMaskType;
+  mask.fRowBytes = plain.fWidth;
+  plain.fRowBytes = plain.fWidth;
+  mask.AllocImage();
+  if (!RenderUnfiltered(plain, mask.fImage)) return false;
+
+  hsGMask filtered;
+  const hsGMask& result = fMaskFilter->FilterMask(mask, fRecord.fMatrix, &filtered) ? filtered : mask;
+  if (!hsAssert(result.fBounds.Width() == glyph.fWidth, "bad width")) return false;
+  if (!hsAssert(result.fBounds.Height() == glyph.fHeight, "bad height")) return false;
+  if (!hsAssert(result.fRowBytes == glyph.fRowBytes, "bad rb")) return false;
+  std::memcpy(buffer, result.fImage, size_t{glyph.fRowBytes} * glyph.fHeight);
+  return true;
 }
 
 void hsGScalerContext::GetOutline(const hsGGlyph& glyph, hsPath* path) {
@@ -106,13 +190,21 @@ void hsGScalerContext::GetOutline(const hsGGlyph& glyph, hsPath* path) {
 void hsGScalerContext::StrokedOutline(const hsGGlyph& glyph, hsPath* path) {
   if (!hsAssert(fStrokeDesc, "need fStrokeDesc")) return;
   hsGStrike* plain = hsGStrike::FindOrCreate(fStrokeDesc);
-  const hsPath outline = *plain->GetPath(plain->GetGlyph(glyph.fCharCode));
+  hsPath outline = *plain->GetPath(plain->GetGlyph(glyph.fCharCode));
   plain->Release();
-  const hsFixed half = hsFixMulSat(fRecord.fOutlineWidth, fRecord.fTextSize) / 2;
-  if (half < 1) {
+  hsFixed width = hsFixMulSat(fRecord.fOutlineWidth, fRecord.fTextSize);
+  if (fPathEffect) {
+    hsPath changed;
+    hsFixed changedWidth = width == 0 ? -kFixed1 : width;  // to the effect no stroke is a fill
+    if (fPathEffect->FilterPath(&fRecord.fMatrix, &changedWidth, &outline, &changed)) {
+      outline = changed;
+      width = changedWidth;
+    }
+  }
+  if (width / 2 < 1) {
     *path = outline;
   } else {
-    HSScan::StrokePath(&outline, half, fRecord.fOutlineMiter, fRecord.fOutlineStyle, path);
+    HSScan::StrokePath(&outline, width / 2, fRecord.fOutlineMiter, fRecord.fOutlineStyle, path);
   }
   if (fRecord.fMatrix.GetType()) path->Transform(&fRecord.fMatrix);
 }
@@ -134,6 +226,7 @@ bool hsGScalerContext::RenderOutline(const hsGGlyph& glyph, uint8_t* buffer) {
 
   const hsMatrix identity;
   hsGAttribute paint(bits ? 0 : uint32_t{hsGAttribute::kAntiAlias});
+  paint.SetRasterizer(fRasterizer);
   hsGRawDraw draw;
   draw.fBitmap = &bitmap;
   draw.fMatrix = &identity;

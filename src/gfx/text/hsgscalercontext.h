@@ -1,7 +1,8 @@
 // What measures a strike's glyphs, renders them and gives their outlines.
 //
-// The base carries what is alike for all kinds of font: outlining and mask filters, which work on the outlines that
-// the kind gives. A context is made from the strike's descriptor and lives with the strike.
+// The base carries what is alike for all kinds of font: outlining, path effects and rasterizers, which work on the
+// outlines that the kind gives, and mask filters, which work on images however they were made. A context is made from
+// the strike's descriptor and lives with the strike.
 #pragma once
 
 #include "gfx/foundation/hsdescriptor.h"
@@ -17,6 +18,10 @@ struct hsGMask;
 
 inline constexpr uint32_t kRecord_FontScaler = hsTag("Sclr");      // 4 bytes, an hsGScalerKind
 inline constexpr uint32_t kRecord_FontScalerDesc = hsTag("TRec");  // an hsGScalerRecord
+// Effects: the number of the create procedure, and what Flatten wrote.
+inline constexpr uint32_t kRecord_PathEffect = hsTag("PEff");
+inline constexpr uint32_t kRecord_Rasterizer = hsTag("Rast");
+inline constexpr uint32_t kRecord_MaskFilter = hsTag("MskF");
 
 enum hsGScalerKind : uint32_t {
   kScaler_None = 0,
@@ -79,8 +84,15 @@ class hsGScalerContext {
   bool fDoesKerning = false;
 
  private:
+  void MeasureUnfiltered(hsGGlyph* glyph);
   void StrokedOutline(const hsGGlyph& glyph, hsPath* path);
+  bool RenderUnfiltered(const hsGGlyph& glyph, uint8_t* buffer);
   bool RenderOutline(const hsGGlyph& glyph, uint8_t* buffer);
+  bool RenderFiltered(const hsGGlyph& glyph, uint8_t* buffer);
 
-  hsDescriptor* fStrokeDesc = nullptr;  // of the plain font, to outline its glyphs; nil for no outlining
+  // Each has a reference, or is nil.
+  hsGPathEffect* fPathEffect = nullptr;
+  hsGRasterizer* fRasterizer = nullptr;
+  hsGMaskFilter* fMaskFilter = nullptr;
+  hsDescriptor* fStrokeDesc = nullptr;  // of the plain font, for glyphs that are drawn by their outlines; or nil
 };

@@ -207,7 +207,7 @@ void hsGScalerContextT2K::KernGlyphs(uint32_t count, const uint16_t chars[], hsG
     if (indices[i] != 0) GetKernPair(scaler->font, indices[i - 1], indices[i], &units, &ignored);
     const hsFixed x = hsFixMulSat(hsIntToFixed(units), scaler->xMul);
     const hsPoint adjustment = {hsFixMulSat(scaler->t00, x), hsWrapNeg(hsFixMulSat(scaler->t10, x))};
-    half = {adjustment.fX / 2, adjustment.fY / 2};
+    half = {adjustment.fX >> 1, adjustment.fY >> 1};
     if (glyphs) {
       glyphs[i - 1].fAdvanceX = hsWrapAdd(glyphs[i - 1].fAdvanceX, half.fX);
       glyphs[i - 1].fAdvanceY = hsWrapAdd(glyphs[i - 1].fAdvanceY, half.fY);

@@ -92,8 +92,8 @@ uint32_t hsGTextContext::SetText(uint32_t length, const void* text) {
 void hsGTextContext::Offset(hsGGlyph* glyph) const {
   glyph->fAdvanceX = hsWrapAdd(glyph->fAdvanceX, fAdvanceExtra.fX);
   glyph->fAdvanceY = hsWrapAdd(glyph->fAdvanceY, fAdvanceExtra.fY);
-  glyph->fLeft = hsWrapAdd(glyph->fLeft, hsWrapAdd(fGlyphOffset.fX, fAdvanceExtra.fX / 2));
-  glyph->fTop = hsWrapAdd(glyph->fTop, hsWrapAdd(fGlyphOffset.fY, fAdvanceExtra.fY / 2));
+  glyph->fLeft = hsWrapAdd(glyph->fLeft, hsWrapAdd(fGlyphOffset.fX, fAdvanceExtra.fX >> 1));
+  glyph->fTop = hsWrapAdd(glyph->fTop, hsWrapAdd(fGlyphOffset.fY, fAdvanceExtra.fY >> 1));
 }
 
 hsGGlyph* hsGTextContext::GetGlyphs() {

@@ -51,9 +51,8 @@ uint16_t MapByte(hsSfntBytes map, uint32_t code) { return code < 0x100 ? uint16_
 
 uint16_t MapHighByte(hsSfntBytes map, uint32_t code) {
   constexpr uint32_t kKeys = 6, kSubHeaders = 0x206;
-  const uint32_t key = hsSfntU16(map, kKeys + 2 * (code >> 8));
-  if (key == 0 && code >> 8 != 0) return 0;
-  const uint32_t header = kSubHeaders + key;
+  // Key 0, that of single bytes, looks up the low byte whatever the high one is.
+  const uint32_t header = kSubHeaders + hsSfntU16(map, kKeys + 2 * (code >> 8));
   const uint32_t index = (code & 0xFF) - hsSfntU16(map, header);
   if (index >= hsSfntU16(map, header + 2)) return 0;
   const uint32_t glyph = hsSfntU16(map, header + 6 + hsSfntU16(map, header + 6) + 2 * index);

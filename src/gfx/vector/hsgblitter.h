@@ -33,7 +33,19 @@ class hsGBlitter : public hsRefCnt {
   // Makes the blitter over for another bitmap and paint; false if it isn't one for those.
   virtual bool Reuse(const hsGBitmap& bitmap, const hsGAttribute& attr, int32_t maskType);
 
-  // The coverage that the next BlitH has to apply, its first byte that of x; nil for full coverage. Whoever sets it
-  // clears it again.
+  // The coverage that the next BlitH has to apply, its first byte that of x; nil for full coverage. It is set under an
+  // hsGCoverageScope only.
   const uint8_t* fAlpha = nullptr;
+};
+
+// Takes the coverage away from a blitter, however the scope ends.
+class hsGCoverageScope {
+ public:
+  explicit hsGCoverageScope(hsGBlitter* blitter) : fBlitter(blitter) {}
+  ~hsGCoverageScope() { fBlitter->fAlpha = nullptr; }
+  hsGCoverageScope(const hsGCoverageScope&) = delete;
+  hsGCoverageScope& operator=(const hsGCoverageScope&) = delete;
+
+ private:
+  hsGBlitter* fBlitter;
 };

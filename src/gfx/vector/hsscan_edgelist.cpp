@@ -133,8 +133,18 @@ hsEdge* hsEdgeList::Sort() {
   Entry few[kInlineCount + 1];
   std::unique_ptr<Entry[]> many(fCount > kInlineCount ? new Entry[size_t(fCount) + 1] : nullptr);
   Entry* const order = many ? many.get() : few;
-  for (int32_t i = 0; i < fCount; ++i) order[i + 1] = Entry(fEdges + i);
-  HeapSort(order, fCount);
+  const auto fill = [&] {
+    for (int32_t i = 0; i < fCount; ++i) order[i + 1] = Entry(fEdges + i);
+  };
+  fill();
+  // How a heap leaves equal edges shows in how their spans meet. Without any, a faster sort gives the same.
+  std::sort(order + 1, order + fCount + 1, [](const Entry& a, const Entry& b) { return a.key < b.key; });
+  for (int32_t i = 1; i < fCount; ++i)
+    if (order[i].key == order[i + 1].key) {
+      fill();
+      HeapSort(order, fCount);
+      break;
+    }
   for (int32_t i = 1; i < fCount; ++i) order[i].edge->fNext = order[i + 1].edge;
   order[fCount].edge->fNext = nullptr;
   return order[1].edge;

@@ -25,21 +25,29 @@ bool IsOrdered(const hsEdge* edge, const hsEdge* stop) {
   return true;
 }
 
-// Brings the run behind head, up to stop, into order and gives its last edge. It is in order up to `sorted`. Equal
-// edges stay as they were.
-hsEdge* SortActive(hsEdge* head, hsEdge* sorted, const hsEdge* stop) {
-  for (hsEdge* edge; (edge = sorted->fNext) != stop;) {
-    if (sorted->fX <= edge->fX) {
-      sorted = edge;
+// Where a run stops being in order: up to `last` it is, and the edge behind that belongs farther in front.
+struct Overtaken {
+  hsEdge* beforeLast;
+  hsEdge* last = nullptr;  // nil for a run that is in order
+};
+
+// Brings the run behind head, up to stop, into order and gives its last edge. Equal edges stay as they were.
+hsEdge* SortActive(hsEdge* head, Overtaken sorted, const hsEdge* stop) {
+  for (hsEdge* edge; (edge = sorted.last->fNext) != stop;) {
+    if (sorted.last->fX <= edge->fX) {
+      sorted = {sorted.last, edge};
       continue;
     }
-    sorted->fNext = edge->fNext;
-    hsEdge* before = head;
+    sorted.last->fNext = edge->fNext;
+    // Most often it has passed one edge only.
+    const bool passedOne = sorted.beforeLast->fX <= edge->fX;
+    hsEdge* before = passedOne ? sorted.beforeLast : head;
     while (before->fNext->fX <= edge->fX) before = before->fNext;
     edge->fNext = before->fNext;
     before->fNext = edge;
+    if (passedOne) sorted.beforeLast = edge;
   }
-  return sorted;
+  return sorted.last;
 }
 
 // Takes the edges from `fresh` on that start on row y into the run from behind head to last; both are in order. A
@@ -59,14 +67,50 @@ void Merge(hsEdge* head, hsEdge* last, hsEdge* fresh, int32_t y) {
 }
 
 // Readies the list for row y. The active edges run from behind head to last; stop, behind them, is the first that
-// hasn't started. sorted is nil when the active edges are in order; otherwise the last before one that has been
-// overtaken. What the walk has seen in order and doesn't change here isn't looked at again.
-void Resort(hsEdge* sorted, hsEdge* head, hsEdge* last, hsEdge* stop, int32_t y) {
-  if (sorted) {
+// hasn't started. What the walk has seen in order and doesn't change here isn't looked at again.
+void Resort(const Overtaken& sorted, hsEdge* head, hsEdge* last, hsEdge* stop, int32_t y) {
+  if (sorted.last) {
     last = SortActive(head, sorted, stop);
     hsAssert(IsOrdered(head->fNext, stop), "bubble sort failed");
   }
   if (stop && stop->fFirstY <= y) Merge(head, last, stop, y);
+}
+
+// The spans of a row, noted first and drawn together: whether an edge ends one is a toss-up that is better counted than
+// branched on.
+template <typename Clip>
+class RowSpans {
+ public:
+  RowSpans(const Clip& clip, int32_t y) : fClip(clip), fY(y) {}
+
+  void Add(int32_t left, int32_t right, bool counts) {
+    fSpans[fCount] = {left, right};
+    fCount += counts;
+    if (fCount == kMany) [[unlikely]]
+      Draw();
+  }
+  void Draw() {
+    for (int32_t i = 0; i < fCount; ++i) fClip.Blit(fY, fSpans[i].left, fSpans[i].right);
+    fCount = 0;
+  }
+
+ private:
+  static constexpr int32_t kMany = 64;
+  struct Span {
+    int32_t left, right;
+  };
+
+  const Clip& fClip;
+  const int32_t fY;
+  int32_t fCount = 0;
+  Span fSpans[kMany];
+};
+
+// At the end of an edge's line: false when nothing follows it.
+template <typename Clip>
+bool GoesOn(hsEdge* edge, const Clip& clip) {
+  hsAssert(edge->fCount == 0, kFailed);
+  return edge->Advance(clip.Bounds());
 }
 
 template <typename Clip>
@@ -75,36 +119,37 @@ void Walk(hsEdge* first, int32_t top, int32_t bottom, int32_t mask, const Clip& 
   head.fNext = first;
   head.fX = kBelowAll;
   for (int32_t y = top; y < bottom; ++y) {
+    hsEdge* beforePrev = &head;
     hsEdge* prev = &head;
     hsEdge* curr = head.fNext;
     if (!hsAssert(curr, kFailed)) return;
-    int32_t left = kLeftmost, winding = 0;
+    // The edges are in order, so the first one tells for all.
+    hsAssert(curr->fFirstY > y || curr->fX >> 16 >= kLeftmost, "unordered edges");
+    int32_t left = 0, winding = 0;
     hsFixed lastX = kBelowAll;
-    hsEdge* sorted = nullptr;
+    Overtaken sorted{};
+    RowSpans<Clip> spans(clip, y);
     while (curr && curr->fFirstY <= y) {
-      if (!hsAssert(curr->fCount >= 1, kFailed)) curr->fCount = 1;
       const int32_t x = curr->fX >> 16;
       const bool wasInside = (winding & mask) != 0;
       winding += curr->fWinding;
-      if (!wasInside) {
-        hsAssert(x >= left, "unordered edges");
-        left = x;
-      } else if ((winding & mask) == 0) {
-        hsAssert(x >= left, "unordered edges");
-        if (left < x) clip.Blit(y, left, x);
-        left = x;
-      }
+      const bool isInside = (winding & mask) != 0;
+      left = wasInside ? left : x;
+      spans.Add(left, x, wasInside & !isInside & (left < x));
       curr->fX = hsWrapAdd(curr->fX, curr->fDX);
       hsEdge* const next = curr->fNext;
-      if (--curr->fCount == 0 && !curr->Advance(clip.Bounds())) {
+      if (--curr->fCount <= 0 && !GoesOn(curr, clip)) [[unlikely]] {
         prev->fNext = next;
       } else {
-        if (curr->fX < lastX && !sorted) sorted = prev;
+        if (curr->fX < lastX && !sorted.last) [[unlikely]]
+          sorted = {beforePrev, prev};
         lastX = curr->fX;
+        beforePrev = prev;
         prev = curr;
       }
       curr = next;
     }
+    spans.Draw();
     Resort(sorted, &head, prev, curr, y + 1);
   }
 }

@@ -25,15 +25,12 @@ class ClippingBlitter : public hsGBlitter {
   const Spans spans;
 };
 
-// Where the pixels of a line may lie, if its clip is known to hold them.
-struct Box {
-  explicit Box(hsPoint p0, hsPoint p1) {
-    const auto [left, right] = std::minmax({hsFixedRound(p0.fX), hsFixedRound(p1.fX)});
-    const auto [top, bottom] = std::minmax({hsFixedRound(p0.fY), hsFixedRound(p1.fY)});
-    rect = {left - 1, top - 1, right + 1, bottom + 1};
-  }
-  hsIntRect rect;
-};
+// The pixels around a line: a clip that holds them needn't be asked any more.
+hsIntRect BoxOf(hsPoint p0, hsPoint p1) {
+  const auto [left, right] = std::minmax({hsFixedRound(p0.fX), hsFixedRound(p1.fX)});
+  const auto [top, bottom] = std::minmax({hsFixedRound(p0.fY), hsFixedRound(p1.fY)});
+  return {left - 1, top - 1, right + 1, bottom + 1};
+}
 
 bool MakeRun(hsPoint p0, hsPoint p1, bool isSteep, hsHairRun* run) {
   hsScalar hsPoint::*const major = isSteep ? &hsPoint::fY : &hsPoint::fX;
@@ -50,9 +47,10 @@ bool MakeRun(hsPoint p0, hsPoint p1, bool isSteep, hsHairRun* run) {
   return true;
 }
 
-// Over a long line the slope's last bit adds up, and the last pixel can stray beside the box.
-void KeepInside(const hsIntRect& box, hsHairRun* run) {
-  const int32_t least = run->fIsSteep ? box.fLeft : box.fTop, end = run->fIsSteep ? box.fRight : box.fBottom;
+// Over a long line the slope's last bit adds up, and the last pixel can stray beside the box. It is drawn, but never
+// where the clip's bounds end.
+void KeepInside(const hsIntRect& clip, hsHairRun* run) {
+  const int32_t least = run->fIsSteep ? clip.fLeft : clip.fTop, end = run->fIsSteep ? clip.fRight : clip.fBottom;
   const auto isOut = [&](int32_t i) {
     const int32_t pixel = int32_t((run->fMinor + int64_t{run->fSlope} * i) >> 16);
     return pixel < least || pixel >= end;
@@ -79,8 +77,8 @@ bool OrderedRounds(hsFixed a, hsFixed b, int32_t* from, int32_t* count) {
   return *count > 0;
 }
 
-// box is nil for a line that nothing is known of.
-void DrawLine(hsPoint p0, hsPoint p1, const Box* box, hsGBlitter* blitter) {
+// clip holds the line's box, or is nil for a line that needs none.
+void DrawLine(hsPoint p0, hsPoint p1, const hsIntRect* clip, hsGBlitter* blitter) {
   const uint32_t dx = hsMagnitude32(hsWrapSub(p1.fX, p0.fX)), dy = hsMagnitude32(hsWrapSub(p1.fY, p0.fY));
   int32_t from, count;
   if (dx == 0 && dy == 0) return blitter->BlitH(p0.fY >> 16, p0.fX >> 16, 1);
@@ -94,7 +92,7 @@ void DrawLine(hsPoint p0, hsPoint p1, const Box* box, hsGBlitter* blitter) {
   }
   hsHairRun run;
   if (!MakeRun(p0, p1, dx <= dy, &run)) return;
-  if (box) KeepInside(box->rect, &run);
+  if (clip) KeepInside(*clip, &run);
   if (run.fCount == 0) return;
   uint32_t value;
   if (const hsGBitmap* bitmap = blitter->GetDirectTarget(&value))
@@ -142,8 +140,7 @@ hsRect FixedBounds(const hsRegion& region) {
 void HSScan::HairLine(const hsPoint& p0, const hsPoint& p1, const hsRegion* clip, hsGBlitter* blitter) {
   if (!clip) return DrawLine(p0, p1, nullptr, blitter);
   if (clip->IsEmpty()) return;
-  const Box box(p0, p1);
-  if (clip->Contains(box.rect)) return DrawLine(p0, p1, &box, blitter);
+  if (clip->Contains(BoxOf(p0, p1))) return DrawLine(p0, p1, &clip->Bounds(), blitter);
   hsPoint ends[2];
   if (!hsClipLine::ClipLine(p0, p1, FixedBounds(*clip), ends)) return;
   if (clip->IsRect()) {

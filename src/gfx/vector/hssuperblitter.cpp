@@ -48,6 +48,7 @@ hsSuperBlitter::hsSuperBlitter(const hsIntRect& bounds, const hsRegion* clip, hs
     : fBounds(bounds),
       fClip(clip),
       fRealBlitter(realBlitter),
+      fCovered(realBlitter),
       fWordCount((bounds.Width() + kWordPixels - 1) / kWordPixels),
       fSuperLeft(bounds.fLeft * kSamples),
       fSuperTop(bounds.fTop * kSamples) {
@@ -61,7 +62,6 @@ hsSuperBlitter::hsSuperBlitter(const hsIntRect& bounds, const hsRegion* clip, hs
 
 hsSuperBlitter::~hsSuperBlitter() noexcept(false) {
   if (fDirty) Flush(false);
-  fRealBlitter->fAlpha = nullptr;
 }
 
 void hsSuperBlitter::BlitH(int32_t y, int32_t x, int32_t width) {

@@ -41,6 +41,7 @@ class hsSuperBlitter : public hsGBlitter {
   const hsIntRect fBounds;
   const hsRegion* const fClip;
   hsGBlitter* const fRealBlitter;
+  const hsGCoverageScope fCovered;
   const int32_t fWordCount;       // of coverage in a row, eight pixels each
   uint64_t* fCoverage = fInline;  // the row, a byte a pixel, and a spare word
   bool fDirty = false;

@@ -4,6 +4,8 @@
 #include <QKeyEvent>
 #include <QTextBlock>
 #include <algorithm>
+#include <string>
+#include <utility>
 
 #include "host/qt/windows1252.h"
 
@@ -58,18 +60,25 @@ void ConsoleEdit::select(EditSelection selection) {
 
 void ConsoleEdit::replaceSelection(std::string_view text) {
   QTextCursor cursor = textCursor();
-  cursor.insertText(textFromBytes(text));
+  std::string bytes = std::exchange(heldReturn, false) ? "\r" : "";
+  bytes += text;
+  // The console's buffer may end between a CR and its LF, which are one break.
+  if (bytes.ends_with('\r')) {
+    bytes.pop_back();
+    heldReturn = true;
+  }
+  cursor.insertText(textFromBytes(bytes));
   setTextCursor(cursor);
   ensureCursorVisible();
 }
 
 void ConsoleEdit::keyPressEvent(QKeyEvent* event) {
-  const auto ordinary = [this, event] { QPlainTextEdit::keyPressEvent(event); };
-  if (event->text() == "\r" && onEnter) {
-    onEnter(ordinary);
-  } else {
-    ordinary();
-  }
+  if (event->text() != "\r" || !onEnter) return QPlainTextEdit::keyPressEvent(event);
+  // With Shift the control would break the row inside the line.
+  onEnter([this] {
+    textCursor().insertBlock();
+    ensureCursorVisible();
+  });
 }
 
 int ConsoleEdit::bytePosition(int documentPosition) const {

@@ -32,4 +32,6 @@ class ConsoleEdit : public QPlainTextEdit, public EditControl {
  private:
   int bytePosition(int documentPosition) const;
   int documentPosition(int bytePosition) const;
+
+  bool heldReturn = false;  // a CR that waits for what comes behind it
 };

@@ -16,6 +16,8 @@
 
 namespace {
 
+constexpr qint64 kBreathInterval = 50;  // milliseconds
+
 QtDesktop* theDesktop = nullptr;  // for the halt function, which takes nothing
 
 // Closing either window ends the program.
@@ -33,6 +35,7 @@ QtDesktop::QtDesktop() {
   theDesktop = this;
   hsSetHaltProc([] { theDesktop->halt(); });
   sinceStart.start();
+  sinceTurn.start();
   wakeUp.setSingleShot(true);
   wakeUp.setTimerType(Qt::PreciseTimer);
   QObject::connect(&wakeUp, &QTimer::timeout, [this] { turn(); });
@@ -100,17 +103,27 @@ std::optional<std::string> QtDesktop::chooseFile(const std::string& title, const
   return QDir::toNativeSeparators(path).toStdString();
 }
 
+void QtDesktop::breathe() {
+  if (standsStill || sinceTurn.elapsed() < kBreathInterval) return;
+  standsStill = true;
+  QApplication::processEvents();
+  standsStill = false;
+  sinceTurn.start();
+  if (!consoleWindow->isVisible() || (screenWindow && !screenWindow->isVisible())) std::_Exit(0);
+}
+
 void QtDesktop::quit() { QApplication::quit(); }
 
 void QtDesktop::halt() {
   standsStill = true;
-  shell.console->write(std::string(hsReportText()) + "\n");
+  if (*hsReportText() != '\0') shell.console->write(std::string(hsReportText()) + "\n");
   QEventLoop().exec();
   std::_Exit(0);
 }
 
 void QtDesktop::turn() {
   if (standsStill) return;
+  sinceTurn.start();
   shell.step();
   schedule();
 }

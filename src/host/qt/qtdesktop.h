@@ -26,6 +26,7 @@ class QtDesktop : public Desktop {
   std::optional<std::string> chooseFile(const std::string& title, const std::string& filterName,
                                         const std::string& pattern) override;
   uint32_t milliseconds() override { return uint32_t(sinceStart.elapsed()); }
+  void breathe() override;
   void quit() override;
 
  private:
@@ -34,7 +35,7 @@ class QtDesktop : public Desktop {
   [[noreturn]] void halt();  // the engine stands still for ever; the windows go on
 
   Shell shell{*this};
-  QElapsedTimer sinceStart;
+  QElapsedTimer sinceStart, sinceTurn;  // since the windows last had their turn
   QTimer wakeUp;
   bool standsStill = false;  // behind an open dialog, or for ever behind a halt
   std::unique_ptr<QMainWindow> consoleWindow, screenWindow;

@@ -1,4 +1,9 @@
+#include <cstring>
+
+#include "gfx/pixel/hsgcreateproc.h"
+#include "gfx/pixel/hsgmaskfilter.h"
 #include "gfx/text/textfixture.h"
+#include "gfx/vector/hsgpatheffect.h"
 
 // A font unit at size 10, as the engine rounds it down to 16.16.
 constexpr hsFixed kUnit = 655;
@@ -165,6 +170,80 @@ TEST_F(TextTest, FastTextMovesThePoint) {
   fDraw.DrawFastText(3, "a b", &point, &rule);
   EXPECT_EQ(point, (hsPoint{22_px, 20_px}));  // 6 + 1, 3 + 2, 4 + 1
   ExpectBlocks({{6, 14, 10, 21}, {17, 18, 20, 23}, {5, 23, 22, 24}});
+
+  fPixels.assign(fPixels.size(), 0);
+  point = {5_px + 0x8000, 20_px + 0xC000};  // columns are rounded, rows cut
+  fDraw.DrawFastText(1, "a", &point, nullptr);
+  ExpectBlocks({{7, 14, 11, 21}});
+  // What lies outside the clip's bounds isn't even rendered.
+  const hsRegion clip(hsIntRect{0, 0, 64, 8});
+  fDraw.fClip = &clip;
+  const uint32_t images = hsGGlyphCache::ImageBytes();
+  fDraw.DrawFastText(1, "b", &point, nullptr);
+  fAttr.SetTextSize(9_px);
+  fDraw.DrawFastText(1, "b", &point, nullptr);
+  EXPECT_EQ(hsGGlyphCache::ImageBytes(), images);
+}
+
+namespace {
+
+// Moves an outline to the right by its own size, if it is to be filled.
+class ShiftEffect : public hsGPathEffect {
+ public:
+  explicit ShiftEffect(int32_t size) : hsGPathEffect(size) {}
+  static hsGSizedFlattenable* Create(const void** cursor, int32_t size) {
+    *cursor = static_cast<const char*>(*cursor) + 4;
+    return new ShiftEffect(size);
+  }
+  uint32_t GetCreateProc() const override { return hsGRegisterCreateProc(Create); }
+  bool FilterPath(const hsMatrix*, hsScalar* width, const hsPath* src, hsPath* dst) const override {
+    if (*width >= 0) return false;
+    dst->Offset(fStdSize, 0, src);
+    return true;
+  }
+};
+
+// A pixel of margin on each side, and full coverage everywhere.
+class BoxFilter : public hsGMaskFilter {
+ public:
+  static hsGSizedFlattenable* Create(const void** cursor, int32_t) {
+    *cursor = static_cast<const char*>(*cursor) + 4;
+    return new BoxFilter;
+  }
+  uint32_t GetCreateProc() const override { return hsGRegisterCreateProc(Create); }
+  bool FilterMask(const hsGMask& src, const hsMatrix& matrix, hsGMask* dst) override {
+    dst->fBounds = src.fBounds;
+    ComputeBounds(matrix, &dst->fBounds);
+    dst->fMaskType = kMask_Alpha;
+    dst->fRowBytes = hsGMask::RowBytes(kMask_Alpha, dst->fBounds.Width());
+    dst->AllocImage();
+    std::memset(dst->fImage, 0xFF, dst->ImageSize());
+    return true;
+  }
+  void ComputeBounds(const hsMatrix&, hsIntRect* rect) override {
+    *rect = {rect->fLeft - 1, rect->fTop - 1, rect->fRight + 1, rect->fBottom + 1};
+  }
+};
+
+}  // namespace
+
+TEST_F(TextTest, EffectsArePartOfTheStrike) {
+  auto* effect = new ShiftEffect(0);
+  fAttr.SetPathEffect(effect);
+  effect->UnRef();
+  // Rebuilt for the text size, 10, it shifts by 10 pixels; drawn by its outline, the mask stands on the baseline.
+  Draw("a", 5_px, 20_px);
+  ExpectBlocks({{16, 13, 20, 20}});
+  EXPECT_EQ(Width("a"), 6_px);
+
+  fPixels.assign(fPixels.size(), 0);
+  fAttr.SetPathEffect(nullptr);
+  auto* filter = new BoxFilter;
+  fAttr.SetMaskFilter(filter);
+  filter->UnRef();
+  Draw("b", 5_px, 20_px);
+  ExpectBlocks({{4, 16, 10, 24}});  // grey: the touched fourth column and sixth row count, and the margin
+  EXPECT_EQ(Width("b"), 4_px);
 }
 
 TEST_F(TextTest, BrokenUTF8IsReportedAndStaysInItsBytes) {

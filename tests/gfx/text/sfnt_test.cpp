@@ -109,7 +109,8 @@ class BitmapFontTest : public TextTest {
 TEST_F(BitmapFontTest, PackedRowsMoveOnByTheirWidth) {
   // 9 x 3 pixels: a full row, its two ends, a full row.
   const Bytes data = Bytes().U32(0).U8(3).U8(9).U8(1).U8(3).U8(11).U8(0xFF).U8(0xC0).U8(0x7F).U8(0xE0);
-  UseFont({{10, Bytes().Words({1, 2}).U32(0).U32(4).U32(13).U32(13)}}, data);
+  UseFont({{16, Bytes().Words({1, 2}).U32(0).U32(4).U32(13).U32(13)}}, data);
+  fAttr.SetTextSize(16_px);
   Draw("aa", 5_px, 20_px);
   ExpectBlocks({{6, 17, 15, 18},
                 {6, 18, 7, 19},
@@ -131,19 +132,33 @@ TEST_F(BitmapFontTest, TheNearestStrikeServesTheLaterOfTwo) {
     // All glyphs alike, metrics in the location table, packed bits.
     return Bytes().Words({2, 5}).U32(0).U32(1).U8(2).U8(4).U8(0).U8(2).U8(advance).U8(0).U8(0).U8(0);
   };
-  UseFont({{10, strike(10)}, {12, strike(24)}}, Bytes().U8(0xF9));
-  fAttr.SetTextSize(11_px);
-  EXPECT_NEAR(Width("a"), 22_px, 8);
-  fAttr.SetTextSize(10_px);
+  UseFont({{8, strike(10)}, {16, strike(24)}}, Bytes().U8(0xF9));
+  fAttr.SetTextSize(12_px);
+  EXPECT_EQ(Width("a"), 18_px);
+  fAttr.SetTextSize(8_px);
   EXPECT_EQ(Width("b"), 10_px);
   Draw("b", 5_px, 20_px);
   ExpectBlocks({{5, 18, 9, 19}, {5, 19, 6, 20}, {8, 19, 9, 20}});
 
   // Twice the size, each pixel four.
   fPixels.assign(fPixels.size(), 0);
-  fAttr.SetTextSize(24_px);
+  fAttr.SetTextSize(32_px);
   Draw("a", 5_px, 20_px);
   ExpectBlocks({{5, 16, 13, 18}, {5, 18, 7, 20}, {11, 18, 13, 20}});
+
+  UseFont({{10, strike(24)}}, Bytes().U8(0xF9));
+  fAttr.SetTextSize(10_px);
+  EXPECT_EQ(Width("a"), 24 * 10 * 6554);  // by the rounded tenth of a pixel
+}
+
+TEST_F(BitmapFontTest, ListedGlyphsHaveTheirOwnPlaces) {
+  // Glyph 2 alone is listed, at offset 1 of the images: one row of 5 pixels, 1 above the baseline.
+  const Bytes listed = Bytes().Words({5, 5}).U32(4).U32(1).U8(1).U8(5).U8(0).U8(1).U8(6).U8(0).U8(0).U8(0);
+  UseFont({{16, Bytes(listed).U32(1).Words({2, 1})}}, Bytes().U32(0).U8(0).U8(0xB8));
+  fAttr.SetTextSize(16_px);
+  EXPECT_EQ(Width("ab"), 6_px);
+  Draw("ab", 5_px, 20_px);
+  ExpectBlocks({{5, 19, 6, 20}, {7, 19, 10, 20}});
 }
 
 TEST_F(BitmapFontTest, DamagedTablesDrawNothing) {

@@ -85,8 +85,9 @@ TEST(HairLine, StaysInsideItsClip) {
   }
 }
 
-// Long lines add up their slope's last bit. The clip that just holds the line's box must hold its pixels too.
-TEST(HairLine, LongLinesDoNotStrayOutOfTheirBox) {
+// Long lines add up their slope's last bit. The clip that just holds the line's box must hold its pixels too; one with
+// room to spare changes nothing.
+TEST(HairLine, LongLinesStrayOutOfTheirBoxButNotOutOfTheClip) {
   struct Last : hsGBlitter {
     void BlitH(int32_t y, int32_t x, int32_t) override { pixel = {x, y}; }
     hsIntPoint pixel{0, 0};
@@ -99,9 +100,13 @@ TEST(HairLine, LongLinesDoNotStrayOutOfTheirBox) {
                     14000 * kFixed1 + 0x7FFF - hsScalar(random() % 256)};
     const hsRegion clip(
         hsIntRect{hsFixedRound(a.fX) - 1, hsFixedRound(a.fY) - 1, hsFixedRound(b.fX) + 1, hsFixedRound(b.fY) + 1});
-    Last last;
+    Last last, unclipped, roomy;
     HSScan::HairLine(a, b, &clip, &last);
     ASSERT_TRUE(clip.Contains(last.pixel.fX, last.pixel.fY)) << i;
+    HSScan::HairLine(a, b, nullptr, &unclipped);
+    const hsRegion wide(hsIntRect{-9, -9, 15000, 15000});
+    HSScan::HairLine(a, b, &wide, &roomy);
+    ASSERT_EQ(roomy.pixel, unclipped.pixel) << i;
   }
 }
 

@@ -1,0 +1,85 @@
+// A line of 60 characters beside Cairo's text, both with a warm cache: the same font at the same size, grey and bits,
+// on 720 x 480 pixels of 16 bits, an opaque colour.
+#include <benchmark/benchmark.h>
+#include <cairo-ft.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <vector>
+
+#include "gfx/pixel/hsgrasterdevice.h"
+#include "gfx/text/hsgfontregistry.h"
+
+namespace {
+
+constexpr char kFont[] = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
+constexpr char kText[] = "Tonight at 8.15: The Long Way Home, a film by four brothers.";
+constexpr uint32_t kLength = sizeof kText - 1;
+static_assert(kLength == 60);
+constexpr int kWidth = 720, kHeight = 480, kX = 20, kBaseline = 200;
+
+size_t Inked(const std::vector<uint16_t>& pixels) {
+  return size_t(std::count_if(pixels.begin(), pixels.end(), [](uint16_t p) { return p != 0; }));
+}
+
+// range(0): the size in pixels; range(1): grey or bits.
+void BM_DrawText(benchmark::State& state) {
+  static const uint32_t font = hsGFontRegistry::RegisterFile(kFont, 0);
+  if (font == 0) return state.SkipWithError("no font");
+  std::vector<uint16_t> pixels(kWidth * kHeight);
+  hsGBitmap bitmap;
+  bitmap.SetConfig(hsGBitmap::kConfig_RGB16);
+  bitmap.fWidth = kWidth;
+  bitmap.fHeight = kHeight;
+  bitmap.fRowBytes = 2 * kWidth;
+  bitmap.fImage = pixels.data();
+  hsGRasterDevice device;
+  device.SetBitmap(&bitmap);
+  hsGAttribute paint(state.range(1) ? uint32_t{hsGAttribute::kAntiAlias} : 0);
+  paint.SetColor(0xFFFF, 0xE000, 0x8000, 0x4000);
+  paint.SetFontID(font);
+  paint.SetTextEncoding(hsGAttribute::kUTF8);
+  paint.SetTextSize(hsIntToFixed(int(state.range(0))));
+  for (auto _ : state) {
+    device.DrawText(kLength, kText, hsIntToFixed(kX), hsIntToFixed(kBaseline), &paint);
+    benchmark::ClobberMemory();
+  }
+  device.SetBitmap(nullptr);
+  state.counters["inked"] = double(Inked(pixels));
+}
+
+void BM_CairoShowText(benchmark::State& state) {
+  FT_Library library;
+  FT_Face face;
+  FT_Init_FreeType(&library);
+  if (FT_New_Face(library, kFont, 0, &face) != 0) return state.SkipWithError("no font");
+  std::vector<uint16_t> pixels(kWidth * kHeight);
+  cairo_surface_t* surface = cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(pixels.data()),
+                                                                 CAIRO_FORMAT_RGB16_565, kWidth, kHeight, 2 * kWidth);
+  cairo_t* cairo = cairo_create(surface);
+  cairo_font_face_t* cairoFace = cairo_ft_font_face_create_for_ft_face(face, 0);
+  cairo_set_font_face(cairo, cairoFace);
+  cairo_set_font_size(cairo, double(state.range(0)));
+  cairo_font_options_t* options = cairo_font_options_create();
+  cairo_font_options_set_antialias(options, state.range(1) ? CAIRO_ANTIALIAS_GRAY : CAIRO_ANTIALIAS_NONE);
+  cairo_set_font_options(cairo, options);
+  cairo_set_source_rgb(cairo, 0.875, 0.5, 0.25);
+  for (auto _ : state) {
+    cairo_move_to(cairo, kX, kBaseline);
+    cairo_show_text(cairo, kText);
+    benchmark::ClobberMemory();
+  }
+  cairo_surface_flush(surface);
+  state.counters["inked"] = double(Inked(pixels));
+  cairo_font_options_destroy(options);
+  cairo_font_face_destroy(cairoFace);
+  cairo_destroy(cairo);
+  cairo_surface_destroy(surface);
+  FT_Done_Face(face);
+  FT_Done_FreeType(library);
+}
+
+BENCHMARK(BM_DrawText)->ArgsProduct({{12, 20, 32}, {1, 0}})->ArgNames({"size", "grey"});
+BENCHMARK(BM_CairoShowText)->ArgsProduct({{12, 20, 32}, {1, 0}})->ArgNames({"size", "grey"});
+
+}  // namespace

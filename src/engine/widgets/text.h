@@ -1,0 +1,32 @@
+// A string, on one line or wrapped; with maxLength in its page one that digit keys append to.
+//
+// What surprises: keys and scripts write the value, but only keys write the echo that hides it, so the echo of a value
+// that a script or the page gave is made of zero bytes; and an echo is aligned by the width of what it hides.
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "engine/textstyle.h"
+#include "engine/widget.h"
+
+struct TextWidget : Widget {
+  using Widget::Widget;
+  int handleEvent(const Event* event) override;
+
+  std::optional<TextStyle> style;
+  std::optional<TextStyle> highlightStyle;
+  bool multiline = false;
+  bool editable = false;
+  bool fromRight = false;              // scripts read the last `length` bytes of the buffer
+  uint32_t alignment = 0;              // a widgetAlign number
+  uint32_t length = 0;                 // bytes
+  uint32_t maxLength = 0;              // bytes of the buffer
+  char echoChar = 0;                   // shown in place of each entered byte; 0 shows the bytes
+  const char* value = nullptr;         // no zero behind it; null for no text
+  std::unique_ptr<char[]> ownedValue;  // what `value` points to when that isn't the page
+  std::unique_ptr<char[]> echoBuffer;  // as long as the value, or null
+};
+
+// Null on failure, a maxLength beyond a megabyte included.
+Widget* textCreate(Frame* frame, Widget* parent, PageObject record);

@@ -1,0 +1,32 @@
+#include "engine/widgets/textparts.h"
+
+#include "engine/frame.h"
+#include "host/host.h"
+
+namespace {
+
+constexpr uint32_t kAlignMiddle = 1, kAlignEnd = 2;  // of either direction, the vertical one shifted down
+
+int32_t aligned(int32_t start, int32_t room, uint32_t alignment, int32_t size) {
+  const auto left = int32_t(uint32_t(room) - uint32_t(size));
+  if (left <= 0 || (alignment != kAlignMiddle && alignment != kAlignEnd)) return start;
+  return int32_t(uint32_t(start) + uint32_t(alignment == kAlignMiddle ? left / 2 : left));
+}
+
+}  // namespace
+
+std::optional<TextStyle> widgetTextStyle(const Widget* widget, const char* attribute) {
+  const char* name = widgetAttrString(widget, attribute);
+  if (!name) return std::nullopt;
+  if (const TextStyle* style = styleFind(widget->frame, name)) return *style;
+  hostLog("Unknown text style '%s'\n", name);
+  return std::nullopt;
+}
+
+int32_t alignedLeft(const Bounds& box, uint32_t alignment, int32_t width) {
+  return aligned(box.x, box.w, alignment & 3, width);
+}
+
+int32_t alignedTop(const Bounds& box, uint32_t alignment, int32_t height) {
+  return aligned(box.y, box.h, alignment >> 2 & 3, height);
+}
