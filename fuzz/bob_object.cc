@@ -3,7 +3,7 @@
 
 namespace {
 
-FILE* NoFiles(const char*, const char*) { return nullptr; }
+std::unique_ptr<BobStream> NoFiles(const char*, const char*) { return nullptr; }
 
 }  // namespace
 
