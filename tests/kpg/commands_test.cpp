@@ -39,7 +39,7 @@ TEST_F(CommandsTest, TellsWhatAFontHolds) {
   std::vector<uint8_t> font = BlockFontFile();
   WriteFile("blocks.ttf", font);
   EXPECT_EQ(kpg("font blocks.ttf --out specimen.png"), 0) << err;
-  EXPECT_NE(out.find("glyphs: 4 for 3 characters\nunits an em: 1000, ascent 800, descent -200"), std::string::npos);
+  EXPECT_NE(out.find("glyphs: 5 for 4 characters\nunits an em: 1000, ascent 800, descent -200"), std::string::npos);
   EXPECT_NE(out.find("platform 3 encoding 1 format 4"), std::string::npos);
   EXPECT_TRUE(out.ends_with("opens: yes\n"));
   EXPECT_EQ(text("specimen.png").substr(1, 3), "PNG");
