@@ -59,7 +59,7 @@ BobValue bobMakeString(BobInterp* interp, std::string_view text) {
   w[0] = kBobString;
   w[kStringLength] = uint32_t(text.size());
   w[size / 4 - 1] = 0;
-  std::memcpy(w + 2, text.data(), text.size());
+  std::copy(text.begin(), text.end(), reinterpret_cast<char*>(w + 2));  // an empty text may lie nowhere
   return object;
 }
 
