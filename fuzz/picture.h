@@ -31,7 +31,6 @@ inline void freshCache() {
   }();
   static std::vector<uint32_t> memory(kImageCacheSize / 4);
   desktop->log.clear();
-  imageCacheFree();
   clutsFree();
   imageCacheInit(memory.data(), kImageCacheSize);
 }
@@ -48,4 +47,5 @@ inline void drawPictureFile(const char* name, const uint8_t* data, size_t size) 
   }
   const CachedImage* good = imageGet("good.kpx");
   if (!good || imagePixels(*good)[1] != 8) std::abort();
+  imageCacheFree();
 }
