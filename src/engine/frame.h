@@ -25,7 +25,7 @@ struct Frame : Widget {
   PageObject rootObject;               // like language, stale after an unload until the next load
   Widget* widgets = nullptr;           // all the page's widgets; children stand ahead of their parent, the root last
   Widget** widgetsTail = &widgets;
-  uint32_t widgetsMade = 0;            // by the page's load
+  uint32_t widgetsMade = 0;  // by the page's load
   Widget* focus = nullptr;
   TextStyleNode* textStyles = nullptr;
   const ScriptingLanguage* language = nullptr;
