@@ -147,9 +147,9 @@ void hsGAttribute::SetCapJoin(uint32_t style) {
 
 hsFixed hsGAttribute::GetStrokeWidth(const hsMatrix* matrix) const {
   if (fMinWidth == 0 || fFrameSize == 0 || !matrix) return fFrameSize;
-  hsPoint units[2] = {{kFixed1, 0}, {0, kFixed1}};
-  matrix->MapVectors(2, units, units);
-  const hsFixed length = std::min(hsMagnitude(units[0].fX, units[0].fY), hsMagnitude(units[1].fX, units[1].fY));
+  // Of the unit vectors, by the linear part: perspective, which has no one scale, plays no part.
+  const auto& map = matrix->fMap;
+  const hsFixed length = std::min(hsMagnitude(map[0][0], map[1][0]), hsMagnitude(map[0][1], map[1][1]));
   const bool tooThin = hsFixMul(length, fFrameSize) < fMinWidth;
   return tooThin && length >= kShortestLength ? hsFixDiv(fMinWidth, length) : fFrameSize;
 }

@@ -108,7 +108,10 @@ TEST(Attribute, StrokeWidthReachesTheMinimumOnTheDevice) {
   attr.SetMinWidth(kFixed1);
   EXPECT_EQ(attr.GetStrokeWidth(nullptr), kFixed1);
   EXPECT_EQ(attr.GetStrokeWidth(&matrix), 4 * kFixed1);  // the smaller scale decides
-  matrix.SetScale(7, kFixed1, 0, 0);                     // too small to divide by
+  matrix.fMap[2][0] = kFract1;                           // perspective doesn't
+  matrix.fMap[0][2] = 10 * kFixed1;
+  EXPECT_EQ(attr.GetStrokeWidth(&matrix), 4 * kFixed1);
+  matrix.SetScale(7, kFixed1, 0, 0);  // too small to divide by
   EXPECT_EQ(attr.GetStrokeWidth(&matrix), kFixed1);
   matrix.SetScale(2 * kFixed1, kFixed1, 0, 0);
   EXPECT_EQ(attr.GetStrokeWidth(&matrix), kFixed1);
