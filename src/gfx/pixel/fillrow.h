@@ -23,11 +23,11 @@ inline void hsFillRow16(uint16_t* row, int32_t count, uint16_t value) {
   const hsWide16 wide = hsWide16{} + value;
   uint16_t* const last = row + count - kWide16;
   // The first and the last word may lie over their neighbours; in between they are aligned.
-  hsStoreWide16(row, wide);
-  hsStoreWide16(last, wide);
+  hsStoreWide(row, wide);
+  hsStoreWide(last, wide);
   if (count <= 2 * kWide16) return;
   row += kWide16 - (reinterpret_cast<uintptr_t>(row) / sizeof *row) % kWide16;
   for (; last - row >= 7 * kWide16; row += 8 * kWide16)
-    for (int32_t i = 0; i < 8; ++i) hsStoreWide16(row + i * kWide16, wide);
-  for (; row < last; row += kWide16) hsStoreWide16(row, wide);
+    for (int32_t i = 0; i < 8; ++i) hsStoreWide(row + i * kWide16, wide);
+  for (; row < last; row += kWide16) hsStoreWide(row, wide);
 }

@@ -9,6 +9,7 @@
 #include "gfx/pixel/lcdmask.h"
 #include "gfx/pixel/lerp.h"
 #include "gfx/pixel/maskwalk.h"
+#include "gfx/pixel/storebits.h"
 #include "gfx/pixel/wide16.h"
 
 namespace {
@@ -34,9 +35,9 @@ struct WideColor {
   }
   // Scales 0 to 256.
   void Blend(uint16_t* pixels, hsWide16 scale) const {
-    const hsWide16 d = hsLoadWide16(pixels);
-    hsStoreWide16(pixels, LerpWide(r6, d >> 10, scale) << 10 | LerpWide(g5, d >> 5 & 31, scale) << 5 |
-                              LerpWide(b5, d & 31, scale));
+    const hsWide16 d = hsLoadWide(pixels);
+    hsStoreWide(pixels, LerpWide(r6, d >> 10, scale) << 10 | LerpWide(g5, d >> 5 & 31, scale) << 5 |
+                            LerpWide(b5, d & 31, scale));
   }
   void BlendCovered(uint16_t* pixels, hsWide8 coverage) const {
     const hsWide16 v = __builtin_convertvector(coverage, hsWide16) * alphaScale >> 8;
@@ -83,15 +84,7 @@ const hsGBitmap* hsGColorBlitter16Opaque::GetDirectTarget(uint32_t* value) {
 
 void hsGColorBlitter16Opaque::BlitMask(const hsGMask& mask, const hsRegion* clip) {
   if (!hsAssert(mask.fMaskType == kMask_Bit, "bad masktype")) return;
-  const hsWide16 color = hsWide16{} + fPixel;
-  hsWalkBitsWide(
-      mask, clip, fDevice.fWidth,
-      [&](int32_t y, int32_t x, uint8_t bits) {
-        uint16_t* pixels = Pixels<uint16_t>(y, x);
-        const hsWide16 set = hsWideBits(bits);
-        hsStoreWide16(pixels, (hsLoadWide16(pixels) & ~set) | (color & set));
-      },
-      [this](int32_t y, int32_t x) { *Pixels<uint16_t>(y, x) = fPixel; });
+  hsStoreBits(fDevice, mask, clip, fPixel);
 }
 
 bool hsGColorBlitter16Opaque::Reuse(const hsGBitmap& bitmap, const hsGAttribute& attr, int32_t maskType) {
@@ -118,7 +111,7 @@ void hsGColorBlitter16::BlendSpan(uint16_t* pixels, int32_t width) const {
 void hsGColorBlitter16::BlendCovered(uint16_t* pixels, int32_t width, const uint8_t* coverage) const {
   const WideColor wide(fColor);
   for (; width >= kWide16; width -= kWide16, pixels += kWide16, coverage += kWide16)
-    wide.BlendCovered(pixels, hsLoadWide8(coverage));
+    wide.BlendCovered(pixels, hsLoadWide(coverage));
   const uint32_t scale = (fColor.fA >> 8) + 1u;
   const uint32_t r5 = fColor.fR >> 11, g5 = fColor.fG >> 11, b5 = fColor.fB >> 11;
   for (int32_t i = 0; i < width; ++i) {
@@ -166,8 +159,8 @@ void hsGColorBlitter16::BlitCoverage(const hsGMask& mask, const hsRegion* clip) 
     if (x + wideWidth > int32_t(fDevice.fWidth) || wideWidth > end - coverage)
       return BlendCovered(pixels, width, coverage);
     for (; width >= kWide16; width -= kWide16, pixels += kWide16, coverage += kWide16)
-      wide.BlendCovered(pixels, hsLoadWide8(coverage));
-    if (width > 0) wide.BlendCovered(pixels, hsFirstOfWide8(hsLoadWide8(coverage), width));
+      wide.BlendCovered(pixels, hsLoadWide(coverage));
+    if (width > 0) wide.BlendCovered(pixels, hsFirstOfWide8(hsLoadWide(coverage), width));
   });
 }
 

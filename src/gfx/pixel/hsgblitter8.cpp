@@ -7,7 +7,7 @@
 #include "gfx/pixel/lcdmask.h"
 #include "gfx/pixel/lerp.h"
 #include "gfx/pixel/maskwalk.h"
-#include "gfx/pixel/wide16.h"
+#include "gfx/pixel/storebits.h"
 
 hsGColor hsPaletteColor(const hsGBitmap& device, const hsGAttribute& attr) {
   const int32_t index = attr.ColorIndex();
@@ -38,15 +38,7 @@ const hsGBitmap* hsGIndexBlitter::GetDirectTarget(uint32_t* value) {
 
 void hsGIndexBlitter::BlitMask(const hsGMask& mask, const hsRegion* clip) {
   if (!hsAssert(mask.fMaskType == kMask_Bit, "bad masktype")) return;
-  const hsWide8 index = hsWide8{} + fIndex;
-  hsWalkBitsWide(
-      mask, clip, fDevice.fWidth,
-      [&](int32_t y, int32_t x, uint8_t bits) {
-        uint8_t* pixels = Pixels<uint8_t>(y, x);
-        const hsWide8 set = hsWide8Bits(bits);
-        hsStoreWide8(pixels, (hsLoadWide8(pixels) & ~set) | (index & set));
-      },
-      [this](int32_t y, int32_t x) { *Pixels<uint8_t>(y, x) = fIndex; });
+  hsStoreBits(fDevice, mask, clip, fIndex);
 }
 
 bool hsGIndexBlitter::Reuse(const hsGBitmap& bitmap, const hsGAttribute& attr, int32_t maskType) {

@@ -6,6 +6,7 @@
 #include "gfx/pixel/hsgattribute.h"
 #include "gfx/pixel/lerp.h"
 #include "gfx/pixel/maskwalk.h"
+#include "gfx/pixel/storebits.h"
 
 // ---- hsGColorBlitterAOpaque
 
@@ -32,7 +33,7 @@ const hsGBitmap* hsGColorBlitterAOpaque::GetDirectTarget(uint32_t* value) {
 
 void hsGColorBlitterAOpaque::BlitMask(const hsGMask& mask, const hsRegion* clip) {
   if (!hsAssert(mask.fMaskType == kMask_Bit, "bad masktype")) return;
-  hsWalkBits(mask, clip, [this](int32_t y, int32_t x) { *Pixels<uint8_t>(y, x) = 0xFF; });
+  hsStoreBits(fDevice, mask, clip, uint8_t{0xFF});
 }
 
 bool hsGColorBlitterAOpaque::Reuse(const hsGBitmap& bitmap, const hsGAttribute& attr, int32_t maskType) {

@@ -9,33 +9,29 @@
 using hsWide16 = uint16_t __attribute__((vector_size(16)));
 constexpr int32_t kWide16 = 8;  // pixels
 
-inline hsWide16 hsLoadWide16(const uint16_t* pixels) {
+using hsWide8 = uint8_t __attribute__((vector_size(8)));
+
+inline hsWide16 hsLoadWide(const uint16_t* pixels) {
   hsWide16 wide;
   std::memcpy(&wide, pixels, sizeof wide);
   return wide;
 }
 
-// All ones in the lanes of set bits, the highest bit first.
-inline hsWide16 hsWideBits(uint8_t bits) {
-  constexpr hsWide16 kLanes = {0x80, 0x40, 0x20, 0x10, 8, 4, 2, 1};
-  return hsWide16(((hsWide16{} + bits) & kLanes) != 0);
-}
-
-inline void hsStoreWide16(uint16_t* pixels, hsWide16 wide) { std::memcpy(pixels, &wide, sizeof wide); }
-
-using hsWide8 = uint8_t __attribute__((vector_size(8)));
-
-inline hsWide8 hsLoadWide8(const uint8_t* bytes) {
+inline hsWide8 hsLoadWide(const uint8_t* bytes) {
   hsWide8 wide;
   std::memcpy(&wide, bytes, sizeof wide);
   return wide;
 }
 
-inline void hsStoreWide8(uint8_t* bytes, hsWide8 wide) { std::memcpy(bytes, &wide, sizeof wide); }
+inline void hsStoreWide(uint16_t* pixels, hsWide16 wide) { std::memcpy(pixels, &wide, sizeof wide); }
 
-inline hsWide8 hsWide8Bits(uint8_t bits) {
-  constexpr hsWide8 kLanes = {0x80, 0x40, 0x20, 0x10, 8, 4, 2, 1};
-  return hsWide8(((hsWide8{} + bits) & kLanes) != 0);
+inline void hsStoreWide(uint8_t* bytes, hsWide8 wide) { std::memcpy(bytes, &wide, sizeof wide); }
+
+// All ones in the lanes of set bits, the highest bit first.
+template <class Wide>
+inline Wide hsWideBits(uint8_t bits) {
+  constexpr Wide kLanes = {0x80, 0x40, 0x20, 0x10, 8, 4, 2, 1};
+  return Wide(((Wide{} + bits) & kLanes) != 0);
 }
 
 // Zeros behind the first count lanes.
