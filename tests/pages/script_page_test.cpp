@@ -128,6 +128,20 @@ TEST_P(ScriptHookTest, AHookMayUnloadItsPage) {
   }
 }
 
+// A nested page that takes the page around it along: its frame has gone before its own unloading is through.
+TEST_P(ScriptHookTest, APageInsideMayUnloadThePageAround) {
+  build("in.kpg",
+        "flags: 8bit\npage: {onLoad: 'KOVA.f = function () { return frame.x; };', "
+        "onUnload: 'topFrame.UnloadPage();'}");
+  ASSERT_TRUE(load(page("onUp", "")));
+  EXPECT_EQ(say("widgets.nest.LoadPage(\"in.kpg\");"), "--> true\n");
+  EXPECT_EQ(say("KOVA.f();"), "--> 0\n");
+  EXPECT_EQ(say("widgets.nest.UnloadPage();"), "--> true\n");
+  EXPECT_EQ(topFrame()->pageData, nullptr);
+  EXPECT_EQ(say("KOVA.f();"), "Operation attempted on inactive widget\n--> nil\n");
+  say("KOVA.f = nil; gc();");
+}
+
 TEST_P(ScriptHookTest, AHookMayLoadAnotherPage) {
   build("next.kpg", "flags: 8bit\npage: {type: group, start: next, children: [{name: next, x: 9}]}");
   for (const Hook& hook : kHooks) {

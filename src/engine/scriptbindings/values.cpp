@@ -24,7 +24,8 @@ void scriptComplain(const char* text) {
 }
 
 BobValue scriptWrapTarget(BobInterp* interp, uint32_t kind, EventTarget* target) {
-  if (!target->scriptHandle) target->scriptHandle = bobMakeHandle(interp, target);
+  // What has gone gets no handle again: nobody would give it up. Its wrapper is born inactive.
+  if (!target->scriptHandle && !target->gone) target->scriptHandle = bobMakeHandle(interp, target);
   const BobValue wrapper = bobMakeNative(interp, kind);
   bobHandleOf(interp, wrapper) = target->scriptHandle;
   return wrapper;
