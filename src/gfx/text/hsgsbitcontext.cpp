@@ -243,13 +243,12 @@ void hsGSbitContext::GenerateMetrics(hsGGlyph* glyph) {
   glyph->fAdvanceY = advance.fY;
   hsRect rect = {glyph->fLeft, glyph->fTop, hsWrapAdd(glyph->fLeft, hsIntToFixed(entry.width)),
                  hsWrapAdd(glyph->fTop, hsIntToFixed(entry.height))};
-  hsIntRect rounded;
   fResidual.MapRect(&rect, &rect);
-  rect.Round(&rounded);
-  glyph->fWidth = uint16_t(rounded.Width());
-  glyph->fHeight = uint16_t(rounded.Height());
-  glyph->fLeft = hsIntToFixed(rounded.fLeft);
-  glyph->fTop = hsIntToFixed(rounded.fTop);
+  // The size is rounded, the corner isn't: the image begins with the first of the strike's pixels wherever it stands.
+  glyph->fWidth = uint16_t(hsFixedRound(hsWrapSub(rect.fRight, rect.fLeft)));
+  glyph->fHeight = uint16_t(hsFixedRound(hsWrapSub(rect.fBottom, rect.fTop)));
+  glyph->fLeft = rect.fLeft;
+  glyph->fTop = rect.fTop;
 }
 
 // The glyph's bits in rows of whole bytes.

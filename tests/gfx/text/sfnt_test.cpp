@@ -151,6 +151,16 @@ TEST_F(BitmapFontTest, TheNearestStrikeServesTheLaterOfTwo) {
   EXPECT_EQ(Width("a"), 24 * 10 * 6554);  // by the rounded tenth of a pixel
 }
 
+TEST_F(BitmapFontTest, ASizeBetweenRoundsTheGlyphsSizeAndNotItsCorner) {
+  // 3 x 1 pixels at (1, -1), the middle one clear. Half as large again they reach from 1.5 to 6 and from -1.5 to 0: 5
+  // x 2.
+  UseFont({{16, Bytes().Words({2, 5}).U32(0).U32(1).U8(1).U8(3).U8(1).U8(1).U8(4).U8(0).U8(0).U8(0)}},
+          Bytes().U8(0xA0));
+  fAttr.SetTextSize(24_px);
+  Draw("a", 5_px, 20_px);
+  ExpectBlocks({{7, 19, 9, 21}, {10, 19, 12, 21}});
+}
+
 TEST_F(BitmapFontTest, ListedGlyphsHaveTheirOwnPlaces) {
   // Glyph 2 alone is listed, at offset 1 of the images: one row of 5 pixels, 1 above the baseline.
   const Bytes listed = Bytes().Words({5, 5}).U32(4).U32(1).U8(1).U8(5).U8(0).U8(1).U8(6).U8(0).U8(0).U8(0);
