@@ -10,7 +10,7 @@ constexpr int32_t kMostDigits = 255;  // beyond, nothing is drawn
 
 void draw(NumberWidget* widget) {
   widgetPaint(widget);
-  const auto& style = widget->flags & kWidgetHighlighted ? widget->highlightStyle : widget->style;
+  const auto& style = widget->flags & kWidgetHighlighted ? widget->styles.highlighted : widget->styles.plain;
   if (!style || widget->digits > kMostDigits || widget->digits < -kMostDigits) return;
   char text[kMostDigits + 1];
   const int length = std::snprintf(text, sizeof text, "%0*d", widget->digits, widget->value);
@@ -31,8 +31,7 @@ Widget* numberCreate(Frame* frame, Widget* parent, PageObject record) {
   if (!widget) return nullptr;
   rangeReadAttributes(widget);
   widgetAttrInt(widget, "size", &widget->digits);
-  widget->style = widgetTextStyle(widget, "textStyle");
-  widget->highlightStyle = widgetTextStyle(widget, "highlightTextStyle");
+  widget->styles = widgetTextStyles(widget);
   widgetReadNavigate(widget);
   return widget;
 }

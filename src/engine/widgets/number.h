@@ -3,17 +3,14 @@
 // What surprises: unlike a text, a highlighted number without a highlight style shows nothing.
 #pragma once
 
-#include <optional>
-
-#include "engine/textstyle.h"
 #include "engine/widgets/rangewidget.h"
+#include "engine/widgets/textparts.h"
 
 struct NumberWidget : RangeWidget {
   using RangeWidget::RangeWidget;
   int handleEvent(const Event* event) override;
 
-  std::optional<TextStyle> style;
-  std::optional<TextStyle> highlightStyle;
+  TextStylePair styles;
   int32_t digits = 0;  // at least so many, with zeros in front; a negative count puts spaces behind instead
 };
 

@@ -30,7 +30,7 @@ void drawAt(const TextStyle& style, std::string_view text, int32_t x, int32_t ba
 
 void drawCurrent(SelectWidget* widget) {
   widgetPaint(widget);
-  const auto& style = widget->flags & kWidgetHighlighted ? widget->highlightStyle : widget->style;
+  const auto& style = widget->flags & kWidgetHighlighted ? widget->styles.highlighted : widget->styles.plain;
   if (!style || widget->choices.empty()) return;
   const SelectChoice& choice = measured(widget->choices[widget->current], *style);
   const int32_t x = alignedLeft(widget->bounds, widget->alignment, choice.width);
@@ -40,12 +40,12 @@ void drawCurrent(SelectWidget* widget) {
 
 // Where all choices show, both styles are there.
 const TextStyle& styleOf(const SelectWidget* widget, size_t place) {
-  return place == widget->current ? *widget->highlightStyle : *widget->style;
+  return place == widget->current ? *widget->styles.highlighted : *widget->styles.plain;
 }
 
 void drawRow(SelectWidget* widget) {
   int32_t separatorWidth, separatorHeight, separatorAscent;
-  textMeasure(*widget->style, kSeparator.data(), uint32_t(kSeparator.size()), &separatorWidth, &separatorHeight,
+  textMeasure(*widget->styles.plain, kSeparator.data(), uint32_t(kSeparator.size()), &separatorWidth, &separatorHeight,
               &separatorAscent);
   int32_t width = 0, height = 0;
   for (size_t i = 0; i < widget->choices.size(); ++i) {
@@ -59,7 +59,7 @@ void drawRow(SelectWidget* widget) {
   for (size_t i = 0; i < widget->choices.size(); ++i) {
     const SelectChoice& choice = widget->choices[i];
     if (i != 0) {
-      drawAt(*widget->style, kSeparator, x, hsWrapAdd(top, separatorAscent));
+      drawAt(*widget->styles.plain, kSeparator, x, hsWrapAdd(top, separatorAscent));
       x = hsWrapAdd(x, separatorWidth);
     }
     drawAt(styleOf(widget, i), choice.text, x, hsWrapAdd(top, choice.ascent));
@@ -163,8 +163,7 @@ void readChoices(SelectWidget* widget) {
 void readAttributes(SelectWidget* widget) {
   widgetAttrBool(widget, "showAll", &widget->showAll);
   widgetAttrBool(widget, "vertical", &widget->vertical);
-  widget->style = widgetTextStyle(widget, "textStyle");
-  widget->highlightStyle = widgetTextStyle(widget, "highlightTextStyle");
+  widget->styles = widgetTextStyles(widget);
   widget->alignment = widgetAlign(widget);
   widgetReadNavigate(widget);
 }
@@ -192,7 +191,7 @@ Widget* selectCreate(Frame* frame, Widget* parent, PageObject record) {
   auto* widget = widgetCreate<SelectWidget>(frame, parent, record);
   if (!widget) return nullptr;
   readAttributes(widget);
-  if (widget->showAll && !(widget->style && widget->highlightStyle)) {
+  if (widget->showAll && !(widget->styles.plain && widget->styles.highlighted)) {
     hostLog("Both 'textStyle' and 'highlightTextStyle' must be present when 'showAll' is true\n");
     widgetDestroy(widget);
     return nullptr;

@@ -4,12 +4,10 @@
 // choices side by side paint no background, so that what stood there before shows on.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "engine/textstyle.h"
-#include "engine/widget.h"
+#include "engine/widgets/textparts.h"
 
 struct SelectChoice {
   std::string text;
@@ -23,8 +21,7 @@ struct SelectWidget : Widget {
 
   bool showAll = false;
   bool vertical = false;  // with showAll: one under the other
-  std::optional<TextStyle> style;
-  std::optional<TextStyle> highlightStyle;
+  TextStylePair styles;
   uint32_t alignment = 0;             // a widgetAlign number
   std::vector<SelectChoice> choices;  // known to scripts by their places
   uint32_t current = 0;               // place of the chosen one; 0 too when there is none

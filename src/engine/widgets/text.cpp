@@ -48,8 +48,8 @@ void drawLines(const TextWidget* widget, const TextStyle& style, const char* tex
 
 void draw(TextWidget* widget) {
   widgetPaint(widget);
-  const bool highlighted = widget->flags & kWidgetHighlighted && widget->highlightStyle;
-  const auto& style = highlighted ? widget->highlightStyle : widget->style;
+  const bool highlighted = widget->flags & kWidgetHighlighted && widget->styles.highlighted;
+  const auto& style = highlighted ? widget->styles.highlighted : widget->styles.plain;
   const char* text = widget->echoBuffer ? widget->echoBuffer.get() : widget->value;
   if (!style || !text || widget->length < 1) return;
   if (widget->multiline) {
@@ -152,8 +152,7 @@ bool makeBuffers(TextWidget* widget, const char* initial) {
 
 // False when memory runs out.
 bool readAttributes(TextWidget* widget) {
-  widget->style = widgetTextStyle(widget, "textStyle");
-  widget->highlightStyle = widgetTextStyle(widget, "highlightTextStyle");
+  widget->styles = widgetTextStyles(widget);
   widgetAttrBool(widget, "multiline", &widget->multiline);
   widget->alignment = widgetAlign(widget);
   int32_t maxLength;
@@ -183,10 +182,10 @@ int TextWidget::handleEvent(const Event* event) {
       return editable && event->data & kDigitFlag ? append(this, event->data) : widgetBaseEvent(this, *event);
     case kGetValue: return getValue(this, *event);
     case kSetValue: return setValue(this, *event);
-    case kGetStyle: return getStyle(style, *event);
-    case kSetStyle: return setStyle(style, *event);
-    case kGetHighlightStyle: return getStyle(highlightStyle, *event);
-    case kSetHighlightStyle: return setStyle(highlightStyle, *event);
+    case kGetStyle: return getStyle(styles.plain, *event);
+    case kSetStyle: return setStyle(styles.plain, *event);
+    case kGetHighlightStyle: return getStyle(styles.highlighted, *event);
+    case kSetHighlightStyle: return setStyle(styles.highlighted, *event);
     default: return widgetBaseEvent(this, *event);
   }
 }

@@ -5,17 +5,14 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 
-#include "engine/textstyle.h"
-#include "engine/widget.h"
+#include "engine/widgets/textparts.h"
 
 struct TextWidget : Widget {
   using Widget::Widget;
   int handleEvent(const Event* event) override;
 
-  std::optional<TextStyle> style;
-  std::optional<TextStyle> highlightStyle;
+  TextStylePair styles;
   bool multiline = false;
   bool editable = false;
   bool fromRight = false;              // scripts read the last `length` bytes of the buffer

@@ -13,14 +13,18 @@ int32_t aligned(int32_t start, int32_t room, uint32_t alignment, int32_t size) {
   return int32_t(uint32_t(start) + uint32_t(alignment == kAlignMiddle ? left / 2 : left));
 }
 
-}  // namespace
-
-std::optional<TextStyle> widgetTextStyle(const Widget* widget, const char* attribute) {
+std::optional<TextStyle> namedStyle(const Widget* widget, const char* attribute) {
   const char* name = widgetAttrString(widget, attribute);
   if (!name) return std::nullopt;
   if (const TextStyle* style = styleFind(widget->frame, name)) return *style;
   hostLog("Unknown text style '%s'\n", name);
   return std::nullopt;
+}
+
+}  // namespace
+
+TextStylePair widgetTextStyles(const Widget* widget) {
+  return {.plain = namedStyle(widget, "textStyle"), .highlighted = namedStyle(widget, "highlightTextStyle")};
 }
 
 int32_t alignedLeft(const Bounds& box, uint32_t alignment, int32_t width) {

@@ -6,9 +6,15 @@
 #include "engine/textstyle.h"
 #include "engine/widget.h"
 
-// A copy of the style that the attribute names. Nothing when the attribute is absent, or, with a word in the log, when
-// the page has no style of that name.
-std::optional<TextStyle> widgetTextStyle(const Widget* widget, const char* attribute);
+// Copies of the styles that a widget's text takes. Each kind has its own rule for a highlighted widget without the
+// second one.
+struct TextStylePair {
+  std::optional<TextStyle> plain, highlighted;
+};
+
+// Those that textStyle and highlightTextStyle name. Nothing for one that is absent or, with a word in the log, that the
+// page hasn't got.
+TextStylePair widgetTextStyles(const Widget* widget);
 
 // The left edge of a piece of text, and the top edge of a block, in the box by a widgetAlign number; all in pixels.
 // What is larger than the box begins at its corner.
