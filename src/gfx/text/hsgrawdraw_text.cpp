@@ -31,23 +31,42 @@ class FlagScope {
   uint32_t fSaved;
 };
 
-// The attribute's settings for one text call.
-struct TextSettings {
-  explicit TextSettings(const hsGRawDraw& draw) {
-    const hsGPathEffect* effect = draw.fAttr->PathEffect();
-    asPaths = draw.fMatrix->GetType() & hsMatrix::kPerspectiveType ||
-              draw.fAttr->Flags() & hsGAttribute::kTextAsPaths || (effect && effect->DrawsTextAsPaths());
-    if (asPaths)
-      draw.fAttr->SetFlags((draw.fAttr->Flags() & ~uint32_t{hsGAttribute::kFrame}) | hsGAttribute::kNoGridFit);
-    hasSpacing = draw.fAttr->GetTextSpacing(&spacing);
-    alignment = std::max(spacing.fAlignment, 0);
-  }
-  const hsGTextSpacing* Spacing() const { return hasSpacing ? &spacing : nullptr; }
-  hsPoint Shift(const hsPoint& end) const { return {hsFixMulSat(alignment, end.fX), hsFixMulSat(alignment, end.fY)}; }
+// Whether text goes as paths: the masks of the glyph cache know no perspective and no effect that bends whole runs.
+bool DrawsAsPaths(const hsGRawDraw& draw) {
+  const hsGPathEffect* effect = draw.fAttr->PathEffect();
+  return draw.fMatrix->GetType() & hsMatrix::kPerspectiveType || draw.fAttr->Flags() & hsGAttribute::kTextAsPaths ||
+         (effect && effect->DrawsTextAsPaths());
+}
 
-  bool asPaths, hasSpacing;
+// What a text call begins with. At its end the attribute has its flags back.
+struct TextCall {
+  TextCall(const hsGRawDraw& draw, uint32_t length, const void* text)
+      : scope(draw.fAttr),
+        asPaths(DrawsAsPaths(draw)),
+        hasSpacing(draw.fAttr->GetTextSpacing(&spacing)),
+        context(MakeContext(draw)),
+        count(context->SetText(length, text)) {}
+
+  const hsGTextSpacing* Spacing() const { return hasSpacing ? &spacing : nullptr; }
+  // How far alignment moves a run with that end.
+  hsPoint Shift(const hsPoint& end) const {
+    const hsFixed alignment = std::max(spacing.fAlignment, 0);
+    return {hsFixMulSat(alignment, end.fX), hsFixMulSat(alignment, end.fY)};
+  }
+
+  const FlagScope scope;
+  const bool asPaths;
   hsGTextSpacing spacing;
-  hsFixed alignment;
+  const bool hasSpacing;
+  const hsGTextContextRef context;  // outlines are mapped later, as paths
+  const uint32_t count;             // characters
+
+ private:
+  hsGTextContext* MakeContext(const hsGRawDraw& draw) const {
+    if (!asPaths) return draw.fAttr->GetTextContext(draw.fMatrix);
+    draw.fAttr->SetFlags((draw.fAttr->Flags() & ~uint32_t{hsGAttribute::kFrame}) | hsGAttribute::kNoGridFit);
+    return draw.fAttr->GetTextContext(nullptr);
+  }
 };
 
 // Draws masks of glyphs, one after the other, with one blitter.
@@ -161,16 +180,15 @@ void DrawTurnedGlyphs(hsGRawDraw* draw, hsGTextContext& plain, const hsPoint map
 void hsGRawDraw::DrawText(uint32_t length, const void* text, hsScalar x, hsScalar y) {
   Check();
   if (length == 0 || !text) return;
-  const FlagScope scope(fAttr);
-  const TextSettings settings(*this);
-  const hsGTextContextRef context(fAttr->GetTextContext(settings.asPaths ? nullptr : fMatrix));
-  const uint32_t count = context->SetText(length, text);
+  const TextCall call(*this, length, text);
+  const hsGTextContextRef& context = call.context;
+  const uint32_t count = call.count;
   if (count == 0) return;
   hsGGlyph* glyphs;
-  const hsPoint* positions = context->GetPositions(&glyphs, settings.Spacing());
+  const hsPoint* positions = context->GetPositions(&glyphs, call.Spacing());
   if (fAttr->Flags() & hsGAttribute::kLayoutOnly) return;
-  const hsPoint shift = settings.Shift(positions[count]);
-  if (settings.asPaths) return DrawOutlines(this, *context, count, glyphs, positions, hsPoint{x, y} - shift);
+  const hsPoint shift = call.Shift(positions[count]);
+  if (call.asPaths) return DrawOutlines(this, *context, count, glyphs, positions, hsPoint{x, y} - shift);
 
   hsPoint origin = {x, y};
   fMatrix->MapPoints(1, &origin, &origin);
@@ -190,15 +208,14 @@ void hsGRawDraw::DrawText(uint32_t length, const void* text, hsScalar x, hsScala
 void hsGRawDraw::DrawPosText(uint32_t length, const void* text, const hsPoint positions[], const hsPoint directions[]) {
   Check();
   if (length == 0 || !text) return;
-  const FlagScope scope(fAttr);
-  const TextSettings settings(*this);
-  const hsGTextContextRef context(fAttr->GetTextContext(settings.asPaths ? nullptr : fMatrix));
-  const uint32_t count = context->SetText(length, text);
+  const TextCall call(*this, length, text);
+  const hsGTextContextRef& context = call.context;
+  const uint32_t count = call.count;
   if (count == 0) return;
   hsGGlyph* glyphs = context->GetGlyphs();
   if (fAttr->Flags() & hsGAttribute::kLayoutOnly) return;
-  if (settings.asPaths && directions) return DrawTurnedOutlines(this, *context, count, glyphs, positions, directions);
-  if (settings.asPaths) return DrawOutlines(this, *context, count, glyphs, positions, {0, 0});
+  if (call.asPaths && directions) return DrawTurnedOutlines(this, *context, count, glyphs, positions, directions);
+  if (call.asPaths) return DrawOutlines(this, *context, count, glyphs, positions, {0, 0});
 
   std::vector<hsPoint> mapped(positions, positions + count);
   fMatrix->MapPoints(int32_t(count), mapped.data(), mapped.data());
