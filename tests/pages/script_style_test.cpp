@@ -3,21 +3,13 @@
 #include "engine/scriptbindings/bindings.h"
 #include "engine/textstyle.h"
 #include "pages/scriptfixture.h"
-#include "support/blockfont.h"
 
 namespace {
 
-class ScriptStyleTest : public ScriptTest {
+class ScriptStyleTest : public ScriptFontTest {
  protected:
   void loadStyles() {
-    WriteFile("blocks.ttf", BlockFontFile());
-    ASSERT_TRUE(load(R"(flags: 8bit
-page:
-  width: 720
-  height: 480
-  type: group
-  textStyles: [{font: blocks.ttf}, {name: body, size: 10, font: blocks.ttf}, {name: body, size: 11, tracking: 16}]
-)"));
+    loadStyled("{font: blocks.ttf}, {name: body, size: 10, font: blocks.ttf}, {name: body, size: 11, tracking: 16}");
     say("make = function (font, size) {"
         " local o = new Object(); o.font = font; o.size = size; return new TextStyle(o); };");
   }
@@ -67,17 +59,8 @@ TEST_P(ScriptStyleTest, AreMadeOfAnObjectsProperties) {
 }
 
 TEST_P(ScriptStyleTest, WidgetsTakeAndGiveCopies) {
-  WriteFile("blocks.ttf", BlockFontFile());
-  ASSERT_TRUE(load(R"(flags: 8bit
-page:
-  width: 720
-  height: 480
-  type: group
-  textStyles: [{name: body, size: 10, font: blocks.ttf}]
-  children:
-    - {x: 1, y: 1, width: 99, height: 40, type: text, name: words, textStyle: body, value: aa}
-    - {x: 1, y: 1, width: 9, height: 9, type: slider, name: bar}
-)"));
+  loadStyled("{name: body, size: 10, font: blocks.ttf}",
+             "{type: text, name: words, textStyle: body, value: aa}, {type: slider, name: bar}");
   EXPECT_EQ(styleOf("widgets.words.style;").size, 10);
   say("{ o = new Object(); o.font = \"blocks.ttf\"; o.size = 20; };");
   say("widgets.words.style = new TextStyle(o);");

@@ -1,27 +1,18 @@
 // What scripts see of text, number, select and text container widgets.
-#include "blockspage.h"
 #include "scriptfixture.h"
 
 namespace {
 
-class ScriptTextTest : public ScriptTest {
+class ScriptTextTest : public ScriptFontTest {
  protected:
   void loadAll() {
-    WriteFile("blocks.ttf", BlockFontFile());
-    ASSERT_TRUE(load(R"(flags: 16bit
-page:
-  type: group
-  width: 720
-  height: 480
-  textStyles: [{name: plain, font: blocks.ttf, size: 10, color: white}]
-  children:
-    - {type: text, name: t, textStyle: plain, value: abc}
-    - {type: text, name: e, textStyle: plain, maxLength: 3}
-    - {type: number, name: n, min: 5, max: 9}
-    - {type: select, name: s, choices: '|a|b', immediate: true, onChange: 'changed = 1;'}
-    - {type: select, name: none}
-    - {type: textContainer, name: c, selectedLine: 2, children: [{style: plain, content: a}]}
-)"));
+    loadStyled("{name: plain, font: blocks.ttf, size: 10, color: white}", R"(
+        {type: text, name: t, textStyle: plain, value: abc},
+        {type: text, name: e, textStyle: plain, maxLength: 3},
+        {type: number, name: n, min: 5, max: 9},
+        {type: select, name: s, choices: '|a|b', immediate: true, onChange: 'changed = 1;'},
+        {type: select, name: none},
+        {type: textContainer, name: c, selectedLine: 2, children: [{style: plain, content: a}]})");
   }
 };
 EVERY_COLLECTION(ScriptTextTest);

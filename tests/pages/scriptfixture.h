@@ -4,6 +4,7 @@
 
 #include "bob/bob.h"
 #include "engine/scriptbindings/scriptbindings.h"
+#include "support/blockfont.h"
 #include "support/pagefixture.h"
 
 class ScriptTest : public PageTest, public testing::WithParamInterface<bool> {
@@ -30,6 +31,18 @@ class ScriptTest : public PageTest, public testing::WithParamInterface<bool> {
     const std::string text = log();
     desktop.log.clear();
     return text;
+  }
+};
+
+// The same with a font of blocks beside the page.
+class ScriptFontTest : public ScriptTest {
+ protected:
+  ScriptFontTest() { WriteFile("blocks.ttf", BlockFontFile()); }
+
+  // Styles and widgets as a source lists them.
+  void loadStyled(const std::string& styles, const std::string& children = "") {
+    ASSERT_TRUE(load("flags: 8bit\npage: {width: 720, height: 480, type: group, textStyles: [" + styles +
+                     "], children: [" + children + "]}"));
   }
 };
 
