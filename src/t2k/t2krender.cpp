@@ -236,10 +236,9 @@ GlyphClass* RenderOutline(RenderCall& call, int32_t code, bool byIndex, int dept
   } else {
     RenderSimple(call, glyph.get(), isFigure);
   }
-  if (depth == 0) {
-    SetLinearAdvance(t, aw);
-    if (t->font->T1 && t->font->T1->italicShear) Shear(glyph.get(), t->font->T1->italicShear);
-  }
+  if (depth == 0) SetLinearAdvance(t, aw);
+  // At every level: the parts of an accented character lean once by themselves and once more as a whole.
+  if (t->font->T1 && t->font->T1->italicShear) Shear(glyph.get(), t->font->T1->italicShear);
   TransformAndMeasure(t, glyph.get());
   return glyph.Release();
 }

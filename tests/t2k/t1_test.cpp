@@ -171,6 +171,12 @@ TEST(Type1, TheThirdNumberOfTheMatrixShears) {
   EXPECT_EQ(f.t->glyph->y[1], 717);
   EXPECT_EQ(f.t->glyph->x[1], 31 + 179);
   EXPECT_EQ(f.t->glyph->x[0], 31);
+  // An accented character leans in its parts and again as a whole: 31 + 179 + 179; and (41 + 154, 614) goes by the
+  // rounded offset (128, 192) and leans by 202 more.
+  ASSERT_TRUE(f.Render(3, 0, kT2KByIndex | kT2KKeepGlyph));
+  EXPECT_EQ(f.t->glyph->x[1], 389);
+  EXPECT_EQ(f.t->glyph->x[4], 525);
+  EXPECT_EQ(f.t->glyph->y[4], 806);
 }
 
 TEST(Type1, PathOperators) {
