@@ -85,7 +85,6 @@ void ReadPackedPoints(InputStream& in, GlyphClass* glyph) {
 
 GlyphClass* ReadPackedGlyph(InputStream& in, GlyphMetrics metrics) {
   const int16_t contourCount = ReadInt16(in);
-  if (contourCount == 0) return NewEmptyGlyph(in.mem, metrics);
   GlyphHolder glyph(NewGlyph(in.mem));
   if (contourCount < 0) {
     ReadComponentEntries(in, glyph.get());

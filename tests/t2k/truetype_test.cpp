@@ -162,7 +162,9 @@ TEST(PackedGlyph, ContourSizesInSevenBitGroups) {
 }
 
 TEST(PackedGlyph, EmptyCompositeAndDamaged) {
+  // Without points the left edge is wherever the side bearing says.
   EXPECT_EQ(ReadGlyph(Bytes().U16(0), 44, 0, 2000), "| 0,0 44,0");
+  EXPECT_EQ(ReadGlyph(Bytes().U16(0), 44, 9, 2000), "| 0,0 44,0");
   // No instructions follow, whatever the flags say.
   EXPECT_EQ(ReadGlyph(Bytes().Words({-1, 0x102, 0, 0}), 44, 0, 2000), "| 0,0 44,0");
   EXPECT_EQ(ReadGlyph(Bytes().U16(1).U8(0xFF).U8(0xFF).U8(0x7F), 44, 0, 2000), "error 10006");
