@@ -192,7 +192,7 @@ void MeasureGlyphs(T1Class* t) {
     tsi_Assert(t->mem, stepsLeft >= 0);
     t->hmtx->aw[i] = uint16_t(t->awx);
     t->hmtx->lsb[i] = int16_t(t->lsbx);
-    t->maxAW = std::max(t->maxAW, int(t->hmtx->aw[i]));
+    t->maxAW = std::max(t->maxAW, t->awx);  // widths may be negative
     t->maxPoints = std::max(t->maxPoints, int(glyph->pointCount));
     if (t->charCode[i] == 'f') ascent = ExtentOf(glyph.get()).top;
     if (t->charCode[i] == 'g') descent = ExtentOf(glyph.get()).bottom;

@@ -159,6 +159,8 @@ TEST(Type1, MetricsFromTextAndFromLetters) {
   const std::vector<int32_t> m = metricsOf(builder);
   EXPECT_EQ((std::vector<int32_t>{m[0], m[1], m[2], m[6]}), (std::vector<int32_t>{900, -300, 800, 2000}));
   EXPECT_EQ(m[5], -32768);
+  builder.glyphs[0].second = Join({Op({0, -250, kHsbw}), Op({kEndchar})});
+  EXPECT_EQ(metricsOf(builder)[3], 510);  // the negative width isn't the widest
 }
 
 TEST(Type1, TheThirdNumberOfTheMatrixShears) {
