@@ -261,7 +261,7 @@ void MakeBitmap(const RenderCall& call) {
   t->rowBytes = sc.rowBytes;
   t->baseAddr = sc.baseAddr;
   t->fLeft26Dot6 = hsWrapSub(sc.xmin, glyph->x[glyph->pointCount]) & ~63;
-  t->fTop26Dot6 = hsWrapSub(sc.ymax & ~63, glyph->y[glyph->pointCount]);
+  t->fTop26Dot6 = hsWrapSub(sc.ymax, glyph->y[glyph->pointCount]) & ~63;
 }
 
 }  // namespace

@@ -237,6 +237,20 @@ TEST(Composite, TheWholeIsTransformedOnce) {
   EXPECT_EQ(f.t->t10, 0x10000);
 }
 
+TEST(Composite, ThePlaceOfItsBitmapIsInWholePixelsFromItsPen) {
+  SfntBuilder builder;
+  builder.upem = 64;
+  const int box = builder.AddContours({RectContour(0, 0, 8, 12)}, 10);
+  const int blank = builder.AddGlyph({}, 10, 3);
+  const int index = builder.AddGlyph(CompositeGlyph(Bytes().Words({0x22, box, 0}).Words({0x202, blank, 0})), 10, 0);
+  OpenFont f(builder.Build());
+  f.SetMatrix({0, -16 << 16, 16 << 16, 0});
+  // The blank's pen is at (-47, 0), turned (0, -47). The turned box's crossings reach from x -191 up to y 129.
+  ASSERT_TRUE(f.Render(index, 0, kOutline | kT2KBitmap | kT2KNoRounding));
+  EXPECT_EQ(ScaledPoints(f.t), "0,0 -192,0 -192,128 0,128 | 0,-47 0,112");
+  EXPECT_EQ((std::vector{f.t->fLeft26Dot6, f.t->fTop26Dot6}), (std::vector{-192, 128}));
+}
+
 TEST(Composite, NestingAndNumbersHaveBounds) {
   SfntBuilder builder = LettersFont();
   int last = kI;
