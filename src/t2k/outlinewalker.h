@@ -37,6 +37,9 @@ inline int32_t SmallQuotientOf(int32_t dividend, uint32_t divisor) {
   return int32_t(int64_t{dividend} * kReciprocal[divisor] >> 32) - (dividend >> 31);
 }
 
+// Beyond this a line is reckoned by a halved, coarser slope, and its crossings can lie a little beyond its ends.
+inline constexpr int32_t kLongSpan = 32768;
+
 inline constexpr int kMaxCurveDepth = 16;  // 32 bits of error, two less at each halving
 
 // Sink gets the crossings in the order of the walk. AddRun(vertical, line, length, kind, next) are length of them on
@@ -272,7 +275,6 @@ class OutlineWalker {
       sink_.AddRun(kVertical, line, count, kind, [b0] { return b0; });
       return;
     }
-    constexpr int32_t kLongSpan = 32768;
     while (across > kLongSpan) {
       across >>= 1;
       along >>= 1;

@@ -103,13 +103,13 @@ class Conversion {
   }
 
   // The usual glyph is small: its lines are painted as they settle, into cells for all that its points may reach. Ends
-  // forced odd reach one further.
+  // forced odd reach one further; a long line's crossings can lie a little beyond.
   template <int kOversample>
   void RunGrey() {
     const PixelBox reach{points_.xmin >> 6, points_.ymin >> 6, ((points_.xmax + 1) >> 6) + 1,
                          ((points_.ymax + 1) >> 6) + 1};
     using Cells = GreyCells<kOversample>;
-    if (Cells::FitsInline(reach)) {
+    if (Cells::FitsInline(reach) && std::max(reach.Width(), reach.Height()) * 64 * kOversample <= kLongSpan) {
       Cells cells(glyph_.mem, reach);
       if (Settle(cells)) FinishGrey(cells);
       return;

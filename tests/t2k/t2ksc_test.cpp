@@ -368,4 +368,11 @@ TEST_F(ScanConverter, AgreesWithThePlainModelOnRandomShapes) {
   }
 }
 
+// The slope of a long line is reckoned so coarsely that its last crossing lies a pixel below both of its ends.
+TEST_F(ScanConverter, ALongLineMayCrossBeyondItsEnds) {
+  const FontContour wedge = {{0, 62}, {130000, 0}, {130000, 62}};
+  for (int level = 0; level <= 5; ++level) EXPECT_EQ(Draw({wedge}, level), PlainModel({wedge}, 2, level).Draw());
+  EXPECT_EQ(Draw({wedge}, 5).substr(0, 5), "0,-1\n");
+}
+
 }  // namespace
