@@ -57,11 +57,11 @@ class PageLoad {
 
   int run() {
     if (!build() || !startLanguage() || !setScreen()) return fail();
-    if (!loadScripts()) return 0;
+    // From here on nothing fails: a page whose script opens another one in its place has been loaded all the same.
+    if (!loadScripts()) return 1;
     targetActivate(frame);
     frameRunScript(frame, "onLoad");
-    if (stale()) return 0;
-    focusStart();
+    if (!stale()) focusStart();
     return 1;
   }
 
@@ -69,8 +69,10 @@ class PageLoad {
   bool stale() const { return frame->gone || frame->generation != generation; }
   bool isTop() const { return frame->parent == nullptr; }
 
+  // A load that a page inside has overtaken has failed only if it left no page behind.
   int fail() {
-    if (!stale()) frameUnload(frame);
+    if (stale()) return !frame->gone && frame->pageData;
+    frameUnload(frame);
     return 0;
   }
 
@@ -117,6 +119,7 @@ class PageLoad {
     return true;
   }
 
+  // False when a script file has taken the page away.
   bool loadScripts() {
     PageTable scripts;
     if (!attrTable(frame->rootObject, "scripts", &scripts)) return true;
