@@ -83,11 +83,9 @@ hsDescriptor* hsGAttribute::MakeStrikeDesc(const hsMatrix* matrix, hsPoint* outA
   }
   ClearTranslation(&record.fMatrix);
 
-  // A path effect that sees text as paths is not to see it twice.
-  const bool inGlyphs = fPathEffect && !(fFlags & kTextAsPaths) && !fPathEffect->DrawsTextAsPaths();
-  const EffectEntry effects[] = {{kRecord_PathEffect, inGlyphs ? fPathEffect : nullptr},
-                                 {kRecord_Rasterizer, fRasterizer},
-                                 {kRecord_MaskFilter, fMaskFilter}};
+  // Text drawn as paths has a path effect in its outlines and meets it again when they are drawn.
+  const EffectEntry effects[] = {
+      {kRecord_PathEffect, fPathEffect}, {kRecord_Rasterizer, fRasterizer}, {kRecord_MaskFilter, fMaskFilter}};
   std::vector<int32_t> lengths(std::begin(kFixedLengths), std::end(kFixedLengths));
   for (const EffectEntry& entry : effects)
     if (entry.effect) lengths.push_back(FlattenEffect(*entry.effect, nullptr));

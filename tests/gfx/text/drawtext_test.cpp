@@ -235,6 +235,15 @@ TEST_F(TextTest, EffectsArePartOfTheStrike) {
   Draw("a", 5_px, 20_px);
   ExpectBlocks({{16, 13, 20, 20}});
   EXPECT_EQ(Width("a"), 6_px);
+  // As a path it is moved in the outline, by 10, and again when that is drawn, by what the effect was made for: 3.
+  auto* made = new ShiftEffect(3_px);
+  fAttr.SetPathEffect(made);
+  made->UnRef();
+  fAttr.SetFlags(fAttr.Flags() | hsGAttribute::kTextAsPaths);
+  fPixels.assign(fPixels.size(), 0);
+  Draw("a", 5_px, 20_px);
+  ExpectBlocks({{19, 13, 23, 20}});
+  fAttr.SetFlags(fAttr.Flags() & ~uint32_t{hsGAttribute::kTextAsPaths});
 
   fPixels.assign(fPixels.size(), 0);
   fAttr.SetPathEffect(nullptr);
