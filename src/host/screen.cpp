@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "host/color.h"
 
@@ -71,4 +72,9 @@ void ScreenSurface::convert(const void* source, int x, int y, int w, int h) {
 
 void ScreenSurface::setPalette(const uint32_t* colors, int count) {
   std::transform(colors, colors + std::clamp(count, 0, 256), palette.begin(), yCrCbToRgb);
+}
+
+std::vector<uint32_t> ScreenSurface::take() {
+  screenWidth = screenHeight = 0;
+  return std::exchange(dibBits, {});
 }

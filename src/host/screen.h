@@ -19,6 +19,9 @@ class ScreenSurface {
   // Palette entry i becomes the desktop form of colors[i] for each i below count, at most 256.
   void setPalette(const uint32_t* colors, int count);
 
+  // Gives the pixels away; what is left is a screen of no size.
+  std::vector<uint32_t> take();
+
   int screenWidth = 0;   // pixels
   int screenHeight = 0;  // pixels
   int sourceDepth = 8;   // bits per pixel of the frame buffer

@@ -79,7 +79,7 @@ void shoot(ShotOptions options) {
     log = desktop.log;
     width = desktop.shell.screen.screenWidth;
     height = desktop.shell.screen.screenHeight;
-    window = desktop.window();
+    window = desktop.shell.screen.take();
   }
   writeLog(options.log, log);
   if (!loaded) throw CommandError(lastLine(log));
