@@ -464,22 +464,16 @@ void AddPaints(std::vector<Cell>& cells) {
       const hsRect oval = Box(8, 6, 136, 90);
       d.DrawOval(&oval, &pen);
     });
-  cells.push_back([](hsGRasterDevice& d) {
-    Strips(d);
-    Pen pen(kRed, kSmooth);
-    pen.SetRGB(0x80, kRed);
-    With(pen, static_cast<hsGXferMode*>(new hsGSrcMode), &hsGAttribute::SetXferMode);
-    const hsRect oval = Box(12, 10, 132, 86);
-    d.DrawOval(&oval, &pen);
-  });
-  cells.push_back([](hsGRasterDevice& d) {
-    Strips(d);
-    Pen pen(kRed, kSmooth);
-    pen.SetRGB(0x80, kRed);
-    With(pen, static_cast<hsGXferMode*>(new hsGSrcOverMode), &hsGAttribute::SetXferMode);
-    const hsRect oval = Box(12, 10, 132, 86);
-    d.DrawOval(&oval, &pen);
-  });
+  for (const bool over : {false, true})
+    cells.push_back([=](hsGRasterDevice& d) {
+      Strips(d);
+      Pen pen(kRed, kSmooth);
+      pen.SetRGB(0x80, kRed);
+      hsGXferMode* const mode = over ? static_cast<hsGXferMode*>(new hsGSrcOverMode) : new hsGSrcMode;
+      With(pen, mode, &hsGAttribute::SetXferMode);
+      const hsRect oval = Box(12, 10, 132, 86);
+      d.DrawOval(&oval, &pen);
+    });
 }
 
 void Save(const hsGBitmap& sheet, const char* path) {

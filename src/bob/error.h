@@ -36,7 +36,7 @@ enum BobError : int {
   kBobTooManyLiterals = 0x1003,
 };
 
-// What a message's placeholder prints: %V the value, %s the text, %i the number.
+// What a message prints beside its own words: %V in it stands for the value, %s for the text, %i for the number.
 struct BobErrorArgument {
   BobValue value = kBobNil;
   const char* text = "";
@@ -56,7 +56,7 @@ struct BobUnwind {
 [[noreturn]] void bobRaiseText(BobInterp* interp, int code, const char* text);
 [[noreturn]] void bobRaiseNumber(BobInterp* interp, int code, int32_t number);
 
-// The message of a code, with its placeholder; "Unknown error" for a code that is not in the table.
+// The message of a code, as the table has it; "Unknown error" for a code that is not in the table.
 const char* bobErrorMessage(int code);
 
 // Prints "Error: ", the message and a newline on stderrStream.

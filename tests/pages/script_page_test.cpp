@@ -158,12 +158,6 @@ TEST_P(ScriptHookTest, AHookMayLoadAnotherPage) {
   EXPECT_EQ(focusName(), "next");
   EXPECT_TRUE(load(page("onLoad", "topFrame.UnloadPage();")));
   EXPECT_EQ(topFrame()->pageData, nullptr);
-  build("in.kpg", "flags: 8bit\npage: {onLoad: 'topFrame.LoadPage(\"next.kpg\");'}");
-  EXPECT_TRUE(load("flags: 8bit\npage: {type: group, children: [{type: frame, src: in.kpg}]}"));
-  EXPECT_EQ(focusName(), "next");
-  build("in.kpg", "flags: 8bit\npage: {onLoad: 'topFrame.UnloadPage();'}");
-  EXPECT_FALSE(load("flags: 8bit\npage: {type: group, children: [{type: frame, src: in.kpg}]}"));
-
   ASSERT_TRUE(load(page("onUnload", "stdout.Display(topFrame.LoadPage(\"next.kpg\"));")));
   EXPECT_EQ(say("frame.UnloadPage();"), "nil--> true\n");
   EXPECT_EQ(focusName(), "(none)");

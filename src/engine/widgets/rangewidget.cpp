@@ -25,14 +25,6 @@ int valueKey(RangeWidget* widget, const Event& event) {
   return 1;
 }
 
-int getValue(const RangeWidget* widget, const Event& event) {
-  KuiValue* out = eventPointer<KuiValue>(event);
-  if (!out) return 0;
-  out->kind = KuiValue::kInteger;
-  out->integer = widget->value;
-  return 1;
-}
-
 int setValue(RangeWidget* widget, const Event& event) {
   const KuiValue* in = eventPointer<KuiValue>(event);
   if (!in) return 0;
@@ -66,7 +58,7 @@ void rangeReadAttributes(RangeWidget* widget) {
 int rangeEvent(RangeWidget* widget, const Event& event) {
   switch (event.code) {
     case kDirectionKey: return valueKey(widget, event);
-    case kGetValue: return getValue(widget, event);
+    case kGetValue: return eventAnswerInteger(event, widget->value);
     case kSetValue: return setValue(widget, event);
     case kGetMinimum: return getNumber(widget->minimum, event);
     case kSetMinimum: return widget->minimum = int32_t(event.data), 1;

@@ -109,11 +109,7 @@ int selectKey(SelectWidget* widget, const Event& event) {
 }
 
 int getValue(const SelectWidget* widget, const Event& event) {
-  KuiValue* out = eventPointer<KuiValue>(event);
-  if (!out || widget->choices.empty()) return 0;
-  out->kind = KuiValue::kInteger;
-  out->integer = int32_t(widget->current);
-  return 1;
+  return widget->choices.empty() ? 0 : eventAnswerInteger(event, int32_t(widget->current));
 }
 
 // What is wrong goes to the standard output, unlike the complaints of all other widgets.

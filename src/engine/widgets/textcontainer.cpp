@@ -86,14 +86,6 @@ int directionKey(TextContainerWidget* widget, const Event& event) {
   }
 }
 
-int getValue(const TextContainerWidget* widget, const Event& event) {
-  KuiValue* out = eventPointer<KuiValue>(event);
-  if (!out) return 0;
-  out->kind = KuiValue::kInteger;
-  out->integer = widget->selectedLine;
-  return 1;
-}
-
 // ---- creation
 
 const TextStyle* findStyle(const Widget* widget, const char* name) {
@@ -123,7 +115,7 @@ int TextContainerWidget::handleEvent(const Event* event) {
     case kDirectionKey: return directionKey(this, *event);
     case kFullRedraw:
     case kContentRedraw: return draw(this), 1;
-    case kGetValue: return getValue(this, *event);
+    case kGetValue: return eventAnswerInteger(*event, selectedLine);
     case kScrollLines: return scroll(this, int32_t(event->data));
     case kMoveSelection: return moveSelection(this, int32_t(event->data));
     default: return widgetBaseEvent(this, *event);
