@@ -34,12 +34,12 @@ class BobProgram {
  public:
   explicit BobProgram(const std::string& source) : interp(MakeRuntime()) {
     BobStringInput input(source);
-    bobTry(interp, [&] { bobRunSource(&interp->rootScope, &input, nullptr); });
+    bobTry(interp, [&] { bobRunSource(bobRootScope(interp), &input, nullptr); });
   }
   ~BobProgram() { bobDestroyInterp(interp); }
   int32_t run() {
     int32_t result = -1;
-    bobTry(interp, [&] { result = bobIntegerValue(interp, bobCallByName(&interp->rootScope, "bench", {})); });
+    bobTry(interp, [&] { result = bobIntegerValue(interp, bobCallByName(bobRootScope(interp), "bench", {})); });
     return result;
   }
 
@@ -72,7 +72,7 @@ double Compare(const std::string& name) {
 void MeasureCollection() {
   BobInterp* interp = MakeRuntime();
   bobTry(interp, [&] {
-    bobEvaluate(&interp->rootScope,
+    bobEvaluate(bobRootScope(interp),
                 "{ keep = \\[]; for (i = 0; i < 1100; i++) keep.Push(\\[i, \"text\", \\{ a: i, b: 2 }]); }");
     bobCollect(interp);
   });
@@ -82,7 +82,7 @@ void MeasureCollection() {
     bobCollect(interp);
     best = std::min(best, Seconds() - start);
   }
-  std::printf("collection of %u live bytes: %.0f us\n", interp->newSpace.free - interp->newSpace.base, best * 1e6);
+  std::printf("collection of %u live bytes: %.0f us\n", bobMemory(interp).heapBytes, best * 1e6);
   bobDestroyInterp(interp);
 }
 

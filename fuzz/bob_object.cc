@@ -1,5 +1,6 @@
 // Records of an object file: each is read, listed and run, and whatever it says stays inside its own code.
 #include "bob/bob.h"
+#include "bob/tools/disassemble.h"
 
 namespace {
 
@@ -11,23 +12,23 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   BobInterp* interp = bobMakeInterp(102400, 0, 65536);
   bobRegisterGlobals(interp);
   bobInitCompiler(interp);
-  interp->openFile = NoFiles;
+  bobSetOpenFile(interp, NoFiles);
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);
   bobTry(interp, [&] {
     BobStringInput input(bytes);
     BobValue value;
-    if (bobReadValue(&interp->rootScope, &input, &value) && interp->isA(value, kBobCompiledCode))
-      bobDisassemble(interp, value, interp->stdoutStream);
+    if (bobReadValue(bobRootScope(interp), &input, &value) && bobIsA(interp, value, kBobCompiledCode))
+      bobDisassemble(interp, value, bobStdout(interp));
   });
   BobStringInput input(bytes);
-  bobLoadObjectStream(&interp->rootScope, &input);
+  bobLoadObjectStream(bobRootScope(interp), &input);
   // Functions that the records have left behind, called with too few, enough and too many arguments.
   for (const char* name : {"f", "g", "h"})
     for (int count = 0; count < 3; ++count)
       bobTry(interp, [&] {
-        if (count == 0) bobCallByName(&interp->rootScope, name, {});
-        if (count == 1) bobCallByName(&interp->rootScope, name, {bobSmall(3)});
-        if (count == 2) bobCallByName(&interp->rootScope, name, {bobSmall(3), kBobTrue});
+        if (count == 0) bobCallByName(bobRootScope(interp), name, {});
+        if (count == 1) bobCallByName(bobRootScope(interp), name, {bobSmall(3)});
+        if (count == 2) bobCallByName(bobRootScope(interp), name, {bobSmall(3), kBobTrue});
       });
   bobCollect(interp);
   bobDestroyInterp(interp);

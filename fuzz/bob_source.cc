@@ -1,6 +1,7 @@
 // Source text: compiled and run, written as an object file, read again and listed.
 #include "bob/bob.h"
-#include "bob/compiler.h"
+#include "bob/compile/statementreader.h"
+#include "bob/tools/disassemble.h"
 
 namespace {
 
@@ -13,14 +14,14 @@ class Sink : public BobStream {
 };
 
 void RoundTrip(BobInterp* interp, BobValue method) {
-  const BobLocal code(interp, interp->words(method)[BobLayout::kMethodCode]);
+  const BobLocal code(interp, bobMethodCode(interp, method));
   Sink written, again;
   if (!bobWriteValue(interp, code, &written)) __builtin_trap();
   BobStringInput input(written.bytes);
   BobValue copy;
-  if (!bobReadValue(&interp->rootScope, &input, &copy) || !bobWriteValue(interp, copy, &again)) __builtin_trap();
+  if (!bobReadValue(bobRootScope(interp), &input, &copy) || !bobWriteValue(interp, copy, &again)) __builtin_trap();
   if (written.bytes != again.bytes) __builtin_trap();
-  bobDisassemble(interp, copy, interp->stdoutStream);
+  bobDisassemble(interp, copy, bobStdout(interp));
 }
 
 }  // namespace
@@ -29,17 +30,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   BobInterp* interp = bobMakeInterp(102400, 0, 65536);
   bobRegisterGlobals(interp);
   bobInitCompiler(interp);
-  interp->openFile = NoFiles;
+  bobSetOpenFile(interp, NoFiles);
   const std::string_view text(reinterpret_cast<const char*>(data), size);
   bobTry(interp, [&] {
     BobStringInput input(text);
-    const BobKeptScanner kept(interp, &input);
-    while (const BobValue method = interp->compiler->compileStatement(interp->rootScope.object))
-      RoundTrip(interp, method);
+    BobStatementReader statements(bobRootScope(interp), &input);
+    while (const BobValue method = statements.next()) RoundTrip(interp, method);
   });
   bobTry(interp, [&] {
     BobStringInput input(text);
-    bobRunSource(&interp->rootScope, &input, interp->stdoutStream);
+    bobRunSource(bobRootScope(interp), &input, bobStdout(interp));
   });
   bobCollect(interp);
   bobDestroyInterp(interp);

@@ -1,6 +1,6 @@
 // Bob for its host: everything that a program needs to run scripts and to give them classes of its own.
 //
-// The host makes one interpreter, sets its streams and hooks (fields of BobInterp), adds native kinds, and calls
+// The host makes one interpreter, sets its streams and hooks (embed/interpreter.h), adds native kinds, and calls
 // into scripts under bobTry. A native method gets the interpreter alone, reads its arguments with bobParse
 // (signature.h) and returns a value. Any allocation can move every object, so a value that a native method still
 // needs after one is held in a BobLocal, or read again from argv. Native pointers never go into objects: an instance
@@ -9,14 +9,15 @@
 //   BobInterp* interp = bobMakeInterp(102400, 0, 65536);
 //   bobRegisterGlobals(interp);
 //   bobInitCompiler(interp);
-//   interp->stdoutStream = interp->stderrStream = &console;
+//   bobSetStdout(interp, &console);
 //   const uint32_t kind = bobMakeKind(interp, 0, "Lamp", kLampMethods, kLampProperties);
-//   bobConsoleEvaluate(&interp->rootScope, "new Lamp().Switch(true);");
+//   bobConsoleEvaluate(bobRootScope(interp), "new Lamp().Switch(true);");
 #pragma once
 
 #include <initializer_list>
 #include <string_view>
 
+#include "bob/embed/interpreter.h"
 #include "bob/interp.h"
 #include "bob/objectfile.h"
 #include "bob/objects.h"
@@ -24,14 +25,6 @@
 #include "bob/signature.h"
 #include "bob/stdlib.h"
 #include "bob/vm.h"
-
-// -- the interpreter
-
-// Null if there is no memory. A space is at most 262,136 bytes, since code counts its elements in 16 bits.
-BobInterp* bobMakeInterp(uint32_t heapBytes, uint32_t expansionSize, uint32_t stackWords);
-void bobDestroyInterp(BobInterp* interp);
-// The compiler and the globals Load, Eval and CompileFile.
-void bobInitCompiler(BobInterp* interp);
 
 // -- native classes
 
@@ -59,6 +52,12 @@ void bobSetFinalizer(BobInterp* interp, uint32_t kind, void (*finalizer)(BobInte
 inline BobValue bobMakeNative(BobInterp* interp, uint32_t kind) { return bobMakeInstance(interp, kind); }
 
 // The handle word of an instance, and the pointer behind it: null if none was set or it has been released.
+inline bool bobIsA(BobInterp* interp, BobValue value, uint32_t type) { return interp->isA(value, type); }
+// The parent word of an instance, which its kind may use as it likes: the language doesn't look at it.
+inline BobValue bobParentOf(BobInterp* interp, BobValue object) { return interp->words(object)[BobLayout::kParent]; }
+inline void bobSetParent(BobInterp* interp, BobValue object, BobValue parent) {
+  interp->words(object)[BobLayout::kParent] = parent;
+}
 inline uint32_t& bobHandleOf(BobInterp* interp, BobValue object) {
   return interp->words(object)[BobLayout::kNativePointer];
 }

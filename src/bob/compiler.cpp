@@ -247,5 +247,3 @@ bool BobCompiler::accept(int token) {
   scanner.unread(found);
   return false;
 }
-
-int bobCurrentLine(BobInterp* interp) { return interp->compiler ? interp->compiler->scanner.lineNumber : 0; }

@@ -172,19 +172,3 @@ class BobCompiler::Nested {
  private:
   BobCompiler* compiler;
 };
-
-// Points the compiler at another input while it stands; the outer one goes on behind the statement that it is at.
-class BobKeptScanner {
- public:
-  BobKeptScanner(BobInterp* interp, BobStream* input);
-  ~BobKeptScanner();
-  BobKeptScanner(const BobKeptScanner&) = delete;
-  BobKeptScanner& operator=(const BobKeptScanner&) = delete;
-
- private:
-  BobInterp* interp;
-  BobScanner outer;
-};
-
-// The line of the source that is being read, for messages; 0 without a compiler.
-int bobCurrentLine(BobInterp* interp);

@@ -1,6 +1,7 @@
 #include "bob/error.h"
 
-#include "bob/compiler.h"
+#include "bob/compile/statementreader.h"
+#include "bob/interp.h"
 #include "bob/objects.h"
 #include "bob/print.h"
 #include "bob/vm.h"

@@ -1,4 +1,4 @@
-// Object files, running source, and the disassembler.
+// Object files and running source.
 //
 // An object file is the bytes "BOBO", a version and one record for each top-level statement: its code as a value.
 // All numbers are big-endian; bytecode travels unchanged. A stream of records without the header is what a page keeps.
@@ -37,11 +37,6 @@ void bobRunSource(BobScope* scope, BobStream* source, BobStream* echo);
 void bobLoadSource(BobScope* scope, const char* path, BobStream* echo);
 // The first statement of the text: its value, or nil if there is none.
 BobValue bobEvaluate(BobScope* scope, std::string_view text);
-
-// -- listing
-
-// Prints the instructions of the code.
-void bobDisassemble(BobInterp* interp, BobValue code, BobStream* stream);
 
 // The stream of a file opened through the interpreter's openFile, or null. Only modes of r, w, a with +, b and t.
 std::unique_ptr<BobStream> bobOpenFile(BobInterp* interp, const char* path, const char* mode);

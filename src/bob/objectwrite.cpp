@@ -1,6 +1,6 @@
 // Writing values, and compiling to object files.
 #include "bob/bob.h"
-#include "bob/compiler.h"
+#include "bob/compile/statementreader.h"
 
 using namespace BobLayout;
 
@@ -87,16 +87,14 @@ bool bobCompileFile(BobScope* scope, const char* source, const char* object) {
   if (!in) return false;
   const std::unique_ptr<BobStream> out = bobOpenFile(interp, objectName.c_str(), "wb");
   if (!out || !bobWriteHeader(out.get())) return false;
-  const BobKeptScanner kept(interp, in.get());
-  while (const BobValue method = interp->compiler->compileStatement(scope->object))
-    WriteRecord(interp, method, out.get());
+  BobStatementReader statements(scope, in.get());
+  while (const BobValue method = statements.next()) WriteRecord(interp, method, out.get());
   if (out->Close() != 0) bobRaise(interp, kBobWritingFile);
   return true;
 }
 
 void bobCompileText(BobScope* scope, std::string_view text, BobStream* stream) {
   BobStringCopyInput input(text);
-  const BobKeptScanner kept(scope->interp, &input);
-  if (const BobValue method = scope->interp->compiler->compileStatement(scope->object))
-    WriteRecord(scope->interp, method, stream);
+  BobStatementReader statements(scope, &input);
+  if (const BobValue method = statements.next()) WriteRecord(scope->interp, method, stream);
 }

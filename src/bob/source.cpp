@@ -2,12 +2,12 @@
 #include <algorithm>
 
 #include "bob/bob.h"
-#include "bob/compiler.h"
+#include "bob/compile/statementreader.h"
 
 void bobRunSource(BobScope* scope, BobStream* source, BobStream* echo) {
   BobInterp* interp = scope->interp;
-  const BobKeptScanner kept(interp, source);
-  while (const BobValue method = interp->compiler->compileStatement(scope->object)) {
+  BobStatementReader statements(scope, source);
+  while (const BobValue method = statements.next()) {
     const BobValue value = bobCall(scope, method, {});
     if (!echo) continue;
     bobPrint(interp, value, echo);
@@ -23,10 +23,9 @@ void bobLoadSource(BobScope* scope, const char* path, BobStream* echo) {
 }
 
 BobValue bobEvaluate(BobScope* scope, std::string_view text) {
-  BobInterp* interp = scope->interp;
   BobStringCopyInput input(text);
-  const BobKeptScanner kept(interp, &input);
-  const BobValue method = interp->compiler->compileStatement(scope->object);
+  BobStatementReader statements(scope, &input);
+  const BobValue method = statements.next();
   return method ? bobCall(scope, method, {}) : kBobNil;
 }
 
@@ -46,14 +45,6 @@ std::unique_ptr<BobStream> bobOpenFile(BobInterp* interp, const char* path, cons
                      letters.find_first_not_of("b+t", 1) == std::string_view::npos;
   return known ? interp->openFile(path, mode) : nullptr;
 }
-
-BobKeptScanner::BobKeptScanner(BobInterp* interp, BobStream* input)
-    : interp(interp), outer(std::move(interp->compiler->scanner)) {
-  interp->compiler->scanner = {};
-  interp->compiler->attach(input);
-}
-
-BobKeptScanner::~BobKeptScanner() { interp->compiler->scanner = std::move(outer); }
 
 namespace {
 

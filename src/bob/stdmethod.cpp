@@ -1,5 +1,6 @@
 // The methods of Method.
 #include "bob/bob.h"
+#include "bob/tools/disassemble.h"
 
 using namespace BobLayout;
 

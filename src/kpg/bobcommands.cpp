@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "bob/bob.h"
-#include "bob/compiler.h"
+#include "bob/compile/statementreader.h"
 #include "kpg/bobruntime.h"
 
 namespace {
@@ -29,9 +29,9 @@ class InputStream : public BobStream {
 // The language on the C library's streams.
 struct Runtime : BobRuntime {
   Runtime() {
-    interp->stdinStream = &in;
-    interp->stdoutStream = &out;
-    interp->stderrStream = &err;
+    bobSetStdin(interp, &in);
+    bobSetStdout(interp, &out);
+    bobSetStderr(interp, &err);
   }
 
   InputStream in;
@@ -51,14 +51,14 @@ void Run(const std::vector<std::string>& paths) {
   for (const std::string& path : paths) {
     const std::unique_ptr<BobStream> source = bobOpenFile(runtime.interp, path.c_str(), "r");
     if (!source) CannotOpen(path);
-    ok = bobTry(runtime.interp, [&] { bobRunSource(&runtime.interp->rootScope, source.get(), nullptr); }) && ok;
+    ok = bobTry(runtime.interp, [&] { bobRunSource(bobRootScope(runtime.interp), source.get(), nullptr); }) && ok;
   }
   if (!ok) Fail();
 }
 
 void Eval(const std::vector<std::string>& texts) {
   Runtime runtime;
-  for (const std::string& text : texts) bobConsoleEvaluate(&runtime.interp->rootScope, text);
+  for (const std::string& text : texts) bobConsoleEvaluate(bobRootScope(runtime.interp), text);
 }
 
 void Compile(const std::string& source, const std::string& object) {
@@ -66,15 +66,14 @@ void Compile(const std::string& source, const std::string& object) {
   BobInterp* interp = runtime.interp;
   if (!bobOpenFile(interp, source.c_str(), "r")) CannotOpen(source);
   bool made = false;
-  if (!bobTry(interp, [&] { made = bobCompileFile(&interp->rootScope, source.c_str(), object.c_str()); })) Fail();
+  if (!bobTry(interp, [&] { made = bobCompileFile(bobRootScope(interp), source.c_str(), object.c_str()); })) Fail();
   if (!made) CannotOpen(object);
 }
 
 bool DecodeSource(BobInterp* interp, BobStream* stream) {
   return bobTry(interp, [&] {
-    const BobKeptScanner kept(interp, stream);
-    while (const BobValue method = interp->compiler->compileStatement(interp->rootScope.object))
-      bobListCode(interp, interp->words(method)[BobLayout::kMethodCode]);
+    BobStatementReader statements(bobRootScope(interp), stream);
+    while (const BobValue method = statements.next()) bobListCode(interp, bobMethodCode(interp, method));
   });
 }
 

@@ -1,5 +1,7 @@
 #include "kpg/bobruntime.h"
 
+#include "bob/tools/disassemble.h"
+
 namespace {
 constexpr uint32_t kHeapBytes = 102400, kStackWords = 65536;  // the player's
 }
@@ -10,18 +12,12 @@ BobRuntime::BobRuntime() : interp(bobMakeInterp(kHeapBytes, 0, kStackWords)) {
   bobInitCompiler(interp);
 }
 
-void bobListCode(BobInterp* interp, BobValue code) {
-  using namespace BobLayout;
-  bobDisassemble(interp, code, interp->stdoutStream);
-  const uint32_t* w = interp->words(code);
-  for (uint32_t i = 1; i < bobCodeCount(w[kCodeCount]); ++i)
-    if (interp->isA(w[kCodeElements + i], kBobCompiledCode)) bobListCode(interp, w[kCodeElements + i]);
-}
+void bobListCode(BobInterp* interp, BobValue code) { bobDisassembleAll(interp, code, bobStdout(interp)); }
 
 bool bobListRecords(BobInterp* interp, BobStream* stream) {
   return bobTry(interp, [&] {
     BobValue code;
-    while (bobReadValue(&interp->rootScope, stream, &code) && interp->isA(code, kBobCompiledCode))
+    while (bobReadValue(bobRootScope(interp), stream, &code) && bobIsA(interp, code, kBobCompiledCode))
       bobListCode(interp, code);
   });
 }

@@ -1,15 +1,15 @@
 #include "kpg/scripts.h"
 
-#include "bob/compiler.h"
+#include "bob/compile/statementreader.h"
 
 ScriptCompiler::ScriptCompiler() {
-  runtime.interp->stderrStream = &errors;
-  runtime.interp->errorHandler = keepError;
+  bobSetStderr(runtime.interp, &errors);
+  bobSetErrorHandler(runtime.interp, keepError);
 }
 
 // The stream also hears of collections, so it is emptied first.
 void ScriptCompiler::keepError(BobInterp* interp, int code, const BobErrorArgument& argument) {
-  auto* errors = static_cast<ErrorStream*>(interp->stderrStream);
+  auto* errors = static_cast<ErrorStream*>(bobStderr(interp));
   errors->text.clear();
   errors->line = bobCurrentLine(interp);
   bobPrintError(interp, code, argument);
@@ -20,10 +20,9 @@ std::string ScriptCompiler::compile(std::string_view source) {
   BobTextStream records;
   const bool compiled = bobTry(interp, [&] {
     BobStringInput input(source);
-    const BobKeptScanner kept(interp, &input);
-    while (const BobValue method = interp->compiler->compileStatement(interp->rootScope.object))
-      if (!bobWriteValue(interp, interp->words(method)[BobLayout::kMethodCode], &records))
-        bobRaise(interp, kBobWritingFile);
+    BobStatementReader statements(bobRootScope(interp), &input);
+    while (const BobValue method = statements.next())
+      if (!bobWriteValue(interp, bobMethodCode(interp, method), &records)) bobRaise(interp, kBobWritingFile);
   });
   if (compiled) return records.text;
   std::string message = errors.text.substr(0, errors.text.find('\n'));
@@ -42,7 +41,7 @@ std::string listScript(std::string_view records) {
   BobRuntime runtime;
   BobTextStream listing;
   BobStringInput input(records);
-  runtime.interp->stdoutStream = &listing;
+  bobSetStdout(runtime.interp, &listing);
   bobListRecords(runtime.interp, &input);
   return listing.text;
 }

@@ -1,21 +1,20 @@
 #include <gtest/gtest.h>
 
-#include "bob/compiler.h"
+#include "bob/compile/statementreader.h"
 #include "bob/session.h"
+#include "bob/tools/disassemble.h"
 
 namespace {
 
 // The instructions of a statement and of the functions in it, without addresses and hexadecimal operands.
 std::string Listing(std::string_view source) {
-  using namespace BobLayout;
   Session session;
   BobInterp* interp = session.interp;
   TextStream text;
   bobTry(interp, [&] {
     BobStringInput input(source);
-    const BobKeptScanner kept(interp, &input);
-    const BobValue method = interp->compiler->compileStatement(interp->rootScope.object);
-    bobDisassemble(interp, interp->words(method)[kMethodCode], &text);
+    BobStatementReader statements(session.root(), &input);
+    bobDisassemble(interp, bobMethodCode(interp, statements.next()), &text);
   });
   static const std::regex prefix("[^\n]*:[0-9a-f]{4} [0-9a-f]{2} ([0-9a-f]{2} [0-9a-f]{2} |[0-9a-f]{2}    |      )");
   std::string out = std::regex_replace(session.err.text + text.text, prefix, "");

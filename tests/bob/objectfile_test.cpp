@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "bob/session.h"
+#include "bob/tools/disassemble.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <map>
 #include <random>
 
-#include "bob/compiler.h"
+#include "bob/compile/statementreader.h"
 #include "bob/session.h"
 
 namespace {
@@ -81,9 +81,9 @@ std::string RunCompiled(const std::string& source) {
   TextStream records;
   BobStringInput input(source);
   bobTry(session.interp, [&] {
-    const BobKeptScanner kept(session.interp, &input);
-    while (const BobValue method = session.interp->compiler->compileStatement(session.root()->object))
-      bobWriteValue(session.interp, session.interp->words(method)[BobLayout::kMethodCode], &records);
+    BobStatementReader statements(session.root(), &input);
+    while (const BobValue method = statements.next())
+      bobWriteValue(session.interp, bobMethodCode(session.interp, method), &records);
   });
   BobStringInput again(records.text);
   bobLoadObjectStream(session.root(), &again);

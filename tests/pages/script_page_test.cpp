@@ -241,14 +241,13 @@ TEST_F(ScriptSessionTest, TenThousandPageChangesOverAThousandPagesStayFlat) {
     desktop.log.clear();
   };
   change(0, 2000);
-  const uint32_t heap = interp->newSpace.free - interp->newSpace.base, arena = interp->arenaFree;
-  const uint32_t native = interp->totalMemory;
-  const size_t handles = interp->handles.size();
+  const BobMemory before = bobMemory(interp);
   change(2000, 10000);
-  EXPECT_EQ(interp->newSpace.free - interp->newSpace.base, heap);
-  EXPECT_EQ(interp->arenaFree, arena);
-  EXPECT_EQ(interp->totalMemory, native);
-  EXPECT_LE(interp->handles.size(), handles + 16);  // a number wears out after 4,096 uses
+  const BobMemory after = bobMemory(interp);
+  EXPECT_EQ(after.heapBytes, before.heapBytes);
+  EXPECT_EQ(after.arenaBytes, before.arenaBytes);
+  EXPECT_EQ(after.nativeBytes, before.nativeBytes);
+  EXPECT_LE(after.handles, before.handles + 16);  // a number wears out after 4,096 uses
   desktop.typeLine("KOVA.last.x;");
   EXPECT_EQ(log(), "--> 999\n");
 }

@@ -94,7 +94,7 @@ int ScriptHandler::fn(const Event* event) {
   BobValue result = kBobNil;
   bobTry(interp, [&] {
     const BobValue wrapper = scriptWrapEvent(interp, *event);  // ahead of the callback, which it can move
-    result = bobCall(&interp->rootScope, callback, {wrapper});
+    result = bobCall(bobRootScope(interp), callback, {wrapper});
   });
   return result != kBobNil;
 }

@@ -64,9 +64,8 @@ void collectorHook(BobInterp* interp, void*) {
 
 // The hook for what pages of a session share. One reference stays on the stack for good.
 void makeKova(BobInterp* interp) {
-  const BobValue kova = bobMakeClass(interp, "KOVA", interp->objectClass, nullptr);
-  bobCheckRoom(interp, 1);
-  bobPush(interp, kova);
+  const BobValue kova = bobMakeClass(interp, "KOVA", bobObjectClass(interp), nullptr);
+  bobKeepOnStack(interp, kova);
 }
 
 bool defineClasses(ScriptRuntime& runtime) {
@@ -78,10 +77,12 @@ bool defineClasses(ScriptRuntime& runtime) {
 bool start(ScriptRuntime& runtime) {
   BobInterp* interp = runtime.interp;
   bobRegisterGlobals(interp);
-  interp->gcHook = collectorHook;
-  interp->stdinStream = interp->stdoutStream = interp->stderrStream = &consoleStream;
-  interp->rest = [](BobInterp*) { hostBreathe(); };
-  interp->openFile = openScriptFile;
+  bobSetGcHook(interp, collectorHook, nullptr);
+  bobSetStdin(interp, &consoleStream);
+  bobSetStdout(interp, &consoleStream);
+  bobSetStderr(interp, &consoleStream);
+  bobSetRest(interp, [](BobInterp*) { hostBreathe(); });
+  bobSetOpenFile(interp, openScriptFile);
   makeKova(interp);
   return defineClasses(runtime);
 }

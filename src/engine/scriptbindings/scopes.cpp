@@ -8,17 +8,17 @@
 namespace {
 
 BobScope* scopeAround(const Frame* frame) {
-  return frame->frame ? frame->frame->scriptEnv->scope : &scriptRuntime->interp->rootScope;
+  return frame->frame ? frame->frame->scriptEnv->scope : bobRootScope(scriptRuntime->interp);
 }
 
 void bindOwnNames(BobScope* scope, Frame* frame) {
-  bobSetGlobal(scope, "parent", frame->frame ? scopeAround(frame)->object : kBobNil);
-  bobSetGlobal(scope, "frame", scriptWrapTarget(scope->interp, scriptRuntime->frameKind, frame));
+  bobSetGlobal(scope, "parent", frame->frame ? bobScopeObject(scopeAround(frame)) : kBobNil);
+  bobSetGlobal(scope, "frame", scriptWrapTarget(bobScopeInterp(scope), scriptRuntime->frameKind, frame));
 }
 
 // Of two widgets of one name, scripts see the last.
 BobValue widgetsObject(BobInterp* interp, const Frame* frame) {
-  const BobLocal object(interp, bobMakeObject(interp, interp->objectClass));
+  const BobLocal object(interp, bobMakeObject(interp, bobObjectClass(interp)));
   for (Widget* widget = frame->widgets; widget; widget = widget->nextInFrame) {
     if (!widget->name) continue;
     const BobLocal wrapper(interp, scriptWrapWidget(interp, widget));
@@ -30,7 +30,7 @@ BobValue widgetsObject(BobInterp* interp, const Frame* frame) {
 
 // Of two styles of one name, too.
 BobValue stylesObject(BobInterp* interp, const Frame* frame) {
-  const BobLocal object(interp, bobMakeObject(interp, interp->objectClass));
+  const BobLocal object(interp, bobMakeObject(interp, bobObjectClass(interp)));
   for (const TextStyleNode* node = frame->textStyles; node; node = node->next) {
     const BobLocal wrapper(interp, scriptWrapStyle(interp, &node->style));
     const BobValue name = bobIntern(interp, node->name ? node->name : "default");
@@ -51,7 +51,7 @@ std::unique_ptr<ScriptScope> scriptScopeCreate(Frame* frame) {
   const bool made = bobTry(interp, [&] {
     result = std::make_unique<ScriptScope>(bobMakeScope(scopeAround(frame)));
     if (!frame->frame)
-      bobSetGlobal(&interp->rootScope, "topFrame", scriptWrapTarget(interp, scriptRuntime->frameKind, frame));
+      bobSetGlobal(bobRootScope(interp), "topFrame", scriptWrapTarget(interp, scriptRuntime->frameKind, frame));
     bindOwnNames(result->scope, frame);
   });
   return made ? std::move(result) : nullptr;
@@ -59,7 +59,7 @@ std::unique_ptr<ScriptScope> scriptScopeCreate(Frame* frame) {
 
 int scriptAttach(Frame* frame) {
   BobScope* scope = frame->scriptEnv->scope;
-  BobInterp* interp = scope->interp;
+  BobInterp* interp = bobScopeInterp(scope);
   return bobTry(interp, [&] {
     const BobLocal widgets(interp, widgetsObject(interp, frame));
     const BobLocal styles(interp, stylesObject(interp, frame));
@@ -70,8 +70,9 @@ int scriptAttach(Frame* frame) {
 
 int scriptDetach(Frame* frame) {
   BobScope* scope = frame->scriptEnv->scope;
-  return bobTry(scope->interp, [&] {
-    bobClearProperties(scope->interp, scope->object);
+  BobInterp* interp = bobScopeInterp(scope);
+  return bobTry(interp, [&] {
+    bobClearProperties(interp, bobScopeObject(scope));
     bindOwnNames(scope, frame);
   });
 }
@@ -80,7 +81,7 @@ int scriptLoadFile(Frame* frame, const char* path) {
   EngineCall call;
   BobScope* scope = frame->scriptEnv->scope;
   bool loaded = false;
-  return bobTry(scope->interp, [&] { loaded = bobLoadObjectFile(scope, path); }) && loaded;
+  return bobTry(bobScopeInterp(scope), [&] { loaded = bobLoadObjectFile(scope, path); }) && loaded;
 }
 
 int scriptRun(Frame* frame, const uint8_t* bytes, uint32_t length) {
@@ -93,12 +94,13 @@ int scriptLoadStartupFile(const char* path) {
   EngineCall call;
   if (!scriptRuntime) return 0;
   bool loaded = false;
-  return bobTry(scriptRuntime->interp, [&] { loaded = bobLoadObjectFile(&scriptRuntime->interp->rootScope, path); }) &&
+  return bobTry(scriptRuntime->interp,
+                [&] { loaded = bobLoadObjectFile(bobRootScope(scriptRuntime->interp), path); }) &&
          loaded;
 }
 
 void consoleEvaluate(Frame* frame, const char* text, uint32_t length) {
   EngineCall call;
-  if (!frame || !scriptRuntime || !scriptRuntime->interp->compiler) return;
+  if (!frame || !scriptRuntime || !bobHasCompiler(scriptRuntime->interp)) return;
   bobConsoleEvaluate(frame->scriptEnv->scope, {text, length});
 }

@@ -48,7 +48,7 @@ bool findInteger(BobInterp* interp, const BobLocal& object, const char* name, in
 bool readStyle(BobInterp* interp, const BobLocal& object, TextStyle* style) {
   BobValue font;
   if (!findProperty(interp, object, "font", &font)) return false;
-  if (!interp->isA(font, kBobString)) bobRaise(interp, kBobWrongType, font);
+  if (!bobIsA(interp, font, kBobString)) bobRaise(interp, kBobWrongType, font);
   style->font = fontLoad(std::string(bobStringText(interp, font)).c_str());
   int32_t number;
   if (!style->font || !findInteger(interp, object, "size", &number)) return false;

@@ -19,7 +19,7 @@ void destroyTimer(ScriptTimer* timer) {
 
 void fired(ScriptTimer* timer) {
   ++timer->firing;
-  bobTry(scriptRuntime->interp, [&] { bobCall(&scriptRuntime->interp->rootScope, timer->callback, {}); });
+  bobTry(scriptRuntime->interp, [&] { bobCall(bobRootScope(scriptRuntime->interp), timer->callback, {}); });
   --timer->firing;
 }
 
@@ -44,7 +44,7 @@ void releaseTimer(BobInterp* interp, BobValue wrapper) {
 ScriptTimer* timerToStart(BobInterp* interp, BobValue self) {
   if (!bobIsOfKind(interp, self, scriptRuntime->timerKind)) return nullptr;
   auto* timer = static_cast<ScriptTimer*>(bobNativePointer(interp, self));
-  if (timer) timer->callback = interp->words(self)[BobLayout::kParent];
+  if (timer) timer->callback = bobParentOf(interp, self);
   return timer;
 }
 
@@ -54,7 +54,8 @@ BobValue initialize(BobInterp* interp) {
   bobParse(interp, "V=*V|iB", scriptRuntime->timerKind, &self, &callback, &interval, &repeat);
   releaseTimer(interp, self);  // one that it had before
   auto* timer = new ScriptTimer(timerCallback);
-  timer->callback = interp->words(self)[BobLayout::kParent] = callback;
+  timer->callback = callback;
+  bobSetParent(interp, self, callback);
   if (interval != 0) timerStart(timer, uint32_t(interval), repeat);
   scriptRuntime->timers.push_front(timer);
   timer->handle = bobMakeHandle(interp, timer);

@@ -57,7 +57,7 @@ bool BobToKuiValue(BobInterp* interp, BobValue value, KuiValue* out) {
   } else if (bobIsInteger(interp, value)) {
     out->kind = KuiValue::kInteger;
     out->integer = bobIntegerValue(interp, value);
-  } else if (interp->isA(value, kBobString)) {
+  } else if (bobIsA(interp, value, kBobString)) {
     out->kind = KuiValue::kString;
     out->string = bobStringText(interp, value);
   } else {

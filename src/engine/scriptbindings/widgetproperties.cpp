@@ -109,7 +109,7 @@ void setBackground(BobInterp* interp, BobValue self, BobValue value) {
   Widget* widget = activeWidget(interp, self);
   if (!widget) return;
   if (value == kBobNil) return widgetSetBackground(widget, nullptr);
-  if (!interp->isA(value, kBobString)) return scriptComplain("Expecting a string value or nil\n");
+  if (!bobIsA(interp, value, kBobString)) return scriptComplain("Expecting a string value or nil\n");
   widgetSetBackground(widget, bobStringText(interp, value).data());
 }
 
@@ -137,7 +137,7 @@ template <uint32_t kCode>
 void setName(BobInterp* interp, BobValue self, BobValue value) {
   Widget* widget = activeWidget(interp, self);
   if (!widget) return;
-  if (!interp->isA(value, kBobString)) return scriptComplain("Expecting string value\n");
+  if (!bobIsA(interp, value, kBobString)) return scriptComplain("Expecting string value\n");
   const std::string name(bobStringText(interp, value));  // what the event runs can move the heap
   eventSendSimple(widget, kCode, 0, name.c_str());
 }

@@ -1,5 +1,8 @@
-#include "bob/bob.h"
+#include "bob/tools/disassemble.h"
+
+#include "bob/objects.h"
 #include "bob/opcodes.h"
+#include "bob/print.h"
 
 using namespace BobLayout;
 
@@ -83,4 +86,11 @@ void bobDisassemble(BobInterp* interp, BobValue code, BobStream* stream) {
   const uint32_t* w = interp->words(code);
   if (bobCodeCount(w[kCodeCount]) == 0 || !interp->isA(w[kCodeElements], kBobString)) return;
   Lister(interp, code, stream).list();
+}
+
+void bobDisassembleAll(BobInterp* interp, BobValue code, BobStream* stream) {
+  bobDisassemble(interp, code, stream);
+  const uint32_t* w = interp->words(code);
+  for (uint32_t i = 1; i < bobCodeCount(w[kCodeCount]); ++i)
+    if (interp->isA(w[kCodeElements + i], kBobCompiledCode)) bobDisassembleAll(interp, w[kCodeElements + i], stream);
 }

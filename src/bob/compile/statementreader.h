@@ -1,0 +1,36 @@
+// Source text, statement by statement: each is compiled when it is asked for, so that whoever runs it before asking
+// for the next lets a `define` take effect in between.
+//
+// Readers nest, as when a running statement loads a file: the newest one has the compiler until it is destroyed, and
+// the one outside then goes on after the statement that it is at.
+#pragma once
+
+#include <memory>
+
+#include "bob/stream.h"
+#include "bob/values.h"
+
+struct BobScope;
+
+class BobStatementReader {
+ public:
+  // The source must outlive the reader.
+  BobStatementReader(BobScope* scope, BobStream* source);
+  ~BobStatementReader();
+  BobStatementReader(const BobStatementReader&) = delete;
+  BobStatementReader& operator=(const BobStatementReader&) = delete;
+
+  // The next statement as a Method of the scope, or 0 at the end of the source. Raises what the compiler raises.
+  BobValue next();
+
+ private:
+  struct OuterInput;
+  BobScope* scope;
+  std::unique_ptr<OuterInput> outer;
+};
+
+// The CompiledCode of a Method that the compiler made.
+BobValue bobMethodCode(BobInterp* interp, BobValue method);
+
+// The line of the source that is being read, for messages; 0 when there has been none.
+int bobCurrentLine(const BobInterp* interp);

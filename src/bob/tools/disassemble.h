@@ -1,0 +1,10 @@
+// The disassembler: the instructions of a piece of code, one a line.
+#pragma once
+
+#include "bob/stream.h"
+#include "bob/values.h"
+
+// Lists the code; code without a String of bytecode lists nothing.
+void bobDisassemble(BobInterp* interp, BobValue code, BobStream* stream);
+// The same, then that of the functions among its literals, and of those in them.
+void bobDisassembleAll(BobInterp* interp, BobValue code, BobStream* stream);
