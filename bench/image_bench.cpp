@@ -3,8 +3,8 @@
 
 #include <filesystem>
 
-#include "engine/display.h"
-#include "engine/imagecache.h"
+#include "engine/screen/display.h"
+#include "engine/images/imagecache.h"
 #include "host/headless/headlessdesktop.h"
 #include "kpg/clutfile.h"
 #include "kpg/kpxfile.h"

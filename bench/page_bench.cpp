@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/display.h"
+#include "engine/screen/display.h"
 #include "host/headless/headlessdesktop.h"
 #include "kpg/files.h"
 #include "kpg/pagewriter.h"

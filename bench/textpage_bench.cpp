@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <string>
 
-#include "engine/core.h"
-#include "engine/frame.h"
-#include "engine/redraw.h"
+#include "engine/engine.h"
+#include "engine/page/frame.h"
+#include "engine/page/redraw.h"
 #include "gfx/text/hsgglyphcache.h"
 #include "host/headless/headlessdesktop.h"
 #include "kpg/files.h"

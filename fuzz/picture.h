@@ -9,9 +9,6 @@
 #include <fstream>
 #include <vector>
 
-#include "engine/clut.h"
-#include "engine/display.h"
-#include "engine/imagecache.h"
 #include "host/headless/headlessdesktop.h"
 
 inline void writeBytes(const char* name, const uint8_t* data, size_t size) {
@@ -19,7 +16,7 @@ inline void writeBytes(const char* name, const uint8_t* data, size_t size) {
 }
 
 // The engine, started once, with nothing in its cache: a start takes longer than many pictures.
-inline void freshCache() {
+inline Engine& freshEngine() {
   static HeadlessDesktop* const desktop = [] {
     std::string folder = (std::filesystem::temp_directory_path() / "vistrel-fuzz-XXXXXX").string();
     std::filesystem::current_path(mkdtemp(folder.data()));
@@ -31,14 +28,17 @@ inline void freshCache() {
   }();
   static std::vector<uint32_t> memory(kImageCacheSize / 4);
   desktop->log.clear();
-  clutsFree();
-  imageCacheInit(memory.data(), kImageCacheSize);
+  Engine& engine = desktop->shell.engine;
+  const EngineScope here(engine);
+  engine.cluts = {};
+  engine.images.init(memory.data(), kImageCacheSize);
+  return engine;
 }
 
 // Writes the bytes under `name`, draws it, tiled too, and draws it again from the cache, which must take a good picture
 // afterwards.
 inline void drawPictureFile(const char* name, const uint8_t* data, size_t size) {
-  freshCache();
+  const EngineScope here(freshEngine());
   writeBytes(name, data, size);
   displaySetDepth(size % 2 ? 8 : 16);
   for (bool tile : {false, true}) {
@@ -46,6 +46,5 @@ inline void drawPictureFile(const char* name, const uint8_t* data, size_t size) 
     imageDraw(name, 3, -2, &rect, tile);
   }
   const CachedImage* good = imageGet("good.kpx");
-  if (!good || imagePixels(*good)[1] != 8) std::abort();
-  imageCacheFree();
+  if (!good || currentImages().pixels(*good)[1] != 8) std::abort();
 }

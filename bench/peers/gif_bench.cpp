@@ -7,7 +7,7 @@
 #include <random>
 #include <vector>
 
-#include "engine/gifdecoder.h"
+#include "engine/images/gifdecoder.h"
 
 namespace {
 

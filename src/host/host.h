@@ -1,10 +1,18 @@
 // Everything that the rest of the system may ask of the desktop, and nothing else.
 //
-// Each operation is one plain function, carried out by the shell over whatever Desktop the program was started with.
+// Each operation is one plain function, carried out by the host of the engine that is current on the calling thread:
+// the shell, over whatever Desktop the program was started with.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
+
+// Who carries the operations out for an engine.
+class Host {
+ protected:
+  ~Host() = default;
+};
 
 // ---- the screen
 
@@ -25,7 +33,7 @@ void hostConvertRgbToYCrCb(const uint32_t* source, uint32_t* destination, int co
 
 // ---- the message console
 
-// Formats and writes to the console; what goes beyond 2047 bytes is cut. Always 0.
+// Formats and writes to the console, cut at 2047 bytes. Always 0.
 int hostLog(const char* format, ...) __attribute__((format(printf, 1, 2)));
 void hostPutChar(char c);
 
@@ -47,3 +55,6 @@ void hostClose(HostFile* file);
 size_t hostTell(HostFile* file);
 size_t hostFileSize(HostFile* file);  // leaves the position alone
 bool hostHasFileSystem();
+
+// A name, as a page gives it, of a file that is to be written: seen from the page's folder, and otherwise as it stands.
+std::string hostFullName(const char* name);

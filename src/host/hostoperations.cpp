@@ -1,5 +1,4 @@
-#include "host/hostoperations.h"
-
+// The operations of host.h, carried out by the shell of the current engine.
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
@@ -7,33 +6,37 @@
 #include <string>
 
 #include "engine/ascii.h"
+#include "engine/engine.h"
 #include "host/color.h"
 #include "host/host.h"
 #include "host/shell.h"
 
 namespace {
 
-Shell* theShell = nullptr;
+// Null while no engine is current.
+Shell* currentShell() {
+  Engine* engine = currentEngine();
+  return engine ? static_cast<Shell*>(&engine->host) : nullptr;
+}
 
 }  // namespace
 
-void hostAttach(Shell* shell) { theShell = shell; }
-
 void hostCreateScreen(int width, int height, int depth) {
-  theShell->screen.create(width, height, depth);
-  theShell->desktop.createScreen("KOVA Screen", width, height);
+  currentShell()->screen.create(width, height, depth);
+  currentShell()->desktop.createScreen("KOVA Screen", width, height);
 }
 
-void hostSetDepth(int depth) { theShell->screen.sourceDepth = depth; }
+void hostSetDepth(int depth) { currentShell()->screen.sourceDepth = depth; }
 
 int hostSetPalette(const uint32_t* colors, int count) {
-  theShell->screen.setPalette(colors, count);
+  currentShell()->screen.setPalette(colors, count);
   return count;
 }
 
 void hostPresentRect(const void* source, int x, int y, int w, int h) {
-  theShell->screen.convert(source, x, y, w, h);
-  theShell->desktop.invalidate({x, y, w, h});
+  Shell* shell = currentShell();
+  shell->screen.convert(source, x, y, w, h);
+  shell->desktop.invalidate({x, y, w, h});
 }
 
 void hostConvertRgbToYCrCb(const uint32_t* source, uint32_t* destination, int count) {
@@ -51,16 +54,17 @@ int hostLog(const char* format, ...) {
 }
 
 void hostPutChar(char c) {
-  if (!theShell || !theShell->console) return;
-  theShell->desktop.consoleOutput(c);
-  theShell->console->consolePutChar(c);
+  Shell* shell = currentShell();
+  if (!shell || !shell->console) return;
+  shell->desktop.consoleOutput(c);
+  shell->console->consolePutChar(c);
 }
 
 void hostBreathe() {
-  if (theShell) theShell->desktop.breathe();
+  if (Shell* shell = currentShell()) shell->desktop.breathe();
 }
 
-uint32_t hostMilliseconds() { return theShell->desktop.milliseconds(); }
+uint32_t hostMilliseconds() { return currentShell()->desktop.milliseconds(); }
 
 // ---- files
 
@@ -88,13 +92,20 @@ fs::path findIgnoringCase(const fs::path& folder, const std::string& name) {
   return best.empty() ? fs::path() : folder / best;
 }
 
+// The page's folder; empty for the folder that the program was started in.
+fs::path folder() {
+  const Shell* shell = currentShell();
+  return shell ? shell->folder : fs::path();
+}
+
 fs::path resolve(const char* name) {
   std::string text = name;
   std::replace(text.begin(), text.end(), '\\', '/');
   const fs::path path = text;
-  if (isRegular(path)) return path;
+  const fs::path asItStands = folder() / path;
+  if (isRegular(asItStands)) return asItStands;
 
-  fs::path found = path.root_path();
+  fs::path found = path.is_absolute() ? path.root_path() : folder();
   std::error_code ignored;
   for (const fs::path& part : path.relative_path()) {
     const fs::path next = found / part;
@@ -126,3 +137,5 @@ size_t hostFileSize(HostFile* file) {
 }
 
 bool hostHasFileSystem() { return true; }
+
+std::string hostFullName(const char* name) { return (folder() / name).string(); }

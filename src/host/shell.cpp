@@ -1,13 +1,8 @@
 #include "host/shell.h"
 
-#include <filesystem>
 #include <system_error>
 
-#include "engine/core.h"
-#include "engine/frame.h"
-#include "engine/imagecache.h"
-#include "engine/scriptbindings/scriptbindings.h"
-#include "host/hostoperations.h"
+#include "engine/page/pageload.h"
 #include "host/keytable.h"
 
 namespace {
@@ -26,28 +21,30 @@ void post(const std::optional<RemoteKey>& key) {
 
 }  // namespace
 
-Shell::Shell(Desktop& d) : desktop(d) { hostAttach(this); }
-
-Shell::~Shell() {
-  engineShutdown();
-  hostAttach(nullptr);
-}
+Shell::Shell(Desktop& d) : desktop(d) {}
 
 bool Shell::start() {
+  const EngineScope here(engine);
   EditControl* edit = desktop.createConsole("KOVA Messages", kConsoleWidth, kConsoleHeight);
   if (!edit) return false;
   console = std::make_unique<MessageConsole>(*edit);
   imageCacheMemory = std::make_unique_for_overwrite<uint8_t[]>(kImageCacheSize);
-  engineInit(imageCacheMemory.get(), kImageCacheSize);
+  engine.start(imageCacheMemory.get(), kImageCacheSize);
   bobInitCompiler();
   return true;
 }
 
-void Shell::step() { engineStep(); }
+void Shell::step() { engine.step(); }
 
-void Shell::keyDown(int virtualKey) { post(remoteKeyForVirtualKey(virtualKey)); }
+void Shell::keyDown(int virtualKey) {
+  const EngineScope here(engine);
+  post(remoteKeyForVirtualKey(virtualKey));
+}
 
-void Shell::character(char c) { post(remoteKeyForCharacter(c)); }
+void Shell::character(char c) {
+  const EngineScope here(engine);
+  post(remoteKeyForCharacter(c));
+}
 
 void Shell::command(Command command) {
   if (command == Command::exit) return desktop.quit();
@@ -56,13 +53,17 @@ void Shell::command(Command command) {
 }
 
 bool Shell::loadPage(const std::string& path) {
-  std::error_code ignored;  // a folder that can't be entered leaves the current one; the load then says what it misses
-  const auto folder = std::filesystem::path(path).parent_path();
-  if (!folder.empty()) std::filesystem::current_path(folder, ignored);
-  return topFrame() && frameLoad(topFrame(), path.c_str()) != 0;
+  const EngineScope here(engine);
+  std::error_code ignored;  // a folder that isn't there leaves the present one; the load then says what it misses
+  const auto parent = std::filesystem::path(path).parent_path();
+  const auto next = std::filesystem::absolute(folder / parent, ignored);
+  if (!parent.empty() && std::filesystem::is_directory(next, ignored)) folder = next;
+  return engine.topFrame && frameLoad(engine.topFrame, path.c_str()) != 0;
 }
 
 void Shell::consoleEnter(const std::function<void()>& breakLine) {
-  console->enter(breakLine,
-                 [](std::string_view text) { consoleEvaluate(topFrame(), text.data(), uint32_t(text.size())); });
+  const EngineScope here(engine);
+  console->enter(breakLine, [this](std::string_view text) {
+    consoleEvaluate(engine.topFrame, text.data(), uint32_t(text.size()));
+  });
 }

@@ -1,10 +1,16 @@
-// The shell: the order of start-up, the turn of the step loop, and what keys and menu commands do. The same on every
-// desktop.
+// The shell: the order of start-up, the step loop, and what keys and menu commands do. The same on every desktop.
+//
+// It owns an engine and is that engine's host. The engine is current while one of the operations here runs, and not
+// otherwise; whoever calls the engine's plain functions makes it current first.
 #pragma once
 
+#include <filesystem>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
+#include "engine/engine.h"
 #include "host/console.h"
 #include "host/desktop.h"
 #include "host/screen.h"
@@ -20,19 +26,20 @@ inline constexpr const char* kFileMenuTitle = "&File";
 inline constexpr MenuItem kFileMenu[] = {
     {"&Load KOVA Page File...", Command::loadPage}, {nullptr, {}}, {"E&xit", Command::exit}};
 
-class Shell {
+class Shell : public Host {
  public:
-  // The host operations of host.h act on this shell until it is destroyed; there is one at a time.
   explicit Shell(Desktop& desktop);
-  ~Shell();
   Shell(const Shell&) = delete;
   Shell& operator=(const Shell&) = delete;
 
   // Console, engine, script compiler. False when the console can't be made; the program then ends with -1.
   bool start();
 
-  // One turn of the step loop behind a message, or without one.
+  // One step of the engine, after a message or without one.
   void step();
+
+  bool busy() const { return engine.busy(); }  // whether a step would do anything now beside firing timers
+  std::optional<uint32_t> nextTimer() const { return engine.timers.nextDue(); }  // on the desktop's clock
 
   // Messages, in the terms that the windows get them. Each is to be followed by a step.
   void keyDown(int virtualKey);
@@ -40,14 +47,18 @@ class Shell {
   void command(Command command);
   void consoleEnter(const std::function<void()>& breakLine);
 
-  // Makes the file's folder the current directory, so that names in the page lead beside it, and loads the page into
-  // the top frame. False when it does not load.
+  // Makes the file's folder the page's, so that names in the page are found beside it, and loads the page into the top
+  // frame. False when it does not load.
   bool loadPage(const std::string& path);
 
   Desktop& desktop;
   ScreenSurface screen;
   std::unique_ptr<MessageConsole> console;
+  std::filesystem::path folder;  // where relative names lead; empty for where the program was started
 
  private:
   std::unique_ptr<uint8_t[]> imageCacheMemory;
+
+ public:
+  Engine engine{*this};  // goes first, as its end still draws on what is above
 };

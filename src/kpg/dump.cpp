@@ -5,7 +5,7 @@
 #include <cstring>
 #include <set>
 
-#include "engine/pagefile.h"
+#include "engine/page/pagefile.h"
 #include "kpg/base64.h"
 #include "kpg/errors.h"
 #include "kpg/schema.h"

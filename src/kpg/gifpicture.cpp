@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "engine/gifdecoder.h"
+#include "engine/images/gifdecoder.h"
 #include "kpg/errors.h"
 
 namespace {

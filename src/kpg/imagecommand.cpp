@@ -3,7 +3,7 @@
 #include <iostream>
 #include <memory>
 
-#include "engine/imagecache.h"
+#include "engine/images/imagecache.h"
 #include "kpg/clutfile.h"
 #include "kpg/commands.h"
 #include "kpg/dither.h"

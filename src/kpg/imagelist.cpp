@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "engine/ascii.h"
-#include "engine/imagecache.h"
+#include "engine/images/imagecache.h"
 #include "host/color.h"
 #include "kpg/clutfile.h"
 #include "kpg/enginecolors.h"

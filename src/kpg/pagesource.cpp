@@ -10,7 +10,7 @@
 #include <optional>
 #include <set>
 
-#include "engine/display.h"
+#include "engine/screen/display.h"
 #include "host/color.h"
 #include "kpg/base64.h"
 #include "kpg/errors.h"

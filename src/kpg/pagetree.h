@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/pagefile.h"
+#include "engine/page/pagefile.h"
 
 struct PageNode;
 

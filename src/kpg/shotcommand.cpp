@@ -3,7 +3,6 @@
 #include <iostream>
 #include <memory>
 
-#include "engine/scriptbindings/scriptbindings.h"
 #include "host/headless/headlessdesktop.h"
 #include "kpg/commands.h"
 #include "kpg/errors.h"
@@ -67,7 +66,6 @@ void shoot(ShotOptions options) {
   options.output = againstHere(options.output);
   options.log = againstHere(options.log);
 
-  scriptSetReadOnly(options.readOnly);
   bool loaded;
   std::string log;
   int width, height;
@@ -75,6 +73,7 @@ void shoot(ShotOptions options) {
   {
     const StandardOutputAside aside;
     HeadlessDesktop desktop;
+    desktop.shell.engine.scriptsMayWriteFiles = !options.readOnly;
     loaded = play(desktop, options);
     log = desktop.log;
     width = desktop.shell.screen.screenWidth;

@@ -8,7 +8,7 @@
 #include <iterator>
 #include <random>
 
-#include "engine/core.h"
+#include "engine/engine.h"
 #include "gfx/foundation/hsdebug.h"
 #include "host/headless/headlessdesktop.h"
 #include "support/pagefixture.h"

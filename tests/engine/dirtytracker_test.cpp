@@ -1,4 +1,4 @@
-#include "engine/dirtytracker.h"
+#include "engine/screen/dirtytracker.h"
 
 #include <gtest/gtest.h>
 

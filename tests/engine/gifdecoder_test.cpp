@@ -1,4 +1,4 @@
-#include "engine/gifdecoder.h"
+#include "engine/images/gifdecoder.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "engine/handleheap.h"
+#include "engine/images/handleheap.h"
 
 #include <gtest/gtest.h>
 

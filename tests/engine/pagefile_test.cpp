@@ -1,4 +1,4 @@
-#include "engine/pagefile.h"
+#include "engine/page/pagefile.h"
 
 #include "engine/ascii.h"
 #include "support/pagefixture.h"

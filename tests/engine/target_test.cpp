@@ -1,8 +1,8 @@
-#include "engine/target.h"
+#include "engine/events/eventtarget.h"
 
 #include <functional>
 
-#include "engine/graveyard.h"
+#include "engine/events/graveyard.h"
 #include "support/pagefixture.h"
 
 namespace {

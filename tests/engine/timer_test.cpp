@@ -1,4 +1,4 @@
-#include "engine/timer.h"
+#include "engine/events/timer.h"
 
 #include <functional>
 

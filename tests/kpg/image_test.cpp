@@ -1,5 +1,5 @@
 // Pictures from the author's file to the player's screen.
-#include "engine/imagecache.h"
+#include "engine/images/imagecache.h"
 #include "host/color.h"
 #include "kpg/clutfile.h"
 #include "kpg/kpxfile.h"

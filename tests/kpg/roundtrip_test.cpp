@@ -1,7 +1,7 @@
 // Whatever build makes, dump prints so that it builds back to the same bytes.
 #include <random>
 
-#include "engine/pagefile.h"
+#include "engine/page/pagefile.h"
 #include "kpg/dump.h"
 #include "kpg/files.h"
 #include "kpg/pagesource.h"

@@ -1,4 +1,4 @@
-#include "engine/display.h"
+#include "engine/screen/display.h"
 
 #include "gfx/halt.h"
 #include "gfx/nomemory.h"
@@ -32,7 +32,7 @@ TEST_F(DisplayTest, WithoutMemoryForItsPixelsTheScreenStopsAsItWas) {
   }
   EXPECT_EQ(halt.Reports(), std::vector<std::string>{""});
   EXPECT_NE(log().find("Out of memory\n"), std::string::npos);
-  EXPECT_EQ(displayDepth(), 16);
+  EXPECT_EQ(currentDisplay().depth(), 16);
   displayFillRect({0, 0, 1, 1}, 0xEB808000);
   EXPECT_NE(pixel(0, 0), kGreen);
 }

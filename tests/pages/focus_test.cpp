@@ -1,5 +1,5 @@
 // Keys to focus: links, digits, slaves, and what an unanswered key does.
-#include "engine/redraw.h"
+#include "engine/events/redrawqueue.h"
 #include "support/pagefixture.h"
 
 namespace {

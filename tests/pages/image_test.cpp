@@ -1,8 +1,8 @@
 // Pictures on pages: the cache, tiles, offsets and what a picture does to the screen's colours.
-#include "engine/imagecache.h"
+#include "engine/images/imagecache.h"
 
-#include "engine/clut.h"
-#include "engine/display.h"
+#include "engine/screen/clut.h"
+#include "engine/screen/display.h"
 #include "host/color.h"
 #include "support/pagefixture.h"
 

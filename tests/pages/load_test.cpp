@@ -2,8 +2,8 @@
 #include <functional>
 #include <map>
 
-#include "engine/display.h"
-#include "engine/language.h"
+#include "engine/screen/display.h"
+#include "engine/page/language.h"
 #include "kpg/base64.h"
 #include "support/pagefixture.h"
 
@@ -79,10 +79,10 @@ TEST_F(LoadTest, AFailedLoadRunsOnUnloadAndKeepsTheDepthOfThePageBefore) {
   ASSERT_TRUE(load("flags: 16bit\npage: {}"));
   ASSERT_FALSE(load(page("colorTable: no.clut")));
   EXPECT_EQ(hearing(), "attach loadun detach ");
-  EXPECT_EQ(displayDepth(), 8);  // step 8 is behind it, the table was step 9
+  EXPECT_EQ(currentDisplay().depth(), 8);  // step 8 is behind it, the table was step 9
   ASSERT_TRUE(load("flags: 16bit\npage: {}"));
   ASSERT_FALSE(load("flags: 8bit\npage: {scriptingLanguage: klingon}"));
-  EXPECT_EQ(displayDepth(), 16);
+  EXPECT_EQ(currentDisplay().depth(), 16);
 }
 
 TEST_F(LoadTest, APageMayLoadAnotherFromItsOwnOnLoad) {
@@ -126,7 +126,7 @@ TEST_F(LoadTest, NestedFramesGoSilentlyAndHearEventsBehindTheOuterOne) {
   ASSERT_TRUE(load(page("type: group, children: [{name: nest, type: frame, src: inner.kpg}]")));
   EXPECT_EQ(hearing(), "attach loadInner attach load ");  // the inner page loads while the outer one is built
   auto* inner = static_cast<Frame*>(widget("nest"));
-  EXPECT_EQ(inner->focus->frame, inner);
+  EXPECT_EQ(frameOf(inner->focus), inner);
   EXPECT_FALSE(loadFile("none.kpg"));
   EXPECT_EQ(hearing(), "loadun detach ");
   desktop.wait(60);  // the inner widget's timer went with it

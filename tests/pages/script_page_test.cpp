@@ -1,5 +1,5 @@
 // Scripts over the life of pages: scopes, files, hooks that take their own page away, long sessions.
-#include "engine/display.h"
+#include "engine/screen/display.h"
 #include "pages/scriptfixture.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // The class TextStyle, the styles of a page as scripts see them, and glyphs rendered ahead.
-#include "engine/frame.h"
+#include "engine/page/frame.h"
 #include "engine/scriptbindings/bindings.h"
-#include "engine/textstyle.h"
+#include "engine/text/textstyle.h"
 #include "pages/scriptfixture.h"
 
 namespace {

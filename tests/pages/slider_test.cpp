@@ -1,6 +1,6 @@
 #include "engine/widgets/slider.h"
 
-#include "engine/value.h"
+#include "engine/events/value.h"
 #include "support/pagefixture.h"
 
 namespace {

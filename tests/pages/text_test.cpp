@@ -1,10 +1,11 @@
 // Text and number widgets, from keys and events to pixels.
+#include "engine/text/textmeasure.h"
 #include "engine/widgets/text.h"
 
 #include <random>
 
 #include "blockspage.h"
-#include "engine/value.h"
+#include "engine/events/value.h"
 #include "engine/widgets/linebreak.h"
 #include "engine/widgets/number.h"
 

@@ -2,7 +2,7 @@
 #include "engine/widgets/textcontainer.h"
 
 #include "blockspage.h"
-#include "engine/value.h"
+#include "engine/events/value.h"
 
 namespace {
 

@@ -2,9 +2,10 @@
 #include <array>
 #include <cstring>
 
+#include "engine/text/textmeasure.h"
 #include "blockspage.h"
-#include "engine/display.h"
-#include "engine/textstyle.h"
+#include "engine/screen/display.h"
+#include "engine/text/textstyle.h"
 #include "host/color.h"
 
 namespace {

@@ -4,7 +4,7 @@
 
 #include <fstream>
 
-#include "engine/core.h"
+#include "engine/engine.h"
 #include "kpg/files.h"
 #include "kpg/pagebuild.h"
 

@@ -6,8 +6,7 @@
 #include <filesystem>
 #include <string>
 
-#include "engine/core.h"
-#include "engine/frame.h"
+#include "engine/page/pageload.h"
 #include "host/headless/headlessdesktop.h"
 
 // Every test gets a folder of its own as the current directory, and an engine that has started and drawn nothing yet.
@@ -35,6 +34,7 @@ class PageTest : public testing::Test {
   std::string focusName() const;
 
   HeadlessDesktop desktop;
+  EngineScope here{desktop.shell.engine};
 
  private:
   std::filesystem::path before, folder;

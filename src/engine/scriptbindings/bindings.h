@@ -8,10 +8,11 @@
 #include <vector>
 
 #include "bob/bob.h"
-#include "engine/target.h"
-#include "engine/textstyle.h"
-#include "engine/timer.h"
-#include "engine/value.h"
+#include "engine/events/eventtarget.h"
+#include "engine/events/timer.h"
+#include "engine/events/value.h"
+#include "engine/scriptbindings/scriptbindings.h"
+#include "engine/text/textstyle.h"
 
 struct Frame;
 struct Widget;
@@ -55,8 +56,16 @@ struct CollectorRoot {
   void* data;
 };
 
+// Scripts print to the message console and read nothing.
+class ConsoleStream : public BobStream {
+ public:
+  int PutC(int c) override;
+};
+
 struct ScriptRuntime {
   BobInterp* interp = nullptr;
+  ConsoleStream console;
+  bool mayWriteFiles = true;
   uint32_t targetKind = 0, eventKind = 0, widgetKind = 0, frameKind = 0, styleKind = 0, timerKind = 0, tableKind = 0;
   std::vector<std::pair<std::string, uint32_t>> widgetTypes;  // `type` of a widget, kind of its wrappers
   std::list<ScriptHandler*> handlers;                         // each newest first
@@ -67,8 +76,8 @@ struct ScriptRuntime {
   std::vector<CollectorRoot> roots;
 };
 
-// Null while none runs.
-extern std::unique_ptr<ScriptRuntime> scriptRuntime;
+// Of the engine that is current on this thread. Only for what runs between its scripts' start and stop.
+inline ScriptRuntime& currentScripts() { return *runningScripts(); }
 
 // ---- the classes; each defines its kind in the root scope, in the order of these lines. False on failure.
 
@@ -104,13 +113,13 @@ BobValue scriptWrapEvent(BobInterp* interp, const Event& event);
 BobValue scriptWrapStyle(BobInterp* interp, const TextStyle* style);  // around a copy
 const TextStyle* scriptStyleOf(BobInterp* interp, BobValue value);    // null for what is no style
 
-// What stands behind a wrapper's pointer, or behind a value; null for an inactive one. A script can give a Widget
+// What a wrapper's pointer, or a value, stands for; null for an inactive one. A script can give a Widget
 // wrapper a target that is no widget (`initialize` is inherited): such a wrapper is inactive as a widget.
 Widget* scriptWidgetOf(void* pointer);
 Widget* scriptWidgetOf(BobInterp* interp, BobValue value);
 Frame* scriptFrameOf(void* pointer);
 
-// Gives up the target that a script made behind this wrapper, if it has one. A target that still hears events lives on
+// Gives up the target that a script made for this wrapper, if it has one. A target that still hears events lives on
 // until it is taken off the active list.
 void scriptReleaseTarget(BobInterp* interp, BobValue wrapper);
 

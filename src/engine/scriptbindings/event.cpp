@@ -12,7 +12,7 @@ enum Word { kSize, kTime, kClass, kCode, kKeyCode, kParam0, kParam1 };
 // All zero in an instance that holds no event: every event has a size or a code.
 Words wordsOf(BobInterp* interp, BobValue event) {
   Words words{};
-  if (bobIsOfKind(interp, event, scriptRuntime->eventKind))
+  if (bobIsOfKind(interp, event, currentScripts().eventKind))
     std::memcpy(words.data(), bobExtraBytes(interp, event), kEventSize);
   return words;
 }
@@ -34,7 +34,7 @@ constexpr BobPropertyRow kProperties[] = {
 }  // namespace
 
 BobValue scriptWrapEvent(BobInterp* interp, const Event& event) {
-  const BobValue wrapper = bobMakeNative(interp, scriptRuntime->eventKind);
+  const BobValue wrapper = bobMakeNative(interp, currentScripts().eventKind);
   const Words words = {event.size, event.time, event.eventClass, event.code, event.keyCode, event.data, event.data2};
   std::memcpy(bobExtraBytes(interp, wrapper), words.data(), kEventSize);
   return wrapper;

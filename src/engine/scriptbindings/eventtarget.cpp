@@ -1,5 +1,5 @@
 // The class EventTarget, and the delivery of events to script functions.
-#include "engine/graveyard.h"
+#include "engine/events/graveyard.h"
 #include "engine/scriptbindings/bindings.h"
 #include "engine/scriptbindings/scriptbindings.h"
 
@@ -8,9 +8,9 @@ namespace {
 void destroyTarget(ScriptTarget* target) {
   if (target->gone) return;
   target->gone = true;
-  scriptTargetGone(target);
+  target->scriptHandle.release();
   targetDestroyLists(target);
-  scriptRuntime->targets.remove(target);
+  currentScripts().targets.remove(target);
   bury(target);
 }
 
@@ -20,20 +20,20 @@ ScriptTarget* scriptTargetBehind(BobInterp* interp, BobValue wrapper) {
 
 BobValue initialize(BobInterp* interp) {
   BobValue self;
-  bobParse(interp, "V=*", scriptRuntime->targetKind, &self);
+  bobParse(interp, "V=*", currentScripts().targetKind, &self);
   scriptReleaseTarget(interp, self);  // one that it had before
   auto* target = new ScriptTarget(nullptr);
-  scriptRuntime->targets.push_front(target);
-  target->scriptHandle = bobMakeHandle(interp, static_cast<EventTarget*>(target));
-  bobHandleOf(interp, self) = target->scriptHandle;
+  currentScripts().targets.push_front(target);
+  target->scriptHandle.make(interp, static_cast<EventTarget*>(target));
+  bobHandleOf(interp, self) = target->scriptHandle.number();
   return self;
 }
 
 ScriptHandler* newHandler(int32_t code, BobValue callback) {
   auto* handler = new ScriptHandler(uint32_t(code));
   handler->callback = callback;
-  scriptRuntime->handlers.push_front(handler);
-  handler->place = scriptRuntime->handlers.begin();
+  currentScripts().handlers.push_front(handler);
+  handler->place = currentScripts().handlers.begin();
   return handler;
 }
 
@@ -41,7 +41,7 @@ BobValue addHook(BobInterp* interp, bool (*add)(EventTarget*, EventHandler*)) {
   void* pointer;
   int32_t code;
   BobValue callback;
-  bobParse(interp, "P=*iV", scriptRuntime->targetKind, &pointer, &code, &callback);
+  bobParse(interp, "P=*iV", currentScripts().targetKind, &pointer, &code, &callback);
   if (!pointer) return kBobFalse;
   ScriptHandler* handler = newHandler(code, callback);
   if (!add(static_cast<EventTarget*>(pointer), handler)) {
@@ -56,7 +56,7 @@ BobValue onEvent(BobInterp* interp) { return addHook(interp, handlerAdd); }
 
 BobValue changeActive(BobInterp* interp, bool (*change)(EventTarget*)) {
   void* pointer;
-  bobParse(interp, "P=*", scriptRuntime->targetKind, &pointer);
+  bobParse(interp, "P=*", currentScripts().targetKind, &pointer);
   return bobBoolean(pointer && change(static_cast<EventTarget*>(pointer)));
 }
 
@@ -76,7 +76,7 @@ void scriptReleaseTarget(BobInterp* interp, BobValue wrapper) {
   if (!target) return;
   if (target != defaultTarget() && !(target->targetFlags & kTargetActive)) return destroyTarget(target);
   target->hasWrapper = false;
-  scriptTargetGone(target);
+  target->scriptHandle.release();
 }
 
 int ScriptTarget::handleEvent(const Event* event) {
@@ -87,10 +87,10 @@ int ScriptTarget::handleEvent(const Event* event) {
 
 int ScriptHandler::fn(const Event* event) {
   if (!event) {
-    scriptRuntime->handlers.erase(place);
+    currentScripts().handlers.erase(place);
     return 1;
   }
-  BobInterp* interp = scriptRuntime->interp;
+  BobInterp* interp = currentScripts().interp;
   BobValue result = kBobNil;
   bobTry(interp, [&] {
     const BobValue wrapper = scriptWrapEvent(interp, *event);  // ahead of the callback, which it can move

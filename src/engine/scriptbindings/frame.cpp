@@ -1,5 +1,7 @@
 // The class Frame.
-#include "engine/frame.h"
+#include "engine/page/frame.h"
+
+#include "engine/page/pageload.h"
 
 #include "engine/scriptbindings/bindings.h"
 
@@ -13,14 +15,14 @@ Frame* activeFrame(void* pointer) {
 
 Frame* parseFrame(BobInterp* interp) {
   void* pointer;
-  bobParse(interp, "P=*", scriptRuntime->frameKind, &pointer);
+  bobParse(interp, "P=*", currentScripts().frameKind, &pointer);
   return activeFrame(pointer);
 }
 
 BobValue loadPage(BobInterp* interp) {
   void* pointer;
   const char* path;
-  bobParse(interp, "P=*S", scriptRuntime->frameKind, &pointer, &path);
+  bobParse(interp, "P=*S", currentScripts().frameKind, &pointer, &path);
   const std::string kept(path);  // the page's scripts can move the heap
   Frame* frame = activeFrame(pointer);
   return bobBoolean(frame && frameLoad(frame, kept.c_str()));

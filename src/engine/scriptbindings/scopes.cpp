@@ -1,19 +1,19 @@
 // Frames in the language: their scopes, what a page publishes there, and running its scripts.
-#include "engine/core.h"
-#include "engine/frame.h"
-#include "engine/graveyard.h"
+#include "engine/events/graveyard.h"
+#include "engine/page/frame.h"
 #include "engine/scriptbindings/bindings.h"
 #include "engine/scriptbindings/scriptbindings.h"
 
 namespace {
 
 BobScope* scopeAround(const Frame* frame) {
-  return frame->frame ? frame->frame->scriptEnv->scope : bobRootScope(scriptRuntime->interp);
+  const Frame* around = frameOf(frame);
+  return around ? around->scriptEnv->scope : bobRootScope(currentScripts().interp);
 }
 
 void bindOwnNames(BobScope* scope, Frame* frame) {
-  bobSetGlobal(scope, "parent", frame->frame ? bobScopeObject(scopeAround(frame)) : kBobNil);
-  bobSetGlobal(scope, "frame", scriptWrapTarget(bobScopeInterp(scope), scriptRuntime->frameKind, frame));
+  bobSetGlobal(scope, "parent", frame->owner ? bobScopeObject(scopeAround(frame)) : kBobNil);
+  bobSetGlobal(scope, "frame", scriptWrapTarget(bobScopeInterp(scope), currentScripts().frameKind, frame));
 }
 
 // Of two widgets of one name, scripts see the last.
@@ -31,9 +31,9 @@ BobValue widgetsObject(BobInterp* interp, const Frame* frame) {
 // Of two styles of one name, too.
 BobValue stylesObject(BobInterp* interp, const Frame* frame) {
   const BobLocal object(interp, bobMakeObject(interp, bobObjectClass(interp)));
-  for (const TextStyleNode* node = frame->textStyles; node; node = node->next) {
-    const BobLocal wrapper(interp, scriptWrapStyle(interp, &node->style));
-    const BobValue name = bobIntern(interp, node->name ? node->name : "default");
+  for (const NamedStyle& named : frame->textStyles) {
+    const BobLocal wrapper(interp, scriptWrapStyle(interp, &named.style));
+    const BobValue name = bobIntern(interp, named.name);
     bobSetProperty(interp, object, name, wrapper);
   }
   return object;
@@ -41,17 +41,13 @@ BobValue stylesObject(BobInterp* interp, const Frame* frame) {
 
 }  // namespace
 
-ScriptScope::~ScriptScope() {
-  if (scriptRuntime) bobReleaseScope(scope);
-}
-
 std::unique_ptr<ScriptScope> scriptScopeCreate(Frame* frame) {
-  BobInterp* interp = scriptRuntime->interp;
+  BobInterp* interp = currentScripts().interp;
   std::unique_ptr<ScriptScope> result;
   const bool made = bobTry(interp, [&] {
     result = std::make_unique<ScriptScope>(bobMakeScope(scopeAround(frame)));
-    if (!frame->frame)
-      bobSetGlobal(bobRootScope(interp), "topFrame", scriptWrapTarget(interp, scriptRuntime->frameKind, frame));
+    if (!frame->owner)
+      bobSetGlobal(bobRootScope(interp), "topFrame", scriptWrapTarget(interp, currentScripts().frameKind, frame));
     bindOwnNames(result->scope, frame);
   });
   return made ? std::move(result) : nullptr;
@@ -92,15 +88,15 @@ int scriptRun(Frame* frame, const uint8_t* bytes, uint32_t length) {
 
 int scriptLoadStartupFile(const char* path) {
   EngineCall call;
-  if (!scriptRuntime) return 0;
+  if (!scriptInterp()) return 0;
   bool loaded = false;
-  return bobTry(scriptRuntime->interp,
-                [&] { loaded = bobLoadObjectFile(bobRootScope(scriptRuntime->interp), path); }) &&
+  return bobTry(currentScripts().interp,
+                [&] { loaded = bobLoadObjectFile(bobRootScope(currentScripts().interp), path); }) &&
          loaded;
 }
 
 void consoleEvaluate(Frame* frame, const char* text, uint32_t length) {
   EngineCall call;
-  if (!frame || !scriptRuntime || !bobHasCompiler(scriptRuntime->interp)) return;
+  if (!frame || !scriptInterp() || !bobHasCompiler(currentScripts().interp)) return;
   bobConsoleEvaluate(frame->scriptEnv->scope, {text, length});
 }

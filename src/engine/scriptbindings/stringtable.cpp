@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "engine/core.h"
+#include "engine/hostfile.h"
+#include "engine/log.h"
 #include "engine/scriptbindings/bindings.h"
-#include "engine/wholefile.h"
 #include "host/host.h"
 
 namespace {
@@ -21,7 +21,7 @@ bool closeTable(BobInterp* interp, BobValue wrapper) {
   StringTableFile* table = tableBehind(interp, wrapper);
   if (!table) return false;
   bobReleaseHandle(interp, bobHandleOf(interp, wrapper));
-  std::erase_if(scriptRuntime->tables, [table](const auto& open) { return open.get() == table; });
+  std::erase_if(currentScripts().tables, [table](const auto& open) { return open.get() == table; });
   return true;
 }
 
@@ -30,25 +30,25 @@ void finalize(BobInterp* interp, BobValue wrapper) { closeTable(interp, wrapper)
 BobValue initialize(BobInterp* interp) {
   BobValue self;
   const char* name;
-  bobParse(interp, "V=*S", scriptRuntime->tableKind, &self, &name);
+  bobParse(interp, "V=*S", currentScripts().tableKind, &self, &name);
   std::unique_ptr<StringTableFile> table = StringTableFile::open(name);
   if (!table) return kBobNil;
   closeTable(interp, self);  // one that it had before
   bobHandleOf(interp, self) = bobMakeHandle(interp, table.get());
-  scriptRuntime->tables.push_back(std::move(table));
+  currentScripts().tables.push_back(std::move(table));
   return self;
 }
 
 BobValue close(BobInterp* interp) {
   BobValue self;
-  bobParse(interp, "V=*", scriptRuntime->tableKind, &self);
+  bobParse(interp, "V=*", currentScripts().tableKind, &self);
   return bobBoolean(closeTable(interp, self));
 }
 
 BobValue string(BobInterp* interp) {
   void* pointer;
   int32_t index;
-  bobParse(interp, "P=*i", scriptRuntime->tableKind, &pointer, &index);
+  bobParse(interp, "P=*i", currentScripts().tableKind, &pointer, &index);
   if (!pointer) return kBobNil;
   const std::string_view text = static_cast<StringTableFile*>(pointer)->string(index);
   return text.empty() ? kBobNil : bobMakeString(interp, text);
@@ -64,12 +64,12 @@ constexpr BobMethodRow kMethods[] = {
 }  // namespace
 
 std::unique_ptr<StringTableFile> StringTableFile::open(const char* name) {
-  HostFile* file = hostOpen(name);
+  const HostFilePtr file = openHostFile(name);
   if (!file) {
     if (logVerbose) hostLog("Can't open '%s'\n", name);
     return nullptr;
   }
-  auto bytes = readWhole(file);
+  auto bytes = readWhole(file.get());
   if (!bytes) {
     scriptComplain("Read failed\n");
     return nullptr;

@@ -2,14 +2,14 @@
 //
 // A wrapper has a copy of its style, so it outlives the page or widget that it comes from, and a change of either does
 // not show in the other.
-#include "engine/textstyle.h"
+#include "engine/text/textstyle.h"
 
 #include <string>
 
-#include "engine/display.h"
-#include "engine/glyphwarming.h"
+#include "engine/hostfile.h"
+#include "engine/screen/display.h"
 #include "engine/scriptbindings/bindings.h"
-#include "engine/wholefile.h"
+#include "engine/text/glyphwarming.h"
 
 namespace {
 
@@ -19,11 +19,11 @@ void releaseStyle(BobInterp* interp, BobValue wrapper) {
   auto* held = static_cast<ScriptStyle*>(bobNativePointer(interp, wrapper));
   if (!held) return;
   bobReleaseHandle(interp, held->handle);
-  scriptRuntime->styles.erase(held->place);
+  currentScripts().styles.erase(held->place);
 }
 
 void holdStyle(BobInterp* interp, BobValue wrapper, const TextStyle& style) {
-  auto& styles = scriptRuntime->styles;
+  auto& styles = currentScripts().styles;
   styles.push_front({style});
   ScriptStyle& held = styles.front();
   held.place = styles.begin();
@@ -67,7 +67,7 @@ bool readStyle(BobInterp* interp, const BobLocal& object, TextStyle* style) {
 
 BobValue initialize(BobInterp* interp) {
   BobValue self, given;
-  bobParse(interp, "V=*V", scriptRuntime->styleKind, &self, &given);
+  bobParse(interp, "V=*V", currentScripts().styleKind, &self, &given);
   const BobLocal wrapper(interp, self), attributes(interp, given);
   TextStyle style;
   if (!readStyle(interp, attributes, &style)) return kBobNil;
@@ -79,16 +79,16 @@ BobValue initialize(BobInterp* interp) {
 BobValue cacheGlyphs(BobInterp* interp) {
   void* pointer;
   const char* text = kUsualGlyphs;
-  bobParse(interp, "P=*|S", scriptRuntime->styleKind, &pointer, &text);
+  bobParse(interp, "P=*|S", currentScripts().styleKind, &pointer, &text);
   return bobBoolean(pointer && glyphWarmingRequest(static_cast<ScriptStyle*>(pointer)->style, text));
 }
 
 BobValue cacheGlyphsFromFile(BobInterp* interp) {
   void* pointer;
   const char* path;
-  bobParse(interp, "P=*S", scriptRuntime->styleKind, &pointer, &path);
-  HostFile* file = pointer ? hostOpen(path) : nullptr;
-  const auto bytes = file ? readWhole(file) : std::nullopt;
+  bobParse(interp, "P=*S", currentScripts().styleKind, &pointer, &path);
+  const HostFilePtr file = pointer ? openHostFile(path) : nullptr;
+  const auto bytes = file ? readWhole(file.get()) : std::nullopt;
   if (!bytes) return kBobFalse;
   const std::string_view text(reinterpret_cast<const char*>(bytes->data()), bytes->size());
   return bobBoolean(glyphWarmingRequest(static_cast<ScriptStyle*>(pointer)->style, text));
@@ -104,13 +104,13 @@ constexpr BobMethodRow kMethods[] = {
 }  // namespace
 
 BobValue scriptWrapStyle(BobInterp* interp, const TextStyle* style) {
-  const BobValue wrapper = bobMakeNative(interp, scriptRuntime->styleKind);
+  const BobValue wrapper = bobMakeNative(interp, currentScripts().styleKind);
   holdStyle(interp, wrapper, *style);
   return wrapper;
 }
 
 const TextStyle* scriptStyleOf(BobInterp* interp, BobValue value) {
-  if (!bobIsOfKind(interp, value, scriptRuntime->styleKind)) return nullptr;
+  if (!bobIsOfKind(interp, value, currentScripts().styleKind)) return nullptr;
   const auto* held = static_cast<const ScriptStyle*>(bobNativePointer(interp, value));
   return held ? &held->style : nullptr;
 }

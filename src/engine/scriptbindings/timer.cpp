@@ -11,15 +11,15 @@ bool isUnderWay(const ScriptTimer* timer) { return timer->firing || timerIsListe
 
 void destroyTimer(ScriptTimer* timer) {
   if (timer->gone) return;
-  bobReleaseHandle(scriptRuntime->interp, timer->handle);
-  scriptRuntime->timers.remove(timer);
+  bobReleaseHandle(currentScripts().interp, timer->handle);
+  currentScripts().timers.remove(timer);
   timer->hasWrapper = true;  // stopping it says so to its callback, which would be back here
   timerDestroy(timer);
 }
 
 void fired(ScriptTimer* timer) {
   ++timer->firing;
-  bobTry(scriptRuntime->interp, [&] { bobCall(bobRootScope(scriptRuntime->interp), timer->callback, {}); });
+  bobTry(currentScripts().interp, [&] { bobCall(bobRootScope(currentScripts().interp), timer->callback, {}); });
   --timer->firing;
 }
 
@@ -42,7 +42,7 @@ void releaseTimer(BobInterp* interp, BobValue wrapper) {
 
 // The timer behind a value, about to be started: it has its callback again.
 ScriptTimer* timerToStart(BobInterp* interp, BobValue self) {
-  if (!bobIsOfKind(interp, self, scriptRuntime->timerKind)) return nullptr;
+  if (!bobIsOfKind(interp, self, currentScripts().timerKind)) return nullptr;
   auto* timer = static_cast<ScriptTimer*>(bobNativePointer(interp, self));
   if (timer) timer->callback = bobParentOf(interp, self);
   return timer;
@@ -51,13 +51,13 @@ ScriptTimer* timerToStart(BobInterp* interp, BobValue self) {
 BobValue initialize(BobInterp* interp) {
   BobValue self, callback;
   int32_t interval = 0, repeat = 0;
-  bobParse(interp, "V=*V|iB", scriptRuntime->timerKind, &self, &callback, &interval, &repeat);
+  bobParse(interp, "V=*V|iB", currentScripts().timerKind, &self, &callback, &interval, &repeat);
   releaseTimer(interp, self);  // one that it had before
   auto* timer = new ScriptTimer(timerCallback);
   timer->callback = callback;
   bobSetParent(interp, self, callback);
   if (interval != 0) timerStart(timer, uint32_t(interval), repeat);
-  scriptRuntime->timers.push_front(timer);
+  currentScripts().timers.push_front(timer);
   timer->handle = bobMakeHandle(interp, timer);
   bobHandleOf(interp, self) = timer->handle;
   return self;
@@ -66,7 +66,7 @@ BobValue initialize(BobInterp* interp) {
 BobValue set(BobInterp* interp) {
   BobValue self;
   int32_t interval, repeat = 0;
-  bobParse(interp, "V=*i|B", scriptRuntime->timerKind, &self, &interval, &repeat);
+  bobParse(interp, "V=*i|B", currentScripts().timerKind, &self, &interval, &repeat);
   ScriptTimer* timer = timerToStart(interp, self);
   if (!timer) return kBobFalse;
   timerStart(timer, uint32_t(interval), repeat);
@@ -75,14 +75,14 @@ BobValue set(BobInterp* interp) {
 
 BobValue clear(BobInterp* interp) {
   void* pointer;
-  bobParse(interp, "P=*", scriptRuntime->timerKind, &pointer);
+  bobParse(interp, "P=*", currentScripts().timerKind, &pointer);
   if (!pointer) return kBobFalse;
   timerStop(static_cast<ScriptTimer*>(pointer));
   return kBobTrue;
 }
 
 BobValue getTimeRemaining(BobInterp* interp, BobValue self) {
-  if (!bobIsOfKind(interp, self, scriptRuntime->timerKind)) return kBobNil;
+  if (!bobIsOfKind(interp, self, currentScripts().timerKind)) return kBobNil;
   const auto* timer = static_cast<const ScriptTimer*>(bobNativePointer(interp, self));
   return timer ? bobMakeInteger(interp, timerRemaining(timer)) : kBobNil;
 }

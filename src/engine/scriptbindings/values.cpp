@@ -1,6 +1,6 @@
 // Wrappers, and values on their way between widgets and scripts.
-#include "engine/core.h"
-#include "engine/frame.h"
+#include "engine/log.h"
+#include "engine/page/frame.h"
 #include "engine/scriptbindings/bindings.h"
 #include "engine/scriptbindings/scriptbindings.h"
 #include "host/host.h"
@@ -12,9 +12,9 @@ uint32_t kindFor(const Widget* widget) {
   const auto type = attrFind(widget->record, "type");
   const char* text;
   if (type && type->tag == uint8_t(PageTag::string) && attrString(*type, &text))
-    for (const auto& [name, kind] : scriptRuntime->widgetTypes)
+    for (const auto& [name, kind] : currentScripts().widgetTypes)
       if (name == text) return kind;
-  return scriptRuntime->widgetKind;
+  return currentScripts().widgetKind;
 }
 
 }  // namespace
@@ -25,9 +25,9 @@ void scriptComplain(const char* text) {
 
 BobValue scriptWrapTarget(BobInterp* interp, uint32_t kind, EventTarget* target) {
   // What has gone gets no handle again: nobody would give it up. Its wrapper is born inactive.
-  if (!target->scriptHandle && !target->gone) target->scriptHandle = bobMakeHandle(interp, target);
+  if (!target->gone) target->scriptHandle.make(interp, target);
   const BobValue wrapper = bobMakeNative(interp, kind);
-  bobHandleOf(interp, wrapper) = target->scriptHandle;
+  bobHandleOf(interp, wrapper) = target->scriptHandle.number();
   return wrapper;
 }
 
@@ -35,17 +35,11 @@ BobValue scriptWrapWidget(BobInterp* interp, Widget* widget) {
   return scriptWrapTarget(interp, kindFor(widget), widget);
 }
 
-void scriptTargetGone(EventTarget* target) {
-  if (!scriptRuntime || !target->scriptHandle) return;
-  bobReleaseHandle(scriptRuntime->interp, target->scriptHandle);
-  target->scriptHandle = 0;
-}
-
 Widget* scriptWidgetOf(void* pointer) { return dynamic_cast<Widget*>(static_cast<EventTarget*>(pointer)); }
 
 // A getter is also called with the class object itself, which is no widget.
 Widget* scriptWidgetOf(BobInterp* interp, BobValue value) {
-  if (!bobIsOfKind(interp, value, scriptRuntime->widgetKind)) return nullptr;
+  if (!bobIsOfKind(interp, value, currentScripts().widgetKind)) return nullptr;
   return scriptWidgetOf(bobNativePointer(interp, value));
 }
 

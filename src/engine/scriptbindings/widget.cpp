@@ -1,7 +1,7 @@
 // The methods of class Widget.
-#include "engine/widget.h"
+#include "engine/page/widget.h"
 
-#include "engine/frame.h"
+#include "engine/page/frame.h"
 #include "engine/scriptbindings/bindings.h"
 #include "host/host.h"
 
@@ -16,21 +16,21 @@ Widget* activeWidget(void* pointer) {
 
 Widget* parseWidget(BobInterp* interp) {
   void* pointer;
-  bobParse(interp, "P=*", scriptRuntime->widgetKind, &pointer);
+  bobParse(interp, "P=*", currentScripts().widgetKind, &pointer);
   return activeWidget(pointer);
 }
 
 BobValue setFocus(BobInterp* interp) {
   Widget* widget = parseWidget(interp);
   if (!widget) return kBobFalse;
-  widgetFocus(widget->frame, widget);
+  widgetFocus(frameOf(widget), widget);
   return kBobTrue;
 }
 
 BobValue addElement(BobInterp* interp) {
   void* pointer;
   BobValue value;
-  bobParse(interp, "P=*V", scriptRuntime->widgetKind, &pointer, &value);
+  bobParse(interp, "P=*V", currentScripts().widgetKind, &pointer, &value);
   Widget* widget = activeWidget(pointer);
   if (!widget) return kBobFalse;
   KuiValue element;
@@ -47,7 +47,7 @@ BobValue addElement(BobInterp* interp) {
 BobValue changeContent(BobInterp* interp, void (*change)(Widget*)) {
   void* pointer;
   int32_t background = -1;
-  bobParse(interp, "P=*|B", scriptRuntime->widgetKind, &pointer, &background);
+  bobParse(interp, "P=*|B", currentScripts().widgetKind, &pointer, &background);
   Widget* widget = activeWidget(pointer);
   if (!widget) return kBobFalse;
   change(widget);
@@ -72,7 +72,7 @@ BobValue hideBackground(BobInterp* interp) { return changeBackground(interp, wid
 BobValue handleEvent(BobInterp* interp) {
   void* pointer;
   int32_t id, param0 = 0, param1 = 0;
-  bobParse(interp, "P=*i|ii", scriptRuntime->widgetKind, &pointer, &id, &param0, &param1);
+  bobParse(interp, "P=*i|ii", currentScripts().widgetKind, &pointer, &id, &param0, &param1);
   Widget* widget = activeWidget(pointer);
   if (!widget) return kBobFalse;
   const auto code = uint32_t(id);

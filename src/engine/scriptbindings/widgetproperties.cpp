@@ -1,7 +1,7 @@
 // The properties of class Widget.
-#include "engine/frame.h"
+#include "engine/page/frame.h"
+#include "engine/page/widget.h"
 #include "engine/scriptbindings/bindings.h"
-#include "engine/widget.h"
 
 namespace {
 

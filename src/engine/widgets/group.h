@@ -1,7 +1,7 @@
 // A container: its children are made with it, in table order.
 #pragma once
 
-#include "engine/widget.h"
+#include "engine/page/widget.h"
 
 // Null on failure, a child's included.
-Widget* groupCreate(Frame* frame, Widget* parent, PageObject record);
+Widget* groupCreate(WidgetOwner* owner, Widget* parent, PageObject record);

@@ -1,6 +1,6 @@
 #include "engine/widgets/image.h"
 
-#include "engine/imagecache.h"
+#include "engine/images/imagecache.h"
 
 namespace {
 
@@ -46,8 +46,8 @@ int ImageWidget::handleEvent(const Event* event) {
   }
 }
 
-Widget* imageWidgetCreate(Frame* frame, Widget* parent, PageObject record) {
-  auto* widget = widgetCreate<ImageWidget>(frame, parent, record);
+Widget* imageWidgetCreate(WidgetOwner* owner, Widget* parent, PageObject record) {
+  auto* widget = widgetCreate<ImageWidget>(owner, parent, record);
   if (!widget) return nullptr;
   if (const char* name = widgetAttrString(widget, "src")) widget->src = name;
   if (const char* name = widgetAttrString(widget, "highlightSrc")) widget->highlightSrc = name;

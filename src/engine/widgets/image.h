@@ -1,7 +1,7 @@
 // A picture, and another one while it is highlighted.
 #pragma once
 
-#include "engine/widget.h"
+#include "engine/page/widget.h"
 
 struct ImageWidget : Widget {
   using Widget::Widget;
@@ -11,4 +11,4 @@ struct ImageWidget : Widget {
   std::optional<std::string> highlightSrc;  // shown while highlighted; without it a highlighted image shows nothing
 };
 
-Widget* imageWidgetCreate(Frame* frame, Widget* parent, PageObject record);
+Widget* imageWidgetCreate(WidgetOwner* owner, Widget* parent, PageObject record);

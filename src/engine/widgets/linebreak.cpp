@@ -1,6 +1,7 @@
 #include "engine/widgets/linebreak.h"
 
 #include "engine/ascii.h"
+#include "engine/text/textmeasure.h"
 
 namespace {
 

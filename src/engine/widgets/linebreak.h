@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "engine/textstyle.h"
+#include "engine/text/textstyle.h"
 
 struct TextLine {
   std::string_view text;  // looks into the text that was broken

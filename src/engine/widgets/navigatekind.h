@@ -1,7 +1,7 @@
 // What a direction key means to a widget that takes some of them for itself, by its `navigate` attribute.
 #pragma once
 
-#include "engine/widget.h"
+#include "engine/page/widget.h"
 
 enum class NavigateKind { none = 0, next = 1, previous = 2, eat = 3 };
 

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "engine/text/textdraw.h"
 #include "engine/widgets/textparts.h"
 
 namespace {
@@ -26,8 +27,8 @@ int NumberWidget::handleEvent(const Event* event) {
   return 1;
 }
 
-Widget* numberCreate(Frame* frame, Widget* parent, PageObject record) {
-  auto* widget = widgetCreate<NumberWidget>(frame, parent, record);
+Widget* numberCreate(WidgetOwner* owner, Widget* parent, PageObject record) {
+  auto* widget = widgetCreate<NumberWidget>(owner, parent, record);
   if (!widget) return nullptr;
   rangeReadAttributes(widget);
   widgetAttrInt(widget, "size", &widget->digits);

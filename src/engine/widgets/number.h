@@ -14,4 +14,4 @@ struct NumberWidget : RangeWidget {
   int32_t digits = 0;  // at least so many, with zeros in front; a negative count puts spaces behind instead
 };
 
-Widget* numberCreate(Frame* frame, Widget* parent, PageObject record);
+Widget* numberCreate(WidgetOwner* owner, Widget* parent, PageObject record);

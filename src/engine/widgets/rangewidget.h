@@ -1,8 +1,8 @@
 // What numbers and sliders share: an integer in a range, moved by direction keys or set by scripts.
 #pragma once
 
-#include "engine/value.h"
-#include "engine/widget.h"
+#include "engine/events/value.h"
+#include "engine/page/widget.h"
 
 struct RangeWidget : Widget {
   using Widget::Widget;

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <string_view>
 
-#include "engine/value.h"
+#include "engine/events/value.h"
+#include "engine/text/textdraw.h"
+#include "engine/text/textmeasure.h"
 #include "engine/widgets/navigatekind.h"
 #include "engine/widgets/textparts.h"
 #include "gfx/foundation/hsdebug.h"
@@ -183,8 +185,8 @@ int SelectWidget::handleEvent(const Event* event) {
   }
 }
 
-Widget* selectCreate(Frame* frame, Widget* parent, PageObject record) {
-  auto* widget = widgetCreate<SelectWidget>(frame, parent, record);
+Widget* selectCreate(WidgetOwner* owner, Widget* parent, PageObject record) {
+  auto* widget = widgetCreate<SelectWidget>(owner, parent, record);
   if (!widget) return nullptr;
   readAttributes(widget);
   if (widget->showAll && !(widget->styles.plain && widget->styles.highlighted)) {

@@ -28,4 +28,4 @@ struct SelectWidget : Widget {
 };
 
 // Null on failure, which a missing style is when all choices show.
-Widget* selectCreate(Frame* frame, Widget* parent, PageObject record);
+Widget* selectCreate(WidgetOwner* owner, Widget* parent, PageObject record);

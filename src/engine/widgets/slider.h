@@ -13,4 +13,4 @@ struct SliderWidget : RangeWidget {
   uint32_t restColor = 0;
 };
 
-Widget* sliderCreate(Frame* frame, Widget* parent, PageObject record);
+Widget* sliderCreate(WidgetOwner* owner, Widget* parent, PageObject record);

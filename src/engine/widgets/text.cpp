@@ -4,7 +4,9 @@
 #include <cstring>
 #include <new>
 
-#include "engine/value.h"
+#include "engine/events/value.h"
+#include "engine/text/textdraw.h"
+#include "engine/text/textmeasure.h"
 #include "engine/widgets/linebreak.h"
 #include "engine/widgets/textparts.h"
 #include "gfx/foundation/hstypes.h"
@@ -190,8 +192,8 @@ int TextWidget::handleEvent(const Event* event) {
   }
 }
 
-Widget* textCreate(Frame* frame, Widget* parent, PageObject record) {
-  auto* widget = widgetCreate<TextWidget>(frame, parent, record);
+Widget* textCreate(WidgetOwner* owner, Widget* parent, PageObject record) {
+  auto* widget = widgetCreate<TextWidget>(owner, parent, record);
   if (!widget || readAttributes(widget)) return widget;
   widgetDestroy(widget);
   return nullptr;

@@ -26,4 +26,4 @@ struct TextWidget : Widget {
 };
 
 // Null on failure, a maxLength beyond a megabyte included.
-Widget* textCreate(Frame* frame, Widget* parent, PageObject record);
+Widget* textCreate(WidgetOwner* owner, Widget* parent, PageObject record);

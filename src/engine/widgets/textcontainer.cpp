@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "engine/frame.h"
-#include "engine/value.h"
+#include "engine/events/value.h"
+#include "engine/page/frame.h"
+#include "engine/text/textdraw.h"
 #include "gfx/foundation/hstypes.h"
 #include "host/host.h"
 
@@ -89,7 +90,7 @@ int directionKey(TextContainerWidget* widget, const Event& event) {
 // ---- creation
 
 const TextStyle* findStyle(const Widget* widget, const char* name) {
-  const TextStyle* style = styleFind(widget->frame, name);
+  const TextStyle* style = styleFind(frameOf(widget), name);
   if (!style) hostLog("Unknown text style '%s'\n", name);
   return style;
 }
@@ -122,8 +123,8 @@ int TextContainerWidget::handleEvent(const Event* event) {
   }
 }
 
-Widget* textContainerCreate(Frame* frame, Widget* parent, PageObject record) {
-  auto* widget = widgetCreate<TextContainerWidget>(frame, parent, record);
+Widget* textContainerCreate(WidgetOwner* owner, Widget* parent, PageObject record) {
+  auto* widget = widgetCreate<TextContainerWidget>(owner, parent, record);
   if (!widget) return nullptr;
   PageTable lines;
   if (widgetAttrTable(widget, "children", &lines))

@@ -6,8 +6,8 @@
 
 #include <vector>
 
-#include "engine/textstyle.h"
-#include "engine/widget.h"
+#include "engine/page/widget.h"
+#include "engine/text/textstyle.h"
 
 struct ContainerLine {
   uint16_t x = 0, y = 0;             // pixels; y is the baseline, both relative to the container's unscrolled corner
@@ -26,4 +26,4 @@ struct TextContainerWidget : Widget {
   std::vector<ContainerLine> lines;
 };
 
-Widget* textContainerCreate(Frame* frame, Widget* parent, PageObject record);
+Widget* textContainerCreate(WidgetOwner* owner, Widget* parent, PageObject record);

@@ -1,22 +1,23 @@
 #include "engine/widgets/textparts.h"
 
-#include "engine/frame.h"
+#include "engine/page/frame.h"
+#include "gfx/foundation/hstypes.h"
 #include "host/host.h"
 
 namespace {
 
 constexpr uint32_t kAlignMiddle = 1, kAlignEnd = 2;  // of either direction, the vertical one shifted down
 
-int32_t aligned(int32_t start, int32_t room, uint32_t alignment, int32_t size) {
-  const auto left = int32_t(uint32_t(room) - uint32_t(size));
+int32_t aligned(int32_t start, int32_t space, uint32_t alignment, int32_t size) {
+  const int32_t left = hsWrapSub(space, size);
   if (left <= 0 || (alignment != kAlignMiddle && alignment != kAlignEnd)) return start;
-  return int32_t(uint32_t(start) + uint32_t(alignment == kAlignMiddle ? left / 2 : left));
+  return hsWrapAdd(start, alignment == kAlignMiddle ? left / 2 : left);
 }
 
 std::optional<TextStyle> namedStyle(const Widget* widget, const char* attribute) {
   const char* name = widgetAttrString(widget, attribute);
   if (!name) return std::nullopt;
-  if (const TextStyle* style = styleFind(widget->frame, name)) return *style;
+  if (const TextStyle* style = styleFind(frameOf(widget), name)) return *style;
   hostLog("Unknown text style '%s'\n", name);
   return std::nullopt;
 }

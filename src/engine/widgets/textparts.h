@@ -3,8 +3,8 @@
 
 #include <optional>
 
-#include "engine/textstyle.h"
-#include "engine/widget.h"
+#include "engine/text/textstyle.h"
+#include "engine/page/widget.h"
 
 // Copies of the styles that a widget's text takes. Each kind has its own rule for a highlighted widget without the
 // second one.

@@ -21,6 +21,7 @@ constexpr int32_t kNegInfinity32 = -0x7FFFFFFF;
 
 constexpr int32_t hsWrapAdd(int32_t a, int32_t b) { return int32_t(uint32_t(a) + uint32_t(b)); }
 constexpr int32_t hsWrapSub(int32_t a, int32_t b) { return int32_t(uint32_t(a) - uint32_t(b)); }
+constexpr int32_t hsWrapMul(int32_t a, int32_t b) { return int32_t(uint32_t(a) * uint32_t(b)); }
 constexpr int32_t hsWrapNeg(int32_t a) { return int32_t(0u - uint32_t(a)); }
 constexpr int32_t hsWrapShl(int32_t a, int bits) { return int32_t(uint32_t(a) << bits); }
 

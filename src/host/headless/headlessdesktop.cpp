@@ -1,7 +1,5 @@
 #include "host/headless/headlessdesktop.h"
 
-#include "engine/core.h"
-
 namespace {
 
 struct Key {
@@ -11,9 +9,9 @@ struct Key {
 };
 
 constexpr Key kKeys[] = {
-    {"Left", 37, 0},       {"Up", 38, 0},         {"Right", 39, 0},      {"Down", 40, 0},      {"Clear", 46, 0},
-    {"Backspace", 0, 8},   {"Select", 0, 13},     {"UpLeft", 0, 'u'},    {"UpRight", 0, 'o'},  {"DownLeft", 0, 'm'},
-    {"DownRight", 0, '.'}, {"S", 0, 's'},
+    {"Left", 37, 0},     {"Up", 38, 0},        {"Right", 39, 0},      {"Down", 40, 0},
+    {"Clear", 46, 0},    {"Backspace", 0, 8},  {"Select", 0, 13},     {"UpLeft", 0, 'u'},
+    {"UpRight", 0, 'o'}, {"DownLeft", 0, 'm'}, {"DownRight", 0, '.'}, {"S", 0, 's'},
 };
 
 std::optional<Key> findKey(std::string_view name) {
@@ -33,7 +31,7 @@ std::optional<std::string> HeadlessDesktop::chooseFile(const std::string&, const
 
 void HeadlessDesktop::settle() {
   do shell.step();
-  while (engineBusy());
+  while (shell.busy());
 }
 
 bool HeadlessDesktop::hasKey(std::string_view name) { return findKey(name).has_value(); }

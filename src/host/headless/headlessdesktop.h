@@ -46,5 +46,4 @@ class HeadlessDesktop : public Desktop {
   std::optional<std::string> fileToChoose;  // what the open dialog will answer
   bool hasQuit = false;
   Shell shell;
-
 };

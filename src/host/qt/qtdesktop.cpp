@@ -10,8 +10,6 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "engine/core.h"
-#include "engine/timer.h"
 #include "gfx/foundation/hsdebug.h"
 
 namespace {
@@ -96,8 +94,8 @@ std::optional<std::string> QtDesktop::chooseFile(const std::string& title, const
                                                  const std::string& pattern) {
   standsStill = true;
   const QString filter = QString::fromStdString(filterName + " (" + pattern + ")");
-  const QString path =
-      QFileDialog::getOpenFileName(screenWindow.get(), QString::fromStdString(title), QDir::currentPath(), filter);
+  const QString folder = shell.folder.empty() ? QDir::currentPath() : QString::fromStdString(shell.folder.string());
+  const QString path = QFileDialog::getOpenFileName(screenWindow.get(), QString::fromStdString(title), folder, filter);
   standsStill = false;
   if (path.isEmpty()) return std::nullopt;
   return QDir::toNativeSeparators(path).toStdString();
@@ -129,12 +127,11 @@ void QtDesktop::turn() {
 }
 
 void QtDesktop::schedule() {
-  uint32_t due;
-  if (engineBusy()) {
+  if (shell.busy()) {
     wakeUp.start(0);
-  } else if (timersNextDue(&due)) {
+  } else if (const auto due = shell.nextTimer()) {
     const uint32_t now = milliseconds();
-    wakeUp.start(due <= now ? 0 : int(std::min<uint32_t>(due - now, INT32_MAX)));
+    wakeUp.start(*due <= now ? 0 : int(std::min<uint32_t>(*due - now, INT32_MAX)));
   } else {
     wakeUp.stop();
   }

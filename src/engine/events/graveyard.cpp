@@ -1,0 +1,37 @@
+#include "engine/events/graveyard.h"
+
+#include <utility>
+
+namespace {
+
+// Half of what a desktop gives a program's first thread. The deepest pages need a third of it in an ordinary build, and
+// the language, which counts its own runs, finds enough left.
+constexpr uintptr_t kStackForPages = 4 << 20;  // bytes
+
+uintptr_t stackPosition() {
+  const char here = 0;
+  return reinterpret_cast<uintptr_t>(&here);
+}
+
+}  // namespace
+
+void Graveyard::take(std::shared_ptr<void> thing) {
+  if (depth > 0) graves.push_back(std::move(thing));
+}
+
+bool Graveyard::stackSpent() const {
+  const uintptr_t here = stackPosition();
+  return depth > 0 && (here < outermost ? outermost - here : here - outermost) > kStackForPages;
+}
+
+EngineCall::EngineCall() : graveyard(currentGraveyard()) {
+  if (graveyard.depth++ == 0) graveyard.outermost = reinterpret_cast<uintptr_t>(this);
+}
+
+EngineCall::~EngineCall() {
+  // Freeing one thing may bury another, so the list is taken out first.
+  while (graveyard.depth == 1 && !graveyard.graves.empty()) std::exchange(graveyard.graves, {}).clear();
+  --graveyard.depth;
+}
+
+bool engineStackSpent() { return currentGraveyard().stackSpent(); }

@@ -1,0 +1,48 @@
+// Where things go that have left the engine's lists but may still be in use further up the stack.
+//
+// A script can unload its own page from inside any hook, so a widget, handler or timer can go while one of its own
+// operations runs. It is unlinked at once and marked gone, but its memory is freed only when the outermost engine call
+// returns.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+class Graveyard {
+ public:
+  // Keeps the thing until the outermost call returns; frees it at once when no call is under way.
+  void take(std::shared_ptr<void> thing);
+
+  bool stackSpent() const;
+
+ private:
+  friend class EngineCall;
+
+  int depth = 0;            // engine calls under way, one inside the other
+  uintptr_t outermost = 0;  // where the stack of the outermost one began
+  std::vector<std::shared_ptr<void>> graves;
+};
+
+Graveyard& currentGraveyard();  // of the engine that is current on this thread
+
+// One of these is a local of every function that the host, a timer or a script can call.
+class EngineCall {
+ public:
+  EngineCall();
+  ~EngineCall();
+  EngineCall(const EngineCall&) = delete;
+  EngineCall& operator=(const EngineCall&) = delete;
+
+ private:
+  Graveyard& graveyard;
+};
+
+// Whether the calls under way, from the outermost one down, have used up the native stack that pages may have. Pages
+// in pages, events that climb, and scripts that send events inside events ask, and then go no deeper.
+bool engineStackSpent();
+
+template <class T>
+void bury(T* thing) {
+  currentGraveyard().take(std::shared_ptr<T>(thing));
+}

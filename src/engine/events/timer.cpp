@@ -1,0 +1,96 @@
+#include "engine/events/timer.h"
+
+#include "engine/events/graveyard.h"
+#include "host/host.h"
+
+namespace {
+constexpr uint32_t kFiringsToBreath = 4096;
+}
+
+void TimerQueue::unlink(Timer* timer) {
+  for (Timer** link = &head; *link; link = &(*link)->next) {
+    if (*link != timer) continue;
+    *link = timer->next;
+    timer->next = nullptr;
+    return;
+  }
+}
+
+void TimerQueue::insert(Timer* timer, uint32_t due) {
+  timer->due = due;
+  Timer** link = &head;
+  while (*link && (*link)->due <= due) link = &(*link)->next;
+  timer->next = *link;
+  *link = timer;
+  timer->timerFlags |= kTimerArmed;
+}
+
+void TimerQueue::start(Timer* timer, uint32_t interval, bool repeat) {
+  if (timer->gone) return;
+  unlink(timer);
+  timer->interval = interval;
+  timer->timerFlags = repeat ? timer->timerFlags | kTimerRepeating : timer->timerFlags & ~kTimerRepeating;
+  insert(timer, hostMilliseconds() + interval);
+}
+
+void TimerQueue::setInterval(Timer* timer, uint32_t interval) {
+  if (timer->gone) return;
+  unlink(timer);
+  timer->interval = interval;
+  insert(timer, hostMilliseconds() + interval);
+}
+
+void TimerQueue::stop(Timer* timer) {
+  EngineCall call;
+  unlink(timer);
+  timer->timerFlags &= ~kTimerArmed;
+  timer->callback(timer, TimerReason::stopped);
+}
+
+void TimerQueue::destroy(Timer* timer) {
+  EngineCall call;
+  if (timer->gone) return;
+  timer->gone = true;  // so that its callback can neither arm it again nor destroy it once more
+  if (timer->timerFlags & kTimerArmed) stop(timer);
+  bury(timer);
+}
+
+bool TimerQueue::lists(const Timer* timer) const {
+  for (const Timer* t = head; t; t = t->next)
+    if (t == timer) return true;
+  return false;
+}
+
+void TimerQueue::fire(Timer* timer, uint32_t now) {
+  timer->callback(timer, TimerReason::fired);
+  if (timer->gone) return;
+  if (timer->timerFlags & kTimerRepeating) {
+    unlink(timer);  // its own callback may have armed it; this insertion wins
+    insert(timer, now + timer->interval);
+  } else {
+    timer->callback(timer, TimerReason::stopped);
+  }
+}
+
+void TimerQueue::fire() {
+  EngineCall call;
+  if (!head) return;
+  const uint32_t now = hostMilliseconds();
+  // A repeating timer of interval 0 is due again at once, and the loop doesn't end.
+  for (uint32_t fired = 1; head && head->due <= now; ++fired) {
+    if (fired % kFiringsToBreath == 0) hostBreathe();
+    Timer* timer = head;
+    head = timer->next;
+    timer->next = nullptr;
+    fire(timer, now);
+  }
+}
+
+std::optional<uint32_t> TimerQueue::nextDue() const { return head ? std::optional(head->due) : std::nullopt; }
+
+void timerStart(Timer* timer, uint32_t interval, bool repeat) { currentTimers().start(timer, interval, repeat); }
+void timerSetInterval(Timer* timer, uint32_t interval) { currentTimers().setInterval(timer, interval); }
+void timerStop(Timer* timer) { currentTimers().stop(timer); }
+void timerDestroy(Timer* timer) { currentTimers().destroy(timer); }
+int32_t timerRemaining(const Timer* timer) { return int32_t(timer->due - hostMilliseconds()); }
+bool timerIsListed(const Timer* timer) { return currentTimers().lists(timer); }

@@ -1,0 +1,59 @@
+// Timers: the only deferred work beside the redraw queue. Times are hostMilliseconds, unsigned and wrapping.
+//
+// The armed bit of a one-shot timer stays set when it has fired, so destroying it later tells its callback once more
+// that it stopped.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+enum class TimerReason { fired = 1, stopped = 2 };
+
+struct Timer {
+  using Callback = void (*)(Timer* timer, TimerReason reason);
+
+  explicit Timer(Callback c) : callback(c) {}
+  virtual ~Timer() = default;
+
+  uint32_t timerFlags = 0;
+  uint32_t interval = 0;  // milliseconds
+  uint32_t due = 0;       // time of the next firing
+  Callback callback;
+  Timer* next = nullptr;
+  bool gone = false;  // destroyed; only its memory is still here
+};
+
+inline constexpr uint32_t kTimerArmed = 1;
+inline constexpr uint32_t kTimerRepeating = 2;
+
+// The timers of one engine that wait.
+class TimerQueue {
+ public:
+  void start(Timer* timer, uint32_t interval, bool repeat);
+  void setInterval(Timer* timer, uint32_t interval);
+  void stop(Timer* timer);
+  void destroy(Timer* timer);
+  bool lists(const Timer* timer) const;
+
+  // Fires all that are due at the one moment that is read at the start. A repeating timer of interval 0 is due again at
+  // once, so it never ends.
+  void fire();
+
+  std::optional<uint32_t> nextDue() const;  // nothing when no timer waits
+
+ private:
+  void unlink(Timer* timer);
+  void insert(Timer* timer, uint32_t due);
+  void fire(Timer* timer, uint32_t now);
+
+  Timer* head = nullptr;  // sorted by due; equal times in the order of arming
+};
+
+TimerQueue& currentTimers();  // of the engine that is current on this thread
+
+void timerStart(Timer* timer, uint32_t interval, bool repeat);
+void timerSetInterval(Timer* timer, uint32_t interval);  // starts it anew; the repeat bit stays
+void timerStop(Timer* timer);
+void timerDestroy(Timer* timer);             // stops it if its armed bit is set, and frees it
+int32_t timerRemaining(const Timer* timer);  // milliseconds, negative when overdue
+bool timerIsListed(const Timer* timer);      // waiting to fire

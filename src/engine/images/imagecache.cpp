@@ -1,0 +1,157 @@
+#include "engine/images/imagecache.h"
+
+#include <cstring>
+#include <string>
+#include <utility>
+
+#include "engine/ascii.h"
+#include "engine/images/imagefiles.h"
+#include "engine/log.h"
+#include "host/host.h"
+
+namespace {
+
+constexpr size_t kNameBuffer = 136;  // a replaced extension is written into so many bytes, the end included
+
+void relocate(uint8_t* payload, int32_t distance) {
+  auto* moved = reinterpret_cast<CachedImage*>(payload);
+  moved->name += uint32_t(distance);
+  moved->pixels += uint32_t(distance);
+}
+
+uint64_t payloadSize(uint64_t pixels, size_t nameLength) { return pixels + nameLength + sizeof(CachedImage) + 1; }
+
+}  // namespace
+
+uint64_t imageMemory(uint64_t pixels, size_t nameLength) {
+  return HandleHeap::blockSize(payloadSize(pixels, nameLength));
+}
+
+size_t imageMemoryLimit() { return HandleHeap::space(kImageCacheSize); }
+
+void ImageCache::init(void* memory, size_t size) {
+  lruHead = lruTail = 0;
+  cluts.clear();
+  if (!heap.init(memory, size) && logVerbose) hostLog("Error allocating image cache\n");
+}
+
+CachedImage* ImageCache::get(const char* name) {
+  HeapHandle handle = find(name);
+  if (handle) {
+    unlink(handle);
+    append(handle);
+  } else {
+    hostLog("Loading image '%s'\n", name);
+    handle = load(name);
+  }
+  return handle ? &image(handle) : nullptr;
+}
+
+Clut* ImageCache::clut(const CachedImage& image) const { return image.clut ? cluts[image.clut - 1].clut : nullptr; }
+
+void ImageCache::dump() const {
+  for (HeapHandle h = lruHead; h; h = image(h).nextLru)
+    hostLog("%s %dx%d\n", nameOf(image(h)), int(image(h).width), int(image(h).height));
+}
+
+// ---- the list, and finding in it
+
+const char* ImageCache::nameOf(const CachedImage& image) const {
+  return reinterpret_cast<const char*>(heap.at(image.name));
+}
+
+HeapHandle ImageCache::find(const char* name) const {
+  for (HeapHandle h = lruHead; h; h = image(h).nextLru)
+    if (asciiEqualIgnoringCase(nameOf(image(h)), name)) return h;
+  return 0;
+}
+
+void ImageCache::append(HeapHandle handle) {
+  image(handle).nextLru = 0;
+  (lruTail ? image(lruTail).nextLru : lruHead) = handle;
+  lruTail = handle;
+}
+
+void ImageCache::unlink(HeapHandle handle) {
+  HeapHandle previous = 0;
+  for (HeapHandle h = lruHead; h; previous = h, h = image(h).nextLru) {
+    if (h != handle) continue;
+    (previous ? image(previous).nextLru : lruHead) = image(h).nextLru;
+    if (lruTail == h) lruTail = previous;
+    return;
+  }
+}
+
+void ImageCache::evict(int64_t need) {
+  for (int64_t left = need; left >= 1 && lruHead;) {
+    left -= image(lruHead).totalSize;
+    free(lruHead);
+  }
+}
+
+// ---- loading
+
+HeapHandle ImageCache::load(const char* name) {
+  const char* dot = std::strrchr(name, '.');
+  if (!dot) return kpxRead(*this, name);
+  if (asciiEqualIgnoringCase(dot, ".gif")) return gifRead(*this, name);
+  if (asciiEqualIgnoringCase(dot, ".kpx")) return kpxRead(*this, name);
+  // The picture is kept under the name of the file, so the next look for this name reads it again.
+  const std::string file = std::string(name, dot) + ".kpx";
+  return kpxRead(*this, file.substr(0, kNameBuffer - 1).c_str());
+}
+
+HeapHandle ImageCache::place(const char* name, uint64_t pixelBytes) {
+  const size_t nameLength = std::strlen(name);
+  const uint64_t need = payloadSize(pixelBytes, nameLength);
+  for (;;) {
+    if (const HeapHandle handle = heap.heapAlloc(relocate, need)) {
+      uint8_t* payload = heap.payload(handle);
+      std::memset(payload, 0, sizeof(CachedImage) + size_t(pixelBytes));
+      CachedImage& made = image(handle);
+      made.pixels = heap.offsetOf(payload) + sizeof(CachedImage);
+      made.totalSize = uint32_t(need);
+      made.name = made.pixels + uint32_t(pixelBytes);
+      std::memcpy(heap.at(made.name), name, nameLength + 1);
+      append(handle);
+      return handle;
+    }
+    if (!lruHead) {
+      if (logVerbose) hostLog("Image '%s' too big for image cache\n", name);
+      return 0;
+    }
+    evict(int64_t(need));
+  }
+}
+
+HeapHandle ImageCache::allocate(const char* name, uint32_t width, uint32_t height) {
+  const HeapHandle handle = place(name, uint64_t{width} * height);
+  if (!handle) return 0;
+  image(handle).width = image(handle).rowBytes = width;
+  image(handle).height = height;
+  return handle;
+}
+
+void ImageCache::setClut(HeapHandle handle, Clut* shared) {
+  size_t number = 0;
+  while (number < cluts.size() && cluts[number].clut) ++number;
+  if (number == cluts.size()) cluts.emplace_back();
+  cluts[number].clut = shared;
+  image(handle).clut = uint32_t(number + 1);
+}
+
+void ImageCache::setClut(HeapHandle handle, std::unique_ptr<Clut> own) {
+  setClut(handle, own.get());
+  cluts[image(handle).clut - 1].own = std::move(own);
+}
+
+void ImageCache::free(HeapHandle handle) {
+  unlink(handle);
+  if (const uint32_t number = image(handle).clut) cluts[number - 1] = {};
+  heap.heapFree(handle);
+}
+
+void imageCacheInit(void* memory, size_t size) { currentImages().init(memory, size); }
+CachedImage* imageGet(const char* name) { return currentImages().get(name); }
+bool imagePreload(const char* name) { return imageGet(name) != nullptr; }
+void imageCacheDump() { currentImages().dump(); }

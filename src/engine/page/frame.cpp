@@ -1,0 +1,159 @@
+#include "engine/page/frame.h"
+
+#include <cstring>
+
+#include "engine/events/graveyard.h"
+
+namespace {
+
+constexpr uint32_t kMaxPageWidgets = 65536;
+constexpr uint32_t kMaxLoadWidgets = 4 * kMaxPageWidgets;  // with the pages nested in the page
+
+bool runScript(Frame* frame, const char* script, Widget* widget) {
+  return !widget->gone && frameOf(widget) == frame && widgetRunScript(widget, script);
+}
+
+// Follows the link of that name from the focused widget. Nothing checks whether the target is hidden.
+bool moveFocus(Frame* frame, const char* link) {
+  if (!frame->focus) return false;
+  const char* name = widgetAttrString(frame->focus, link);
+  Widget* target = name ? frame->findWidget(name) : nullptr;
+  if (!target) return false;
+  widgetFocus(frame, target);
+  return true;
+}
+
+struct Direction {
+  uint32_t data;
+  const char* script;    // run in place of a move; diagonals run none
+  const char* links[3];  // tried in order
+};
+
+constexpr Direction kDirections[] = {
+    {kDirectionUp, "onUp", {"up"}},
+    {kDirectionDown, "onDown", {"down"}},
+    {kDirectionLeft, "onLeft", {"left"}},
+    {kDirectionRight, "onRight", {"right"}},
+    {kDirectionUp | kDirectionLeft, nullptr, {"upLeft", "up", "left"}},
+    {kDirectionDown | kDirectionLeft, nullptr, {"downLeft", "down", "left"}},
+    {kDirectionUp | kDirectionRight, nullptr, {"upRight", "up", "right"}},
+    {kDirectionDown | kDirectionRight, nullptr, {"downRight", "down", "right"}},
+};
+
+int navigate(Frame* frame, const Event& event) {
+  for (const Direction& direction : kDirections) {
+    if (direction.data != event.data) continue;
+    if (direction.script && runScript(frame, direction.script, frame->focus)) return 1;
+    for (const char* link : direction.links)
+      if (link && moveFocus(frame, link)) break;
+    return 1;  // consumed, whether a move happened or not
+  }
+  return widgetBaseEvent(frame, event);
+}
+
+// Digit 3 focuses the third widget of the list, which is in post-order; 0 and 1 both mean the first.
+int focusByPosition(Frame* frame, const Event& event) {
+  if (!(event.data & kDigitFlag)) return 1;
+  Widget* widget = frame->widgets;
+  for (uint32_t left = event.data & 0xFFFF; left > 1 && widget; --left) widget = widget->nextInFrame;
+  if (widget) widgetFocus(frame, widget);
+  return 1;
+}
+
+}  // namespace
+
+int Frame::handleEvent(const Event* event) { return frameHandleEvent(this, event); }
+
+int Frame::ownerEvent(const Event& event) { return frameEvent(this, event); }
+
+Widget* Frame::findWidget(const char* wanted) const {
+  for (Widget* widget = widgets; widget; widget = widget->nextInFrame)
+    if (widget->name && std::strcmp(widget->name, wanted) == 0) return widget;
+  return nullptr;
+}
+
+bool Frame::countWidget() {
+  return widgetsMade++ < kMaxPageWidgets && currentLoadCount().widgetsMade++ < kMaxLoadWidgets;
+}
+
+void Frame::runScript(PageScript script) {
+  EngineCall call;
+  if (language) language->run(this, script.data(), uint32_t(script.size()));
+}
+
+void Frame::append(Widget* widget) {
+  *widgetsTail = widget;
+  widgetsTail = &widget->nextInFrame;
+}
+
+Widget* Frame::takeFirst() {
+  Widget* widget = widgets;
+  widgets = widget->nextInFrame;
+  if (!widgets) widgetsTail = &widgets;
+  if (focus == widget) focus = nullptr;
+  return widget;
+}
+
+void Frame::dropPage() {
+  if (pageData) bury(pageData.release());
+}
+
+void Frame::abandonPage() {
+  ++generation;
+  while (widgets) widgetDestroy(takeFirst());
+  textStyles.clear();
+  dropPage();
+}
+
+int frameHandleEvent(Frame* frame, const Event* event) {
+  if (!event) return 1;
+  return frame->focus ? eventSend(frame->focus, *event) : frameEvent(frame, *event);
+}
+
+int frameEvent(Frame* frame, const Event& event) {
+  if (frame->gone) return 0;
+  switch (event.code) {
+    case kDirectionKey:
+      if (frame->focus) return navigate(frame, event);
+      break;
+    case kSelectKey:
+      if (!frame->focus) break;
+      runScript(frame, "onClick", frame->focus);
+      return 1;
+    case kDigitKey:
+      if (frame->focus) return focusByPosition(frame, event);
+      break;
+    case kFullRedraw:
+    case kContentRedraw: widgetPaint(frame); return 1;
+  }
+  return widgetBaseEvent(frame, event);
+}
+
+void widgetFocus(Frame* frame, Widget* widget) {
+  EngineCall call;
+  if (!frame || frame->gone || widget == frame->focus) return;
+  const uint32_t generation = frame->generation;
+  if (Widget* old = frame->focus) {
+    eventSendSimple(old, kFocusChange, 0);
+    runScript(frame, "onBlur", old);
+  }
+  if (frame->gone || frame->generation != generation || (widget && widget->gone)) return;
+  frame->focus = widget;
+  if (!widget) return;
+  eventSendSimple(widget, kFocusChange, 1);
+  runScript(frame, "onFocus", widget);
+}
+
+Widget* frameFindWidget(const Frame* frame, const char* name) { return frame->findWidget(name); }
+
+int stylesLoad(Frame* frame, const PageTable& table) { return frame->textStyles.read(table) ? 1 : 0; }
+
+const TextStyle* styleFind(const Frame* frame, const char* name) { return frame->textStyles.find(name); }
+
+int frameRunScript(Frame* frame, const char* attributeName) {
+  PageScript script;
+  if (!frame->pageData) return 0;
+  if (!attrScript(frame->rootObject, attributeName, &script)) return 0;
+  frame->runScript(script);
+  return 1;
+}

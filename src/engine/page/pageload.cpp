@@ -1,0 +1,207 @@
+#include "engine/page/pageload.h"
+
+#include <memory>
+#include <utility>
+
+#include "engine/events/graveyard.h"
+#include "engine/hostfile.h"
+#include "engine/log.h"
+#include "engine/page/widgettypes.h"
+#include "engine/screen/clut.h"
+#include "engine/screen/display.h"
+#include "engine/scriptbindings/scriptbindings.h"
+#include "host/host.h"
+
+namespace {
+
+constexpr int kMaxFrameNesting = 32;
+
+class LoadUnderWay {
+ public:
+  LoadUnderWay() {
+    if (count.loadsUnderWay++ == 0) count.widgetsMade = 0;
+  }
+  ~LoadUnderWay() { --count.loadsUnderWay; }
+  LoadUnderWay(const LoadUnderWay&) = delete;
+  LoadUnderWay& operator=(const LoadUnderWay&) = delete;
+
+ private:
+  LoadCount& count = currentLoadCount();
+};
+
+// The whole file; nothing when it is missing, which is logged, or can't be read.
+std::unique_ptr<PageData> readPage(const char* path) {
+  const HostFilePtr file = openHostFile(path);
+  if (!file) {
+    hostLog(" -- '%s' not found\n", path);
+    return nullptr;
+  }
+  auto bytes = readWhole(file.get());
+  if (!bytes) return nullptr;
+  if (!pageCheck(bytes->data(), bytes->size())) {
+    hostLog("Failed to load page file: '%s'\n", path);
+    return nullptr;
+  }
+  return std::make_unique<PageData>(std::move(*bytes));
+}
+
+// One load of one frame, as long as nobody else has loaded or unloaded it.
+class PageLoad {
+ public:
+  explicit PageLoad(Frame* f) : frame(f), generation(f->generation) {}
+
+  int run() {
+    if (!build() || !startLanguage() || !setScreen()) return fail();
+    // From here on nothing fails: a page whose script opens another one in its place has been loaded all the same.
+    if (!loadScripts()) return 1;
+    targetActivate(frame);
+    frameRunScript(frame, "onLoad");
+    if (!stale()) focusStart();
+    return 1;
+  }
+
+ private:
+  bool stale() const { return frame->gone || frame->generation != generation; }
+  bool isTop() const { return frame->parent == nullptr; }
+
+  // A load that a page inside has overtaken has failed only if it left no page behind.
+  int fail() {
+    if (stale()) return !frame->gone && frame->pageData;
+    frameUnload(frame);
+    return 0;
+  }
+
+  bool build() {
+    PageTable styles;
+    if (attrTable(frame->rootObject, "textStyles", &styles) && !stylesLoad(frame, styles)) return false;
+    Widget* root = widgetFromRecord(frame, frame, frame->rootObject);
+    if (!root) return false;
+    if (stale()) {
+      widgetDestroy(root);
+      return false;
+    }
+    frame->append(root);
+    return true;
+  }
+
+  bool startLanguage() {
+    const char* name = "script";
+    attrString(frame->rootObject, "scriptingLanguage", &name);
+    const ScriptingLanguage* language = languageFind(name);
+    if (!language) {
+      hostLog("Unknown scripting language '%s'\n", name);
+      return false;
+    }
+    frame->language = language;
+    language->attach(frame);
+    return !stale();
+  }
+
+  // Depth and colours of the screen are the top frame's page's.
+  bool setScreen() {
+    if (!isTop()) return true;
+    displaySetDepth(pageFlags(*frame->pageData) & kPageIs8Bit ? 8 : 16);
+    const char* table;
+    if (attrString(frame->rootObject, "colorTable", &table)) {
+      Clut* clut = clutLoad(table);
+      if (!clut) {
+        if (logVerbose) hostLog("Can't load CLUT '%s'\n", table);
+        return false;
+      }
+      clutActivate(clut);
+    }
+    currentDisplay().swapAtStepEnd = true;
+    return true;
+  }
+
+  // False when a script file has taken the page away.
+  bool loadScripts() {
+    PageTable scripts;
+    if (!attrTable(frame->rootObject, "scripts", &scripts)) return true;
+    const ScriptingLanguage* language = frame->language;
+    for (uint32_t i = 0; i < scripts.count(); ++i) {
+      const char* file = scripts.string(i);
+      if (!file) continue;
+      const bool loaded = language->loadFile(frame, file);
+      if (!loaded) hostLog("Error loading '%s'\n", file);
+      if (stale()) return false;
+    }
+    return true;
+  }
+
+  void focusStart() {
+    const char* name;
+    if (!attrString(frame->rootObject, "start", &name)) return;
+    Widget* widget = frameFindWidget(frame, name);
+    if (!widget) hostLog("Can't find starting widget '%s'\n", name);
+    widgetFocus(frame, widget);
+  }
+
+  Frame* frame;
+  uint32_t generation;
+};
+
+}  // namespace
+
+Frame* frameCreate(WidgetOwner* owner, Widget* parentWidget, PageObject record) {
+  EngineCall call;
+  Frame* frame = widgetCreate<Frame>(owner, parentWidget, record);
+  if (!frame) return nullptr;
+  if (const Frame* around = frameOf(frame)) frame->nesting = around->nesting + 1;
+  frame->scriptEnv = scriptScopeCreate(frame);
+  if (!frame->scriptEnv) {
+    widgetDestroy(frame);
+    return nullptr;
+  }
+  if (const char* path = widgetAttrString(frame, "src")) frameLoad(frame, path);
+  return frame;
+}
+
+int frameLoad(Frame* frame, const char* path) {
+  EngineCall call;
+  const LoadUnderWay load;
+  if (frame->gone || frame->unloading) return 0;
+  if (frame->pageData) frameUnload(frame);
+  if (frame->gone) return 0;
+  if (frame->nesting > kMaxFrameNesting || engineStackSpent()) {
+    hostLog(" -- '%s' not found\n", path);
+    return 0;
+  }
+
+  std::unique_ptr<PageData> page = readPage(path);
+  if (!page) return 0;
+  frame->pageData = std::move(page);
+  frame->rootObject = pageRoot(*frame->pageData);
+  frame->widgetsMade = 0;
+  frame->widgets = nullptr;
+  frame->widgetsTail = &frame->widgets;
+  frame->textStyles.clear();
+  ++frame->generation;
+  return PageLoad(frame).run();
+}
+
+void frameUnload(Frame* frame) {
+  EngineCall call;
+  if (frame->gone || frame->unloading || !frame->pageData) return;
+  frame->unloading = true;
+  ++frame->generation;
+  while (Widget* widget = frame->widgets) {
+    eventSendSimple(widget, kWidgetDestroyed, 0);
+    if (frame->widgets == widget) widgetDestroy(frame->takeFirst());
+  }
+  frame->focus = nullptr;
+  frame->textStyles.clear();
+  frameRunScript(frame, "onUnload");
+  if (frame->language) frame->language->detach(frame);
+  targetDestroyLists(frame);
+  frame->dropPage();
+  frame->unloading = false;
+}
+
+int frameUnloadAndClear(Frame* frame) {
+  EngineCall call;
+  if (!frame->pageData || frame->unloading) return 0;
+  frameUnload(frame);
+  widgetMarkDirty(frame, kWidgetFullRedraw);
+  return 1;
+}

@@ -1,0 +1,18 @@
+#include "engine/page/widgettypes.h"
+
+#include <cstring>
+
+#include "engine/page/widget.h"
+
+Widget* WidgetTypes::make(WidgetOwner* owner, Widget* parent, PageObject record) const {
+  const char* name;
+  if (attrString(record, "type", &name)) {
+    for (auto type = types.rbegin(); type != types.rend(); ++type)
+      if (std::strcmp(type->name, name) == 0) return type->creator(owner, parent, record);
+  }
+  return widgetCreate(owner, parent, record);
+}
+
+Widget* widgetFromRecord(WidgetOwner* owner, Widget* parent, PageObject record) {
+  return currentWidgetTypes().make(owner, parent, record);
+}

@@ -1,0 +1,53 @@
+#include "engine/text/textdraw.h"
+
+#include "engine/screen/display.h"
+#include "engine/text/stylepaint.h"
+#include "engine/text/textmeasure.h"
+#include "gfx/foundation/hsfixed.h"
+#include "gfx/text/hsgtextcontext.h"
+
+namespace {
+
+constexpr int32_t kFarthest = 8000;  // pixels from the screen's corner; beyond, nothing is drawn
+
+bool isFar(int32_t v) { return v > kFarthest || v < -kFarthest; }
+
+// By the encoding of the strike that the paint has, which may still be another style's.
+uint32_t drawableLength(hsGAttribute* paint, const char* text, uint32_t length) {
+  const hsGTextContextRef context(paint->GetTextContext(nullptr));
+  return usableLength(context->Encoding(), text, length);
+}
+
+}  // namespace
+
+void textApplyStyle(const TextStyle& style) {
+  currentTextPen().style = style;
+  if (!style.font) return;
+  DisplaySurface& display = currentDisplay();
+  styleToAttribute(display.textPaint(), style);
+  display.setColor(display.textPaint(), style.color);
+}
+
+void textDraw(const char* text, uint32_t length, int32_t x, int32_t y) {
+  const TextStyle& style = currentTextPen().style;
+  if (!style.font || isFar(x) || isFar(y)) return;
+  DisplaySurface& display = currentDisplay();
+  hsGAttribute* paint = display.textPaint();
+  length = drawableLength(paint, text, length);
+  const hsFixed left = hsIntToFixed(x), baseline = hsIntToFixed(y);
+  if (style.styleFlags & kTextStyleBackground) {
+    hsPoint top, bottom;
+    const hsFixed width = paint->MeasureText(length, text, &top, &bottom);
+    display.fill({left, hsWrapAdd(baseline, top.fY), hsWrapAdd(left, width), hsWrapAdd(baseline, bottom.fY)},
+                 style.bgColor);
+  }
+  if (length != 0) display.rasterDevice()->DrawText(length, text, left, baseline, paint);
+  display.flush();
+}
+
+void textDrawAt(const TextStyle& style, const char* text, uint32_t length, int32_t x, int32_t top) {
+  int32_t ascent = 0;
+  textMetrics(style, &ascent, nullptr);
+  textApplyStyle(style);
+  textDraw(text, length, x, hsWrapAdd(top, ascent));
+}
