@@ -4,6 +4,8 @@
 #include <set>
 #include <sstream>
 
+#include "bob/heap/roots.h"
+#include "bob/model/vectors.h"
 #include "bob/session.h"
 
 namespace {
@@ -180,7 +182,7 @@ TEST(Symbols, AreOneForEachTextAndStay) {
   for (int i = 0; i < 2000; ++i) bobIntern(interp, "symbol " + std::to_string(i));
   for (int i = 0; i < 2000; i += 37) {
     const std::string text = "symbol " + std::to_string(i);
-    EXPECT_EQ(bobSymbolText(interp, bobIntern(interp, text)), text);
+    EXPECT_EQ(interp->symbolOf(bobIntern(interp, text)), text);
   }
   EXPECT_TRUE(session.eval("(new String(9000)).Intern();").starts_with("Error: Insufficient memory\n"));
 }

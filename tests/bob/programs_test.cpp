@@ -42,7 +42,7 @@ TEST_P(ProgramTest, PrintsWhatItShould) {
 
 TEST_P(ProgramTest, PrintsTheSameWithACollectionAtEveryAllocation) {
   Session session;
-  session.collectAlways();
+  bobCollectAlways(session.interp);
   EXPECT_TRUE(session.run(GetParam().source)) << session.err.text;
   EXPECT_EQ(Session::plain(session.out.text), GetParam().expected);
 }
@@ -51,9 +51,9 @@ TEST_P(ProgramTest, PrintsTheSameWithACollectionAtEveryAllocation) {
 void FailInTurn(const Program& program, int64_t step) {
   for (int64_t point = 0;; point += step) {
     Session session;
-    session.failAfter(point);
+    bobFailAllocation(session.interp, point);
     const bool finished = session.run(program.source);
-    if (session.interp->failAllocation >= 0) return;  // there were no more allocations
+    if (!bobHasFailed(session.interp)) return;  // there were no more allocations
     ASSERT_FALSE(finished && session.err.text.empty()) << "allocation " << point;
     ASSERT_THAT(session.err.text, testing::HasSubstr("Error: Insufficient memory\n")) << "allocation " << point;
     session.out.take();

@@ -71,7 +71,7 @@ class Writer {
 // Statement by statement until an error: what has been printed, errors included.
 std::string RunSource(const std::string& source, bool collectAlways) {
   Session session;
-  if (collectAlways) session.collectAlways();
+  if (collectAlways) bobCollectAlways(session.interp);
   session.run(source);
   return session.answer();
 }

@@ -1,4 +1,4 @@
-#include "bob/scanner.h"
+#include "bob/compile/scanner.h"
 
 #include <gtest/gtest.h>
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "bob/bob.h"
+#include "bob/heap/interp.h"
 
 class TextStream : public BobStream {
  public:
@@ -19,25 +20,15 @@ struct Session {
       : interp(bobMakeInterp(heapBytes, 0, stackWords)) {
     bobRegisterGlobals(interp);
     bobInitCompiler(interp);
-    interp->stdoutStream = &out;
-    interp->stderrStream = &err;
+    bobSetStdout(interp, &out);
+    bobSetStderr(interp, &err);
   }
   ~Session() { bobDestroyInterp(interp); }
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
-  BobScope* root() { return &interp->rootScope; }
+  BobScope* root() { return bobRootScope(interp); }
 
-  // Collects at every allocation from here on.
-  void collectAlways() {
-    interp->collectAlways = true;
-    interp->allocationLimit = 0;
-  }
-  // The allocation behind `count` more raises "Insufficient memory", once.
-  void failAfter(int64_t count) {
-    interp->failAllocation = count;
-    interp->allocationLimit = 0;
-  }
 
   // Runs source statement by statement: false if an error ended it.
   bool run(std::string_view source) {

@@ -18,7 +18,7 @@ class ScriptStyleTest : public ScriptFontTest {
     say("s = " + line);
     BobValue value = kBobNil;
     BobInterp* interp = scriptInterp();
-    bobFindGlobal(interp, topFrame()->scriptEnv->scope->object, bobIntern(interp, "s"), &value);
+    bobFindGlobal(interp, bobScopeObject(topFrame()->scriptEnv->scope), bobIntern(interp, "s"), &value);
     const TextStyle* style = scriptStyleOf(interp, value);
     return style ? *style : TextStyle{};
   }

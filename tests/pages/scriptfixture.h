@@ -11,8 +11,7 @@ class ScriptTest : public PageTest, public testing::WithParamInterface<bool> {
  protected:
   ScriptTest() {
     if (!GetParam()) return;
-    scriptInterp()->collectAlways = true;
-    bobCollect(scriptInterp());
+    bobCollectAlways(scriptInterp());
     desktop.log.clear();
   }
 

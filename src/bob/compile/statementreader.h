@@ -7,8 +7,8 @@
 
 #include <memory>
 
-#include "bob/stream.h"
-#include "bob/values.h"
+#include "bob/base/stream.h"
+#include "bob/base/value.h"
 
 struct BobScope;
 
@@ -28,9 +28,6 @@ class BobStatementReader {
   BobScope* scope;
   std::unique_ptr<OuterInput> outer;
 };
-
-// The CompiledCode of a Method that the compiler made.
-BobValue bobMethodCode(BobInterp* interp, BobValue method);
 
 // The line of the source that is being read, for messages; 0 when there has been none.
 int bobCurrentLine(const BobInterp* interp);

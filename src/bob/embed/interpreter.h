@@ -1,33 +1,23 @@
 // An interpreter as its host sees it: made, given its streams and hooks, and asked what it holds.
 //
-// What lies inside a BobInterp or a BobScope is the language's own business; the functions here are all that a host
-// needs of them.
+// What lies inside a BobInterp is the language's own business; the functions here are all that a host needs of it.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 
-#include "bob/error.h"
-#include "bob/stream.h"
-#include "bob/values.h"
+#include "bob/base/stream.h"
+#include "bob/base/value.h"
+#include "bob/heap/errorcodes.h"
 
-struct BobScope;
-
-// Null if there is no memory. A space is at most 262,136 bytes, since code counts its elements in 16 bits.
+// Null if there is no memory. The expansion size is part of the call and changes nothing: spaces don't grow. A space is
+// at most 262,136 bytes, since code counts its elements in 16 bits.
 BobInterp* bobMakeInterp(uint32_t heapBytes, uint32_t expansionSize, uint32_t stackWords);
 void bobDestroyInterp(BobInterp* interp);
 // The compiler and the globals Load, Eval and CompileFile.
 void bobInitCompiler(BobInterp* interp);
 bool bobHasCompiler(const BobInterp* interp);
-
-// -- scopes
-
-// The outermost scope, and the one that running code is in.
-BobScope* bobRootScope(BobInterp* interp);
-BobScope* bobCurrentScope(BobInterp* interp);
-BobInterp* bobScopeInterp(const BobScope* scope);
-BobValue bobScopeObject(const BobScope* scope);
 
 // -- streams; until they are set they read as the end of a file and drop what is written
 
@@ -50,8 +40,6 @@ void bobSetErrorHandler(BobInterp* interp, BobErrorHandler handler);
 
 // -- what it holds
 
-// The class object Object, parent of what a host makes for scripts.
-BobValue bobObjectClass(const BobInterp* interp);
 // Keeps the value on the stack for as long as the interpreter lives.
 void bobKeepOnStack(BobInterp* interp, BobValue value);
 
@@ -62,3 +50,11 @@ struct BobMemory {
   size_t handles;        // ever in use at the same time
 };
 BobMemory bobMemory(const BobInterp* interp);
+
+// -- for tests: what a collection or a failure at an awkward moment would break comes to light
+
+// Collects now, and at each allocation from here on.
+void bobCollectAlways(BobInterp* interp);
+// The allocation after `count` more raises "Insufficient memory", once.
+void bobFailAllocation(BobInterp* interp, int64_t count);
+bool bobHasFailed(const BobInterp* interp);

@@ -1,8 +1,9 @@
 #include "bob/tools/disassemble.h"
 
-#include "bob/objects.h"
-#include "bob/opcodes.h"
-#include "bob/print.h"
+#include "bob/base/opcodes.h"
+#include "bob/heap/interp.h"
+#include "bob/model/print.h"
+#include "bob/model/values.h"
 
 using namespace BobLayout;
 
@@ -13,11 +14,11 @@ class Lister {
   Lister(BobInterp* interp, BobValue code, BobStream* stream) : interp(interp), code(code), stream(stream) {
     const uint32_t* w = interp->words(code);
     const BobValue string = w[kCodeElements];
-    bytes = bobStringText(interp, string);
+    bytes = interp->stringOf(string);
     literals = bobCodeCount(w[kCodeCount]);
-    const BobValue name = literals > 1 ? w[kCodeElements + 1] : kBobNil;
+    const BobValue name = bobCodeName(interp, code);
     isNamed = interp->isA(name, kBobString);
-    if (isNamed) prefix = bobStringText(interp, name).substr(0, 32);
+    if (isNamed) prefix = interp->stringOf(name).substr(0, 32);
   }
 
   void list() {

@@ -1,8 +1,8 @@
 // The disassembler: the instructions of a piece of code, one a line.
 #pragma once
 
-#include "bob/stream.h"
-#include "bob/values.h"
+#include "bob/base/stream.h"
+#include "bob/base/value.h"
 
 // Lists the code; code without a String of bytecode lists nothing.
 void bobDisassemble(BobInterp* interp, BobValue code, BobStream* stream);

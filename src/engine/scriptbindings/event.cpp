@@ -1,5 +1,6 @@
 // The class Event: the seven words of an event, read-only.
 #include <array>
+#include <cstring>
 
 #include "engine/scriptbindings/bindings.h"
 

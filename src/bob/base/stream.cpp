@@ -1,0 +1,34 @@
+#include "bob/base/stream.h"
+
+#include <algorithm>
+#include <cstdarg>
+
+int BobFileStream::Close() {
+  if (!file) return 0;
+  const int result = std::fclose(file);
+  file = nullptr;
+  return result;
+}
+
+int BobFileStream::GetC() { return file ? std::fgetc(file) : -1; }
+int BobFileStream::PutC(int c) { return file ? std::fputc(c, file) : -1; }
+
+std::unique_ptr<BobStream> bobOpenPlainFile(const char* path, const char* mode) {
+  FILE* file = std::fopen(path, mode);
+  return file ? std::make_unique<BobFileStream>(file) : nullptr;
+}
+
+bool bobPutText(BobStream* stream, std::string_view text) {
+  for (char c : text)
+    if (stream->PutC(uint8_t(c)) == -1) return false;
+  return true;
+}
+
+bool bobPutFormat(BobStream* stream, const char* format, ...) {
+  char buffer[512];
+  va_list arguments;
+  va_start(arguments, format);
+  const int length = std::vsnprintf(buffer, sizeof buffer, format, arguments);
+  va_end(arguments);
+  return bobPutText(stream, std::string_view(buffer, std::min<size_t>(size_t(length), sizeof buffer - 1)));
+}

@@ -1,0 +1,71 @@
+// Every path through a piece of bytecode, and whether it stays inside: the first half of translation.
+#pragma once
+
+#include <map>
+#include <tuple>
+#include <vector>
+
+#include "bob/base/opcodes.h"
+#include "bob/base/value.h"
+
+// Words that the instruction takes from the stack, apart from NEWVECTOR, whose count is in val.
+uint32_t bobStackPops(const uint8_t* instruction);
+
+// Where execution can come, from the first instruction on. A path ends where an instruction is bad.
+class BobCodePaths {
+ public:
+  // `literals` counts the code's elements; `variables` those of the function itself, this and _next included.
+  BobCodePaths(BobInterp* interp, BobValue code, uint32_t variables);
+
+  static constexpr uint32_t kStart = 3;  // after AFRAME and its operands
+
+  bool isReached(uint32_t at) const { return at < length && reached[at] != kUnreached; }
+  bool isTarget(uint32_t at) const { return at < length && targets[at]; }
+  bool isBad(uint32_t at) const { return bad[at]; }
+  // For code that was shown to stay inside: the block frames open at an instruction.
+  bool hasBlocks(uint32_t at) const { return states[size_t(reached[at])].node != 0; }
+  // EREF and ESET in code that was shown to stay inside: where the variable lies, in words below the top of the
+  // innermost environment's variables. Those of the blocks around are reached so only while nothing can move them to
+  // the heap, that is in code without CLOSE. False for a variable that is to be looked for.
+  bool findOwn(uint32_t at, int* index) const;
+
+  const uint8_t* bytes;  // lie in the heap
+  uint32_t length;
+  uint32_t literals;
+  bool closes = false;  // makes closures
+  bool proven = true;   // the depth of the stack is the same on every path, and enough for every instruction
+
+ private:
+  // Block frames, innermost first: what was pushed in the frame outside before this one was made.
+  struct Node {
+    int parent;
+    uint32_t variables;
+    uint32_t outside;
+  };
+  struct State {
+    int node = 0;  // 0: no block
+    uint32_t pushed = 0;
+    bool operator==(const State&) const = default;
+  };
+  static constexpr int kUnreached = -1;
+
+  void walk();
+  void visit(uint32_t at);
+  void flow(uint32_t to, const State& state, bool jump);
+  bool step(uint32_t at, State& state);
+  bool pop(State& state, uint32_t count);
+  int enterBlock(const State& outside, uint32_t variables);
+  int ownCount(uint32_t at, uint32_t depth) const;
+  bool badVariable(uint32_t at) const;
+  bool operandsAreBad(uint32_t at) const;
+
+  BobInterp* interp;
+  BobValue code;
+  uint32_t variables;
+  std::vector<int> reached;  // by offset: index into states
+  std::vector<bool> targets, bad;
+  std::vector<State> states;
+  std::vector<Node> nodes{1};
+  std::map<std::tuple<int, uint32_t, uint32_t>, int> nodeNumbers;
+  std::vector<uint32_t> pending;
+};

@@ -1,0 +1,83 @@
+// Cached lookups: where a key was found the last time at this place in the code.
+//
+// A cache (object, epoch, property) says that the search for the place's key, begun at that object, ends at that
+// property, the object's own or that of an object among its parents. Properties are never removed singly, so this
+// holds until the collector moves things, a scope is emptied, or a property is added that hides the one found. For
+// the last, objects that a search passed over are marked as watched; adding to one begins a new epoch if the key is
+// to be found further up.
+#pragma once
+
+#include "bob/heap/interp.h"
+
+enum BobCacheWord { kCacheObject, kCacheEpoch, kCacheProperty };
+
+inline bool bobCacheHolds(const BobInterp* interp, const uint32_t* cache, BobValue object) {
+  return cache[kCacheObject] == object && cache[kCacheEpoch] == interp->cacheEpoch;
+}
+
+inline void bobFillCache(const BobInterp* interp, uint32_t* cache, BobValue object, BobValue property) {
+  cache[kCacheObject] = object;
+  cache[kCacheEpoch] = interp->cacheEpoch;
+  cache[kCacheProperty] = property;
+}
+
+// The property of the object itself under a symbol, or 0.
+inline BobValue bobFindSymbolLocally(BobInterp* interp, BobValue object, BobValue symbol) {
+  using namespace BobLayout;
+  BobValue property = interp->words(object)[kProperties];
+  const uint32_t* store = interp->words(property);
+  if (store[0] == kBobHashTable)
+    property = store[kBuckets + (interp->words(symbol)[kSymbolHash] & (store[kBucketCount] - 1))];
+  while (property != kBobNil) {
+    const uint32_t* w = interp->words(property);
+    if (w[kKey] == symbol) return property;
+    property = w[kNext];
+  }
+  return 0;
+}
+
+// Searches for the symbol from `start` along plain objects and fills the cache for `start`: 0 if it isn't found there.
+BobValue bobFindAndCache(BobInterp* interp, BobValue start, BobValue symbol, uint32_t* cache);
+
+// The property that a GET of the symbol from a plain object finds among plain objects, or 0.
+inline BobValue bobFindCached(BobInterp* interp, BobValue object, BobValue symbol, uint32_t* cache) {
+  using namespace BobLayout;
+  // The key at the place may differ from the last one's, as in o[k].
+  const auto isHit = [&] { return interp->words(cache[kCacheProperty])[kKey] == symbol; };
+  if (bobCacheHolds(interp, cache, object) && isHit()) return cache[kCacheProperty];
+  if (const BobValue property = bobFindSymbolLocally(interp, object, symbol)) {
+    bobFillCache(interp, cache, object, property);
+    return property;
+  }
+  const BobValue parent = interp->words(object)[kParent];
+  if (bobCacheHolds(interp, cache, parent) && isHit()) return cache[kCacheProperty];
+  return bobFindAndCache(interp, parent, symbol, cache);
+}
+
+// The property that a GET of any key from any value finds among plain objects, or 0: then the general path decides.
+inline BobValue bobFindField(BobInterp* interp, BobValue object, BobValue key, uint32_t* cache) {
+  if (bobIsSmall(object) || *interp->words(object) != kBobObject || !interp->isA(key, kBobSymbol)) return 0;
+  return bobFindCached(interp, object, key, cache);
+}
+
+// An element of a vector by a small index, or null: then the general path decides.
+inline uint32_t* bobFindElement(BobInterp* interp, BobValue object, BobValue index) {
+  using namespace BobLayout;
+  if (bobIsSmall(object) || !bobIsSmall(index)) return nullptr;
+  uint32_t* w = interp->words(object);
+  if (w[0] == kBobMovedVector) w = interp->words(w[kMovedTo]);
+  if (w[0] != kBobVector || uint32_t(bobSmallValue(index)) >= w[kSize]) return nullptr;
+  return w + kElements + bobSmallValue(index);
+}
+
+// The same for a member of a value kind, in its class: what the member is, not what a getter returns. 0 for objects of
+// other kinds, and for keys that aren't symbols.
+BobValue bobFindMember(BobInterp* interp, BobValue object, BobValue key, uint32_t* cache);
+
+// The general paths. They raise what the instructions raise.
+BobValue bobFindGlobalOrFail(BobInterp* interp, BobValue symbol, uint32_t* cache);
+BobValue bobGetAnyProperty(BobInterp* interp, BobValue object, BobValue key, uint32_t* cache);
+// Stores interp->val. A failure reports the key for a property, but the value for an element.
+void bobSetAnyProperty(BobInterp* interp, BobValue object, BobValue key, bool isElement);
+// Stores interp->val as a global of the current scope.
+void bobSetAnyGlobal(BobInterp* interp, BobValue symbol, uint32_t* cache);

@@ -1,0 +1,14 @@
+// How an error is reported: its message, and where it happened.
+#pragma once
+
+#include "bob/heap/errorcodes.h"
+
+// The message of a code; "Unknown error" for a code that is not in the table.
+const char* bobErrorMessage(int code);
+
+// Prints "Error: ", the message and a newline on stderrStream.
+void bobPrintError(BobInterp* interp, int code, const BobErrorArgument& argument);
+// Prints where the running code is and who called it on stdoutStream.
+void bobPrintTraceback(BobInterp* interp);
+// The handler that an interpreter starts with: both of the above, except for kBobRestart.
+void bobStandardErrorHandler(BobInterp* interp, int code, const BobErrorArgument& argument);

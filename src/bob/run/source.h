@@ -1,0 +1,19 @@
+// Running source text, statement by statement, each one run before the next is read.
+#pragma once
+
+#include <string_view>
+
+#include "bob/base/stream.h"
+#include "bob/base/value.h"
+
+struct BobScope;
+
+// `echo` gets each value and a newline, unless null.
+void bobRunSource(BobScope* scope, BobStream* source, BobStream* echo);
+// Raises error 17 if the file can't be opened.
+void bobLoadSource(BobScope* scope, const char* path, BobStream* echo);
+// The first statement of the text: its value, or nil if there is none.
+BobValue bobEvaluate(BobScope* scope, std::string_view text);
+// The same for a console line: prints "--> ", the value and a newline on stdoutStream. After an error it prints no
+// value and returns false.
+bool bobConsoleEvaluate(BobScope* scope, std::string_view text);
