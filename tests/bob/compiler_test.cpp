@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <regex>
+
 #include "bob/compiler.h"
 #include "bob/session.h"
 
