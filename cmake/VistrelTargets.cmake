@@ -7,17 +7,25 @@ function(vistrel_library name)
 endfunction()
 
 # vistrel_test(NAME SOURCES file... LIBRARIES library... [LONG]): one GoogleTest program, every case a ctest case.
-# LONG tests carry the label "long" and run by ./check --long only.
+# LONG tests carry the label "long" and run by ./check --long only. All share the precompiled headers of test_headers.
 function(vistrel_test name)
   cmake_parse_arguments(ARG "LONG" "" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} GTest::gmock_main)
+  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} GTest::gtest_main)
+  vistrel_test_sources(${name})
   if(ARG_LONG)
     gtest_discover_tests(${name} PROPERTIES LABELS long)
   else()
     gtest_discover_tests(${name})
   endif()
+endfunction()
+
+# vistrel_test_sources(NAME): how a target's test code is compiled. Nobody waits for test code to run, only to compile,
+# so the dev preset optimises it little.
+function(vistrel_test_sources name)
+  target_compile_options(${name} PRIVATE $<$<CONFIG:RelWithDebInfo>:-Og>)
+  target_precompile_headers(${name} REUSE_FROM test_headers)
 endfunction()
 
 # vistrel_fuzz(NAME LIBRARIES library...): the fuzz target NAME.cc. With VISTREL_FUZZ it is a libFuzzer program

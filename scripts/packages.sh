@@ -1,7 +1,7 @@
 # Sourced by ./check and ./preview: makes sure that the Debian packages they need are there.
 
 BUILD_PACKAGES="g++ cmake ninja-build pkg-config libcli11-dev libyaml-cpp-dev libpng-dev qt6-base-dev fonts-dejavu-core"
-TEST_PACKAGES="libgtest-dev libgmock-dev libbenchmark-dev fonts-liberation fonts-urw-base35"
+TEST_PACKAGES="libgtest-dev libbenchmark-dev fonts-liberation fonts-urw-base35"
 BENCH_PACKAGES="libcairo2-dev libpixman-1-dev liblua5.4-dev libfreetype-dev libgif-dev"
 
 # require_packages NAME...: installs what is missing, as root or through sudo; otherwise names it and stops.

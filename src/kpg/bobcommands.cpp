@@ -1,4 +1,4 @@
-#include "kpg/bobcommands.h"
+// kpg run, eval, compile, decode: the language without a page.
 
 #include <cstdio>
 #include <memory>
@@ -8,6 +8,8 @@
 #include "bob/bob.h"
 #include "bob/compile/statementreader.h"
 #include "kpg/bobruntime.h"
+#include "kpg/commands.h"
+#include "kpg/errors.h"
 
 namespace {
 
@@ -38,12 +40,10 @@ struct Runtime : BobRuntime {
   OutputStream out{stdout}, err{stderr};
 };
 
-[[noreturn]] void Fail() { throw CLI::RuntimeError(1); }
+// The language has reported the error.
+[[noreturn]] void Fail() { throw CommandError(""); }
 
-[[noreturn]] void CannotOpen(const std::string& path) {
-  std::fprintf(stderr, "kpg: can't open '%s'\n", path.c_str());
-  Fail();
-}
+[[noreturn]] void CannotOpen(const std::string& path) { throw CommandError("kpg: can't open '" + path + "'"); }
 
 void Run(const std::vector<std::string>& paths) {
   Runtime runtime;
@@ -92,30 +92,27 @@ void DecodeFile(const std::string& path) {
 
 }  // namespace
 
-void addBobCommands(CLI::App& app) {
-  // What the options are read into lives as long as their callbacks.
+void addBobCommands(CommandLine& line) {
   struct Arguments {
     std::vector<std::string> list;
     std::string file, output;
   };
-  const auto command = [&app](const char* name, const char* about) {
-    return std::pair(app.add_subcommand(name, about), std::make_shared<Arguments>());
-  };
+  const auto arguments = std::make_shared<Arguments>();  // one for all, since only one command runs
 
-  auto [run, runArguments] = command("run", "Run source files, statement by statement; exit status 1 after an error");
-  run->add_option("FILE", runArguments->list, "source files, run one after the other in one interpreter")->required();
-  run->callback([a = runArguments] { Run(a->list); });
+  KpgCommand run = line.command("run", "Run source files, statement by statement; exit status 1 after an error");
+  run.add("FILE", arguments->list, "source files, run one after the other in one interpreter").required();
+  run.runs([arguments] { Run(arguments->list); });
 
-  auto [eval, evalArguments] = command("eval", "Evaluate each TEXT as a console line, in one interpreter");
-  eval->add_option("TEXT", evalArguments->list, "one statement each")->required();
-  eval->callback([a = evalArguments] { Eval(a->list); });
+  KpgCommand eval = line.command("eval", "Evaluate each TEXT as a console line, in one interpreter");
+  eval.add("TEXT", arguments->list, "one statement each").required();
+  eval.runs([arguments] { Eval(arguments->list); });
 
-  auto [compile, compileArguments] = command("compile", "Compile a source file to an object file");
-  compile->add_option("IN", compileArguments->file, "source file")->required();
-  compile->add_option("-o,--output", compileArguments->output, "object file")->required();
-  compile->callback([a = compileArguments] { Compile(a->file, a->output); });
+  KpgCommand compile = line.command("compile", "Compile a source file to an object file");
+  compile.add("IN", arguments->file, "source file").required();
+  compile.add("-o,--output", arguments->output, "object file").required();
+  compile.runs([arguments] { Compile(arguments->file, arguments->output); });
 
-  auto [decode, decodeArguments] = command("decode", "Print the instructions of a source or object file");
-  decode->add_option("FILE", decodeArguments->file, "source or object file")->required();
-  decode->callback([a = decodeArguments] { DecodeFile(a->file); });
+  KpgCommand decode = line.command("decode", "Print the instructions of a source or object file");
+  decode.add("FILE", arguments->file, "source or object file").required();
+  decode.runs([arguments] { DecodeFile(arguments->file); });
 }

@@ -1,13 +1,14 @@
 #include "kpg/bobruntime.h"
 
 #include "bob/tools/disassemble.h"
+#include "kpg/errors.h"
 
 namespace {
 constexpr uint32_t kHeapBytes = 102400, kStackWords = 65536;  // the player's
 }
 
 BobRuntime::BobRuntime() : interp(bobMakeInterp(kHeapBytes, 0, kStackWords)) {
-  if (!interp) throw CLI::RuntimeError("out of memory", 1);
+  if (!interp) throw CommandError("out of memory");
   bobRegisterGlobals(interp);
   bobInitCompiler(interp);
 }

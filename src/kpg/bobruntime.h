@@ -1,7 +1,6 @@
 // One interpreter of the player's sizes for a command of the kit, and what several commands do with it.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <string>
 #include <string_view>

@@ -27,15 +27,15 @@ void buildPage(const std::string& source, const std::string& output,
     writeFile((folder / script.name).string(), script.bytes.data(), script.bytes.size());
 }
 
-void addBuildCommand(CLI::App& app) {
+void addBuildCommand(CommandLine& line) {
   struct Options {
     std::string source, output;
   };
   auto options = std::make_shared<Options>();
-  CLI::App* command = app.add_subcommand("build", "Compile a page source");
-  command->add_option("source", options->source, "The page source, YAML")->required()->type_name("PAGE.yaml");
-  command->add_option("-o", options->output, "The page to write")->required()->type_name("PAGE.kpg");
-  command->callback([options] {
+  KpgCommand command = line.command("build", "Compile a page source");
+  command.add("source", options->source, "The page source, YAML").required().type("PAGE.yaml");
+  command.add("-o", options->output, "The page to write").required().type("PAGE.kpg");
+  command.runs([options] {
     buildPage(options->source, options->output, [](const std::string& warning) { std::cerr << warning << "\n"; });
   });
 }

@@ -32,13 +32,13 @@ void makeTable(const ClutOptions& options) {
 
 }  // namespace
 
-void addClutCommand(CLI::App& app) {
+void addClutCommand(CommandLine& line) {
   auto options = std::make_shared<ClutOptions>();
-  CLI::App* command = app.add_subcommand("clut", "Make a colour table, from pictures that are to share it");
-  command->add_option("pictures", options->pictures, "PNG or GIF pictures")->type_name("IN.png");
-  command->add_flag("--standard", options->standard, "A table of 240 colours that suits any page, from no picture");
-  command->add_option("--colors", options->most, "Use at most so many colours, black and white among them")
-      ->check(CLI::Range(size_t{3}, kMaxClutColors - 1));
-  command->add_option("-o", options->output, "The colour table to write")->required()->type_name("OUT.clut");
-  command->callback([options] { makeTable(*options); });
+  KpgCommand command = line.command("clut", "Make a colour table, from pictures that are to share it");
+  command.add("pictures", options->pictures, "PNG or GIF pictures").type("IN.png");
+  command.flag("--standard", options->standard, "A table of 240 colours that suits any page, from no picture");
+  command.add("--colors", options->most, "Use at most so many colours, black and white among them")
+      .between(3, kMaxClutColors - 1);
+  command.add("-o", options->output, "The colour table to write").required().type("OUT.clut");
+  command.runs([options] { makeTable(*options); });
 }

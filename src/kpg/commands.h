@@ -1,11 +1,12 @@
 // The subcommands of kpg, each in the file of its name.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include "kpg/commandline.h"
 
-void addBuildCommand(CLI::App& app);
-void addDumpCommand(CLI::App& app);
-void addShotCommand(CLI::App& app);
-void addClutCommand(CLI::App& app);
-void addFontCommand(CLI::App& app);
-void addImageCommand(CLI::App& app);
+void addBuildCommand(CommandLine& line);
+void addDumpCommand(CommandLine& line);
+void addShotCommand(CommandLine& line);
+void addClutCommand(CommandLine& line);
+void addFontCommand(CommandLine& line);
+void addImageCommand(CommandLine& line);
+void addBobCommands(CommandLine& line);  // run, eval, compile, decode

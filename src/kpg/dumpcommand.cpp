@@ -6,9 +6,9 @@
 #include "kpg/dump.h"
 #include "kpg/files.h"
 
-void addDumpCommand(CLI::App& app) {
+void addDumpCommand(CommandLine& line) {
   auto page = std::make_shared<std::string>();
-  CLI::App* command = app.add_subcommand("dump", "Print a page as source that builds back to the same bytes");
-  command->add_option("page", *page, "The page")->required()->type_name("PAGE.kpg");
-  command->callback([page] { std::cout << dumpPage(*page, readFile(*page)); });
+  KpgCommand command = line.command("dump", "Print a page as source that builds back to the same bytes");
+  command.add("page", *page, "The page").required().type("PAGE.kpg");
+  command.runs([page] { std::cout << dumpPage(*page, readFile(*page)); });
 }

@@ -10,7 +10,7 @@ struct SourceError : std::runtime_error {
       : std::runtime_error(file + ":" + std::to_string(line) + ": " + message) {}
 };
 
-// Any other error that ends a command with exit status 1; what() is the line to print.
+// Any other error that ends a command with exit status 1; what() is the line to print, empty when all is said.
 struct CommandError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };

@@ -202,18 +202,18 @@ void tell(const std::string& path, const std::string& picture) {
 
 }  // namespace
 
-void addFontCommand(CLI::App& app) {
+void addFontCommand(CommandLine& line) {
   struct Options {
     std::string font, picture;
   };
   auto options = std::make_shared<Options>();
-  CLI::App* command = app.add_subcommand(
+  KpgCommand command = line.command(
       "font", "Tell what a font file holds and whether the player can draw with it; exit status 1 if it can't");
-  command->add_option("font", options->font, "The font")->required()->type_name("FILE");
+  command.add("font", options->font, "The font").required().type("FILE");
   command
-      ->add_option("--out", options->picture,
-                   "A specimen to write: at each size without antialias and gridfit, with gridfit, with antialias, "
-                   "with both")
-      ->type_name("PNG");
-  command->callback([options] { tell(options->font, options->picture); });
+      .add("--out", options->picture,
+           "A specimen to write: at each size without antialias and gridfit, with gridfit, with antialias, "
+           "with both")
+      .type("PNG");
+  command.runs([options] { tell(options->font, options->picture); });
 }

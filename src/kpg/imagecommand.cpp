@@ -100,27 +100,27 @@ void run(const ImageOptions& options) {
 
 }  // namespace
 
-void addImageCommand(CLI::App& app) {
+void addImageCommand(CommandLine& line) {
   auto options = std::make_shared<ImageOptions>();
-  CLI::App* command = app.add_subcommand("image", "Make a picture for the player, or list what picture files hold");
-  command->add_option("pictures", options->inputs, "The picture, PNG or GIF; with --list also KPX and CLUT files")
-      ->required()
-      ->type_name("IN.png|IN.gif");
-  command->add_option("-o", options->output, "The picture to write")->type_name("OUT.kpx");
-  CLI::Option* clut =
-      command->add_option("--clut", options->clut, "Use the colours of this table; by default OUT.clut is made")
-          ->type_name("FILE.clut");
+  KpgCommand command = line.command("image", "Make a picture for the player, or list what picture files hold");
+  command.add("pictures", options->inputs, "The picture, PNG or GIF; with --list also KPX and CLUT files")
+      .required()
+      .type("IN.png|IN.gif");
+  command.add("-o", options->output, "The picture to write").type("OUT.kpx");
+  const KpgOption clut =
+      command.add("--clut", options->clut, "Use the colours of this table; by default OUT.clut is made")
+          .type("FILE.clut");
   command
-      ->add_option("--clut-name", options->clutName,
-                   "What the picture calls its table, as the page's folder sees it; '' for the table of the page")
-      ->type_name("NAME");
-  command->add_option("--colors", options->most, "Make a table of so many colours, black and white among them")
-      ->check(CLI::Range(size_t{3}, kMaxClutColors - 1))
-      ->excludes(clut);
-  command->add_option("--background", options->background, "Blend the picture over a colour; nothing stays transparent")
-      ->check(CLI::Validator(checkColor, ""))
-      ->type_name("#RRGGBB");
-  command->add_flag("--dither", options->dither, "Scatter what a colour misses over its neighbours");
-  command->add_flag("--list", options->list, "Tell what the files hold");
-  command->callback([options] { run(*options); });
+      .add("--clut-name", options->clutName,
+           "What the picture calls its table, as the page's folder sees it; '' for the table of the page")
+      .type("NAME");
+  command.add("--colors", options->most, "Make a table of so many colours, black and white among them")
+      .between(3, kMaxClutColors - 1)
+      .excludes(clut);
+  command.add("--background", options->background, "Blend the picture over a colour; nothing stays transparent")
+      .check(checkColor)
+      .type("#RRGGBB");
+  command.flag("--dither", options->dither, "Scatter what a colour misses over its neighbours");
+  command.flag("--list", options->list, "Tell what the files hold");
+  command.runs([options] { run(*options); });
 }

@@ -91,33 +91,24 @@ std::string checkKey(const std::string& name) {
 
 }  // namespace
 
-void addShotCommand(CLI::App& app) {
+void addShotCommand(CommandLine& line) {
   auto options = std::make_shared<ShotOptions>();
-  CLI::App* command = app.add_subcommand("shot", "Open a page, do the actions in order, save the screen");
-  command->add_option("page", options->page, "The page")->required()->type_name("PAGE.kpg");
-  command->add_option("-o", options->output, "The picture to write; by default the page's name with .png, here")
-      ->type_name("OUT.png");
-  command->add_option("--log", options->log, "Where to write what the console showed; - for the standard output")
-      ->type_name("FILE");
+  KpgCommand command = line.command("shot", "Open a page, do the actions in order, save the screen");
+  command.add("page", options->page, "The page").required().type("PAGE.kpg");
+  command.add("-o", options->output, "The picture to write; by default the page's name with .png, here")
+      .type("OUT.png");
+  command.add("--log", options->log, "Where to write what the console showed; - for the standard output").type("FILE");
 
-  command->add_flag("--read-only", options->readOnly, "Let no script write a file");
+  command.flag("--read-only", options->readOnly, "Let no script write a file");
 
   const auto addAction = [&](const char* name, Action::Kind kind, const char* help, const char* type) {
-    return command
-        ->add_option_function<std::string>(
-            name,
-            [options, kind](const std::string& argument) {
-              options->actions.push_back({kind, argument});
-            },
-            help)
-        ->type_name(type)
-        ->trigger_on_parse()
-        ->group("Actions");
+    const auto take = [options, kind](const std::string& argument) { options->actions.push_back({kind, argument}); };
+    return command.each(name, take, help).type(type).group("Actions");
   };
   addAction("--key", Action::key,
             "Press Up Down Left Right Select Clear Backspace UpLeft UpRight DownLeft DownRight 0..9 or S", "NAME")
-      ->check(CLI::Validator(checkKey, ""));
-  addAction("--wait", Action::wait, "Let MS milliseconds pass", "MS")->check(CLI::Range(0u, 1'000'000'000u));
+      .check(checkKey);
+  addAction("--wait", Action::wait, "Let MS milliseconds pass", "MS").between(0, 1'000'000'000);
   addAction("--eval", Action::eval, "Type TEXT at the console and press Enter", "TEXT");
-  command->callback([options] { shoot(*options); });
+  command.runs([options] { shoot(*options); });
 }

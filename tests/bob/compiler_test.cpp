@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <regex>
+
 #include "bob/compile/statementreader.h"
 #include "bob/session.h"
 #include "bob/tools/disassemble.h"

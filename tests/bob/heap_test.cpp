@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <iterator>
+#include <regex>
 #include <set>
 #include <sstream>
 

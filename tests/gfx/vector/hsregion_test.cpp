@@ -1,6 +1,5 @@
 #include "gfx/vector/hsregion.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -15,8 +14,8 @@ void PrintTo(const hsIntRect& r, std::ostream* out) {
 
 namespace {
 
-using testing::ElementsAre;
 using Rects = std::vector<hsIntRect>;
+using Runs = std::vector<int16_t>;
 
 constexpr int16_t S = hsRegion::kRunTypeSentinel;
 
@@ -87,7 +86,7 @@ TEST(Region, AGapBetweenOperandsIsAnEmptyBand) {
   for (const Operation& operation : {kOperations[1], kOperations[3]}) {
     hsRegion result;
     (result.*operation.perform)(hsRegion(hsIntRect{0, 0, 5, 2}), hsRegion(hsIntRect{0, 7, 5, 9}));
-    EXPECT_THAT(RunsOf(result), ElementsAre(0, 2, 0, 5, S, 7, S, 9, 0, 5, S, S));
+    EXPECT_EQ(RunsOf(result), (Runs{0, 2, 0, 5, S, 7, S, 9, 0, 5, S, S}));
     EXPECT_EQ(result.Bounds(), (hsIntRect{0, 0, 5, 9}));
   }
 }
@@ -219,7 +218,7 @@ TEST(RegionBuilder, MakesTheShortestRuns) {
     }
     int32_t count;
     const int16_t* runs = builder.Finish(&count);
-    ASSERT_THAT(std::vector<int16_t>(runs, runs + count), testing::ElementsAreArray(model.Runs())) << i;
+    ASSERT_EQ(Runs(runs, runs + count), model.Runs()) << i;
   }
 }
 
@@ -230,7 +229,7 @@ TEST(RegionBuilder, WritesAGapAndNothing) {
   EXPECT_EQ(AssertOf([&] { builder.BlitH(3, 32760, 10); }), "value out of runtype range");
   int32_t count;
   const int16_t* runs = builder.Finish(&count);
-  EXPECT_THAT(std::vector<int16_t>(runs, runs + count), ElementsAre(0, 1, 3, 5, S, 2, S, 3, 3, 5, S, S));
+  EXPECT_EQ(Runs(runs, runs + count), (Runs{0, 1, 3, 5, S, 2, S, 3, 3, 5, S, S}));
   EXPECT_EQ((hsRegionBuilder().Finish(&count), count), 1);
 }
 
@@ -336,7 +335,7 @@ TEST(Blitter, ARectangleIsRowsFromTheTop) {
     std::vector<int32_t> rows;
   } blitter;
   blitter.BlitRect(7, 3, 4, 3);
-  EXPECT_THAT(blitter.rows, ElementsAre(7, 8, 9));
+  EXPECT_EQ(blitter.rows, (std::vector<int32_t>{7, 8, 9}));
   EXPECT_EQ(AssertOf([&] { blitter.BlitRect(7, 3, 4, 0); }), "bad height");
   uint32_t value;
   EXPECT_EQ(blitter.GetDirectTarget(&value), nullptr);

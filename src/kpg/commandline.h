@@ -1,0 +1,66 @@
+// The command line of kpg: its commands, and the words and options that each takes.
+//
+// Only commandline.cpp includes the library that parses: to compile its header costs more than all of the commands.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
+
+// A word or an option of a command.
+class KpgOption {
+ public:
+  explicit KpgOption(CLI::Option* o) : option(o) {}
+
+  KpgOption& required();
+  KpgOption& type(const char* name);  // what the help calls its value
+  KpgOption& group(const char* heading);
+  KpgOption& between(size_t least, size_t most);
+  KpgOption& check(std::string (*problemOf)(const std::string& value));  // empty when there is none
+  KpgOption& excludes(const KpgOption& other);
+
+ private:
+  CLI::Option* option;
+};
+
+// A command. What its options are read into lives as long as what it runs, mostly by a std::shared_ptr there.
+class KpgCommand {
+ public:
+  explicit KpgCommand(CLI::App* c) : command(c) {}
+
+  // A name without a dash is a word of the command, a name with one an option.
+  KpgOption add(const char* name, std::string& into, const char* help);
+  KpgOption add(const char* name, std::optional<std::string>& into, const char* help);
+  KpgOption add(const char* name, std::vector<std::string>& into, const char* help);
+  KpgOption add(const char* name, size_t& into, const char* help);
+  KpgOption flag(const char* name, bool& into, const char* help);
+  // An option that may come often: `take` gets each value, in the order of the command line.
+  KpgOption each(const char* name, std::function<void(const std::string&)> take, const char* help);
+
+  void runs(std::function<void()> work);
+
+ private:
+  CLI::App* command;
+};
+
+class CommandLine {
+ public:
+  CommandLine(const char* name, const char* about);
+  ~CommandLine();
+
+  KpgCommand command(const char* name, const char* about);
+
+  // Parses, runs the command and prints what went wrong; returns the exit status, 0 or 1.
+  int run(int argc, char** argv);
+
+ private:
+  std::unique_ptr<CLI::App> app;
+};

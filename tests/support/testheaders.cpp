@@ -1,0 +1,1 @@
+// Empty on purpose: the target of the shared precompiled headers needs a file.
