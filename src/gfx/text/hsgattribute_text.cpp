@@ -21,10 +21,7 @@ constexpr uint16_t kPathFlags = hsGAttribute::kLinearText | hsGAttribute::kNoGri
 
 constexpr int32_t kFixedLengths[] = {4, int32_t(sizeof(hsGScalerRecord))};
 
-int32_t DescriptorSize() {
-  static const int32_t size = hsDescriptor::ComputeSize(2, kFixedLengths);
-  return size;
-}
+int32_t DescriptorSize() { return hsDescriptor::ComputeSize(2, kFixedLengths); }
 
 // An effect on its way into a descriptor; nil for none.
 struct EffectEntry {

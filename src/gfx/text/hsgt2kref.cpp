@@ -3,13 +3,9 @@
 #include <algorithm>
 
 #include "gfx/foundation/hsdebug.h"
+#include "gfx/foundation/hsglibrary.h"
 
 namespace {
-
-std::vector<hsGT2KRef*>& AllRefs() {
-  static auto* refs = new std::vector<hsGT2KRef*>;  // outlives whatever draws text on the way out
-  return *refs;
-}
 
 bool ReadFontBytes(void* id, uint8_t* destination, uint32_t position, uint32_t count) {
   auto* font = static_cast<hsGFontScaler*>(id);
@@ -30,18 +26,19 @@ hsGT2KRef::~hsGT2KRef() {
 }
 
 hsGT2KRef* hsGT2KRef::Find(hsGFontScaler* font, hsFixed sizeRatio, bool unicode) {
-  for (hsGT2KRef* ref : AllRefs()) {
+  std::vector<hsGT2KRef*>& refs = hsGLibrary::Current().fT2KRefs;
+  for (hsGT2KRef* ref : refs) {
     if (ref->fFont != font || ref->fSizeRatio != sizeRatio || ref->fUnicode != unicode) continue;
     ++ref->fRefCnt;
     return ref;
   }
-  AllRefs().push_back(new hsGT2KRef(font, sizeRatio, unicode));
-  return AllRefs().back();
+  refs.push_back(new hsGT2KRef(font, sizeRatio, unicode));
+  return refs.back();
 }
 
 void hsGT2KRef::UnRef() {
   if (--fRefCnt > 0) return;
-  const bool known = std::erase(AllRefs(), this) != 0;
+  const bool known = std::erase(hsGLibrary::Current().fT2KRefs, this) != 0;
   hsThrowIfFalse(hsAssert(known, "UnRefT2K failed"));
   delete this;
 }
