@@ -145,7 +145,7 @@ int displaySetColorTable(hsGColorTable* table) {
   if (theDevice->depth != 8) return 0;
   hsGBitmap bitmap;
   theDevice->GetBitmap(&bitmap);
-  if (bitmap.fColorTable == table) return 0;
+  if (bitmap.fColorTable.get() == table) return 0;
   bitmap.SetColorTable(table);
   theDevice->SetBitmap(&bitmap);
   return 1;
@@ -154,7 +154,7 @@ int displaySetColorTable(hsGColorTable* table) {
 hsGColorTable* displayColorTable() {
   hsGBitmap bitmap;
   theDevice->GetBitmap(&bitmap);
-  return bitmap.fColorTable;
+  return bitmap.fColorTable.get();
 }
 
 hsGRasterDevice* displayDevice() { return theDevice; }

@@ -9,6 +9,7 @@
 #include "engine/ascii.h"
 #include "engine/display.h"
 #include "engine/frame.h"
+#include "gfx/foundation/hsref.h"
 #include "gfx/pixel/hsgrasterdevice.h"
 #include "gfx/text/hsgfontregistry.h"
 #include "gfx/text/hsgscalercontextt2k.h"
@@ -188,7 +189,7 @@ uint32_t usableLength(uint32_t encoding, const char* text, uint32_t length) {
 
 // The same for a paint that may still have the strike of another encoding.
 uint32_t usableLength(hsGAttribute* paint, const char* text, uint32_t length) {
-  const hsGTextContextRef context(paint->GetTextContext(nullptr));
+  const auto context = hsAdopt(paint->GetTextContext(nullptr));
   return usableLength(context->Encoding(), text, length);
 }
 

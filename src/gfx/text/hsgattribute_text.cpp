@@ -82,7 +82,7 @@ hsDescriptor* hsGAttribute::MakeStrikeDesc(const hsMatrix* matrix, hsPoint* outA
 
   // Text drawn as paths has a path effect in its outlines and meets it again when they are drawn.
   const EffectEntry effects[] = {
-      {kRecord_PathEffect, fPathEffect}, {kRecord_Rasterizer, fRasterizer}, {kRecord_MaskFilter, fMaskFilter}};
+      {kRecord_PathEffect, PathEffect()}, {kRecord_Rasterizer, Rasterizer()}, {kRecord_MaskFilter, MaskFilter()}};
   std::vector<int32_t> lengths(std::begin(kFixedLengths), std::end(kFixedLengths));
   for (const EffectEntry& entry : effects)
     if (entry.effect) lengths.push_back(FlattenEffect(*entry.effect, nullptr));
@@ -127,7 +127,7 @@ hsGTextContext* hsGAttribute::GetTextContext(const hsMatrix* matrix) {
 }
 
 hsFixed hsGAttribute::MeasureText(uint32_t length, const void* text, hsPoint* outLeft, hsPoint* outRight) {
-  const hsGTextContextRef context(GetTextContext(nullptr));
+  const auto context = hsAdopt(GetTextContext(nullptr));
   context->GetMetrics(outLeft, outRight, nullptr);
   if (length == 0 || context->SetText(length, text) == 0) return 0;
   return context->GetPositions(nullptr, fTextSpacing.get())[context->Count()].fX;
@@ -135,7 +135,7 @@ hsFixed hsGAttribute::MeasureText(uint32_t length, const void* text, hsPoint* ou
 
 uint32_t hsGAttribute::GetTextWidths(uint32_t length, const void* text, hsFixed widths[]) {
   if (length == 0) return 0;
-  const hsGTextContextRef context(GetTextContext(nullptr));
+  const auto context = hsAdopt(GetTextContext(nullptr));
   return context->GetWidths(length, text, fTextSpacing.get(), widths, sizeof widths[0]);
 }
 
@@ -148,7 +148,7 @@ void hsGAttribute::GetUnderline(uint32_t length, const void* text, hsRect* rect)
 
 void hsGAttribute::GetTextPath(uint32_t length, const void* text, hsFixed limit, hsPath* path) {
   if (!hsAssert(length == 0 || text, "inconsistent text param") || length == 0) return;
-  const hsGTextContextRef context(GetTextContext(nullptr));
+  const auto context = hsAdopt(GetTextContext(nullptr));
   const uint32_t count = context->SetText(length, text);
   if (count == 0) return;
   hsGGlyph* glyphs;

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "gfx/foundation/hsdebug.h"
@@ -28,18 +29,18 @@ void Changed(hsGFontSet& set) {
   hsGGlyphCache::Shutdown();
 }
 
-uint32_t Append(hsGFontSet& set, hsGFontScaler* font) {
-  set.fFonts.push_back(font);
+uint32_t Append(hsGFontSet& set, hsRef<hsGFontScaler> font) {
+  set.fFonts.push_back(std::move(font));
   Changed(set);
-  return font->FontID();
+  return set.fFonts.back()->FontID();
 }
 
 uint32_t AddFile(hsGFontSet& set, const char* path, uint32_t format) {
-  return Append(set, new hsGFontFile(++set.fLastID, FormatOr(format), path));
+  return Append(set, hsMake<hsGFontFile>(++set.fLastID, FormatOr(format), path));
 }
 
 uint32_t AddMemory(hsGFontSet& set, uint32_t size, const void* data, bool owned, uint32_t format) {
-  return Append(set, new hsGFontMemory(++set.fLastID, FormatOr(format), size, data, owned));
+  return Append(set, hsMake<hsGFontMemory>(++set.fLastID, FormatOr(format), size, data, owned));
 }
 
 void ScanFolder(hsGFontSet& set) {
@@ -68,13 +69,13 @@ hsGFontSet& Loaded() {
 }
 
 hsGFontScaler* Find(const hsGFontSet& set, uint32_t id) {
-  for (hsGFontScaler* font : set.fFonts)
-    if (font->FontID() == id) return font;
+  for (const auto& font : set.fFonts)
+    if (font->FontID() == id) return font.get();
   return nullptr;
 }
 
 int32_t SearchName(const hsGFontSet& set, uint32_t nameKind, const char* name) {
-  for (hsGFontScaler* font : set.fFonts) {
+  for (const auto& font : set.fFonts) {
     font->Acquire();
     const bool matches = font->MatchName(nameKind, name);
     font->Release();
@@ -114,11 +115,10 @@ uint32_t hsGFontRegistry::RegisterMemory(uint32_t size, const void* data, bool o
 
 void hsGFontRegistry::UnregisterFont(uint32_t id) {
   hsGFontSet& set = Loaded();
-  hsGFontScaler* font = Find(set, id);
+  const auto font = hsShare(Find(set, id));
   if (!font) return;
-  std::erase(set.fFonts, font);
+  std::erase_if(set.fFonts, [&](const auto& other) { return other.get() == font.get(); });
   Changed(set);
-  font->UnRef();
 }
 
 void hsGFontRegistry::SetFontFiles(const hsGFontFileEntry* list, uint32_t count) {
@@ -136,11 +136,9 @@ void hsGFontRegistry::SetScanFolder(bool scan) { TheFonts().fScanFolder = scan; 
 
 void hsGFontRegistry::Reset() {
   hsGFontSet& set = TheFonts();
-  std::vector<hsGFontScaler*> fonts;
-  fonts.swap(set.fFonts);
+  const auto fonts = std::exchange(set.fFonts, {});  // they go last, after the strikes
   set.fLoaded = false;
   Changed(set);
-  for (hsGFontScaler* font : fonts) font->UnRef();
 }
 
 uint32_t hsGFontRegistry::FindFontID(uint32_t nameKind, const char* name) {
@@ -177,7 +175,7 @@ hsGFontScaler* hsGFontRegistry::GetFontByID(uint32_t id) {
   hsThrowIfBadParam(set.fFonts.empty());
   for (const char* const* name = set.fPreferred; name && *name; ++name)
     if (hsGFontScaler* font = Find(set, FindFontID(kFontName_Any, *name))) return font;
-  return set.fFonts.front();
+  return set.fFonts.front().get();
 }
 
 bool hsGFontRegistry::IsFontID(uint32_t id) { return Find(Loaded(), id) != nullptr; }
@@ -185,7 +183,7 @@ uint32_t hsGFontRegistry::FontCount() { return uint32_t(Loaded().fFonts.size());
 
 hsGFontScaler* hsGFontRegistry::FontAtIndex(uint32_t index) {
   hsGFontSet& set = Loaded();
-  return index < set.fFonts.size() ? set.fFonts[index] : nullptr;
+  return index < set.fFonts.size() ? set.fFonts[index].get() : nullptr;
 }
 
 void hsGFontRegistry::SetCharMapper(hsCharMapper mapper) { TheFonts().fMapper = mapper; }

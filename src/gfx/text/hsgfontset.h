@@ -8,7 +8,7 @@
 #include "gfx/text/hsgfontregistry.h"
 
 struct hsGFontSet {
-  std::vector<hsGFontScaler*> fFonts;  // each holds one reference
+  std::vector<hsRef<hsGFontScaler>> fFonts;
   // By kind: a name in lower case to the font's identifier, or to -1 for a name that no font has.
   std::map<std::string, int32_t> fNames[kFontNameKinds];
   uint32_t fLastID = 0;

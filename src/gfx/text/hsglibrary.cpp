@@ -16,7 +16,6 @@ hsGLibrary::hsGLibrary() : fFonts(std::make_unique<hsGFontSet>()) {}
 hsGLibrary::~hsGLibrary() {
   const hsGLibraryScope scope(*this);  // strikes give back their font engines to the library that is current
   hsGGlyphCache::Shutdown();
-  for (hsGFontScaler* font : fFonts->fFonts) font->UnRef();
 }
 
 hsGLibrary& hsGLibrary::Current() {
