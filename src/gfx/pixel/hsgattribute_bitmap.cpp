@@ -6,7 +6,7 @@
 #include "gfx/pixel/hsgbitmapshader.h"
 #include "gfx/pixel/hsgblitter_choose.h"
 #include "gfx/pixel/hsgmask.h"
-#include "gfx/pixel/hsgspriteblitter.h"
+#include "gfx/pixel/hsgsprite_choose.h"
 #include "gfx/pixel/texels.h"
 
 namespace {

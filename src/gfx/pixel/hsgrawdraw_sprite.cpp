@@ -4,7 +4,7 @@
 
 #include "gfx/foundation/hsdebug.h"
 #include "gfx/pixel/hsgrawdraw.h"
-#include "gfx/pixel/hsgspriteblitter.h"
+#include "gfx/pixel/hsgsprite_choose.h"
 #include "gfx/vector/hsregioniter.h"
 
 namespace {

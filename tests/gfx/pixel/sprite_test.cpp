@@ -3,7 +3,7 @@
 
 #include "gfx/halt.h"
 #include "gfx/pixel/hsgalphamode.h"
-#include "gfx/pixel/hsgspriteblitter.h"
+#include "gfx/pixel/hsgsprite_choose.h"
 #include "gfx/pixel/pixelmodel.h"
 
 namespace {

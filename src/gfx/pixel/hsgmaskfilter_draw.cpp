@@ -1,3 +1,4 @@
+// Paths drawn through a mask filter.
 #include "gfx/pixel/hsgmaskfilter.h"
 
 #include <cstring>
