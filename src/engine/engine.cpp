@@ -12,7 +12,7 @@ thread_local Engine* theEngine = nullptr;
 
 }  // namespace
 
-EngineScope::EngineScope(Engine& engine) : before(theEngine) { theEngine = &engine; }
+EngineScope::EngineScope(Engine& engine) : before(theEngine), library(engine.graphics) { theEngine = &engine; }
 
 EngineScope::~EngineScope() { theEngine = before; }
 

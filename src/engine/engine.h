@@ -22,6 +22,7 @@
 #include "engine/text/fonts.h"
 #include "engine/text/glyphwarming.h"
 #include "engine/text/textdraw.h"
+#include "gfx/foundation/hsglibrary.h"
 #include "host/host.h"
 
 class Engine {
@@ -54,6 +55,7 @@ class Engine {
   ClutShelf cluts;
   ImageCache images;
   FontShelf fonts;
+  hsGLibrary graphics;               // reads the fonts in place
   std::unique_ptr<DisplaySurface> display;  // null before the start
   TextPen textPen;
   GlyphWarming glyphWarming;
@@ -77,6 +79,7 @@ class EngineScope {
 
  private:
   Engine* const before;
+  hsGLibraryScope library;
 };
 
 // The engine that is current on this thread, or null.

@@ -9,7 +9,7 @@
 #include <array>
 
 #include "t2k/crossings.h"
-#include "t2k/t2ksc.h"
+#include "t2k/scanbitmap.h"
 
 // Pixels, right and top exclusive.
 struct PixelBox {

@@ -5,7 +5,7 @@
 
 #include "t2k/hintedges.h"
 #include "t2k/t1.h"
-#include "t2k/t2kscale.h"
+#include "t2k/unitscale.h"
 
 namespace {
 

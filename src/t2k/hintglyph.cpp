@@ -5,7 +5,7 @@
 #include "gfx/foundation/hsfixed.h"
 #include "t2k/hintedges.h"
 #include "t2k/hinter.h"
-#include "t2k/t2kscale.h"
+#include "t2k/unitscale.h"
 
 namespace {
 

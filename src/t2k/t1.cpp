@@ -6,6 +6,7 @@
 
 #include "gfx/foundation/hstrig.h"
 #include "t2k/t1text.h"
+#include "t2k/truetype.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #pragma once
 
 #include "gfx/foundation/hstypes.h"
-#include "t2k/truetype.h"
+#include "t2k/glyph.h"
 
 inline constexpr int kMaxStackValues = 32;
 inline constexpr int kMaxMasters = 16;
@@ -20,6 +20,8 @@ struct T1Program {
   const uint8_t* data;  // null if the font doesn't have it
   uint32_t length;
 };
+
+struct hmtxClass;
 
 struct T1Class {
   tsiMemObject* mem;

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "t2k/crossings.h"
-#include "t2k/t2ksc.h"
+#include "t2k/scanbitmap.h"
 
 // One bit a pixel, set in a bitmap that comes zeroed. A span that is narrower than a pixel and has coloured none is
 // kept by dropout control: it sets the pixel in its middle, rounded towards the centre of bounds, so that thin features

@@ -5,6 +5,7 @@
 #include "t2k/t2k.h"
 #include "t2k/t2ksc.h"
 #include "t2k/t2kscale.h"
+#include "t2k/unitscale.h"
 
 namespace {
 

@@ -1,8 +1,6 @@
 // A scaler's pixel sizes and the transformation that remains behind them, as one value that can be set and put back.
 #pragma once
 
-#include <bit>
-
 #include "gfx/foundation/hsfixed.h"
 #include "t2k/t2k.h"
 
@@ -26,29 +24,3 @@ void PrepareHinter(T2K* t);
 
 // Frees what the purge level says; for use inside the engine.
 void Purge(T2K* t, int level);
-
-// Scales lengths in font units by a whole number of pixels an em, to 26.6: half a unit in the font's own scale is
-// added and the quotient cut toward zero.
-class UnitScale {
- public:
-  UnitScale(int pixelsPerEm, int upem)
-      : factor_(int64_t{pixelsPerEm} * 64),
-        upem_(upem),
-        shift_(std::has_single_bit(unsigned(upem)) ? std::countr_zero(unsigned(upem)) : -1) {}
-
-  int32_t operator()(int32_t units) const {
-    const int64_t numerator = units * factor_ + upem_ / 2;
-    if (!hsFits32(numerator)) [[unlikely]]
-      return hsSaturate(numerator / upem_);
-    const auto small = int32_t(numerator);
-    if (shift_ < 0) return small / upem_;
-    return (small + ((small >> 31) & (upem_ - 1))) >> shift_;  // the same for the usual em of 2^shift units
-  }
-
- private:
-  int64_t factor_;
-  int32_t upem_;
-  int shift_;
-};
-
-inline int32_t ScaleUnits(int32_t units, int pixelsPerEm, int upem) { return UnitScale(pixelsPerEm, upem)(units); }

@@ -104,7 +104,7 @@ bool DisplaySurface::setColorTable(hsGColorTable* table) {
 hsGColorTable* DisplaySurface::activeColorTable() const {
   hsGBitmap target;
   device->GetBitmap(&target);
-  return target.fColorTable;
+  return target.fColorTable.get();
 }
 
 int displaySetDepth(int depth) { return currentDisplay().setDepth(depth); }

@@ -4,6 +4,7 @@
 #include "engine/text/stylepaint.h"
 #include "engine/text/textmeasure.h"
 #include "gfx/foundation/hsfixed.h"
+#include "gfx/foundation/hsref.h"
 #include "gfx/text/hsgtextcontext.h"
 
 namespace {
@@ -14,7 +15,7 @@ bool isFar(int32_t v) { return v > kFarthest || v < -kFarthest; }
 
 // By the encoding of the strike that the paint has, which may still be another style's.
 uint32_t drawableLength(hsGAttribute* paint, const char* text, uint32_t length) {
-  const hsGTextContextRef context(paint->GetTextContext(nullptr));
+  const auto context = hsAdopt(paint->GetTextContext(nullptr));
   return usableLength(context->Encoding(), text, length);
 }
 

@@ -13,7 +13,7 @@ class hsAppender::Guard {
   explicit Guard(const hsAppender* appender) : appender(appender), pending(std::uncaught_exceptions()) {
     appender->Validate();
   }
-  ~Guard() noexcept(false) {
+  ~Guard() {
     if (std::uncaught_exceptions() == pending) appender->Validate();
   }
 

@@ -12,7 +12,7 @@ class hsAppender {
  public:
   // elemSize in bytes; elemCount elements to a block. Both above 0.
   hsAppender(int32_t elemSize, int32_t elemCount) : fElemSize(elemSize), fElemCount(elemCount) {}
-  ~hsAppender() noexcept(false) { Reset(); }
+  ~hsAppender() { Reset(); }
   hsAppender(const hsAppender&) = delete;
   hsAppender& operator=(const hsAppender&) = delete;
 

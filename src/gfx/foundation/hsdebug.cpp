@@ -1,5 +1,6 @@
 #include "gfx/foundation/hsdebug.h"
 
+#include <atomic>
 #include <cstdarg>
 #include <cstdio>
 
@@ -9,22 +10,18 @@ constexpr int kAssertSize = 512;               // a longer text is cut
 constexpr int kReportSize = kAssertSize + 16;  // and its ": value"
 
 [[noreturn]] void LoopForEver() {
-  // A volatile read each turn: a loop without any effect may be taken for one that ends.
+  // A volatile read in each iteration: the compiler may assume that a loop without any effect ends.
   for (volatile bool forEver = true; forEver;) {
   }
   __builtin_unreachable();
 }
 
-hsHaltProc gHaltProc = LoopForEver;
-char gReport[kReportSize] = "";
+std::atomic<hsHaltProc> gHaltProc = LoopForEver;  // one for the process: a program says once how it stops
+thread_local char tReport[kReportSize] = "";      // each thread's own, so that two reports never mix
 
 }  // namespace
 
-hsHaltProc hsSetHaltProc(hsHaltProc proc) {
-  const hsHaltProc before = gHaltProc;
-  gHaltProc = proc ? proc : LoopForEver;
-  return before;
-}
+hsHaltProc hsSetHaltProc(hsHaltProc proc) { return gHaltProc.exchange(proc ? proc : LoopForEver); }
 
 void hsPrintStatus(const char* format, ...) {
   va_list arguments;
@@ -34,21 +31,21 @@ void hsPrintStatus(const char* format, ...) {
   std::fflush(stdout);
 }
 
-const char* hsReportText() { return gReport; }
+const char* hsReportText() { return tReport; }
 
 void hsHalt() {
-  gReport[0] = '\0';
-  gHaltProc();
+  tReport[0] = '\0';
+  gHaltProc.load()();
 }
 
 void hsStatusMessage(const char* message, int32_t value) {
-  std::snprintf(gReport, sizeof gReport, "%s: %ld", message, long{value});
-  hsPrintStatus("%s\n", gReport);
+  std::snprintf(tReport, sizeof tReport, "%s: %ld", message, long{value});
+  hsPrintStatus("%s\n", tReport);
 }
 
 void hsDebugMessage(const char* message, int32_t value) {
   hsStatusMessage(message, value);
-  gHaltProc();
+  gHaltProc.load()();
 }
 
 bool hsAssertFunc(int line, const char* file, const char* message) {

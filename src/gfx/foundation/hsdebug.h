@@ -7,17 +7,18 @@
 
 #include <cstdint>
 
-// Called after a report has been printed. The standing one loops for ever, so that the message is there to read and
-// the place is there for a debugger to find.
+// Called after a report has been printed, on the thread that reported. The default loops for ever, so that the message
+// is there to read and the place is there for a debugger to find.
 using hsHaltProc = void (*)();
 
-// Sets the halt function, nullptr for the standing one, and gives the one before.
+// Sets the halt function of the whole process, null for the default, and returns the one before. Any thread may call
+// it.
 hsHaltProc hsSetHaltProc(hsHaltProc proc);
 
 // Prints on standard output and flushes it. All that the system itself says there goes through here.
 [[gnu::format(printf, 1, 2)]] void hsPrintStatus(const char* format, ...);
 
-// The text of the latest report, for a halt function that shows it elsewhere too; "" before the first.
+// The text of the calling thread's latest report, for a halt function that shows it elsewhere too; "" before the first.
 const char* hsReportText();
 
 // Halts without a report of its own, for what has been told elsewhere; hsReportText is "" then.

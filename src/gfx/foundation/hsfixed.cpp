@@ -2,7 +2,6 @@
 
 #include "gfx/foundation/hsdebug.h"
 #include "gfx/foundation/hsmath.h"
-#include "gfx/foundation/hswide.h"
 
 namespace {
 
@@ -19,9 +18,9 @@ int32_t hsMathOverflow(int64_t value) {
   return hsSaturate(value);
 }
 
-hsFract hsFracDiv(int32_t a, int32_t b) { return hsWide().Set(a).ShiftLeft(30).Div(b).AsLong(); }
+hsFract hsFracDiv(int32_t a, int32_t b) { return hsAsLong(hsDivide64(int64_t{a} << 30, b)); }
 
-int32_t hsMulDiv(int32_t a, int32_t b, int32_t c) { return hsWide().Mul(a, b).Div(c).AsLong(); }
+int32_t hsMulDiv(int32_t a, int32_t b, int32_t c) { return hsAsLong(hsDivide64(int64_t{a} * b, c)); }
 
 int32_t hsMagnitude(int32_t x, int32_t y) { return hsAsLong(Length(x, y)); }
 

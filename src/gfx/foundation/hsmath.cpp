@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "gfx/foundation/hsdebug.h"
+
 namespace {
 
 // One digit of a cube root: root grows by a bit, rest is what remains of the three-bit groups taken so far.
@@ -15,6 +17,18 @@ inline void CubeStep(uint64_t& rest, uint64_t& root) {
 }
 
 }  // namespace
+
+int64_t hsDivide64(int64_t dividend, int32_t divisor) {
+  if (divisor == 0) {
+    hsDebugMessage(dividend < 0 ? "Math underflow" : "Math overflow", 0);
+    return dividend < 0 ? int64_t{-0x7FFFFFFF} * 0x100000000 : INT64_MAX;
+  }
+  const bool negative = (dividend < 0) != (divisor < 0);
+  const uint64_t magnitude = dividend < 0 ? 0 - uint64_t(dividend) : uint64_t(dividend);
+  const uint32_t by = hsMagnitude32(divisor);
+  const uint64_t quotient = (magnitude + (by >> 1)) / by;
+  return int64_t(negative ? 0 - quotient : quotient);
+}
 
 uint32_t hsSqrt64(uint64_t x) {
   // The processor's root is off by at most one either way once x passes 53 bits; the two loops make it exact.

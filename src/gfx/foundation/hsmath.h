@@ -1,9 +1,13 @@
-// Integer roots. All round down.
+// Integer roots, which all round down, and the 64-bit quotient that the wider divisions share.
 #pragma once
 
 #include <cstdint>
 
 #include "gfx/foundation/hstypes.h"
+
+// To nearest, halves away from zero. By zero it reports "Math overflow" or "Math underflow" and returns the largest
+// number of the dividend's sign.
+int64_t hsDivide64(int64_t dividend, int32_t divisor);
 
 uint32_t hsSqrt64(uint64_t x);
 uint32_t hsSqrt32(uint32_t x);

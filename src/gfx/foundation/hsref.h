@@ -5,6 +5,7 @@
 // only looked at.
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <utility>
 
@@ -17,6 +18,10 @@ class hsRef {
     if (fObject) fObject->Ref();
   }
   hsRef(hsRef&& other) noexcept : fObject(other.release()) {}
+  // Of a derived class.
+  template <typename U>
+  requires std::convertible_to<U*, T*> hsRef(hsRef<U> other)
+  noexcept : fObject(other.release()) {}
   // Gives up the old reference last, so that an object may be assigned to the pointer that keeps it alive.
   hsRef& operator=(hsRef other) noexcept {
     std::swap(fObject, other.fObject);

@@ -2,7 +2,7 @@
 
 #include "gfx/foundation/hsdebug.h"
 
-hsRefCnt::~hsRefCnt() noexcept(false) {
+hsRefCnt::~hsRefCnt() {
   const bool last = fRefCnt == 1;
   fRefCnt = 0;
   hsAssert(last, "fRefCnt != 1");

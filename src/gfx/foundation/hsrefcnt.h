@@ -6,14 +6,16 @@
 
 #include <cstdint>
 
+#include "gfx/foundation/hsref.h"
+
 class hsRefCnt {
  public:
   hsRefCnt() = default;
   // A copy is an object of its own, with its own first reference.
   hsRefCnt(const hsRefCnt&) {}
   hsRefCnt& operator=(const hsRefCnt&) { return *this; }
-  // Reports "fRefCnt != 1"; the report may throw.
-  virtual ~hsRefCnt() noexcept(false);
+  // Reports "fRefCnt != 1".
+  virtual ~hsRefCnt();
 
   int32_t RefCount() const { return fRefCnt; }
   void Ref() const { ++fRefCnt; }
@@ -23,11 +25,3 @@ class hsRefCnt {
  private:
   mutable int32_t fRefCnt = 1;
 };
-
-// field = value for a counted pointer: takes the new reference before it gives up the old one, either may be nil.
-template <typename T>
-void hsRefAssign(T*& field, T* value) {
-  if (value) value->Ref();
-  if (field) field->UnRef();
-  field = value;
-}

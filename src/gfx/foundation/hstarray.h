@@ -89,9 +89,9 @@ class hsTArray {
 
  private:
   bool Has(int32_t index) const { return hsAssert(uint32_t(index) < uint32_t(fCount), "bad index"); }
-  static T& Spare() {
-    static T spare;
-    return spare = T{};
+  T& Spare() const {
+    fSpare = std::make_unique<T>();
+    return *fSpare;
   }
   void Grow(int32_t count) {
     const int64_t needed = int64_t{fCount} + count;
@@ -110,6 +110,7 @@ class hsTArray {
   }
 
   std::unique_ptr<T[]> fArray;
-  int32_t fCount = 0;     // elements held
-  int32_t fCapacity = 0;  // elements that there is room for
+  int32_t fCount = 0;                 // elements held
+  int32_t fCapacity = 0;              // elements that there is space for
+  mutable std::unique_ptr<T> fSpare;  // null until a bad index was reported
 };

@@ -2,7 +2,6 @@
 
 #include <bit>
 
-#include "gfx/foundation/hsdebug.h"
 #include "gfx/foundation/hsmath.h"
 
 hsWide& hsWide::Mul(int32_t value) {
@@ -13,15 +12,7 @@ hsWide& hsWide::Mul(int32_t value) {
   return PutSigned(product, negative);
 }
 
-hsWide& hsWide::Div(int32_t value) {
-  if (value == 0) {
-    hsDebugMessage(fHi < 0 ? "Math underflow" : "Math overflow", 0);
-    return *this = fHi < 0 ? kNegInfinity64 : kPosInfinity64;
-  }
-  const bool negative = (fHi ^ value) < 0;
-  const uint32_t divisor = hsMagnitude32(value);
-  return PutSigned((Magnitude() + (divisor >> 1)) / divisor, negative);
-}
+hsWide& hsWide::Div(int32_t value) { return Put(hsDivide64(Value(), value)); }
 
 hsWide& hsWide::Div(const hsWide& divisor) {
   int shift = 0;

@@ -52,20 +52,13 @@ void Drop(hsDescriptor*& desc) {
 hsGAttribute::hsGAttribute(uint32_t flags) : fFlags(flags) {}
 
 hsGAttribute::~hsGAttribute() {
-  SetShader(nullptr);
-  SetXferMode(nullptr);
-  SetMaskFilter(nullptr);
-  SetPathEffect(nullptr);
-  SetRasterizer(nullptr);
-  SetLayerFilter(nullptr);
-  DropBlitter();
   Drop(fStrikeDesc);
   Drop(fSimpleDesc);
 }
 
 void hsGAttribute::CopyFrom(const hsGAttribute& other) {
   if (this == &other) return;
-  DropBlitter();
+  fCachedBlitter.reset();
   Drop(fStrikeDesc);
   Drop(fSimpleDesc);
   fFlags = other.fFlags;
@@ -83,17 +76,15 @@ void hsGAttribute::CopyFrom(const hsGAttribute& other) {
   fSimpleDirty = true;
   SetTextFace(other.fTextFace.get());
   SetTextSpacing(other.fTextSpacing.get());
-  SetShader(other.fShader);
-  SetXferMode(other.fXferMode);
-  SetMaskFilter(other.fMaskFilter);
-  SetPathEffect(other.fPathEffect);
-  SetRasterizer(other.fRasterizer);
-  SetLayerFilter(other.fLayerFilter);
+  SetShader(other.Shader());
+  SetXferMode(other.XferMode());
+  SetMaskFilter(other.MaskFilter());
+  SetPathEffect(other.PathEffect());
+  SetRasterizer(other.Rasterizer());
+  SetLayerFilter(other.LayerFilter());
 }
 
 void hsGAttribute::DropStrike() { Drop(fStrikeDesc); }
-
-void hsGAttribute::DropBlitter() { hsRefAssign<hsGBlitter>(fCachedBlitter, nullptr); }
 
 void hsGAttribute::SetFlags(uint32_t flags) {
   if (flags == fFlags || Refuse(flags & kRefusedFlags, "bad flags", int32_t(flags))) return;
@@ -190,41 +181,40 @@ void hsGAttribute::SetTextSpacing(const hsGTextSpacing* spacing) {
 }
 
 void hsGAttribute::SetShader(hsGShader* shader) {
-  hsRefAssign(fShader, shader);
-  DropBlitter();
+  fShader = hsShare(shader);
+  fCachedBlitter.reset();
 }
 
 void hsGAttribute::SetXferMode(hsGXferMode* mode) {
-  hsRefAssign(fXferMode, mode);
-  DropBlitter();
+  fXferMode = hsShare(mode);
+  fCachedBlitter.reset();
 }
 
 void hsGAttribute::SetMaskFilter(hsGMaskFilter* filter) {
-  hsRefAssign(fMaskFilter, filter);
+  fMaskFilter = hsShare(filter);
   DropStrike();
 }
 
 void hsGAttribute::SetPathEffect(hsGPathEffect* effect) {
-  hsRefAssign(fPathEffect, effect);
+  fPathEffect = hsShare(effect);
   DropStrike();
 }
 
 void hsGAttribute::SetRasterizer(hsGRasterizer* rasterizer) {
-  hsRefAssign(fRasterizer, rasterizer);
+  fRasterizer = hsShare(rasterizer);
   DropStrike();
 }
 
 void hsGAttribute::SetLayerFilter(hsGLayerFilter* filter) {
-  hsRefAssign(fLayerFilter, filter);
+  fLayerFilter = hsShare(filter);
   DropStrike();
 }
 
 hsGBlitter* hsGAttribute::GetBlitter(const hsGBitmap& bitmap, int32_t maskType, const hsMatrix& matrix) {
   if (fShader) fShader->SetContext(bitmap, *this, matrix);
   if (!fCachedBlitter || !fCachedBlitter->Reuse(bitmap, *this, maskType)) {
-    DropBlitter();
-    fCachedBlitter = hsGBlitter::Choose(bitmap, *this, maskType);
+    fCachedBlitter.reset();
+    fCachedBlitter = hsAdopt(hsGBlitter::Choose(bitmap, *this, maskType));
   }
-  fCachedBlitter->Ref();
-  return fCachedBlitter;
+  return hsShare(fCachedBlitter.get()).release();
 }

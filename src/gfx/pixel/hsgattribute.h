@@ -98,17 +98,17 @@ class hsGAttribute : public hsRefCnt {
   bool GetTextSpacing(hsGTextSpacing* out) const;
   void SetTextSpacing(const hsGTextSpacing* spacing);
 
-  hsGShader* Shader() const { return fShader; }
+  hsGShader* Shader() const { return fShader.get(); }
   void SetShader(hsGShader* shader);
-  hsGXferMode* XferMode() const { return fXferMode; }
+  hsGXferMode* XferMode() const { return fXferMode.get(); }
   void SetXferMode(hsGXferMode* mode);
-  hsGMaskFilter* MaskFilter() const { return fMaskFilter; }
+  hsGMaskFilter* MaskFilter() const { return fMaskFilter.get(); }
   void SetMaskFilter(hsGMaskFilter* filter);
-  hsGPathEffect* PathEffect() const { return fPathEffect; }
+  hsGPathEffect* PathEffect() const { return fPathEffect.get(); }
   void SetPathEffect(hsGPathEffect* effect);
-  hsGRasterizer* Rasterizer() const { return fRasterizer; }
+  hsGRasterizer* Rasterizer() const { return fRasterizer.get(); }
   void SetRasterizer(hsGRasterizer* rasterizer);
-  hsGLayerFilter* LayerFilter() const { return fLayerFilter; }
+  hsGLayerFilter* LayerFilter() const { return fLayerFilter.get(); }
   void SetLayerFilter(hsGLayerFilter* filter);
 
   // Text of length bytes in the paint's encoding. An encoding alone that changes keeps the strike of the text before.
@@ -142,7 +142,6 @@ class hsGAttribute : public hsRefCnt {
 
  private:
   void DropStrike();  // the descriptor of the full text state
-  void DropBlitter();
   hsGScalerRecord PlainRecord();
 
   uint32_t fFlags;
@@ -159,14 +158,14 @@ class hsGAttribute : public hsRefCnt {
   std::unique_ptr<hsGTextFace> fTextFace;
   std::unique_ptr<hsGTextSpacing> fTextSpacing;
 
-  hsGShader* fShader = nullptr;
-  hsGXferMode* fXferMode = nullptr;
-  hsGMaskFilter* fMaskFilter = nullptr;
-  hsGPathEffect* fPathEffect = nullptr;
-  hsGRasterizer* fRasterizer = nullptr;
-  hsGLayerFilter* fLayerFilter = nullptr;
+  hsRef<hsGShader> fShader;
+  hsRef<hsGXferMode> fXferMode;
+  hsRef<hsGMaskFilter> fMaskFilter;
+  hsRef<hsGPathEffect> fPathEffect;
+  hsRef<hsGRasterizer> fRasterizer;
+  hsRef<hsGLayerFilter> fLayerFilter;
 
-  hsGBlitter* fCachedBlitter = nullptr;
+  hsRef<hsGBlitter> fCachedBlitter;
   uint32_t fResolvedFontID = 0;
   hsDescriptor* fStrikeDesc = nullptr;  // for fStrikeMatrix
   hsMatrix fStrikeMatrix;

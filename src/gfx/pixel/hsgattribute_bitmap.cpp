@@ -6,7 +6,7 @@
 #include "gfx/pixel/hsgbitmapshader.h"
 #include "gfx/pixel/hsgblitter_choose.h"
 #include "gfx/pixel/hsgmask.h"
-#include "gfx/pixel/hsgspriteblitter.h"
+#include "gfx/pixel/hsgsprite_choose.h"
 #include "gfx/pixel/texels.h"
 
 namespace {
@@ -15,12 +15,10 @@ namespace {
 template <class Choose>
 hsGBlitter* ThroughShader(const hsGBitmap& device, const hsGAttribute& attr, const hsMatrix& matrix,
                           const hsGBitmap& source, int32_t maskType, Choose&& choose) {
-  hsGShader* shader = hsGBitmapShader::Create(source, attr, matrix, hsGBitmapShader::kTile_Clamp);
+  const auto shader = hsAdopt(hsGBitmapShader::Create(source, attr, matrix, hsGBitmapShader::kTile_Clamp));
   if (!shader) return new hsGNullBlitter;
   shader->SetContext(device, attr, matrix);
-  hsGBlitter* blitter = choose(device, attr, shader, maskType);
-  shader->UnRef();
-  return blitter;
+  return choose(device, attr, shader.get(), maskType);
 }
 
 hsGBlitter* Choose16(const hsGBitmap& device, const hsGAttribute& attr, const hsMatrix& inverse,
@@ -45,7 +43,7 @@ hsGBlitter* ChooseIndex8Blitter(const hsGBitmap* device, const hsGAttribute* att
 
   const bool indices = source->fConfig == hsGBitmap::kConfig_Index8 && attr->Color().fA >> 8 == 0xFF &&
                        !(attr->Flags() & hsGAttribute::kFilterBitmaps) &&
-                       hsGColorTable::Equal(device->fColorTable, source->fColorTable);
+                       hsGColorTable::Equal(device->fColorTable.get(), source->fColorTable.get());
   if (indices) {
     hsMatrix inverse;
     if (!matrix->Invert(&inverse) || !hsTexels::CanRead(*source, 8)) return new hsGNullBlitter;
@@ -58,7 +56,7 @@ hsGBlitter* hsGAttribute::GetBitmapBlitter(const hsGBitmap& bitmap, int32_t mask
                                            const hsMatrix& matrix) {
   if (matrix.GetType() <= hsMatrix::kTranslateType) {
     const int32_t left = hsFixedRound(matrix.fMap[0][2]), top = hsFixedRound(matrix.fMap[1][2]);
-    return ChooseSpriteBlitter(bitmap, source, left, top, fColor, fXferMode);
+    return ChooseSpriteBlitter(bitmap, source, left, top, fColor, XferMode());
   }
   if (bitmap.fPixelSize == 8) return ChooseIndex8Blitter(&bitmap, this, &matrix, &source);
   hsMatrix inverse;
@@ -74,5 +72,5 @@ hsGBlitter* hsGAttribute::GetBitmapBlitter(const hsGBitmap& bitmap, int32_t mask
     return Choose16(bitmap, *this, inverse, source);
   }
   if (!hsAssert(bitmap.fPixelSize == 16, "unsupported dst pixelsize") || !reads) return new hsGNullBlitter;
-  return new hsGBitmapBlitterXfer16(bitmap, source, inverse, fXferMode);
+  return new hsGBitmapBlitterXfer16(bitmap, source, inverse, XferMode());
 }

@@ -13,20 +13,17 @@ namespace {
 
 constexpr int32_t kNumberBytes = 4;
 
-// The effect made anew for the size, or itself, with a reference, when it can't be or needn't.
+// The effect made anew for the size, or itself when it can't be or needn't.
 template <class Effect>
-Effect* Rebuilt(Effect* effect, int32_t size) {
+hsRef<Effect> Rebuilt(Effect* effect, int32_t size) {
   if (!effect) return nullptr;
-  effect->Ref();
   const hsGCreateProc create = hsGFindCreateProc(effect->GetCreateProc());
-  if (!create || effect->StdSize() == size) return effect;
+  if (!create || effect->StdSize() == size) return hsShare(effect);
   std::vector<char> bytes(size_t(hsGAttribute::FlattenEffect(*effect, nullptr)));
   hsGAttribute::FlattenEffect(*effect, bytes.data());
   const void* cursor = bytes.data() + kNumberBytes;
   auto* rebuilt = dynamic_cast<Effect*>(create(&cursor, size));
-  if (!rebuilt) return effect;
-  effect->UnRef();
-  return rebuilt;
+  return rebuilt ? hsAdopt(rebuilt) : hsShare(effect);
 }
 
 }  // namespace
@@ -46,13 +43,9 @@ hsGAttribute* hsGAttribute::MakeCopyForScale(int32_t size) const {
   if (size < 1) size = fTextSize;
   auto* copy = new hsGAttribute;
   copy->CopyFrom(*this);
-  const auto replace = [&](auto* effect, auto set) {
-    auto* rebuilt = Rebuilt(effect, size);
-    (copy->*set)(rebuilt);
-    if (rebuilt) rebuilt->UnRef();
-  };
-  replace(fPathEffect, &hsGAttribute::SetPathEffect);
-  replace(fRasterizer, &hsGAttribute::SetRasterizer);
-  replace(fMaskFilter, &hsGAttribute::SetMaskFilter);
+  const auto replace = [&](auto* effect, auto set) { (copy->*set)(Rebuilt(effect, size).get()); };
+  replace(PathEffect(), &hsGAttribute::SetPathEffect);
+  replace(Rasterizer(), &hsGAttribute::SetRasterizer);
+  replace(MaskFilter(), &hsGAttribute::SetMaskFilter);
   return copy;
 }

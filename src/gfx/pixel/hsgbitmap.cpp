@@ -7,25 +7,6 @@
 
 hsGBitmap::hsGBitmap(uint8_t config) : fConfig(config), fPixelSize(PixelSize(config)) {}
 
-hsGBitmap::hsGBitmap(const hsGBitmap& other) : hsGBitmap() { *this = other; }
-
-hsGBitmap& hsGBitmap::operator=(const hsGBitmap& other) {
-  if (this == &other) return *this;
-  fOwnerWord = other.fOwnerWord;
-  fImage = other.fImage;
-  fWidth = other.fWidth;
-  fHeight = other.fHeight;
-  fRowBytes = other.fRowBytes;
-  fFlags = other.fFlags;
-  fConfig = other.fConfig;
-  fPixelSize = other.fPixelSize;
-  fTransparentIndex = other.fTransparentIndex;
-  SetColorTable(other.fColorTable);
-  return *this;
-}
-
-hsGBitmap::~hsGBitmap() { SetColorTable(nullptr); }
-
 uint8_t hsGBitmap::PixelSize(uint8_t config) {
   switch (config) {
     case kConfig_None: return 0;
@@ -42,7 +23,7 @@ uint8_t hsGBitmap::PixelSize(uint8_t config) {
 void hsGBitmap::SetConfig(uint8_t config) {
   fPixelSize = PixelSize(config);
   fConfig = config;
-  if (config != kConfig_Index8) SetColorTable(nullptr);
+  if (config != kConfig_Index8) fColorTable.reset();
 }
 
 void* hsGBitmap::CheckedAddr(uint8_t pixelSize, uint32_t x, uint32_t y) const {

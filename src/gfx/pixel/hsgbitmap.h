@@ -19,16 +19,13 @@ class hsGBitmap {
   enum Flags : uint8_t { kHasTransparent = 4 };  // bits 1 and 2 are a field phase that nothing acts on
 
   explicit hsGBitmap(uint8_t config = kConfig_None);
-  hsGBitmap(const hsGBitmap& other);
-  hsGBitmap& operator=(const hsGBitmap& other);
-  ~hsGBitmap();
 
   // Bits a pixel; another config throws error 4, and is 0.
   static uint8_t PixelSize(uint8_t config);
 
   void SetConfig(uint8_t config);  // one without a palette drops the colour table
   void SetFlags(uint8_t flags) { fFlags = flags & 7; }
-  void SetColorTable(hsGColorTable* table) { hsRefAssign(fColorTable, table); }
+  void SetColorTable(hsGColorTable* table) { fColorTable = hsShare(table); }
 
   // Fills all pixels. 16-bit, Index8 (the nearest index, "need colortable") and Alpha8 only: any other reports "unknown
   // config" and throws.
@@ -61,7 +58,7 @@ class hsGBitmap {
   uint8_t fConfig;
   uint8_t fPixelSize;             // bits
   uint8_t fTransparentIndex = 0;  // not drawn, with kHasTransparent
-  hsGColorTable* fColorTable = nullptr;
+  hsRef<hsGColorTable> fColorTable;
 
  private:
   void* CheckedAddr(uint8_t pixelSize, uint32_t x, uint32_t y) const;

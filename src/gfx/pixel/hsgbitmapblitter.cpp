@@ -10,7 +10,7 @@ hsGIndex8Affine::hsGIndex8Affine(const hsGBitmap& device, const hsGBitmap& sourc
     : hsGDeviceBlitter(device), fSource(source), fInverse(inverse) {
   (void)hsAssert(device.fConfig == hsGBitmap::kConfig_Index8, "bad dst bitmap");
   (void)hsAssert(source.fConfig == hsGBitmap::kConfig_Index8, "bad src bitmap");
-  (void)hsAssert(hsGColorTable::Equal(device.fColorTable, source.fColorTable), "colortables don't match");
+  (void)hsAssert(hsGColorTable::Equal(device.fColorTable.get(), source.fColorTable.get()), "colortables don't match");
   (void)hsAssert(!(inverse.GetType() & hsMatrix::kPerspectiveType), "bad matrix");
 }
 
@@ -88,12 +88,9 @@ void hsGBitmapBlitterPersp16::BlitH(int32_t y, int32_t x, int32_t width) {
 
 hsGBitmapBlitterXfer16::hsGBitmapBlitterXfer16(const hsGBitmap& device, const hsGBitmap& source,
                                                const hsMatrix& inverse, hsGXferMode* mode)
-    : hsGBitmapBlitter16(device, source, inverse, 256), fXfer(mode) {
-  fXfer->Ref();
+    : hsGBitmapBlitter16(device, source, inverse, 256), fXfer(hsShare(mode)) {
   fXfer->SetOpaque(source.fConfig != hsGBitmap::kConfig_ARGB32);
 }
-
-hsGBitmapBlitterXfer16::~hsGBitmapBlitterXfer16() { fXfer->UnRef(); }
 
 void hsGBitmapBlitterXfer16::BlitH(int32_t y, int32_t x, int32_t width) {
   const hsTexels32 texels(fSource);

@@ -75,11 +75,10 @@ class hsGBitmapBlitterPersp16 : public hsGBitmapBlitter16 {
 class hsGBitmapBlitterXfer16 : public hsGBitmapBlitter16 {
  public:
   hsGBitmapBlitterXfer16(const hsGBitmap& device, const hsGBitmap& source, const hsMatrix& inverse, hsGXferMode* mode);
-  ~hsGBitmapBlitterXfer16() override;
   void BlitH(int32_t y, int32_t x, int32_t width) override;
 
  private:
-  hsGXferMode* fXfer;
+  hsRef<hsGXferMode> fXfer;
 };
 
 // The blitter that draws source on a palette device under a matrix: by indices if it can be, otherwise through a bitmap

@@ -48,14 +48,11 @@ struct WideColor {
 };
 
 // What is left of a 5-bit channel (in bits 9-5 of the index) under a coverage of 0 to 31.
-const std::array<uint8_t, 1024>& DarkenTable() {
-  static const std::array<uint8_t, 1024> table = [] {
-    std::array<uint8_t, 1024> t{};
-    for (uint32_t i = 0; i < 1024; ++i) t[i] = uint8_t(((i >> 5) * (32 - (i & 31))) >> 5);
-    return t;
-  }();
-  return table;
-}
+constexpr std::array<uint8_t, 1024> kDarkened = [] {
+  std::array<uint8_t, 1024> t{};
+  for (uint32_t i = 0; i < 1024; ++i) t[i] = uint8_t(((i >> 5) * (32 - (i & 31))) >> 5);
+  return t;
+}();
 
 }  // namespace
 
@@ -165,10 +162,9 @@ void hsGColorBlitter16::BlitCoverage(const hsGMask& mask, const hsRegion* clip) 
 }
 
 void hsGColorBlitter16::BlitLCDMask(const hsGMask& mask, const hsRegion* clip, int32_t lcdOffset) {
-  const auto& table = DarkenTable();
   // Only the low five bits of red take part.
   hsBlitLCD<uint16_t>(fDevice, mask, clip, lcdOffset, [&](uint32_t d, uint32_t c0, uint32_t c1, uint32_t c2) {
-    return hsPack16(table[(d >> 5 & 0x3E0) | c0], table[(d & 0x3E0) | c1], table[(d << 5 & 0x3E0) | c2]);
+    return hsPack16(kDarkened[(d >> 5 & 0x3E0) | c0], kDarkened[(d & 0x3E0) | c1], kDarkened[(d << 5 & 0x3E0) | c2]);
   });
 }
 

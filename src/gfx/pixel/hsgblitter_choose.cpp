@@ -35,7 +35,7 @@ hsGBlitter* hsChooseBlitter16(const hsGBitmap& bitmap, const hsGAttribute& attr,
 
 hsGBlitter* hsChooseBlitter8(const hsGBitmap& bitmap, const hsGAttribute& attr, hsGShader* shader, int32_t maskType) {
   hsThrowIfNilParam(hsAssert(bitmap.fPixelSize == 8, "expected device depth 8") ? &bitmap : nullptr);
-  hsThrowIfNilParam(hsAssert(bitmap.fColorTable, "need color table") ? bitmap.fColorTable : nullptr);
+  hsThrowIfNilParam(hsAssert(bitmap.fColorTable, "need color table") ? &bitmap : nullptr);
   if (shader || attr.XferMode() || maskType == kMask_3D) return new hsGShaderBlitter8(bitmap, attr, shader, maskType);
   if (maskType != kMask_Bit) return new hsGColorBlitter8(bitmap, hsPaletteColor(bitmap, attr));
   const int32_t index = attr.ColorIndex();

@@ -5,12 +5,9 @@
 #include "gfx/foundation/hsdebug.h"
 
 hsGEmbossShader::hsGEmbossShader(const hsGMask& mask, hsGShader* shader, hsGColor32 color)
-    : fMask(mask), fShader(shader), fColor(color) {
+    : fMask(mask), fShader(hsShare(shader)), fColor(color) {
   (void)hsAssert(mask.fMaskType == kMask_3D, "bad masktype");
-  if (shader) shader->Ref();
 }
-
-hsGEmbossShader::~hsGEmbossShader() { hsRefAssign<hsGShader>(fShader, nullptr); }
 
 void hsGEmbossShader::ShadeRow(int32_t y, int32_t x, int32_t count, hsGColor32 colors[]) {
   const hsIntRect& bounds = fMask.fBounds;

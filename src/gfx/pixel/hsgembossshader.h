@@ -9,12 +9,11 @@ class hsGEmbossShader : public hsGShader {
   // The mask must outlive the shader; it is one of three planes ("bad masktype"). Colours come from `shader`, or are
   // all `color`, premultiplied.
   hsGEmbossShader(const hsGMask& mask, hsGShader* shader, hsGColor32 color);
-  ~hsGEmbossShader() override;
 
   void ShadeRow(int32_t y, int32_t x, int32_t count, hsGColor32 colors[]) override;
 
  private:
   const hsGMask& fMask;
-  hsGShader* fShader;
+  hsRef<hsGShader> fShader;
   hsGColor32 fColor;
 };

@@ -19,13 +19,10 @@ hsGBitmap Describe32(uint32_t width, uint32_t height, std::vector<hsGColor32>* p
 
 hsGLayer::hsGLayer(const hsIntRect& rect, hsGDeviceState* savedState, hsGAttribute* attr)
     : fSavedState(savedState),
+      fAttr(hsShare(attr)),
       fBitmap(Describe32(uint32_t(rect.Width()), uint32_t(rect.Height()), &fPixels)),
       fX(rect.fLeft),
-      fY(rect.fTop) {
-  hsRefAssign(fAttr, attr);
-}
-
-hsGLayer::~hsGLayer() { hsRefAssign<hsGAttribute>(fAttr, nullptr); }
+      fY(rect.fTop) {}
 
 void hsGLayer::Pop(hsGLayer** top) {
   hsGLayer* layer = *top;

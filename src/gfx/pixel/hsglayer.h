@@ -11,7 +11,6 @@
 struct hsGLayer {
   // Pixels, 32 bits with alpha, for the device rectangle. attr may be nil.
   hsGLayer(const hsIntRect& rect, hsGDeviceState* savedState, hsGAttribute* attr);
-  ~hsGLayer();
   hsGLayer(const hsGLayer&) = delete;
   hsGLayer& operator=(const hsGLayer&) = delete;
 
@@ -23,7 +22,7 @@ struct hsGLayer {
   std::vector<hsGColor32> fPixels;  // of fBitmap
   hsGLayer* fNext = nullptr;
   hsGDeviceState* fSavedState;  // on top of the device's stack when the layer opened
-  hsGAttribute* fAttr = nullptr;
+  hsRef<hsGAttribute> fAttr;
   hsGBitmap fBitmap;
   int32_t fX, fY;  // device position
 };

@@ -11,19 +11,19 @@ constexpr hsFixed kFilled = -kFixed1;  // in place of a stroke's width
 }  // namespace
 
 hsGPathEffectApplier::hsGPathEffectApplier(const hsMatrix* matrix, hsGAttribute* attr)
-    : fMatrix(matrix), fAttr(attr), fEffect(attr->PathEffect()), fFlags(attr->Flags()), fFrameSize(attr->FrameSize()) {
+    : fMatrix(matrix),
+      fAttr(hsShare(attr)),
+      fEffect(hsShare(attr->PathEffect())),
+      fFlags(attr->Flags()),
+      fFrameSize(attr->FrameSize()) {
   (void)hsAssert(fEffect, "nil effect");
-  fAttr->Ref();
-  if (fEffect) fEffect->Ref();
   fAttr->SetPathEffect(nullptr);
 }
 
 hsGPathEffectApplier::~hsGPathEffectApplier() {
-  fAttr->SetPathEffect(fEffect);
+  fAttr->SetPathEffect(fEffect.get());
   fAttr->SetFlags(fFlags);
   fAttr->SetFrameSize(fFrameSize);
-  if (fEffect) fEffect->UnRef();
-  fAttr->UnRef();
 }
 
 bool hsGPathEffectApplier::Apply(const hsPath& path) {

@@ -2,6 +2,7 @@
 // again, and sets the paint up for the path that the effect gives.
 #pragma once
 
+#include "gfx/foundation/hsref.h"
 #include "gfx/vector/hspath.h"
 
 class hsGAttribute;
@@ -24,8 +25,8 @@ class hsGPathEffectApplier {
 
  private:
   const hsMatrix* fMatrix;
-  hsGAttribute* fAttr;
-  hsGPathEffect* fEffect;
+  hsRef<hsGAttribute> fAttr;
+  hsRef<hsGPathEffect> fEffect;
   uint32_t fFlags;
   hsFixed fFrameSize;
   hsPath fPath;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "gfx/foundation/hsdebug.h"
 #include "gfx/foundation/hsmemory.h"
@@ -18,14 +19,15 @@ class LayerScope {
   LayerScope(hsGDevice* device, hsGAttribute* attr) : fDevice(attr->LayerFilter() ? device : nullptr), fAttr(attr) {
     if (!fDevice) return;
     fDevice->SaveLayer(nullptr, attr);
-    hsRefAssign(fMode, attr->XferMode());
+    fMode = hsShare(attr->XferMode());
     attr->SetXferMode(nullptr);
   }
-  ~LayerScope() noexcept(false) {
+  ~LayerScope() { Close(); }
+  // Draws the layer back, which may throw; left to the destructor only when the draw itself has thrown.
+  void Close() {
     if (!fDevice) return;
-    fAttr->SetXferMode(fMode);
-    hsRefAssign<hsGXferMode>(fMode, nullptr);
-    fDevice->Restore();
+    fAttr->SetXferMode(fMode.get());
+    std::exchange(fDevice, nullptr)->Restore();
   }
   LayerScope(const LayerScope&) = delete;
   LayerScope& operator=(const LayerScope&) = delete;
@@ -33,7 +35,7 @@ class LayerScope {
  private:
   hsGDevice* fDevice;
   hsGAttribute* fAttr;
-  hsGXferMode* fMode = nullptr;
+  hsRef<hsGXferMode> fMode;
 };
 
 uint32_t CheckedSize(uint64_t size) {
@@ -60,8 +62,6 @@ hsGRasterDevice::hsGRasterDevice() : hsGDevice(true) {
 }
 
 hsGRasterDevice::~hsGRasterDevice() {
-  SetBounder(nullptr);
-  SetCursor(nullptr);
   while (fLayers) hsGLayer::Pop(&fLayers);
   FreePixels();
 }
@@ -103,7 +103,10 @@ void hsGRasterDevice::ConcatMatrix(const hsMatrix& matrix) {
   fMatrixDirty = true;
 }
 
-void hsGRasterDevice::SetBounder(hsGBounder* bounder) { hsRefAssign(fDraw.fBounder, bounder); }
+void hsGRasterDevice::SetBounder(hsGBounder* bounder) {
+  fBounder = hsShare(bounder);
+  fDraw.fBounder = bounder;
+}
 
 void hsGRasterDevice::SetOrigin(int32_t x, int32_t y) {
   fOriginX = x;
@@ -144,10 +147,8 @@ void hsGRasterDevice::SetBounds(const hsIntRect* rect, uint8_t config) {
   bitmap.fHeight = CheckedSize(uint64_t(std::max<int64_t>(int64_t{rect->fBottom} - rect->fTop, 0)));
   bitmap.fRowBytes = CheckedSize((uint64_t{bitmap.fPixelSize} * bitmap.fWidth + 31) >> 5 << 2);
   if (config == hsGBitmap::kConfig_Index8) {
-    auto* table = new hsGColorTable;
-    table->SetDefaultCube();
-    bitmap.SetColorTable(table);
-    table->UnRef();
+    bitmap.fColorTable = hsMake<hsGColorTable>();
+    bitmap.fColorTable->SetDefaultCube();
   }
   CheckSizes(bitmap);
   SetOrigin(rect->fLeft, rect->fTop);
@@ -223,11 +224,14 @@ void hsGRasterDevice::CloseLayer() {
 // What every draw does around itself.
 template <class Draw>
 void hsGRasterDevice::Drawing(hsGAttribute* attr, Draw&& draw) {
-  const LayerScope layer(this, attr);
-  const hsGCursorHider hider(fCursor, *fDraw.fBitmap, &fDraw.fBounder);
-  Update();
-  fDraw.fAttr = attr;
-  draw();
+  LayerScope layer(this, attr);
+  {
+    const hsGCursorHider hider(fCursor.get(), *fDraw.fBitmap, &fDraw.fBounder);
+    Update();
+    fDraw.fAttr = attr;
+    draw();
+  }
+  layer.Close();
 }
 
 void hsGRasterDevice::DoDrawFull(hsGAttribute* attr) {
@@ -274,13 +278,13 @@ void hsGRasterDevice::CopyBitmap(const hsGBitmap* bitmap, hsScalar x, hsScalar y
 }
 
 void hsGRasterDevice::EraseColor(const hsGColor& color) {
-  const hsGCursorHider hider(fCursor, *fDraw.fBitmap, &fDraw.fBounder);
+  const hsGCursorHider hider(fCursor.get(), *fDraw.fBitmap, &fDraw.fBounder);
   fDraw.fAttr = &fPlainPaint;
   fDraw.Erase(color);
 }
 
 void hsGRasterDevice::ScrollRect(const hsIntRect& rect, int32_t dx, int32_t dy, hsRegion* outDirty) {
-  const hsGCursorHider hider(fCursor, *fDraw.fBitmap, &fDraw.fBounder);
+  const hsGCursorHider hider(fCursor.get(), *fDraw.fBitmap, &fDraw.fBounder);
   Update();
   fDraw.fAttr = &fPlainPaint;
   fDraw.Scroll(rect, dx, dy, outDirty);

@@ -41,7 +41,7 @@ class hsGRasterDevice : public hsGDevice {
   void GetBitmap(hsGBitmap* out, bool detach = false);
   // An extra clip in device coordinates that stays the caller's; nil for none.
   void SetClipRgn(const hsRegion* region);
-  void SetCursor(hsGCursor* cursor) { hsRefAssign(fCursor, cursor); }
+  void SetCursor(hsGCursor* cursor) { fCursor = hsShare(cursor); }
   void EraseTransparent() { EraseColor(hsGColor{0, 0, 0, 0}); }
   void EraseColor(uint16_t r, uint16_t g, uint16_t b) { EraseColor(hsGColor{0xFFFF, r, g, b}); }
   void EraseColor(uint16_t a, uint16_t r, uint16_t g, uint16_t b) { EraseColor(hsGColor{a, r, g, b}); }
@@ -81,6 +81,7 @@ class hsGRasterDevice : public hsGDevice {
   const hsRegion* fUserClip = nullptr;
   hsGLayer* fLayers = nullptr;                   // the top one; nil when drawing to fOwnBitmap
   int32_t fLayerOffsetX = 0, fLayerOffsetY = 0;  // sum of the open layers' corners
-  hsGCursor* fCursor = nullptr;
-  hsGAttribute fPlainPaint;  // what the draw core is given where no paint plays a part
+  hsRef<hsGCursor> fCursor;
+  hsRef<hsGBounder> fBounder;  // of fDraw
+  hsGAttribute fPlainPaint;    // what the draw core is given where no paint plays a part
 };

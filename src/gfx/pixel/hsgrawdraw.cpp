@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "gfx/foundation/hsdebug.h"
-#include "gfx/pixel/blitterref.h"
 #include "gfx/pixel/hsgbitmapblitter.h"
 #include "gfx/pixel/hsgmask.h"
 #include "gfx/pixel/hsgmaskfilter.h"
@@ -14,8 +13,6 @@
 namespace {
 
 constexpr hsFixed kShortestLine = 8;  // raw units; a shorter one has no direction to be thick along
-
-using Ref = hsGBlitterRef;
 
 hsRect Sorted(const hsRect& r) {
   return {std::min(r.fLeft, r.fRight), std::min(r.fTop, r.fBottom), std::max(r.fLeft, r.fRight),
@@ -91,8 +88,8 @@ void hsGRawDraw::DrawFull() {
   Check();
   const hsIntRect whole = {0, 0, int32_t(fBitmap->fWidth), int32_t(fBitmap->fHeight)};
   if (fBounder && fBounder->BoundRect(whole, fClip)) return;
-  const Ref blitter(GetBlitter(kMask_Bit));
-  HSScan::FillIRect(&whole, fClip, blitter);
+  const auto blitter = hsAdopt(GetBlitter(kMask_Bit));
+  HSScan::FillIRect(&whole, fClip, blitter.get());
 }
 
 void hsGRawDraw::DrawLine(const hsPoint& p0, const hsPoint& p1) {
@@ -108,8 +105,8 @@ void hsGRawDraw::DrawLine(const hsPoint& p0, const hsPoint& p1) {
       if (fBounder->BoundFixedRect(bounds, *fMatrix, fClip, nullptr, true)) return;
     }
     hsRegion storage;
-    const Ref blitter(GetBlitter(kMask_Bit));
-    return HSScan::HairLine(mapped[0], mapped[1], ClipOrBitmap(&storage), blitter);
+    const auto blitter = hsAdopt(GetBlitter(kMask_Bit));
+    return HSScan::HairLine(mapped[0], mapped[1], ClipOrBitmap(&storage), blitter.get());
   }
   if (fAttr->Cap() == hsGAttribute::kRoundCap)
     return DrawDevicePath(Stroked(LinePath(p0, p1), width), fAttr->Flags() & ~uint32_t{hsGAttribute::kFrame});
@@ -144,13 +141,13 @@ void hsGRawDraw::DrawRect(const hsRect& unsorted) {
 void hsGRawDraw::DrawDeviceRect(const hsRect& rect, uint32_t flags, hsScalar width) {
   hsRegion storage;
   const hsRegion* clip = ClipOrBitmap(&storage);
-  const Ref blitter(GetBlitter(kMask_Bit));
+  const auto blitter = hsAdopt(GetBlitter(kMask_Bit));
   if (!(flags & hsGAttribute::kFrame))
-    return HSScan::FillRect(&rect, clip, blitter, flags & hsGAttribute::kGrowEmptyRects);
-  if (width < 1) return HSScan::HairRect(&rect, clip, blitter);
+    return HSScan::FillRect(&rect, clip, blitter.get(), flags & hsGAttribute::kGrowEmptyRects);
+  if (width < 1) return HSScan::HairRect(&rect, clip, blitter.get());
   hsPoint size = {width, width};
   fMatrix->MapVectors(1, &size, &size);
-  HSScan::FrameRect(&rect, int32_t(hsMagnitude32(size.fX)), int32_t(hsMagnitude32(size.fY)), clip, blitter);
+  HSScan::FrameRect(&rect, int32_t(hsMagnitude32(size.fX)), int32_t(hsMagnitude32(size.fY)), clip, blitter.get());
 }
 
 void hsGRawDraw::DrawDeviceQuad(const hsPoint points[4]) {
@@ -161,11 +158,11 @@ void hsGRawDraw::DrawDeviceQuad(const hsPoint points[4]) {
   hsRegion storage;
   const hsRegion* clip = ClipOrBitmap(&storage);
   const bool smooth = fAttr->Flags() & hsGAttribute::kAntiAlias;
-  const Ref blitter(GetBlitter(smooth ? kMask_Alpha : kMask_Bit));
+  const auto blitter = hsAdopt(GetBlitter(smooth ? kMask_Alpha : kMask_Bit));
   if (smooth) {
-    HSScan::AntiFillQuad(mapped, clip, blitter);
+    HSScan::AntiFillQuad(mapped, clip, blitter.get());
   } else {
-    HSScan::FillQuad(mapped, clip, blitter);
+    HSScan::FillQuad(mapped, clip, blitter.get());
   }
 }
 
@@ -206,13 +203,13 @@ void hsGRawDraw::DrawDevicePath(const hsPath& path, uint32_t flags) {
   hsRegion storage;
   const hsRegion* clip = ClipOrBitmap(&storage);
   const bool smooth = !frame && flags & hsGAttribute::kAntiAlias;
-  const Ref blitter(GetBlitter(smooth ? kMask_Alpha : kMask_Bit));
+  const auto blitter = hsAdopt(GetBlitter(smooth ? kMask_Alpha : kMask_Bit));
   if (frame) {
-    HSScan::HairPath(device, clip, blitter);
+    HSScan::HairPath(device, clip, blitter.get());
   } else if (smooth) {
-    HSScan::AntiFillPath(device, clip, blitter);
+    HSScan::AntiFillPath(device, clip, blitter.get());
   } else {
-    HSScan::FillPath(device, clip, blitter);
+    HSScan::FillPath(device, clip, blitter.get());
   }
 }
 
@@ -238,7 +235,7 @@ void hsGRawDraw::DrawMask(const hsGMask& source) {
   const hsRegion* clip = ClipOrBitmap(&storage);
   if (clip->Contains(mask.fBounds)) clip = nullptr;
   if (clip && !clip->Bounds().Intersects(mask.fBounds)) return;
-  const Ref blitter(GetBlitter(mask.fMaskType));
+  const auto blitter = hsAdopt(GetBlitter(mask.fMaskType));
   blitter->BlitMask(mask, clip);
 }
 
@@ -260,21 +257,21 @@ void hsGRawDraw::DrawBitmap(const hsGBitmap& bitmap, hsScalar x, hsScalar y) {
     hsRect rect;
     matrix.MapRect(&source, &rect, type);
     if (fBounder && fBounder->BoundFixedRect(rect, matrix, fClip, nullptr, false)) return;
-    const Ref blitter(BitmapBlitter(bitmap, matrix));
+    const auto blitter = hsAdopt(BitmapBlitter(bitmap, matrix));
     if (!blitter) return;
-    return HSScan::FillRect(&rect, clip, blitter, false);
+    return HSScan::FillRect(&rect, clip, blitter.get(), false);
   }
   hsPoint corners[4];
   source.ToQuad(corners);
   matrix.MapPoints(4, corners, corners, type);
   const hsPath path = QuadPath(corners);
   if (fBounder && fBounder->BoundPath(path, matrix, fClip, nullptr, false)) return;
-  const Ref blitter(BitmapBlitter(bitmap, matrix));
+  const auto blitter = hsAdopt(BitmapBlitter(bitmap, matrix));
   if (!blitter) return;
   if (IsConvexQuad(corners)) {
-    HSScan::FillQuad(corners, clip, blitter);
+    HSScan::FillQuad(corners, clip, blitter.get());
   } else {
-    HSScan::FillPath(&path, clip, blitter);
+    HSScan::FillPath(&path, clip, blitter.get());
   }
 }
 

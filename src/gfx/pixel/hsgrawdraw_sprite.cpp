@@ -3,9 +3,8 @@
 #include <cstring>
 
 #include "gfx/foundation/hsdebug.h"
-#include "gfx/pixel/blitterref.h"
 #include "gfx/pixel/hsgrawdraw.h"
-#include "gfx/pixel/hsgspriteblitter.h"
+#include "gfx/pixel/hsgsprite_choose.h"
 #include "gfx/vector/hsregioniter.h"
 
 namespace {
@@ -42,18 +41,15 @@ void hsGRawDraw::DrawSprite(const hsGBitmap& target, const hsGBitmap& bitmap, in
   if (!hsAssert(requested.Contains(rect), "bad clipping")) return;
 
   const hsGBitmap part = rect.fLeft != x || rect.fTop != y ? From(bitmap, rect.fLeft - x, rect.fTop - y) : bitmap;
-  hsGBlitter* blitter = cached;
-  if (cached && cached->Retarget(part, rect.fLeft, rect.fTop)) {
-    cached->Ref();
-  } else {
-    blitter = ChooseSpriteBlitter(target, part, rect.fLeft, rect.fTop, color ? *color : kOpaqueWhite, mode);
-  }
+  const bool reuses = cached && cached->Retarget(part, rect.fLeft, rect.fTop);
+  const hsRef<hsGSpriteBlitter> blitter =
+      reuses ? hsShare(cached)
+             : hsAdopt(ChooseSpriteBlitter(target, part, rect.fLeft, rect.fTop, color ? *color : kOpaqueWhite, mode));
   if (!blitter) return;
-  const hsGBlitterRef held(blitter);
   if (clip) {
-    clip->Blit(rect, held);
+    clip->Blit(rect, blitter.get());
   } else {
-    held->BlitRect(rect.fTop, rect.fLeft, rect.Width(), rect.Height());
+    blitter->BlitRect(rect.fTop, rect.fLeft, rect.Width(), rect.Height());
   }
 }
 

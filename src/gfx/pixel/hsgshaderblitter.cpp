@@ -11,24 +11,18 @@
 
 hsGShaderBlitter::hsGShaderBlitter(const hsGBitmap& device, const hsGAttribute& attr, hsGShader* shader,
                                    int32_t maskType)
-    : hsGDeviceBlitter(device), fColor(hsPremultiply(attr.Color())), fShader(shader), fMaskType(maskType) {
-  if (shader) shader->Ref();
+    : hsGDeviceBlitter(device), fColor(hsPremultiply(attr.Color())), fShader(hsShare(shader)), fMaskType(maskType) {
   std::fill_n(fColors, kSpan, shader ? 0 : fColor);  // a shader may leave them as they are
   bool opaque = shader ? shader->IsOpaque() : hsColor32A(fColor) == 0xFF;
   if (maskType == kMask_3D) opaque = false;
   if (attr.XferMode()) {
-    hsRefAssign(fXfer, attr.XferMode());
+    fXfer = hsShare(attr.XferMode());
   } else if (opaque) {
-    fXfer = new hsGSrcMode;
+    fXfer = hsMake<hsGSrcMode>();
   } else {
-    fXfer = new hsGSrcOverMode;
+    fXfer = hsMake<hsGSrcOverMode>();
   }
   fXfer->SetOpaque(opaque);
-}
-
-hsGShaderBlitter::~hsGShaderBlitter() {
-  hsRefAssign<hsGShader>(fShader, nullptr);
-  fXfer->UnRef();
 }
 
 void hsGShaderBlitter::ShadeSpan(hsGShader* shader, int32_t y, int32_t x, int32_t count) {
@@ -40,7 +34,7 @@ void hsGShaderBlitter::BlitH(int32_t y, int32_t x, int32_t width) {
   const uint8_t* alpha = fAlpha;
   while (width > 0) {
     const int32_t chunk = std::min(width, kSpan);
-    if (fShader) ShadeSpan(fShader, y, x, chunk);
+    if (fShader) ShadeSpan(fShader.get(), y, x, chunk);
     XferSpan(y, x, chunk, alpha);
     if (alpha) alpha += chunk;
     x += chunk;
@@ -52,7 +46,7 @@ void hsGShaderBlitter::BlitH(int32_t y, int32_t x, int32_t width) {
 void hsGShaderBlitter::BlitMask(const hsGMask& mask, const hsRegion* clip) {
   if (mask.fMaskType != kMask_3D) return hsGBlitter::BlitMask(mask, clip);
   if (mask.fBounds.IsEmpty()) return;
-  hsGEmbossShader emboss(mask, fShader, fColor);
+  hsGEmbossShader emboss(mask, fShader.get(), fColor);
   std::vector<hsGColor32> row(size_t(mask.fBounds.Width()));
   fSpan = row.data();
   hsWalkMaskSpans(mask.fBounds, clip, [&](int32_t y, int32_t x, int32_t width) {
@@ -63,7 +57,7 @@ void hsGShaderBlitter::BlitMask(const hsGMask& mask, const hsRegion* clip) {
 }
 
 void hsGShaderBlitter8::XferSpan(int32_t y, int32_t x, int32_t count, const uint8_t* alpha) {
-  fXfer->Xfer8(count, fSpan, Pixels<uint8_t>(y, x), fDevice.fColorTable, alpha);
+  fXfer->Xfer8(count, fSpan, Pixels<uint8_t>(y, x), fDevice.fColorTable.get(), alpha);
 }
 
 void hsGShaderBlitter16::XferSpan(int32_t y, int32_t x, int32_t count, const uint8_t* alpha) {

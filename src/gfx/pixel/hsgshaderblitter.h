@@ -10,7 +10,6 @@ class hsGShaderBlitter : public hsGDeviceBlitter {
   static constexpr int32_t kSpan = 32;  // pixels; error on a palette starts afresh with each
 
   hsGShaderBlitter(const hsGBitmap& device, const hsGAttribute& attr, hsGShader* shader, int32_t maskType);
-  ~hsGShaderBlitter() override;
 
   void BlitH(int32_t y, int32_t x, int32_t width) override;
   void BlitMask(const hsGMask& mask, const hsRegion* clip) override;
@@ -23,8 +22,8 @@ class hsGShaderBlitter : public hsGDeviceBlitter {
   hsGColor32 fColor;  // premultiplied
   hsGColor32 fColors[kSpan];
   hsGColor32* fSpan = fColors;  // the colours of the chunk at hand; bytes on a device of coverage
-  hsGShader* fShader;           // or nil
-  hsGXferMode* fXfer = nullptr;
+  hsRef<hsGShader> fShader;     // or null
+  hsRef<hsGXferMode> fXfer;
   int32_t fMaskType;
 };
 

@@ -60,11 +60,11 @@ class hsGSpriteXfer8 : public hsGXferSprite {
   void DrawRow(const void* source, void* device, int32_t width) override {
     const auto* s = static_cast<const hsGColor32*>(source);
     auto* d = static_cast<uint8_t*>(device);
-    if (IsReady()) return fXfer->Xfer8(width, s, d, fDevice.fColorTable, nullptr);
+    if (IsReady()) return fXfer->Xfer8(width, s, d, fDevice.fColorTable.get(), nullptr);
     for (int32_t chunk; width > 0; width -= chunk, s += chunk, d += chunk) {
       chunk = std::min(width, kChunk);
       Prepare(s, chunk, fBuffer);
-      fXfer->Xfer8(chunk, fBuffer, d, fDevice.fColorTable, nullptr);
+      fXfer->Xfer8(chunk, fBuffer, d, fDevice.fColorTable.get(), nullptr);
     }
   }
 
@@ -84,7 +84,7 @@ class hsGSpriteIndexXfer8 : public hsGXferSprite {
     for (int32_t chunk; width > 0; width -= chunk, s += chunk, d += chunk) {
       chunk = std::min<int32_t>(width, 32);
       Expand(s, chunk, colors);
-      fXfer->Xfer8(chunk, colors, d, fDevice.fColorTable, nullptr);
+      fXfer->Xfer8(chunk, colors, d, fDevice.fColorTable.get(), nullptr);
     }
   }
 };
@@ -159,17 +159,14 @@ class hsGSpriteIndexBlend8 : public hsGPlainSprite {
 
 hsGSpriteBlitter* MakeXfer8(const hsGSpriteParts& parts) {
   if (parts.xfer) return new hsGSpriteXfer8(parts, parts.xfer);
-  hsGXferMode* over = new hsGSrcOverMode;
-  hsGSpriteBlitter* sprite = new hsGSpriteXfer8(parts, over);
-  over->UnRef();
-  return sprite;
+  return new hsGSpriteXfer8(parts, hsMake<hsGSrcOverMode>().get());
 }
 
 }  // namespace
 
 hsGSpriteBlitter* hsChooseSprite8(const hsGSpriteParts& parts) {
   (void)hsAssert(parts.device.fPixelSize == 8, "bad device");
-  hsThrowIfNilParam(parts.device.fColorTable);
+  hsThrowIfNilParam(parts.device.fColorTable.get());
   switch (parts.source.fConfig) {
     case hsGBitmap::kConfig_RGB32:
       if (parts.xfer) return MakeXfer8(parts);
@@ -179,7 +176,7 @@ hsGSpriteBlitter* hsChooseSprite8(const hsGSpriteParts& parts) {
     case hsGBitmap::kConfig_Index8:
       if (parts.xfer) return new hsGSpriteIndexXfer8(parts, parts.xfer);
       if (!parts.IsFull()) return new hsGSpriteIndexBlend8(parts);
-      if (hsGColorTable::Equal(parts.device.fColorTable, parts.source.fColorTable))
+      if (hsGColorTable::Equal(parts.device.fColorTable.get(), parts.source.fColorTable.get()))
         return new hsGSpriteIndexCopy8(parts);
       return new hsGSpriteIndexRemap8(parts);
     default:

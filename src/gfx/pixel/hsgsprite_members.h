@@ -39,11 +39,9 @@ class hsGPlainSprite : public hsGSpriteBlitter {
 class hsGXferSprite : public hsGSpriteBlitter {
  public:
   hsGXferSprite(const hsGSpriteParts& parts, hsGXferMode* mode)
-      : hsGSpriteBlitter(parts.device, parts.source, parts.left, parts.top, parts.color), fXfer(mode) {
-    fXfer->Ref();
+      : hsGSpriteBlitter(parts.device, parts.source, parts.left, parts.top, parts.color), fXfer(hsShare(mode)) {
     fXfer->SetOpaque(false);
   }
-  ~hsGXferSprite() override { fXfer->UnRef(); }
 
  protected:
   // Whether 32-bit pixels can be handed on as they lie in the source.
@@ -60,5 +58,5 @@ class hsGXferSprite : public hsGSpriteBlitter {
     for (int32_t i = 0; i < count; ++i) out[i] = source[i] == key ? 0 : colors[source[i]];
   }
 
-  hsGXferMode* fXfer;
+  hsRef<hsGXferMode> fXfer;
 };

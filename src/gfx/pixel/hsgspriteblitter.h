@@ -6,8 +6,6 @@
 
 #include "gfx/pixel/hsgdeviceblitter.h"
 
-class hsGXferMode;
-
 class hsGSpriteBlitter : public hsGDeviceBlitter {
  public:
   // The source's top left pixel lies at (left, top) on the device. Of the colour only the alpha plays a part.
@@ -39,9 +37,3 @@ class hsGSpriteBlitter : public hsGDeviceBlitter {
   bool IsInside(int32_t y, int32_t x, int32_t width, int32_t height) const;
   void DrawRows(int32_t y, int32_t x, int32_t width, int32_t height);
 };
-
-// The member that draws source at (left, top), with the alpha of color, through xfer unless that is nil. The caller
-// holds a reference. nil, after "missing sprite blitter", for a device that takes no sprites; a source that doesn't fit
-// the device throws error 1.
-hsGSpriteBlitter* ChooseSpriteBlitter(const hsGBitmap& device, const hsGBitmap& source, int32_t left, int32_t top,
-                                      const hsGColor& color, hsGXferMode* xfer);

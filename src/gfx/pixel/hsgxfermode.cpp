@@ -1,10 +1,8 @@
 #include "gfx/pixel/hsgxfermode.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "gfx/foundation/hsdebug.h"
-#include "gfx/pixel/hsgalphamode.h"
 #include "gfx/pixel/hsgcolortable.h"
 #include "gfx/pixel/lerp.h"
 
@@ -54,17 +52,6 @@ uint32_t Over8(hsGColor32 s, hsGColor32 e, uint32_t u) {
 uint8_t OverA(uint32_t s, uint32_t d) { return uint8_t(s + ((d * (256 - s)) >> 8)); }
 
 }  // namespace
-
-hsGXferMode* hsGXferMode::Create(const char* className, const hsMeta& meta) {
-  using Maker = hsGXferMode* (*)(const hsMeta&);
-  static constexpr struct {
-    const char* name;
-    Maker make;
-  } kClasses[] = {{hsGAlphaCompositeMode::kClassName, &hsGAlphaCompositeMode::Create}};
-  for (const auto& entry : kClasses)
-    if (std::strcmp(entry.name, className) == 0) return entry.make(meta);
-  return nullptr;
-}
 
 void hsGSrcMode::Xfer16(int32_t count, const hsGColor32* src, uint16_t* dst, const uint8_t* alpha) {
   if (!hsAssert(count > 0, "bad count")) return;

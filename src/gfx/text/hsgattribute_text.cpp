@@ -21,10 +21,7 @@ constexpr uint16_t kPathFlags = hsGAttribute::kLinearText | hsGAttribute::kNoGri
 
 constexpr int32_t kFixedLengths[] = {4, int32_t(sizeof(hsGScalerRecord))};
 
-int32_t DescriptorSize() {
-  static const int32_t size = hsDescriptor::ComputeSize(2, kFixedLengths);
-  return size;
-}
+int32_t DescriptorSize() { return hsDescriptor::ComputeSize(2, kFixedLengths); }
 
 // An effect on its way into a descriptor; nil for none.
 struct EffectEntry {
@@ -85,7 +82,7 @@ hsDescriptor* hsGAttribute::MakeStrikeDesc(const hsMatrix* matrix, hsPoint* outA
 
   // Text drawn as paths has a path effect in its outlines and meets it again when they are drawn.
   const EffectEntry effects[] = {
-      {kRecord_PathEffect, fPathEffect}, {kRecord_Rasterizer, fRasterizer}, {kRecord_MaskFilter, fMaskFilter}};
+      {kRecord_PathEffect, PathEffect()}, {kRecord_Rasterizer, Rasterizer()}, {kRecord_MaskFilter, MaskFilter()}};
   std::vector<int32_t> lengths(std::begin(kFixedLengths), std::end(kFixedLengths));
   for (const EffectEntry& entry : effects)
     if (entry.effect) lengths.push_back(FlattenEffect(*entry.effect, nullptr));
@@ -130,7 +127,7 @@ hsGTextContext* hsGAttribute::GetTextContext(const hsMatrix* matrix) {
 }
 
 hsFixed hsGAttribute::MeasureText(uint32_t length, const void* text, hsPoint* outLeft, hsPoint* outRight) {
-  const hsGTextContextRef context(GetTextContext(nullptr));
+  const auto context = hsAdopt(GetTextContext(nullptr));
   context->GetMetrics(outLeft, outRight, nullptr);
   if (length == 0 || context->SetText(length, text) == 0) return 0;
   return context->GetPositions(nullptr, fTextSpacing.get())[context->Count()].fX;
@@ -138,7 +135,7 @@ hsFixed hsGAttribute::MeasureText(uint32_t length, const void* text, hsPoint* ou
 
 uint32_t hsGAttribute::GetTextWidths(uint32_t length, const void* text, hsFixed widths[]) {
   if (length == 0) return 0;
-  const hsGTextContextRef context(GetTextContext(nullptr));
+  const auto context = hsAdopt(GetTextContext(nullptr));
   return context->GetWidths(length, text, fTextSpacing.get(), widths, sizeof widths[0]);
 }
 
@@ -151,7 +148,7 @@ void hsGAttribute::GetUnderline(uint32_t length, const void* text, hsRect* rect)
 
 void hsGAttribute::GetTextPath(uint32_t length, const void* text, hsFixed limit, hsPath* path) {
   if (!hsAssert(length == 0 || text, "inconsistent text param") || length == 0) return;
-  const hsGTextContextRef context(GetTextContext(nullptr));
+  const auto context = hsAdopt(GetTextContext(nullptr));
   const uint32_t count = context->SetText(length, text);
   if (count == 0) return;
   hsGGlyph* glyphs;

@@ -3,14 +3,16 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "gfx/foundation/hsdebug.h"
 #include "gfx/foundation/hsfolderiterator.h"
+#include "gfx/foundation/hsglibrary.h"
 #include "gfx/foundation/hsmemory.h"
+#include "gfx/text/hsgfontset.h"
 #include "gfx/text/hsgglyphcache.h"
 
 namespace {
@@ -18,79 +20,62 @@ namespace {
 constexpr int32_t kNoMatch = -1;
 constexpr uint32_t kAnyKindOrder[] = {kFontName_Full, kFontName_PostScript, kFontName_Family, kFontName_Style};
 
-struct Registry {
-  std::vector<hsGFontScaler*> fonts;
-  std::map<std::string, int32_t> names[kFontNameKinds];  // in lower case, to an identifier or kNoMatch
-  uint32_t lastID = 0;
-  bool loaded = false;
-  bool scanFolder = false;
-  const hsGFontFileEntry* files = nullptr;
-  uint32_t fileCount = 0;
-  const hsGFontMemoryEntry* memory = nullptr;
-  uint32_t memoryCount = 0;
-  const char* const* preferred = nullptr;
-  hsCharMapper mapper = nullptr;
-};
-
-Registry& TheRegistry() {
-  static Registry* registry = new Registry;  // outlives whatever draws text on the way out
-  return *registry;
-}
+hsGFontSet& TheFonts() { return *hsGLibrary::Current().fFonts; }
 
 uint32_t FormatOr(uint32_t format) { return format ? format : uint32_t{kFontFormat_TrueType}; }
 
-void Changed(Registry& registry) {
-  for (auto& names : registry.names) names.clear();
+void Changed(hsGFontSet& set) {
+  for (auto& names : set.fNames) names.clear();
   hsGGlyphCache::Shutdown();
 }
 
-uint32_t Append(Registry& registry, hsGFontScaler* font) {
-  registry.fonts.push_back(font);
-  Changed(registry);
-  return font->FontID();
+uint32_t Append(hsGFontSet& set, hsRef<hsGFontScaler> font) {
+  set.fFonts.push_back(std::move(font));
+  Changed(set);
+  return set.fFonts.back()->FontID();
 }
 
-uint32_t AddFile(Registry& registry, const char* path, uint32_t format) {
-  return Append(registry, new hsGFontFile(++registry.lastID, FormatOr(format), path));
+uint32_t AddFile(hsGFontSet& set, const char* path, uint32_t format) {
+  return Append(set, hsMake<hsGFontFile>(++set.fLastID, FormatOr(format), path));
 }
 
-uint32_t AddMemory(Registry& registry, uint32_t size, const void* data, bool owned, uint32_t format) {
-  return Append(registry, new hsGFontMemory(++registry.lastID, FormatOr(format), size, data, owned));
+uint32_t AddMemory(hsGFontSet& set, uint32_t size, const void* data, bool owned, uint32_t format) {
+  return Append(set, hsMake<hsGFontMemory>(++set.fLastID, FormatOr(format), size, data, owned));
 }
 
-void ScanFolder(Registry& registry) {
+void ScanFolder(hsGFontSet& set) {
   hsFolderIterator folder;
   folder.UseWindowsFontsPath("Fonts");
   while (folder.NextFileSuffix("ttf")) {
     char path[kFolderIterator_MaxPath];
     folder.GetPathAndName(path);
-    AddFile(registry, path, 0);
+    AddFile(set, path, 0);
   }
 }
 
-Registry& Loaded() {
-  Registry& registry = TheRegistry();
-  if (registry.loaded) return registry;
-  registry.loaded = true;
-  if (registry.files) {
-    for (uint32_t i = 0; i < registry.fileCount && registry.files[i].fPath; ++i)
-      AddFile(registry, registry.files[i].fPath, registry.files[i].fFormat);
-  } else if (registry.memory) {
-    for (uint32_t i = 0; i < registry.memoryCount && registry.memory[i].fData; ++i)
-      AddMemory(registry, registry.memory[i].fSize, registry.memory[i].fData, false, registry.memory[i].fFormat);
+hsGFontSet& Loaded() {
+  hsGFontSet& set = TheFonts();
+  if (set.fLoaded) return set;
+  set.fLoaded = true;
+  if (set.fFiles) {
+    for (uint32_t i = 0; i < set.fFileCount && set.fFiles[i].fPath; ++i)
+      AddFile(set, set.fFiles[i].fPath, set.fFiles[i].fFormat);
+  } else if (set.fMemory) {
+    for (uint32_t i = 0; i < set.fMemoryCount && set.fMemory[i].fData; ++i)
+      AddMemory(set, set.fMemory[i].fSize, set.fMemory[i].fData, false, set.fMemory[i].fFormat);
   }
-  if (registry.scanFolder) ScanFolder(registry);
-  return registry;
+  if (set.fScanFolder) ScanFolder(set);
+  return set;
 }
 
-hsGFontScaler* Find(const Registry& registry, uint32_t id) {
-  for (hsGFontScaler* font : registry.fonts)
-    if (font->FontID() == id) return font;
+hsGFontScaler* Find(const hsGFontSet& set, uint32_t id) {
+  for (const auto& font : set.fFonts)
+    if (font->FontID() == id) return font.get();
   return nullptr;
 }
 
-int32_t SearchName(const Registry& registry, uint32_t nameKind, const char* name) {
-  for (hsGFontScaler* font : registry.fonts) {
+int32_t SearchName(const hsGFontSet& set, uint32_t nameKind, const char* name) {
+  for (const auto& font : set.fFonts) {
     font->Acquire();
     const bool matches = font->MatchName(nameKind, name);
     font->Release();
@@ -129,34 +114,31 @@ uint32_t hsGFontRegistry::RegisterMemory(uint32_t size, const void* data, bool o
 }
 
 void hsGFontRegistry::UnregisterFont(uint32_t id) {
-  Registry& registry = Loaded();
-  hsGFontScaler* font = Find(registry, id);
+  hsGFontSet& set = Loaded();
+  const auto font = hsShare(Find(set, id));
   if (!font) return;
-  std::erase(registry.fonts, font);
-  Changed(registry);
-  font->UnRef();
+  std::erase_if(set.fFonts, [&](const auto& other) { return other.get() == font.get(); });
+  Changed(set);
 }
 
 void hsGFontRegistry::SetFontFiles(const hsGFontFileEntry* list, uint32_t count) {
-  TheRegistry().files = list;
-  TheRegistry().fileCount = count;
+  TheFonts().fFiles = list;
+  TheFonts().fFileCount = count;
 }
 
 void hsGFontRegistry::SetFontMemory(const hsGFontMemoryEntry* list, uint32_t count) {
-  TheRegistry().memory = list;
-  TheRegistry().memoryCount = count;
+  TheFonts().fMemory = list;
+  TheFonts().fMemoryCount = count;
 }
 
-void hsGFontRegistry::SetPreferredNames(const char* const* names) { TheRegistry().preferred = names; }
-void hsGFontRegistry::SetScanFolder(bool scan) { TheRegistry().scanFolder = scan; }
+void hsGFontRegistry::SetPreferredNames(const char* const* names) { TheFonts().fPreferred = names; }
+void hsGFontRegistry::SetScanFolder(bool scan) { TheFonts().fScanFolder = scan; }
 
 void hsGFontRegistry::Reset() {
-  Registry& registry = TheRegistry();
-  std::vector<hsGFontScaler*> fonts;
-  fonts.swap(registry.fonts);
-  registry.loaded = false;
-  Changed(registry);
-  for (hsGFontScaler* font : fonts) font->UnRef();
+  hsGFontSet& set = TheFonts();
+  const auto fonts = std::exchange(set.fFonts, {});  // they go last, after the strikes
+  set.fLoaded = false;
+  Changed(set);
 }
 
 uint32_t hsGFontRegistry::FindFontID(uint32_t nameKind, const char* name) {
@@ -166,9 +148,9 @@ uint32_t hsGFontRegistry::FindFontID(uint32_t nameKind, const char* name) {
     return 0;
   }
   if (nameKind >= kFontNameKinds) return 0;
-  Registry& registry = Loaded();
-  const auto [entry, isNew] = registry.names[nameKind].try_emplace(LowerCase(name), kNoMatch);
-  if (isNew) entry->second = SearchName(registry, nameKind, name);
+  hsGFontSet& set = Loaded();
+  const auto [entry, isNew] = set.fNames[nameKind].try_emplace(LowerCase(name), kNoMatch);
+  if (isNew) entry->second = SearchName(set, nameKind, name);
   return entry->second == kNoMatch ? 0 : uint32_t(entry->second);
 }
 
@@ -188,21 +170,21 @@ uint32_t hsGFontRegistry::GetFontName(uint32_t id, uint32_t nameKind, char buffe
 }
 
 hsGFontScaler* hsGFontRegistry::GetFontByID(uint32_t id) {
-  Registry& registry = Loaded();
-  if (hsGFontScaler* font = Find(registry, id)) return font;
-  hsThrowIfBadParam(registry.fonts.empty());
-  for (const char* const* name = registry.preferred; name && *name; ++name)
-    if (hsGFontScaler* font = Find(registry, FindFontID(kFontName_Any, *name))) return font;
-  return registry.fonts.front();
+  hsGFontSet& set = Loaded();
+  if (hsGFontScaler* font = Find(set, id)) return font;
+  hsThrowIfBadParam(set.fFonts.empty());
+  for (const char* const* name = set.fPreferred; name && *name; ++name)
+    if (hsGFontScaler* font = Find(set, FindFontID(kFontName_Any, *name))) return font;
+  return set.fFonts.front().get();
 }
 
 bool hsGFontRegistry::IsFontID(uint32_t id) { return Find(Loaded(), id) != nullptr; }
-uint32_t hsGFontRegistry::FontCount() { return uint32_t(Loaded().fonts.size()); }
+uint32_t hsGFontRegistry::FontCount() { return uint32_t(Loaded().fFonts.size()); }
 
 hsGFontScaler* hsGFontRegistry::FontAtIndex(uint32_t index) {
-  Registry& registry = Loaded();
-  return index < registry.fonts.size() ? registry.fonts[index] : nullptr;
+  hsGFontSet& set = Loaded();
+  return index < set.fFonts.size() ? set.fFonts[index].get() : nullptr;
 }
 
-void hsGFontRegistry::SetCharMapper(hsCharMapper mapper) { TheRegistry().mapper = mapper; }
-hsCharMapper hsGFontRegistry::CharMapper() { return TheRegistry().mapper; }
+void hsGFontRegistry::SetCharMapper(hsCharMapper mapper) { TheFonts().fMapper = mapper; }
+hsCharMapper hsGFontRegistry::CharMapper() { return TheFonts().fMapper; }

@@ -59,7 +59,7 @@ std::string NameOf(hsGFontT2K* font, uint32_t nameKind) {
 
 }  // namespace
 
-hsGFontScaler::~hsGFontScaler() noexcept(false) { hsAssert(fAccessCount == 0, "fAccessCount != 0"); }
+hsGFontScaler::~hsGFontScaler() { hsAssert(fAccessCount == 0, "fAccessCount != 0"); }
 
 void hsGFontScaler::Acquire() {
   if (fAccessCount == 0) AcquireSelf();
@@ -138,7 +138,7 @@ uint16_t hsGFontT2K::CharToGlyph(uint16_t code) {
 
 // ---- hsGFontFile
 
-hsGFontFile::~hsGFontFile() noexcept(false) {
+hsGFontFile::~hsGFontFile() {
   if (fFile) hsAssert(std::fclose(fFile) == 0, "fclose failed");
 }
 
@@ -173,7 +173,7 @@ const void* hsGFontFile::ReadData(uint32_t offset, uint32_t length, void* dst) {
 
 // ---- hsGFontMemory
 
-hsGFontMemory::~hsGFontMemory() noexcept(false) {
+hsGFontMemory::~hsGFontMemory() {
   if (fOwned) hsMemory::Delete(const_cast<uint8_t*>(fData));
 }
 

@@ -31,7 +31,7 @@ inline constexpr uint32_t kFontNameKinds = 4;
 class hsGFontScaler : public hsRefCnt {
  public:
   hsGFontScaler(uint32_t fontID, uint32_t format) : fFontID(fontID), fFormat(format) {}
-  ~hsGFontScaler() noexcept(false) override;
+  ~hsGFontScaler() override;
 
   uint32_t FontID() const { return fFontID; }
   uint32_t Format() const { return fFormat; }
@@ -90,7 +90,7 @@ class hsGFontT2K : public hsGFontScaler {
 class hsGFontFile : public hsGFontT2K {
  public:
   hsGFontFile(uint32_t fontID, uint32_t format, const char* path) : hsGFontT2K(fontID, format), fPath(path) {}
-  ~hsGFontFile() noexcept(false) override;
+  ~hsGFontFile() override;
 
   uint32_t GetDataSize() override;
   const void* ReadData(uint32_t offset, uint32_t length, void* dst) override;
@@ -110,7 +110,7 @@ class hsGFontMemory : public hsGFontT2K {
   // Owned bytes come from hsMemory and are freed with the font.
   hsGFontMemory(uint32_t fontID, uint32_t format, uint32_t size, const void* data, bool owned)
       : hsGFontT2K(fontID, format), fSize(size), fData(static_cast<const uint8_t*>(data)), fOwned(owned) {}
-  ~hsGFontMemory() noexcept(false) override;
+  ~hsGFontMemory() override;
 
   uint32_t GetDataSize() override { return fSize; }
   const void* ReadData(uint32_t offset, uint32_t length, void* dst) override;

@@ -1,20 +1,15 @@
 #include "gfx/text/hsgglyphcache.h"
 
-#include <utility>
+#include <memory>
 
 #include "gfx/foundation/hsdebug.h"
+#include "gfx/foundation/hsglibrary.h"
 #include "gfx/text/hsgstrike.h"
 
-namespace {
-
-hsGGlyphCache* gCache = nullptr;
-uint32_t gGlyphBytes = 0;
-
-}  // namespace
-
 hsGGlyphCache* hsGGlyphCache::Instance() {
-  if (!gCache) gCache = new hsGGlyphCache;
-  return gCache;
+  std::unique_ptr<hsGGlyphCache>& cache = hsGLibrary::Current().fGlyphCache;
+  if (!cache) cache = std::make_unique<hsGGlyphCache>();
+  return cache.get();
 }
 
 hsGGlyphCache::~hsGGlyphCache() {
@@ -23,19 +18,21 @@ hsGGlyphCache::~hsGGlyphCache() {
 }
 
 void hsGGlyphCache::Shutdown() {
-  if (!gCache) return;
-  delete std::exchange(gCache, nullptr);
-  gGlyphBytes = 0;
+  hsGLibrary& library = hsGLibrary::Current();
+  if (!library.fGlyphCache) return;
+  library.fGlyphCache.reset();
+  library.fGlyphBytes = 0;
   hsPrintStatus("deleting glyph cache\n");
 }
 
 void hsGGlyphCache::NoteImage(uint32_t size) {
-  gGlyphBytes += size;
-  if (gGlyphBytes <= kGlyphBudget) return;
-  hsPrintStatus("glyph cache exceeded %xH bytes with %d elements\n", gGlyphBytes, Instance()->fCount);
+  uint32_t& bytes = hsGLibrary::Current().fGlyphBytes;
+  bytes += size;
+  if (bytes <= kGlyphBudget) return;
+  hsPrintStatus("glyph cache exceeded %xH bytes with %d elements\n", bytes, Instance()->fCount);
 }
 
-uint32_t hsGGlyphCache::ImageBytes() { return gGlyphBytes; }
+uint32_t hsGGlyphCache::ImageBytes() { return hsGLibrary::Current().fGlyphBytes; }
 
 hsGStrike* hsGGlyphCache::Take(const hsDescriptor* desc) {
   for (hsGStrike* strike = fHead; strike; strike = strike->fNext) {

@@ -15,6 +15,12 @@ class hsGGlyphCache {
   static constexpr int32_t kMostStrikes = 128;
   static constexpr uint32_t kGlyphBudget = 0x19000;  // bytes of images
 
+  hsGGlyphCache() = default;
+  ~hsGGlyphCache();
+  hsGGlyphCache(const hsGGlyphCache&) = delete;
+  hsGGlyphCache& operator=(const hsGGlyphCache&) = delete;
+
+  // Of the current library; made on first use.
   static hsGGlyphCache* Instance();
   // Deletes the cache and the strikes in it; those in use stay with their users.
   static void Shutdown();
@@ -30,9 +36,6 @@ class hsGGlyphCache {
   bool Purge();
 
  private:
-  hsGGlyphCache() = default;
-  ~hsGGlyphCache();
-
   void Remove(hsGStrike* strike);
   void Check() const;
 

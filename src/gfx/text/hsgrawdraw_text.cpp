@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "gfx/foundation/hsdebug.h"
-#include "gfx/pixel/blitterref.h"
 #include "gfx/pixel/hsgmask.h"
 #include "gfx/pixel/hsgrawdraw.h"
 #include "gfx/text/hsgtextcontext.h"
@@ -20,7 +19,7 @@ constexpr hsFixed RoundToPixel(hsFixed v) { return hsIntToFixed(hsFixedRound(v))
 class FlagScope {
  public:
   explicit FlagScope(hsGAttribute* attr) : fAttr(attr), fSaved(attr->Flags()) {}
-  ~FlagScope() noexcept(false) {
+  ~FlagScope() {
     if (fAttr->Flags() != fSaved) fAttr->SetFlags(fSaved);
   }
   FlagScope(const FlagScope&) = delete;
@@ -44,7 +43,7 @@ struct TextCall {
       : scope(draw.fAttr),
         asPaths(DrawsAsPaths(draw)),
         hasSpacing(draw.fAttr->GetTextSpacing(&spacing)),
-        context(MakeContext(draw)),
+        context(hsAdopt(MakeContext(draw))),
         count(context->SetText(length, text)) {}
 
   const hsGTextSpacing* Spacing() const { return hasSpacing ? &spacing : nullptr; }
@@ -58,8 +57,8 @@ struct TextCall {
   const bool asPaths;
   hsGTextSpacing spacing;
   const bool hasSpacing;
-  const hsGTextContextRef context;  // outlines are mapped later, as paths
-  const uint32_t count;             // characters
+  const hsRef<hsGTextContext> context;  // outlines are mapped later, as paths
+  const uint32_t count;                 // characters
 
  private:
   hsGTextContext* MakeContext(const hsGRawDraw& draw) const {
@@ -76,7 +75,7 @@ class GlyphPainter {
       : fClip(draw.fClip),
         fBounder(bounder),
         fMaskType(maskType),
-        fBlitter(draw.GetBlitter(maskType)),
+        fBlitter(hsAdopt(draw.GetBlitter(maskType))),
         fDevice{0, 0, int32_t(draw.fBitmap->fWidth), int32_t(draw.fBitmap->fHeight)},
         fShown(fDevice) {}
 
@@ -121,7 +120,7 @@ class GlyphPainter {
   const hsRegion* fClip;
   hsGBounder* fBounder;
   uint8_t fMaskType;
-  hsGBlitterRef fBlitter;
+  const hsRef<hsGBlitter> fBlitter;
   hsIntRect fDevice, fShown;
   hsRegion fWhole;
 };
@@ -164,7 +163,7 @@ void DrawTurnedGlyphs(hsGRawDraw* draw, hsGTextContext& plain, const hsPoint map
   for (uint32_t i = 0; i < plain.Count();) {
     hsMatrix turned = *draw->fMatrix;
     turned.PreSinCos(directions[i].fX, directions[i].fY, 0, 0);
-    const hsGTextContextRef context(draw->fAttr->GetTextContext(&turned));
+    const auto context = hsAdopt(draw->fAttr->GetTextContext(&turned));
     GlyphPainter painter(*draw, context->MaskType(), draw->fBounder);
     const hsPoint direction = directions[i];
     for (; i < plain.Count() && directions[i] == direction; ++i) {
@@ -181,7 +180,7 @@ void hsGRawDraw::DrawText(uint32_t length, const void* text, hsScalar x, hsScala
   Check();
   if (length == 0 || !text) return;
   const TextCall call(*this, length, text);
-  const hsGTextContextRef& context = call.context;
+  hsGTextContext* const context = call.context.get();
   const uint32_t count = call.count;
   if (count == 0) return;
   hsGGlyph* glyphs;
@@ -209,7 +208,7 @@ void hsGRawDraw::DrawPosText(uint32_t length, const void* text, const hsPoint po
   Check();
   if (length == 0 || !text) return;
   const TextCall call(*this, length, text);
-  const hsGTextContextRef& context = call.context;
+  hsGTextContext* const context = call.context.get();
   const uint32_t count = call.count;
   if (count == 0) return;
   hsGGlyph* glyphs = context->GetGlyphs();
@@ -233,7 +232,7 @@ void hsGRawDraw::DrawFastText(uint32_t length, const void* text, hsPoint* point,
   if (!hsAssert(spacing.fAlignment == 0, "DrawFastText only does left-alignment")) return;
   const hsDescriptor* desc = fAttr->SimpleStrikeDesc();
   if (!hsAssert(desc, "oops")) return;
-  hsGStrike* strike = hsGStrike::FindOrCreate(desc);
+  const auto strike = hsAdopt(hsGStrike::FindOrCreate(desc));
   hsFixed x = hsWrapAdd(point->fX, kFixedHalf);
   {
     // Labels: the rows are not rounded, and no bounder hears of single glyphs.
@@ -248,15 +247,14 @@ void hsGRawDraw::DrawFastText(uint32_t length, const void* text, hsPoint* point,
       if (spaced) x = hsWrapAdd(x, bytes[i] == 0x20 ? spacing.fWordExtra : spacing.fCharExtra);
     }
   }
-  strike->Release();
   const hsFixed end = hsWrapSub(x, kFixedHalf);
   if (underline && underline->fThickness > 0) {
     const hsFixed top = hsWrapAdd(point->fY, underline->fPosition);
     const hsRect rect = {point->fX, top, end, hsWrapAdd(top, underline->fThickness)};
     if (!fBounder || !fBounder->BoundFixedRect(rect, *fMatrix, fClip, nullptr, false)) {
       hsRegion storage;
-      const hsGBlitterRef blitter(GetBlitter(kMask_Bit));
-      HSScan::FillRect(&rect, ClipOrBitmap(&storage), blitter, true);
+      const auto blitter = hsAdopt(GetBlitter(kMask_Bit));
+      HSScan::FillRect(&rect, ClipOrBitmap(&storage), blitter.get(), true);
     }
   }
   point->fX = end;

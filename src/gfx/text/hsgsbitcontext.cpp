@@ -22,7 +22,7 @@ constexpr uint32_t kSmallMetrics = 5, kBigMetrics = 8;
 class Access {
  public:
   explicit Access(hsGFontScaler* font) : fFont(font) { fFont->Acquire(); }
-  ~Access() noexcept(false) { fFont->Release(); }
+  ~Access() { fFont->Release(); }
   Access(const Access&) = delete;
   Access& operator=(const Access&) = delete;
 
@@ -81,10 +81,9 @@ std::vector<uint8_t> Expanded(const std::vector<uint8_t>& bits, int32_t width, i
 hsGSbitContext::hsGSbitContext(const hsDescriptor* desc, bool) : hsGScalerContext(desc) {
   fMaskType = fRecord.fFlags & hsGScalerRecord::kAntiAlias ? kMask_Alpha : kMask_Bit;
   // The registry makes no other kind of font.
-  fFont = static_cast<hsGFontT2K*>(hsGFontRegistry::GetFontByID(fRecord.fFontID));
+  fFont = hsShare(static_cast<hsGFontT2K*>(hsGFontRegistry::GetFontByID(fRecord.fFontID)));
   if (!hsAssert(fFont, "font is nil")) return;
-  fFont->Ref();
-  const Access access(fFont);
+  const Access access(fFont.get());
   if (!hsAssert(LoadTables(), "missing bloc/bdat tables")) return;
 
   const hsMatrix device = MakeDeviceMatrix();
@@ -99,10 +98,6 @@ hsGSbitContext::hsGSbitContext(const hsDescriptor* desc, bool) : hsGScalerContex
   const hsFixed perPixel[2] = {reciprocal(kPpemX), reciprocal(kPpemY)};
   for (int row = 0; row < 2; ++row)
     for (int axis = 0; axis < 2; ++axis) fResidual.fMap[row][axis] = hsFixMulSat(m[row][axis], perPixel[axis]);
-}
-
-hsGSbitContext::~hsGSbitContext() noexcept(false) {
-  if (fFont) fFont->UnRef();
 }
 
 hsMatrix hsGSbitContext::MakeDeviceMatrix() const {
@@ -228,7 +223,7 @@ void hsGSbitContext::GenerateMetrics(hsGGlyph* glyph) {
   glyph->fLeft = glyph->fTop = glyph->fAdvanceX = glyph->fAdvanceY = 0;
   glyph->fGlyphID = 0;
   if (!fFont) return;
-  const Access access(fFont);
+  const Access access(fFont.get());
   const Entry entry = FindEntry(glyph->fCharCode);
   if (entry.imageFormat == 0) return;
   glyph->fWidth = uint16_t(entry.width);
@@ -276,7 +271,7 @@ bool hsGSbitContext::GenerateImage(const hsGGlyph& glyph, uint8_t* buffer) {
   const bool grey = fMaskType == kMask_Alpha;
   const uint32_t rowBytes = glyph.fRowBytes;
   std::memset(buffer, 0, size_t{rowBytes} * glyph.fHeight);
-  const Access access(fFont);
+  const Access access(fFont.get());
   const Entry entry = FindEntry(glyph.fCharCode);
   if (entry.imageFormat == 0) return false;
   const std::vector<uint8_t> bytes = Expanded(Unpack(entry), entry.width, entry.height);

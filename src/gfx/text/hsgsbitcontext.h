@@ -14,7 +14,6 @@ class hsGSbitContext : public hsGScalerContext {
  public:
   // "font is nil", "missing bloc/bdat tables", "count is 0"; such a context has no glyphs.
   hsGSbitContext(const hsDescriptor* desc, bool unicode);
-  ~hsGSbitContext() noexcept(false) override;
 
   void GetFontMetrics(hsPoint* ascent, hsPoint* descent, hsPoint* baseline) override;
 
@@ -40,7 +39,7 @@ class hsGSbitContext : public hsGScalerContext {
   std::vector<uint8_t> ReadData(uint32_t offset, uint32_t length);
   std::vector<uint8_t> Unpack(const Entry& entry);
 
-  hsGFontT2K* fFont = nullptr;
+  hsRef<hsGFontT2K> fFont;
   uint32_t fDataOffset = 0, fDataLength = 0;  // of the bitmaps' table
   std::vector<uint8_t> fLocation;             // the table that tells where they are
   uint32_t fStrike = 0;                       // offset of the chosen size record; 0 for none

@@ -38,9 +38,9 @@ hsDescriptor* PlainCopy(const hsDescriptor* desc, hsGScalerRecord record) {
   return plain;
 }
 
-// The effect of an entry, made for the text size, with a reference; nil without one.
+// The effect of an entry, made for the text size; null without one.
 template <class Effect>
-Effect* RebuildEffect(const hsDescriptor* desc, uint32_t tag, hsFixed textSize) {
+hsRef<Effect> RebuildEffect(const hsDescriptor* desc, uint32_t tag, hsFixed textSize) {
   int32_t length = 0;
   const void* data = hsDescriptor::Find(desc, tag, &length);
   if (!data) return nullptr;
@@ -51,15 +51,9 @@ Effect* RebuildEffect(const hsDescriptor* desc, uint32_t tag, hsFixed textSize) 
   if (!hsAssert(create, "need create proc")) return nullptr;
   const char* const end = static_cast<const char*>(data) + length;
   const void* cursor = static_cast<const char*>(data) + sizeof number;
-  hsGSizedFlattenable* made = create(&cursor, textSize);
+  const auto made = hsAdopt(create(&cursor, textSize));
   hsAssert(cursor == end, "bad dataLength");
-  auto* effect = dynamic_cast<Effect*>(made);
-  if (made && !effect) made->UnRef();
-  return effect;
-}
-
-void Release(hsRefCnt* shared) {
-  if (shared) shared->UnRef();
+  return hsShare(dynamic_cast<Effect*>(made.get()));
 }
 
 hsIntRect BoundsOf(const hsGGlyph& glyph) {
@@ -105,10 +99,7 @@ hsGScalerContext::hsGScalerContext(const hsDescriptor* desc) {
   if (fRecord.fOutlineWidth != 0 || fPathEffect || fRasterizer) fStrokeDesc = PlainCopy(desc, fRecord);
 }
 
-hsGScalerContext::~hsGScalerContext() noexcept(false) {
-  Release(fPathEffect);
-  Release(fRasterizer);
-  Release(fMaskFilter);
+hsGScalerContext::~hsGScalerContext() {
   if (fStrokeDesc) hsDescriptor::Delete(fStrokeDesc);
 }
 
@@ -189,9 +180,8 @@ void hsGScalerContext::GetOutline(const hsGGlyph& glyph, hsPath* path) {
 
 void hsGScalerContext::StrokedOutline(const hsGGlyph& glyph, hsPath* path) {
   if (!hsAssert(fStrokeDesc, "need fStrokeDesc")) return;
-  hsGStrike* plain = hsGStrike::FindOrCreate(fStrokeDesc);
+  const auto plain = hsAdopt(hsGStrike::FindOrCreate(fStrokeDesc));
   hsPath outline = *plain->GetPath(plain->GetGlyph(glyph.fCharCode));
-  plain->Release();
   hsFixed width = hsFixMulSat(fRecord.fOutlineWidth, fRecord.fTextSize);
   if (fPathEffect) {
     hsPath changed;
@@ -226,7 +216,7 @@ bool hsGScalerContext::RenderOutline(const hsGGlyph& glyph, uint8_t* buffer) {
 
   const hsMatrix identity;
   hsGAttribute paint(bits ? 0 : uint32_t{hsGAttribute::kAntiAlias});
-  paint.SetRasterizer(fRasterizer);
+  paint.SetRasterizer(fRasterizer.get());
   hsGRawDraw draw;
   draw.fBitmap = &bitmap;
   draw.fMatrix = &identity;

@@ -7,6 +7,7 @@
 
 #include "gfx/foundation/hsdescriptor.h"
 #include "gfx/foundation/hsmatrix.h"
+#include "gfx/foundation/hsref.h"
 #include "gfx/text/hsgglyph.h"
 
 class hsGAttribute;
@@ -56,7 +57,7 @@ class hsGScalerContext {
   explicit hsGScalerContext(const hsDescriptor* desc);
   hsGScalerContext(const hsGScalerContext&) = delete;
   hsGScalerContext& operator=(const hsGScalerContext&) = delete;
-  virtual ~hsGScalerContext() noexcept(false);
+  virtual ~hsGScalerContext();
 
   uint8_t MaskType() const { return fMaskType; }
   bool DoesKerning() const { return fDoesKerning; }
@@ -90,9 +91,8 @@ class hsGScalerContext {
   bool RenderOutline(const hsGGlyph& glyph, uint8_t* buffer);
   bool RenderFiltered(const hsGGlyph& glyph, uint8_t* buffer);
 
-  // Each has a reference, or is nil.
-  hsGPathEffect* fPathEffect = nullptr;
-  hsGRasterizer* fRasterizer = nullptr;
-  hsGMaskFilter* fMaskFilter = nullptr;
+  hsRef<hsGPathEffect> fPathEffect;
+  hsRef<hsGRasterizer> fRasterizer;
+  hsRef<hsGMaskFilter> fMaskFilter;
   hsDescriptor* fStrokeDesc = nullptr;  // of the plain font, for glyphs that are drawn by their outlines; or nil
 };

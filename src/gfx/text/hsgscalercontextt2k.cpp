@@ -57,10 +57,7 @@ void AddContours(const GlyphClass& outline, hsPath* path) {
 }  // namespace
 
 bool hsFontOpens(uint32_t fontID) {
-  hsGT2KRef* ref = hsGT2KRef::Find(hsGFontRegistry::GetFontByID(fontID), kFixed1, true);
-  const bool opens = ref->Open() != nullptr;
-  ref->UnRef();
-  return opens;
+  return hsGT2KRef::Find(hsGFontRegistry::GetFontByID(fontID), kFixed1, true)->Open() != nullptr;
 }
 
 hsGScalerContextT2K::hsGScalerContextT2K(const hsDescriptor* desc)
@@ -74,7 +71,7 @@ hsGScalerContextT2K::hsGScalerContextT2K(const hsDescriptor* desc)
   fDoesKerning = scaler && scaler->font->kern;
 }
 
-hsGScalerContextT2K::~hsGScalerContextT2K() noexcept(false) { fRef->UnRef(); }
+hsGScalerContextT2K::~hsGScalerContextT2K() = default;
 
 T2K* hsGScalerContextT2K::Scaler() {
   T2K* scaler = fRef->Open();

@@ -17,7 +17,7 @@ bool hsFontOpens(uint32_t fontID);
 class hsGScalerContextT2K : public hsGScalerContext {
  public:
   explicit hsGScalerContextT2K(const hsDescriptor* desc);
-  ~hsGScalerContextT2K() noexcept(false) override;
+  ~hsGScalerContextT2K() override;
 
   void GetFontMetrics(hsPoint* ascent, hsPoint* descent, hsPoint* baseline) override;
   void KernGlyphs(uint32_t count, const uint16_t chars[], hsGGlyph glyphs[], hsPoint positions[]) override;
@@ -33,7 +33,7 @@ class hsGScalerContextT2K : public hsGScalerContext {
   uint16_t EngineCode(uint16_t code) const;
   void Purge();
 
-  hsGT2KRef* fRef;
+  hsRef<hsGT2KRef> fRef;
   int fGreyLevel;
   int fCommand;  // kT2KGridFit or none
 };

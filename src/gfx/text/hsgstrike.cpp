@@ -58,7 +58,7 @@ hsGStrike::~hsGStrike() { hsDescriptor::Delete(fDesc); }
 hsGStrike* hsGStrike::FindOrCreate(const hsDescriptor* desc) {
   hsGStrike* strike = hsGGlyphCache::Instance()->Take(desc);
   if (!strike) strike = new hsGStrike(desc);
-  strike->AddRef();
+  strike->Ref();
   return strike;
 }
 

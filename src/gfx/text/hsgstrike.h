@@ -17,9 +17,10 @@ class hsPath;
 
 class hsGStrike {
  public:
-  // Held by the caller until Release.
+  // The caller holds a reference. Release gives one back; Ref and UnRef are for hsRef. "refcount too small".
   static hsGStrike* FindOrCreate(const hsDescriptor* desc);
-  void AddRef() { ++fRefCnt; }
+  void Ref() { ++fRefCnt; }
+  void UnRef() { Release(); }
   void Release();
 
   // A filled record, good until the next lookup. "Cache is not 8bit", "cache is not 16bit".

@@ -3,13 +3,9 @@
 #include <algorithm>
 
 #include "gfx/foundation/hsdebug.h"
+#include "gfx/foundation/hsglibrary.h"
 
 namespace {
-
-std::vector<hsGT2KRef*>& AllRefs() {
-  static auto* refs = new std::vector<hsGT2KRef*>;  // outlives whatever draws text on the way out
-  return *refs;
-}
 
 bool ReadFontBytes(void* id, uint8_t* destination, uint32_t position, uint32_t count) {
   auto* font = static_cast<hsGFontScaler*>(id);
@@ -20,30 +16,19 @@ bool ReadFontBytes(void* id, uint8_t* destination, uint32_t position, uint32_t c
 }  // namespace
 
 hsGT2KRef::hsGT2KRef(hsGFontScaler* font, hsFixed sizeRatio, bool unicode)
-    : fFont(font), fSizeRatio(sizeRatio), fUnicode(unicode) {
-  fFont->Ref();
-}
+    : fFont(hsShare(font)), fSizeRatio(sizeRatio), fUnicode(unicode) {}
 
 hsGT2KRef::~hsGT2KRef() {
+  hsAssert(std::erase(hsGLibrary::Current().fT2KRefs, this) != 0, "UnRefT2K failed");
   Close();
-  fFont->UnRef();
 }
 
-hsGT2KRef* hsGT2KRef::Find(hsGFontScaler* font, hsFixed sizeRatio, bool unicode) {
-  for (hsGT2KRef* ref : AllRefs()) {
-    if (ref->fFont != font || ref->fSizeRatio != sizeRatio || ref->fUnicode != unicode) continue;
-    ++ref->fRefCnt;
-    return ref;
-  }
-  AllRefs().push_back(new hsGT2KRef(font, sizeRatio, unicode));
-  return AllRefs().back();
-}
-
-void hsGT2KRef::UnRef() {
-  if (--fRefCnt > 0) return;
-  const bool known = std::erase(AllRefs(), this) != 0;
-  hsThrowIfFalse(hsAssert(known, "UnRefT2K failed"));
-  delete this;
+hsRef<hsGT2KRef> hsGT2KRef::Find(hsGFontScaler* font, hsFixed sizeRatio, bool unicode) {
+  std::vector<hsGT2KRef*>& refs = hsGLibrary::Current().fT2KRefs;
+  for (hsGT2KRef* ref : refs)
+    if (ref->fFont.get() == font && ref->fSizeRatio == sizeRatio && ref->fUnicode == unicode) return hsShare(ref);
+  refs.push_back(new hsGT2KRef(font, sizeRatio, unicode));
+  return hsAdopt(refs.back());
 }
 
 // Reports a failure with the engine's code, the first one of this font only: text goes on without it.
@@ -60,7 +45,7 @@ bool hsGT2KRef::OpenStream(int* fontType) {
   switch (fFont->Format()) {
     case kFontFormat_TrueType:
       *fontType = kFontTypeSfnt;
-      fStream = New_NonRamInputStream(fMemory, ReadFontBytes, fFont, size, &fError);
+      fStream = New_NonRamInputStream(fMemory, ReadFontBytes, fFont.get(), size, &fError);
       break;
     case kFontFormat_SfntInRam:
       *fontType = kFontTypeSfntInMemory;

@@ -6,11 +6,11 @@
 #include "gfx/text/hsgfontscaler.h"
 #include "t2k/t2k.h"
 
-class hsGT2KRef {
+class hsGT2KRef : public hsRefCnt {
  public:
-  // The state for a font, size ratio and choice of encoding, with one more reference. The font opens on first use.
-  static hsGT2KRef* Find(hsGFontScaler* font, hsFixed sizeRatio, bool unicode);
-  void UnRef();  // "UnRefT2K failed" for one that isn't known
+  // The state for a font, size ratio and choice of encoding; one that nobody holds goes. The font opens on first use.
+  static hsRef<hsGT2KRef> Find(hsGFontScaler* font, hsFixed sizeRatio, bool unicode);
+  ~hsGT2KRef() override;  // "UnRefT2K failed" when the current library doesn't know it
 
   // Opens the font unless it is open. Nil if that fails, which is told once.
   T2K* Open();
@@ -20,20 +20,18 @@ class hsGT2KRef {
 
  private:
   hsGT2KRef(hsGFontScaler* font, hsFixed sizeRatio, bool unicode);
-  ~hsGT2KRef();
 
   bool OpenStream(int* fontType);
   void ChooseEncoding();
   bool Tell(bool failed, const char* words);
 
-  hsGFontScaler* fFont;
+  hsRef<hsGFontScaler> fFont;
   hsFixed fSizeRatio;
   bool fUnicode;
   bool fNeedsTranslation = false;
   bool fCannotOpen = false;
   bool fTold = false;
   bool fIsOpen = false;
-  int32_t fRefCnt = 1;
 
   int fError = 0;
   tsiMemObject* fMemory = nullptr;

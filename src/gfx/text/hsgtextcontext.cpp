@@ -26,7 +26,7 @@ constexpr hsPoint Divided(const hsPoint& p, uint32_t by) {
 
 hsGTextContext::hsGTextContext(const hsGAttribute& attr, const hsDescriptor* strikeDesc, const hsPoint& advanceExtra,
                                const hsPoint& glyphOffset, const hsGUnderline* underline)
-    : fStrike(hsGStrike::FindOrCreate(strikeDesc)),
+    : fStrike(hsAdopt(hsGStrike::FindOrCreate(strikeDesc))),
       fFlags(attr.Flags()),
       fAdvanceExtra(advanceExtra),
       fGlyphOffset(glyphOffset) {
@@ -36,10 +36,7 @@ hsGTextContext::hsGTextContext(const hsGAttribute& attr, const hsDescriptor* str
   fHasUnderline = fUnderline.fThickness > 0;
 }
 
-hsGTextContext::~hsGTextContext() noexcept(false) {
-  FreeRun();
-  fStrike->Release();
-}
+hsGTextContext::~hsGTextContext() { FreeRun(); }
 
 void hsGTextContext::FreeRun() {
   if (fGlyphs) hsMemory::Delete(fGlyphs);

@@ -22,7 +22,7 @@ class hsGTextContext : public hsRefCnt {
   // The underline may be nil.
   hsGTextContext(const hsGAttribute& attr, const hsDescriptor* strikeDesc, const hsPoint& advanceExtra,
                  const hsPoint& glyphOffset, const hsGUnderline* underline);
-  ~hsGTextContext() noexcept(false) override;
+  ~hsGTextContext() override;
 
   // Takes length bytes of text and gives the number of characters. An odd last byte of 16-bit text is dropped.
   uint32_t SetText(uint32_t length, const void* text);
@@ -65,22 +65,8 @@ class hsGTextContext : public hsRefCnt {
   hsGGlyph* fGlyphs = nullptr;
   hsPoint* fPositions = nullptr;  // fCount + 1
   uint16_t* fChars = nullptr;
-  hsGStrike* fStrike;
+  hsRef<hsGStrike> fStrike;
   uint32_t fFlags;  // the attribute's
   hsGUnderline fUnderline{0, 0};
   hsPoint fAdvanceExtra, fGlyphOffset;
-};
-
-// Holds what GetTextContext gives for the length of a scope.
-class hsGTextContextRef {
- public:
-  explicit hsGTextContextRef(hsGTextContext* owned) : fContext(owned) {}
-  ~hsGTextContextRef() noexcept(false) { fContext->UnRef(); }
-  hsGTextContextRef(const hsGTextContextRef&) = delete;
-  hsGTextContextRef& operator=(const hsGTextContextRef&) = delete;
-  hsGTextContext* operator->() const { return fContext; }
-  hsGTextContext& operator*() const { return *fContext; }
-
- private:
-  hsGTextContext* fContext;
 };

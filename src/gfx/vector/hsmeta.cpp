@@ -4,7 +4,6 @@
 #include <cstring>
 
 #include "gfx/foundation/hsdebug.h"
-#include "gfx/foundation/hsflattenable.h"
 #include "gfx/vector/hspath.h"
 
 namespace {
@@ -158,15 +157,4 @@ const hsPath* hsMeta::GetPath(const char* name) const {
 const hsMeta* hsMeta::GetMeta(const char* name) const {
   const Entry* entry = Find(name, kMetaType);
   return entry && hsAssert(entry->fMeta, "bad type") ? entry->fMeta.get() : nullptr;
-}
-
-// What a sized object has to do with descriptions, on the lowest floor that has them.
-
-hsGSizedFlattenable::hsGSizedFlattenable(const hsMeta& meta) : fStdSize(0) {
-  if (!meta.GetBounded("stdSize", &fStdSize) || fStdSize < 0) fStdSize = 0;
-}
-
-void hsGSizedFlattenable::Describe(hsMeta* meta, hsMeta* writer) const {
-  if (meta) meta->AddBounded("stdSize", 0, 0, INT32_MAX);
-  if (writer && fStdSize > 0) writer->AddBounded("stdSize", fStdSize, 0, INT32_MAX);
 }

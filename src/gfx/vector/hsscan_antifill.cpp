@@ -28,6 +28,7 @@ void Supersample(const hsRect& shape, const hsRegion* clip, hsGBlitter* blitter,
                       bounds.fBottom * kSamples);
   hsSuperBlitter super(bounds, clip && !clip->IsRect() ? clip : nullptr, blitter);
   fill(needSuperClip ? &superClip : nullptr, &super);
+  super.Finish();
 }
 
 }  // namespace

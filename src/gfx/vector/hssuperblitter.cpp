@@ -60,10 +60,6 @@ hsSuperBlitter::hsSuperBlitter(const hsIntRect& bounds, const hsRegion* clip, hs
   if (!fClip) fRealBlitter->fAlpha = Bytes();
 }
 
-hsSuperBlitter::~hsSuperBlitter() noexcept(false) {
-  if (fDirty) Flush(false);
-}
-
 void hsSuperBlitter::BlitH(int32_t y, int32_t x, int32_t width) {
   y -= fSuperTop;
   x -= fSuperLeft;
@@ -76,6 +72,11 @@ void hsSuperBlitter::BlitH(int32_t y, int32_t x, int32_t width) {
   }
   AddSpan(y & (kSamples - 1), x, width);
   fDirty = true;
+}
+
+void hsSuperBlitter::Finish() {
+  if (fDirty) Flush(false);
+  fDirty = false;
 }
 
 void hsSuperBlitter::AddSpan(int32_t subRow, int32_t x, int32_t width) {

@@ -17,11 +17,11 @@ class hsSuperBlitter : public hsGBlitter {
 
   // Rows of bounds (pixels) go to realBlitter: whole when clip is nil, otherwise the pieces that lie in clip.
   hsSuperBlitter(const hsIntRect& bounds, const hsRegion* clip, hsGBlitter* realBlitter);
-  // Passes on the last row and takes the coverage away from the real blitter.
-  ~hsSuperBlitter() noexcept(false) override;
 
   // In samples, ascending and without overlap.
   void BlitH(int32_t y, int32_t x, int32_t width) override;
+  // Passes on the last row; the end of every shape.
+  void Finish();
 
  private:
   static constexpr int32_t kNoRow = 0x7FFFFFFF;

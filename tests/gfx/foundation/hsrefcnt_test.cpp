@@ -25,21 +25,23 @@ TEST(RefCnt, DiesWithTheLastReference) {
 
 TEST(RefCnt, AssigningAnObjectToItsOwnFieldKeepsIt) {
   int alive = 0;
-  Counted* field = new Counted(&alive);
-  hsRefAssign(field, field);
+  hsRef<Counted> field = hsMake<Counted>(&alive);
+  field = hsShare(field.get());
   EXPECT_EQ(alive, 1);
   EXPECT_EQ(field->RefCount(), 1);
-  hsRefAssign<Counted>(field, nullptr);
+  field.reset();
   EXPECT_EQ(alive, 0);
 }
 
 TEST(RefCnt, DestroyedWhileSharedReports) {
   int alive = 0;
-  EXPECT_EQ(AssertOf([&] {
-              Counted c(&alive);
-              c.Ref();
-            }),
-            "fRefCnt != 1");
+  ReturnOnHalt halt;
+  {
+    Counted c(&alive);
+    c.Ref();
+  }
+  ASSERT_EQ(ReturnOnHalt::Reports().size(), 1u);
+  EXPECT_NE(ReturnOnHalt::Reports()[0].find("fRefCnt != 1"), std::string::npos);
 }
 
 }  // namespace

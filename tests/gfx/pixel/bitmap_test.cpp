@@ -63,7 +63,7 @@ TEST(Bitmap, KeepsItsTableOnlyWhileItHasAPalette) {
     b = *&b;
     EXPECT_EQ(table->RefCount(), 3);
     b.SetConfig(hsGBitmap::kConfig_Alpha8);
-    EXPECT_EQ(b.fColorTable, nullptr);
+    EXPECT_FALSE(b.fColorTable);
     a.SetFlags(0xFF);
     EXPECT_EQ(a.fFlags, 7);
   }

@@ -235,7 +235,8 @@ void Xfer(hsGXferMode& mode, const std::vector<uint32_t>& colors, int x, int y, 
   switch (model->bitmap.fConfig) {
     case hsGBitmap::kConfig_RGB16: return mode.Xfer16(count, colors.data(), model->bitmap.Row<uint16_t>(y) + x, alpha);
     case hsGBitmap::kConfig_Index8:
-      return mode.Xfer8(count, colors.data(), model->bitmap.Row<uint8_t>(y) + x, model->bitmap.fColorTable, alpha);
+      return mode.Xfer8(count, colors.data(), model->bitmap.Row<uint8_t>(y) + x, model->bitmap.fColorTable.get(),
+                        alpha);
     default: {
       std::vector<uint8_t> bytes;
       for (uint32_t c : colors) bytes.push_back(uint8_t(c >> 24));

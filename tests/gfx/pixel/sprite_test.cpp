@@ -3,7 +3,7 @@
 
 #include "gfx/halt.h"
 #include "gfx/pixel/hsgalphamode.h"
-#include "gfx/pixel/hsgspriteblitter.h"
+#include "gfx/pixel/hsgsprite_choose.h"
 #include "gfx/pixel/pixelmodel.h"
 
 namespace {
@@ -183,7 +183,7 @@ TEST(Sprite, EveryMemberFollowsItsRule) {
         const int start = x - int(colors.size());
         const B& bitmap = model.bitmap;
         if (bitmap.fPixelSize == 8) {
-          through->Xfer8(int(colors.size()), colors.data(), bitmap.Row<uint8_t>(y) + start, bitmap.fColorTable,
+          through->Xfer8(int(colors.size()), colors.data(), bitmap.Row<uint8_t>(y) + start, bitmap.fColorTable.get(),
                          nullptr);
         } else if (bitmap.fPixelSize == 16) {
           through->Xfer16(int(colors.size()), colors.data(), bitmap.Row<uint16_t>(y) + start, nullptr);

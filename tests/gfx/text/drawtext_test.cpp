@@ -144,7 +144,7 @@ TEST_F(TextTest, OutliningWidensGlyphs) {
 
 TEST_F(TextTest, GreyGlyphsKeepTheEnginesCoverage) {
   fAttr.SetFlags(fAttr.Flags() | hsGAttribute::kAntiAlias);
-  const hsGTextContextRef context(fAttr.GetTextContext(nullptr));
+  const auto context = hsAdopt(fAttr.GetTextContext(nullptr));
   context->SetText(1, "a");
   hsGGlyph* glyph = context->GetGlyphs();
   EXPECT_EQ(context->MaskType(), kMask_Alpha);

@@ -38,7 +38,7 @@ TEST_F(GlyphCacheTest, AnImageIsRenderedOnceAndAgainBehindAPurge) {
   Draw("aa", 5_px, 20_px);
   EXPECT_EQ(hsGGlyphCache::ImageBytes(), bytes);
 
-  const hsGTextContextRef context(fAttr.GetTextContext(nullptr));
+  const auto context = hsAdopt(fAttr.GetTextContext(nullptr));
   context->SetText(2, "aa");
   hsGGlyph* glyphs = context->GetGlyphs();
   EXPECT_NE(glyphs[0].fImage, nullptr);

@@ -77,7 +77,7 @@ class TextTest : public testing::Test {
   std::vector<hsFixed> Positions(const std::string& text) {
     hsGTextSpacing spacing;
     const bool spaced = fAttr.GetTextSpacing(&spacing);
-    const hsGTextContextRef context(fAttr.GetTextContext(nullptr));
+    const auto context = hsAdopt(fAttr.GetTextContext(nullptr));
     const uint32_t count = context->SetText(uint32_t(text.size()), text.data());
     const hsPoint* positions = context->GetPositions(nullptr, spaced ? &spacing : nullptr);
     std::vector<hsFixed> xs;

@@ -72,6 +72,7 @@ TEST(SuperBlitter, SumsEachSpanByTheRule) {
           super.BlitH(12 + subRow, x, width);
           x += width + int(random() % 40);
         }
+      super.Finish();
     }
     for (int x = 0; x < kModelSize; ++x) ASSERT_EQ(blitter.covered[3][x], want[x]) << i << " at " << x;
   }

@@ -1,9 +1,9 @@
+// Paths drawn through a mask filter.
 #include "gfx/pixel/hsgmaskfilter.h"
 
 #include <cstring>
 
 #include "gfx/foundation/hsdebug.h"
-#include "gfx/pixel/blitterref.h"
 #include "gfx/pixel/hsgmask.h"
 #include "gfx/pixel/hsgrawdraw.h"
 #include "gfx/vector/hsscan.h"
@@ -48,6 +48,6 @@ void hsGMaskFilter::DrawPath(const hsGRawDraw& raw, const hsPath& path, const hs
   hsGMask filtered;
   const hsGMask& result = filter->FilterMask(mask, matrix, &filtered) ? filtered : mask;
   if (!result.fImage || !clip->Bounds().Intersects(result.fBounds)) return;
-  const hsGBlitterRef blitter(raw.GetBlitter(result.fMaskType));
+  const auto blitter = hsAdopt(raw.GetBlitter(result.fMaskType));
   blitter->BlitMask(result, clip);
 }

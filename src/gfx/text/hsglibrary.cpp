@@ -1,0 +1,27 @@
+#include "gfx/foundation/hsglibrary.h"
+
+#include <utility>
+
+#include "gfx/text/hsgfontset.h"
+#include "gfx/text/hsgglyphcache.h"
+
+namespace {
+
+thread_local hsGLibrary* tCurrent = nullptr;  // which library a thread works for is a fact of the thread
+
+}  // namespace
+
+hsGLibrary::hsGLibrary() : fFonts(std::make_unique<hsGFontSet>()) {}
+
+hsGLibrary::~hsGLibrary() {
+  const hsGLibraryScope scope(*this);  // strikes give back their font engines to the library that is current
+  hsGGlyphCache::Shutdown();
+}
+
+hsGLibrary& hsGLibrary::Current() {
+  if (tCurrent) return *tCurrent;
+  thread_local hsGLibrary own;  // for programs without an engine
+  return own;
+}
+
+hsGLibrary* hsGLibrary::SetCurrent(hsGLibrary* library) { return std::exchange(tCurrent, library); }
