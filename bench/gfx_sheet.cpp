@@ -16,7 +16,7 @@
 #include "gfx/pixel/hsgxfermode.h"
 #include "gfx/vector/hsgpatheffect.h"
 #include "gfx/vector/hspathiter.h"
-#include "kpg/png.h"
+#include "kit/pictures/png.h"
 
 namespace {
 

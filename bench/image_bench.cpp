@@ -6,9 +6,9 @@
 #include "engine/screen/display.h"
 #include "engine/images/imagecache.h"
 #include "host/headless/headlessdesktop.h"
-#include "kpg/clutfile.h"
-#include "kpg/kpxfile.h"
-#include "kpg/standardclut.h"
+#include "kit/pictures/clutfile.h"
+#include "kit/pictures/kpxfile.h"
+#include "kit/pictures/standardclut.h"
 
 namespace {
 

@@ -11,8 +11,8 @@
 
 #include "engine/screen/display.h"
 #include "host/headless/headlessdesktop.h"
-#include "kpg/files.h"
-#include "kpg/pagewriter.h"
+#include "kit/files.h"
+#include "kit/source/pagewriter.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "host/headless/headlessdesktop.h"
-#include "kpg/files.h"
-#include "kpg/pagebuild.h"
+#include "kit/files.h"
+#include "kit/source/pagebuild.h"
 
 namespace {
 
@@ -31,7 +31,7 @@ std::string tenBoxes() {
 bool open(HeadlessDesktop& desktop, const std::string& source) {
   std::filesystem::current_path(std::filesystem::temp_directory_path());
   writeFile("vistrel-script-bench.yaml", source.data(), source.size());
-  buildPage("vistrel-script-bench.yaml", "vistrel-script-bench.kpg", [](const std::string&) {});
+  buildPage("vistrel-script-bench.yaml", "vistrel-script-bench.kpg");
   desktop.start();
   if (!desktop.shell.loadPage("vistrel-script-bench.kpg")) return false;
   desktop.settle();

@@ -9,8 +9,8 @@
 #include "engine/page/redraw.h"
 #include "gfx/text/hsgglyphcache.h"
 #include "host/headless/headlessdesktop.h"
-#include "kpg/files.h"
-#include "kpg/pagebuild.h"
+#include "kit/files.h"
+#include "kit/source/pagebuild.h"
 
 namespace {
 
@@ -42,7 +42,7 @@ void drawPage(benchmark::State& state, bool warm) {
   std::filesystem::current_path(std::filesystem::temp_directory_path());
   const std::string source = pageOfText(state.range(0));
   writeFile("vistrel-text.yaml", source.data(), source.size());
-  buildPage("vistrel-text.yaml", "vistrel-text.kpg", [](const std::string&) {});
+  buildPage("vistrel-text.yaml", "vistrel-text.kpg");
   HeadlessDesktop desktop;
   desktop.start();
   if (!desktop.shell.loadPage("vistrel-text.kpg")) return state.SkipWithError("the page does not load");

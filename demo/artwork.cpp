@@ -6,7 +6,7 @@
 #include <functional>
 #include <string>
 
-#include "kpg/png.h"
+#include "kit/pictures/png.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 // Pictures and colour tables as the kit reads them.
-#include "kpg/clutfile.h"
-#include "kpg/enginecolors.h"
-#include "kpg/errors.h"
-#include "kpg/gifpicture.h"
-#include "kpg/kpxfile.h"
-#include "kpg/png.h"
+#include "kit/pictures/clutfile.h"
+#include "kit/pictures/enginecolors.h"
+#include "kit/errors.h"
+#include "kit/pictures/gifpicture.h"
+#include "kit/pictures/kpxfile.h"
+#include "kit/pictures/png.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::vector<uint8_t> bytes(data, data + size);
@@ -17,7 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
        }) {
     try {
       read(bytes);
-    } catch (const CommandError&) {  // as it should
+    } catch (const KitError&) {  // as it should
     }
   }
   return 0;

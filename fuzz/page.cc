@@ -10,8 +10,8 @@
 #include <fstream>
 
 #include "host/headless/headlessdesktop.h"
-#include "kpg/dump.h"
-#include "kpg/errors.h"
+#include "kit/source/pagedump.h"
+#include "kit/errors.h"
 
 namespace {
 
@@ -49,7 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   for (size_t i = 0; i < data[0]; ++i) act(desktop, actions[i]);
   try {
     dumpPage("p", {page, data + size});
-  } catch (const CommandError&) {
+  } catch (const KitError&) {
   }
   return 0;
 }

@@ -10,8 +10,8 @@
 #include <string>
 
 #include "host/headless/headlessdesktop.h"
-#include "kpg/files.h"
-#include "kpg/pagebuild.h"
+#include "kit/files.h"
+#include "kit/source/pagebuild.h"
 
 namespace {
 
@@ -80,7 +80,7 @@ void enterFolder() {
     for (const auto& [page, other] : {std::pair("one", "two"), std::pair("two", "one")}) {
       const std::string source = pageSource(std::string(other) + ".kpg");
       writeFile(std::string(page) + ".yaml", source.data(), source.size());
-      buildPage(std::string(page) + ".yaml", std::string(page) + ".kpg", [](const std::string&) {});
+      buildPage(std::string(page) + ".yaml", std::string(page) + ".kpg");
     }
     return true;
   }();

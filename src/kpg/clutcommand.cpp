@@ -1,11 +1,10 @@
 // kpg clut: makes colour tables.
 #include <memory>
 
-#include "kpg/clutfile.h"
+#include "kit/errors.h"
+#include "kit/pictures/convertpicture.h"
+#include "kit/pictures/standardclut.h"
 #include "kpg/commands.h"
-#include "kpg/enginecolors.h"
-#include "kpg/errors.h"
-#include "kpg/standardclut.h"
 
 namespace {
 
@@ -17,17 +16,12 @@ struct ClutOptions {
 };
 
 void makeTable(const ClutOptions& options) {
-  if (options.standard != options.pictures.empty()) throw CommandError("kpg clut: takes either pictures or --standard");
+  if (options.standard != options.pictures.empty()) throw KitError("kpg clut: takes either pictures or --standard");
   if (options.standard) {
     const auto colors = standardClut();
     return writeClutFile(options.output, {colors.begin(), colors.end()});
   }
-  std::vector<uint32_t> pixels;
-  for (const std::string& path : options.pictures) {
-    const auto more = toEngineColors(readPicture(path), {});
-    pixels.insert(pixels.end(), more.begin(), more.end());
-  }
-  writeClutFile(options.output, makeClut(pixels, options.most));
+  writeClutFile(options.output, clutOfPictures(options.pictures, options.most));
 }
 
 }  // namespace

@@ -9,4 +9,7 @@ void addShotCommand(CommandLine& line);
 void addClutCommand(CommandLine& line);
 void addFontCommand(CommandLine& line);
 void addImageCommand(CommandLine& line);
-void addBobCommands(CommandLine& line);  // run, eval, compile, decode
+void addRunCommand(CommandLine& line);
+void addEvalCommand(CommandLine& line);
+void addCompileCommand(CommandLine& line);
+void addDecodeCommand(CommandLine& line);

@@ -2,9 +2,9 @@
 #include <iostream>
 #include <memory>
 
+#include "kit/files.h"
+#include "kit/source/pagedump.h"
 #include "kpg/commands.h"
-#include "kpg/dump.h"
-#include "kpg/files.h"
 
 void addDumpCommand(CommandLine& line) {
   auto page = std::make_shared<std::string>();

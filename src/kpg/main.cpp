@@ -13,6 +13,9 @@ int main(int argc, char** argv) {
   addClutCommand(line);
   addFontCommand(line);
   addImageCommand(line);
-  addBobCommands(line);
+  addRunCommand(line);
+  addEvalCommand(line);
+  addCompileCommand(line);
+  addDecodeCommand(line);
   return line.run(argc, argv);
 }

@@ -3,49 +3,26 @@
 #include <iostream>
 #include <memory>
 
-#include "host/headless/headlessdesktop.h"
+#include "kit/errors.h"
+#include "kit/files.h"
+#include "kit/pictures/png.h"
+#include "kit/run/pagerun.h"
+#include "kit/run/stdoutaside.h"
 #include "kpg/commands.h"
-#include "kpg/errors.h"
-#include "kpg/files.h"
-#include "kpg/png.h"
-#include "kpg/stdoutaside.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-struct Action {
-  enum Kind { key, wait, eval } kind;
-  std::string argument;
-};
-
 struct ShotOptions {
   std::string page, output, log;
   bool readOnly = false;
-  std::vector<Action> actions;
+  std::vector<PageAction> actions;
 };
-
-void perform(HeadlessDesktop& desktop, const Action& action) {
-  switch (action.kind) {
-    case Action::key: desktop.key(action.argument); return desktop.settle();
-    case Action::wait: return desktop.wait(uint32_t(std::stoul(action.argument)));
-    case Action::eval: desktop.typeLine(action.argument); return desktop.settle();
-  }
-}
 
 std::string lastLine(std::string log) {
   while (!log.empty() && log.back() == '\n') log.pop_back();
   return log.substr(log.rfind('\n') + 1);
-}
-
-// True when the page loaded.
-bool play(HeadlessDesktop& desktop, const ShotOptions& options) {
-  desktop.start();
-  desktop.settle();
-  if (!desktop.shell.loadPage(fs::absolute(options.page).string())) return false;
-  desktop.settle();
-  for (const Action& action : options.actions) perform(desktop, action);
-  return true;
 }
 
 void writeLog(const std::string& path, const std::string& log) {
@@ -56,33 +33,33 @@ void writeLog(const std::string& path, const std::string& log) {
   }
 }
 
-// Names are taken against the folder of the call; the page changes it.
+// Names are relative to the folder of the call; the page changes it.
 std::string againstHere(const std::string& path) {
   return path.empty() || path == "-" ? path : fs::absolute(path).string();
+}
+
+struct Shot {
+  bool loaded;
+  std::string log;
+  PagePicture picture;
+};
+
+Shot play(const ShotOptions& options) {
+  const StandardOutputAside aside;
+  PageRun run(options.readOnly);
+  if (!run.load(options.page)) return {false, run.log(), {}};
+  for (const PageAction& action : options.actions) run.act(action);
+  return {true, run.log(), run.take()};
 }
 
 void shoot(ShotOptions options) {
   if (options.output.empty()) options.output = fs::path(options.page).stem().string() + ".png";
   options.output = againstHere(options.output);
   options.log = againstHere(options.log);
-
-  bool loaded;
-  std::string log;
-  int width, height;
-  std::vector<uint32_t> window;
-  {
-    const StandardOutputAside aside;
-    HeadlessDesktop desktop;
-    desktop.shell.engine.scriptsMayWriteFiles = !options.readOnly;
-    loaded = play(desktop, options);
-    log = desktop.log;
-    width = desktop.shell.screen.screenWidth;
-    height = desktop.shell.screen.screenHeight;
-    window = desktop.shell.screen.take();
-  }
-  writeLog(options.log, log);
-  if (!loaded) throw CommandError(lastLine(log));
-  writePng(options.output, width, height, window);
+  const Shot shot = play(options);
+  writeLog(options.log, shot.log);
+  if (!shot.loaded) throw KitError(lastLine(shot.log));
+  writePng(options.output, shot.picture.width, shot.picture.height, shot.picture.pixels);
 }
 
 std::string checkKey(const std::string& name) {
@@ -101,14 +78,14 @@ void addShotCommand(CommandLine& line) {
 
   command.flag("--read-only", options->readOnly, "Let no script write a file");
 
-  const auto addAction = [&](const char* name, Action::Kind kind, const char* help, const char* type) {
+  const auto addAction = [&](const char* name, PageAction::Kind kind, const char* help, const char* type) {
     const auto take = [options, kind](const std::string& argument) { options->actions.push_back({kind, argument}); };
     return command.each(name, take, help).type(type).group("Actions");
   };
-  addAction("--key", Action::key,
+  addAction("--key", PageAction::key,
             "Press Up Down Left Right Select Clear Backspace UpLeft UpRight DownLeft DownRight 0..9 or S", "NAME")
       .check(checkKey);
-  addAction("--wait", Action::wait, "Let MS milliseconds pass", "MS").between(0, 1'000'000'000);
-  addAction("--eval", Action::eval, "Type TEXT at the console and press Enter", "TEXT");
+  addAction("--wait", PageAction::wait, "Let MS milliseconds pass", "MS").between(0, 1'000'000'000);
+  addAction("--eval", PageAction::eval, "Type TEXT at the console and press Enter", "TEXT");
   command.runs([options] { shoot(*options); });
 }

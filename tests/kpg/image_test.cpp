@@ -1,9 +1,9 @@
 // Pictures from the author's file to the player's screen.
 #include "engine/images/imagecache.h"
 #include "host/color.h"
-#include "kpg/clutfile.h"
-#include "kpg/kpxfile.h"
-#include "kpg/png.h"
+#include "kit/pictures/clutfile.h"
+#include "kit/pictures/kpxfile.h"
+#include "kit/pictures/png.h"
 #include "kpgfixture.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include <sys/wait.h>
 
-#include "kpg/files.h"
+#include "kit/files.h"
 #include "support/pagefixture.h"
 
 class KpgTest : public PageTest {

@@ -7,7 +7,7 @@
 #include "engine/text/textstyle.h"
 #include "engine/events/value.h"
 #include "gfx/foundation/hsdebug.h"
-#include "kpg/files.h"
+#include "kit/files.h"
 
 namespace {
 

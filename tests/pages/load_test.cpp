@@ -4,7 +4,7 @@
 
 #include "engine/screen/display.h"
 #include "engine/page/language.h"
-#include "kpg/base64.h"
+#include "kit/source/base64.h"
 #include "support/pagefixture.h"
 
 namespace {

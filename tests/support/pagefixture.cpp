@@ -5,8 +5,8 @@
 #include <fstream>
 
 #include "engine/engine.h"
-#include "kpg/files.h"
-#include "kpg/pagebuild.h"
+#include "kit/files.h"
+#include "kit/source/pagebuild.h"
 
 namespace fs = std::filesystem;
 
@@ -30,7 +30,7 @@ void PageTest::writeText(const std::string& name, const std::string& text) {
 
 void PageTest::build(const std::string& name, const std::string& source) {
   writeText(name + ".yaml", source);
-  buildPage(name + ".yaml", name, [](const std::string&) {});
+  buildPage(name + ".yaml", name);
 }
 
 bool PageTest::loadFile(const std::string& name) {

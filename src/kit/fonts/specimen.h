@@ -1,0 +1,8 @@
+// A picture of what a font looks like on the player.
+#pragma once
+
+#include <string>
+
+// A pangram at several sizes, each in the four looks of a text style: plain, gridfit, antialias, both. The font must be
+// one that the player can draw with. Throws KitError.
+void writeFontSpecimen(const std::string& font, const std::string& picture);

@@ -1,0 +1,40 @@
+#include "kit/pictures/clutfile.h"
+
+#include <algorithm>
+
+#include "host/color.h"
+#include "kit/files.h"
+#include "kit/pictures/quantize.h"
+
+std::vector<uint32_t> parseClut(const std::vector<uint8_t>& bytes) {
+  std::vector<uint32_t> colors;
+  for (size_t at = 1; at + 4 <= bytes.size() && colors.size() < kMaxClutColors; at += 4)
+    colors.push_back(uint32_t(bytes[at]) << 24 | uint32_t(bytes[at + 1]) << 16 | uint32_t(bytes[at + 2]) << 8);
+  if (colors.size() > kTransparentIndex) colors[kTransparentIndex] = 0;
+  return colors;
+}
+
+std::vector<uint32_t> readClutFile(const std::string& path) { return parseClut(readFile(path)); }
+
+void writeClutFile(const std::string& path, const std::vector<uint32_t>& colors) {
+  std::vector<uint8_t> bytes = {0};
+  for (uint32_t color : colors)
+    for (int shift = 24; shift >= 0; shift -= 8) bytes.push_back(uint8_t(color >> shift));
+  writeFile(path, bytes.data(), bytes.size());
+}
+
+std::vector<uint32_t> makeClut(const std::vector<uint32_t>& pixels, size_t most) {
+  const std::vector<uint32_t> given = {rgbToYCrCb(0), rgbToYCrCb(0xFFFFFF00)};
+  const std::vector<uint32_t> chosen =
+      choosePalette(countColors(pixels), given, std::min(most - given.size(), kMostChosenColors));
+  std::vector<uint32_t> table(kMaxClutColors, given[0]);
+  size_t index = 0;
+  for (uint32_t color : chosen) {
+    if (index == kBlackIndex) index = kTransparentIndex + 1;
+    table[index++] = color;
+  }
+  table[kBlackIndex] = given[0];
+  table[kWhiteIndex] = given[1];
+  table[kTransparentIndex] = 0;
+  return table;
+}

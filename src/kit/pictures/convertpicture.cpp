@@ -1,0 +1,73 @@
+#include "kit/pictures/convertpicture.h"
+
+#include <filesystem>
+
+#include "engine/images/imagecache.h"
+#include "kit/errors.h"
+#include "kit/pictures/dither.h"
+#include "kit/pictures/enginecolors.h"
+#include "kit/pictures/kpxfile.h"
+#include "kit/pictures/picture.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// A picture that not even the empty cache takes would never show. A page's name for it is at least its file's.
+void checkMemory(const std::string& path, const Picture& picture, const std::string& output) {
+  const uint64_t need =
+      imageMemory(uint64_t{picture.width} * picture.height, fs::path(output).filename().string().size());
+  if (need <= imageMemoryLimit()) return;
+  throw KitError(path, std::to_string(picture.width) + " x " + std::to_string(picture.height) + " pixels take " +
+                           std::to_string(need) + " bytes; the player has " + std::to_string(imageMemoryLimit()) +
+                           " for all pictures");
+}
+
+std::vector<uint32_t> tableOf(const PictureOptions& options, const std::vector<uint32_t>& pixels) {
+  if (options.clut.empty()) return makeClut(pixels, options.most);
+  std::vector<uint32_t> table = readClutFile(options.clut);
+  if (table.empty()) throw KitError(options.clut, "there is no colour in it");
+  return table;
+}
+
+// Indices of the table; the transparent one is for transparent pixels only.
+std::vector<uint8_t> indicesOf(const std::vector<uint32_t>& pixels, uint32_t width, const std::vector<uint32_t>& table,
+                               bool dither) {
+  std::vector<uint32_t> colors;
+  std::vector<uint8_t> indices;
+  for (size_t i = 0; i < table.size(); ++i) {
+    if (i == kTransparentIndex) continue;
+    colors.push_back(table[i]);
+    indices.push_back(uint8_t(i));
+  }
+  std::vector<uint8_t> result;
+  result.reserve(pixels.size());
+  for (uint32_t number : mapToPalette(pixels, width, NearestColor(colors), dither))
+    result.push_back(number == kNoEntry ? uint8_t(kTransparentIndex) : indices[number]);
+  return result;
+}
+
+}  // namespace
+
+void convertPicture(const std::string& input, const std::string& output, const PictureOptions& options) {
+  const Picture picture = readPicture(input);
+  checkMemory(input, picture, output);
+  const std::string clut = options.clut.empty() ? fs::path(output).replace_extension(".clut").string() : options.clut;
+  const std::string clutName = options.clutName.value_or(fs::path(clut).filename().string());
+  if (clutName.size() > UINT8_MAX) throw KitError(clutName, "this name is too long for a picture to hold");
+
+  const std::vector<uint32_t> pixels = toEngineColors(picture, options.background);
+  const std::vector<uint32_t> table = tableOf(options, pixels);
+  writeKpxFile(output,
+               {picture.width, picture.height, clutName, indicesOf(pixels, picture.width, table, options.dither)});
+  if (options.clut.empty()) writeClutFile(clut, table);
+}
+
+std::vector<uint32_t> clutOfPictures(const std::vector<std::string>& paths, size_t most) {
+  std::vector<uint32_t> pixels;
+  for (const std::string& path : paths) {
+    const auto more = toEngineColors(readPicture(path), {});
+    pixels.insert(pixels.end(), more.begin(), more.end());
+  }
+  return makeClut(pixels, most);
+}

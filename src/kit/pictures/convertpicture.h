@@ -1,0 +1,23 @@
+// From an author's picture to the player's picture and its colour table.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "kit/pictures/clutfile.h"
+
+struct PictureOptions {
+  std::string clut;                     // a table to use; without one the picture gets its own beside it
+  std::optional<std::string> clutName;  // what the picture calls its table; by default the file's name without folder
+  size_t most = kMaxClutColors - 1;     // colours of a table of its own
+  std::optional<uint32_t> background;   // 0x00RRGGBB to blend over; without one the picture keeps its holes
+  bool dither = false;
+};
+
+// Writes the picture, and its table when it gets its own. Throws KitError.
+void convertPicture(const std::string& input, const std::string& output, const PictureOptions& options);
+
+// A table for several pictures, as makeClut. Throws KitError.
+std::vector<uint32_t> clutOfPictures(const std::vector<std::string>& paths, size_t most);

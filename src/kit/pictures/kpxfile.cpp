@@ -1,0 +1,51 @@
+#include "kit/pictures/kpxfile.h"
+
+#include <algorithm>
+
+#include "kit/errors.h"
+#include "kit/files.h"
+
+namespace {
+
+constexpr size_t kHeaderSize = 12;
+constexpr uint8_t kFormat8Bit = 1;
+
+void put16(std::vector<uint8_t>* bytes, size_t at, size_t value) {
+  (*bytes)[at] = uint8_t(value >> 8);
+  (*bytes)[at + 1] = uint8_t(value);
+}
+
+size_t get16(const std::vector<uint8_t>& bytes, size_t at) { return size_t(bytes[at] << 8 | bytes[at + 1]); }
+
+}  // namespace
+
+// The name's first character stands in the header, the rest and a zero byte behind it.
+KpxFile parseKpx(const std::string& path, const std::vector<uint8_t>& bytes) {
+  if (bytes.size() < kHeaderSize) throw KitError(path, "too short for a picture");
+  KpxFile picture{uint32_t(get16(bytes, 2)), uint32_t(get16(bytes, 4)), "", {}};
+  if (bytes[7] != kFormat8Bit) throw KitError(path, "not a picture of 8 bits a pixel");
+  const size_t nameEnd = kHeaderSize + bytes[10];
+  if (nameEnd > bytes.size()) throw KitError(path, "the name of its colour table is cut off");
+  if (bytes[10]) picture.clut = std::string(bytes.begin() + 11, bytes.begin() + long(nameEnd)).c_str();
+  const size_t start = std::max(get16(bytes, 8), nameEnd);
+  const size_t size = size_t{picture.width} * picture.height;
+  if (start > bytes.size() || size > bytes.size() - start) throw KitError(path, "its pixels are cut off");
+  picture.pixels.assign(bytes.begin() + long(start), bytes.begin() + long(start + size));
+  return picture;
+}
+
+void writeKpxFile(const std::string& path, const KpxFile& picture) {
+  std::vector<uint8_t> bytes(kHeaderSize);
+  put16(&bytes, 2, picture.width);
+  put16(&bytes, 4, picture.height);
+  bytes[7] = kFormat8Bit;
+  if (!picture.clut.empty()) {
+    bytes[10] = uint8_t(picture.clut.size());
+    bytes[11] = uint8_t(picture.clut[0]);
+    bytes.insert(bytes.end(), picture.clut.begin() + 1, picture.clut.end());
+    bytes.push_back(0);
+  }
+  put16(&bytes, 8, bytes.size());
+  bytes.insert(bytes.end(), picture.pixels.begin(), picture.pixels.end());
+  writeFile(path, bytes.data(), bytes.size());
+}

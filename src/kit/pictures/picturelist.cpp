@@ -1,0 +1,81 @@
+#include "kit/pictures/picturelist.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <set>
+#include <sstream>
+
+#include "engine/ascii.h"
+#include "engine/images/imagecache.h"
+#include "host/color.h"
+#include "kit/files.h"
+#include "kit/pictures/clutfile.h"
+#include "kit/pictures/enginecolors.h"
+#include "kit/pictures/gifpicture.h"
+#include "kit/pictures/kpxfile.h"
+#include "kit/pictures/png.h"
+#include "kit/pictures/quantize.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string sizeOf(uint32_t width, uint32_t height) {
+  return std::to_string(width) + " x " + std::to_string(height) + " pixels";
+}
+
+std::string counted(size_t n, const std::string& what) { return std::to_string(n) + " " + what + (n == 1 ? "" : "s"); }
+
+void listPng(const std::string& path, const std::vector<uint8_t>& bytes, std::ostream& out) {
+  const Picture picture = decodePng(path, bytes);
+  const auto pixels = toEngineColors(picture, {});
+  const auto transparent = std::count(pixels.begin(), pixels.end(), kTransparentPixel);
+  out << "PNG, " << sizeOf(picture.width, picture.height) << ", " << counted(countColors(pixels).size(), "colour")
+      << ", " << transparent << " pixels transparent\n";
+}
+
+void listGif(const std::string& path, const std::vector<uint8_t>& bytes, std::ostream& out) {
+  const GifSummary gif = summarizeGif(path, bytes);
+  out << "GIF, " << sizeOf(gif.width, gif.height) << ", " << counted(size_t(gif.images), "image") << ", "
+      << counted(size_t(gif.colors), "colour");
+  if (gif.transparent >= 0) out << ", index " << gif.transparent << " transparent";
+  out << "\n";
+}
+
+void listClut(const std::vector<uint8_t>& bytes, std::ostream& out) {
+  const std::vector<uint32_t> colors = parseClut(bytes);
+  out << "colour table, " << counted(colors.size(), "colour") << "\n";
+  for (size_t i = 0; i < colors.size(); ++i) {
+    char line[64];
+    std::snprintf(line, sizeof line, "%5zu  #%06X  0x%08X", i, yCrCbToRgb(colors[i]), colors[i]);
+    out << line << (i == kTransparentIndex ? "  transparent\n" : "\n");
+  }
+}
+
+void listKpx(const std::string& path, const std::vector<uint8_t>& bytes, std::ostream& out) {
+  const KpxFile picture = parseKpx(path, bytes);
+  const std::set<uint8_t> indices(picture.pixels.begin(), picture.pixels.end());
+  out << "picture, " << sizeOf(picture.width, picture.height) << ", "
+      << (picture.clut.empty() ? "the page's colour table" : "colour table '" + picture.clut + "'") << ", "
+      << counted(indices.size() - indices.count(kTransparentIndex), "colour") << ", "
+      << std::count(picture.pixels.begin(), picture.pixels.end(), kTransparentIndex) << " pixels transparent, "
+      << imageMemory(picture.pixels.size(), fs::path(path).filename().string().size()) << " bytes of picture memory\n";
+}
+
+}  // namespace
+
+std::string listPictureFile(const std::string& path) {
+  const std::vector<uint8_t> bytes = readFile(path);
+  std::ostringstream list;
+  if (isPng(bytes)) {
+    listPng(path, bytes, list);
+  } else if (isGif(bytes)) {
+    listGif(path, bytes, list);
+  } else if (asciiEqualIgnoringCase(fs::path(path).extension().string().c_str(), ".clut")) {
+    listClut(bytes, list);
+  } else {
+    listKpx(path, bytes, list);
+  }
+  return path + ": " + list.str();
+}

@@ -1,0 +1,124 @@
+#include "kit/pictures/png.h"
+
+#include <png.h>
+
+#include <algorithm>
+#include <memory>
+
+#include "kit/errors.h"
+#include "kit/files.h"
+
+namespace {
+
+void append(png_structp png, png_bytep bytes, png_size_t size) {
+  auto* out = static_cast<std::vector<uint8_t>*>(png_get_io_ptr(png));
+  out->insert(out->end(), bytes, bytes + size);
+}
+
+[[noreturn]] void fail(png_structp png, png_const_charp message) {
+  throw KitError(*static_cast<const std::string*>(png_get_error_ptr(png)), message);
+}
+
+void write(const std::string& path, int width, int height, const std::vector<uint32_t>& pixels, bool alpha) {
+  std::vector<uint8_t> file;
+  png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, const_cast<std::string*>(&path), fail, nullptr);
+  png_infop info = png_create_info_struct(png);
+  struct Closer {
+    png_structp* png;
+    png_infop* info;
+    ~Closer() { png_destroy_write_struct(png, info); }
+  } closer{&png, &info};
+
+  png_set_write_fn(png, &file, append, nullptr);
+  png_set_compression_level(png, 3);  // pages are flat: more effort takes longer and saves little
+  png_set_filter(png, 0, PNG_FILTER_NONE);
+  png_set_IHDR(png, info, png_uint_32(width), png_uint_32(height), 8, alpha ? PNG_COLOR_TYPE_RGBA : PNG_COLOR_TYPE_RGB,
+               PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+  png_write_info(png, info);
+  std::vector<uint8_t> row;
+  for (int y = 0; y < height; ++y) {
+    const uint32_t* in = pixels.data() + size_t(y) * size_t(width);
+    row.clear();
+    for (size_t x = 0; x < size_t(width); ++x) {
+      for (int shift : {16, 8, 0}) row.push_back(uint8_t(in[x] >> shift));
+      if (alpha) row.push_back(uint8_t(in[x] >> 24));
+    }
+    png_write_row(png, row.data());
+  }
+  png_write_end(png, info);
+  writeFile(path, file.data(), file.size());
+}
+
+// A file as the library reads it, and its name for errors.
+struct Input {
+  const std::string& path;
+  const std::vector<uint8_t>& bytes;
+  size_t at = 0;
+};
+
+void take(png_structp png, png_bytep bytes, png_size_t size) {
+  auto* input = static_cast<Input*>(png_get_io_ptr(png));
+  if (size > input->bytes.size() - input->at) throw KitError(input->path, "it is cut off");
+  std::copy_n(input->bytes.data() + input->at, size, bytes);
+  input->at += size;
+}
+
+[[noreturn]] void failInput(png_structp png, png_const_charp message) {
+  throw KitError(static_cast<Input*>(png_get_error_ptr(png))->path, message);
+}
+
+void ignore(png_structp, png_const_charp) {}
+
+// Whatever the file has, rows come as bytes R G B A.
+void askForRgba(png_structp png) {
+  png_set_expand(png);
+  png_set_scale_16(png);
+  png_set_gray_to_rgb(png);
+  png_set_add_alpha(png, 0xFF, PNG_FILLER_AFTER);
+}
+
+}  // namespace
+
+bool isPng(const std::vector<uint8_t>& bytes) { return bytes.size() >= 8 && png_sig_cmp(bytes.data(), 0, 8) == 0; }
+
+Picture decodePng(const std::string& path, const std::vector<uint8_t>& bytes) {
+  Input input{path, bytes};
+  png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, &input, failInput, ignore);
+  png_infop info = png_create_info_struct(png);
+  struct Closer {
+    png_structp* png;
+    png_infop* info;
+    ~Closer() { png_destroy_read_struct(png, info, nullptr); }
+  } closer{&png, &info};
+
+  png_set_read_fn(png, &input, take);
+  png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);  // ours are lower and say so better
+  png_read_info(png, info);
+  Picture picture{png_get_image_width(png, info), png_get_image_height(png, info), {}};
+  checkPictureSize(path, picture.width, picture.height);
+  askForRgba(png);
+  png_set_interlace_handling(png);
+  png_read_update_info(png, info);
+
+  const size_t count = size_t{picture.width} * picture.height;
+  std::vector<uint8_t> rgba(count * 4);
+  std::vector<png_bytep> rows(picture.height);
+  for (size_t y = 0; y < rows.size(); ++y) rows[y] = rgba.data() + y * picture.width * 4;
+  png_read_image(png, rows.data());
+  png_read_end(png, nullptr);
+
+  picture.pixels.resize(count);
+  for (size_t i = 0; i < count; ++i) {
+    const uint8_t* p = rgba.data() + 4 * i;
+    picture.pixels[i] = uint32_t(p[3]) << 24 | uint32_t(p[0]) << 16 | uint32_t(p[1]) << 8 | p[2];
+  }
+  return picture;
+}
+
+void writePng(const std::string& path, int width, int height, const std::vector<uint32_t>& pixels) {
+  write(path, width, height, pixels, false);
+}
+
+void writePngWithAlpha(const std::string& path, int width, int height, const std::vector<uint32_t>& pixels) {
+  write(path, width, height, pixels, true);
+}

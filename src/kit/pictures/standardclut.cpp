@@ -1,0 +1,32 @@
+#include "kit/pictures/standardclut.h"
+
+#include <cstddef>
+
+#include "host/color.h"
+
+namespace {
+
+constexpr int kCube = 216, kBlack = 235, kWhite = 236, kTransparent = 237;
+constexpr int kGreys = 21;
+
+uint32_t color(int r, int g, int b) { return rgbToYCrCb(uint32_t(r) << 24 | uint32_t(g) << 16 | uint32_t(b) << 8); }
+
+uint32_t grey(int n) {
+  const int level = 255 * (n + 1) / (kGreys + 1);
+  return color(level, level, level);
+}
+
+}  // namespace
+
+std::array<uint32_t, kStandardClutSize> standardClut() {
+  std::array<uint32_t, kStandardClutSize> colors{};
+  for (int i = 0; i < kCube; ++i) colors[size_t(i)] = color(i / 36 * 51, i / 6 % 6 * 51, i % 6 * 51);
+  int greys = 0;
+  for (int i = kCube; i < kStandardClutSize; ++i) {
+    if (i < kBlack || i > kTransparent) colors[size_t(i)] = grey(greys++);
+  }
+  colors[kBlack] = color(0, 0, 0);
+  colors[kWhite] = color(255, 255, 255);
+  colors[kTransparent] = 0;
+  return colors;
+}

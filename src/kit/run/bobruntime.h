@@ -1,0 +1,33 @@
+// An interpreter of the player's sizes without a page, and what the kit does with compiled code.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "bob/bob.h"
+
+// Its streams are dropped until somebody sets others.
+struct BobRuntime {
+  BobRuntime();
+  ~BobRuntime() { bobDestroyInterp(interp); }
+  BobRuntime(const BobRuntime&) = delete;
+  BobRuntime& operator=(const BobRuntime&) = delete;
+
+  BobInterp* interp;
+};
+
+// Collects what is written.
+class BobTextStream : public BobStream {
+ public:
+  int PutC(int c) override {
+    text += char(c);
+    return c;
+  }
+
+  std::string text;
+};
+
+// Lists the code on the standard output stream, then the functions among its literals.
+void bobListCode(BobInterp* interp, BobValue code);
+// Lists records up to the end or the first that is none; false after an error.
+bool bobListRecords(BobInterp* interp, BobStream* stream);

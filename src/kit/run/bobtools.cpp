@@ -1,0 +1,51 @@
+#include "kit/run/bobtools.h"
+
+#include <memory>
+
+#include "bob/compile/compiler.h"
+#include "kit/errors.h"
+
+namespace {
+
+std::unique_ptr<BobStream> open(BobInterp* interp, const std::string& path, const char* mode) {
+  std::unique_ptr<BobStream> stream = bobOpenFile(interp, path.c_str(), mode);
+  if (!stream) throw KitError(path, "can't be opened");
+  return stream;
+}
+
+bool listSource(BobInterp* interp, BobStream* stream) {
+  return bobTry(interp, [&] {
+    BobStatementReader statements(bobRootScope(interp), stream);
+    while (const BobValue method = statements.next()) bobListCode(interp, bobMethodCode(interp, method));
+  });
+}
+
+bool startsAsObjectFile(BobStream* stream) {
+  for (char c : {'B', 'O', 'B', 'O', '\0', '\0', '\0', '\4'})
+    if (stream->GetC() != c) return false;
+  return true;
+}
+
+}  // namespace
+
+bool runBobFile(BobRuntime& runtime, const std::string& path) {
+  BobInterp* interp = runtime.interp;
+  const std::unique_ptr<BobStream> source = open(interp, path, "r");
+  return bobTry(interp, [&] { bobRunSource(bobRootScope(interp), source.get(), nullptr); });
+}
+
+bool compileBobFile(BobRuntime& runtime, const std::string& source, const std::string& object) {
+  BobInterp* interp = runtime.interp;
+  open(interp, source, "r");
+  bool made = false;
+  if (!bobTry(interp, [&] { made = bobCompileFile(bobRootScope(interp), source.c_str(), object.c_str()); })) return false;
+  if (!made) throw KitError(object, "can't be opened");
+  return true;
+}
+
+bool listBobFile(BobRuntime& runtime, const std::string& path) {
+  BobInterp* interp = runtime.interp;
+  const std::unique_ptr<BobStream> records = open(interp, path, "rb");
+  if (startsAsObjectFile(records.get())) return bobListRecords(interp, records.get());
+  return listSource(interp, open(interp, path, "r").get());
+}

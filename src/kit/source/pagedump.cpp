@@ -1,0 +1,250 @@
+#include "kit/source/pagedump.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <set>
+
+#include "engine/page/pagefile.h"
+#include "kit/errors.h"
+#include "kit/source/base64.h"
+#include "kit/source/schema.h"
+#include "kit/source/scripts.h"
+
+namespace {
+
+constexpr int kMaxDepth = 300;  // a little more than the engine follows
+
+// A line of a comment: what could end it or hurt a reader is shown as its code.
+std::string commented(std::string_view text) {
+  std::string out = "# ";
+  for (const char c : text) {
+    if (uint8_t(c) >= 0x20 && uint8_t(c) < 0x7F) {
+      out += c;
+      continue;
+    }
+    char code[8];
+    std::snprintf(code, sizeof code, "\\x%02x", unsigned(uint8_t(c)));
+    out += code;
+  }
+  return out;
+}
+
+std::string quoted(const char* text) {
+  std::string out = "\"";
+  for (const char* c = text; *c; ++c) {
+    if (*c == '"' || *c == '\\') {
+      out += '\\';
+      out += *c;
+    } else if (uint8_t(*c) >= 0x20 && uint8_t(*c) != 0x7F) {
+      out += *c;
+    } else {
+      char code[8];
+      std::snprintf(code, sizeof code, "\\x%02x", unsigned(uint8_t(*c)));
+      out += code;
+    }
+  }
+  return out + '"';
+}
+
+bool isPlainWord(const char* text) {
+  if (!std::strchr("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ", *text) || !*text) return false;
+  if (std::strspn(text, "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.-") != std::strlen(text))
+    return false;
+  for (const char* word :
+       {"true", "false", "yes", "no", "on", "off", "null", "y", "n", "Null", "NULL", "True", "TRUE", "False", "FALSE"})
+    if (std::strcmp(text, word) == 0) return false;
+  return true;
+}
+
+std::string keyText(const char* name) { return isPlainWord(name) ? name : quoted(name); }
+
+class Dumper {
+ public:
+  explicit Dumper(const PageData& p) : page(p) {}
+
+  std::string run() {
+    const uint32_t flags = pageFlags(page);
+    out = "flags: " + (flags == 0 ? "16bit" : flags == kPageIs8Bit ? "8bit" : std::to_string(flags)) + "\npage:\n";
+    object(pageRoot(page), ObjectKind::root, 2);
+    return out;
+  }
+
+ private:
+  void line(int indent, const std::string& text) { out += std::string(size_t(indent), ' ') + text + "\n"; }
+
+  // The pairs of one object, each on a line at `indent`.
+  void object(const PageObject& record, ObjectKind kind, int indent) {
+    const size_t start = out.size();
+    const bool isWidget = kind == ObjectKind::root || kind == ObjectKind::widget;
+    const std::pair<const char*, uint16_t> header[] = {
+        {"x", record.x()}, {"y", record.y()}, {"width", record.width()}, {"height", record.height()}};
+    for (const auto& [name, value] : header)
+      if (isWidget || value) line(indent, std::string(name) + ": " + std::to_string(value));
+
+    // Objects can lead to one another without end, so the file's size bounds how many are told.
+    if (++objects > page.bytes.size() || indent > 4 * kMaxDepth) {
+      line(indent, "# and so on");
+    } else {
+      const std::string type = typeOf(record);
+      for (uint32_t i = 0; i < record.attributeCount(); ++i) {
+        const PageAttribute a = pageAttribute(record, i);
+        if (a.name) {
+          attribute(a, attributeForm(kind, type, a.name), indent);
+        } else {
+          line(indent, "# an attribute whose name lies outside the file");
+        }
+      }
+    }
+    if (firstPair(start, indent) == std::string::npos) line(indent, "{}");
+  }
+
+  // An object as an entry of a list: its first pair stands behind the dash.
+  void listedObject(const PageObject& record, ObjectKind kind, int indent) {
+    const size_t start = out.size();
+    object(record, kind, indent + 2);
+    out[firstPair(start, indent + 2) + size_t(indent)] = '-';
+  }
+
+  // Where the first line at or behind `start` begins that is no comment; npos if there is none.
+  size_t firstPair(size_t start, int indent) const {
+    while (start < out.size() && out[start + size_t(indent)] == '#') start = out.find('\n', start) + 1;
+    return start < out.size() ? start : std::string::npos;
+  }
+
+  static std::string typeOf(const PageObject& record) {
+    const char* type = "";
+    const auto a = attrFind(record, "type");
+    if (a && a->tag == uint8_t(PageTag::string)) attrString(*a, &type);
+    return type;
+  }
+
+  void attribute(const PageAttribute& a, AttributeForm form, int indent) {
+    const std::string key = keyText(a.name) + ":";
+    switch (PageTag(a.tag)) {
+      case PageTag::integer:
+        return line(indent, key + tagUnless(form, AttributeForm::integer, true, "!int") + integer(a));
+      case PageTag::boolean: return line(indent, key + boolean(a, form));
+      case PageTag::color:
+        return line(indent, key + tagUnless(form, AttributeForm::color, false, "!color") + hex(a.value));
+      case PageTag::string: return string(a, form, indent, key);
+      case PageTag::script: return script(a, indent, key);
+      case PageTag::object: return nested(a, indent, key);
+      case PageTag::table: return table(a, form, indent, key);
+      default: line(indent, "# " + key + " unknown type " + std::to_string(a.tag));
+    }
+  }
+
+  // A tag where the builder would not choose that type by itself.
+  static std::string tagUnless(AttributeForm form, AttributeForm wanted, bool byLooks, const char* tag) {
+    const bool chosen = form == wanted || (byLooks && form == AttributeForm::unknown);
+    return chosen ? " " : std::string(" ") + tag + " ";
+  }
+
+  static std::string integer(const PageAttribute& a) { return std::to_string(int32_t(a.value)); }
+
+  static std::string boolean(const PageAttribute& a, AttributeForm form) {
+    const std::string tag = tagUnless(form, AttributeForm::boolean, true, "!bool");
+    if (a.value > 1) return " !bool " + std::to_string(a.value);
+    return tag + (a.value ? "true" : "false");
+  }
+
+  static std::string hex(uint32_t value) {
+    char text[16];
+    std::snprintf(text, sizeof text, value < 256 ? "%u" : "0x%08X", unsigned(value));
+    return text;
+  }
+
+  void string(const PageAttribute& a, AttributeForm form, int indent, const std::string& key) {
+    const char* text;
+    if (!attrString(a, &text)) return line(indent, "# " + key + " a string outside the file");
+    line(indent,
+         key + tagUnless(form, AttributeForm::string, true, "!string") + (isPlainWord(text) ? text : quoted(text)));
+  }
+
+  void script(const PageAttribute& a, int indent, const std::string& key) {
+    PageScript bytes;
+    if (!attrScript(a, &bytes)) return line(indent, "# " + key + " a script outside the file");
+    const std::string_view records(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    list(records, indent);
+    const std::string data = base64Encode(records);
+    line(indent, key + " !scriptdata \"" + data + "\"");
+  }
+
+  // Once for all attributes that lead to the same bytes.
+  void list(std::string_view records, int indent) {
+    if (!listed.insert(records.data()).second) return;
+    const std::string listing = listScript(records);
+    for (size_t at = 0; at < listing.size();) {
+      const size_t end = std::min(listing.find('\n', at), listing.size());
+      line(indent, commented(std::string_view(listing).substr(at, end - at)));
+      at = end + 1;
+    }
+  }
+
+  void nested(const PageAttribute& a, int indent, const std::string& key) {
+    PageObject record;
+    if (!attrObject(a, &record)) return line(indent, "# " + key + " an object outside the file");
+    line(indent, key + " !object");
+    if (record) object(record, ObjectKind::other, indent + 2);
+  }
+
+  void table(const PageAttribute& a, AttributeForm form, int indent, const std::string& key) {
+    PageTable table;
+    if (!attrTable(a, &table)) return line(indent, "# " + key + " a table outside the file");
+    const ObjectKind kind = tableObjectKind(form);
+    const uint32_t count = table.count();
+    bool expected = kind != ObjectKind::other || form == AttributeForm::files || form == AttributeForm::unknown;
+    for (uint32_t i = 0; i < count; ++i) {
+      const bool asText = isText(table, i, kind);
+      const bool asIs = form == AttributeForm::files
+                            ? asText && !std::string_view(table.string(i)).ends_with(".bob")  // which build compiles
+                            : !asText || kind == ObjectKind::other;
+      if (!asIs) expected = false;
+    }
+    line(indent, key + (expected ? "" : " !table") + (count ? "" : " []"));
+    for (uint32_t i = 0; i < count; ++i) {
+      if (isText(table, i, kind)) {
+        line(indent + 2, "- " + quoted(table.string(i)));
+      } else if (const PageObject record = table.object(i)) {
+        listedObject(record, kind, indent + 2);
+      } else {
+        line(indent + 2, "# an entry outside the file");
+      }
+    }
+  }
+
+  // Whether an entry is told as a text. Where the engine reads objects, that is what only reads as a text.
+  bool isText(const PageTable& table, uint32_t i, ObjectKind kind) const {
+    const char* text = table.string(i);
+    if (!text || looksLikeObject(table.object(i))) return false;
+    return kind == ObjectKind::other || std::all_of(text, text + std::strlen(text), [](char c) { return c >= ' '; });
+  }
+
+  // Nothing in the file says what a table of unknown use leads to. What reads as a record with good attributes is one:
+  // no two neighbouring texts do.
+  bool looksLikeObject(const PageObject& record) const {
+    if (!record || record.offset + 12 > page.bytes.size()) return false;
+    const uint8_t* p = page.bytes.data() + record.offset + 8;
+    const uint32_t count = uint32_t(p[0]) << 24 | uint32_t(p[1]) << 16 | uint32_t(p[2]) << 8 | p[3];
+    if (count != record.attributeCount()) return false;
+    for (uint32_t i = 0; i < count; ++i) {
+      const PageAttribute a = pageAttribute(record, i);
+      if (!a.name || !*a.name || a.tag < uint8_t(PageTag::integer) || a.tag > uint8_t(PageTag::table)) return false;
+    }
+    return true;
+  }
+
+  const PageData& page;
+  std::string out;
+  size_t objects = 0;
+  std::set<const char*> listed;  // scripts
+};
+
+}  // namespace
+
+std::string dumpPage(const std::string& path, std::vector<uint8_t> bytes) {
+  if (!pageCheck(bytes.data(), bytes.size())) throw KitError(path, "not a page file");
+  const PageData page(std::move(bytes));
+  return Dumper(page).run();
+}

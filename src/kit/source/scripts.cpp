@@ -1,0 +1,47 @@
+#include "kit/source/scripts.h"
+
+#include "bob/compile/statementreader.h"
+
+ScriptCompiler::ScriptCompiler() {
+  bobSetStderr(runtime.interp, &errors);
+  bobSetErrorHandler(runtime.interp, keepError);
+}
+
+// The stream also hears of collections, so it is emptied first.
+void ScriptCompiler::keepError(BobInterp* interp, int code, const BobErrorArgument& argument) {
+  auto* errors = static_cast<ErrorStream*>(bobStderr(interp));
+  errors->text.clear();
+  errors->line = bobCurrentLine(interp);
+  bobPrintError(interp, code, argument);
+}
+
+std::string ScriptCompiler::compile(std::string_view source) {
+  BobInterp* interp = runtime.interp;
+  BobTextStream records;
+  const bool compiled = bobTry(interp, [&] {
+    BobStringInput input(source);
+    BobStatementReader statements(bobRootScope(interp), &input);
+    while (const BobValue method = statements.next())
+      if (!bobWriteValue(interp, bobMethodCode(interp, method), &records)) bobRaise(interp, kBobWritingFile);
+  });
+  if (compiled) return records.text;
+  std::string message = errors.text.substr(0, errors.text.find('\n'));
+  constexpr std::string_view kPrefix = "Error: ";
+  if (message.starts_with(kPrefix)) message.erase(0, kPrefix.size());
+  throw ScriptError(errors.line, message);
+}
+
+std::string ScriptCompiler::compileFile(std::string_view source) {
+  BobTextStream header;
+  bobWriteHeader(&header);
+  return header.text + compile(source);
+}
+
+std::string listScript(std::string_view records) {
+  BobRuntime runtime;
+  BobTextStream listing;
+  BobStringInput input(records);
+  bobSetStdout(runtime.interp, &listing);
+  bobListRecords(runtime.interp, &input);
+  return listing.text;
+}

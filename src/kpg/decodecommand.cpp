@@ -1,0 +1,21 @@
+// kpg decode: prints the instructions of a source or object file.
+#include <memory>
+
+#include "kpg/commands.h"
+#include "kpg/standardruntime.h"
+
+namespace {
+
+void decode(const std::string& path) {
+  StandardRuntime runtime;
+  failUnless(listBobFile(runtime, path));
+}
+
+}  // namespace
+
+void addDecodeCommand(CommandLine& line) {
+  auto path = std::make_shared<std::string>();
+  KpgCommand command = line.command("decode", "Print the instructions of a source or object file");
+  command.add("FILE", *path, "source or object file").required();
+  command.runs([path] { decode(*path); });
+}
