@@ -1,7 +1,7 @@
 // Pictures and colour tables as the kit reads them.
+#include "kit/errors.h"
 #include "kit/pictures/clutfile.h"
 #include "kit/pictures/enginecolors.h"
-#include "kit/errors.h"
 #include "kit/pictures/gifpicture.h"
 #include "kit/pictures/kpxfile.h"
 #include "kit/pictures/png.h"

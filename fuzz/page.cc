@@ -10,8 +10,8 @@
 #include <fstream>
 
 #include "host/headless/headlessdesktop.h"
-#include "kit/source/pagedump.h"
 #include "kit/errors.h"
+#include "kit/source/pagedump.h"
 
 namespace {
 

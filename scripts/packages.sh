@@ -1,8 +1,8 @@
 # Sourced by ./check and ./preview: makes sure that the Debian packages they need are there.
 
 BUILD_PACKAGES="g++ cmake ninja-build pkg-config libcli11-dev libyaml-cpp-dev libpng-dev qt6-base-dev fonts-dejavu-core"
-TEST_PACKAGES="libgtest-dev libbenchmark-dev fonts-liberation fonts-urw-base35"
-BENCH_PACKAGES="libcairo2-dev libpixman-1-dev liblua5.4-dev libfreetype-dev libgif-dev"
+TEST_PACKAGES="libgtest-dev fonts-liberation fonts-urw-base35 python3 clang-format-14"
+BENCH_PACKAGES="libbenchmark-dev libcairo2-dev libpixman-1-dev liblua5.4-dev libfreetype-dev libgif-dev"
 
 # require_packages NAME...: installs what is missing, as root or through sudo; otherwise names it and stops.
 require_packages() {
@@ -22,6 +22,12 @@ require_packages() {
   echo "Installing:$missing"
   $as_root env DEBIAN_FRONTEND=noninteractive sh -c \
     "apt-get update -qq && apt-get install -y -qq --no-install-recommends$missing" >/dev/null
+}
+
+# check_format: names the files that the formatter would change. Its rules differ between versions, so this is one.
+check_format() {
+  find src tests bench fuzz demo '(' -name '*.cpp' -o -name '*.h' -o -name '*.cc' ')' -print0 |
+    xargs -0 clang-format-14 --dry-run -Werror
 }
 
 # build_preset NAME: configures and builds one preset of CMakePresets.json.

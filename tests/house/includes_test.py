@@ -1,0 +1,111 @@
+#!/usr/bin/env python3
+"""Reads the #includes of src/ and fails on one that runs upward between floors, or round in a circle.
+
+    includes_test.py SRC [--no-circles]
+"""
+import pathlib
+import re
+import sys
+
+# What each floor may include, besides itself and whatever its own list may include. From the ground up; a folder with
+# no line of its own belongs to the floor of the folder around it.
+FLOORS = {
+    'gfx/foundation': [],
+    'bob': [],
+    't2k': ['gfx/foundation'],
+    'gfx/vector': ['gfx/foundation'],
+    'gfx/pixel': ['gfx/vector'],
+    'gfx/text': ['gfx/pixel', 't2k'],
+    'engine': ['gfx/text', 'bob', 'host/host.h'],
+    'host/host.h': [],  # what the engine asks of the desktop: no more than declarations
+    'host': ['engine'],
+    'kit': ['host'],
+    'kpg': ['kit'],
+    'studio': ['kit'],
+    'editor': ['kit'],
+}
+
+
+def floor_of(path):
+    """The longest line of the table that `path`, relative to src/, is or lies under."""
+    while path not in FLOORS:
+        if '/' not in path:
+            return None
+        path = path.rsplit('/', 1)[0]
+    return path
+
+
+def reachable(floor):
+    seen, todo = set(), [floor]
+    while todo:
+        f = todo.pop()
+        if f not in seen:
+            seen.add(f)
+            todo += FLOORS[f]
+    return seen
+
+
+def read_includes(src):
+    """{file: [(line number, file that it includes)]} for the includes that name a file of src/."""
+    graph = {}
+    for path in sorted(src.rglob('*')):
+        if path.suffix not in ('.h', '.cpp', '.mm', '.inc'):
+            continue
+        found = []
+        for number, line in enumerate(path.read_text(errors='replace').splitlines(), 1):
+            match = re.match(r'\s*#\s*include\s*"([^"]+)"', line)
+            if not match:
+                continue
+            for candidate in (src / match[1], path.parent / match[1]):
+                if candidate.is_file():
+                    found.append((number, candidate.resolve().relative_to(src).as_posix()))
+                    break
+        graph[path.relative_to(src).as_posix()] = found
+    return graph
+
+
+def upward(graph):
+    for name, includes in graph.items():
+        floor = floor_of(name)
+        if floor is None:
+            yield f'src/{name}: its folder is missing in the table of floors'
+            continue
+        allowed = reachable(floor)
+        for number, target in includes:
+            if floor_of(target) not in allowed:
+                yield f'src/{name}:{number}: {floor} must not include {target}'
+
+
+def circles(graph):
+    """Each circle of files once, found by walking down and meeting a file that is still being walked."""
+    state, stack = {}, []
+
+    def walk(name):
+        state[name] = 'open'
+        stack.append(name)
+        for _, target in graph.get(name, []):
+            if state.get(target) == 'open':
+                yield 'circle: ' + ' -> '.join(stack[stack.index(target):] + [target])
+            elif target not in state:
+                yield from walk(target)
+        stack.pop()
+        state[name] = 'done'
+
+    for name in graph:
+        if name not in state:
+            yield from walk(name)
+
+
+def main():
+    src = pathlib.Path(sys.argv[1]).resolve()
+    graph = read_includes(src)
+    if not graph:
+        sys.exit(f'{src}: no sources')
+    faults = list(upward(graph))
+    if '--no-circles' not in sys.argv:
+        faults += circles(graph)
+    print('\n'.join(faults))
+    sys.exit(1 if faults else 0)
+
+
+main()
