@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "gfx/pixel/hsgattribute.h"
-#include "gfx/pixel/hsgspriteblitter.h"
+#include "gfx/pixel/hsgsprite_choose.h"
 #include "gfx/vector/hsgblitter.h"
 
 namespace {

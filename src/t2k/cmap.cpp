@@ -1,20 +1,17 @@
 #include "t2k/cmap.h"
 
+#include <algorithm>
 #include <memory>
+
+#include "t2k/charmap.h"
 
 namespace {
 
 constexpr int kNoFormat = -1;
 
-// A word of the table; 0 outside it.
-uint16_t WordAt(const cmapClass& cmap, uint64_t offset) {
-  if (offset + 2 > cmap.length) return 0;
-  return uint16_t(cmap.cmapData[offset] << 8 | cmap.cmapData[offset + 1]);
-}
-
 int FormatOf(const cmapClass& cmap, int record) {
   const uint64_t offset = cmap.platform[record].offset;
-  return offset + 2 <= cmap.length ? WordAt(cmap, offset) : kNoFormat;
+  return offset + 2 <= cmap.length ? hsBig16(cmap.cmapData + offset) : kNoFormat;
 }
 
 bool IsReadable(int format) { return format == 0 || format == 4 || format == 6; }
@@ -32,36 +29,13 @@ int ChooseRecord(const cmapClass& cmap) {
   return 0;
 }
 
-uint16_t MapByBytes(const cmapClass& cmap, uint64_t table, uint32_t code) {
-  const uint64_t at = table + 6 + code;
-  return code < 256 && at < cmap.length ? cmap.cmapData[at] : 0;
-}
-
-// Segments are walked from the first. A glyph of 0 in the glyph array gets the delta like any other.
-uint16_t MapBySegments(const cmapClass& cmap, uint64_t table, uint32_t code) {
-  const uint32_t twiceSegments = WordAt(cmap, table + 6) & ~1u;
-  const uint64_t ends = table + 14;
-  const uint64_t starts = ends + twiceSegments + 2;
-  const uint64_t deltas = starts + twiceSegments;
-  const uint64_t ranges = deltas + twiceSegments;
-  for (uint32_t i = 0; i < twiceSegments; i += 2) {
-    if (WordAt(cmap, ends + i) < code) continue;
-    const uint16_t start = WordAt(cmap, starts + i);
-    if (code < start) return 0;
-    const uint16_t delta = WordAt(cmap, deltas + i);
-    const uint16_t range = WordAt(cmap, ranges + i);
-    if (!range) return uint16_t(code + delta);
-    const uint64_t at = ranges + i + range + 2 * (code - start);
-    return at + 2 <= cmap.length ? uint16_t(WordAt(cmap, at) + delta) : 0;
-  }
-  return 0;
-}
-
-uint16_t MapByRange(const cmapClass& cmap, uint64_t table, uint32_t code) {
-  const uint32_t firstCode = WordAt(cmap, table + 6);
-  const uint32_t entryCount = WordAt(cmap, table + 8);
-  const uint32_t index = code - firstCode;
-  return index < entryCount ? WordAt(cmap, table + 10 + 2 * uint64_t{index}) : 0;
+// A glyph of 0 in the glyph array gets the delta like any other.
+uint16_t MapBySegments(const CharMap& map, uint32_t code) {
+  CharSegment segment;
+  if (!FindSegment(map, code, &segment)) return 0;
+  if (!segment.range) return uint16_t(code + segment.delta);
+  const uint64_t at = segment.rangeAt + segment.range + 2 * (code - segment.start);
+  return at + 2 <= map.size ? uint16_t(map.WordAt(at) + segment.delta) : 0;
 }
 
 void FillFigures(cmapClass* cmap) {
@@ -109,11 +83,12 @@ void DeleteCmap(cmapClass* cmap) {
 }
 
 uint16_t MapToGlyph(const cmapClass& cmap, uint32_t code) {
-  const uint64_t table = cmap.platform[cmap.selectedPlatform].offset;
+  const uint32_t table = std::min(cmap.platform[cmap.selectedPlatform].offset, cmap.length);
+  const CharMap map{cmap.cmapData + table, cmap.length - table};
   switch (cmap.selectedFormat) {
-    case 0: return MapByBytes(cmap, table, code);
-    case 4: return MapBySegments(cmap, table, code);
-    default: return MapByRange(cmap, table, code);
+    case 0: return MapByBytes(map, code);
+    case 4: return MapBySegments(map, code);
+    default: return MapByRange(map, code);
   }
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "gfx/foundation/hsbytes.h"
 #include "gfx/foundation/hstypes.h"
 
 namespace {
@@ -94,7 +95,7 @@ class ByteCursor {
   int16_t Word() {
     tsi_Assert(in_.mem, end_ - at_ >= 2);
     at_ += 2;
-    return int16_t(at_[-2] << 8 | at_[-1]);
+    return int16_t(hsBig16(at_ - 2));
   }
 
  private:

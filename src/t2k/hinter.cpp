@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "gfx/foundation/hsbytes.h"
 #include "t2k/hintedges.h"
 #include "t2k/t1.h"
 #include "t2k/unitscale.h"
@@ -87,7 +88,7 @@ void Put16(uint8_t*& out, int value) {
 }
 
 int16_t Get16(const uint8_t*& in) {
-  const auto value = int16_t(in[0] << 8 | in[1]);
+  const auto value = int16_t(hsBig16(in));
   in += 2;
   return value;
 }

@@ -84,7 +84,7 @@ class OutlineWalker {
     bool haveControl = false;
     const auto goTo = [&](Point p) {
       if (haveControl) {
-        AddQuadratic(current, control, p);
+        AddCurve(current, control, p);
       } else {
         AddLine(current, p);
       }
@@ -123,7 +123,7 @@ class OutlineWalker {
       }
       const int c = indexAt(k + 1), d = indexAt(k + 2);
       tsi_Assert(glyph_.mem, k + 2 <= count && !glyph_.onCurve[c] && glyph_.onCurve[d]);
-      AddCubic(current, PointAt(b), PointAt(c), PointAt(d));
+      AddCurve(current, PointAt(b), PointAt(c), PointAt(d));
       current = PointAt(d);
       k += 3;
     }
@@ -149,75 +149,47 @@ class OutlineWalker {
     return depth;
   }
 
-  // A curve that touches no centre line is passed over; one that does is halved all the way down, since a piece that
-  // touches none costs next to nothing as a line.
-  void AddQuadratic(Point a, Point b, Point c) {
+  // Twice the distance of a curve's middle from its chord, roughly: a quarter of it is left by each halving.
+  static int32_t Error(int32_t p, int32_t q, int32_t r) { return std::abs((p - 2 * q + r + 2) >> 2); }
+  static int32_t Error(int32_t p, int32_t q, int32_t r, int32_t s) { return std::abs(((q + r - p - s) * 3 + 4) >> 3); }
+
+  // Three points of a quadratic or four of a cubic curve. One that touches no centre line is passed over; one that does
+  // is halved all the way down, since a piece that touches none costs next to nothing as a line.
+  template <class... Points>
+  void AddCurve(Points... points) {
+    constexpr size_t kCount = sizeof...(points);
+    using Curve = std::array<Point, kCount>;
     struct Piece {
-      Point a, b, c;
+      Curve curve;
       int depth;
     };
-    if (!CrossesCentre(Least(a.x, b.x, c.x), Most(a.x, b.x, c.x)) &&
-        !CrossesCentre(Least(a.y, b.y, c.y), Most(a.y, b.y, c.y))) {
+    if (!CrossesCentre(Least(points.x...), Most(points.x...)) && !CrossesCentre(Least(points.y...), Most(points.y...)))
       return;
-    }
-    const auto error = [](int32_t p, int32_t q, int32_t r) { return std::abs((p - 2 * q + r + 2) >> 2); };
-    int depth = DepthForError(std::max(error(a.x, b.x, c.x), error(a.y, b.y, c.y)));
-    if (!depth) return AddLine(a, c);
+    Curve curve{points...};
+    int depth = DepthForError(std::max(Error(points.x...), Error(points.y...)));
+    if (!depth) return AddLine(curve.front(), curve.back());
     Piece stack[kMaxCurveDepth];  // what is still to do, the next piece on top
     Piece* top = stack;
     for (;;) {
-      const Point ab = Middle(a, b), bc = Middle(b, c), abc = Middle(ab, bc);
+      // Each round replaces neighbours by the point midway between them. What each begins with is the left half's next
+      // point; what remains, its last points first, is the right half.
+      Curve left, right = curve;
+#pragma GCC unroll 4
+      for (size_t k = 0; k < kCount; ++k) {
+        left[k] = right[0];
+#pragma GCC unroll 4
+        for (size_t i = 0; i + k + 1 < kCount; ++i) right[i] = Middle(right[i], right[i + 1]);
+      }
       if (--depth) {
-        *top++ = {abc, bc, c, depth};
-        b = ab;
-        c = abc;
+        *top++ = {right, depth};
+        curve = left;
         continue;
       }
-      AddLine(a, abc);
-      AddLine(abc, c);
+      AddLine(left.front(), right.front());
+      AddLine(right.front(), right.back());
       if (top == stack) return;
       --top;
-      a = top->a;
-      b = top->b;
-      c = top->c;
-      depth = top->depth;
-    }
-  }
-
-  void AddCubic(Point a, Point b, Point c, Point d) {
-    struct Piece {
-      Point a, b, c, d;
-      int depth;
-    };
-    if (!CrossesCentre(Least(a.x, b.x, c.x, d.x), Most(a.x, b.x, c.x, d.x)) &&
-        !CrossesCentre(Least(a.y, b.y, c.y, d.y), Most(a.y, b.y, c.y, d.y))) {
-      return;
-    }
-    const auto error = [](int32_t p, int32_t q, int32_t r, int32_t s) {
-      return std::abs(((q + r - p - s) * 3 + 4) >> 3);
-    };
-    int depth = DepthForError(std::max(error(a.x, b.x, c.x, d.x), error(a.y, b.y, c.y, d.y)));
-    if (!depth) return AddLine(a, d);
-    Piece stack[kMaxCurveDepth];
-    Piece* top = stack;
-    for (;;) {
-      const Point ab = Middle(a, b), bc = Middle(b, c), cd = Middle(c, d);
-      const Point abc = Middle(ab, bc), bcd = Middle(bc, cd), abcd = Middle(abc, bcd);
-      if (--depth) {
-        *top++ = {abcd, bcd, cd, d, depth};
-        b = ab;
-        c = abc;
-        d = abcd;
-        continue;
-      }
-      AddLine(a, abcd);
-      AddLine(abcd, d);
-      if (top == stack) return;
-      --top;
-      a = top->a;
-      b = top->b;
-      c = top->c;
-      d = top->d;
+      curve = top->curve;
       depth = top->depth;
     }
   }

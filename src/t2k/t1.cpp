@@ -4,6 +4,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "gfx/foundation/hsascii.h"
 #include "gfx/foundation/hstrig.h"
 #include "t2k/t1text.h"
 #include "t2k/truetype.h"
@@ -45,10 +46,10 @@ void OpenEexec(T1Class* t) {
 // font uses the Standard encoding.
 CodeOfName OwnEncoding(const T1Class* t) {
   CodeOfName codes;
-  if (!t->encoding || t->encoding >= DataEnd(t) || !IsDigit(*t->encoding)) return codes;
+  if (!t->encoding || t->encoding >= DataEnd(t) || !hsAsciiIsDigit(char(*t->encoding))) return codes;
   const uint8_t* end = t->dataInPtr + t->eexecGO;
   for (T1Text text = FindBehind(t->encoding, end, "dup "); text.at; text = FindBehind(text.at, end, "dup ")) {
-    if (text.AtEnd() || !IsDigit(*text.at)) continue;
+    if (text.AtEnd() || !hsAsciiIsDigit(char(*text.at))) continue;
     const auto code = uint16_t(ReadWhole(text));
     while (!text.AtEnd() && IsBlank(*text.at)) ++text.at;
     if (text.AtEnd() || *text.at != '/') continue;
@@ -59,7 +60,9 @@ CodeOfName OwnEncoding(const T1Class* t) {
   return codes;
 }
 
-bool HasOwnEncoding(const T1Class* t) { return t->encoding && t->encoding < DataEnd(t) && IsDigit(*t->encoding); }
+bool HasOwnEncoding(const T1Class* t) {
+  return t->encoding && t->encoding < DataEnd(t) && hsAsciiIsDigit(char(*t->encoding));
+}
 
 void AddGlyph(T1Class* t, int index, const CodeOfName& own, const uint8_t* name, T1Program program) {
   tsi_Assert(t->mem, index < t->NumCharStrings);

@@ -1,6 +1,7 @@
 // Taking a Type 1 font's wrappings off: the PC form's segments, and both layers of encryption.
 #include <cstdlib>
 
+#include "gfx/foundation/hsascii.h"
 #include "t2k/t1.h"
 #include "t2k/t1text.h"
 
@@ -56,7 +57,7 @@ class EexecReader {
 };
 
 int HexValue(uint8_t c) {
-  if (c >= '0' && c <= '9') return c - '0';
+  if (hsAsciiIsDigit(char(c))) return c - '0';
   if (c >= 'a' && c <= 'f') return c - 'a' + 10;
   if (c >= 'A' && c <= 'F') return c - 'A' + 10;
   return -1;

@@ -1,5 +1,7 @@
 #include "t2k/t1text.h"
 
+#include "gfx/foundation/hsascii.h"
+
 #include <algorithm>
 
 namespace {
@@ -19,7 +21,7 @@ bool TakeSign(T1Text& text) {
 
 uint32_t NumberEndingAt(const uint8_t* begin, const uint8_t* end) {
   const uint8_t* first = end;
-  while (first > begin && IsDigit(first[-1])) --first;
+  while (first > begin && hsAsciiIsDigit(char(first[-1]))) --first;
   uint64_t value = 0;
   for (; first < end; ++first) value = std::min<uint64_t>(value * 10 + (*first - '0'), 0x7FFFFFFF);
   return uint32_t(value);
@@ -36,7 +38,7 @@ int32_t ReadWhole(T1Text& text) {
   SkipBlanks(text);
   const bool negative = TakeSign(text);
   int64_t value = 0;
-  for (; !text.AtEnd() && IsDigit(*text.at); ++text.at) {
+  for (; !text.AtEnd() && hsAsciiIsDigit(char(*text.at)); ++text.at) {
     value = std::min<int64_t>(value * 10 + (*text.at - '0'), kPosInfinity32);
   }
   return int32_t(negative ? -value : value);
@@ -48,7 +50,7 @@ bool ReadFixed(T1Text& text, int32_t scale, hsFixed* value) {
   int64_t digits = 0;
   int64_t exponent = 0;  // of ten
   bool any = false, inFraction = false;
-  for (; !text.AtEnd() && (IsDigit(*text.at) || (*text.at == '.' && !inFraction)); ++text.at) {
+  for (; !text.AtEnd() && (hsAsciiIsDigit(char(*text.at)) || (*text.at == '.' && !inFraction)); ++text.at) {
     if (*text.at == '.') {
       inFraction = true;
       continue;

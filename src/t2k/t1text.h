@@ -16,7 +16,6 @@ struct T1Text {
   bool AtEnd() const { return at >= end; }
 };
 
-inline bool IsDigit(uint8_t c) { return c >= '0' && c <= '9'; }
 inline bool IsBlank(uint8_t c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
 // Whether the four bytes at p announce a program: " RD " or " -| ".

@@ -5,6 +5,7 @@
 // the font (kT2KDamagedFont), never a read outside its bytes.
 #pragma once
 
+#include "gfx/foundation/hsbytes.h"
 #include "t2k/tsimem.h"
 
 // Copies count bytes at position to destination; false if it can't. Must not throw.
@@ -65,7 +66,7 @@ inline uint16_t ReadUInt16(InputStream& in) {
   if (in.privateBase && BytesLeft(in) >= 2) [[likely]] {
     const uint8_t* p = in.privateBase + in.pos;
     in.pos += 2;
-    return uint16_t(p[0] << 8 | p[1]);
+    return hsBig16(p);
   }
   const uint8_t high = ReadUInt8(in);
   return uint16_t(high << 8 | ReadUInt8(in));

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "gfx/foundation/hsbytes.h"
 #include "gfx/foundation/hsdebug.h"
 
 bool hsInputStream::AtEnd() {
@@ -19,13 +20,13 @@ uint8_t hsInputStream::ReadByte() {
 uint16_t hsInputStream::ReadShort() {
   uint8_t b[2] = {};
   Read(2, b);
-  return uint16_t(b[0] | b[1] << 8);
+  return hsLittle16(b);
 }
 
 uint32_t hsInputStream::ReadLong() {
   uint8_t b[4] = {};
   Read(4, b);
-  return b[0] | uint32_t{b[1]} << 8 | uint32_t{b[2]} << 16 | uint32_t{b[3]} << 24;
+  return hsLittle32(b);
 }
 
 void hsInputStream::ReadShorts(int32_t count, uint16_t buffer[]) {

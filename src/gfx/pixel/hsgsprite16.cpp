@@ -143,38 +143,12 @@ class hsGSpriteIndex16Blend : public hsGPlainSprite {
     const auto* s = static_cast<const uint8_t*>(source);
     auto* d = static_cast<uint16_t*>(device);
     const hsGColor32* colors = SourceColors();
-    const int32_t key = SourceKey();
-    int32_t seen = -1;
-    uint16_t under = 0, blended = 0;
-    for (int32_t i = 0; i < width; ++i) {
-      if (s[i] == key) continue;
-      if (s[i] != seen || d[i] != under) {
-        seen = s[i];
-        under = d[i];
-        const hsGColor32 e = colors[s[i]];
-        const uint32_t v = ((hsColor32A(e) + 1) * fScale) >> 8;
-        blended = hsPack16(Lerp(hsColor32R(e) >> 2, hsRed6(under), v), Lerp(hsColor32G(e) >> 3, hsGreen5(under), v),
-                           Lerp(hsColor32B(e) >> 3, hsBlue5(under), v));
-      }
-      d[i] = blended;
-    }
-  }
-};
-
-class hsGSpriteIndexXfer16 : public hsGXferSprite {
- public:
-  explicit hsGSpriteIndexXfer16(const hsGSpriteParts& parts) : hsGXferSprite(parts, parts.xfer) {}
-
- protected:
-  void DrawRow(const void* source, void* device, int32_t width) override {
-    const auto* s = static_cast<const uint8_t*>(source);
-    auto* d = static_cast<uint16_t*>(device);
-    hsGColor32 colors[32];
-    for (int32_t chunk; width > 0; width -= chunk, s += chunk, d += chunk) {
-      chunk = std::min<int32_t>(width, 32);
-      Expand(s, chunk, colors);
-      fXfer->Xfer16(chunk, colors, d, nullptr);
-    }
+    hsBlendIndices(s, d, width, SourceKey(), [&](uint8_t index, uint16_t under) {
+      const hsGColor32 e = colors[index];
+      const uint32_t v = ((hsColor32A(e) + 1) * fScale) >> 8;
+      return hsPack16(Lerp(hsColor32R(e) >> 2, hsRed6(under), v), Lerp(hsColor32G(e) >> 3, hsGreen5(under), v),
+                      Lerp(hsColor32B(e) >> 3, hsBlue5(under), v));
+    });
   }
 };
 
@@ -192,7 +166,7 @@ class hsGSpriteXfer : public hsGXferSprite {
       row = fRow.data();
     }
     if (fDevice.fPixelSize == 16) {
-      fXfer->Xfer16(width, row, static_cast<uint16_t*>(device), nullptr);
+      Xfer(width, row, static_cast<uint16_t*>(device));
     } else if (fDevice.fPixelSize == 32) {
       fXfer->Xfer32(width, row, static_cast<hsGColor32*>(device), nullptr);
     }
@@ -205,7 +179,7 @@ class hsGSpriteXfer : public hsGXferSprite {
 }  // namespace
 
 hsGSpriteBlitter* hsChooseSpriteIndex16(const hsGSpriteParts& parts) {
-  if (parts.xfer) return new hsGSpriteIndexXfer16(parts);
+  if (parts.xfer) return new hsGSpriteIndexXfer<uint16_t>(parts);
   if (parts.IsFull()) return new hsGSpriteIndex16(parts);
   return new hsGSpriteIndex16Blend(parts);
 }

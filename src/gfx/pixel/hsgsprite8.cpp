@@ -60,33 +60,16 @@ class hsGSpriteXfer8 : public hsGXferSprite {
   void DrawRow(const void* source, void* device, int32_t width) override {
     const auto* s = static_cast<const hsGColor32*>(source);
     auto* d = static_cast<uint8_t*>(device);
-    if (IsReady()) return fXfer->Xfer8(width, s, d, fDevice.fColorTable.get(), nullptr);
+    if (IsReady()) return Xfer(width, s, d);
     for (int32_t chunk; width > 0; width -= chunk, s += chunk, d += chunk) {
       chunk = std::min(width, kChunk);
       Prepare(s, chunk, fBuffer);
-      fXfer->Xfer8(chunk, fBuffer, d, fDevice.fColorTable.get(), nullptr);
+      Xfer(chunk, fBuffer, d);
     }
   }
 
  private:
   hsGColor32 fBuffer[kChunk];
-};
-
-class hsGSpriteIndexXfer8 : public hsGXferSprite {
- public:
-  using hsGXferSprite::hsGXferSprite;
-
- protected:
-  void DrawRow(const void* source, void* device, int32_t width) override {
-    const auto* s = static_cast<const uint8_t*>(source);
-    auto* d = static_cast<uint8_t*>(device);
-    hsGColor32 colors[32];
-    for (int32_t chunk; width > 0; width -= chunk, s += chunk, d += chunk) {
-      chunk = std::min<int32_t>(width, 32);
-      Expand(s, chunk, colors);
-      fXfer->Xfer8(chunk, colors, d, fDevice.fColorTable.get(), nullptr);
-    }
-  }
 };
 
 class hsGSpriteIndexCopy8 : public hsGPlainSprite {
@@ -142,18 +125,9 @@ class hsGSpriteIndexBlend8 : public hsGPlainSprite {
     const hsGColor32* from = SourceColors();
     const hsGColor32* onto = fDevice.fColorTable->Colors();
     const uint8_t* inverse = fDevice.fColorTable->GetInverseTable();
-    const int32_t key = SourceKey();
-    int32_t seen = -1;
-    uint8_t under = 0, blended = 0;
-    for (int32_t i = 0; i < width; ++i) {
-      if (s[i] == key) continue;
-      if (s[i] != seen || d[i] != under) {
-        seen = s[i];
-        under = d[i];
-        blended = Blended(from[seen], onto[under], ((hsColor32A(from[seen]) + 1) * fScale) >> 8, inverse);
-      }
-      d[i] = blended;
-    }
+    hsBlendIndices(s, d, width, SourceKey(), [&](uint8_t index, uint8_t under) {
+      return Blended(from[index], onto[under], ((hsColor32A(from[index]) + 1) * fScale) >> 8, inverse);
+    });
   }
 };
 
@@ -174,7 +148,7 @@ hsGSpriteBlitter* hsChooseSprite8(const hsGSpriteParts& parts) {
       return new hsGSpriteRGB8Blend(parts);
     case hsGBitmap::kConfig_ARGB32: return MakeXfer8(parts);
     case hsGBitmap::kConfig_Index8:
-      if (parts.xfer) return new hsGSpriteIndexXfer8(parts, parts.xfer);
+      if (parts.xfer) return new hsGSpriteIndexXfer<uint8_t>(parts);
       if (!parts.IsFull()) return new hsGSpriteIndexBlend8(parts);
       if (hsGColorTable::Equal(parts.device.fColorTable.get(), parts.source.fColorTable.get()))
         return new hsGSpriteIndexCopy8(parts);

@@ -51,6 +51,13 @@ class hsGXferSprite : public hsGSpriteBlitter {
     const hsGColor32 alpha = fSource.fConfig == hsGBitmap::kConfig_ARGB32 ? 0 : 0xFF000000;
     for (int32_t i = 0; i < count; ++i) out[i] = hsScaleColor32(source[i] | alpha, fScale);
   }
+  // Pixels through the mode onto a row of the device.
+  void Xfer(int32_t count, const hsGColor32* colors, uint8_t* device) const {
+    fXfer->Xfer8(count, colors, device, fDevice.fColorTable.get(), nullptr);
+  }
+  void Xfer(int32_t count, const hsGColor32* colors, uint16_t* device) const {
+    fXfer->Xfer16(count, colors, device, nullptr);
+  }
   // Palette pixels, the key as nothing at all; the paint's alpha plays no part here.
   void Expand(const uint8_t* source, int32_t count, hsGColor32* out) const {
     const hsGColor32* colors = SourceColors();
@@ -60,3 +67,42 @@ class hsGXferSprite : public hsGSpriteBlitter {
 
   hsRef<hsGXferMode> fXfer;
 };
+
+// Palette pixels through a mode, onto pixels of either depth. A mode may carry error along the pixels of one call, so
+// the chunks show.
+template <class Pixel>
+class hsGSpriteIndexXfer : public hsGXferSprite {
+ public:
+  explicit hsGSpriteIndexXfer(const hsGSpriteParts& parts) : hsGXferSprite(parts, parts.xfer) {}
+
+ protected:
+  static constexpr int32_t kChunk = 32;
+
+  void DrawRow(const void* source, void* device, int32_t width) override {
+    const auto* s = static_cast<const uint8_t*>(source);
+    auto* d = static_cast<Pixel*>(device);
+    hsGColor32 colors[kChunk];
+    for (int32_t chunk; width > 0; width -= chunk, s += chunk, d += chunk) {
+      chunk = std::min(width, kChunk);
+      Expand(s, chunk, colors);
+      Xfer(chunk, colors, d);
+    }
+  }
+};
+
+// Blends a row of palette pixels, but for the key. blend(index, device pixel) is asked once for each run of equal
+// pairs.
+template <class Pixel, class Blend>
+void hsBlendIndices(const uint8_t* source, Pixel* device, int32_t width, int32_t key, Blend&& blend) {
+  int32_t seen = -1;
+  Pixel under = 0, blended = 0;
+  for (int32_t i = 0; i < width; ++i) {
+    if (source[i] == key) continue;
+    if (source[i] != seen || device[i] != under) {
+      seen = source[i];
+      under = device[i];
+      blended = blend(source[i], under);
+    }
+    device[i] = blended;
+  }
+}

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "gfx/foundation/hsascii.h"
 #include "gfx/foundation/hsdebug.h"
 #include "gfx/foundation/hsfolderiterator.h"
 #include "gfx/foundation/hsglibrary.h"
@@ -85,8 +86,7 @@ int32_t SearchName(const hsGFontSet& set, uint32_t nameKind, const char* name) {
 }
 
 std::string LowerCase(std::string name) {
-  for (char& c : name)
-    if (c >= 'A' && c <= 'Z') c = char(c + 32);
+  for (char& c : name) c = hsAsciiLower(c);
   return name;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "gfx/foundation/hsascii.h"
 #include "gfx/foundation/hsdebug.h"
 #include "gfx/foundation/hsmemory.h"
 #include "gfx/text/hssfnt.h"
@@ -11,8 +12,6 @@ namespace {
 
 constexpr uint16_t kNameIDs[kFontNameKinds] = {1, 2, 4, 6};
 constexpr uint16_t kEnglish_Macintosh = 0, kEnglish_Windows = 0x409;
-
-constexpr uint8_t LowerCase(uint8_t c) { return c >= 'A' && c <= 'Z' ? uint8_t(c + 32) : c; }
 
 // Where names are looked for, in order: single bytes first.
 struct NamePlace {
@@ -122,7 +121,7 @@ uint32_t hsGFontT2K::GetName(uint32_t nameKind, char buffer[]) {
 bool hsGFontT2K::MatchName(uint32_t nameKind, const char* name) {
   const std::string own = NameOf(this, nameKind);
   return !own.empty() && std::equal(own.begin(), own.end(), name, name + std::strlen(name),
-                                    [](char a, char b) { return LowerCase(uint8_t(a)) == LowerCase(uint8_t(b)); });
+                                    [](char a, char b) { return hsAsciiLower(a) == hsAsciiLower(b); });
 }
 
 uint16_t hsGFontT2K::CharToGlyph(uint16_t code) {

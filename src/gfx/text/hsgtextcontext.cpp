@@ -4,6 +4,7 @@
 #include <new>
 #include <vector>
 
+#include "gfx/foundation/hsbytes.h"
 #include "gfx/foundation/hsdebug.h"
 #include "gfx/foundation/hsmemory.h"
 #include "gfx/pixel/hsgrawdraw.h"
@@ -66,7 +67,7 @@ void hsGTextContext::Decode(uint32_t length, const void* text, uint32_t count, u
       break;
     }
     default:
-      for (uint32_t i = 0; i < count; ++i) out[i] = uint16_t(bytes[2 * i] | bytes[2 * i + 1] << 8);
+      for (uint32_t i = 0; i < count; ++i) out[i] = hsLittle16(bytes + 2 * i);
   }
 }
 

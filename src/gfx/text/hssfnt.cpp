@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "gfx/foundation/hsdebug.h"
+#include "t2k/charmap.h"
 
 namespace {
 
@@ -47,37 +48,22 @@ bool EachName(hsSfntBytes table, NameFilter filter, Take&& take) {
 
 // ---- one character by each format
 
-uint16_t MapByte(hsSfntBytes map, uint32_t code) { return code < 0x100 ? uint16_t(hsSfntU8(map, 6 + code)) : 0; }
-
-uint16_t MapHighByte(hsSfntBytes map, uint32_t code) {
+uint16_t MapHighByte(const CharMap& map, uint32_t code) {
   constexpr uint32_t kKeys = 6, kSubHeaders = 0x206;
   // Key 0, that of single bytes, looks up the low byte whatever the high one is.
-  const uint32_t header = kSubHeaders + hsSfntU16(map, kKeys + 2 * (code >> 8));
-  const uint32_t index = (code & 0xFF) - hsSfntU16(map, header);
-  if (index >= hsSfntU16(map, header + 2)) return 0;
-  const uint32_t glyph = hsSfntU16(map, header + 6 + hsSfntU16(map, header + 6) + 2 * index);
-  return glyph == 0 ? 0 : uint16_t(glyph + hsSfntU16(map, header + 4));
+  const uint32_t header = kSubHeaders + map.WordAt(kKeys + 2 * (code >> 8));
+  const uint32_t index = (code & 0xFF) - map.WordAt(header);
+  if (index >= map.WordAt(header + 2)) return 0;
+  const uint32_t glyph = map.WordAt(header + 6 + map.WordAt(header + 6) + 2 * index);
+  return glyph == 0 ? 0 : uint16_t(glyph + map.WordAt(header + 4));
 }
 
-uint16_t MapSegments(hsSfntBytes map, uint32_t code) {
-  const uint32_t segments = hsSfntU16(map, 6) >> 1;
-  const uint32_t ends = 14, starts = ends + 2 * segments + 2, deltas = starts + 2 * segments,
-                 ranges = deltas + 2 * segments;
-  for (uint32_t i = 0; i < segments; ++i) {
-    if (hsSfntU16(map, ends + 2 * i) < code) continue;
-    const uint32_t start = hsSfntU16(map, starts + 2 * i), delta = hsSfntU16(map, deltas + 2 * i);
-    if (start > code) return 0;
-    const uint32_t range = hsSfntU16(map, ranges + 2 * i);
-    if (range == 0) return uint16_t(code + delta);
-    const uint32_t glyph = hsSfntU16(map, ranges + 2 * i + 2 * ((range >> 1) + code - start));
-    return glyph == 0 ? 0 : uint16_t(glyph + delta);
-  }
-  return 0;
-}
-
-uint16_t MapTrimmed(hsSfntBytes map, uint32_t code) {
-  const uint32_t index = code - hsSfntU16(map, 6);
-  return index < hsSfntU16(map, 8) ? uint16_t(hsSfntU16(map, 10 + 2 * index)) : 0;
+uint16_t MapSegments(const CharMap& map, uint32_t code) {
+  CharSegment segment;
+  if (!FindSegment(map, code, &segment)) return 0;
+  if (segment.range == 0) return uint16_t(code + segment.delta);
+  const uint16_t glyph = map.WordAt(segment.rangeAt + 2 * ((segment.range >> 1) + code - segment.start));
+  return glyph == 0 ? 0 : uint16_t(glyph + segment.delta);
 }
 
 }  // namespace
@@ -149,18 +135,18 @@ void hsSfnt::MapChars(hsSfntBytes subtable, uint32_t length, const void* text, b
   if (isUnicode && !hsAssert(length % 2 == 0, "odd length for unicode text")) return;
   const uint32_t format = hsSfntU16(subtable, 0);
   if (format == 0 && !hsAssert(hsSfntU16(subtable, 2) == 0x106, "bad length")) return;
-  uint16_t (*map)(hsSfntBytes, uint32_t) = nullptr;
+  uint16_t (*map)(const CharMap&, uint32_t) = nullptr;
   switch (format) {
-    case 0: map = MapByte; break;
+    case 0: map = MapByBytes; break;
     case 2: map = isUnicode ? MapHighByte : nullptr; break;
     case 4: map = MapSegments; break;
-    case 6: map = MapTrimmed; break;
+    case 6: map = MapByRange; break;
   }
   if (!map) return;
   const uint8_t* bytes = static_cast<const uint8_t*>(text);
   for (uint32_t i = 0; i < length / (isUnicode ? 2 : 1); ++i) {
     uint16_t code = bytes[i];
     if (isUnicode) std::memcpy(&code, bytes + 2 * i, 2);
-    out[i] = map(subtable, code);
+    out[i] = map({subtable.data(), subtable.size()}, code);
   }
 }

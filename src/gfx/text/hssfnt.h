@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <span>
 
+#include "gfx/foundation/hsbytes.h"
+
 using hsSfntBytes = std::span<const uint8_t>;
 
 // A number at an offset; 0 where it reaches beyond the end.
@@ -15,11 +17,11 @@ constexpr uint32_t hsSfntU8(hsSfntBytes bytes, uint64_t offset) {
 }
 constexpr uint32_t hsSfntU16(hsSfntBytes bytes, uint64_t offset) {
   if (offset + 2 > bytes.size()) return 0;
-  return uint32_t(bytes[size_t(offset)]) << 8 | bytes[size_t(offset) + 1];
+  return hsBig16(&bytes[size_t(offset)]);
 }
 constexpr uint32_t hsSfntU32(hsSfntBytes bytes, uint64_t offset) {
   if (offset + 4 > bytes.size()) return 0;
-  return hsSfntU16(bytes, offset) << 16 | hsSfntU16(bytes, offset + 2);
+  return hsBig32(&bytes[size_t(offset)]);
 }
 
 namespace hsSfnt {

@@ -1,5 +1,7 @@
 #include "gfx/text/hsutf8.h"
 
+#include <algorithm>
+
 #include "gfx/foundation/hsdebug.h"
 
 namespace {
@@ -21,6 +23,15 @@ uint16_t NextUTF8(const uint8_t** p, const uint8_t* end) {
   if (!hsAssert((first & 0xF0) == 0xE0, "bad UTF8 byte")) return 0;
   const uint32_t high = Continuation(p, end);
   return uint16_t((first & 0x0F) << 12 | high << 6 | Continuation(p, end));
+}
+
+int32_t DecodeUTF8(const uint8_t* bytes, size_t available, int* length) {
+  if (available == 0) return -1;
+  const size_t size = bytes[0] < 0x80 ? 1 : (bytes[0] & 0xE0) == 0xC0 ? 2 : (bytes[0] & 0xF0) == 0xE0 ? 3 : SIZE_MAX;
+  if (size > available || !std::all_of(bytes + 1, bytes + size, IsContinuation)) return -1;
+  *length = int(size);
+  const uint8_t* at = bytes;
+  return NextUTF8(&at, bytes + size);
 }
 
 uint32_t CountUTF8(uint32_t length, const uint8_t bytes[], uint16_t out[]) {

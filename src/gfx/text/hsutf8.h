@@ -4,10 +4,15 @@
 // bytes in any case.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 // The character at *p, which moves behind it and never beyond end. "bad middle UTF8", "bad UTF8 byte".
 uint16_t NextUTF8(const uint8_t** p, const uint8_t* end);
+
+// The same for text from outside, without a report: the character at bytes and its length, or -1 for what doesn't
+// decode.
+int32_t DecodeUTF8(const uint8_t* bytes, size_t available, int* length);
 
 // The number of characters in length bytes, which go to out if given.
 uint32_t CountUTF8(uint32_t length, const uint8_t bytes[], uint16_t out[]);
