@@ -8,7 +8,7 @@
 #include <cstdint>
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#include <sanitizer/allocator_interface.h>
+extern "C" size_t __sanitizer_get_current_allocated_bytes();  // the sanitizers' runtime has it, without a header in GCC
 
 inline int64_t allocatedBytes() { return int64_t(__sanitizer_get_current_allocated_bytes()); }
 #else
