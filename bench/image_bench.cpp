@@ -3,8 +3,8 @@
 
 #include <filesystem>
 
-#include "engine/screen/display.h"
 #include "engine/images/imagecache.h"
+#include "engine/screen/display.h"
 #include "host/headless/headlessdesktop.h"
 #include "kit/pictures/clutfile.h"
 #include "kit/pictures/kpxfile.h"

@@ -6,7 +6,6 @@
 
 #include "engine/engine.h"
 #include "engine/page/frame.h"
-#include "engine/page/redraw.h"
 #include "gfx/text/hsgglyphcache.h"
 #include "host/headless/headlessdesktop.h"
 #include "kit/files.h"

@@ -4,6 +4,7 @@
 function(vistrel_library name)
   add_library(${name} STATIC ${ARGN})
   target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
+  set_property(GLOBAL APPEND PROPERTY VISTREL_LIBRARIES $<TARGET_FILE:${name}>)
 endfunction()
 
 # vistrel_test(NAME SOURCES file... LIBRARIES library... [LONG]): one GoogleTest program, every case a ctest case.

@@ -8,7 +8,7 @@ namespace {
 
 void eval(const std::vector<std::string>& texts) {
   StandardRuntime runtime;
-  for (const std::string& text : texts) bobConsoleEvaluate(&runtime.interp->rootScope, text);
+  for (const std::string& text : texts) bobConsoleEvaluate(bobRootScope(runtime.interp), text);
 }
 
 }  // namespace

@@ -22,9 +22,9 @@ class StandardInput : public BobStream {
 
 struct StandardRuntime : BobRuntime {
   StandardRuntime() {
-    interp->stdinStream = &in;
-    interp->stdoutStream = &out;
-    interp->stderrStream = &err;
+    bobSetStdin(interp, &in);
+    bobSetStdout(interp, &out);
+    bobSetStderr(interp, &err);
   }
 
   StandardInput in;

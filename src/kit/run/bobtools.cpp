@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "bob/compile/compiler.h"
+#include "bob/compile/statementreader.h"
 #include "kit/errors.h"
 
 namespace {
@@ -38,7 +38,8 @@ bool compileBobFile(BobRuntime& runtime, const std::string& source, const std::s
   BobInterp* interp = runtime.interp;
   open(interp, source, "r");
   bool made = false;
-  if (!bobTry(interp, [&] { made = bobCompileFile(bobRootScope(interp), source.c_str(), object.c_str()); })) return false;
+  if (!bobTry(interp, [&] { made = bobCompileFile(bobRootScope(interp), source.c_str(), object.c_str()); }))
+    return false;
   if (!made) throw KitError(object, "can't be opened");
   return true;
 }

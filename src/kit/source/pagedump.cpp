@@ -123,10 +123,10 @@ class Dumper {
     const std::string key = keyText(a.name) + ":";
     switch (PageTag(a.tag)) {
       case PageTag::integer:
-        return line(indent, key + tagUnless(form, AttributeForm::integer, true, "!int") + integer(a));
+        return line(indent, key + tagUnless(form, AttributeKind::integer, true, "!int") + integer(a));
       case PageTag::boolean: return line(indent, key + boolean(a, form));
       case PageTag::color:
-        return line(indent, key + tagUnless(form, AttributeForm::color, false, "!color") + hex(a.value));
+        return line(indent, key + tagUnless(form, AttributeKind::color, false, "!color") + hex(a.value));
       case PageTag::string: return string(a, form, indent, key);
       case PageTag::script: return script(a, indent, key);
       case PageTag::object: return nested(a, indent, key);
@@ -136,15 +136,15 @@ class Dumper {
   }
 
   // A tag where the builder would not choose that type by itself.
-  static std::string tagUnless(AttributeForm form, AttributeForm wanted, bool byLooks, const char* tag) {
-    const bool chosen = form == wanted || (byLooks && form == AttributeForm::unknown);
+  static std::string tagUnless(AttributeForm form, AttributeKind wanted, bool byLooks, const char* tag) {
+    const bool chosen = form == wanted || (byLooks && !form);
     return chosen ? " " : std::string(" ") + tag + " ";
   }
 
   static std::string integer(const PageAttribute& a) { return std::to_string(int32_t(a.value)); }
 
   static std::string boolean(const PageAttribute& a, AttributeForm form) {
-    const std::string tag = tagUnless(form, AttributeForm::boolean, true, "!bool");
+    const std::string tag = tagUnless(form, AttributeKind::boolean, true, "!bool");
     if (a.value > 1) return " !bool " + std::to_string(a.value);
     return tag + (a.value ? "true" : "false");
   }
@@ -159,7 +159,7 @@ class Dumper {
     const char* text;
     if (!attrString(a, &text)) return line(indent, "# " + key + " a string outside the file");
     line(indent,
-         key + tagUnless(form, AttributeForm::string, true, "!string") + (isPlainWord(text) ? text : quoted(text)));
+         key + tagUnless(form, AttributeKind::string, true, "!string") + (isPlainWord(text) ? text : quoted(text)));
   }
 
   void script(const PageAttribute& a, int indent, const std::string& key) {
@@ -194,10 +194,10 @@ class Dumper {
     if (!attrTable(a, &table)) return line(indent, "# " + key + " a table outside the file");
     const ObjectKind kind = tableObjectKind(form);
     const uint32_t count = table.count();
-    bool expected = kind != ObjectKind::other || form == AttributeForm::files || form == AttributeForm::unknown;
+    bool expected = kind != ObjectKind::other || form == AttributeKind::files || !form;
     for (uint32_t i = 0; i < count; ++i) {
       const bool asText = isText(table, i, kind);
-      const bool asIs = form == AttributeForm::files
+      const bool asIs = form == AttributeKind::files
                             ? asText && !std::string_view(table.string(i)).ends_with(".bob")  // which build compiles
                             : !asText || kind == ObjectKind::other;
       if (!asIs) expected = false;

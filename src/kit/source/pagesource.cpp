@@ -148,7 +148,7 @@ class SourceReader {
       if (key == "height") return void(result.height = position(value));
       if (key.find('\0') != std::string::npos) fail(keyNode, "a name can't hold a zero byte");
       const AttributeForm form = attributeForm(kind, type, key);
-      if (form == AttributeForm::unknown && kind != ObjectKind::other) warnAt(keyNode, "nothing reads '" + key + "'");
+      if (!form && kind != ObjectKind::other) warnAt(keyNode, "nothing reads '" + key + "'");
       result.attributes.push_back({key, attribute(value, form)});
     });
     return result;
@@ -177,18 +177,19 @@ class SourceReader {
     if (tag == "!table") return table(value, tableObjectKind(form));
     if (!isPlain(value)) fail(value, "unknown tag " + tag);
 
-    switch (form) {
-      case AttributeForm::integer: return integer(value);
-      case AttributeForm::boolean: return boolean(value);
-      case AttributeForm::color: return color(value);
-      case AttributeForm::string: return string(value);
-      case AttributeForm::script: return script(value);
-      case AttributeForm::widgets:
-      case AttributeForm::styles:
-      case AttributeForm::lines: return objects(value, form);
-      case AttributeForm::files: return files(value);
-      default: return byLooks(value);
+    if (!form) return byLooks(value);
+    switch (*form) {
+      case AttributeKind::integer: return integer(value);
+      case AttributeKind::boolean: return boolean(value);
+      case AttributeKind::color: return color(value);
+      case AttributeKind::string: return string(value);
+      case AttributeKind::script: return script(value);
+      case AttributeKind::widgets:
+      case AttributeKind::styles:
+      case AttributeKind::lines: return objects(value, form);
+      case AttributeKind::files: return files(value);
     }
+    return byLooks(value);
   }
 
   PageValue number(PageTag tag, uint32_t n) const {

@@ -1,21 +1,15 @@
-// What the engine reads in a page: which attribute, on which kind of object, in which form.
+// How a page source's attributes are written into a page: by the kind that the engine's table of attributes gives them.
 #pragma once
 
+#include <optional>
 #include <string_view>
 
-enum class AttributeForm {
-  unknown,  // nothing reads it
-  integer,
-  boolean,
-  color,
-  string,
-  script,
-  widgets,  // table of object records that are widgets
-  styles,   // ... text styles
-  lines,    // ... lines of a text container
-  files,    // table of script file names
-};
+#include "engine/page/attributes.h"
 
+// Nothing for an attribute that nothing reads.
+using AttributeForm = std::optional<AttributeKind>;
+
+// `other` is any object that the engine doesn't look into.
 enum class ObjectKind { root, widget, style, line, other };
 
 // `type` is the widget type of a root or widget; empty for a plain one.
