@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "bob/heap/quickcode.h"
-#include "bob/heap/raise.h"
 #include "bob/base/opcodes.h"
 #include "bob/heap/quickcode.h"
 #include "bob/heap/raise.h"
@@ -55,26 +53,8 @@ BobQuickOp PlainForm(uint8_t opcode) {
   }
 }
 
-constexpr BobQuickOp kArithmetic[] = {
-#define BOB_FIRST(name) kQ##name,
-    BOB_ARITHMETIC(BOB_FIRST)
-#undef BOB_FIRST
-};
-constexpr uint8_t kArithmeticOpcodes[] = {kOpAdd,  kOpSub, kOpMul, kOpDiv, kOpRem,
-                                          kOpBand, kOpBor, kOpXor, kOpShl, kOpShr};
-constexpr BobQuickOp kComparison[] = {
-#define BOB_FIRST(name) kQ##name##VVBrt,
-    BOB_COMPARISON(BOB_FIRST)
-#undef BOB_FIRST
-};
-constexpr uint8_t kComparisonOpcodes[] = {kOpLt, kOpLe, kOpEq, kOpNe, kOpGe, kOpGt};
-
-// The order of the joined forms behind the plain one, and how far the forms with a Set are from those without.
-enum Form { kFormVV, kFormVL, kFormAV, kFormAL };
-constexpr int kSetForms = kQAddSet - kQAdd;
-
 template <size_t kCount>
-int IndexOf(const uint8_t (&opcodes)[kCount], uint8_t opcode) {
+int indexOf(const BobOpcode (&opcodes)[kCount], uint8_t opcode) {
   for (size_t i = 0; i < kCount; ++i)
     if (opcodes[i] == opcode) return int(i);
   return -1;
@@ -191,31 +171,32 @@ class Translator {
     const int right = first + 1, op = first + 2;
     const bool isLiteral = isSmallLiteral(s, right);
     if (!isLiteral && !isVariable(s, right)) return 0;
-    const int form = (first ? 0 : 2) + isLiteral;
+    const BobOperands operands =
+        first ? (isLiteral ? BobOperands::kVL : BobOperands::kVV) : (isLiteral ? BobOperands::kAL : BobOperands::kAV);
     const uint32_t a = first ? variable(s, 0) : 0, b = isLiteral ? 0 : wideVariable(s, right);
-    if (const int i = IndexOf(kArithmeticOpcodes, s.opcode(op)); i >= 0 && !testsOnly) {
-      const BobQuickOp plain = BobQuickOp(kArithmetic[i] + 1 + form);
+    if (const int i = indexOf(kBobArithmeticOpcodes, s.opcode(op)); i >= 0 && !testsOnly) {
       if (isStore(s, op + 1))
-        putSet(BobQuickOp(plain + kSetForms), form, a, b, s, op + 1);
+        putSet(i, operands, a, b, s, op + 1);
       else
-        put(plain, a, b);
+        put(bobArithmeticOp(i, operands, false), a, b);
       if (isLiteral) out.push_back(literal(s, right));
       return op + 1 + isStore(s, op + 1);
     }
-    const int i = IndexOf(kComparisonOpcodes, s.opcode(op));
+    const int i = indexOf(kBobComparisonOpcodes, s.opcode(op));
     const uint8_t branch = s.opcode(op + 1);
     if (i < 0 || (branch != kOpBrt && branch != kOpBrf)) return 0;
-    put(BobQuickOp(kComparison[i] + form + (branch == kOpBrf ? 4 : 0)), a, b);
+    put(bobTestOp(i, operands, branch == kOpBrt), a, b);
     if (isLiteral) out.push_back(literal(s, right));
     putTarget(s.operand(op + 1));
     return op + 2;
   }
 
   // Where the variable of a Set goes depends on what else the form has.
-  void putSet(BobQuickOp op, int form, uint32_t a, uint32_t b, const Sequence& s, int store) {
-    if (form == kFormVV)
+  void putSet(int index, BobOperands operands, uint32_t a, uint32_t b, const Sequence& s, int store) {
+    const BobQuickOp op = bobArithmeticOp(index, operands, true);
+    if (operands == BobOperands::kVV)
       put(op, a, (b & 0xFF) | variable(s, store) << 8);
-    else if (form == kFormVL)
+    else if (operands == BobOperands::kVL)
       put(op, a, wideVariable(s, store));
     else
       put(op, variable(s, store), b);
@@ -293,9 +274,9 @@ class Translator {
 
   // A binary opcode whose left operand is on the stack, and the store of its result.
   int joinStore(const Sequence& s) {
-    const int i = IndexOf(kArithmeticOpcodes, s.opcode(0));
+    const int i = indexOf(kBobArithmeticOpcodes, s.opcode(0));
     if (i < 0 || !isStore(s, 1)) return 0;
-    put(BobQuickOp(kArithmetic[i] + kSetForms), variable(s, 1));
+    put(bobArithmeticOp(i, BobOperands::kNone, true), variable(s, 1));
     return 2;
   }
 
