@@ -15,22 +15,6 @@ double numberOf(BobInterp* interp, BobValue value) {
   return interp->floatOf(value);
 }
 
-int32_t integerResult(BobInterp* interp, BobOpcode op, int32_t a, int32_t b) {
-  switch (op) {
-    case kOpAdd: return bobAdd(a, b);
-    case kOpSub: return bobSubtract(a, b);
-    case kOpMul: return bobMultiply(a, b);
-    case kOpDiv: return bobDivide(a, b);
-    case kOpRem: return bobRemainder(a, b);
-    case kOpBand: return a & b;
-    case kOpBor: return a | b;
-    case kOpXor: return a ^ b;
-    case kOpShl: return bobShiftLeft(a, b);
-    case kOpShr: return bobShiftRight(a, b);
-    default: bobRaise(interp, kBobImpossible);
-  }
-}
-
 BobValue concatenate(BobInterp* interp, BobValue left, BobValue right) {
   if (!interp->isA(left, kBobString)) bobRaise(interp, kBobWrongType, left);
   const BobLocal keepLeft(interp->locals, left), keepRight(interp->locals, right);
@@ -51,7 +35,7 @@ BobValue bobArithmetic(BobInterp* interp, BobOpcode op, BobValue left, BobValue 
   if (op == kOpAdd && interp->isA(right, kBobString)) return concatenate(interp, left, right);
   if (interp->isInteger(left) && interp->isInteger(right)) {
     const int32_t a = interp->integerOf(left), b = interp->integerOf(right);
-    return bobMakeInteger(interp, integerResult(interp, op, a, b));
+    return bobMakeInteger(interp, bobComputeInteger(op, a, b));
   }
   const double a = numberOf(interp, left), b = numberOf(interp, right);
   switch (op) {

@@ -1,7 +1,14 @@
-// The instructions of the threaded form.
+// The instructions of quick code.
+//
+// One word each, with operands in it, and further words after it where it says so. Most are those of bytecode with
+// their operands decoded; the rest are superinstructions, each of which does what a sequence of bytecode would, one
+// part after the other.
 #pragma once
 
 #include <cstdint>
+#include <iterator>
+
+#include "bob/base/opcodes.h"
 
 // clang-format off
 
@@ -72,3 +79,49 @@ enum BobQuickOp : uint8_t {
 #undef BOB_QUICK_ENUM
       kQEnd
 };
+
+// -- binary instructions by their parts
+
+// Where a superinstruction has its operands from.
+enum class BobOperands { kNone, kVV, kVL, kAV, kAL };
+
+constexpr BobOpcode kBobArithmeticOpcodes[] = {kOpAdd,  kOpSub, kOpMul, kOpDiv, kOpRem,
+                                               kOpBand, kOpBor, kOpXor, kOpShl, kOpShr};
+constexpr BobOpcode kBobComparisonOpcodes[] = {kOpLt, kOpLe, kOpEq, kOpNe, kOpGe, kOpGt};
+constexpr int kBobArithmeticForms = kQSub - kQAdd, kBobTestForms = kQLeVVBrt - kQLtVVBrt;
+
+struct BobArithmeticForm {
+  BobOpcode opcode;
+  BobOperands operands;
+  bool sets;
+};
+constexpr bool bobIsArithmetic(BobQuickOp op) {
+  return op >= kQAdd && op < kQAdd + kBobArithmeticForms * int(std::size(kBobArithmeticOpcodes));
+}
+constexpr BobArithmeticForm bobArithmeticForm(BobQuickOp op) {
+  const int form = (op - kQAdd) % kBobArithmeticForms, half = kBobArithmeticForms / 2;
+  return {kBobArithmeticOpcodes[(op - kQAdd) / kBobArithmeticForms], BobOperands(form % half), form >= half};
+}
+// `index` counts in kBobArithmeticOpcodes.
+constexpr BobQuickOp bobArithmeticOp(int index, BobOperands operands, bool sets) {
+  return BobQuickOp(kQAdd + kBobArithmeticForms * index + int(operands) + (sets ? kBobArithmeticForms / 2 : 0));
+}
+
+constexpr bool bobIsComparison(BobQuickOp op) { return op >= kQLt && op <= kQGt; }
+constexpr BobOpcode bobComparisonOpcode(BobQuickOp op) { return kBobComparisonOpcodes[op - kQLt]; }
+
+// A comparison joined with the branch after it.
+struct BobTestForm {
+  BobOpcode opcode;
+  BobOperands operands;
+  bool branchesWhenTrue;
+};
+constexpr bool bobIsTest(BobQuickOp op) { return op >= kQLtVVBrt && op <= kQGtALBrf; }
+constexpr BobTestForm bobTestForm(BobQuickOp op) {
+  const int form = (op - kQLtVVBrt) % kBobTestForms, half = kBobTestForms / 2;
+  return {kBobComparisonOpcodes[(op - kQLtVVBrt) / kBobTestForms], BobOperands(1 + form % half), form < half};
+}
+// `index` counts in kBobComparisonOpcodes.
+constexpr BobQuickOp bobTestOp(int index, BobOperands operands, bool branchesWhenTrue) {
+  return BobQuickOp(kQLtVVBrt + kBobTestForms * index + int(operands) - 1 + (branchesWhenTrue ? 0 : kBobTestForms / 2));
+}

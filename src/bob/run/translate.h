@@ -12,10 +12,10 @@
 //     000c RETURN      (nothing reaches it)
 //
 // Translation follows every path that the code can take (codepaths.h). Where that proves that the code stays within its
-// literals, its stack and its variables, no instruction checks them any more. Code for which it can't be shown (it comes
-// from outside, or a `continue` in a `switch` left a block open) is translated without superinstructions, and with a
-// check before each instruction that pops. What would leave its object becomes kQBad, which raises error 9 when it is
-// reached.
+// literals, its stack and its variables, no instruction checks them any more. Code for which it can't be shown (it
+// comes from outside, or a `continue` in a `switch` left a block open) is translated without superinstructions, and
+// with a check before each instruction that pops. What would leave its object becomes kQBad, which raises error 9 when
+// it is reached.
 #pragma once
 
 #include "bob/heap/interp.h"

@@ -1,0 +1,88 @@
+// Instructions that move values about, branch, and make objects.
+#pragma once
+
+#include "bob/model/values.h"
+#include "bob/run/registers.h"
+
+// -- constants, literals and variables
+
+BOB_STEP void step(BobRegisters& r, BobOp<kQTrue>) { r.val = kBobTrue; }
+BOB_STEP void step(BobRegisters& r, BobOp<kQNil>) { r.val = kBobNil; }
+BOB_STEP void step(BobRegisters& r, BobOp<kQNot>) { r.val = bobBoolean(r.val == kBobFalse); }
+BOB_STEP void step(BobRegisters& r, BobOp<kQLit>) { r.val = r.literal(r.b()); }
+BOB_STEP void step(BobRegisters& r, BobOp<kQArgsGe>) { r.val = bobBoolean(r.interp->argc >= int(r.a())); }
+
+BOB_STEP void step(BobRegisters& r, BobOp<kQOwn>) { r.val = r.variable(r.variableB()); }
+BOB_STEP void step(BobRegisters& r, BobOp<kQSetOwn>) { r.variable(r.variableB()) = r.val; }
+
+BOB_STEP uint32_t* findOrFail(BobRegisters& r) {
+  uint32_t* place = bobFindVariable(r.interp, r.a(), r.b());
+  if (!place) [[unlikely]]
+    r.fail(kBobBadOpcode);
+  return place;
+}
+BOB_STEP void step(BobRegisters& r, BobOp<kQVar>) { r.val = *findOrFail(r); }
+BOB_STEP void step(BobRegisters& r, BobOp<kQSet>) { *findOrFail(r) = r.val; }
+
+// -- the stack
+
+BOB_STEP void step(BobRegisters& r, BobOp<kQPush>) { r.push(r.val); }
+BOB_STEP void step(BobRegisters& r, BobOp<kQDup>) { r.push(r.sp[0]); }
+BOB_STEP void step(BobRegisters& r, BobOp<kQOver>) { r.push(r.sp[1]); }
+BOB_STEP void step(BobRegisters& r, BobOp<kQDrop>) { r.val = *r.sp++; }
+BOB_STEP void step(BobRegisters& r, BobOp<kQDup2>) {
+  r.need(2);
+  r.sp -= 2;
+  r.sp[1] = r.val;
+  r.sp[0] = r.sp[2];
+}
+BOB_STEP void step(BobRegisters& r, BobOp<kQPushVar>) {
+  r.val = r.variable(r.variableA());
+  r.push(r.val);
+}
+BOB_STEP void step(BobRegisters& r, BobOp<kQPushLit>) {
+  r.val = r.literal(r.b());
+  r.push(r.val);
+}
+BOB_STEP void step(BobRegisters& r, BobOp<kQPushVarVar>) {
+  r.need(2);
+  r.sp -= 2;
+  r.sp[1] = r.variable(r.variableA());
+  r.sp[0] = r.val = r.variable(r.variableB());
+}
+BOB_STEP void step(BobRegisters& r, BobOp<kQPushVarLit>) {
+  r.need(2);
+  r.sp -= 2;
+  r.sp[1] = r.variable(r.variableA());
+  r.sp[0] = r.val = r.literal(r.b());
+}
+BOB_STEP void step(BobRegisters& r, BobOp<kQCheckPops>) {
+  if (r.interp->fp - r.sp < int(r.b())) r.fail(kBobBadOpcode);
+}
+
+// -- branches
+
+BOB_STEP void step(BobRegisters& r, BobOp<kQJump>) { r.branch(); }
+BOB_STEP void step(BobRegisters& r, BobOp<kQBrt>) { r.branchIf(r.val != kBobFalse); }
+BOB_STEP void step(BobRegisters& r, BobOp<kQBrf>) { r.branchIf(r.val == kBobFalse); }
+BOB_STEP void step(BobRegisters& r, BobOp<kQSwitch>) {
+  uint32_t cases = r.b();
+  while (cases > 0 && !bobEqual(r.interp, r.literal(r.pc[0]), r.val)) --cases, r.pc += 2;
+  if (cases > 0) ++r.pc;
+  r.branch();
+}
+BOB_STEP void step(BobRegisters& r, BobOp<kQBad>) { r.fail(kBobBadOpcode); }
+
+// -- objects
+
+BOB_STEP void step(BobRegisters& r, BobOp<kQNewObject>) {
+  r.store();
+  r.interp->val = r.interp->recordOf(r.val)->New(r.interp, r.val);
+  r.reload();
+}
+BOB_STEP void step(BobRegisters& r, BobOp<kQNewVector>) {
+  r.store();
+  bobGatherVector(r.interp);
+  r.sp = r.interp->sp;
+  r.reload();
+}
