@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <string>
 
-#include "engine/ascii.h"
 #include "engine/engine.h"
+#include "gfx/foundation/hsascii.h"
 #include "host/color.h"
 #include "host/host.h"
 #include "host/shell.h"
@@ -87,7 +87,7 @@ fs::path findIgnoringCase(const fs::path& folder, const std::string& name) {
   fs::directory_iterator entries(folder.empty() ? fs::path(".") : folder, ignored), end;
   for (; !ignored && entries != end; entries.increment(ignored)) {
     const fs::path entry = entries->path().filename();
-    if (asciiEqualIgnoringCase(entry.c_str(), name.c_str()) && (best.empty() || entry < best)) best = entry;
+    if (hsAsciiEqualIgnoringCase(entry.c_str(), name.c_str()) && (best.empty() || entry < best)) best = entry;
   }
   return best.empty() ? fs::path() : folder / best;
 }

@@ -1,6 +1,6 @@
 #include "engine/page/pagefile.h"
 
-#include "engine/ascii.h"
+#include "gfx/foundation/hsascii.h"
 #include "support/pagefixture.h"
 
 namespace {
@@ -118,13 +118,13 @@ TEST_F(PageFileTest, ARecordCutByTheEndHasNoRectangle) {
 }
 
 TEST(Ascii, IntegersSaturateAt64BitsAndKeepTheLow32) {
-  EXPECT_EQ(asciiToInt(" \t+42 "), 42);
-  EXPECT_EQ(asciiToInt("4294967297"), 1);
-  EXPECT_EQ(asciiToInt("9223372036854775807"), -1);
-  EXPECT_EQ(asciiToInt("9223372036854775808"), -1);
-  EXPECT_EQ(asciiToInt("-9223372036854775808"), 0);
-  EXPECT_EQ(asciiToInt("-99999999999999999999"), 0);
-  EXPECT_EQ(asciiToInt("- 1"), 0);
+  EXPECT_EQ(hsAsciiToInt(" \t+42 "), 42);
+  EXPECT_EQ(hsAsciiToInt("4294967297"), 1);
+  EXPECT_EQ(hsAsciiToInt("9223372036854775807"), -1);
+  EXPECT_EQ(hsAsciiToInt("9223372036854775808"), -1);
+  EXPECT_EQ(hsAsciiToInt("-9223372036854775808"), 0);
+  EXPECT_EQ(hsAsciiToInt("-99999999999999999999"), 0);
+  EXPECT_EQ(hsAsciiToInt("- 1"), 0);
 }
 
 }  // namespace

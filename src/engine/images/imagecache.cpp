@@ -4,9 +4,9 @@
 #include <string>
 #include <utility>
 
-#include "engine/ascii.h"
 #include "engine/images/imagefiles.h"
 #include "engine/log.h"
+#include "gfx/foundation/hsascii.h"
 #include "host/host.h"
 
 namespace {
@@ -62,7 +62,7 @@ const char* ImageCache::nameOf(const CachedImage& image) const {
 
 HeapHandle ImageCache::find(const char* name) const {
   for (HeapHandle h = lruHead; h; h = image(h).nextLru)
-    if (asciiEqualIgnoringCase(nameOf(image(h)), name)) return h;
+    if (hsAsciiEqualIgnoringCase(nameOf(image(h)), name)) return h;
   return 0;
 }
 
@@ -94,8 +94,8 @@ void ImageCache::evict(int64_t need) {
 HeapHandle ImageCache::load(const char* name) {
   const char* dot = std::strrchr(name, '.');
   if (!dot) return kpxRead(*this, name);
-  if (asciiEqualIgnoringCase(dot, ".gif")) return gifRead(*this, name);
-  if (asciiEqualIgnoringCase(dot, ".kpx")) return kpxRead(*this, name);
+  if (hsAsciiEqualIgnoringCase(dot, ".gif")) return gifRead(*this, name);
+  if (hsAsciiEqualIgnoringCase(dot, ".kpx")) return kpxRead(*this, name);
   // The picture is kept under the name of the file, so the next look for this name reads it again.
   const std::string file = std::string(name, dot) + ".kpx";
   return kpxRead(*this, file.substr(0, kNameBuffer - 1).c_str());

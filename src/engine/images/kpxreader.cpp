@@ -6,6 +6,7 @@
 #include "engine/hostfile.h"
 #include "engine/images/imagefiles.h"
 #include "engine/log.h"
+#include "gfx/foundation/hsbytes.h"
 
 namespace {
 
@@ -15,11 +16,10 @@ constexpr uint8_t kFormat8Bit = 1;
 struct KpxHeader {
   std::array<uint8_t, 12> bytes;
 
-  uint32_t big16(size_t at) const { return uint32_t(bytes[at] << 8 | bytes[at + 1]); }
-  uint32_t width() const { return big16(2); }
-  uint32_t height() const { return big16(4); }
+  uint32_t width() const { return hsBig16(&bytes[2]); }
+  uint32_t height() const { return hsBig16(&bytes[4]); }
   uint8_t format() const { return bytes[7]; }
-  uint32_t pixelOffset() const { return big16(8); }
+  uint32_t pixelOffset() const { return hsBig16(&bytes[8]); }
   uint8_t clutNameExtra() const { return bytes[10]; }  // bytes of the name after the header; 0 for no colour table
   char clutNameFirst() const { return char(bytes[11]); }
 };

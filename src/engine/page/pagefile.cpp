@@ -4,7 +4,8 @@
 #include <cstring>
 #include <string_view>
 
-#include "engine/ascii.h"
+#include "gfx/foundation/hsascii.h"
+#include "gfx/foundation/hsbytes.h"
 #include "host/host.h"
 
 namespace {
@@ -14,8 +15,6 @@ constexpr uint32_t kVersion = 0x0200;  // major in the upper byte
 constexpr uint32_t kRecordSize = 12;   // without attributes
 constexpr uint32_t kAttributeSize = 8;
 constexpr uint32_t kOffsetMask = 0xFFFFFF;
-
-uint32_t big32(const uint8_t* p) { return uint32_t(p[0]) << 24 | uint32_t(p[1]) << 16 | uint32_t(p[2]) << 8 | p[3]; }
 
 bool liesInside(const PageData& page, uint64_t offset, uint64_t size) { return offset + size <= page.bytes.size(); }
 
@@ -57,7 +56,7 @@ int pageCheck(const uint8_t* bytes, size_t size) {
     hostLog("Not a page file\n");
     return 0;
   }
-  const uint32_t version = big32(bytes + 4);
+  const uint32_t version = hsBig32(bytes + 4);
   if (version != kVersion) {
     hostLog("Outdated page file: expected version %d.%02d, got version %d.%02d\n", 2, 0, int(version >> 8),
             int(version & 255));
@@ -66,36 +65,35 @@ int pageCheck(const uint8_t* bytes, size_t size) {
   return 1;
 }
 
-uint32_t pageFlags(const PageData& page) { return big32(page.bytes.data() + 8); }
+uint32_t pageFlags(const PageData& page) { return hsBig32(page.bytes.data() + 8); }
 
-PageObject pageRoot(const PageData& page) { return objectAt(&page, big32(page.bytes.data() + 12)); }
+PageObject pageRoot(const PageData& page) { return objectAt(&page, hsBig32(page.bytes.data() + 12)); }
 
 uint16_t PageObject::word(uint32_t at) const {
   if (!page || !liesInside(*page, offset, kRecordSize)) return 0;
-  const uint8_t* p = page->bytes.data() + offset + at;
-  return uint16_t(p[0] << 8 | p[1]);
+  return hsBig16(page->bytes.data() + offset + at);
 }
 
 uint32_t PageObject::attributeCount() const {
   if (!page || !liesInside(*page, offset, kRecordSize)) return 0;
-  return countInside(*page, uint64_t(offset) + kRecordSize, big32(page->bytes.data() + offset + 8), kAttributeSize);
+  return countInside(*page, uint64_t(offset) + kRecordSize, hsBig32(page->bytes.data() + offset + 8), kAttributeSize);
 }
 
 uint32_t PageTable::count() const {
-  return countInside(*page, uint64_t(offset) + 4, big32(page->bytes.data() + offset) & kOffsetMask, 4);
+  return countInside(*page, uint64_t(offset) + 4, hsBig32(page->bytes.data() + offset) & kOffsetMask, 4);
 }
 
 PageObject PageTable::object(uint32_t index) const {
-  return objectAt(page, big32(page->bytes.data() + offset + 4 + size_t(index) * 4));
+  return objectAt(page, hsBig32(page->bytes.data() + offset + 4 + size_t(index) * 4));
 }
 
 const char* PageTable::string(uint32_t index) const {
-  return stringAt(*page, big32(page->bytes.data() + offset + 4 + size_t(index) * 4));
+  return stringAt(*page, hsBig32(page->bytes.data() + offset + 4 + size_t(index) * 4));
 }
 
 PageAttribute pageAttribute(const PageObject& record, uint32_t index) {
   const uint8_t* p = record.page->bytes.data() + record.offset + kRecordSize + size_t(index) * kAttributeSize;
-  return {record.page, p[0], stringAt(*record.page, big32(p) & kOffsetMask), big32(p + 4)};
+  return {record.page, p[0], stringAt(*record.page, hsBig32(p) & kOffsetMask), hsBig32(p + 4)};
 }
 
 std::optional<PageAttribute> attrFind(const PageObject& record, const char* name) {
@@ -114,7 +112,7 @@ int attrInt(const PageAttribute& a, int32_t* out) {
     case PageTag::string: {
       const char* text = stringAt(*a.page, a.value);
       if (!text) return 0;
-      *out = asciiToInt(text);
+      *out = hsAsciiToInt(text);
       return 1;
     }
     default: return wrongType(a, "Expecting an integer");
@@ -166,7 +164,7 @@ int attrTable(const PageAttribute& a, PageTable* out) {
 int attrScript(const PageAttribute& a, PageScript* out) {
   if (PageTag(a.tag) != PageTag::script) return wrongType(a, "Expecting script");
   if (!liesInside(*a.page, a.value, 4)) return 0;
-  const uint32_t length = big32(a.page->bytes.data() + a.value);
+  const uint32_t length = hsBig32(a.page->bytes.data() + a.value);
   if (!liesInside(*a.page, uint64_t(a.value) + 4, length)) return 0;
   *out = PageScript(a.page->bytes.data() + a.value + 4, length);
   return 1;

@@ -1,24 +1,22 @@
 #include "engine/screen/clut.h"
 
-#include "engine/ascii.h"
 #include "engine/hostfile.h"
 #include "engine/log.h"
 #include "engine/screen/display.h"
+#include "gfx/foundation/hsascii.h"
+#include "gfx/foundation/hsbytes.h"
 
 namespace {
 
 constexpr size_t kMaxColors = 240;
-constexpr size_t kTransparentIndex = 237;
-
-uint32_t big32(const uint8_t* p) { return uint32_t(p[0]) << 24 | uint32_t(p[1]) << 16 | uint32_t(p[2]) << 8 | p[3]; }
 
 // One byte without a meaning, then four a colour, big-endian. What follows the last colour is ignored.
 void readColors(HostFile* file, Clut* clut) {
   std::array<uint8_t, 1 + 4 * kMaxColors> bytes;
   const size_t size = hostRead(file, bytes.data(), bytes.size());
   clut->count = size == 0 ? 0 : int((size - 1) / 4);
-  for (size_t i = 0; i < size_t(clut->count); ++i) clut->colors[i] = big32(bytes.data() + 1 + i * 4);
-  clut->colors[kTransparentIndex] = 0;
+  for (size_t i = 0; i < size_t(clut->count); ++i) clut->colors[i] = hsBig32(bytes.data() + 1 + i * 4);
+  clut->colors[kIndexTransparent] = 0;
 }
 
 }  // namespace
@@ -32,7 +30,7 @@ void clutFinish(Clut* clut) {
 
 Clut* ClutShelf::load(const char* fileName) {
   for (const auto& clut : cluts)
-    if (asciiEqualIgnoringCase(clut->name.c_str(), fileName)) return clut.get();
+    if (hsAsciiEqualIgnoringCase(clut->name.c_str(), fileName)) return clut.get();
   hostLog("Loading CLUT '%s'\n", fileName);
   const HostFilePtr file = openHostFile(fileName);
   if (!file) {

@@ -17,16 +17,6 @@ hsScalar edge(int32_t start, int32_t length = 0) { return hsIntToFixed(hsWrapAdd
 
 }  // namespace
 
-uint32_t standardColor(int n) {
-  const bool indexed = currentDisplay().depth() == 8;
-  switch (n) {
-    case kColorBlack: return indexed ? kIndexBlack : 0x10808000;
-    case kColorWhite: return indexed ? kIndexWhite : 0xEB808000;
-    case kColorTransparent: return indexed ? kIndexTransparent : 0;
-    default: return 0;
-  }
-}
-
 DisplaySurface::DisplaySurface(int w, int h, int firstDepth) : width(w), height(h) {
   bitmap.fWidth = uint32_t(w);
   bitmap.fHeight = uint32_t(h);
@@ -106,6 +96,8 @@ hsGColorTable* DisplaySurface::activeColorTable() const {
   device->GetBitmap(&target);
   return target.fColorTable.get();
 }
+
+uint32_t standardColor(int n) { return standardColorFor(n, currentDisplay().depth()); }
 
 int displaySetDepth(int depth) { return currentDisplay().setDepth(depth); }
 

@@ -9,17 +9,11 @@
 
 #include "engine/bounds.h"
 #include "engine/screen/dirtytracker.h"
+#include "engine/screen/standardcolor.h"
 #include "gfx/foundation/hsref.h"
 #include "gfx/pixel/hsgrasterdevice.h"
 
 inline constexpr int kScreenWidth = 720, kScreenHeight = 480;  // pixels
-
-// Colours that mean the same on every screen: a palette index on an 8-bit screen, else 0xYYRRBBAA.
-inline constexpr int kColorBlack = 1, kColorWhite = 2, kColorTransparent = 3;
-uint32_t standardColor(int n);  // 0 for any other number
-
-// Their palette indices.
-inline constexpr uint8_t kIndexBlack = 235, kIndexWhite = 236, kIndexTransparent = 237;
 
 class DisplaySurface {
  public:
@@ -34,7 +28,8 @@ class DisplaySurface {
   // Hands the changed rectangle, cut to the screen, to the host; the whole screen when nothing was recorded.
   void flush();
 
-  // Fills a rectangle in 16.16 with an engine colour, without a flush. One with an edge that is no number fills nothing.
+  // Fills a rectangle in 16.16 with an engine colour, without a flush. One with an edge that is no number fills
+  // nothing.
   void fill(const hsRect& rect, uint32_t color);
 
   // Copies a bitmap to the screen with its top left corner at (x, y), and flushes.
@@ -73,6 +68,8 @@ class DisplaySurface {
 };
 
 DisplaySurface& currentDisplay();  // of the engine that is current on this thread, which has one from its start on
+
+uint32_t standardColor(int n);  // on its screen
 
 int displaySetDepth(int depth);
 void displayFlush();

@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr uint32_t kHeapBytes = 102400, kStackWords = 65536;
 constexpr size_t kMaxRoots = 10;
 
 constexpr ScriptingLanguage kScript = {scriptAttach, scriptDetach, scriptLoadFile, scriptRun};
@@ -83,7 +82,7 @@ int ConsoleStream::PutC(int c) {
 void ScriptRuntimeDeleter::operator()(ScriptRuntime* runtime) const { delete runtime; }
 
 bool scriptRuntimeStart(ScriptRuntimePtr& place, bool mayWriteFiles) {
-  BobInterp* interp = bobMakeInterp(kHeapBytes, 0, kStackWords);
+  BobInterp* interp = bobMakeInterp(kScriptHeapBytes, 0, kScriptStackWords);
   if (!interp) return false;
   place.reset(new ScriptRuntime);
   place->interp = interp;

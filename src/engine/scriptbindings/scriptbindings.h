@@ -14,6 +14,9 @@ struct BobInterp;
 struct Frame;
 struct ScriptRuntime;
 
+// The sizes of the player's interpreter.
+inline constexpr uint32_t kScriptHeapBytes = 102400, kScriptStackWords = 65536;
+
 struct ScriptRuntimeDeleter {
   void operator()(ScriptRuntime* runtime) const;
 };

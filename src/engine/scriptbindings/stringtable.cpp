@@ -5,6 +5,7 @@
 #include "engine/hostfile.h"
 #include "engine/log.h"
 #include "engine/scriptbindings/bindings.h"
+#include "gfx/foundation/hsbytes.h"
 #include "host/host.h"
 
 namespace {
@@ -77,20 +78,14 @@ std::unique_ptr<StringTableFile> StringTableFile::open(const char* name) {
   return std::make_unique<StringTableFile>(std::move(*bytes));
 }
 
-uint32_t StringTableFile::bigEndian(size_t offset) const {
-  const uint8_t* p = bytes.data() + offset;
-  return uint32_t(p[0]) << 24 | uint32_t(p[1]) << 16 | uint32_t(p[2]) << 8 | p[3];
-}
-
 std::string_view StringTableFile::string(int32_t index) const {
   if (bytes.size() < kCountOffset + 4) return {};
-  const uint8_t* c = bytes.data() + kCountOffset;
-  const uint32_t count = uint32_t(c[3]) << 24 | uint32_t(c[2]) << 16 | uint32_t(c[1]) << 8 | c[0];
+  const uint32_t count = hsLittle32(bytes.data() + kCountOffset);
   if (index < 1 || uint32_t(index) > count) return {};
 
   const size_t entry = kEntriesOffset + kEntrySize * (size_t(index) - 1);
   if (entry + kEntrySize > bytes.size()) return {};
-  const size_t length = bigEndian(entry + kLengthField), offset = bigEndian(entry + kOffsetField);
+  const size_t length = hsBig32(&bytes[entry + kLengthField]), offset = hsBig32(&bytes[entry + kOffsetField]);
   if (length > bytes.size() || offset > bytes.size() - length) return {};
   return {reinterpret_cast<const char*>(bytes.data()) + offset, std::min(length, kMaxLength)};
 }

@@ -20,7 +20,5 @@ class StringTableFile {
   std::string_view string(int32_t index) const;
 
  private:
-  uint32_t bigEndian(size_t offset) const;  // the offset must be inside
-
   std::vector<uint8_t> bytes;
 };

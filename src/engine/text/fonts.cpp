@@ -1,13 +1,13 @@
 #include "engine/text/fonts.h"
 
-#include "engine/ascii.h"
 #include "engine/hostfile.h"
+#include "gfx/foundation/hsascii.h"
 #include "gfx/text/hsgfontregistry.h"
 #include "gfx/text/hsgscalercontextt2k.h"
 
 FontEntry* FontShelf::load(const char* fileName) {
   for (FontEntry& entry : fonts)
-    if (asciiEqualIgnoringCase(entry.name.c_str(), fileName)) return &entry;
+    if (hsAsciiEqualIgnoringCase(entry.name.c_str(), fileName)) return &entry;
   const HostFilePtr file = openHostFile(fileName);
   if (!file) return nullptr;
   auto bytes = readWhole(file.get());
@@ -15,8 +15,8 @@ FontEntry* FontShelf::load(const char* fileName) {
   bytes->reserve(1);  // so that an empty file has an address, too: it is kept like any that holds no font
   FontEntry& entry = fonts.emplace_front(FontEntry{fileName, std::move(*bytes), 0});
   // The entry keeps the bytes, so the registry doesn't own them.
-  entry.scalerFont = hsGFontRegistry::RegisterMemory(uint32_t(entry.bytes.size()), entry.bytes.data(), false,
-                                                     kFontFormat_TrueType);
+  entry.scalerFont =
+      hsGFontRegistry::RegisterMemory(uint32_t(entry.bytes.size()), entry.bytes.data(), false, kFontFormat_TrueType);
   if (entry.scalerFont == 0) {
     fonts.pop_front();
     return nullptr;

@@ -1,7 +1,7 @@
 #include "engine/widgets/linebreak.h"
 
-#include "engine/ascii.h"
 #include "engine/text/textmeasure.h"
+#include "gfx/foundation/hsascii.h"
 
 namespace {
 
@@ -16,10 +16,10 @@ struct Word {
 std::vector<Word> splitWords(std::string_view text) {
   std::vector<Word> words;
   for (size_t at = 0; words.size() < kMostWords;) {
-    while (at < text.size() && asciiIsSpace(text[at])) ++at;
+    while (at < text.size() && hsAsciiIsSpace(text[at])) ++at;
     if (at == text.size()) break;
     const size_t start = at;
-    while (at < text.size() && !asciiIsSpace(text[at])) ++at;
+    while (at < text.size() && !hsAsciiIsSpace(text[at])) ++at;
     words.push_back({start, at});
   }
   return words;

@@ -5,6 +5,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 
+#include "host/keytable.h"
 #include "host/qt/windows1252.h"
 
 namespace {
@@ -12,11 +13,11 @@ namespace {
 // 0 for a key that only comes as a character.
 int virtualKey(int key) {
   switch (key) {
-    case Qt::Key_Left: return 37;
-    case Qt::Key_Up: return 38;
-    case Qt::Key_Right: return 39;
-    case Qt::Key_Down: return 40;
-    case Qt::Key_Delete: return 46;
+    case Qt::Key_Left: return kVirtualLeft;
+    case Qt::Key_Up: return kVirtualUp;
+    case Qt::Key_Right: return kVirtualRight;
+    case Qt::Key_Down: return kVirtualDown;
+    case Qt::Key_Delete: return kVirtualDelete;
     default: return 0;
   }
 }

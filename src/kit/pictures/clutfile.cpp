@@ -10,7 +10,7 @@ std::vector<uint32_t> parseClut(const std::vector<uint8_t>& bytes) {
   std::vector<uint32_t> colors;
   for (size_t at = 1; at + 4 <= bytes.size() && colors.size() < kMaxClutColors; at += 4)
     colors.push_back(uint32_t(bytes[at]) << 24 | uint32_t(bytes[at + 1]) << 16 | uint32_t(bytes[at + 2]) << 8);
-  if (colors.size() > kTransparentIndex) colors[kTransparentIndex] = 0;
+  if (colors.size() > kIndexTransparent) colors[kIndexTransparent] = 0;
   return colors;
 }
 
@@ -30,11 +30,11 @@ std::vector<uint32_t> makeClut(const std::vector<uint32_t>& pixels, size_t most)
   std::vector<uint32_t> table(kMaxClutColors, given[0]);
   size_t index = 0;
   for (uint32_t color : chosen) {
-    if (index == kBlackIndex) index = kTransparentIndex + 1;
+    if (index == kIndexBlack) index = kIndexTransparent + 1;
     table[index++] = color;
   }
-  table[kBlackIndex] = given[0];
-  table[kWhiteIndex] = given[1];
-  table[kTransparentIndex] = 0;
+  table[kIndexBlack] = given[0];
+  table[kIndexWhite] = given[1];
+  table[kIndexTransparent] = 0;
   return table;
 }

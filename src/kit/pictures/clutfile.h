@@ -9,8 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "engine/screen/standardcolor.h"
+
 inline constexpr size_t kMaxClutColors = 240;
-inline constexpr size_t kBlackIndex = 235, kWhiteIndex = 236, kTransparentIndex = 237;
 inline constexpr size_t kMostChosenColors = kMaxClutColors - 3;
 
 // Colours 0xYYRRBB00 in the order of their indices, as the player takes them. Throws KitError.

@@ -36,14 +36,14 @@ std::vector<uint8_t> indicesOf(const std::vector<uint32_t>& pixels, uint32_t wid
   std::vector<uint32_t> colors;
   std::vector<uint8_t> indices;
   for (size_t i = 0; i < table.size(); ++i) {
-    if (i == kTransparentIndex) continue;
+    if (i == kIndexTransparent) continue;
     colors.push_back(table[i]);
     indices.push_back(uint8_t(i));
   }
   std::vector<uint8_t> result;
   result.reserve(pixels.size());
   for (uint32_t number : mapToPalette(pixels, width, NearestColor(colors), dither))
-    result.push_back(number == kNoEntry ? uint8_t(kTransparentIndex) : indices[number]);
+    result.push_back(number == kNoEntry ? uint8_t(kIndexTransparent) : indices[number]);
   return result;
 }
 

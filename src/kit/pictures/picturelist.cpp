@@ -6,8 +6,8 @@
 #include <set>
 #include <sstream>
 
-#include "engine/ascii.h"
 #include "engine/images/imagecache.h"
+#include "gfx/foundation/hsascii.h"
 #include "host/color.h"
 #include "kit/files.h"
 #include "kit/pictures/clutfile.h"
@@ -49,7 +49,7 @@ void listClut(const std::vector<uint8_t>& bytes, std::ostream& out) {
   for (size_t i = 0; i < colors.size(); ++i) {
     char line[64];
     std::snprintf(line, sizeof line, "%5zu  #%06X  0x%08X", i, yCrCbToRgb(colors[i]), colors[i]);
-    out << line << (i == kTransparentIndex ? "  transparent\n" : "\n");
+    out << line << (i == kIndexTransparent ? "  transparent\n" : "\n");
   }
 }
 
@@ -58,8 +58,8 @@ void listKpx(const std::string& path, const std::vector<uint8_t>& bytes, std::os
   const std::set<uint8_t> indices(picture.pixels.begin(), picture.pixels.end());
   out << "picture, " << sizeOf(picture.width, picture.height) << ", "
       << (picture.clut.empty() ? "the page's colour table" : "colour table '" + picture.clut + "'") << ", "
-      << counted(indices.size() - indices.count(kTransparentIndex), "colour") << ", "
-      << std::count(picture.pixels.begin(), picture.pixels.end(), kTransparentIndex) << " pixels transparent, "
+      << counted(indices.size() - indices.count(kIndexTransparent), "colour") << ", "
+      << std::count(picture.pixels.begin(), picture.pixels.end(), kIndexTransparent) << " pixels transparent, "
       << imageMemory(picture.pixels.size(), fs::path(path).filename().string().size()) << " bytes of picture memory\n";
 }
 
@@ -72,7 +72,7 @@ std::string listPictureFile(const std::string& path) {
     listPng(path, bytes, list);
   } else if (isGif(bytes)) {
     listGif(path, bytes, list);
-  } else if (asciiEqualIgnoringCase(fs::path(path).extension().string().c_str(), ".clut")) {
+  } else if (hsAsciiEqualIgnoringCase(fs::path(path).extension().string().c_str(), ".clut")) {
     listClut(bytes, list);
   } else {
     listKpx(path, bytes, list);

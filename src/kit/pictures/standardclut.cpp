@@ -2,11 +2,12 @@
 
 #include <cstddef>
 
+#include "engine/screen/standardcolor.h"
 #include "host/color.h"
 
 namespace {
 
-constexpr int kCube = 216, kBlack = 235, kWhite = 236, kTransparent = 237;
+constexpr int kCube = 216;
 constexpr int kGreys = 21;
 
 uint32_t color(int r, int g, int b) { return rgbToYCrCb(uint32_t(r) << 24 | uint32_t(g) << 16 | uint32_t(b) << 8); }
@@ -23,10 +24,10 @@ std::array<uint32_t, kStandardClutSize> standardClut() {
   for (int i = 0; i < kCube; ++i) colors[size_t(i)] = color(i / 36 * 51, i / 6 % 6 * 51, i % 6 * 51);
   int greys = 0;
   for (int i = kCube; i < kStandardClutSize; ++i) {
-    if (i < kBlack || i > kTransparent) colors[size_t(i)] = grey(greys++);
+    if (i < kIndexBlack || i > kIndexTransparent) colors[size_t(i)] = grey(greys++);
   }
-  colors[kBlack] = color(0, 0, 0);
-  colors[kWhite] = color(255, 255, 255);
-  colors[kTransparent] = 0;
+  colors[kIndexBlack] = color(0, 0, 0);
+  colors[kIndexWhite] = color(255, 255, 255);
+  colors[kIndexTransparent] = 0;
   return colors;
 }

@@ -1,13 +1,10 @@
 #include "kit/run/bobruntime.h"
 
 #include "bob/tools/disassemble.h"
+#include "engine/scriptbindings/scriptbindings.h"
 #include "kit/errors.h"
 
-namespace {
-constexpr uint32_t kHeapBytes = 102400, kStackWords = 65536;  // the player's
-}
-
-BobRuntime::BobRuntime() : interp(bobMakeInterp(kHeapBytes, 0, kStackWords)) {
+BobRuntime::BobRuntime() : interp(bobMakeInterp(kScriptHeapBytes, 0, kScriptStackWords)) {
   if (!interp) throw KitError("out of memory");
   bobRegisterGlobals(interp);
   bobInitCompiler(interp);

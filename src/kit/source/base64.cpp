@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "engine/ascii.h"
+#include "gfx/foundation/hsascii.h"
 
 namespace {
 constexpr std::string_view kDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -24,7 +24,7 @@ std::optional<std::string> base64Decode(std::string_view text) {
   uint32_t group = 0;
   int digits = 0, padding = 0;
   for (char c : text) {
-    if (asciiIsSpace(c)) continue;
+    if (hsAsciiIsSpace(c)) continue;
     const size_t value = c == '=' ? 0 : kDigits.find(c);
     if (value == std::string_view::npos || (padding > 0 && c != '=')) return std::nullopt;
     padding += c == '=';

@@ -11,6 +11,7 @@
 #include <set>
 
 #include "engine/screen/display.h"
+#include "engine/screen/standardcolor.h"
 #include "host/color.h"
 #include "kit/errors.h"
 #include "kit/files.h"
@@ -217,9 +218,10 @@ class SourceReader {
 
   PageValue color(const YAML::Node& value) const {
     const std::string& text = scalar(value, "a colour");
-    if (text == "black") return number(PageTag::color, indexed ? 235 : 0x10808000);
-    if (text == "white") return number(PageTag::color, indexed ? 236 : 0xEB808000);
-    if (text == "transparent") return number(PageTag::color, indexed ? 237 : 0);
+    const int depth = indexed ? 8 : 16;
+    if (text == "black") return number(PageTag::color, standardColorFor(kColorBlack, depth));
+    if (text == "white") return number(PageTag::color, standardColorFor(kColorWhite, depth));
+    if (text == "transparent") return number(PageTag::color, standardColorFor(kColorTransparent, depth));
     if (text.starts_with('#')) return rgb(value, text.substr(1));
     const auto n = parseInteger(text);
     if (!n || *n < 0) fail(value, "'" + text + "' is no colour");
