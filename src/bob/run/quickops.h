@@ -80,6 +80,8 @@ enum BobQuickOp : uint8_t {
       kQEnd
 };
 
+constexpr int kBobCacheWords = 3;
+
 // -- binary instructions by their parts
 
 // Where a superinstruction has its operands from.

@@ -20,8 +20,6 @@
 
 #include "bob/heap/interp.h"
 
-constexpr int kBobCacheWords = 3;
-
 // Makes the quick code of code that has none. Raises error 9 if its first element is no String.
 BobQuickCode& bobTranslate(BobInterp* interp, BobValue code);
 
