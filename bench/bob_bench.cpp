@@ -1,4 +1,4 @@
-// The language against Lua 5.4: eight programs that do the same work in both, taken in turns in one run, and the
+// The language against Lua 5.4: eight programs that do the same work in both, run alternately, and the
 // geometric mean of the ratios. Also what a full collection of a full heap takes.
 #include <chrono>
 #include <cmath>
@@ -47,7 +47,7 @@ class BobProgram {
   BobInterp* interp;
 };
 
-// The best of some rounds each, in turns, so that both meet the same machine.
+// The best of some rounds each, alternating, so that both meet the same machine.
 double Compare(const std::string& name) {
   BobProgram bob(ReadFile(std::string(BENCH_DIR) + "/bob/" + name + ".bob"));
   LuaProgram lua(ReadFile(std::string(BENCH_DIR) + "/peers/lua/" + name + ".lua"));

@@ -90,7 +90,7 @@ TEST(Heap, VectorsGrowByHalfWithinBounds) {
   BobInterp* interp = session.interp;
   const BobLocal vector(interp, bobMakeVector(interp, 0));
   const struct {
-    uint32_t size, taken;  // the bytes of the vector that takes over, 0 if there is room
+    uint32_t size, taken;  // the bytes of the vector that takes over, 0 if it has space
   } steps[] = {
       {1, 12 + 4 * 8},     {8, 0},  {9, 12 + 4 * 16},  {16, 0},
       {17, 12 + 4 * 24},   {24, 0}, {25, 12 + 4 * 36}, {300, 12 + 4 * 300},
@@ -104,7 +104,7 @@ TEST(Heap, VectorsGrowByHalfWithinBounds) {
   }
 }
 
-TEST(Heap, HoldsExactlyItsSpaceAndRaisesBehindIt) {
+TEST(Heap, HoldsExactlyItsSpaceAndRaisesBeyondIt) {
   Session session;
   BobInterp* interp = session.interp;
   bobCollect(interp);
@@ -114,7 +114,7 @@ TEST(Heap, HoldsExactlyItsSpaceAndRaisesBehindIt) {
     const BobLocal all(interp, bobMakeVector(interp, FreeBytes(interp) / 4 - 3));
     EXPECT_EQ(FreeBytes(interp), 0u);
   }));
-  EXPECT_EQ(session.err.text, "");  // the last byte was given out without a collection
+  EXPECT_EQ(session.err.text, "");  // the last byte was handed out without a collection
   EXPECT_FALSE(bobTry(interp, [&] {
     bobCollect(interp);
     const BobLocal all(interp, bobMakeVector(interp, FreeBytes(interp) / 4 - 3));

@@ -11,7 +11,7 @@ struct Lamp {
   int32_t level = 0;
 };
 
-std::deque<Lamp> lamps;  // never given back: the host owns them
+std::deque<Lamp> lamps;  // never released: the host owns them
 std::vector<Lamp*> finalized;
 uint32_t lampKind;
 
@@ -71,7 +71,7 @@ TEST(NativeKinds, ReadAndWriteThroughTheirRows) {
       {"night = new NightLamp(2), \\[night.level, night.shape, Type(night)];", "--> [2,3,NightLamp]\n"},
       {"lamp.Blink(function (level) { return level + 1; });", "--> 10\n"},
       {"Lamp.Blink.Apply(5, nil, \\[1]);", "Error: Wrong type - 5\nHappened in <CompiledCode-#>\n"},
-      {"(new lamp).Blink(1);", "--> nil\n"},  // made without initialize: no lamp behind it
+      {"(new lamp).Blink(1);", "--> nil\n"},  // made without initialize: it has no lamp
   };
   for (const auto& [text, answer] : lines) EXPECT_EQ(session.eval(text), answer) << text;
 }
@@ -113,7 +113,7 @@ TEST(Host, CallsFunctionsAndRestoresTheRegistersAfterAnError) {
   EXPECT_EQ(session.answer(), "Error: No property - zork\nError: Unbound variable - nothing\nHappened in bad\n");
 }
 
-TEST(Host, ARestartUnwindsWithoutAWord) {
+TEST(Host, ARestartUnwindsWithoutAMessage) {
   Session session;
   const auto raise = [&](int code) { return bobTry(session.interp, [&] { bobRaise(session.interp, code); }); };
   EXPECT_FALSE(raise(kBobRestart));
@@ -139,7 +139,7 @@ TEST(Host, ScopesHideButNeverChangeWhatIsOutside) {
   bobReleaseScope(inner);
 }
 
-// Calls `parse` as a native method with the arguments given behind this and _next.
+// Calls `parse` as a native method with the arguments that follow this and _next.
 BobValue (*parse)(BobInterp*);
 BobValue CallParse(BobInterp* interp) { return parse(interp); }
 constexpr BobMethodRow kParser[] = {{"parse", CallParse}, {nullptr, nullptr}};

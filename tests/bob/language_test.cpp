@@ -132,13 +132,16 @@ TEST(Language, RandomNumbersAreTheMinimalStandardOnes) {
           {"rand(0);", "--> 0\n"}});
 }
 
-TEST(Language, LoadingGoesOnBehindTheStatementThatLoads) {
+TEST(Language, LoadingGoesOnAfterTheStatementThatLoads) {
   const std::string inner = testing::TempDir() + "/bob_inner.bob";
   std::ofstream(inner) << "a = 1;\na + 1;\n\"text\";";
   Session session;
   EXPECT_TRUE(session.run("Load(\"" + inner + "\"); b = a + 10;"));
   EXPECT_EQ(session.answer(), "1\n2\n\"text\"\n");
   EXPECT_EQ(session.eval("b;"), "--> 11\n");
+  // The line that an error names is the outer file's again.
+  EXPECT_FALSE(session.run("\n\nLoad(\"" + inner + "\");\nc = ;"));
+  EXPECT_EQ(session.answer(), "Error: Syntax error - Expecting a primary expression\n  in line 4\n\n1\n2\n\"text\"\n");
   // A File to echo on may be closed by what is loaded.
   const std::string echo = testing::TempDir() + "/bob_echo.txt";
   std::ofstream(inner) << "1;\nf.Close();\n3;\n";

@@ -16,7 +16,7 @@ std::string Bytes(std::initializer_list<int> list) {
 std::string Word(uint32_t n) { return Bytes({int(n >> 24), int(n >> 16 & 255), int(n >> 8 & 255), int(n & 255)}); }
 std::string Text(int tag, const std::string& text) { return Bytes({tag}) + Word(uint32_t(text.size())) + text; }
 
-// A record of that bytecode behind AFRAME 2 0, with the name and further literals as written.
+// A record of that bytecode after AFRAME 2 0, with the name and further literals as written.
 std::string Record(const std::string& code, std::initializer_list<std::string> literals) {
   std::string record =
       Bytes({1}) + Word(uint32_t(literals.size()) + 2) + Text(5, Bytes({0x31, 2, 0}) + code) + Text(5, "rec");
@@ -148,7 +148,7 @@ TEST(Listing, HasALineForEachInstructionAndEachCase) {
             "                 0010\n"
             "sw:0020 1e       RETURN\n"
             "--> true\n");
-  // The name counts even when it is empty, up to 32 characters of it; without one a number stands there.
+  // The name counts even when it is empty, up to 32 characters of it; without one there is a number instead.
   const std::string body = ":0000 31 02 00 AFRAME 02 00\n";
   EXPECT_TRUE(session.eval("(function \"\" () {}).Decode();").starts_with(body));
   const std::string name(32, 'n');
@@ -208,7 +208,7 @@ TEST(ObjectFile, HeaderAndFileAreChecked) {
   EXPECT_EQ(load(""), "Error: Not an object file - " + path + "\n" + here);
   EXPECT_EQ(session.eval("LoadObjectFile(\"" + path + ".none\");"),
             "Error: File not found - " + path + ".none\n" + here);
-  // Records ahead of an error have taken effect.
+  // Records before an error have taken effect.
   std::ofstream(path + ".bob") << "a = 5; define f(n) { return n * a; } zork; a = 6;";
   EXPECT_EQ(session.eval("CompileFile(\"" + path + ".bob\", \"" + path + "\");"), "--> true\n");
   EXPECT_EQ(session.eval("LoadObjectFile(\"" + path + "\");"),

@@ -63,8 +63,8 @@ TEST(Scanner, SaysWhatIsWrongAndInWhichLine) {
       {"\n\"a\xFE\";", "end of file in literal string\n  in line 2"},
       {std::string(256, 'x') + ";", "identifier too long\n  in line 1"},
       {"f(1", "Expecting ')', found '<eof>'\n  in line 1"},
-      {"f(1\n\n", "Expecting ')', found '<eof>'\n  in line 3"},  // behind the last newline a line begins
-      // One name too many in the table: each of the last tokens has the name of the one ahead of it.
+      {"f(1\n\n", "Expecting ')', found '<eof>'\n  in line 3"},  // after the last newline a line begins
+      // One name too many in the table: each of the last tokens has the name of the one before it.
       {"x try;", "Expecting ';', found '..'\n  in line 1"},
       {"x catch;", "Expecting ';', found 'try'\n  in line 1"},
       {"x throw;", "Expecting ';', found 'finally'\n  in line 1"},

@@ -28,7 +28,6 @@ struct Session {
 
   BobScope* root() { return bobRootScope(interp); }
 
-
   // Runs source statement by statement: false if an error ended it.
   bool run(std::string_view source) {
     BobStringInput input(source);

@@ -11,7 +11,15 @@ import sys
 # no line of its own belongs to the floor of the folder around it.
 FLOORS = {
     'gfx/foundation': [],
-    'bob': [],
+    'bob/base': [],
+    'bob/heap': ['bob/base'],
+    'bob/model': ['bob/heap'],
+    'bob/compile': ['bob/model'],
+    'bob/run': ['bob/compile'],
+    'bob/tools': ['bob/run'],
+    'bob/lib': ['bob/tools'],
+    'bob/embed': ['bob/lib'],
+    'bob': ['bob/embed'],
     't2k': ['gfx/foundation'],
     'gfx/vector': ['gfx/foundation'],
     'gfx/pixel': ['gfx/vector'],

@@ -63,7 +63,7 @@ BobValue pushFront(BobInterp* interp) {
   return elements[0] = interp->argv[-3];
 }
 
-// The size of a vector that has an element to give.
+// The size of a vector that has an element to remove.
 uint32_t sizeToPop(BobInterp* interp, BobValue self) {
   const uint32_t size = bobVectorSize(interp, self);
   if (size == 0) bobRaise(interp, kBobStackEmpty, self);

@@ -26,7 +26,7 @@ void checkKind(BobInterp* interp, BobValue value, uint32_t kind) {
   if (!bobIsOfKind(interp, value, kind)) bobRaise(interp, kBobWrongType, value);
 }
 
-// A pointer code without a kind takes any native object; everything else has no pointer to give.
+// A pointer code without a kind takes any native object; for everything else the pointer is null.
 void* pointerArgument(BobInterp* interp, BobValue value) {
   const BobTypeRecord* record = interp->recordOf(value);
   const bool holdsHandle = record->Copy == interp->record(kBobCObject)->Copy && !bobIsSmall(value) &&

@@ -35,7 +35,7 @@ namespace BobSignatureCheck {
 
 enum class Slot { kKind, kInt8, kInt16, kInt32, kValue, kPointer, kText, kDouble, kFloat, kOther };
 
-// A BobValue is a uint32_t, so a kind is told apart by not being a pointer.
+// A kind and a BobValue are both a uint32_t; a kind is passed by value, and where to put a value by a pointer.
 template <typename T>
 constexpr Slot SlotOf() {
   if constexpr (std::is_same_v<T, uint32_t> || std::is_same_v<T, BobType>) return Slot::kKind;

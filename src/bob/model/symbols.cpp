@@ -11,7 +11,7 @@ using namespace BobLayout;
 namespace {
 
 // The table is CRC-16's most-significant-bit-first one (0x1021); the update below belongs to the other form. Property
-// tables list in the order that this hash gives, so it stays as it is.
+// tables list in the order of this hash, so it stays as it is.
 constexpr std::array<uint16_t, 256> makeHashTable() {
   std::array<uint16_t, 256> table{};
   for (uint32_t i = 0; i < 256; ++i) {

@@ -61,11 +61,11 @@ void BobCodePaths::walk() {
   }
 }
 
-// Arrives at `to`. Behind the end there is nothing to reach: the translator puts a bad instruction there.
+// Arrives at `to`. After the end there is nothing to reach: the translator puts a bad instruction there.
 void BobCodePaths::flow(uint32_t to, const State& state, bool jump) {
   if (to >= length) return;
   if (jump) targets[to] = true;
-  if (jump && bytes[to] == kOpNewVector) proven = false;  // its count is known only from the LIT ahead of it
+  if (jump && bytes[to] == kOpNewVector) proven = false;  // its count is known only from the LIT before it
   if (reached[to] != kUnreached) {
     if (proven && !(states[size_t(reached[to])] == state)) proven = false;
     return;
@@ -158,7 +158,7 @@ bool BobCodePaths::step(uint32_t at, State& state) {
       state = {node.parent, node.outside};
       break;
     }
-    case kOpNewVector: break;  // seen to by visit
+    case kOpNewVector: break;  // visit takes its elements off
   }
   return true;
 }
@@ -180,7 +180,7 @@ void BobCodePaths::visit(uint32_t at) {
     for (uint32_t i = 0; i < count; ++i) flow(bobWordAt(p + 5 + 4 * i), state, true);
     return flow(bobWordAt(p + 3 + 4 * count), state, true);
   }
-  // A vector's elements are counted by the literal right ahead of it; the state at NEWVECTOR has them taken off.
+  // A vector's elements are counted by the literal right before it; the state at NEWVECTOR has them taken off.
   if (at + size < length && p[size] == kOpNewVector && proven) {
     const BobValue count = *p == kOpLit ? interp->words(code)[kCodeElements + bobWordAt(p + 1)] : kBobNil;
     if (!bobIsSmall(count) || bobSmallValue(count) < 0)

@@ -1,4 +1,21 @@
 // Every path through a piece of bytecode, and whether it stays inside: the first half of translation.
+//
+// The state at an instruction is the chain of block frames open there and what has been pushed in the innermost one. It
+// is carried along each path from the first instruction; where two paths meet, both must bring the same state. In
+//
+//     if (a) { local b = 1; b; }
+//
+//     0003 GREF 2 ; a      no block, nothing pushed
+//     0006 BRF 0015        goes on at 0009 and at 0015 with that state
+//     0009 CFRAME 1        from here: a block of one variable, nothing pushed in it
+//     000b LIT 3 ; 1
+//     000e ESET 0 1        variable 1 of the block, which has 1: proven to be there
+//     0011 EREF 0 1
+//     0014 UNFRAME         no block again
+//     0015 RETURN          both paths bring the same state
+//
+// Without the UNFRAME one path would reach 0015 with the block open and the other without it, and nothing would be
+// proven. Then a second walk finds out what is reachable and no more, and the machine checks what it pops.
 #pragma once
 
 #include <map>

@@ -1,4 +1,4 @@
-// Instructions on numbers: arithmetic, comparisons, and both joined with the loads of their operands.
+// Instructions on numbers: arithmetic, comparisons, and both combined with the loads of their operands.
 //
 // Small integers are computed on their words: a word is 2n + 1, so a + (b - 1) is the word of the sum, and the words
 // are in the order of the numbers. Everything else goes through arithmetic.h.

@@ -16,59 +16,59 @@
 #define BOB_ARITHMETIC(X) X(Add) X(Sub) X(Mul) X(Div) X(Rem) X(Band) X(Bor) X(Xor) X(Shl) X(Shr)
 #define BOB_COMPARISON(X) X(Lt) X(Le) X(Eq) X(Ne) X(Ge) X(Gt)
 
-// Joined forms of a binary instruction with the loads of its operands: V a variable, L a small integer literal, A
+// A binary instruction combined with the loads of its operands: V a variable, L a small integer literal, A
 // val, and none for a left operand on the stack. `Set` stores the result in a variable as well. A comparison is
-// joined only when a branch follows it.
+// combined only when a branch follows it.
 #define BOB_ARITHMETIC_FORMS(X, name)                                     \
   X(name)      X(name##VV)    X(name##VL)    X(name##AV)    X(name##AL)   \
   X(name##Set) X(name##VVSet) X(name##VLSet) X(name##AVSet) X(name##ALSet)
 #define BOB_COMPARISON_FORMS(X, name)                                   \
-  X(name##VVBrt) X(name##VLBrt) X(name##AVBrt) X(name##ALBrt)           \
+  X(name##VVBrt) X(name##VLBrt) X(name##AVBrt) X(name##ALBrt)                                         \
   X(name##VVBrf) X(name##VLBrf) X(name##AVBrf) X(name##ALBrf)
 
-// Instruction words: number in bits 0..7, a in 8..15, b in 16..31. Further words follow as said; a target counts
+// Instruction words: number in bits 0..7, a in 8..15, b in 16..31. Further words follow where it says so; a target counts
 // words from itself; a cache is three words (object, epoch, property).
 // A variable is given by the words that it lies below the top of the innermost environment's variables, with a sign:
-// those of the blocks around may lie above. In joined forms a is the left variable, b the right one; a literal is a
-// word of its own, and comes ahead of the target. The variable of a Set is a, or where that is taken b, or where both
+// those of the blocks around may lie above. In superinstructions a is the left variable, b the right one; a literal is a
+// word of its own, and comes before the target. The variable of a Set is a, or where that is taken b, or where both
 // are taken the upper half of b.
-#define BOB_QUICK_OPS(X)                                                                       \
-  X(Bad)                                                                                            \
-  X(Jump) X(Brt) X(Brf)                 /* target */                                                \
-  X(True) X(Nil) X(Push) X(Not) X(Bnot)                                                             \
-  BOB_ARITHMETIC_FORMS(X, Add)  BOB_ARITHMETIC_FORMS(X, Sub) BOB_ARITHMETIC_FORMS(X, Mul)           \
-  BOB_ARITHMETIC_FORMS(X, Div)  BOB_ARITHMETIC_FORMS(X, Rem)                                        \
-  BOB_ARITHMETIC_FORMS(X, Band) BOB_ARITHMETIC_FORMS(X, Bor) BOB_ARITHMETIC_FORMS(X, Xor)           \
-  BOB_ARITHMETIC_FORMS(X, Shl)  BOB_ARITHMETIC_FORMS(X, Shr)                                        \
-  BOB_COMPARISON(X)                                                                                 \
-  BOB_COMPARISON_FORMS(X, Lt) BOB_COMPARISON_FORMS(X, Le) BOB_COMPARISON_FORMS(X, Eq)               \
-  BOB_COMPARISON_FORMS(X, Ne) BOB_COMPARISON_FORMS(X, Ge) BOB_COMPARISON_FORMS(X, Gt)               \
-  X(Lit)                                /* b element */                                             \
-  X(Gref) X(Gset)                       /* b element; cache */                                      \
-  X(Getp) X(Setp) X(Vref) X(Vset)       /* cache */                                                 \
-  X(Return) X(Unframe) X(Frame) X(Cframe) /* a count */                                             \
-  X(Call)                               /* a slots */                                               \
-  X(Send)                               /* a slots; cache */                                        \
-  X(Own) X(SetOwn)                      /* b variable, known to be there */                         \
-  X(Var) X(Set)                         /* a depth, b index, not known to be there */               \
-  X(Neg) X(Inc) X(Dec) X(Dup2) X(Drop) X(Dup) X(Over) X(NewObject) X(NewVector) X(Close)            \
-  X(Switch)                             /* b cases; pairs of element and target; target */          \
-  X(ArgsGe)                             /* a count */                                               \
-  X(PushScope)                                                                                      \
-  X(CheckPops)                          /* b words that the next instruction takes */               \
-  /* joined sequences: */                                                                           \
-  X(PushVar) X(PushVarVar)              /* EREF PUSH, and twice; a, b variables */                  \
-  X(PushLit)                            /* LIT PUSH; b element */                                   \
-  X(PushVarLit)                         /* EREF PUSH LIT PUSH; a variable, b element */             \
-  X(VarCallee)                          /* EREF PUSH PUSHSCOPE; a variable */                       \
-  X(GrefPush) X(GrefCallee)             /* GREF PUSH, and PUSHSCOPE; b element; cache */            \
-  X(StepAfter)                          /* EREF, INC or DEC, ESET and back; a variable; 1 or -1 */  \
-  X(GetField)                           /* PUSH LIT GETP; b element; cache */                       \
-  X(GetVarField)                        /* EREF ahead of that; a variable, b element; cache */      \
-  X(Dup2Getp)                           /* cache */                                                 \
-  X(VrefVV)                             /* EREF PUSH EREF VREF; a, b variables; cache */            \
-  X(VrefAV)                             /* PUSH EREF VREF; b variable; cache */                     \
-  X(SelectorA) X(SelectorV)             /* PUSH LIT PUSH OVER, and EREF ahead; a variable, b element */ \
+#define BOB_QUICK_OPS(X)                                                                              \
+  X(Bad)                                                                                              \
+  X(Jump) X(Brt) X(Brf)                 /* target */                                                  \
+  X(True) X(Nil) X(Push) X(Not) X(Bnot)                                                               \
+  BOB_ARITHMETIC_FORMS(X, Add)  BOB_ARITHMETIC_FORMS(X, Sub) BOB_ARITHMETIC_FORMS(X, Mul)             \
+  BOB_ARITHMETIC_FORMS(X, Div)  BOB_ARITHMETIC_FORMS(X, Rem)                                          \
+  BOB_ARITHMETIC_FORMS(X, Band) BOB_ARITHMETIC_FORMS(X, Bor) BOB_ARITHMETIC_FORMS(X, Xor)             \
+  BOB_ARITHMETIC_FORMS(X, Shl)  BOB_ARITHMETIC_FORMS(X, Shr)                                          \
+  BOB_COMPARISON(X)                                                                                   \
+  BOB_COMPARISON_FORMS(X, Lt) BOB_COMPARISON_FORMS(X, Le) BOB_COMPARISON_FORMS(X, Eq)                 \
+  BOB_COMPARISON_FORMS(X, Ne) BOB_COMPARISON_FORMS(X, Ge) BOB_COMPARISON_FORMS(X, Gt)                 \
+  X(Lit)                                /* b element */                                               \
+  X(Gref) X(Gset)                       /* b element; cache */                                        \
+  X(Getp) X(Setp) X(Vref) X(Vset)       /* cache */                                                   \
+  X(Return) X(Unframe) X(Frame) X(Cframe) /* a count */                                               \
+  X(Call)                               /* a slots */                                                 \
+  X(Send)                               /* a slots; cache */                                          \
+  X(Own) X(SetOwn)                      /* b variable, known to be there */                           \
+  X(Var) X(Set)                         /* a depth, b index, not known to be there */                 \
+  X(Neg) X(Inc) X(Dec) X(Dup2) X(Drop) X(Dup) X(Over) X(NewObject) X(NewVector) X(Close)              \
+  X(Switch)                             /* b cases; pairs of element and target; target */            \
+  X(ArgsGe)                             /* a count */                                                 \
+  X(PushScope)                                                                                        \
+  X(CheckPops)                          /* b words that the next instruction takes */                 \
+  /* superinstructions: */                                                                            \
+  X(PushVar) X(PushVarVar)              /* EREF PUSH, and twice; a, b variables */                    \
+  X(PushLit)                            /* LIT PUSH; b element */                                     \
+  X(PushVarLit)                         /* EREF PUSH LIT PUSH; a variable, b element */               \
+  X(VarCallee)                          /* EREF PUSH PUSHSCOPE; a variable */                         \
+  X(GrefPush) X(GrefCallee)             /* GREF PUSH, and PUSHSCOPE; b element; cache */              \
+  X(StepAfter)                          /* EREF, INC or DEC, ESET and back; a variable; 1 or -1 */    \
+  X(GetField)                           /* PUSH LIT GETP; b element; cache */                         \
+  X(GetVarField)                        /* EREF before that; a variable, b element; cache */          \
+  X(Dup2Getp)                           /* cache */                                                   \
+  X(VrefVV)                             /* EREF PUSH EREF VREF; a, b variables; cache */              \
+  X(VrefAV)                             /* PUSH EREF VREF; b variable; cache */                       \
+  X(SelectorA) X(SelectorV)             /* PUSH LIT PUSH OVER, and EREF first; a variable, b element */ \
   X(ReturnVar)                          /* EREF RETURN; a variable */
 
 // clang-format on
@@ -79,6 +79,8 @@ enum BobQuickOp : uint8_t {
 #undef BOB_QUICK_ENUM
       kQEnd
 };
+
+constexpr int kBobCacheWords = 3;
 
 // -- binary instructions by their parts
 
@@ -110,7 +112,7 @@ constexpr BobQuickOp bobArithmeticOp(int index, BobOperands operands, bool sets)
 constexpr bool bobIsComparison(BobQuickOp op) { return op >= kQLt && op <= kQGt; }
 constexpr BobOpcode bobComparisonOpcode(BobQuickOp op) { return kBobComparisonOpcodes[op - kQLt]; }
 
-// A comparison joined with the branch after it.
+// A comparison combined with the branch after it.
 struct BobTestForm {
   BobOpcode opcode;
   BobOperands operands;

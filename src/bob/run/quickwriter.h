@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "bob/run/quickops.h"
-#include "bob/run/translate.h"
 
 class BobQuickWriter {
  public:

@@ -1,7 +1,7 @@
 // From bytecode to quick code, which is what the machine really runs (threaded code, instruction set in quickops.h).
 //
 // Code is translated once, when it is first called: operands are decoded, branches resolved, sequences that are common
-// joined into superinstructions, and space is left in place for cached lookups. `return x + 1;`, where x is the
+// combined into superinstructions, and space is left in place for cached lookups. `return x + 1;`, where x is the
 // function's third variable, is bytecode of six instructions and quick code of two:
 //
 //     0003 EREF 0 3    AddVL  a = 3, 1      val = variable 3 + 1
@@ -19,8 +19,6 @@
 #pragma once
 
 #include "bob/heap/interp.h"
-
-constexpr int kBobCacheWords = 3;
 
 // Makes the quick code of code that has none. Raises error 9 if its first element is no String.
 BobQuickCode& bobTranslate(BobInterp* interp, BobValue code);
