@@ -22,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   });
   BobStringInput input(bytes);
   bobLoadObjectStream(bobRootScope(interp), &input);
-  // Functions that the records have left behind, called with too few, enough and too many arguments.
+  // Functions that the records have left, called with too few, enough and too many arguments.
   for (const char* name : {"f", "g", "h"})
     for (int count = 0; count < 3; ++count)
       bobTry(interp, [&] {

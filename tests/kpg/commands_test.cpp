@@ -21,7 +21,7 @@ TEST_F(CommandsTest, ErrorsGoToTheErrorStreamWithStatusOne) {
   EXPECT_EQ(err, "none.yaml: No such file or directory\n");
   writeText("p.yaml", "page:\n  x: 1\n  x: 2\n");
   EXPECT_EQ(kpg("build p.yaml -o p.kpg"), 1);
-  EXPECT_EQ(err, "p.yaml:3: 'x' stands twice\n");
+  EXPECT_EQ(err, "p.yaml:3: 'x' is given twice\n");
 }
 
 TEST_F(CommandsTest, AShotWritesPictureAndLogAgainstTheFolderOfTheCall) {
@@ -40,7 +40,7 @@ TEST_F(CommandsTest, AShotWritesPictureAndLogAgainstTheFolderOfTheCall) {
   EXPECT_TRUE(std::filesystem::exists("p.png"));
 }
 
-TEST_F(CommandsTest, TellsWhatAFontHolds) {
+TEST_F(CommandsTest, PrintsWhatAFontHolds) {
   std::vector<uint8_t> font = BlockFontFile();
   WriteFile("blocks.ttf", font);
   EXPECT_EQ(kpg("font blocks.ttf --out specimen.png"), 0) << err;
