@@ -43,10 +43,10 @@ constexpr uint32_t kInk = 0x203050, kRed = 0xD04020, kGreen = 0x30A060, kBlue = 
 hsPath Star(int points, double x, double y, double radius, double inner) {
   hsPath path;
   for (int i = 0; i < 2 * points; ++i) {
-    hsMatrix turn;
-    turn.SetRotate(Px(180.0 * i / points), Px(x), Px(y));
+    hsMatrix rotation;
+    rotation.SetRotate(Px(180.0 * i / points), Px(x), Px(y));
     hsPoint p = At(x, y - (i % 2 ? inner : radius));
-    turn.MapPoints(1, &p, &p);
+    rotation.MapPoints(1, &p, &p);
     i == 0 ? path.MoveTo(p) : path.LineTo(p);
   }
   path.Close();
@@ -261,10 +261,10 @@ void AddRectsAndFills(std::vector<Cell>& cells) {
       Pen pen(kInk, kSmooth);
       hsPath path(type);
       for (int i = 0; i < 5; ++i) {
-        hsMatrix turn;
-        turn.SetRotate(Px(144.0 * i), Px(72), Px(50));
+        hsMatrix rotation;
+        rotation.SetRotate(Px(144.0 * i), Px(72), Px(50));
         hsPoint p = At(72, 6);
-        turn.MapPoints(1, &p, &p);
+        rotation.MapPoints(1, &p, &p);
         i == 0 ? path.MoveTo(p) : path.LineTo(p);
       }
       path.Close();
@@ -356,10 +356,10 @@ void AddHairlinesAndClips(std::vector<Cell>& cells) {
   cells.push_back([](hsGRasterDevice& d) {
     Pen pen(kInk, kFrame);
     for (int i = 0; i < 24; ++i) {
-      hsMatrix turn;
-      turn.SetRotate(Px(15.0 * i), Px(72), Px(48));
+      hsMatrix rotation;
+      rotation.SetRotate(Px(15.0 * i), Px(72), Px(48));
       hsPoint ends[2] = {At(72, 38), At(72, 4)};
-      turn.MapPoints(2, ends, ends);
+      rotation.MapPoints(2, ends, ends);
       d.DrawLine(&ends[0], &ends[1], &pen);
     }
   });

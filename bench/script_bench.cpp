@@ -10,7 +10,7 @@
 
 namespace {
 
-// Ten boxes of 60 x 40 and a handler of the letter S, which gives each of them another colour.
+// Ten boxes of 60 x 40 and a handler of the letter S, which sets another colour for each of them.
 std::string tenBoxes() {
   std::string text =
       "flags: 16bit\npage:\n  width: 720\n  height: 480\n  type: group\n  bgColor: 0x40808000\n  onLoad: |\n"

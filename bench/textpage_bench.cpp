@@ -13,7 +13,7 @@
 
 namespace {
 
-// All letters, figures and marks of ASCII come in turn.
+// Every letter, figure and mark of ASCII comes up.
 std::string lineOf60(int first) {
   std::string text;
   for (int i = 0; i < 60; ++i) text += char('!' + (first * 7 + i * 5) % 94);

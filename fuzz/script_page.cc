@@ -1,7 +1,7 @@
 // A page full of hooks that is driven at random: keys, waits, and console lines made of what scripts can do to pages.
 //
 // The first byte chooses the page, each of the following is one action; bytes from 0x80 on are lines of the console,
-// whose statements take their pieces from the bytes behind.
+// whose statements take their pieces from the bytes after it.
 #include <stdlib.h>
 
 #include <cstddef>

@@ -32,6 +32,6 @@ inline void TryFont(const uint8_t* data, size_t size, int fontType) {
   DeleteT2K(t, &err);
   Delete_sfntClass(font, &err);
   Delete_InputStream(in, &err);
-  if (mem->numPointers) std::abort();  // something was left behind
+  if (mem->numPointers) std::abort();  // something was not freed
   tsi_DeleteMemhandler(mem);
 }

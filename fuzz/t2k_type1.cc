@@ -1,5 +1,5 @@
-// Any bytes as a Type 1 font. Bytes that don't begin like one ("%" or a segment's mark) are taken for the plain text of
-// a private portion and encrypted first: changes to a font as it stands garble all that follows them.
+// Any bytes as a Type 1 font. Bytes that don't begin like one ("%" or a segment's mark) are read as the plain text of
+// a private portion and encrypted first: changes to an encrypted font garble all that follows them.
 #include <algorithm>
 #include <string>
 #include <vector>

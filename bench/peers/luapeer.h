@@ -1,4 +1,4 @@
-// A Lua 5.4 program with a function `bench` that gives an integer.
+// A Lua 5.4 program with a function `bench` that returns an integer.
 #pragma once
 
 #include <cstdint>

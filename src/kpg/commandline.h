@@ -51,12 +51,24 @@ class KpgCommand {
   CLI::App* command;
 };
 
+// What a command takes, as text, for those that describe the command line elsewhere.
+struct CommandSummary {
+  struct Option {
+    std::vector<std::string> names;  // with their dashes
+    std::string help;
+    bool hasValue;
+  };
+  std::string name, about;
+  std::vector<Option> options;  // without the words, which are files mostly
+};
+
 class CommandLine {
  public:
-  CommandLine(const char* name, const char* about);
+  CommandLine(const char* name, const char* version, const char* about);
   ~CommandLine();
 
   KpgCommand command(const char* name, const char* about);
+  std::vector<CommandSummary> summaries() const;
 
   // Parses, runs the command and prints what went wrong; returns the exit status, 0 or 1.
   int run(int argc, char** argv);

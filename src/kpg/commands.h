@@ -13,3 +13,4 @@ void addRunCommand(CommandLine& line);
 void addEvalCommand(CommandLine& line);
 void addCompileCommand(CommandLine& line);
 void addDecodeCommand(CommandLine& line);
+void addCompletionCommand(CommandLine& line);

@@ -6,7 +6,7 @@
 
 int main(int argc, char** argv) {
   hsSetHaltProc([] { std::_Exit(2); });  // a command must not hang; the report has been printed
-  CommandLine line("kpg", "Makes pages for the player's on-screen interface, and pictures of them.");
+  CommandLine line("kpg", VISTREL_VERSION, "Makes pages for the player's on-screen interface, and pictures of them.");
   addBuildCommand(line);
   addDumpCommand(line);
   addShotCommand(line);
@@ -17,5 +17,6 @@ int main(int argc, char** argv) {
   addEvalCommand(line);
   addCompileCommand(line);
   addDecodeCommand(line);
+  addCompletionCommand(line);
   return line.run(argc, argv);
 }

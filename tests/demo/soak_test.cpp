@@ -1,8 +1,6 @@
 // A day of the demo under random keys and console lines: nothing is reported, no script fails, memory stays flat.
 //
 // Time is virtual. VISTREL_SOAK_PACE sets how many milliseconds lie between two keys, for a run by hand.
-#include <malloc.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <iterator>
@@ -11,6 +9,7 @@
 #include "engine/engine.h"
 #include "gfx/foundation/hsdebug.h"
 #include "host/headless/headlessdesktop.h"
+#include "support/allocatedbytes.h"
 #include "support/pagefixture.h"
 
 namespace {
@@ -61,7 +60,7 @@ class SoakTest : public PageTest {
   size_t memory() {
     desktop.log.clear();
     desktop.log.shrink_to_fit();
-    return mallinfo2().uordblks;
+    return allocatedBytes();
   }
 
   // Whether the log so far holds what nobody asked for. It is emptied.

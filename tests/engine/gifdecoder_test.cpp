@@ -219,10 +219,29 @@ TEST(GifDecoder, FaultsHaveTheirNumbers) {
   EXPECT_EQ(with({0x2C, 0, 0, 0, 0, 2, 0, 1, 0, 0, 2, 5, 0x04}), GifError::endOfFile);
 }
 
-TEST(GifDecoder, AnyPrefixEndsWithoutHarm) {
+TEST(GifDecoder, APrefixGivesTheRowsThatItHoldsAndNoOthers) {
   GifWriter gif(9, 9, 3);
-  gif.image(9, 9, true, 3, std::vector<uint8_t>(81, 5));
-  for (size_t size = 0; size <= gif.bytes.size(); ++size) decode({gif.bytes.begin(), gif.bytes.begin() + long(size)});
+  const size_t beforeImage = gif.bytes.size();
+  std::vector<uint8_t> indices(81);
+  for (size_t i = 0; i < indices.size(); ++i) indices[i] = uint8_t(i % 7);
+  gif.image(9, 9, true, 3, indices);
+  const Decoded whole = decode(gif.bytes);
+  ASSERT_EQ(whole.rows.size(), 9u);
+  size_t most = 0;
+  for (size_t size = 0; size <= gif.bytes.size(); ++size) {
+    const Decoded part = decode({gif.bytes.begin(), gif.bytes.begin() + long(size)});
+    // Between blocks a file may end.
+    EXPECT_EQ(part.error == GifError::none, size == beforeImage || size == gif.bytes.size()) << size;
+    size_t count = 0;
+    for (size_t y = 0; y < part.rows.size(); ++y) {
+      if (part.rows[y].empty()) continue;
+      EXPECT_EQ(part.rows[y], whole.rows[y]) << size;
+      ++count;
+    }
+    EXPECT_GE(count, most) << size;
+    most = count;
+  }
+  EXPECT_EQ(most, 9u);
 }
 
 }  // namespace

@@ -10,13 +10,18 @@ TEST_F(CommandsTest, ErrorsGoToTheErrorStreamWithStatusOne) {
   EXPECT_EQ(kpg("--help"), 0);
   EXPECT_NE(out.find("shot"), std::string::npos);
   EXPECT_EQ(kpg("shot --help"), 0);
-  EXPECT_EQ(kpg("fold page.kpg"), 1);
+  EXPECT_EQ(kpg("--version"), 0);
+  EXPECT_TRUE(out.starts_with("kpg ")) << out;
+  EXPECT_EQ(kpg("bild page.yaml"), 1);
+  EXPECT_EQ(err, "kpg: there is no command 'bild'; did you mean 'build'?\nkpg --help lists the commands\n");
+  EXPECT_EQ(kpg("photograph page.kpg"), 1);
+  EXPECT_EQ(err, "kpg: there is no command 'photograph'\nkpg --help lists the commands\n");
   EXPECT_EQ(kpg("shot none.kpg --key Sideways"), 1);
   EXPECT_EQ(kpg("build none.yaml -o p.kpg"), 1);
   EXPECT_EQ(err, "none.yaml: No such file or directory\n");
   writeText("p.yaml", "page:\n  x: 1\n  x: 2\n");
   EXPECT_EQ(kpg("build p.yaml -o p.kpg"), 1);
-  EXPECT_EQ(err, "p.yaml:3: 'x' stands twice\n");
+  EXPECT_EQ(err, "p.yaml:3: 'x' is given twice\n");
 }
 
 TEST_F(CommandsTest, AShotWritesPictureAndLogAgainstTheFolderOfTheCall) {
@@ -35,7 +40,7 @@ TEST_F(CommandsTest, AShotWritesPictureAndLogAgainstTheFolderOfTheCall) {
   EXPECT_TRUE(std::filesystem::exists("p.png"));
 }
 
-TEST_F(CommandsTest, TellsWhatAFontHolds) {
+TEST_F(CommandsTest, PrintsWhatAFontHolds) {
   std::vector<uint8_t> font = BlockFontFile();
   WriteFile("blocks.ttf", font);
   EXPECT_EQ(kpg("font blocks.ttf --out specimen.png"), 0) << err;

@@ -18,7 +18,7 @@ constexpr uint32_t kProgramme = 0x008700;  // what the previewer shows for trans
 const char* const kPage =
     "flags: 8bit\npage: {width: 720, height: 480, type: group, children: [{type: image, src: p.png}]}";
 
-// 239 colours that the player can tell apart, black and white among them.
+// 239 colours that the player can distinguish, black and white among them.
 std::vector<uint32_t> manyColors() {
   std::vector<uint32_t> colors = {0x000000, 0xFFFFFF};
   for (uint32_t r = 0; r < 6; ++r)
@@ -63,7 +63,7 @@ TEST_F(ImageCommandTest, ABackgroundTakesThePlaceOfTransparency) {
   EXPECT_EQ(kpg("image p.png -o p.kpx --background red"), 1);
 }
 
-TEST_F(ImageCommandTest, AGivenTableIsNamedAndItsTransparentEntryTakenForNoColour) {
+TEST_F(ImageCommandTest, AGivenTableIsNamedAndItsTransparentEntryIsNoColour) {
   // Entry 237 has what the picture asks for, but there it means transparent.
   std::vector<uint32_t> table(239, rgbToYCrCb(0xFF000000));
   table[5] = rgbToYCrCb(0x00F00000);
@@ -117,7 +117,7 @@ TEST_F(ImageCommandTest, OneTableServesSeveralPictures) {
   EXPECT_EQ(err, "none.png: No such file or directory\n");
 }
 
-TEST_F(ImageCommandTest, AListTellsWhatFilesHold) {
+TEST_F(ImageCommandTest, AListSaysWhatFilesHold) {
   writePngWithAlpha("p.png", 3, 2, {0xFF102030, 0xFF102030, 0, 0xFFFFFFFF, 0, 0});
   ASSERT_EQ(kpg("image p.png -o p.kpx"), 0);
   ASSERT_EQ(kpg("image --list p.png p.kpx p.clut"), 0) << err;

@@ -15,7 +15,7 @@ struct GifSummary {
 
 bool isGif(const std::vector<uint8_t>& bytes);
 
-// The first image where it lies in the picture, in its own colours; what it leaves free is transparent. `path` is for
+// The first image where it lies in the picture, in its own colours; what it doesn't cover is transparent. `path` is for
 // errors, which are KitErrors.
 Picture decodeGif(const std::string& path, const std::vector<uint8_t>& bytes);
 

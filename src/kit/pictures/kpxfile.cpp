@@ -19,7 +19,7 @@ size_t get16(const std::vector<uint8_t>& bytes, size_t at) { return size_t(bytes
 
 }  // namespace
 
-// The name's first character stands in the header, the rest and a zero byte behind it.
+// The name's first character is in the header, the rest and a zero byte after it.
 KpxFile parseKpx(const std::string& path, const std::vector<uint8_t>& bytes) {
   if (bytes.size() < kHeaderSize) throw KitError(path, "too short for a picture");
   KpxFile picture{uint32_t(get16(bytes, 2)), uint32_t(get16(bytes, 4)), "", {}};

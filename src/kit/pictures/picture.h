@@ -13,7 +13,7 @@ struct Picture {
 // The most pixels that are read from a file.
 inline constexpr uint64_t kMaxPicturePixels = uint64_t{1} << 26;
 
-// The picture in a file, told by its first bytes. Throws KitError: "FILE: message".
+// The picture in a file, whose kind its first bytes say. Throws KitError.
 Picture readPicture(const std::string& path);
 
 // What readers of one format share: the error for sizes that can't be.

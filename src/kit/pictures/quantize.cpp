@@ -48,7 +48,7 @@ struct Sums {
   }
 };
 
-// A run of colours that one colour is to stand for.
+// A run of colours that one colour is to represent.
 struct Box {
   size_t begin, end;
   double error;

@@ -1,4 +1,4 @@
-// Few colours that stand for many.
+// Few colours that represent many.
 #pragma once
 
 #include <cstddef>
@@ -15,5 +15,5 @@ struct ColorCount {
 std::vector<ColorCount> countColors(std::vector<uint32_t> pixels);
 
 // At most `most` colours (1 or more) besides those in `given`, dark to bright, so that with the given ones every pixel
-// finds one near it. When that is room for all, they are exactly the picture's.
+// finds one near it. When that is enough for all, they are exactly the picture's.
 std::vector<uint32_t> choosePalette(std::vector<ColorCount> colors, const std::vector<uint32_t>& given, size_t most);

@@ -1,5 +1,5 @@
 // While it lives, what the system itself writes to the C library's standard output goes to the error stream, so that
-// only what was asked for stands on the standard output.
+// the standard output has only what was asked for.
 #pragma once
 
 #include <unistd.h>

@@ -82,7 +82,7 @@ class Dumper {
     for (const auto& [name, value] : header)
       if (isWidget || value) line(indent, std::string(name) + ": " + std::to_string(value));
 
-    // Objects can lead to one another without end, so the file's size bounds how many are told.
+    // Objects can lead to one another without end, so the file's size bounds how many are printed.
     if (++objects > page.bytes.size() || indent > 4 * kMaxDepth) {
       line(indent, "# and so on");
     } else {
@@ -99,14 +99,14 @@ class Dumper {
     if (firstPair(start, indent) == std::string::npos) line(indent, "{}");
   }
 
-  // An object as an entry of a list: its first pair stands behind the dash.
+  // An object as an entry of a list: its first pair follows the dash.
   void listedObject(const PageObject& record, ObjectKind kind, int indent) {
     const size_t start = out.size();
     object(record, kind, indent + 2);
     out[firstPair(start, indent + 2) + size_t(indent)] = '-';
   }
 
-  // Where the first line at or behind `start` begins that is no comment; npos if there is none.
+  // Where the first line from `start` on begins that is no comment; npos if there is none.
   size_t firstPair(size_t start, int indent) const {
     while (start < out.size() && out[start + size_t(indent)] == '#') start = out.find('\n', start) + 1;
     return start < out.size() ? start : std::string::npos;
@@ -214,7 +214,7 @@ class Dumper {
     }
   }
 
-  // Whether an entry is told as a text. Where the engine reads objects, that is what only reads as a text.
+  // Whether an entry is printed as a text. Where the engine reads objects, that is what can only be a text.
   bool isText(const PageTable& table, uint32_t i, ObjectKind kind) const {
     const char* text = table.string(i);
     if (!text || looksLikeObject(table.object(i))) return false;

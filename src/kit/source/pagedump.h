@@ -6,5 +6,5 @@
 #include <vector>
 
 // YAML that builds back to the same bytes when the page was built by this kit, and that is readable for any page that
-// has a good header; anything else is a KitError. What can't be said in a source stands in comments.
+// has a good header; anything else is a KitError. What can't be said in a source becomes a comment.
 std::string dumpPage(const std::string& path, std::vector<uint8_t> bytes);

@@ -99,7 +99,7 @@ class SourceReader {
 
   // Where the form is settled there is no choice for a tag.
   void expectNoTag(const YAML::Node& node) const {
-    if (!isPlain(node)) fail(node, "no tag can stand here: " + node.Tag());
+    if (!isPlain(node)) fail(node, "no tag can be used here: " + node.Tag());
   }
 
   // Calls back with each pair in source order; a repeated key is an error.
@@ -109,7 +109,7 @@ class SourceReader {
     for (const auto& pair : map) {
       if (!pair.first.IsScalar()) fail(pair.first, "a key must be a name");
       const std::string& key = pair.first.Scalar();
-      if (!seen.insert(key).second) fail(pair.first, "'" + key + "' stands twice");
+      if (!seen.insert(key).second) fail(pair.first, "'" + key + "' is given twice");
       f(key, pair.second, pair.first);
     }
   }

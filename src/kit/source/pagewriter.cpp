@@ -71,7 +71,7 @@ class PageWriter {
     return start;
   }
 
-  // Writes what stands behind a value, and the word that leads there into `link`.
+  // Writes what a value leads to, and the word that leads there into `link`.
   void value(const PageValue& v, size_t link) {
     switch (v.tag) {
       case PageTag::string: strings.push_back({link, v.bytes}); break;

@@ -1,4 +1,5 @@
-// How a page source's attributes are written into a page: by the kind that the engine's table of attributes gives them.
+// How a page source's attributes are written into a page: by the kind that they have in the engine's table of
+// attributes.
 #pragma once
 
 #include <optional>

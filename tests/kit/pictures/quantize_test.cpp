@@ -1,4 +1,4 @@
-// How well few colours stand for many.
+// How well few colours represent many.
 #include "kit/pictures/quantize.h"
 
 #include <gtest/gtest.h>
