@@ -6,6 +6,7 @@
 #include "gfx/pixel/hsgcreateproc.h"
 #include "gfx/pixel/hsgpatheffectapplier.h"
 #include "gfx/pixel/hsgshader.h"
+#include "gfx/pixel/hsgxfermode.h"
 #include "gfx/pixel/pixelmodel.h"
 #include "gfx/vector/hsgblitter.h"
 #include "gfx/vector/hsgpatheffect.h"
@@ -177,6 +178,63 @@ TEST(Attribute, CopyForASizeRebuildsWhatCanBe) {
   EXPECT_EQ(shiftAt(25), std::pair(true, 300));
   EXPECT_EQ(AssertOf([&] { hsGAttribute::FlattenEffect(*effect, nullptr); }), "need create-proc");
   effect->UnRef();
+}
+
+TEST(Attribute, CopiesEverySetting) {
+  hsGAttribute attr(hsGAttribute::kFrame), copy;
+  attr.SetColor(1, 2, 3, 4);
+  attr.SetColorIndex(5);
+  attr.SetFrameSize(6);
+  attr.SetMiterLimit(7);
+  attr.SetMinWidth(8);
+  attr.SetCapType(hsGAttribute::kRoundCap);
+  attr.SetJoinType(hsGAttribute::kBevelJoin);
+  attr.SetTextSize(9);
+  attr.SetTextEncoding(hsGAttribute::kUTF16);
+  attr.SetFontID(10);
+  hsGTextFace face, faceOut;
+  face.fSkewX = 11;
+  attr.SetTextFace(&face);
+  hsGTextSpacing spacing, spacingOut;
+  spacing.fCharExtra = 12;
+  attr.SetTextSpacing(&spacing);
+  attr.SetXferMode(hsMake<hsGSrcMode>().get());
+  copy.CopyFrom(attr);
+  EXPECT_EQ(copy.Flags(), attr.Flags());
+  EXPECT_EQ(copy.Color(), attr.Color());
+  EXPECT_EQ(copy.ColorIndex(), 5);
+  EXPECT_EQ(copy.FrameSize(), 6);
+  EXPECT_EQ(copy.MiterLimit(), 7);
+  EXPECT_EQ(copy.MinWidth(), 8);
+  EXPECT_EQ(copy.GetCapJoinStyle(), 6u);
+  EXPECT_EQ(copy.TextSize(), 9);
+  EXPECT_EQ(copy.Encoding(), hsGAttribute::kUTF16);
+  EXPECT_EQ(copy.FontID(), 10u);
+  EXPECT_TRUE(copy.GetTextFace(&faceOut) && faceOut == face);
+  EXPECT_TRUE(copy.GetTextSpacing(&spacingOut) && spacingOut == spacing);
+  EXPECT_EQ(copy.XferMode(), attr.XferMode());
+}
+
+// Adds the path to what is there.
+struct AddingEffect : hsGPathEffect {
+  bool FilterPath(const hsMatrix*, hsScalar*, const hsPath* src, hsPath* dst) const override {
+    dst->AddPath(*src);
+    return true;
+  }
+};
+
+TEST(Attribute, ApplierBeginsEachPathAnew) {
+  hsPath path, other;
+  path.MoveTo(0, 0);
+  path.LineTo(100, 0);
+  other.MoveTo(3, 4);
+  other.LineTo(5, 6);
+  hsGAttribute attr;
+  attr.SetPathEffect(hsMake<AddingEffect>().get());
+  hsGPathEffectApplier applier(nullptr, &attr);
+  applier.Apply(path);
+  applier.Apply(other);
+  EXPECT_TRUE(applier.Path() == other);
 }
 
 TEST(Attribute, ApplierTurnsFillsAndStrokesIntoEachOtherForItsScope) {

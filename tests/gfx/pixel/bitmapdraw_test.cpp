@@ -6,10 +6,13 @@
 #include "gfx/pixel/hsgattribute.h"
 #include "gfx/pixel/hsgbitmapblitter.h"
 #include "gfx/pixel/hsgbitmapshader.h"
+#include "gfx/pixel/hsgblitter16.h"
+#include "gfx/pixel/hsgrawdraw.h"
 #include "gfx/pixel/hsgshaderblitter.h"
 #include "gfx/pixel/hsgspriteblitter.h"
 #include "gfx/pixel/hsgxfermode.h"
 #include "gfx/pixel/pixelmodel.h"
+#include "gfx/vector/hsscan.h"
 
 namespace {
 
@@ -275,7 +278,53 @@ TEST(BitmapBlitter, PaletteSourcesByIndexOrThroughAShader) {
   }
 }
 
-TEST(BitmapBlitter, PicksItsRoad) {
+// A source whose corners lie on both sides of the horizon maps to a quadrilateral that isn't convex.
+TEST(BitmapBlitter, BentQuadrilateralsFillTheirPathWithTheSource) {
+  ThrowOnHalt halt;
+  Random random(6);
+  uint32_t pixel = 0xFFFFFFFF;
+  B source(B::kConfig_RGB32);
+  source.fImage = &pixel;
+  source.fWidth = source.fHeight = 1;
+  source.fRowBytes = 4;
+  int bent = 0;
+  for (int turn = 0; turn < 3000; ++turn) {
+    hsMatrix matrix;
+    matrix.SetScale(random.Between(1, 30) << 16, random.Between(1, 30) << 16, 0, 0);
+    matrix.PostTranslate(random.Between(1, 30) << 16, random.Between(1, 30) << 16);
+    matrix.fMap[2][0] = kFract1 / 8 * random.Between(-12, 12);
+    matrix.fMap[2][1] = kFract1 / 8 * random.Between(-12, 12);
+    hsMatrix inverse;
+    if (!matrix.Invert(&inverse)) continue;
+    hsPoint corners[4] = {{0, 0}, {kFixed1, 0}, {kFixed1, kFixed1}, {0, kFixed1}};
+    matrix.MapPoints(4, corners, corners);
+    int turns[2] = {0, 0};  // to the left, to the right
+    for (int i = 0; i < 4; ++i) {
+      const hsPoint &p = corners[i], &q = corners[(i + 1) % 4], &r = corners[(i + 2) % 4];
+      const double turn = (double(q.fX) - p.fX) * (double(r.fY) - q.fY) - (double(q.fY) - p.fY) * (double(r.fX) - q.fX);
+      ++turns[turn > 0];
+    }
+    const auto near = [](const hsPoint& p) { return std::abs(p.fX) < 200 << 16 && std::abs(p.fY) < 200 << 16; };
+    if (turns[0] == 0 || turns[1] == 0 || !std::all_of(corners, corners + 4, near)) continue;
+    ++bent;
+    Surface device(B::kConfig_RGB16, 32, 32, random), model(device);
+    hsGAttribute attr;
+    hsGRawDraw draw;
+    draw.fBitmap = &device.bitmap;
+    draw.fMatrix = &matrix;
+    draw.fAttr = &attr;
+    draw.DrawBitmap(source, 0, 0);
+    hsPath path;
+    path.AddPoly(4, corners, true);
+    hsGColorBlitter16Opaque white(model.bitmap, {0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF});
+    const hsRegion whole(model.Bounds());
+    HSScan::FillPath(&path, &whole, &white);
+    ASSERT_EQ(device, model) << turn;
+  }
+  EXPECT_GT(bent, 100);
+}
+
+TEST(BitmapBlitter, PicksItsBlitter) {
   Random random(5);
   Palette palette(random, 200);
   Surface s16(B::kConfig_RGB16, 6, 6, random), s32(B::kConfig_RGB32, 2, 2, random), before(s16);
@@ -293,6 +342,8 @@ TEST(BitmapBlitter, PicksItsRoad) {
 
   hsMatrix flat;
   flat.fMap[0][0] = flat.fMap[0][1] = flat.fMap[1][0] = flat.fMap[1][1] = 0x8000;
+  hsMatrix scale;
+  scale.SetScale(2 * kFixed1, kFixed1, 0, 0);
   {
     ReturnOnHalt halt;
     const auto draw = [&](Surface& device, const Surface& source, const hsMatrix& m) {
@@ -303,10 +354,13 @@ TEST(BitmapBlitter, PicksItsRoad) {
       const auto& reports = ReturnOnHalt::Reports();
       return reports.empty() ? "" : reports[0].substr(0, reports[0].find(" ::"));
     };
-    hsMatrix scale;
-    scale.SetScale(2 * kFixed1, kFixed1, 0, 0);
     EXPECT_EQ(draw(s16, s32, flat), "cannot invert matrix: 0");
+    const Surface kept(s8);
     EXPECT_EQ(draw(s8, s8, flat), "");
+    Surface empty(s8);
+    empty.bitmap.fWidth = 0;
+    EXPECT_EQ(draw(s8, empty, scale), "");
+    EXPECT_EQ(s8, kept);
     EXPECT_EQ(draw(s16, s16, scale), "Assert Failed missing bitmap blitter");
     EXPECT_EQ(draw(a8, s32, scale), "Assert Failed bad bitmap for ChooseIndex8Blitter");
     hsGSrcOverMode over;

@@ -6,6 +6,7 @@
 #include "gfx/halt.h"
 #include "gfx/pixel/hsgcursor.h"
 #include "gfx/pixel/hsglayer.h"
+#include "gfx/pixel/hsgrasterizer.h"
 #include "gfx/pixel/pixelmodel.h"
 #include "gfx/vector/hsgpatheffect.h"
 
@@ -271,6 +272,37 @@ TEST(RasterDevice, ACursorThatCannotBeDrawnIsReportedOnly) {
   device.DrawFull(&attr);
   EXPECT_EQ(halt.Reports(), std::vector<std::string>{"unsupported source pixelsize: 16"});
   EXPECT_EQ(surface.Get(0, 0), 3u);
+}
+
+// What an empty layer becomes: a square of 4 pixels.
+struct SquareFilter : hsGLayerFilter {
+  bool MapSize(uint32_t* width, uint32_t* height) override {
+    *width = *height = 4;
+    return true;
+  }
+  bool Filter(const hsGBitmap&, const hsGBitmap& dst) override {
+    for (int32_t y = 0; y < 4; ++y) std::fill_n(dst.Row<hsGColor32>(y), 4, 0xFF00FF00);
+    return true;
+  }
+};
+
+// Drawing in the layer narrows the clip to it; drawn back, it meets the device's own clip again.
+TEST(RasterDevice, AClosedLayerIsDrawnUnderTheClipBelowIt) {
+  Random random(12);
+  Surface surface(hsGBitmap::kConfig_RGB16, 10, 10, random);
+  const Surface before(surface);
+  hsGRasterDevice device;
+  device.SetBitmap(&surface.bitmap);
+  device.ClipIntRect({0, 0, 3, 10});
+  hsGAttribute attr;
+  attr.SetLayerFilter(hsMake<SquareFilter>().get());
+  const hsRect outside = Fixed(20, 20, 30, 30);
+  device.SaveLayer(&outside, &attr);
+  hsGAttribute plain;
+  device.DrawFull(&plain);
+  device.Restore();
+  for (int y = 0; y < 10; ++y)
+    for (int x = 0; x < 10; ++x) EXPECT_EQ(surface.Get(x, y), x < 3 && y < 4 ? Pack(0xFF00FF00) : before.Get(x, y));
 }
 
 }  // namespace
