@@ -3,7 +3,8 @@
 
 #include <filesystem>
 
-#include "engine/images/imagecache.h"
+#include "engine/images/imagedraw.h"
+#include "engine/images/imageload.h"
 #include "engine/screen/display.h"
 #include "host/headless/headlessdesktop.h"
 #include "kit/pictures/clutfile.h"

@@ -9,6 +9,8 @@
 #include <fstream>
 #include <vector>
 
+#include "engine/images/imagedraw.h"
+#include "engine/images/imageload.h"
 #include "host/headless/headlessdesktop.h"
 
 inline void writeBytes(const char* name, const uint8_t* data, size_t size) {

@@ -42,7 +42,7 @@ class Engine {
   // One step: due timers, the redraw queue, a pending swap. To be called for ever.
   void step();
 
-  // Whether a step would do anything now beside firing timers.
+  // Whether a step would do anything now other than firing timers.
   bool busy() const;
 
   Host& host;
@@ -55,7 +55,7 @@ class Engine {
   ClutShelf cluts;
   ImageCache images;
   FontShelf fonts;
-  hsGLibrary graphics;               // reads the fonts in place
+  hsGLibrary graphics;                      // reads the fonts in place
   std::unique_ptr<DisplaySurface> display;  // null before the start
   TextPen textPen;
   GlyphWarming glyphWarming;
@@ -85,7 +85,7 @@ class EngineScope {
 // The engine that is current on this thread, or null.
 Engine* currentEngine();
 
-// On the current engine; engineInit gives non-zero on success.
+// On the current engine; engineInit returns non-zero on success.
 int engineInit(void* cacheMemory, size_t cacheSize);
 void engineStep();
 bool engineBusy();

@@ -1,7 +1,7 @@
 // Video colour to desktop colour and back.
 //
 // Engine colours are words 0xYYRRBBAA: luma 16 to 235, Cr and Cb around 128, the low byte unused. The two directions
-// use separately rounded coefficients and are no exact inverses of each other; pictures depend on both as they stand.
+// use separately rounded coefficients and are not exact inverses of each other; pictures depend on both as they are.
 #pragma once
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 // The message console: everything the system logs, and a prompt.
 //
-// Output goes where the caret or the selection stands, not to the end: a message can land in the middle of what
+// Output goes to the caret or over the selection, not to the end: a message can land in the middle of what
 // somebody is typing, and it replaces a selected stretch.
 #pragma once
 
@@ -20,7 +20,7 @@ class MessageConsole {
   void flush();
 
   // Enter was typed. `breakLine` is what the control itself does with the key; the selection, or else the caret's
-  // whole line, is handed to `evaluate` behind it. Nothing is evaluated when there is no text.
+  // whole line, is passed to `evaluate` after that. Nothing is evaluated when there is no text.
   void enter(const std::function<void()>& breakLine, const std::function<void(std::string_view)>& evaluate);
 
  private:

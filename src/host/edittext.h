@@ -1,4 +1,4 @@
-// The text behind an edit control without a window: bytes, a selection, and lines that end at CR LF.
+// The text of an edit control without a window: bytes, a selection, and lines that end at CR LF.
 #pragma once
 
 #include "host/editcontrol.h"

@@ -16,7 +16,7 @@ class Host {
 
 // ---- the screen
 
-// Makes the screen window, width x height pixels, and the desktop pixels behind it. Called once.
+// Makes the screen window, width x height pixels, and the desktop pixels that it shows. Called once.
 void hostCreateScreen(int width, int height, int depth);
 
 // Bits per pixel of the frame buffer that hostPresentRect is given from now on: 8, 16 or 32.
@@ -47,8 +47,8 @@ uint32_t hostMilliseconds();
 
 struct HostFile;
 
-// Opens for reading; null when there is no such file. Separators may be '/' or '\', and a name that does not exist as
-// it stands is tried without regard to case, since pages come from a system that had none.
+// Opens for reading; null when there is no such file. Separators may be '/' or '\', and a name that does not exist
+// exactly so is tried without regard to case, since pages come from a system that had none.
 HostFile* hostOpen(const char* name);
 size_t hostRead(HostFile* file, void* buffer, size_t size);  // the bytes read
 void hostClose(HostFile* file);
@@ -56,5 +56,5 @@ size_t hostTell(HostFile* file);
 size_t hostFileSize(HostFile* file);  // leaves the position alone
 bool hostHasFileSystem();
 
-// A name, as a page gives it, of a file that is to be written: seen from the page's folder, and otherwise as it stands.
+// A name, as a page gives it, of a file that is to be written: relative to the page's folder, and otherwise unchanged.
 std::string hostFullName(const char* name);

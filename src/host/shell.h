@@ -38,7 +38,7 @@ class Shell : public Host {
   // One step of the engine, after a message or without one.
   void step();
 
-  bool busy() const { return engine.busy(); }  // whether a step would do anything now beside firing timers
+  bool busy() const { return engine.busy(); }  // whether a step would do anything but fire timers
   std::optional<uint32_t> nextTimer() const { return engine.timers.nextDue(); }  // on the desktop's clock
 
   // Messages, in the terms that the windows get them. Each is to be followed by a step.

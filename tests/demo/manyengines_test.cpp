@@ -1,5 +1,5 @@
-// Engines side by side: eight of them, on two threads, give the bytes that each gives alone; and one that ends leaves
-// nothing behind.
+// Engines side by side: eight of them, on two threads, show what each shows alone, to the byte; and engines that have
+// ended leave no memory allocated.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -63,7 +63,7 @@ struct Outcome {
   std::vector<uint32_t> window;
 };
 
-// Plays a page in every engine of the range at the same time, the engines taking turns.
+// Plays a page in every engine of the range at the same time, a key to each in rotation.
 std::vector<Outcome> playTogether(size_t from, size_t to) {
   std::vector<std::unique_ptr<Player>> players;
   for (size_t i = from; i < to; ++i) players.push_back(std::make_unique<Player>(kPlays[i]));
@@ -77,7 +77,7 @@ std::vector<Outcome> playTogether(size_t from, size_t to) {
   return outcomes;
 }
 
-TEST(ManyEngines, EightOnTwoThreadsGiveTheBytesThatEachGivesAlone) {
+TEST(ManyEngines, EightOnTwoThreadsShowWhatEachShowsAlone) {
   constexpr size_t kAll = std::size(kPlays), kHalf = kAll / 2;
   std::vector<Outcome> alone;
   for (size_t i = 0; i < kAll; ++i) alone.push_back(playTogether(i, i + 1)[0]);

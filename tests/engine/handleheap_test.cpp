@@ -65,7 +65,7 @@ TEST(HandleHeap, RefusesMemoryThatIsTooSmall) {
 
 TEST_F(HandleHeapTest, LiveBlocksKeepTheirBytesThroughEveryMove) {
   std::mt19937 random(3);
-  std::map<HeapHandle, std::vector<uint8_t>> model;  // bytes behind the first word
+  std::map<HeapHandle, std::vector<uint8_t>> model;  // bytes after the first word
   for (int i = 0; i < 20000; ++i) {
     if (random() % 2 || model.empty()) {
       const uint32_t size = 4 + random() % 120;
@@ -91,7 +91,7 @@ TEST_F(HandleHeapTest, LiveBlocksKeepTheirBytesThroughEveryMove) {
       ASSERT_EQ(own, heap.offsetOf(heap.payload(handle)));
       ASSERT_TRUE(std::equal(bytes.begin(), bytes.end(), heap.payload(handle) + 4));
     }
-    if (model.size() > 28) {  // stay below the table's first size, whose growth would take room
+    if (model.size() > 28) {  // stay below the table's first size, whose growth would take space
       heap.heapFree(model.begin()->first);
       model.erase(model.begin());
     }

@@ -22,7 +22,7 @@ class ConsoleTest : public testing::Test {
 TEST_F(ConsoleTest, TextShowsWhenALineEndsOrTheBufferIsFoundFull) {
   console.write("half");
   EXPECT_EQ(edit.text(), "");
-  console.write(" a line\r\n");  // the CR is kept, and another goes ahead of the LF
+  console.write(" a line\r\n");  // the CR is kept, and another goes before the LF
   EXPECT_EQ(edit.text(), "half a line\r\r\n");
 
   edit.select({0, -1});
@@ -64,7 +64,7 @@ TEST_F(ConsoleTest, EnterEvaluatesTheCaretsLineOrTheSelection) {
   type("first\r\nsecond");
   edit.select({2, 2});
   EXPECT_EQ(enter(), "first");
-  EXPECT_EQ(edit.text(), "first\r\n\r\nsecond");  // the break goes behind the line
+  EXPECT_EQ(edit.text(), "first\r\n\r\nsecond");  // the break goes after the line
   EXPECT_EQ(enter(), "(nothing)");                // an empty line still breaks
   EXPECT_EQ(edit.text(), "first\r\n\r\n\r\nsecond");
 

@@ -44,7 +44,7 @@ TEST(ScreenSurface, CutsWhatLiesOutside) {
   screen.convert(zeros.data(), 1, 1, 100, 100);
   EXPECT_EQ(screen.dibBits, (std::vector<uint32_t>{0xFFFFFF, 0, 0, 0xFFFFFF}));
   EXPECT_EQ(screen.take().size(), 4u);
-  screen.convert(zeros.data(), 0, 0, 2, 2);  // behind that all is outside
+  screen.convert(zeros.data(), 0, 0, 2, 2);  // after that all is outside
   EXPECT_TRUE(screen.dibBits.empty());
 }
 

@@ -1,5 +1,6 @@
 // Pictures from the author's file to the player's screen.
-#include "engine/images/imagecache.h"
+#include "engine/images/imagedraw.h"
+#include "engine/images/imageload.h"
 #include "host/color.h"
 #include "kit/pictures/clutfile.h"
 #include "kit/pictures/kpxfile.h"

@@ -1,5 +1,6 @@
 // Pictures on pages: the cache, tiles, offsets and what a picture does to the screen's colours.
-#include "engine/images/imagecache.h"
+#include "engine/images/imagedraw.h"
+#include "engine/images/imageload.h"
 
 #include "engine/screen/clut.h"
 #include "engine/screen/display.h"

@@ -2,8 +2,8 @@
 #include <functional>
 #include <map>
 
-#include "engine/screen/display.h"
 #include "engine/page/language.h"
+#include "engine/screen/display.h"
 #include "kit/source/base64.h"
 #include "support/pagefixture.h"
 
@@ -79,7 +79,7 @@ TEST_F(LoadTest, AFailedLoadRunsOnUnloadAndKeepsTheDepthOfThePageBefore) {
   ASSERT_TRUE(load("flags: 16bit\npage: {}"));
   ASSERT_FALSE(load(page("colorTable: no.clut")));
   EXPECT_EQ(hearing(), "attach loadun detach ");
-  EXPECT_EQ(currentDisplay().depth(), 8);  // step 8 is behind it, the table was step 9
+  EXPECT_EQ(currentDisplay().depth(), 8);  // the depth is set before the table is read
   ASSERT_TRUE(load("flags: 16bit\npage: {}"));
   ASSERT_FALSE(load("flags: 8bit\npage: {scriptingLanguage: klingon}"));
   EXPECT_EQ(currentDisplay().depth(), 16);
@@ -89,7 +89,7 @@ TEST_F(LoadTest, APageMayLoadAnotherFromItsOwnOnLoad) {
   build("second.kpg", page("name: second, start: second", "2"));
   scripts["load"] = [] { frameLoad(topFrame(), "second.kpg"); };
   build("first.kpg", page("name: first, start: first"));
-  EXPECT_TRUE(loadFile("first.kpg"));  // the first load gives way
+  EXPECT_TRUE(loadFile("first.kpg"));  // the first load yields
   EXPECT_EQ(hearing(), "attach load loadun detach attach load2 ");
   EXPECT_EQ(focusName(), "second");
 }
@@ -158,7 +158,7 @@ TEST_F(LoadTest, TheDeepestPagesAreLoadedDrawnAndDriven) {
 }
 
 TEST_F(LoadTest, AWidgetGoneInItsOwnEventClimbsNoFurther) {
-  // The script of a direction key unloads the page; nothing of the frame's navigation runs behind it.
+  // The script of a direction key unloads the page; nothing of the frame's navigation runs after it.
   scripts["go"] = [] { frameUnloadAndClear(topFrame()); };
   for (const char* hook : {"onUp", "onClick", "onBlur", "onFocus"}) {
     const std::string source =

@@ -46,7 +46,7 @@ TEST_F(PaintTest, TheHighlightFrameLiesOutsideAndGoesWithTheFocus) {
 
 TEST_F(PaintTest, WhatSticksOutOnlyAboveIsNotRepaintedFromAround) {
   // Both boxes carry a lost highlight. To the left the page's colour is painted over the ring again; a ring that lies
-  // only above what it is painted behind stays, since the top edge is never looked at.
+  // only above that widget stays, since the top edge is never looked at.
   ASSERT_TRUE(
       loadChildren("start: a, bgColor: " + color(10),
                    "{x: 100, y: 100, width: 40, height: 40, type: group, bgColor: " + color(20) +

@@ -32,7 +32,7 @@ TEST_P(ScriptEventTest, HandlersConsumeUnlessTheyGiveNil) {
   EXPECT_EQ(heard(), "zero ");
   EXPECT_EQ(focusName(), "a");  // 0 is true, so the frame never saw the key
 
-  // Errors are told and leave the event unconsumed.
+  // Errors are reported and leave the event unconsumed.
   say("widgets.b.OnEvent(0x80002, function (e) { nothing(); });");
   say("widgets.b.SetFocus();");
   desktop.log.clear();

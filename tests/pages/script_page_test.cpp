@@ -151,7 +151,7 @@ TEST_P(ScriptHookTest, AHookMayLoadAnotherPage) {
     EXPECT_EQ(heard(), "true9") << hook.name;
     EXPECT_EQ(focusName(), "next") << hook.name;
   }
-  // A load gives way to the one that its script asks for, and has not failed for that.
+  // A load yields to the one that its script asks for, and has not failed for that.
   desktop.log.clear();
   EXPECT_TRUE(load(page("onLoad", "stdout.Display(topFrame.LoadPage(\"next.kpg\"));")));
   EXPECT_EQ(heard(), "true");

@@ -13,7 +13,7 @@ class ScriptStyleTest : public ScriptFontTest {
     say("make = function (font, size) {"
         " local o = new Object(); o.font = font; o.size = size; return new TextStyle(o); };");
   }
-  // The style behind what a line gives, kept in `s`.
+  // The style that a line evaluates to, kept in `s`.
   TextStyle styleOf(const std::string& line) {
     say("s = " + line);
     BobValue value = kBobNil;

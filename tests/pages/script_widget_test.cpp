@@ -147,7 +147,7 @@ TEST_P(ScriptWidgetTest, AWrapperThatOutlivesItsWidgetIsInactive) {
     EXPECT_EQ(say(std::string("KOVA.w.") + call + ";"), "--> nil\n") << call;
 }
 
-// What looks like a widget to the language but has none behind it.
+// What looks like a widget to the language but is none.
 TEST_P(ScriptWidgetTest, WrappersThatScriptsMakeHaveNoWidget) {
   loadWidgets();
   const std::string inactive = "Operation attempted on inactive widget\n--> nil\n";

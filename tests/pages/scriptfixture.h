@@ -15,7 +15,7 @@ class ScriptTest : public PageTest, public testing::WithParamInterface<bool> {
     desktop.log.clear();
   }
 
-  // What the console answers to the line, without what the drawing behind it says.
+  // What the console answers to the line, without what drawing afterwards logs.
   std::string say(const std::string& line) {
     desktop.log.clear();
     desktop.typeLine(line);
@@ -33,7 +33,7 @@ class ScriptTest : public PageTest, public testing::WithParamInterface<bool> {
   }
 };
 
-// The same with a font of blocks beside the page.
+// The same with a font of blocks in the page's folder.
 class ScriptFontTest : public ScriptTest {
  protected:
   ScriptFontTest() { WriteFile("blocks.ttf", BlockFontFile()); }

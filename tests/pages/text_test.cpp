@@ -1,6 +1,6 @@
 // Text and number widgets, from keys and events to pixels.
-#include "engine/text/textmeasure.h"
 #include "engine/widgets/text.h"
+#include "engine/text/textmeasure.h"
 
 #include <random>
 
@@ -38,7 +38,7 @@ TEST_F(TextTest, IsAlignedInsideAndStartsAtTheCornerWhenTooLarge) {
       {"middle", "middle", "aa", {101, 102, 111, 109}},                      // no such words
       {"right", "center", "bbbbbbbbbbb", {100, 112, 209, 119}},              // 110 wide
       {"center", "top", "aaaaaaaaaaaaaaaa", {103, 102, 197, 109}},           // 96 wide: 4 / 2 to the right
-      {"center", "top", "\\\\u00e9aaaaaaaaaaaaaaaa", {102, 102, 198, 109}},  // 98 wide: \u00e9 stands in the file
+      {"center", "top", "\\\\u00e9aaaaaaaaaaaaaaaa", {102, 102, 198, 109}},  // 98 wide: \u00e9 is in the file
   };
   for (const auto& [align, valign, value, box] : cases) {
     std::string source = value;
@@ -153,7 +153,7 @@ TEST_F(TextTest, ATextWhoseMemoryWasFreedByAScriptIsEmptyAndSafe) {
 }
 
 TEST_F(TextTest, LinesWrapAndAreAlignedOneByOne) {
-  // 100 wide: "bbbb bbbb" is 83, with the third word 126. Lines of 10: 30 is full, so two stand at 5 from the top.
+  // 100 wide: "bbbb bbbb" is 83, with the third word 126. Lines of 10: 30 is full, so two begin 5 from the top.
   text("textStyle: plain, multiline: true, valign: center, align: right, value: bbbb  bbbb bbbb");
   EXPECT_EQ(inked(), (Box{114, 107, 199, 124}));  // two spaces: 86 wide
   EXPECT_NE(pixel(160, 120), pixel(161, 114)) << "the second line is 40 wide";
@@ -165,7 +165,7 @@ TEST_F(TextTest, LinesWrapAndAreAlignedOneByOne) {
   EXPECT_EQ(inked(), (Box{100, 102, 189, 119}));
 }
 
-// ---- breaking against the rule as it is told: measuring every piece, taking one byte off at a time
+// ---- breaking against the plain rule: measuring every piece, taking one byte off at a time
 
 int32_t measured(const TextStyle& style, std::string_view text) {
   int32_t width, height;
@@ -277,7 +277,7 @@ TEST_F(NumberTest, ShowsAtLeastSoManyFigures) {
       {"value: 7", {100, 104, 105, 109}},
       {"value: 7, size: 3", {100, 104, 117, 109}},
       {"min: -50, value: -42, size: 4", {100, 104, 123, 109}},  // -042
-      {"value: 7, size: -3", {100, 104, 105, 109}},             // spaces behind
+      {"value: 7, size: -3", {100, 104, 105, 109}},             // spaces after it
       {"value: 7, size: 255", {100, 104, 720, 109}},
       {"value: 7, size: 256", kNothing},
       {"value: 7, size: -256", kNothing},

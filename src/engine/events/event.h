@@ -9,8 +9,8 @@
 struct KuiValue;
 struct TextStyle;
 
-// What one engine routine hands to another beside the words. A script sees and makes the words alone, so it can't
-// forge a pointer; a reader that finds none of its kind answers 0.
+// What one engine routine passes to another in addition to the words. A script sees and makes the words alone, so it
+// can't forge a pointer; a reader that finds none of its kind answers 0.
 using EventPointer =
     std::variant<std::monostate, KuiValue*, int32_t*, const char**, const char*, const TextStyle**, const TextStyle*>;
 
@@ -19,7 +19,7 @@ struct Event {
   uint32_t time = 0;        // hostMilliseconds at posting; 0 on key events and on internal sends
   uint32_t eventClass = 0;  // the code's upper half
   uint32_t code = 0;
-  uint32_t keyCode = 0;  // no poster gives it a value; scripts can read it
+  uint32_t keyCode = 0;  // nothing sets it; scripts can read it
   uint32_t data = 0;
   uint32_t data2 = 0;
   EventPointer pointer{};

@@ -17,7 +17,7 @@ struct EventHandler {
   virtual int fn(const Event* event) = 0;  // non-zero when it has consumed the event
 
   uint32_t code;
-  EventHandler** owner = nullptr;  // the link that leads here; null when unchained
+  EventHandler** owner = nullptr;  // the link that points here; null when unchained
   EventHandler* next = nullptr;
 };
 
@@ -38,7 +38,7 @@ struct EventTarget {
   uint32_t targetFlags = 0;
   Bounds bounds;
   ScriptHandle scriptHandle;
-  bool gone = false;          // destroyed; only its memory is still here
+  bool gone = false;  // destroyed; only its memory is still here
 };
 
 inline constexpr uint32_t kTargetActive = 1;  // targetFlags: on the active list

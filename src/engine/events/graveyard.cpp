@@ -4,7 +4,7 @@
 
 namespace {
 
-// Half of what a desktop gives a program's first thread. The deepest pages need a third of it in an ordinary build, and
+// Half of the usual stack of a program's first thread. The deepest pages need a third of it in an ordinary build, and
 // the language, which counts its own runs, finds enough left.
 constexpr uintptr_t kStackForPages = 4 << 20;  // bytes
 

@@ -6,7 +6,7 @@ struct Redrawable {
   virtual void redraw() = 0;  // draws what has been asked for; the object has left the queue
 
   Redrawable* nextDirty = nullptr;
-  Redrawable** dirtyLink = nullptr;  // the link of the queue that leads here; null outside the queue
+  Redrawable** dirtyLink = nullptr;  // the link of the queue that points here; null outside the queue
 
  protected:
   ~Redrawable() = default;

@@ -1,6 +1,6 @@
 // The number by which scripts' wrappers know something native.
 //
-// A wrapper holds the number and never a pointer. When what it stands for goes, the number is given up, and every
+// A wrapper holds the number and never a pointer. When the native thing goes, the number is released, and every
 // wrapper that has it is inactive.
 #pragma once
 

@@ -1,7 +1,7 @@
-// Timers: the only deferred work beside the redraw queue. Times are hostMilliseconds, unsigned and wrapping.
+// Timers: the only deferred work apart from the redraw queue. Times are hostMilliseconds, unsigned and wrapping.
 //
-// The armed bit of a one-shot timer stays set when it has fired, so destroying it later tells its callback once more
-// that it stopped.
+// The armed bit of a one-shot timer stays set when it has fired, so destroying it later calls its callback once more
+// to say that it stopped.
 #pragma once
 
 #include <cstdint>

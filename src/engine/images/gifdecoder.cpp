@@ -19,7 +19,7 @@ uint32_t little16(const uint8_t* p) { return uint32_t(p[0] | p[1] << 8); }
 
 int tableSize(uint8_t packed) { return 2 << (packed & 7); }
 
-// Collects indices into rows and hands each on when it is full, in the order of the passes.
+// Collects indices into rows and passes each on when it is full, in the order of the passes.
 class RowSink {
  public:
   RowSink(uint32_t w, uint32_t h, bool interlaced, const GifDecoder::Row& r)
@@ -32,7 +32,7 @@ class RowSink {
         y(pass->start) {}
 
   // Where the next `length` indices, up to kMaxCodes, are to be written; put() then takes them. They go straight into
-  // the row where that has room. There is always room for kHead.
+  // the row where that has space. There is always space for kHead.
   uint8_t* place(size_t length) { return length <= width - filled ? row.data() + filled : overhang.data(); }
   void put(const uint8_t* from, size_t length) {
     if (from != overhang.data()) return advance(length);
@@ -82,7 +82,7 @@ class Dictionary {
 
   // Gives the indices of the code to the sink, and defines the next code. False for a code that can't be.
   bool expand(int code, RowSink* sink) {
-    if (previous < 0) {  // the first behind a clear stands for itself
+    if (previous < 0) {  // the first after a clear means itself
       if (code >= clear) return false;
     } else {
       if (code > count || (code == count && count >= kMaxCodes)) return false;

@@ -22,7 +22,7 @@ enum class GifError {
 };
 
 struct GifImage {
-  int number = -1;  // from 0; -1 ahead of the first
+  int number = -1;  // from 0; -1 before the first
   uint32_t left, top, width, height;
   bool interlaced;
   int colorCount = 0;                  // of its own table or else of the global one; 0 for neither
@@ -63,5 +63,5 @@ class GifDecoder {
   GifImage current;
   std::array<uint32_t, 256> global{};
   int globalCount = 0;
-  int nextTransparent = -1;  // said ahead of the image that it is for
+  int nextTransparent = -1;  // announced before the image that it is for
 };

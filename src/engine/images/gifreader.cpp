@@ -35,8 +35,7 @@ HeapHandle gifRead(ImageCache& images, const char* name) {
       [&](uint32_t y, const uint8_t* indices, uint32_t count) {
         const CachedImage& target = images.image(image);
         if (y >= target.height) return;
-        std::copy_n(indices, std::min(count, target.width),
-                    images.writablePixels(image) + size_t{y} * target.rowBytes);
+        std::copy_n(indices, std::min(count, target.width), images.writablePixels(image) + size_t{y} * target.rowBytes);
       });
   if (error == GifError::none) return image;
   if (image) images.free(image);

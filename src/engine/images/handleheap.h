@@ -11,7 +11,7 @@
 
 using HeapHandle = uint32_t;  // offset of its slot; 0 for none
 
-// Repairs a payload that has moved by `distance` bytes: whatever it holds that leads into itself.
+// Repairs a payload that has moved by `distance` bytes: the offsets it holds into itself.
 using HeapRelocator = void (*)(uint8_t* payload, int32_t distance);
 
 class HandleHeap {

@@ -1,17 +1,13 @@
 #include "engine/images/imagecache.h"
 
 #include <cstring>
-#include <string>
 #include <utility>
 
-#include "engine/images/imagefiles.h"
 #include "engine/log.h"
 #include "gfx/foundation/hsascii.h"
 #include "host/host.h"
 
 namespace {
-
-constexpr size_t kNameBuffer = 136;  // a replaced extension is written into so many bytes, the end included
 
 void relocate(uint8_t* payload, int32_t distance) {
   auto* moved = reinterpret_cast<CachedImage*>(payload);
@@ -33,18 +29,6 @@ void ImageCache::init(void* memory, size_t size) {
   lruHead = lruTail = 0;
   cluts.clear();
   if (!heap.init(memory, size) && logVerbose) hostLog("Error allocating image cache\n");
-}
-
-CachedImage* ImageCache::get(const char* name) {
-  HeapHandle handle = find(name);
-  if (handle) {
-    unlink(handle);
-    append(handle);
-  } else {
-    hostLog("Loading image '%s'\n", name);
-    handle = load(name);
-  }
-  return handle ? &image(handle) : nullptr;
 }
 
 Clut* ImageCache::clut(const CachedImage& image) const { return image.clut ? cluts[image.clut - 1].clut : nullptr; }
@@ -82,6 +66,11 @@ void ImageCache::unlink(HeapHandle handle) {
   }
 }
 
+void ImageCache::touch(HeapHandle handle) {
+  unlink(handle);
+  append(handle);
+}
+
 void ImageCache::evict(int64_t need) {
   for (int64_t left = need; left >= 1 && lruHead;) {
     left -= image(lruHead).totalSize;
@@ -89,17 +78,7 @@ void ImageCache::evict(int64_t need) {
   }
 }
 
-// ---- loading
-
-HeapHandle ImageCache::load(const char* name) {
-  const char* dot = std::strrchr(name, '.');
-  if (!dot) return kpxRead(*this, name);
-  if (hsAsciiEqualIgnoringCase(dot, ".gif")) return gifRead(*this, name);
-  if (hsAsciiEqualIgnoringCase(dot, ".kpx")) return kpxRead(*this, name);
-  // The picture is kept under the name of the file, so the next look for this name reads it again.
-  const std::string file = std::string(name, dot) + ".kpx";
-  return kpxRead(*this, file.substr(0, kNameBuffer - 1).c_str());
-}
+// ---- allocating
 
 HeapHandle ImageCache::place(const char* name, uint64_t pixelBytes) {
   const size_t nameLength = std::strlen(name);
@@ -152,6 +131,4 @@ void ImageCache::free(HeapHandle handle) {
 }
 
 void imageCacheInit(void* memory, size_t size) { currentImages().init(memory, size); }
-CachedImage* imageGet(const char* name) { return currentImages().get(name); }
-bool imagePreload(const char* name) { return imageGet(name) != nullptr; }
 void imageCacheDump() { currentImages().dump(); }

@@ -8,11 +8,10 @@
 #include <memory>
 #include <vector>
 
-#include "engine/bounds.h"
 #include "engine/images/handleheap.h"
 #include "engine/screen/clut.h"
 
-// A picture in the cache. Its words lead into the block, so they are good until the next picture is loaded.
+// A picture in the cache. Its offsets lead into the block, so they hold until the next picture is loaded.
 struct CachedImage {
   uint32_t name;       // offset of the zero-terminated name, after the pixels
   uint32_t totalSize;  // width x height + length of the name + 33
@@ -40,8 +39,8 @@ class ImageCache {
   // Starts empty in a block that stays as long as the cache; one that is too small is logged and holds nothing.
   void init(void* memory, size_t size);
 
-  // The picture, loaded if it isn't there; null, after logging why, when it can't be.
-  CachedImage* get(const char* name);
+  HeapHandle find(const char* name) const;  // 0 when it isn't there
+  void touch(HeapHandle handle);            // as the one used last
   const uint8_t* pixels(const CachedImage& image) const { return heap.at(image.pixels); }
   Clut* clut(const CachedImage& image) const;  // or null
   void dump() const;                           // logs name and size of each
@@ -64,8 +63,6 @@ class ImageCache {
   };
 
   const char* nameOf(const CachedImage& image) const;
-  HeapHandle find(const char* name) const;
-  HeapHandle load(const char* name);
   HeapHandle place(const char* name, uint64_t pixelBytes);
   void evict(int64_t need);
   void append(HeapHandle handle);
@@ -79,10 +76,4 @@ class ImageCache {
 ImageCache& currentImages();  // of the engine that is current on this thread
 
 void imageCacheInit(void* memory, size_t size);
-CachedImage* imageGet(const char* name);
-bool imagePreload(const char* name);
 void imageCacheDump();
-
-// Draws the picture at rect's corner, from (offsetX, offsetY) in the picture on, cut to rect or tiled over it. A width
-// or height of 0 becomes what is left of the picture's. 1 if there is such a picture.
-int imageDraw(const char* name, int offsetX, int offsetY, Bounds* rect, bool tile);

@@ -1,7 +1,8 @@
-// Cached pictures on the screen.
+#include "engine/images/imagedraw.h"
+
 #include <algorithm>
 
-#include "engine/images/imagecache.h"
+#include "engine/images/imageload.h"
 #include "engine/screen/display.h"
 #include "gfx/foundation/hstypes.h"
 #include "gfx/pixel/hsgbitmap.h"
@@ -53,7 +54,7 @@ void eachTile(int start, int size, int from, int length, int screen, Piece&& pie
 
 int imageDraw(const char* name, int offsetX, int offsetY, Bounds* rect, bool tile) {
   ImageCache& images = currentImages();
-  const CachedImage* image = images.get(name);
+  const CachedImage* image = imageGet(name);
   if (!image) {
     hostLog(" -- not found\n");
     return 0;

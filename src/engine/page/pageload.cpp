@@ -64,7 +64,7 @@ class PageLoad {
   bool stale() const { return frame->gone || frame->generation != generation; }
   bool isTop() const { return frame->parent == nullptr; }
 
-  // A load that a page inside has overtaken has failed only if it left no page behind.
+  // A load that a page inside has overtaken has failed only if it left no page in the frame.
   int fail() {
     if (stale()) return !frame->gone && frame->pageData;
     frameUnload(frame);

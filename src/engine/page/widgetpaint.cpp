@@ -1,7 +1,7 @@
-// Painting what lies behind a widget's content, and the frame around a highlighted one.
+// Painting the background of a widget's content, and the frame around a highlighted one.
 #include <algorithm>
 
-#include "engine/images/imagecache.h"
+#include "engine/images/imagedraw.h"
 #include "engine/page/widget.h"
 #include "engine/screen/display.h"
 #include "gfx/foundation/hstypes.h"
@@ -41,8 +41,8 @@ void paintOwnBackground(Widget* widget, const Bounds& rect) {
   }
 }
 
-// Paints rect as it looks behind the widget's content: its own background, or that of the nearest widget around it
-// that has one, down to the transparent colour of the screen.
+// Paints rect as it looks under the widget's content: its own background, or that of the nearest widget around it that
+// has one, down to the transparent colour of the screen.
 void paintBehind(Widget* widget, const Bounds& rect) {
   while (!hasVisibleBackground(widget)) {
     if (!widget->parentWidget) return displayFillRect(rect, standardColor(kColorTransparent));

@@ -1,8 +1,8 @@
 // What has changed on the screen since the host last looked.
 //
-// The raster device tells its bounder of every draw just before it touches pixels. The tracker only remembers the union
-// and never vetoes a draw. It does not cut to the screen: displayFlush does, so that a draw that lies wholly outside
-// still counts as one and presents an empty rectangle.
+// The raster device reports every draw to its bounder just before it touches pixels. The tracker only remembers the
+// union and never vetoes a draw. It does not cut to the screen: displayFlush does, so that a draw that lies wholly
+// outside still counts as one and presents an empty rectangle.
 #pragma once
 
 #include "gfx/pixel/hsgbounder.h"

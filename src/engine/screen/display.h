@@ -1,7 +1,7 @@
 // The display surface: from integer rectangles and colours to the virtual screen's pixels.
 //
 // There is no double buffering: each operation draws straight into the frame buffer through the graphics library, and
-// hands what changed to the host before it returns.
+// passes what changed to the host before it returns.
 #pragma once
 
 #include <cstdint>
@@ -25,7 +25,7 @@ class DisplaySurface {
   int setDepth(int newDepth);
   int depth() const { return bitsPerPixel; }
 
-  // Hands the changed rectangle, cut to the screen, to the host; the whole screen when nothing was recorded.
+  // Passes the changed rectangle, cut to the screen, to the host; the whole screen when nothing was recorded.
   void flush();
 
   // Fills a rectangle in 16.16 with an engine colour, without a flush. One with an edge that is no number fills

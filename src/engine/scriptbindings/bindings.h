@@ -113,7 +113,7 @@ BobValue scriptWrapEvent(BobInterp* interp, const Event& event);
 BobValue scriptWrapStyle(BobInterp* interp, const TextStyle* style);  // around a copy
 const TextStyle* scriptStyleOf(BobInterp* interp, BobValue value);    // null for what is no style
 
-// What a wrapper's pointer, or a value, stands for; null for an inactive one. A script can give a Widget
+// The target of a wrapper's pointer, or of a value; null for an inactive one. A script can give a Widget
 // wrapper a target that is no widget (`initialize` is inherited): such a wrapper is inactive as a widget.
 Widget* scriptWidgetOf(void* pointer);
 Widget* scriptWidgetOf(BobInterp* interp, BobValue value);

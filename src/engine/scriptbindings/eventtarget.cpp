@@ -93,7 +93,7 @@ int ScriptHandler::fn(const Event* event) {
   BobInterp* interp = currentScripts().interp;
   BobValue result = kBobNil;
   bobTry(interp, [&] {
-    const BobValue wrapper = scriptWrapEvent(interp, *event);  // ahead of the callback, which it can move
+    const BobValue wrapper = scriptWrapEvent(interp, *event);  // before the callback is read, which it can move
     result = bobCall(bobRootScope(interp), callback, {wrapper});
   });
   return result != kBobNil;

@@ -32,7 +32,7 @@ class HostStream : public BobStream {
   HostFilePtr file;
 };
 
-// Files to be written have the very name that the script gives.
+// Files to be written have exactly the name that the script asks for.
 std::unique_ptr<BobStream> openScriptFile(const char* path, const char* mode) {
   if (std::string_view(mode).find_first_of("wa+") != std::string_view::npos)
     return currentScripts().mayWriteFiles ? bobOpenPlainFile(hostFullName(path).c_str(), mode) : nullptr;

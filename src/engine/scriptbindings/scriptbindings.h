@@ -39,8 +39,8 @@ std::unique_ptr<ScriptScope> scriptScopeCreate(Frame* frame);
 // Compiles and runs one statement in the frame's scope and prints its value to the console.
 void consoleEvaluate(Frame* frame, const char* text, uint32_t length);
 
-// For parts of the player beside the pages: a function that copies what it holds of the heap at each collection (0 when
-// there are ten already), and an object file run in the root scope (0 if an error arrived).
+// For parts of the player other than the pages: a function that copies what it holds of the heap at each collection (0
+// when there are ten already), and an object file run in the root scope (0 if an error arrived).
 int scriptRegisterRoot(void (*copyRoots)(BobInterp*, void* data), void* data);
 int scriptLoadStartupFile(const char* path);
 

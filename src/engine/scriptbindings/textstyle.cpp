@@ -58,7 +58,7 @@ bool readStyle(BobInterp* interp, const BobLocal& object, TextStyle* style) {
     style->bgColor = uint32_t(number);
     style->styleFlags |= kTextStyleBackground;
   }
-  // Kept in the same word as the background's colour; pages that give both get this one.
+  // Kept in the same word as the background's colour; a style with both keeps this one.
   if (findInteger(interp, object, "aliasCount", &number)) style->bgColor = uint32_t(number);
   BobValue ignored;
   if (findProperty(interp, object, "underline", &ignored)) style->styleFlags |= kTextStyleUnderline;

@@ -40,7 +40,7 @@ void releaseTimer(BobInterp* interp, BobValue wrapper) {
   bobReleaseHandle(interp, timer->handle);
 }
 
-// The timer behind a value, about to be started: it has its callback again.
+// The timer of a value, about to be started: it has its callback again.
 ScriptTimer* timerToStart(BobInterp* interp, BobValue self) {
   if (!bobIsOfKind(interp, self, currentScripts().timerKind)) return nullptr;
   auto* timer = static_cast<ScriptTimer*>(bobNativePointer(interp, self));

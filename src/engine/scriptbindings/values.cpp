@@ -24,7 +24,7 @@ void scriptComplain(const char* text) {
 }
 
 BobValue scriptWrapTarget(BobInterp* interp, uint32_t kind, EventTarget* target) {
-  // What has gone gets no handle again: nobody would give it up. Its wrapper is born inactive.
+  // What has gone gets no handle again: nobody would release it. Its wrapper is born inactive.
   if (!target->gone) target->scriptHandle.make(interp, target);
   const BobValue wrapper = bobMakeNative(interp, kind);
   bobHandleOf(interp, wrapper) = target->scriptHandle.number();

@@ -113,7 +113,7 @@ void setBackground(BobInterp* interp, BobValue self, BobValue value) {
   widgetSetBackground(widget, bobStringText(interp, value).data());
 }
 
-// The one property that says nothing about an inactive widget.
+// The one property that doesn't complain about an inactive widget.
 BobValue getHighlighted(BobInterp* interp, BobValue self) {
   const Widget* widget = scriptWidgetOf(interp, self);
   return bobBoolean(widget && widget->flags & kWidgetHighlighted);

@@ -1,6 +1,6 @@
 #include "engine/widgets/image.h"
 
-#include "engine/images/imagecache.h"
+#include "engine/images/imagedraw.h"
 
 namespace {
 

@@ -8,7 +8,7 @@ namespace {
 constexpr size_t kMostWords = 100;
 constexpr size_t kMostLines = 20;
 
-// Offsets of the first byte and of the one behind the last.
+// Offsets of the first byte and of the one after the last.
 struct Word {
   size_t start, end;
 };

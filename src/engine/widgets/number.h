@@ -11,7 +11,7 @@ struct NumberWidget : RangeWidget {
   int handleEvent(const Event* event) override;
 
   TextStylePair styles;
-  int32_t digits = 0;  // at least so many, with zeros in front; a negative count puts spaces behind instead
+  int32_t digits = 0;  // at least so many, with zeros in front; a negative count appends spaces instead
 };
 
 Widget* numberCreate(WidgetOwner* owner, Widget* parent, PageObject record);

@@ -33,7 +33,7 @@ void drawLine(const TextWidget* widget, const TextStyle& style, const char* text
   textDraw(text, widget->length, x, hsWrapAdd(top, ascent));
 }
 
-// Lines stand as far apart as the style's size says, whatever the font says.
+// The distance between lines is the style's size, whatever the font's own.
 void drawLines(const TextWidget* widget, const TextStyle& style, const char* text) {
   const std::vector<TextLine> lines = breakLines(style, {text, widget->length}, widget->bounds.w);
   int32_t width, height, ascent;

@@ -20,7 +20,7 @@ struct TextWidget : Widget {
   uint32_t length = 0;                 // bytes
   uint32_t maxLength = 0;              // bytes of the buffer
   char echoChar = 0;                   // shown in place of each entered byte; 0 shows the bytes
-  const char* value = nullptr;         // no zero behind it; null for no text
+  const char* value = nullptr;         // without a zero at its end; null for no text
   std::unique_ptr<char[]> ownedValue;  // what `value` points to when that isn't the page
   std::unique_ptr<char[]> echoBuffer;  // as long as the value, or null
 };

@@ -69,7 +69,7 @@ int moveSelection(TextContainerWidget* widget, int32_t delta) {
   return 1;
 }
 
-// By way of events, so that a page can have its own say. `more` tells whether the selection can go on that way.
+// By events, so that a page can handle them itself. `more` tells whether the selection can go on that way.
 int step(TextContainerWidget* widget, int32_t delta, bool more) {
   if (widget->selectedLine == 0) {
     eventSendSimple(widget, kScrollLines, uint32_t(delta));

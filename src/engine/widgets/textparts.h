@@ -3,8 +3,8 @@
 
 #include <optional>
 
-#include "engine/text/textstyle.h"
 #include "engine/page/widget.h"
+#include "engine/text/textstyle.h"
 
 // Copies of the styles that a widget's text takes. Each kind has its own rule for a highlighted widget without the
 // second one.
@@ -12,8 +12,8 @@ struct TextStylePair {
   std::optional<TextStyle> plain, highlighted;
 };
 
-// Those that textStyle and highlightTextStyle name. Nothing for one that is absent or, with a word in the log, that the
-// page hasn't got.
+// Those that textStyle and highlightTextStyle name. Nothing for one that is absent or, after logging it, that the page
+// doesn't have.
 TextStylePair widgetTextStyles(const Widget* widget);
 
 // The left edge of a piece of text, and the top edge of a block, in the box by a widgetAlign number; all in pixels.

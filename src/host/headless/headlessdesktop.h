@@ -1,5 +1,5 @@
-// A desktop without windows: a clock that moves only when told, keys given as the messages a keyboard would send,
-// console text and pixels to read. The same inputs give the same bytes.
+// A desktop without windows: a clock that moves only when asked, keys as the messages that a keyboard would send,
+// console text and pixels to read. The same inputs lead to the same bytes.
 #pragma once
 
 #include <string>

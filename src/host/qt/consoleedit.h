@@ -33,5 +33,5 @@ class ConsoleEdit : public QPlainTextEdit, public EditControl {
   int bytePosition(int documentPosition) const;
   int documentPosition(int bytePosition) const;
 
-  bool heldReturn = false;  // a CR that waits for what comes behind it
+  bool heldReturn = false;  // a CR that waits for what follows it
 };

@@ -33,10 +33,10 @@ QtDesktop::QtDesktop() {
   theDesktop = this;
   hsSetHaltProc([] { theDesktop->halt(); });
   sinceStart.start();
-  sinceTurn.start();
+  sinceStep.start();
   wakeUp.setSingleShot(true);
   wakeUp.setTimerType(Qt::PreciseTimer);
-  QObject::connect(&wakeUp, &QTimer::timeout, [this] { turn(); });
+  QObject::connect(&wakeUp, &QTimer::timeout, [this] { stepEngine(); });
 }
 
 QtDesktop::~QtDesktop() { hsSetHaltProc(nullptr); }
@@ -52,9 +52,9 @@ EditControl* QtDesktop::createConsole(const std::string& title, int width, int h
   consoleWindow->setWindowTitle(QString::fromStdString(title));
   edit = new ConsoleEdit(consoleWindow.get());
   edit->onEnter = [this](const std::function<void()>& breakLine) {
-    if (standsStill) return breakLine();
+    if (stopped) return breakLine();
     shell.consoleEnter(breakLine);
-    turn();
+    stepEngine();
   };
   consoleWindow->setCentralWidget(edit);
   consoleWindow->resize(width, height);
@@ -66,9 +66,9 @@ void QtDesktop::createScreen(const std::string& title, int, int) {
   screenWindow = std::make_unique<Window>();
   screenWindow->setWindowTitle(QString::fromStdString(title));
   screen = new ScreenWidget(shell, [this](const std::function<void()>& message) {
-    if (standsStill) return;
+    if (stopped) return;
     message();
-    turn();
+    stepEngine();
   });
   QMenu* menu = screenWindow->menuBar()->addMenu(kFileMenuTitle);
   for (const MenuItem& item : kFileMenu) {
@@ -78,9 +78,9 @@ void QtDesktop::createScreen(const std::string& title, int, int) {
     }
     QAction* action = menu->addAction(item.text);
     QObject::connect(action, &QAction::triggered, [this, command = item.command] {
-      if (standsStill && command != Command::exit) return;
+      if (stopped && command != Command::exit) return;
       shell.command(command);
-      turn();
+      stepEngine();
     });
   }
   screenWindow->setCentralWidget(screen);
@@ -92,36 +92,36 @@ void QtDesktop::invalidate(const DesktopRect& rect) { screen->update(rect.x, rec
 
 std::optional<std::string> QtDesktop::chooseFile(const std::string& title, const std::string& filterName,
                                                  const std::string& pattern) {
-  standsStill = true;
+  stopped = true;
   const QString filter = QString::fromStdString(filterName + " (" + pattern + ")");
   const QString folder = shell.folder.empty() ? QDir::currentPath() : QString::fromStdString(shell.folder.string());
   const QString path = QFileDialog::getOpenFileName(screenWindow.get(), QString::fromStdString(title), folder, filter);
-  standsStill = false;
+  stopped = false;
   if (path.isEmpty()) return std::nullopt;
   return QDir::toNativeSeparators(path).toStdString();
 }
 
 void QtDesktop::breathe() {
-  if (standsStill || sinceTurn.elapsed() < kBreathInterval) return;
-  standsStill = true;
+  if (stopped || sinceStep.elapsed() < kBreathInterval) return;
+  stopped = true;
   QApplication::processEvents();
-  standsStill = false;
-  sinceTurn.start();
+  stopped = false;
+  sinceStep.start();
   if (!consoleWindow->isVisible() || (screenWindow && !screenWindow->isVisible())) std::_Exit(0);
 }
 
 void QtDesktop::quit() { QApplication::quit(); }
 
 void QtDesktop::halt() {
-  standsStill = true;
+  stopped = true;
   if (*hsReportText() != '\0') shell.console->write(std::string(hsReportText()) + "\n");
   QEventLoop().exec();
   std::_Exit(0);
 }
 
-void QtDesktop::turn() {
-  if (standsStill) return;
-  sinceTurn.start();
+void QtDesktop::stepEngine() {
+  if (stopped) return;
+  sinceStep.start();
   shell.step();
   schedule();
 }

@@ -1,6 +1,6 @@
 // The previewer's desktop: a console window, a screen window, and wall time.
 //
-// The engine wants a step behind every message and whenever a timer is due. In between nothing visible can change, so
+// The engine needs a step after every message and whenever a timer is due. In between nothing visible can change, so
 // the program sleeps.
 #pragma once
 
@@ -30,14 +30,14 @@ class QtDesktop : public Desktop {
   void quit() override;
 
  private:
-  void turn();  // one step, then sleep until the next is due
+  void stepEngine();  // one step, then sleep until the next is due
   void schedule();
-  [[noreturn]] void halt();  // the engine stands still for ever; the windows go on
+  [[noreturn]] void halt();  // the engine stops for ever; the windows go on
 
   Shell shell{*this};
-  QElapsedTimer sinceStart, sinceTurn;  // since the windows last had their turn
+  QElapsedTimer sinceStart, sinceStep;  // since the windows were last served
   QTimer wakeUp;
-  bool standsStill = false;  // behind an open dialog, or for ever behind a halt
+  bool stopped = false;  // while a dialog is open, or for ever after a halt
   std::unique_ptr<QMainWindow> consoleWindow, screenWindow;
   ConsoleEdit* edit = nullptr;
   ScreenWidget* screen = nullptr;

@@ -7,7 +7,7 @@
 
 class ScreenWidget : public QWidget {
  public:
-  // `dispatch` takes each message and gives the engine a step behind it.
+  // `dispatch` receives each message and lets the engine step after it.
   using Dispatch = std::function<void(const std::function<void()>& message)>;
   ScreenWidget(Shell& shell, Dispatch dispatch);
 
