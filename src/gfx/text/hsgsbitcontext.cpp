@@ -239,7 +239,7 @@ void hsGSbitContext::GenerateMetrics(hsGGlyph* glyph) {
   hsRect rect = {glyph->fLeft, glyph->fTop, hsWrapAdd(glyph->fLeft, hsIntToFixed(entry.width)),
                  hsWrapAdd(glyph->fTop, hsIntToFixed(entry.height))};
   fResidual.MapRect(&rect, &rect);
-  // The size is rounded, the corner isn't: the image begins with the first of the strike's pixels wherever it stands.
+  // The size is rounded, the corner isn't: the image begins with the first of the strike's pixels wherever it is.
   glyph->fWidth = uint16_t(hsFixedRound(hsWrapSub(rect.fRight, rect.fLeft)));
   glyph->fHeight = uint16_t(hsFixedRound(hsWrapSub(rect.fBottom, rect.fTop)));
   glyph->fLeft = rect.fLeft;

@@ -41,7 +41,7 @@ class hsGSbitContext : public hsGScalerContext {
 
   hsRef<hsGFontT2K> fFont;
   uint32_t fDataOffset = 0, fDataLength = 0;  // of the bitmaps' table
-  std::vector<uint8_t> fLocation;             // the table that tells where they are
+  std::vector<uint8_t> fLocation;             // the table that says where they are
   uint32_t fStrike = 0;                       // offset of the chosen size record; 0 for none
   hsMatrix fResidual;                         // from the strike's pixels to the device
 };
