@@ -50,6 +50,35 @@ void WriteSfnts(const std::filesystem::path& folder) {
   packed.AddGlyph(Bytes().Words({-1, 3, 0, 10, 10}), 500, 3);
   packed.characters = {{'A', 0}};
   Write(folder / "packed", packed.Build().U8(0x11));
+
+  const auto changed = [&](const char* name, auto&& change) {
+    SfntBuilder font = Letters();
+    change(font);
+    Write(folder / name, font.Build().U8(0x9B));
+  };
+  changed("cmap_bytes", [](SfntBuilder& font) {
+    Bytes map = Bytes().Words({0, 262, 0});
+    for (int i = 0; i < 256; ++i) map.U8(i % 5);
+    font.tables["cmap"] = SfntBuilder::CmapTable({{{1, 0}, map}});
+  });
+  changed("cmap_array", [](SfntBuilder& font) {  // one segment whose glyphs come from the array, 0 among them
+    font.tables["cmap"] = SfntBuilder::CmapTable(
+        {{{3, 1}, Bytes().Words({4, 38, 0, 4, 4, 1, 0, 67, -1, 0, 65, -1, 3, 1, 4, 0, 1, 0, 2})}});
+  });
+  changed("cmap_outside", [](SfntBuilder& font) { font.tables["cmap"] = Bytes().Words({0, 1, 3, 1}).U32(0xFFFFFFF0); });
+  changed("composite_circle", [](SfntBuilder& font) {
+    font.AddGlyph(CompositeGlyph(Bytes().Words({0x02, 5, 0})), 500, 0);
+  });
+  changed("large_em", [](SfntBuilder& font) { font.upem = 16384; });
+  changed("odd_em", [](SfntBuilder& font) { font.upem = 999; });
+  changed("many_points", [](SfntBuilder& font) {  // more than a line of crossings has space for at first
+    std::vector<FontContour> combs;
+    for (int i = 0; i < 40; ++i) combs.push_back(RectContour(20 * i, 0, 20 * i + 10, 700));
+    font.characters['0'] = font.AddContours(combs, 900);
+  });
+  changed("far_points", [](SfntBuilder& font) {
+    font.characters['A'] = font.AddContours({{{-32768, -32768}, {32767, 0, false}, {0, 32767, false}, {5, 5}}}, 900);
+  });
 }
 
 void WriteType1s(const std::filesystem::path& folder) {
@@ -75,6 +104,53 @@ void WriteType1s(const std::filesystem::path& folder) {
   builder.encoding = "/Encoding 256 array\ndup 65 /A put\ndup 48 /acute put\nreadonly def\n";
   Write(folder / "hexadecimal", builder.Build());
   Write(folder / "plain", builder.PrivateText());
+
+  const auto program = [&](const char* name, const Bytes& glyph) {
+    Type1Builder font;
+    font.subrs = {op({0, 10}).U8(11), op({5, 6}).U8(11)};
+    font.glyphs = {{"A", glyph}};
+    Write(folder / name, font.PrivateText());
+  };
+  program("endless_call", op({0, 500, 13}).Add(op({0, 10})));
+  program("flex", op({0, 500, 13})
+                      .Add(op({0, 1, 12}))
+                      .U8(16)
+                      .Add(op({50, 50, 21}))
+                      .Add(op({0, 2, 12}))
+                      .U8(16)
+                      .Add(op({50, 0, 21}))
+                      .Add(op({0, 0, 12}))
+                      .U8(16)
+                      .U8(14));
+  program("division", op({100, 0, 12}).U8(12).Add(op({0, 500, 13})).U8(14));
+  program("full_stack", [&] {
+    Bytes glyph;
+    for (int i = 0; i < 40; ++i) glyph.Add(Type1Builder::Number(i * 1000));
+    return glyph.U8(5).U8(14);
+  }());
+  program("wide_bearing", op({100, 50, 600, 0, 12}).U8(7).Add(op({10, 5})).U8(9).U8(14));
+  program("accent_of_itself", op({0, 500, 13}).Add(op({0, 9, 9, 65, 65, 12})).U8(6));
+  builder.hexadecimal = false;
+  builder.lenIV = 0;
+  Write(folder / "no_lead_bytes", builder.Build());
+  builder.mark = "-|";
+  builder.head += "/FontBBox {-100 -200 1000 900} def\n";
+  Write(folder / "other_mark", builder.BuildPC());
+}
+
+void WritePacked(const std::filesystem::path& folder) {
+  Write(folder / "points", PackedPoints());
+  Write(folder / "composite", Bytes().Words({-1, 3, 0, 10, 10}));
+  Write(folder / "empty", Bytes().U16(0));
+  Write(folder / "cut_header", Bytes().U8(0));
+  Write(folder / "cut_points", Bytes(PackedPoints()).U16(0xFFFF));
+  Write(folder / "no_points", Bytes().U16(1).U8(0));
+  Write(folder / "most_contours", Bytes().U16(0x7FFF).U8(128));
+  Write(folder / "long_counts", Bytes().U16(2).U8(255).U8(255).U8(255).U8(255).U8(255));
+  Write(folder / "nested", Bytes().Words({-1, 0x23, 1, 5, 5, 3, 0, 10, 10}));
+  Write(folder / "scaled", Bytes().Words({-1, 0x8B, 2, 0x1020, 0x3000, 100, -100, 0x3000}));
+  for (int first : {0x4000, 0x8000, 0xC000})  // a contour that begins in each of the layouts of a point
+    Write(folder / ("begins_" + std::to_string(first >> 14)), Bytes().U16(1).U8(3).Words({first, first, first}).U8(64));
 }
 
 }  // namespace
@@ -84,7 +160,5 @@ int main(int argc, char** argv) {
   const std::filesystem::path corpus = argv[1];
   WriteSfnts(corpus / "t2k_sfnt");
   WriteType1s(corpus / "t2k_type1");
-  Write(corpus / "t2k_packed" / "points", PackedPoints());
-  Write(corpus / "t2k_packed" / "composite", Bytes().Words({-1, 3, 0, 10, 10}));
-  Write(corpus / "t2k_packed" / "empty", Bytes().U16(0));
+  WritePacked(corpus / "t2k_packed");
 }
