@@ -1,7 +1,7 @@
 // Characters to glyph numbers.
 //
 // The map that a font is read by is always chosen for platform 3, encoding 1 first, whatever platform its opener
-// prefers; behind that a format 0 map goes ahead of a format 6 map and that ahead of a format 4 map of any platform.
+// prefers; after that a format 0 map goes before a format 6 map and that before a format 4 map of any platform.
 #pragma once
 
 #include "t2k/t2kstrm.h"

@@ -67,7 +67,7 @@ int StrikeLine(tsiMemObject* mem, Crossing* line, int count) {
   return left;
 }
 
-// Deals crossings out to their lines as they come. A line without room counts on and writes over what it has.
+// Deals crossings out to their lines as they come. A line without space counts on and writes over what it has.
 template <int kRoom>
 class CrossingTable::LineSink {
  public:
@@ -87,7 +87,7 @@ class CrossingTable::LineSink {
       entry[used & (kRoom - 1)] = MakeCrossing(next(), kind);
     }
   }
-  // A crossing that isn't one is written down too, behind those that count.
+  // A crossing that isn't one is written down too, after those that count.
   void AddIf(bool vertical, int32_t number, int32_t along, uint32_t kind, int32_t is) {
     const int slot = number - (vertical ? lowColumn_ : lowRow_);
     const int32_t used = count_[slot];

@@ -32,9 +32,9 @@ class CrossingTable {
   CrossingTable(const GlyphClass& glyph, const CrossingBounds& box, int oversample);
 
   // To be called once, before anything below: puts every line in order and strikes out what lies inside overlapping
-  // contours. painter gets each line that has spans as soon as it stands, Enter<kVertical>(spans), and starts anew on
-  // Restart(). With exactSpans the spans are those of the engine's own order of crossings that share a place; without,
-  // two spans that touch may be one or the other way about, which sums of coverage don't show.
+  // contours. painter gets each line that has spans as soon as it is complete, Enter<kVertical>(spans), and starts anew
+  // on Restart(). With exactSpans the spans are those of the engine's own order of crossings that share a place;
+  // without, two spans that touch may be one or the other way about, which sums of coverage don't show.
   template <class Painter>
   void Settle(bool exactSpans, Painter& painter) {
     if (SettleAll(exactSpans, painter)) return;
@@ -83,7 +83,7 @@ class CrossingTable {
     }
   };
 
-  static constexpr int kLineRoom = 16;      // crossings that a line has room for at first, less one
+  static constexpr int kLineRoom = 16;      // crossings that a line has space for at first, less one
   static constexpr int kMoreRoom = 64;      // and when that isn't enough
   static constexpr int kInlineLines = 256;  // enough for most glyphs
 

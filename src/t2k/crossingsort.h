@@ -35,9 +35,9 @@ inline bool SortFew(Crossing* c) {
 
 bool SortMany(Crossing* c, int count);
 
-// Whether it matters in which order crossings of two kinds at one place stand. It does where the second of them would
+// Whether it matters in which order crossings of two kinds at one place come. It does where the second of them would
 // end one span and the first begin another, or the other way about, and where they are more than two.
 bool IsUndecided(const Crossing* c, int count);
 
-// A crossing at which the winding rises above one lies inside, and so does the one behind it. Gives what is left.
+// A crossing at which the winding rises above one lies inside, and so does the one after it. Returns what is left.
 int StrikeLine(tsiMemObject* mem, Crossing* line, int count);

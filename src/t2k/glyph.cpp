@@ -20,7 +20,7 @@ constexpr uint8_t kRepeat = 0x08;
 constexpr uint8_t kXSameOrPositive = 0x10;
 constexpr uint8_t kYSameOrPositive = 0x20;
 
-// A glyph with room for its arrays in the same block, which is enough for most.
+// A glyph with space for its arrays in the same block, which is enough for most.
 struct RoomyGlyph {
   static constexpr int kContours = 12;
   static constexpr int kPoints = 64;
@@ -44,7 +44,7 @@ void FreeScaled(GlyphClass* glyph, int32_t* array) {
   if (array != RoomOf(glyph)->scaled) tsi_DeAllocMem(glyph->mem, array);
 }
 
-// The three arrays in font units lie one behind the other: oox, ooy, onCurve.
+// The three arrays in font units lie one after the other: oox, ooy, onCurve.
 void SetPointArrays(GlyphClass* glyph, void* block, int pointMax) {
   glyph->pointCountMax = pointMax;
   glyph->oox = static_cast<int16_t*>(block);

@@ -1,8 +1,8 @@
 // The outline of one glyph, from font units to scaled points.
 //
-// Behind its last point a glyph keeps two phantom points: the left side bearing point and the advance point. They
+// After its last point a glyph keeps two phantom points: the left side bearing point and the advance point. They
 // travel with the outline through grid fitting and transformation, and their distance afterwards is the advance.
-// A glyph with a negative contour count is a composite: it has no points but the phantoms, and its entries stand raw
+// A glyph with a negative contour count is a composite: it has no points but the phantoms, and its entries are kept raw
 // in componentData for the renderer to walk.
 #pragma once
 
@@ -28,7 +28,7 @@ struct GlyphClass {
   tsiMemObject* mem;
   int curveType;  // 2: quadratic, 3: cubic
   int contourCountMax;
-  int pointCountMax;  // without the phantoms, which have room of their own; -1 before there is any
+  int pointCountMax;  // without the phantoms, which have space of their own; -1 before there is any
   int16_t contourCount;
   int16_t pointCount;
   int16_t* sp;  // first and last point of each contour
@@ -73,7 +73,7 @@ class GlyphHolder {
 
 // The functions below throw tsiError.
 
-// A glyph with nothing in it and room for nothing yet, not even the phantoms.
+// A glyph with nothing in it and space for nothing yet, not even the phantoms.
 GlyphClass* NewGlyph(tsiMemObject* mem);
 // No contours, the two phantoms only.
 GlyphClass* NewEmptyGlyph(tsiMemObject* mem, GlyphMetrics metrics);
@@ -82,7 +82,7 @@ GlyphClass* ReadTrueTypeGlyph(InputStream& in, bool readHints, GlyphMetrics metr
 // The same for the packed layout.
 GlyphClass* ReadPackedGlyph(InputStream& in, GlyphMetrics metrics);
 
-// Makes or grows the arrays so that there is room for so many points and the phantoms (or contours) altogether.
+// Makes or grows the arrays so that there is space for so many points and the phantoms (or contours) altogether.
 void ReservePoints(GlyphClass* glyph, int points);
 void ReserveContours(GlyphClass* glyph, int contours);
 
@@ -96,5 +96,5 @@ void AllocScaledPoints(GlyphClass* glyph);
 
 // Joins a scaled component to the scaled result so far, which is null at first. With kArgsAreOffset the arguments are
 // an offset in 26.6, otherwise a point number of the result and one of the part that are to coincide. Both glyphs
-// belong to this call, which gives the new result: at first that is the part itself.
+// belong to this call, which returns the new result: at first that is the part itself.
 GlyphClass* MergeComponent(GlyphClass* result, GlyphClass* part, uint16_t flags, int32_t argument1, int32_t argument2);

@@ -1,8 +1,8 @@
 // Grey coverage on its way from spans to pixels.
 //
-// A span adds to the pixel it begins in the part that lies beyond its begin, and to all pixels behind it a whole unit;
+// A span adds to the pixel it begins in the part that lies beyond its begin, and to all pixels after it a whole unit;
 // where it ends both are taken off again. Each end is thus one entry into the cell of its pixel: the part, and the unit
-// for the pixels behind. Rows and columns have cells of their own and give half of the coverage each. Sums finally run
+// for the pixels after. Rows and columns have cells of their own and give half of the coverage each. Sums finally run
 // along rows and up columns.
 #pragma once
 
@@ -66,7 +66,7 @@ class GreyCells {
 
  private:
   // The part in the low byte and the unit above it, both signed: the part's sign borrows from the unit. A pixel's parts
-  // come to 60 at the most, since on one line they rise and fall by turns.
+  // come to 60 at the most, since on one line rising and falling alternate.
   using Cell = int16_t;
   static constexpr int kUnit = kGreyFull / (2 * kOversample);
   static constexpr int kLanes = 8;  // columns that are summed at once

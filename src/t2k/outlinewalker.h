@@ -1,8 +1,16 @@
 // Walks a scaled outline and finds where it crosses the centre lines of the pixel grid.
 //
-// Centre lines run at 32 + 64k in 26.6. The ends of every line piece are forced odd, so none lies on a centre line and
-// a closed contour crosses each of them as often one way as the other. Curves are halved until they are flat, and
-// pieces that touch no centre line are passed over.
+// Centre lines run at 32 + 64k in 26.6, so number k is the one through the middle of pixel k. Curves are halved until
+// they are flat, and pieces that touch no centre line are passed over.
+//
+// The invariant that everything above relies on: the ends of every line piece are forced odd, so none lies on a centre
+// line (32 + 64k is even), a piece crosses the lines between its ends and no others, and a closed contour crosses each
+// line as often one way as the other.
+//
+// An example: the piece from (10, 20) to (100, 50) becomes (11, 21) to (101, 51). Of the vertical lines 32, 96, 160 it
+// crosses those at 32 and 96, numbers 0 and 1, with x growing; of the horizontal ones it crosses 32, number 0, with y
+// growing. Where it meets x = 32 is y = 21 + 30 * (32 - 11) / 90 = 21 + 630 / 90 = 28. Lines are 64 apart, so the next
+// is 30 * 64 / 90 = 21 higher, with a remainder of 30 carried along: y = 49 at x = 96.
 #pragma once
 
 #include <algorithm>
@@ -37,7 +45,7 @@ inline int32_t SmallQuotientOf(int32_t dividend, uint32_t divisor) {
   return int32_t(int64_t{dividend} * kReciprocal[divisor] >> 32) - (dividend >> 31);
 }
 
-// Beyond this a line is reckoned by a halved, coarser slope, and its crossings can lie a little beyond its ends.
+// Beyond this a line is computed by a halved, coarser slope, and its crossings can lie a little beyond its ends.
 inline constexpr int32_t kLongSpan = 32768;
 
 inline constexpr int kMaxCurveDepth = 16;  // 32 bits of error, two less at each halving

@@ -17,7 +17,7 @@ constexpr int kNoAscent = 32767;
 constexpr int kNoDescent = -32767;
 constexpr int kDefaultAscent = 750;
 constexpr int kDefaultDescent = -250;
-constexpr uint32_t kSubrMarkReach = 16;  // bytes behind a subroutine's number in which its mark must stand
+constexpr uint32_t kSubrMarkReach = 16;  // bytes after a subroutine's number in which its mark must lie
 
 using CodeOfName = std::unordered_map<std::string_view, uint16_t>;
 
@@ -116,7 +116,7 @@ void BuildGlyphList(T1Class* t) {
   }
 }
 
-// The first "RD " or "-| " of which all three bytes stand within reach; null if there is none.
+// The first "RD " or "-| " of which all three bytes lie within reach; null if there is none.
 const uint8_t* FindSubrMark(const uint8_t* at, const uint8_t* end) {
   end = std::min(end, at + std::min<std::ptrdiff_t>(end - at, kSubrMarkReach + 3));
   for (; end - at >= 3; ++at) {

@@ -25,12 +25,12 @@ struct hmtxClass;
 
 struct T1Class {
   tsiMemObject* mem;
-  uint8_t* dataInPtr;  // the font's bytes, decrypted behind eexecGO
+  uint8_t* dataInPtr;  // the font's bytes, decrypted after eexecGO
   uint32_t dataLen;
   uint32_t eexecGO;         // where the private portion begins
   uint32_t charstringsGO;   // where the glyph programs begin
   int lenIV;                // bytes in front of each program
-  const uint8_t* encoding;  // text behind "/Encoding ", or null
+  const uint8_t* encoding;  // text after "/Encoding ", or null
 
   int NumCharStrings;
   uint16_t* charCode;   // code of each glyph, 65535 if it has none; one block with adobeCode
@@ -77,9 +77,9 @@ uint16_t tsi_T1GetGlyphIndex(const T1Class* t, uint32_t code);  // 0 if no glyph
 void tsi_T1GetMetrics(const T1Class* t, int32_t* ascent, int32_t* descent, int32_t* lineGap, int32_t* maxAdvance,
                       int32_t* caretRise, int32_t* caretRun);
 
-// For opening: the next two are the steps of it that stand in files of their own.
+// For opening: the next two are the steps of it that have files of their own.
 
-// Decrypts in place from begin on; gives where the plain bytes end.
+// Decrypts in place from begin on; returns where the plain bytes end.
 uint32_t DecryptEexec(tsiMemObject* mem, uint8_t* bytes, uint32_t begin, uint32_t length);
 // Runs a glyph's program: outline, side bearing and width. The glyph belongs to the caller.
 GlyphClass* RunGlyphProgram(T1Class* t, int32_t index);

@@ -27,7 +27,7 @@ class Cipher {
 };
 
 // Turns eexec's bytes, one after the other, into plain ones. It watches what it writes for " RD " or " -| ": the number
-// ahead of it says how many bytes behind it are a program, which has a second layer.
+// before it says how many bytes after it are a program, which has a second layer.
 class EexecReader {
  public:
   explicit EexecReader(uint8_t* out) : begin_(out), out_(out) {}
@@ -63,7 +63,7 @@ int HexValue(uint8_t c) {
   return -1;
 }
 
-// The next hexadecimal digit's value behind blanks, or -1.
+// The next hexadecimal digit's value after blanks, or -1.
 int NextHexDigit(const uint8_t* bytes, uint32_t* at, uint32_t length) {
   while (*at < length && (bytes[*at] == ' ' || bytes[*at] == '\n' || bytes[*at] == '\r' || bytes[*at] == '\t')) ++*at;
   return *at < length ? HexValue(bytes[(*at)++]) : -1;

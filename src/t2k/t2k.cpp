@@ -57,7 +57,7 @@ void SetScaledMetrics(T2K* t) {
   t->numGlyphs = GetNumGlyphs(t->font);
 }
 
-// The character behind another one: its advance with the kerning ahead of it, and that kerning.
+// The character after another one: its advance with the kerning before it, and that kerning.
 struct KernedAdvance {
   int32_t advance, kern;
 };

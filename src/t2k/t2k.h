@@ -90,7 +90,7 @@ void DeleteT2K(T2K* t, int* errCode);
 void T2K_NewTransformation(T2K* t, bool doSetUpNow, int xRes, int yRes, const T2KMatrix* matrix, int* errCode);
 
 // Renders a character, or a glyph by its index, under cmd (T2KCommand bits). greyScaleLevel 0 is monochrome, 1 to 5
-// grey with so many lines a pixel; the pen may stand xFracPenDelta, yFracPenDelta (0..63, 26.6) beyond its pixel.
+// grey with so many lines a pixel; the pen may lie xFracPenDelta, yFracPenDelta (0..63, 26.6) beyond its pixel.
 void T2K_RenderGlyph(T2K* t, int32_t code, int xFracPenDelta, int yFracPenDelta, int greyScaleLevel, int cmd,
                      int* errCode);
 
@@ -98,7 +98,7 @@ void T2K_RenderGlyph(T2K* t, int32_t code, int xFracPenDelta, int yFracPenDelta,
 void T2K_PurgeMemory(T2K* t, int level, int* errCode);
 
 // The advance of count 16-bit characters with kerning, 16.16 pixels; the first is kerned against a blank. kernOut, if
-// given, gets the kerning ahead of each character in font units. 0 on failure.
+// given, gets the kerning before each character in font units. 0 on failure.
 hsFixed T2K_MeasureTextInX(T2K* t, const uint16_t* text, int16_t* kernOut, uint32_t count);
 
 // 0 for a character without a glyph, and on failure.

@@ -78,7 +78,7 @@ void PaintMono(const tsiScanConv& sc, const CrossingTable& crossings, const Cros
   });
 }
 
-// Where two neighbours hold between them a little more than one full pixel, both give three eighths of the excess.
+// Where two neighbours hold between them a little more than one full pixel, both lose three eighths of the excess.
 void SharpenGrey(const tsiScanConv& sc) {
   for (int y = 0; y < sc.Height(); ++y) {
     uint8_t* row = sc.baseAddr + y * sc.rowBytes;

@@ -137,7 +137,7 @@ void RenderSimple(const RenderCall& call, GlyphClass* glyph, bool isFigure) {
 }
 
 // The scale that a component is rendered at: the composite's own pixel sizes times the entry's scale. What the
-// composite is transformed by behind them comes later, when it is whole.
+// composite is transformed by after them comes later, when it is whole.
 T2KScale ScaleOfComponent(const T2K* t, const T2KScale& composite, const ComponentEntry& entry) {
   if (!entry.hasScale) {
     T2KScale plain = composite;

@@ -7,7 +7,7 @@
 
 namespace {
 
-// Coordinates within this leave room for oversampling.
+// Coordinates within this leave space for oversampling.
 constexpr int32_t kCoordinateLimit = 1 << 24;
 // A shape whose points spread further than this has no bitmap, whatever its curves do.
 constexpr int32_t kSpreadLimit = 2 * kMaxBitmapSide * 64;

@@ -1,4 +1,4 @@
-// A scaler's pixel sizes and the transformation that remains behind them, as one value that can be set and put back.
+// A scaler's pixel sizes and the transformation that remains after them, as one value that can be set and put back.
 #pragma once
 
 #include "gfx/foundation/hsfixed.h"

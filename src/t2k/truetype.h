@@ -93,7 +93,7 @@ struct sfntClass {
   hmtxClass* hmtx;
   cmapClass* cmap;
   kernClass* kern;
-  uint16_t preferedPlatformID;  // 65535: none told. They choose no map: see ReadCmap
+  uint16_t preferedPlatformID;  // 65535: none set. They choose no map: see ReadCmap
   uint16_t preferedPlatformSpecificID;
   T2KStyling styling;
   InputStream* in;  // the caller's

@@ -5,7 +5,7 @@
 
 namespace {
 
-// Around each block: magic and size ahead of it, two bytes behind it.
+// Around each block: magic and size before it, two bytes after it.
 constexpr uint32_t kBlockMagic = 0xAA53C5AA;
 constexpr uint8_t kTail[2] = {0x5A, 0xF0};
 constexpr uint32_t kHeadBytes = 8;

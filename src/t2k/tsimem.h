@@ -14,7 +14,7 @@
 #include <new>
 #include <utility>
 
-// Error codes, as every errCode argument gives them; 0 is success.
+// Error codes, as every errCode argument reports them; 0 is success.
 enum tsiErrorCode : int {
   kT2KNullHandler = 10000,       // null memory handler at an entry
   kT2KNullMatrix = 10001,        // null transformation matrix
@@ -71,7 +71,7 @@ tsiMemObject* tsi_NewMemhandler(int* errCode);
 // Frees the handler and whatever is still in it. Null is ignored.
 void tsi_DeleteMemhandler(tsiMemObject* mem);
 
-// The three below throw tsiError. A size of 0 gives a block; null blocks are ignored (reallocated: stay null). Blocks
+// The three below throw tsiError. A size of 0 makes a block; null blocks are ignored (reallocated: stay null). Blocks
 // are aligned to 8 bytes and not zeroed.
 void* tsi_AllocMem(tsiMemObject* mem, uint32_t size);
 void* tsi_ReAllocMem(tsiMemObject* mem, void* block, uint32_t size);
@@ -142,7 +142,7 @@ class tsiBuffer {
   tsiBuffer(const tsiBuffer&) = delete;
   tsiBuffer& operator=(const tsiBuffer&) = delete;
 
-  // Makes room anew; what was there is lost.
+  // Allocates anew; what was there is lost.
   void Renew(uint32_t count) {
     Drop();
     if (count > kInline) data_ = tsi_NewArray<T>(mem_, count);
@@ -161,7 +161,7 @@ class tsiBuffer {
   T inline_[kInline];
 };
 
-// Runs the body of a public entry and turns what it throws into a code. A font that has failed before answers its old
+// Runs the body of a public entry and makes a code of what it throws. A font that has failed before answers its old
 // code at once. The result is the body's, or a default one (null, 0) on failure.
 template <class Body>
 auto tsi_Enter(tsiMemObject* mem, int* errCode, Body body) -> decltype(body()) {

@@ -20,7 +20,7 @@ class ThrowOnHalt {
   hsHaltProc before;
 };
 
-// Notes the reports and returns: to walk the recovery behind a check.
+// Notes the reports and returns: to walk the recovery after a check.
 class ReturnOnHalt {
  public:
   ReturnOnHalt() : before(hsSetHaltProc([] { Reports().push_back(hsReportText()); })) { Reports().clear(); }

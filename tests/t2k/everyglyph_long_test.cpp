@@ -1,4 +1,4 @@
-// Every glyph of real fonts at ten sizes, monochrome and grey: no error, nothing left behind, and as much ink as the
+// Every glyph of real fonts at ten sizes, monochrome and grey: no error, nothing left allocated, and as much ink as the
 // outline has area.
 #include <gtest/gtest.h>
 
@@ -130,7 +130,7 @@ double InkOf(const T2K* t, bool isGrey) {
 
 class EveryGlyph : public testing::TestWithParam<SystemFont> {};
 
-// A centre line tells nothing of what lies between it and its neighbours, so ink and area differ by a share of the
+// A centre line says nothing of what lies between it and its neighbours, so ink and area differ by a share of the
 // outline's length: up to half a line's strip along the edges that run with the lines, in either half of a grey
 // pixel's coverage. Cutting to whole values adds a little. In monochrome either end of a row rounds to a whole pixel.
 double SlackFor(int level, double length) { return level ? 1 + length * (0.25 / level + 0.03) : 2 + length * 0.5; }

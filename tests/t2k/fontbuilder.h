@@ -32,7 +32,7 @@ FontContour Reversed(FontContour contour);
 
 // A glyf entry with plain 16-bit deltas.
 Bytes SimpleGlyph(const std::vector<FontContour>& contours);
-// Composite entries, ready made, behind a composite's head.
+// Composite entries, ready made, after a composite's head.
 Bytes CompositeGlyph(const Bytes& entries);
 
 class SfntBuilder {

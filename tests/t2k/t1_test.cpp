@@ -51,7 +51,7 @@ std::string OutlineOf(OpenFont& f, int index) {
   return err ? "error " + std::to_string(err) : text;
 }
 
-// Runs a program behind "20 500 hsbw".
+// Runs a program after "20 500 hsbw".
 std::string Outline(const Bytes& program, const std::vector<Bytes>& subrs = {}, const std::string& privateHead = "") {
   Type1Builder builder;
   builder.subrs = subrs;

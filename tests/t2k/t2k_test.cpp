@@ -351,7 +351,7 @@ TEST(Measure, SumsAdvancesAndKerningThroughTheCache) {
   EXPECT_EQ(T2K_MeasureTextInX(f.t, more, nullptr, 0), 0);
 }
 
-// Bytes of a sound font changed at random: whatever happens, it ends with a code and nothing left behind.
+// Bytes of a sound font changed at random: whatever happens, it ends with a code and nothing left allocated.
 TEST(Damage, ChangedBytesEndInACodeAndNoLeak) {
   std::mt19937 random(8);
   SfntBuilder builder = LettersFont();

@@ -352,8 +352,8 @@ FontContour RandomContour(std::mt19937& random, bool cubic, int reach, int grain
 }
 
 // Random shapes, many of them overlapping themselves. A coarse grain makes edges that touch, and so crossings that
-// share a place; a great reach makes large bitmaps; many contours make lines with more crossings than their first room,
-// and very many ones with more than their second.
+// share a place; a great reach makes large bitmaps; many contours make lines with more crossings than their first
+// space, and very many ones with more than their second.
 TEST_F(ScanConverter, AgreesWithThePlainModelOnRandomShapes) {
   std::mt19937 random(20);
   for (int round = 0; round < 1500; ++round) {
@@ -368,7 +368,7 @@ TEST_F(ScanConverter, AgreesWithThePlainModelOnRandomShapes) {
   }
 }
 
-// The slope of a long line is reckoned so coarsely that its last crossing lies a pixel below both of its ends.
+// The slope of a long line is computed so coarsely that its last crossing lies a pixel below both of its ends.
 TEST_F(ScanConverter, ALongLineMayCrossBeyondItsEnds) {
   const FontContour wedge = {{0, 62}, {130000, 0}, {130000, 62}};
   for (int level = 0; level <= 5; ++level) EXPECT_EQ(Draw({wedge}, level), PlainModel({wedge}, 2, level).Draw());

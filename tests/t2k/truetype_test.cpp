@@ -7,7 +7,7 @@
 
 namespace {
 
-// A glyph's points in font units, "x,y" with a "*" off the curve; the two phantoms behind a bar.
+// A glyph's points in font units, "x,y" with a "*" off the curve; the two phantoms after a bar.
 std::string PointsOf(const GlyphClass* glyph) {
   std::string text;
   for (int i = 0; i < glyph->pointCount + 2; ++i) {
@@ -290,7 +290,7 @@ TEST(Cmap, ChoosesByRounds) {
     return T2K_GetGlyphIndex(f.t, 'A') + f.mem->failedCode;
   };
   EXPECT_EQ(glyphOfA({{{1, 0}, format0(1)}, {{3, 1}, format4(2)}}), 2);
-  EXPECT_EQ(glyphOfA({{{0, 3}, format4(1)}, {{1, 0}, format0(2)}}), 2);  // format 0 ahead of a foreign format 4
+  EXPECT_EQ(glyphOfA({{{0, 3}, format4(1)}, {{1, 0}, format0(2)}}), 2);  // format 0 before a foreign format 4
   EXPECT_EQ(glyphOfA({{{0, 3}, format4(1)}, {{1, 0}, format6(2)}}), 2);
   EXPECT_EQ(glyphOfA({{{3, 0}, format4(1)}, {{0, 3}, format4(2)}}), 1);
   EXPECT_EQ(glyphOfA({{{3, 1}, format2}, {{3, 0}, format4(2)}}), 2);
@@ -305,7 +305,7 @@ TEST(Cmap, Format4WalksSegmentsAndKeepsNoHoleForGlyph0) {
   map.Words({20, 40, 0xFFFF, 0});  // ends
   map.Words({18, 30, 0xFFFF});     // starts
   map.Words({5, 100, 1});          // deltas
-  map.Words({6, 0, 0});            // ranges: the array lies 6 bytes behind the first of them
+  map.Words({6, 0, 0});            // ranges: the array lies 6 bytes after the first of them
   map.Words({7, 0, 65534});        // glyphs of 18, 19, 20
   SfntBuilder builder = LettersFont();
   builder.tables["cmap"] = SfntBuilder::CmapTable({{{3, 1}, map}});

@@ -19,20 +19,20 @@ class hsAppender {
   int32_t Count() const { return fCount; }
   int32_t ElemSize() const { return fElemSize; }
 
-  // One element more at an end, copied from data unless that is nil. Gives its address, good until it is popped.
+  // One element more at an end, copied from data unless that is null. Gives its address, good until it is popped.
   void* Prepend(const void* data = nullptr);
   void* Append(const void* data = nullptr);
   void Append(int32_t count, const void* data);
 
-  void* PeekHead() const;  // nil when empty
-  // False when empty. data may be nil.
+  void* PeekHead() const;  // null when empty
+  // False when empty. data may be null.
   bool PopHead(void* data);
   bool PopTail(void* data);
-  // Up to count elements; gives how many there were.
+  // Up to count elements; returns how many there were.
   int32_t PopHead(int32_t count, void* data);
 
   void Reset();
-  // All elements in order; gives their size in bytes, which is all it does without a buffer.
+  // All elements in order; returns their size in bytes, which is all it does without a buffer.
   int32_t CopyTo(void* buffer) const;
 
  private:
@@ -44,8 +44,8 @@ class hsAppender {
     Block* fNext;
     Block* fPrev;
     char* fBegin;  // first occupied byte
-    char* fEnd;    // behind the last occupied byte
-    char* fStop;   // behind the storage, which follows the block
+    char* fEnd;    // after the last occupied byte
+    char* fStop;   // after the storage, which follows the block
 
     char* Storage() { return reinterpret_cast<char*>(this + 1); }
     int32_t Size() const { return int32_t(fEnd - fBegin); }
@@ -77,10 +77,10 @@ class hsAppenderIterator {
   explicit hsAppenderIterator(const hsAppender* appender) { Reset(appender); }
   void Reset(const hsAppender* appender);
 
-  void* Next();  // nil when there is no more
+  void* Next();  // null when there is no more
   bool Next(void* data);
-  int32_t Next(int32_t count, void* data);  // gives how many were copied
-  // What is left of the current block, and how many elements that is; nil and 0 at the end.
+  int32_t Next(int32_t count, void* data);  // returns how many were copied
+  // What is left of the current block, and how many elements that is; null and 0 at the end.
   void* NextBlock(int32_t* count);
 
  private:
@@ -103,5 +103,5 @@ class hsAppenderReverseIterator {
  private:
   const hsAppender* fAppender = nullptr;
   hsAppender::Block* fBlock = nullptr;
-  char* fElem = nullptr;  // behind the element to come
+  char* fElem = nullptr;  // after the element to come
 };

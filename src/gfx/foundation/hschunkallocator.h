@@ -13,10 +13,10 @@ class hsChunkAllocator {
   hsChunkAllocator(const hsChunkAllocator&) = delete;
   hsChunkAllocator& operator=(const hsChunkAllocator&) = delete;
 
-  // A piece of size bytes, with a copy of data in it unless that is nil. A size above the chunk size raises the chunk
+  // A piece of size bytes, with a copy of data in it unless that is null. A size above the chunk size raises the chunk
   // size for good. Throws std::bad_alloc when there is no memory.
   void* Allocate(int32_t size, const void* data = nullptr);
-  // nil when there is no memory.
+  // null when there is no memory.
   void* SoftAllocate(int32_t size, const void* data = nullptr);
   void Reset();
 

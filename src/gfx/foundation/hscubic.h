@@ -18,7 +18,7 @@ class hsCubic {
 
   static void QuadToCubic(const hsPoint src[3], hsPoint dst[4]);
 
-  // Where the coordinate turns: how many such t there are, 0 < t < 1.0, ascending.
+  // Where the coordinate changes direction: how many such t there are, 0 < t < 1.0, ascending.
   static int FindQuadExtrema(hsFixed a, hsFixed b, hsFixed c, hsFixed* t);
   static int FindCubicExtrema(hsFixed a, hsFixed b, hsFixed c, hsFixed d, hsFixed t[2]);
   // The roots of A t^2 + B t + C between 0 and 1.0, ascending.

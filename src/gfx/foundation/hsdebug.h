@@ -1,7 +1,7 @@
 // How the 2D library reports a failure.
 //
 // A report stops the system on purpose: it is printed, flushed, and then the halt function runs, which never returns
-// unless someone has replaced it by one that does. Code behind a check must therefore be right for both: each check
+// unless someone has replaced it by one that does. Code after a check must therefore be right for both: each check
 // comes with the recovery that holds when the reporter returns.
 #pragma once
 
@@ -21,19 +21,19 @@ hsHaltProc hsSetHaltProc(hsHaltProc proc);
 // The text of the calling thread's latest report, for a halt function that shows it elsewhere too; "" before the first.
 const char* hsReportText();
 
-// Halts without a report of its own, for what has been told elsewhere; hsReportText is "" then.
+// Halts without a report of its own, for what has been reported elsewhere; hsReportText is "" then.
 void hsHalt();
 
 // Prints "message: value" as a line on standard output, flushes it and halts.
 void hsDebugMessage(const char* message, int32_t value);
 
-// Prints the same and returns: for what must be told but must not stop its caller.
+// Prints the same and returns: for what must be reported but must not stop its caller.
 void hsStatusMessage(const char* message, int32_t value);
 
 // Reports a failed check and, if the reporter returns, answers false.
 bool hsAssertFunc(int line, const char* file, const char* message);
 
-// A live check, in every build. Gives the condition, so that the recovery can stand behind it:
+// A live check, in every build. Returns the condition, so that the recovery can follow it:
 //   if (!hsAssert(index < fCount, "bad index")) return nullptr;
 #define hsAssert(condition, message) ((condition) || hsAssertFunc(__LINE__, __FILE__, message))
 
@@ -42,7 +42,7 @@ class hsException {
  public:
   enum Code : int32_t {
     kGeneric = 1,     // a failed condition, a bad verb
-    kNilParam = 3,    // a pointer that must not be nil
+    kNilParam = 3,    // a pointer that must not be null
     kBadParam = 4,    // any other bad parameter, also an unknown bitmap configuration
     kFontEngine = 8,  // fParam is the font engine's own error code
   };

@@ -18,17 +18,17 @@ struct hsDescriptor {
 
   // Bytes for count entries with data of these lengths.
   static int32_t ComputeSize(int32_t count, const int32_t lengths[]);
-  // An empty descriptor with room for size bytes; nil for a size under 12 or not of whole words ("bad size").
+  // An empty descriptor with space for size bytes; null for a size under 12 or not of whole words ("bad size").
   static hsDescriptor* New(int32_t size);
   static void Init(hsDescriptor* desc);
   static void Delete(hsDescriptor* desc);
-  // Into dst, or into a new block when dst is nil. Gives where it went.
+  // Into dst, or into a new block when dst is null. Gives where it went.
   static hsDescriptor* Copy(const hsDescriptor* src, hsDescriptor* dst);
   static bool Equal(const hsDescriptor* a, const hsDescriptor* b);
 
-  // Appends an entry and gives its data, to be filled in by the caller.
+  // Appends an entry and returns its data, to be filled in by the caller.
   static void* Add(hsDescriptor* desc, uint32_t tag, int32_t length);
-  // The data of the first entry with the tag, or nil. Its length goes to length and the data to buffer, if given.
+  // The data of the first entry with the tag, or null. Its length goes to length and the data to buffer, if given.
   static const void* Find(const hsDescriptor* desc, uint32_t tag, int32_t* length = nullptr, void* buffer = nullptr);
   static void* Find(hsDescriptor* desc, uint32_t tag, int32_t* length = nullptr, void* buffer = nullptr);
   // 0 after the report when there is no such entry of 4 bytes.

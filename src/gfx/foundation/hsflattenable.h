@@ -11,19 +11,19 @@ class hsMeta;
 
 class hsFlattenable : public hsRefCnt {
  public:
-  // Writes the object when a buffer is given; always gives the bytes that it takes.
+  // Writes the object when a buffer is given; always returns the bytes that it takes.
   virtual int32_t Flatten(void* buffer) const;
 };
 
 class hsGSizedFlattenable : public hsFlattenable {
  public:
   explicit hsGSizedFlattenable(int32_t stdSize = 0) : fStdSize(stdSize) {}
-  // Reads what Flatten wrote and moves the cursor behind it. currentSize, below 1 for none, is the size to rebuild for.
+  // Reads what Flatten wrote and moves the cursor past it. currentSize, below 1 for none, is the size to rebuild for.
   hsGSizedFlattenable(const void** cursor, int32_t currentSize);
   explicit hsGSizedFlattenable(const hsMeta& meta);
 
   int32_t Flatten(void* buffer) const override;
-  // Adds what the object has to say to meta and, where that is worth writing, its values to writer. Either may be nil.
+  // Adds what the object has to say to meta and, where that is worth writing, its values to writer. Either may be null.
   virtual void Describe(hsMeta* meta, hsMeta* writer) const;
 
   // The number of what rebuilds such objects from a buffer; 0 for none.

@@ -22,7 +22,7 @@ class hsFolderIterator {
 
   // Goes on to the next file; false when there is none.
   bool NextFile();
-  // Goes on to the next file whose name has exactly this suffix behind its last dot.
+  // Goes on to the next file whose name has exactly this suffix after its last dot.
   bool NextFileSuffix(const char* suffix);
 
   // Throws the C string "end of folder" when no file is current.

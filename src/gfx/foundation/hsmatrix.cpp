@@ -188,7 +188,7 @@ void hsMatrix::MapPoints(int32_t count, const hsPoint src[], hsPoint dst[], uint
   const uint32_t actual = GetType();
   hsAssert(type == kUnknownType || type == actual, "bad matType");
 
-  // Copied out, so that the stores to dst need not be taken for changes of the matrix.
+  // Copied out, so that the stores to dst need not count as changes of the matrix.
   const hsFixed sx = fMap[0][0], kx = fMap[0][1], tx = fMap[0][2];
   const hsFixed ky = fMap[1][0], sy = fMap[1][1], ty = fMap[1][2];
   if (actual & kPerspectiveType) {

@@ -7,9 +7,9 @@
 
 class hsMemory {
  public:
-  // size bytes, rounded up to whole words. Throws std::bad_alloc when there is no memory; nil for a negative size.
+  // size bytes, rounded up to whole words. Throws std::bad_alloc when there is no memory; null for a negative size.
   static void* New(int32_t size);
-  // nil when there is no memory. A negative size throws.
+  // null when there is no memory. A negative size throws.
   static void* SoftNew(int32_t size);
   static void Delete(void* block);
   // A new block with a copy of size bytes of source.

@@ -1,7 +1,7 @@
 // A pointer that owns one reference of a counted object (hsrefcnt.h), for members and locals.
 //
 // Functions that the library's interfaces name keep their raw pointers and say in their comment who owns what. Between
-// such a function and an hsRef stand hsAdopt, for a reference that is handed over, and hsShare, for an object that is
+// such a function and an hsRef come hsAdopt, for a reference that is handed over, and hsShare, for an object that is
 // only looked at.
 #pragma once
 

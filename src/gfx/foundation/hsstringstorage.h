@@ -9,7 +9,7 @@ class hsStringStorage {
   int32_t Count() const { return fNames.Count(); }
   const char* Get(int32_t index) const { return fNames.Get(index); }
 
-  // Sets index, unless that is nil, when the name is there.
+  // Sets index, unless that is null, when the name is there.
   bool Find(const char* name, int32_t* index = nullptr) const;
   // Copies the name in. One that is there already is reported and not added again.
   void Add(const char* name);

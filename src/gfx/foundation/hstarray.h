@@ -1,7 +1,7 @@
 // The growing array of the library's plain data: points, verbs, pointers.
 //
 // Unlike other growing arrays, SetCount beyond the capacity loses the contents (SetCapacity keeps them), and the
-// first growth takes twice the room that is needed.
+// first growth takes twice the space that is needed.
 #pragma once
 
 #include <algorithm>
@@ -41,7 +41,7 @@ class hsTArray {
 
   int32_t Count() const { return fCount; }
   bool IsEmpty() const { return fCount == 0; }
-  // nil while there is no storage. Good until the array next grows.
+  // null while there is no storage. Good until the array next grows.
   T* Array() { return fArray.get(); }
   const T* Array() const { return fArray.get(); }
   T* begin() { return fArray.get(); }
@@ -54,7 +54,7 @@ class hsTArray {
   const T& operator[](int32_t index) const { return Has(index) ? fArray[size_t(index)] : Spare(); }
   T Get(int32_t index) const { return (*this)[index]; }
 
-  // The first of count new elements, uninitialised; nil for a bad count.
+  // The first of count new elements, uninitialised; null for a bad count.
   T* Append(int32_t count) {
     if (!hsAssert(count >= 1, "bad AppendCount")) return nullptr;
     Grow(count);
@@ -72,7 +72,7 @@ class hsTArray {
     if (count == 0) return Reset();
     if (!hsAssert(count > 0, "bad count")) return;
     if (count > fCapacity) {
-      Reset();  // before there is a new block, so that the two never stand side by side
+      Reset();  // before there is a new block, so that the two never exist side by side
       fArray.reset(new T[size_t(count)]);
       fCapacity = count;
     }

@@ -1,7 +1,7 @@
 // A 64-bit integer in two words, for sums of products that 32 bits can't hold.
 //
 // Sums and shifts wrap. Only what goes back to 32 bits (AsLong, AsFixed, AsFract and the quotients made of them)
-// saturates, with the report "Math overflow". Operations work in place and give *this, so that they chain:
+// saturates, with the report "Math overflow". Operations work in place and return *this, so that they chain:
 //   hsWide().Mul(a, b).Div(c).AsLong()
 #pragma once
 

@@ -11,9 +11,9 @@ class hsGAlphaCompositeMode : public hsGXferMode {
   // As they are numbered; their words are the names without the k.
   enum Mode : uint32_t { kClear, kSrc, kSrcOver, kDstOver, kSrcIn, kDstIn, kSrcOut, kDstOut };
 
-  // The mode of that number; kSrcOver is the class of that name. nil beyond them. The caller holds a reference.
+  // The mode of that number; kSrcOver is the class of that name. null beyond them. The caller holds a reference.
   static hsGXferMode* Create(uint32_t index);
-  // The mode whose word stands under "mode"; nil for another word or none.
+  // The mode whose word lies under "mode"; null for another word or none.
   static hsGXferMode* Create(const hsMeta& meta);
 
   // One of the modes that have a formula, "missing proc": not kClear and not kSrcOver.

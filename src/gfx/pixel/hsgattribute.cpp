@@ -21,7 +21,7 @@ bool Refuse(bool bad, const char* words, int32_t value) {
   return bad;
 }
 
-// Owns a copy of value, or nothing when it is nil or says nothing. Answers whether that changed anything.
+// Owns a copy of value, or nothing when it is null or says nothing. Answers whether that changed anything.
 template <class T>
 bool Replace(std::unique_ptr<T>* stored, const T* value) {
   if (!value || *value == T()) {

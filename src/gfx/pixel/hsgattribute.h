@@ -1,7 +1,7 @@
 // The paint: how to fill or stroke, in what colour, with which text settings and effects.
 //
 // It keeps the last blitter and the last strike descriptor, so that a drawing call can start at once. Each setter drops
-// exactly what depends on its value; a value that is no good is told and changes nothing. A change of colour drops
+// exactly what depends on its value; a value that is no good is reported and changes nothing. A change of colour drops
 // nothing: the blitter compares what it needs when it is asked to do again.
 #pragma once
 
@@ -92,7 +92,7 @@ class hsGAttribute : public hsRefCnt {
   void SetTextEncoding(uint32_t encoding);
   uint32_t FontID() const { return fFontID; }
   void SetFontID(uint32_t font);
-  // False without one; else a copy goes to out, if given. Setting one that changes nothing, or nil, is having none.
+  // False without one; else a copy goes to out, if given. Setting one that changes nothing, or null, is having none.
   bool GetTextFace(hsGTextFace* out) const;
   void SetTextFace(const hsGTextFace* face);
   bool GetTextSpacing(hsGTextSpacing* out) const;
@@ -115,7 +115,7 @@ class hsGAttribute : public hsRefCnt {
   //
   // The advance width, 16.16 pixels of user space, and the font's top and bottom from the baseline, if asked for.
   hsFixed MeasureText(uint32_t length, const void* text, hsPoint* outLeft, hsPoint* outRight);
-  // One advance a character; gives their number.
+  // One advance a character; returns their number.
   uint32_t GetTextWidths(uint32_t length, const void* text, hsFixed widths[]);
   // The rule under the text; no change without one.
   void GetUnderline(uint32_t length, const void* text, hsRect* rect);
@@ -124,7 +124,7 @@ class hsGAttribute : public hsRefCnt {
   void GetTextPath(uint32_t length, const void* text, hsFixed limit, hsPath* path);
   // The number of characters. "unknown text-encoding".
   uint32_t CountText(uint32_t length, const void* text) const;
-  // The entry to text under a matrix, nil for the identity; the caller holds a reference.
+  // The entry to text under a matrix, null for the identity; the caller holds a reference.
   hsGTextContext* GetTextContext(const hsMatrix* matrix);
   // A new descriptor of the text state, with what is to be added to each advance and to each glyph's place.
   // "advance required", "glyphOffset required".

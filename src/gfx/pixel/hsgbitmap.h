@@ -31,7 +31,7 @@ class hsGBitmap {
   // config" and throws.
   void Erase(const hsGColor& color);
 
-  // The pixel's address. Reports "pixelSize mismatch" or "bad XY" and is nil beyond the bitmap.
+  // The pixel's address. Reports "pixelSize mismatch" or "bad XY" and is null beyond the bitmap.
   uint8_t* GetAddr8(uint32_t x, uint32_t y) const { return static_cast<uint8_t*>(CheckedAddr(8, x, y)); }
   uint16_t* GetAddr16(uint32_t x, uint32_t y) const { return static_cast<uint16_t*>(CheckedAddr(16, x, y)); }
   uint8_t* GetAddr24(uint32_t x, uint32_t y) const { return static_cast<uint8_t*>(CheckedAddr(24, x, y)); }

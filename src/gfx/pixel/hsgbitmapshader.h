@@ -1,4 +1,4 @@
-// A bitmap as a paint: tiled over the plane or standing alone, under a matrix, filtered or not.
+// A bitmap as a paint: tiled over the plane or alone, under a matrix, filtered or not.
 //
 // Several workers share the task. Those that are fast for the common cases keep small differences from the general
 // ones: the palette worker that clamps takes an entry's own alpha and scales it by the paint's, the others put the
@@ -17,7 +17,7 @@ class hsGBitmapShader : public hsGShader {
     kTile_None = 3,    // nothing outside
   };
 
-  // The worker for a source of 32 bits or a palette under that paint and matrix; nil, after "missing
+  // The worker for a source of 32 bits or a palette under that paint and matrix; null, after "missing
   // bitmap-core-shader", for any other. It needs its context before it can shade. The caller holds a reference.
   static hsGBitmapShader* Create(const hsGBitmap& source, const hsGAttribute& attr, const hsMatrix& matrix,
                                  TileMode tileMode);

@@ -10,7 +10,7 @@ class hsRegion;
 
 class hsGBounder : public hsRefCnt {
  public:
-  // True skips the draw. The rectangle is in device pixels and is not cut by the clip, which may be nil.
+  // True skips the draw. The rectangle is in device pixels and is not cut by the clip, which may be null.
   virtual bool BoundRect(const hsIntRect& rect, const hsRegion* clip) = 0;
 
   // These round out, let the mask filter widen, add a column at the right if asked to inflate, and go on to BoundRect.

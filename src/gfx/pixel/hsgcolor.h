@@ -12,7 +12,7 @@ struct hsGColor {
   constexpr bool operator==(const hsGColor&) const = default;
 };
 
-// 0xAARRGGBB, premultiplied where it stands for a pixel.
+// 0xAARRGGBB, premultiplied where it is a pixel.
 using hsGColor32 = uint32_t;
 
 constexpr hsGColor32 hsMakeColor32(uint32_t a, uint32_t r, uint32_t g, uint32_t b) {

@@ -19,13 +19,14 @@ class hsGColorTable : public hsRefCnt {
   // With an inverse table of 4096 bytes that no change of colours will throw away.
   explicit hsGColorTable(const uint8_t inverse[]);
 
-  // More than 256 is told, "bad count for ColorTable", and cut. Another count than the present one clears the colours.
+  // More than 256 is reported, "bad count for ColorTable", and cut. Another count than the present one clears the
+  // colours.
   void SetCount(uint32_t count);
   // "bad params in ColorTable::SetColors" beyond the count; what lies inside is then set all the same.
   void SetColors(uint32_t start, uint32_t count, const hsGColor32 colors[]);
   uint32_t GetCount() const { return fCount; }
 
-  const hsGColor32* IndexToColor(uint32_t index) const;  // nil beyond the count, "bad IndexToColor param"
+  const hsGColor32* IndexToColor(uint32_t index) const;  // null beyond the count, "bad IndexToColor param"
   uint8_t ColorToIndex(const hsGColor& color) const { return GetInverseTable()[hsInverseCell(hsNarrowColor(color))]; }
 
   // 256 entries, all zero from the count on, so that any index may be looked up.

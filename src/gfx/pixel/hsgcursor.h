@@ -19,7 +19,7 @@ class hsGCursor : public hsRefCnt {
   bool IsVisible() const { return fShowCount > 0 && fImage.fImage; }
 
   hsIntRect Bounds() const;  // device pixels
-  // Whether a draw in rect would meet it, where it stands or where it was drawn last.
+  // Whether a draw in rect would meet it, where it is or where it was drawn last.
   bool Touches(const hsIntRect& rect) const;
   // Keeps what lies behind it and draws it. An image that doesn't fit the target is reported and isn't seen.
   void Draw(const hsGBitmap& target);
@@ -29,7 +29,7 @@ class hsGCursor : public hsRefCnt {
  private:
   hsGBitmap fImage;
   int32_t fPosX = 0, fPosY = 0, fHotX = 0, fHotY = 0;  // pixels
-  hsGBitmap fBackground;                               // of the target's config; nil image when nothing is kept
+  hsGBitmap fBackground;                               // of the target's config; null image when nothing is kept
   hsIntRect fSavedRect{0, 0, 0, 0};                    // where fBackground lies, device pixels
   std::vector<uint8_t> fBackgroundPixels;
   int32_t fShowCount = 0;
@@ -45,7 +45,7 @@ class hsGCursorHider : public hsGBounder {
   bool BoundRect(const hsIntRect& rect, const hsRegion* clip) override;
 
  private:
-  hsGCursor* fCursor;  // nil when there is nothing to hide
+  hsGCursor* fCursor;  // null when there is nothing to hide
   const hsGBitmap& fTarget;
   hsGBounder** fSlot;
   hsGBounder* fNext;

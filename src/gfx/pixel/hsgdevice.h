@@ -2,7 +2,7 @@
 // a kind of surface replaces.
 //
 // A clip is a path in device coordinates, mapped when it is given; a later change of the matrix doesn't move it. Empty
-// shapes are dropped here, so the operations never see them. A nil attribute reports "nil param" and throws.
+// shapes are dropped here, so the operations never see them. A null attribute reports "nil param" and throws.
 #pragma once
 
 #include "gfx/foundation/hsmatrix.h"
@@ -34,7 +34,7 @@ class hsGDevice : public hsRefCnt {
   virtual void Save();
   virtual void SaveLayer(const hsRect* bounds, hsGAttribute* attr);
   virtual void Restore();  // with nothing saved, "nil param" and a throw
-  // Gives another device this one's clips and matrix; nil is ignored.
+  // Gives another device this one's clips and matrix; null is ignored.
   virtual void Replay(hsGDevice* other) const;
   // A path that clips this state already adds nothing.
   virtual void ClipPath(const hsPath& path);
@@ -58,7 +58,7 @@ class hsGDevice : public hsRefCnt {
   void Skew(hsScalar kx, hsScalar ky, hsScalar px = 0, hsScalar py = 0);
   void ClipRect(const hsRect& rect);
   void ClipIntRect(const hsIntRect& rect);
-  void FillColor(const hsGColor* color);  // nil does nothing
+  void FillColor(const hsGColor* color);  // null does nothing
   void FillColor(uint16_t a, uint16_t r, uint16_t g, uint16_t b);
   // Through the matrix that drawing goes through. An inverse that does not exist leaves dst as it is.
   void MapPoints(int32_t count, const hsPoint src[], hsPoint dst[]) const;

@@ -9,7 +9,7 @@
 #include "gfx/vector/hsregion.h"
 
 struct hsGLayer {
-  // Pixels, 32 bits with alpha, for the device rectangle. attr may be nil.
+  // Pixels, 32 bits with alpha, for the device rectangle. attr may be null.
   hsGLayer(const hsIntRect& rect, hsGDeviceState* savedState, hsGAttribute* attr);
   hsGLayer(const hsGLayer&) = delete;
   hsGLayer& operator=(const hsGLayer&) = delete;

@@ -23,7 +23,7 @@ struct hsGMask {
   size_t PlaneSize() const { return size_t(fBounds.Height()) * fRowBytes; }  // bytes
   size_t ImageSize() const { return fMaskType == kMask_3D ? 3 * PlaneSize() : PlaneSize(); }
 
-  // An image of zeros for the bounds, type and row bytes as they stand; "allocating over existing image".
+  // An image of zeros for the bounds, type and row bytes as they are; "allocating over existing image".
   void AllocImage();
 
   const uint8_t* Row(int32_t y) const { return fImage + size_t(y - fBounds.fTop) * fRowBytes; }

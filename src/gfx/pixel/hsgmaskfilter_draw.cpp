@@ -10,7 +10,7 @@
 
 namespace {
 
-// Keeps the coverage that it is told in a mask.
+// Keeps the coverage that it is handed in a mask.
 class MaskWriter : public hsGBlitter {
  public:
   explicit MaskWriter(const hsGMask& mask) : fMask(mask) {}

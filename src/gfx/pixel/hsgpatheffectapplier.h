@@ -1,5 +1,5 @@
 // Draws through a path effect: takes it off the paint for a scope, so that what is drawn meanwhile doesn't meet it
-// again, and sets the paint up for the path that the effect gives.
+// again, and sets the paint up for the path that the effect makes.
 #pragma once
 
 #include "gfx/foundation/hsref.h"

@@ -26,7 +26,7 @@ class hsGRasterDevice : public hsGDevice {
 
   virtual void SetBounder(hsGBounder* bounder);
   virtual void SetOrigin(int32_t x, int32_t y);
-  // The target; nil for none. Pixels are allocated, as zeros, where the bitmap has none; more than 2 GB of them, or
+  // The target; null for none. Pixels are allocated, as zeros, where the bitmap has none; more than 2 GB of them, or
   // rows that don't hold their pixels, fail "bad param" and change nothing.
   virtual void SetBitmap(const hsGBitmap* bitmap);
   virtual void EraseColor(const hsGColor& color);
@@ -39,7 +39,7 @@ class hsGRasterDevice : public hsGDevice {
   void GetOrigin(hsIntPoint* out) const { *out = {fOriginX, fOriginY}; }
   // With detach the pixels pass to the caller, who frees them by hsMemory::Delete.
   void GetBitmap(hsGBitmap* out, bool detach = false);
-  // An extra clip in device coordinates that stays the caller's; nil for none.
+  // An extra clip in device coordinates that stays the caller's; null for none.
   void SetClipRgn(const hsRegion* region);
   void SetCursor(hsGCursor* cursor) { fCursor = hsShare(cursor); }
   void EraseTransparent() { EraseColor(hsGColor{0, 0, 0, 0}); }
@@ -79,7 +79,7 @@ class hsGRasterDevice : public hsGDevice {
   hsRegion fTotalClip;
   bool fMatrixDirty = true;
   const hsRegion* fUserClip = nullptr;
-  hsGLayer* fLayers = nullptr;                   // the top one; nil when drawing to fOwnBitmap
+  hsGLayer* fLayers = nullptr;                   // the top one; null when drawing to fOwnBitmap
   int32_t fLayerOffsetX = 0, fLayerOffsetY = 0;  // sum of the open layers' corners
   hsRef<hsGCursor> fCursor;
   hsRef<hsGBounder> fBounder;  // of fDraw

@@ -11,7 +11,7 @@ struct hsGMask;
 // Turns a path into a mask in its own way.
 class hsGRasterizer : public hsGSizedFlattenable {
  public:
-  // Device bounds of what Rasterize will give; false for nothing to draw.
+  // Device bounds of what Rasterize will make; false for nothing to draw.
   virtual bool ComputeBounds(const hsPath& path, const hsMatrix& matrix, hsIntRect* bounds) = 0;
   virtual bool Rasterize(const hsPath& path, const hsMatrix& matrix, hsGMask* mask) = 0;
 };

@@ -47,7 +47,7 @@ hsPath QuadPath(const hsPoint points[4]) {
   return path;
 }
 
-// Half the area of the triangle, with a sign for its turn.
+// Half the area of the triangle, with a sign for its direction.
 int64_t Turn(const hsPoint& a, const hsPoint& b, const hsPoint& c) {
   const auto half = [](hsScalar to, hsScalar from) { return (int64_t{to} - from) >> 1; };
   return half(b.fX, a.fX) * half(c.fY, a.fY) - half(b.fY, a.fY) * half(c.fX, a.fX);

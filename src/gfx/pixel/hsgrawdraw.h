@@ -3,7 +3,7 @@
 //
 // A bitmap without pixels is drawn on like any other, so that a bounder hears of everything, and nothing is stored.
 //
-// Shapes are in user space; a name with "Device" in it still maps its shape, but stands behind the decisions that look
+// Shapes are in user space; a name with "Device" in it still maps its shape, but comes after the decisions that look
 // at the shape itself.
 #pragma once
 
@@ -31,14 +31,14 @@ struct hsGRawDraw {
   void DrawSprite(const hsGBitmap& bitmap, int32_t x, int32_t y);
   void DrawText(uint32_t length, const void* text, hsScalar x, hsScalar y);
   void DrawPosText(uint32_t length, const void* text, const hsPoint positions[], const hsPoint directions[]);
-  // Single bytes at a device position, which moves on to the end of the text; the underline may be nil.
+  // Single bytes at a device position, which moves on to the end of the text; the underline may be null.
   void DrawFastText(uint32_t length, const void* text, hsPoint* point, const hsGUnderline* underline);
   void Erase(const hsGColor& color);
   // Moves the pixels of rect by whole pixels. outDirty, if given, becomes what was uncovered.
   void Scroll(const hsIntRect& rect, int32_t dx, int32_t dy, hsRegion* outDirty);
 
-  // The same copy onto any bitmap. A nil color is opaque; a nil clip is the whole target. The cached blitter, if given,
-  // is told the source instead of choosing one.
+  // The same copy onto any bitmap. A null color is opaque; a null clip is the whole target. The cached blitter, if
+  // given, is given the source instead of choosing one.
   static void DrawSprite(const hsGBitmap& target, const hsGBitmap& bitmap, int32_t x, int32_t y, const hsGColor* color,
                          hsGXferMode* mode, const hsRegion* clip, hsGSpriteBlitter* cached = nullptr);
 
@@ -51,8 +51,8 @@ struct hsGRawDraw {
   const hsGBitmap* fBitmap = nullptr;
   const hsMatrix* fMatrix = nullptr;
   hsGAttribute* fAttr = nullptr;
-  const hsRegion* fClip = nullptr;  // nil for the whole bitmap
-  hsGBounder* fBounder = nullptr;   // or nil
+  const hsRegion* fClip = nullptr;  // null for the whole bitmap
+  hsGBounder* fBounder = nullptr;   // or null
 
  private:
   void Check() const;
@@ -60,7 +60,7 @@ struct hsGRawDraw {
   void DrawDevicePath(const hsPath& path, uint32_t flags);
   void DrawDeviceRect(const hsRect& deviceRect, uint32_t flags, hsScalar width);
   void DrawDeviceQuad(const hsPoint points[4]);
-  hsGBlitter* BitmapBlitter(const hsGBitmap& source, const hsMatrix& matrix) const;  // nil for nothing to draw
+  hsGBlitter* BitmapBlitter(const hsGBitmap& source, const hsMatrix& matrix) const;  // null for nothing to draw
   void DrawRasterized(const hsPath& path);
   hsPath Stroked(const hsPath& path, hsScalar width) const;
 };

@@ -15,7 +15,7 @@ static_assert(sizeof(hsMatrix) == kMatrixWords * sizeof(int32_t), "flattens as 3
 }  // namespace
 
 hsGShader::hsGShader(const void** cursor, int32_t currentSize) : hsGSizedFlattenable(cursor, currentSize) {
-  if (!cursor || !*cursor) return;  // told by the base
+  if (!cursor || !*cursor) return;  // reported by the base
   std::memcpy(&fLocalMatrix, *cursor, sizeof fLocalMatrix);
   *cursor = static_cast<const char*>(*cursor) + sizeof fLocalMatrix;
 }

@@ -12,7 +12,7 @@ struct hsGSpriteParts {
   const hsGBitmap& source;
   int32_t left, top;
   const hsGColor& color;
-  hsGXferMode* xfer;  // or nil
+  hsGXferMode* xfer;  // or null
 
   bool IsFull() const { return color.fA >> 8 == 0xFF; }
 };
@@ -35,7 +35,7 @@ class hsGPlainSprite : public hsGSpriteBlitter {
       : hsGSpriteBlitter(parts.device, parts.source, parts.left, parts.top, parts.color) {}
 };
 
-// A member that moves its pixels through a transfer mode, which it tells that they are not all opaque.
+// A member that moves its pixels through a transfer mode, to which it says that they are not all opaque.
 class hsGXferSprite : public hsGSpriteBlitter {
  public:
   hsGXferSprite(const hsGSpriteParts& parts, hsGXferMode* mode)

@@ -24,8 +24,8 @@ struct hsGTextSpacing {
 
   uint32_t fFlags = 0;
   hsFixed fAlignment = 0;  // 0 left, 0.5 centred, 1.0 right; negative: justified to the width of that magnitude
-  hsFixed fWordExtra = 0;  // behind each space
-  hsFixed fCharExtra = 0;  // behind every other character
+  hsFixed fWordExtra = 0;  // after each space
+  hsFixed fCharExtra = 0;  // after every other character
 
   constexpr bool operator==(const hsGTextSpacing&) const = default;
 };

@@ -1,7 +1,7 @@
 // Transfer modes: how a row of source colours meets the device's pixels.
 //
-// Sources are premultiplied. An alpha row gives a coverage for each pixel; nil means full coverage. A mode may act
-// otherwise once it was told that sources are opaque, so it must not be shared by an opaque and another paint.
+// Sources are premultiplied. An alpha row gives a coverage for each pixel; null means full coverage. A mode may act
+// otherwise once SetOpaque has said that sources are opaque, so it must not be shared by an opaque and another paint.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +17,7 @@ class hsMeta;
 
 class hsGXferMode : public hsRefCnt {
  public:
-  // The mode that a class of that name makes of its description; nil when there is none. The caller holds a reference.
+  // The mode that a class of that name makes of its description; null when there is none. The caller holds a reference.
   static hsGXferMode* Create(const char* className, const hsMeta& meta);
 
   virtual void Describe(hsMeta*) const {}
@@ -30,7 +30,7 @@ class hsGXferMode : public hsRefCnt {
   virtual void Xfer8(int32_t, const hsGColor32*, uint8_t*, const hsGColorTable*, const uint8_t*) {}
   virtual void XferA(int32_t, const uint8_t*, uint8_t*, const uint8_t*) {}
 
-  // A blitter of the mode's own, or nil.
+  // A blitter of the mode's own, or null.
   virtual hsGBlitter* ChooseBlitter(const hsGBitmap&, hsGShader*, const hsGColor&, int32_t) { return nullptr; }
 };
 

@@ -5,7 +5,7 @@
 
 namespace {
 
-// Cuts the run to the bitmap; true when all of what is left lies inside. A run is straight, so its ends tell.
+// Cuts the run to the bitmap; true when all of what is left lies inside. A run is straight, so its ends decide.
 bool CutToBitmap(const hsGBitmap& bitmap, hsHairRun* run) {
   const int64_t majorSize = run->fIsSteep ? bitmap.fHeight : bitmap.fWidth;
   const int64_t minorSize = run->fIsSteep ? bitmap.fWidth : bitmap.fHeight;

@@ -7,7 +7,7 @@
 #include "gfx/pixel/hsgmask.h"
 #include "gfx/vector/hsregioniter.h"
 
-// byte(y, x, bits) for each byte of the rectangle, which lies inside the mask, with a set bit: the highest bit stands
+// byte(y, x, bits) for each byte of the rectangle, which lies inside the mask, with a set bit: the highest bit is
 // for the pixel at x, and bits outside the rectangle are clear. Padding bits are never looked at.
 template <class Byte>
 void hsWalkBitBytes(const hsGMask& mask, const hsIntRect& rect, Byte&& byte) {
@@ -27,7 +27,7 @@ void hsWalkBitBytes(const hsGMask& mask, const hsIntRect& rect, Byte&& byte) {
   }
 }
 
-// rect(r) for each rectangle of the mask that the clip leaves; nil leaves all of it.
+// rect(r) for each rectangle of the mask that the clip leaves; null leaves all of it.
 template <class Rect>
 void hsWalkMaskRects(const hsIntRect& bounds, const hsRegion* clip, Rect&& rect) {
   if (bounds.IsEmpty()) return;
@@ -66,7 +66,7 @@ void hsWalkBitsWide(const hsGMask& mask, const hsRegion* clip, uint32_t deviceWi
   });
 }
 
-// span(y, x, width) for each run of each row that the clip leaves, from the top left; nil leaves everything.
+// span(y, x, width) for each run of each row that the clip leaves, from the top left; null leaves everything.
 template <class Span>
 void hsWalkMaskSpans(const hsIntRect& bounds, const hsRegion* clip, Span&& span) {
   if (bounds.IsEmpty()) return;

@@ -34,7 +34,7 @@ inline Wide hsWideBits(uint8_t bits) {
   return Wide(((Wide{} + bits) & kLanes) != 0);
 }
 
-// Zeros behind the first count lanes.
+// Zeros after the first count lanes.
 inline hsWide8 hsFirstOfWide8(hsWide8 wide, int32_t count) {
   constexpr hsWide8 kLanes = {0, 1, 2, 3, 4, 5, 6, 7};
   return wide & hsWide8(kLanes < uint8_t(count));

@@ -23,7 +23,7 @@ constexpr int32_t kFixedLengths[] = {4, int32_t(sizeof(hsGScalerRecord))};
 
 int32_t DescriptorSize() { return hsDescriptor::ComputeSize(2, kFixedLengths); }
 
-// An effect on its way into a descriptor; nil for none.
+// An effect on its way into a descriptor; null for none.
 struct EffectEntry {
   uint32_t tag;
   const hsGSizedFlattenable* effect;

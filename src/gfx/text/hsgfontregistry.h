@@ -21,21 +21,21 @@ using hsCharMapper = uint16_t (*)(uint16_t code);
 
 namespace hsGFontRegistry {
 
-// Each gives the new font's identifier, 0 on failure. A format of 0 means kFontFormat_TrueType. Every change of the
+// Each returns the new font's identifier, 0 on failure. A format of 0 means kFontFormat_TrueType. Every change of the
 // registry empties the glyph cache.
 //
-// Files are read whole; the stream from where it stands, and it stays the caller's. Files of a list or of the folder
+// Files are read whole; the stream from its position, and it stays the caller's. Files of a list or of the folder
 // are read piece by piece when they are used.
 uint32_t RegisterFile(const char* path, uint32_t format);
 uint32_t RegisterStream(std::FILE* file, uint32_t format);
 uint32_t RegisterMemory(uint32_t size, const void* data, bool owned, uint32_t format);
 void UnregisterFont(uint32_t id);
 
-// Lists for the next load; they stay the caller's. A count of all ones: up to an entry of nil.
+// Lists for the next load; they stay the caller's. A count of all ones: up to an entry of null.
 inline constexpr uint32_t kToNil = 0xFFFFFFFF;
 void SetFontFiles(const hsGFontFileEntry* list, uint32_t count);
 void SetFontMemory(const hsGFontMemoryEntry* list, uint32_t count);
-// Names of fonts, up to nil, any of which is to be the default.
+// Names of fonts, up to null, any of which is to be the default.
 void SetPreferredNames(const char* const* names);
 void SetScanFolder(bool scan);  // off unless set
 // Forgets all fonts, so that the next use loads.
@@ -48,7 +48,7 @@ uint32_t GetFontName(uint32_t id, uint32_t nameKind, char buffer[]);
 hsGFontScaler* GetFontByID(uint32_t id);
 bool IsFontID(uint32_t id);
 uint32_t FontCount();
-hsGFontScaler* FontAtIndex(uint32_t index);  // nil beyond the last
+hsGFontScaler* FontAtIndex(uint32_t index);  // null beyond the last
 
 void SetCharMapper(hsCharMapper mapper);
 hsCharMapper CharMapper();

@@ -46,7 +46,7 @@ class hsGFontScaler : public hsRefCnt {
   virtual bool MatchName(uint32_t nameKind, const char* name) = 0;
   virtual uint32_t GetDataSize() = 0;
   uint32_t CalcDataSize() { return GetDataSize(); }
-  // The bytes, in dst if given, else wherever the font keeps them until the next call. Nil after a report for bytes
+  // The bytes, in dst if given, else wherever the font keeps them until the next call. Null after a report for bytes
   // that it hasn't got.
   virtual const void* ReadData(uint32_t offset, uint32_t length, void* dst) = 0;
   void CopyData(uint32_t offset, uint32_t length, void* dst);

@@ -12,6 +12,6 @@ struct hsGGlyph {
   uint16_t fWidth = 0, fHeight = 0;  // pixels of the image; width 0: nothing to draw
   uint32_t fRowBytes = 0;
   hsFixed fLeft = 0, fTop = 0;  // the image's corner from the pen
-  uint8_t* fImage = nullptr;    // nil until asked for; the strike's
+  uint8_t* fImage = nullptr;    // null until asked for; the strike's
   hsFixed fAdvanceX = 0, fAdvanceY = 0;
 };

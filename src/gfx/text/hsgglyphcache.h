@@ -1,6 +1,6 @@
 // The strikes that nobody uses at the moment, the latest released first.
 //
-// Its budget warns and doesn't bind: an image beyond it is told on standard output each time, and the cache goes on
+// Its budget warns and doesn't bind: an image beyond it is reported on standard output each time, and the cache goes on
 // growing. What does bind is the number of strikes: one too many empties the list.
 #pragma once
 
@@ -29,7 +29,7 @@ class hsGGlyphCache {
   static uint32_t ImageBytes();  // the running total
 
   int32_t Count() const { return fCount; }
-  // The strike of a descriptor, out of the list; nil without one.
+  // The strike of a descriptor, out of the list; null without one.
   hsGStrike* Take(const hsDescriptor* desc);
   void Insert(hsGStrike* strike);
   // Whether anything went.

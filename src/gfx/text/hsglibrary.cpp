@@ -14,7 +14,7 @@ thread_local hsGLibrary* tCurrent = nullptr;  // which library a thread works fo
 hsGLibrary::hsGLibrary() : fFonts(std::make_unique<hsGFontSet>()) {}
 
 hsGLibrary::~hsGLibrary() {
-  const hsGLibraryScope scope(*this);  // strikes give back their font engines to the library that is current
+  const hsGLibraryScope scope(*this);  // strikes return their font engines to the library that is current
   hsGGlyphCache::Shutdown();
 }
 

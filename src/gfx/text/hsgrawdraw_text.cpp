@@ -84,7 +84,7 @@ class GlyphPainter {
     if (fClip && !fShown.Intersect(fClip->Bounds())) fShown = {0, 0, 0, 0};
   }
 
-  // With the pen at (x, y), half a pixel added. getImage gives the glyph's image or nil.
+  // With the pen at (x, y), half a pixel added. getImage returns the glyph's image or null.
   template <class GetImage>
   void Draw(hsGGlyph* glyph, hsFixed x, hsFixed y, GetImage&& getImage) {
     if (glyph->fWidth == 0 || glyph->fCharCode == hsGGlyph::kEmpty) return;
@@ -125,7 +125,7 @@ class GlyphPainter {
   hsRegion fWhole;
 };
 
-// The image of a glyph of the context; when there is no memory left, once more behind a purge.
+// The image of a glyph of the context; when there is no memory left, once more after a purge.
 uint8_t* ImageOf(hsGTextContext& context, hsGGlyph* glyph) {
   const uint8_t* image = context.GetImage(glyph);
   if (!image) {

@@ -4,11 +4,9 @@
 // to the size and transformation asked for through what remains of the matrix.
 #pragma once
 
-#include <vector>
-
 #include "gfx/text/hsgfontscaler.h"
 #include "gfx/text/hsgscalercontext.h"
-#include "gfx/text/hssfnt.h"
+#include "gfx/text/hssbittables.h"
 
 class hsGSbitContext : public hsGScalerContext {
  public:
@@ -23,25 +21,9 @@ class hsGSbitContext : public hsGScalerContext {
   void GeneratePath(const hsGGlyph& glyph, hsPath* path) override;
 
  private:
-  // Where a glyph's image lies and how large it is, in the strike's own pixels.
-  struct Entry {
-    uint32_t imageFormat = 0;           // 0: there is no such glyph
-    uint32_t location = 0, length = 0;  // in the data table
-    int32_t height = 0, width = 0, bearingX = 0, bearingY = 0, advance = 0;
-  };
-
   hsMatrix MakeDeviceMatrix() const;
-  bool LoadTables();
-  void ChooseStrike(hsFixed ppem);
-  Entry FindEntry(uint16_t code);
-  bool Locate(hsSfntBytes subtable, uint32_t glyph, uint32_t first, Entry* entry) const;
-  hsSfntBytes MetricsOf(hsSfntBytes subtable, const Entry& entry, std::vector<uint8_t>* storage);
-  std::vector<uint8_t> ReadData(uint32_t offset, uint32_t length);
-  std::vector<uint8_t> Unpack(const Entry& entry);
 
   hsRef<hsGFontT2K> fFont;
-  uint32_t fDataOffset = 0, fDataLength = 0;  // of the bitmaps' table
-  std::vector<uint8_t> fLocation;             // the table that tells where they are
-  uint32_t fStrike = 0;                       // offset of the chosen size record; 0 for none
-  hsMatrix fResidual;                         // from the strike's pixels to the device
+  hsSbitTables fTables;
+  hsMatrix fResidual;  // from the strike's pixels to the device
 };

@@ -1,7 +1,7 @@
-// What measures a strike's glyphs, renders them and gives their outlines.
+// What measures a strike's glyphs, renders them and makes their outlines.
 //
 // The base carries what is alike for all kinds of font: outlining, path effects and rasterizers, which work on the
-// outlines that the kind gives, and mask filters, which work on images however they were made. A context is made from
+// outlines that the kind makes, and mask filters, which work on images however they were made. A context is made from
 // the strike's descriptor and lives with the strike.
 #pragma once
 
@@ -51,7 +51,7 @@ static_assert(sizeof(hsGScalerRecord) == 0x40);
 
 class hsGScalerContext {
  public:
-  // The context of a descriptor; nil for one that names no scaler. "need kRecord_FontScalerDesc".
+  // The context of a descriptor; null for one that names no scaler. "need kRecord_FontScalerDesc".
   static hsGScalerContext* Create(const hsDescriptor* desc);
 
   explicit hsGScalerContext(const hsDescriptor* desc);
@@ -70,7 +70,7 @@ class hsGScalerContext {
   // The outline on the device, from the pen.
   void GetOutline(const hsGGlyph& glyph, hsPath* path);
 
-  // Points on the device relative to the pen, y downward; any may be nil. baseline is a unit vector.
+  // Points on the device relative to the pen, y downward; any may be null. baseline is a unit vector.
   virtual void GetFontMetrics(hsPoint* ascent, hsPoint* descent, hsPoint* baseline) = 0;
   // Moves count + 1 positions, and the advances of the glyphs if given, for pairs that kern.
   virtual void KernGlyphs(uint32_t count, const uint16_t chars[], hsGGlyph glyphs[], hsPoint positions[]);
@@ -94,5 +94,5 @@ class hsGScalerContext {
   hsRef<hsGPathEffect> fPathEffect;
   hsRef<hsGRasterizer> fRasterizer;
   hsRef<hsGMaskFilter> fMaskFilter;
-  hsDescriptor* fStrokeDesc = nullptr;  // of the plain font, for glyphs that are drawn by their outlines; or nil
+  hsDescriptor* fStrokeDesc = nullptr;  // of the plain font, for glyphs that are drawn by their outlines; or null
 };

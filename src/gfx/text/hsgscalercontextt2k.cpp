@@ -33,7 +33,7 @@ hsPoint Meet(const hsPoint& at, const hsPoint& direction, const hsPoint& slant) 
   return {hsFixMulSat(slant.fX, t), hsFixMulSat(slant.fY, t)};
 }
 
-// Three values a pixel behind two bytes of padding, and more padding up to whole pixels.
+// Three values a pixel after two bytes of padding, and more padding up to whole pixels.
 void CopyLCDRow(const uint8_t* src, int width, uint8_t* dst, uint32_t rowBytes) {
   std::memset(dst, 0, rowBytes);
   for (int x = 0; x < width && uint32_t(x) + 2 < rowBytes; ++x) {
@@ -128,7 +128,7 @@ void hsGScalerContextT2K::GenerateMetrics(hsGGlyph* glyph) {
     glyph->fWidth = uint16_t(scaler->width);
     glyph->fHeight = uint16_t(scaler->height);
     glyph->fLeft = FromEngine(scaler->fLeft26Dot6);
-    // The engine's top is that of the highest row's lower edge, so masks stand a row lower than outlines.
+    // The engine's top is that of the highest row's lower edge, so masks lie a row lower than outlines.
     glyph->fTop = hsWrapNeg(FromEngine(scaler->fTop26Dot6));
     if (fMaskType == kMask_LCD) {
       glyph->fWidth = uint16_t((scaler->width + 2 + 2) / 3);

@@ -1,8 +1,8 @@
 // Glyphs by the font engine.
 //
 // The engine's state for a font is shared by all contexts on it, so a context sets its transformation before each call.
-// A font that can't be opened is told once; its glyphs have no size and no advance, and nothing is drawn. A glyph that
-// the engine fails on closes the font, which is opened again for the next one.
+// A font that can't be opened is reported once; its glyphs have no size and no advance, and nothing is drawn. A glyph
+// that the engine fails on closes the font, which is opened again for the next one.
 #pragma once
 
 #include "gfx/text/hsgfontscaler.h"
@@ -28,7 +28,7 @@ class hsGScalerContextT2K : public hsGScalerContext {
   void GeneratePath(const hsGGlyph& glyph, hsPath* path) override;
 
  private:
-  T2K* Scaler();  // under this context's transformation; nil if the font doesn't open
+  T2K* Scaler();  // under this context's transformation; null if the font doesn't open
   T2K* Render(uint16_t code, int command);
   uint16_t EngineCode(uint16_t code) const;
   void Purge();

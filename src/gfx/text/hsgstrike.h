@@ -1,8 +1,8 @@
 // Everything known of one font at one size, transformation and style: glyph records, images and outlines.
 //
-// A strike is found by its descriptor. In use it has a count of 2 or more and stands outside the cache; released, it
-// goes into the cache with a count of 1, where a purge may delete it. Two codes that share a low byte turn each other
-// out of an 8-bit strike.
+// A strike is found by its descriptor. In use it has a count of 2 or more and is outside the cache; released, it
+// goes into the cache with a count of 1, where a purge may delete it. Two codes that share a low byte replace each
+// other out of an 8-bit strike.
 #pragma once
 
 #include <memory>
@@ -17,7 +17,7 @@ class hsPath;
 
 class hsGStrike {
  public:
-  // The caller holds a reference. Release gives one back; Ref and UnRef are for hsRef. "refcount too small".
+  // The caller holds a reference. Release returns one; Ref and UnRef are for hsRef. "refcount too small".
   static hsGStrike* FindOrCreate(const hsDescriptor* desc);
   void Ref() { ++fRefCnt; }
   void UnRef() { Release(); }
@@ -29,7 +29,7 @@ class hsGStrike {
   hsGGlyph* GetGlyph(uint16_t code) { return fIs16Bit ? GetGlyph16(code) : Get8(code); }
   // Copies of filled records.
   void FillGlyphs(uint32_t count, const uint16_t codes[], hsGGlyph out[]);
-  // The image of a record or of a copy, which then has it too; nil if it can't be had. "glyph is uninitialized",
+  // The image of a record or of a copy, which then has it too; null if it can't be had. "glyph is uninitialized",
   // "uninitialized glyphID".
   const uint8_t* GetImage(hsGGlyph* glyph);
   const hsPath* GetPath(const hsGGlyph* glyph);

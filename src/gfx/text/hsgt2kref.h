@@ -12,7 +12,7 @@ class hsGT2KRef : public hsRefCnt {
   static hsRef<hsGT2KRef> Find(hsGFontScaler* font, hsFixed sizeRatio, bool unicode);
   ~hsGT2KRef() override;  // "UnRefT2K failed" when the current library doesn't know it
 
-  // Opens the font unless it is open. Nil if that fails, which is told once.
+  // Opens the font unless it is open. Null if that fails, which is reported once.
   T2K* Open();
   void Close();
 

@@ -14,7 +14,7 @@ namespace {
 
 constexpr uint16_t kSpace = 0x20;
 
-// (x, 0) without the translation; pages may give any extra under any scale.
+// (x, 0) without the translation; pages may ask for any extra under any scale.
 hsPoint MapLinear(const hsMatrix& matrix, hsFixed x) {
   return {hsFixMulSat(matrix.fMap[0][0], x), hsFixMulSat(matrix.fMap[1][0], x)};
 }

@@ -19,17 +19,17 @@ struct hsGUnderline {
 
 class hsGTextContext : public hsRefCnt {
  public:
-  // The underline may be nil.
+  // The underline may be null.
   hsGTextContext(const hsGAttribute& attr, const hsDescriptor* strikeDesc, const hsPoint& advanceExtra,
                  const hsPoint& glyphOffset, const hsGUnderline* underline);
   ~hsGTextContext() override;
 
-  // Takes length bytes of text and gives the number of characters. An odd last byte of 16-bit text is dropped.
+  // Takes length bytes of text and returns the number of characters. An odd last byte of 16-bit text is dropped.
   uint32_t SetText(uint32_t length, const void* text);
-  // Fills and gives the glyphs of the run.
+  // Fills and returns the glyphs of the run.
   hsGGlyph* GetGlyphs();
-  // The positions of the run's characters relative to its origin, on the device, and behind them its end; the glyphs
-  // go to outGlyphs. Nil outGlyphs and nil spacing are good.
+  // The positions of the run's characters relative to its origin, on the device, and after them its end; the glyphs
+  // go to outGlyphs. Null outGlyphs and null spacing are good.
   const hsPoint* GetPositions(hsGGlyph** outGlyphs, const hsGTextSpacing* spacing);
   // Measures without making a run: one advance a character, stride bytes apart. Gives the number of characters.
   uint32_t GetWidths(uint32_t length, const void* text, const hsGTextSpacing* spacing, hsFixed out[], uint32_t stride);

@@ -37,7 +37,7 @@ uint32_t DataSize(hsSfntBytes directory);
 // The length of the first name that passes, and its index; 0 without one. Script 1 also takes script 2.
 uint32_t FindName(hsSfntBytes table, uint16_t nameID, uint16_t platform, uint16_t script, uint16_t language,
                   uint32_t* index);
-// Copies a name, if a buffer is given, and gives its length. "bad name index".
+// Copies a name, if a buffer is given, and returns its length. "bad name index".
 uint32_t GetNameAt(hsSfntBytes table, uint32_t index, void* buffer);
 // Whether a name that passes has exactly these bytes.
 bool CompareName(hsSfntBytes table, uint16_t nameID, uint16_t platform, uint16_t script, uint16_t language,

@@ -39,7 +39,7 @@ uint32_t CountUTF8(uint32_t length, const uint8_t bytes[], uint16_t out[]) {
   uint32_t count = 0;
   for (const uint8_t* p = bytes; p < end; ++p) count += !IsContinuation(*p);
   if (!out) return count;
-  // Stray continuations decode to more codes than were counted, and so than out has room for.
+  // Stray continuations decode to more codes than were counted, and so than out has space for.
   uint32_t written = 0;
   for (const uint8_t* p = bytes; p < end && written < count;) out[written++] = NextUTF8(&p, end);
   return written;

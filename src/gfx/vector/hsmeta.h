@@ -1,6 +1,6 @@
 // A named, typed list by which an object describes itself.
 //
-// Entries keep the order in which they were added; a name may stand more than once, also under the same type, and then
+// Entries keep the order in which they were added; a name may occur more than once, also under the same type, and then
 // the first one counts. Copies are deep.
 #pragma once
 
@@ -33,7 +33,7 @@ class hsMeta {
 
   int32_t CountEntries() const;
 
-  // A nil name or value is reported, "field is nil", and adds nothing.
+  // A null name or value is reported, "field is nil", and adds nothing.
   void AddInt8(const char* name, int8_t value);
   void AddInt16(const char* name, int16_t value);
   void AddInt32(const char* name, int32_t value);
@@ -48,11 +48,11 @@ class hsMeta {
   bool GetInt16(const char* name, int16_t* value) const;
   bool GetInt32(const char* name, int32_t* value) const;
   bool GetBounded(const char* name, int32_t* value) const;
-  // How many there are, 0 without an entry; copied to values unless that is nil.
+  // How many there are, 0 without an entry; copied to values unless that is null.
   int32_t GetScalars(const char* name, hsScalar values[]) const;
-  // Length without the terminator, -1 without an entry; copied, with it, to value unless that is nil.
+  // Length without the terminator, -1 without an entry; copied, with it, to value unless that is null.
   int32_t GetString(const char* name, char value[]) const;
-  // nil without an entry. They belong to this.
+  // null without an entry. They belong to this.
   const hsPath* GetPath(const char* name) const;
   const hsMeta* GetMeta(const char* name) const;
 

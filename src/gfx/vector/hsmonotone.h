@@ -1,4 +1,4 @@
-// Curves cut where they turn in Y, so that each piece only falls or only rises.
+// Curves cut where their direction in Y changes, so that each piece only falls or only rises.
 #pragma once
 
 #include "gfx/foundation/hspoint.h"

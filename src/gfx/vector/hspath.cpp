@@ -81,7 +81,7 @@ class FlatReader {
   const char* from;
 };
 
-// Whether the verbs use just these points, and no segment stands without a move.
+// Whether the verbs use just these points, and no segment lacks a move.
 bool Agree(const hsTArray<uint8_t>& verbs, int32_t pointCount) {
   int64_t used = 0;
   bool open = false;

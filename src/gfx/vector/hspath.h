@@ -1,7 +1,7 @@
 // The library's shape: contours of lines, quadratic and cubic Bezier curves.
 //
 // A path is two arrays, the points and the verbs that use them, read through hsPathIter. Its one surprising rule: a
-// move is lazy. MoveTo stores nothing; the first segment behind it writes the move. So moves replace each other, and
+// move is lazy. MoveTo stores nothing; the first segment after it writes the move. So moves replace each other, and
 // one that leads nowhere leaves no trace.
 #pragma once
 
@@ -52,7 +52,7 @@ class hsPath {
   void SetFillType(uint32_t flags) { fFlags = flags & kEvenOddFill; }
 
   // Building. A coordinate of 0x7FFFFFFF or 0x80000000 reports "NAN" and throws. A segment without a MoveTo before it,
-  // or behind a Close, is reported and left out.
+  // or after a Close, is reported and left out.
   void MoveTo(hsScalar x, hsScalar y) { MoveTo({x, y}); }
   void MoveTo(hsPoint p);
   void LineTo(hsScalar x, hsScalar y) { LineTo({x, y}); }
@@ -76,10 +76,10 @@ class hsPath {
   // index" without one; with no contour open it is the pending move that changes.
   void SetLastPoint(hsScalar x, hsScalar y);
   int32_t CountPoints() const { return fPoints.Count(); }
-  // False outside the points. A nil point only tests.
+  // False outside the points. A null point only tests.
   bool GetPoint(int32_t index, hsPoint* point) const;
 
-  // Appends the segments of src's first contour to the contour open here, which should stand at their start, or, in
+  // Appends the segments of src's first contour to the contour open here, which should be at their start, or, in
   // reverse, at their end. Forward takes nothing from a src whose last contour is closed; reverse does.
   void AddForward(const hsPath& src);
   void AddReverse(const hsPath& src);
@@ -87,12 +87,12 @@ class hsPath {
   // Of all points, control points included; exact, of the curves themselves. 0 for an empty path.
   void ComputeBounds(hsRect* rect, bool exact) const;
   // Whether this is one rectangle, given by 5 points, or by 4 unless mustClose. Only some of the equalities of a
-  // rectangle are tested, so that a few skewed quadrilaterals pass. rect may be nil.
+  // rectangle are tested, so that a few skewed quadrilaterals pass. rect may be null.
   bool IsRect(hsRect* rect, bool mustClose) const;
   uint32_t GetSegmentMask() const;  // bits of SegmentMask
   int32_t CountFirstContourSegments(bool forceClose) const;
 
-  // This = src, or this itself when src is nil, through the map.
+  // This = src, or this itself when src is null, through the map.
   void Transform(const hsMatrix* matrix, const hsPath* src = nullptr);
   void Transform(const hsPointMapper* mapper, const hsPath* src = nullptr);
   void Offset(hsScalar dx, hsScalar dy, const hsPath* src = nullptr);
@@ -103,10 +103,10 @@ class hsPath {
   // cut this way: one that would need it reports "bad t" and stays whole.
   void SubdivideToTolerance(hsScalar tolerance, int32_t maxDepth);
 
-  // Writes the path when a buffer is given; always gives the bytes that it takes: the two counts, points, verbs,
+  // Writes the path when a buffer is given; always returns the bytes that it takes: the two counts, points, verbs,
   // pending move, contour state, flags, without padding.
   int32_t Flatten(void* buffer) const;
-  // Reads what Flatten wrote and moves the cursor behind it. Verbs and points that don't agree throw.
+  // Reads what Flatten wrote and moves the cursor past it. Verbs and points that don't agree throw.
   void Unflatten(const void** cursor);
 
   // Shapes. Those with a sense run clockwise unless reversed.
@@ -121,7 +121,7 @@ class hsPath {
   // From startDegrees over sweepDegrees (16.16), clockwise from twelve o'clock. A wedge goes through the centre and is
   // closed; without one the arc stays open. From 360 degrees on it is the whole oval.
   void AddArc(const hsRect* oval, hsFixed startDegrees, hsFixed sweepDegrees, bool wedge);
-  // An outline as fonts give it: quadratics whose on-curve points are left out where they lie midway between two
+  // An outline as fonts store it: quadratics whose on-curve points are left out where they lie midway between two
   // control points.
   void AddContourWithOnCurveFlags(int32_t count, const hsPoint points[], const uint8_t onCurve[], bool closed);
 

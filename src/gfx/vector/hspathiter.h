@@ -13,12 +13,12 @@ class hsPathIter {
   hsPathIter(const hsPath& path, bool forceClose) { Reset(&path, forceClose); }
   void Reset(const hsPath* path, bool forceClose);
 
-  // The next verb, its points in pts (room for 4, may be nil); kDoneVerb at the end.
+  // The next verb, its points in pts (space for 4, may be null); kDoneVerb at the end.
   hsPath::Verb Next(hsPoint pts[4]);
   // Also before the first Next.
   bool IsDone() const { return !fPath || fLastVerb == hsPath::kDoneVerb; }
 
-  // Skips to the next move, and copies the contour from there into dst unless that is nil. False without one.
+  // Skips to the next move, and copies the contour from there into dst unless that is null. False without one.
   bool NextContour(hsPath* dst);
   // Whether the contour ahead ends in a close.
   bool IsClosedContour() const;

@@ -21,12 +21,12 @@ constexpr int32_t kMaxArcQuads = 8;
 
 hsPoint OnUnitCircle(hsFixed radians) { return {hsFixedSin(radians), hsWrapNeg(hsFixedCos(radians))}; }
 
-// Two cursors that chase each other round a closed outline: fI the point in hand, fJ the one behind it.
+// Two cursors that chase each other round a closed outline: fI the point in hand, fJ the one after it.
 class OutlineCursor {
  public:
   OutlineCursor(int32_t count, bool closed) : fJ(count > 1 ? 1 : 0), count(count), closed(closed) {}
 
-  // An open outline is done as soon as there is no point behind, a closed one when it is back at its first.
+  // An open outline is done as soon as there is no point after, a closed one when it is back at its first.
   void Advance() {
     if (++fI == count) {
       fI = 0;

@@ -51,14 +51,14 @@ class hsRegion {
   bool IsEmpty() const { return fRunCount == kEmptyCount; }
   bool IsRect() const { return fRunCount <= kRectCount; }  // true for the empty region too
   const hsIntRect& Bounds() const { return fBounds; }      // all 0 for an empty region
-  bool GetBounds(hsIntRect* bounds) const;                 // gives IsRect
+  bool GetBounds(hsIntRect* bounds) const;                 // returns IsRect
   bool Contains(int32_t x, int32_t y) const;
   // All of rect; false for an empty one.
   bool Contains(const hsIntRect& rect) const;
   // Any pixel of rect.
   bool Intersects(const hsIntRect& rect) const;
 
-  // The runs of a complex region, nil for any other.
+  // The runs of a complex region, null for any other.
   const int16_t* Runs() const { return fRuns.get(); }
   int32_t CountRuns() const { return fRunCount; }
 
@@ -103,7 +103,7 @@ class hsRegion {
   mutable std::unique_ptr<hsRegionSpanClipper> fSpanClipper;  // made by the first ClipSpan
 };
 
-// value, if it can stand in runs; otherwise reported and brought to the nearest that can.
+// value, if it fits into runs; otherwise reported and brought to the nearest that can.
 int16_t hsRunType(int32_t value);
 // Whether it can; reports if not.
 bool hsIsRunType(int32_t value);
@@ -114,6 +114,6 @@ inline void hsRegion::BlitClipped(int32_t y, int32_t left, int32_t right, hsGBli
     if (!ClipSpan(y, &pieceLeft, &pieceRight)) return;
     if (!hsAssert(pieceRight <= right, "bad clipSpan")) return;
     if (pieceLeft < pieceRight) blitter->BlitH(y, pieceLeft, pieceRight - pieceLeft);
-    left = pieceRight + 1;  // the pixel behind a piece is never in the region
+    left = pieceRight + 1;  // the pixel after a piece is never in the region
   }
 }

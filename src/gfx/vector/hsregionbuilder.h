@@ -22,8 +22,8 @@ class hsRegionBuilder : public hsGBlitter {
   std::unique_ptr<int16_t[]> fStorage;
   int32_t fCapacity;             // elements
   int16_t* fBand = nullptr;      // slot of the current band's bottom
-  int16_t* fPrevBand = nullptr;  // of the band that this one may turn out to equal
-  int16_t* fCursor = nullptr;    // nil before the first span
+  int16_t* fPrevBand = nullptr;  // of the band that this one may prove to equal
+  int16_t* fCursor = nullptr;    // null before the first span
   int16_t* fStop;                // the storage's end
   int32_t fLastY = 0;
 };

@@ -15,7 +15,7 @@ class hsRegionRectIter {
   void Next();
 
  private:
-  const int16_t* fRuns;  // the next span or the sentinel; nil but for a complex region
+  const int16_t* fRuns;  // the next span or the sentinel; null but for a complex region
   hsIntRect fRect;
   bool fDone;
 };
@@ -60,7 +60,7 @@ class hsRegionReverseRowIter {
   const int16_t* fFirst;   // the region's runs
   const int16_t* fBottom;  // slot of the band's bottom
   const int16_t* fEnd;     // the band's sentinel
-  const int16_t* fSpan;    // behind the next span
+  const int16_t* fSpan;    // after the next span
   int32_t fTop = 0;        // first row of the band
   int32_t fY = 0;
 };

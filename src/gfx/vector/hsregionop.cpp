@@ -1,7 +1,7 @@
 // The boolean operations on regions: one merge of bands, and within it one merge of spans.
 //
 // In a band where both operands have spans these are merged; where only one has, they are kept or dropped whole. What
-// tells the four operations apart is no more than that: how spans merge, and whether those of one alone are kept.
+// sets the four operations apart is no more than that: how spans merge, and whether those of one alone are kept.
 #include <algorithm>
 #include <cstring>
 #include <utility>
@@ -13,7 +13,7 @@ namespace {
 constexpr int16_t S = hsRegion::kRunTypeSentinel;
 
 // The merges of two bands' spans. Each reads pairs up to the sentinel, writes what is kept and a sentinel, at most as
-// many elements as both have together, and gives the place behind.
+// many elements as both have together, and returns the place after.
 
 using SpanMerge = int16_t* (*)(const int16_t* a, const int16_t* b, int16_t* out);
 
@@ -113,7 +113,7 @@ struct Band {
   explicit Band(const int16_t* runs) : top(runs[0]) { Enter(runs + 1); }
   bool IsUsedUp() const { return top == S; }
   int32_t Size() const { return int32_t(end - spans); }
-  // Leaves the rows above y behind; y is at most the bottom.
+  // Leaves out the rows above y; y is at most the bottom.
   void ConsumeTo(int32_t y) {
     top = y;
     if (y != bottom) return;
@@ -253,7 +253,7 @@ class hsRegionOperator {
 
   // Rows have been left out since the last band.
   bool IsGapBefore(int32_t top) const { return fPrev && *fPrev != top; }
-  // Where the spans of a band from top on are to be written, behind its bottom and, after a gap, that gap's empty band.
+  // Where the spans of a band from top on are to be written, after its bottom and, after a gap, that gap's empty band.
   int16_t* SpansAt(int32_t top) const { return fOut + (IsGapBefore(top) ? 3 : 1); }
 
   // Takes what has been written at SpansAt, up to end, as a band. One like the band above only makes that higher, and
@@ -283,7 +283,7 @@ class hsRegionOperator {
     const int32_t count = int32_t(fOut - fRuns.get());
     if (count <= hsRegion::kRectRuns) return result->SetRuns(count, fRuns.get());
     const hsIntRect exact = bounds ? *bounds : hsIntRect{fLeft, fRuns[0], fRight, *fPrev};
-    if (count < fCapacity / 2) {  // most of the room would lie idle
+    if (count < fCapacity / 2) {  // most of the space would lie idle
       std::unique_ptr<int16_t[]> fitting(new int16_t[size_t(count)]);
       std::copy_n(fRuns.get(), count, fitting.get());
       fRuns = std::move(fitting);

@@ -1,6 +1,6 @@
 // The scan converters: a shape and a clip go in, spans and rectangles come out to a blitter.
 //
-// A pixel belongs to a shape when its centre lies inside. A nil clip means no clipping: whatever the shape covers is
+// A pixel belongs to a shape when its centre lies inside. A null clip means no clipping: whatever the shape covers is
 // asked of the blitter, so a caller without a clip must know that the shape stays on its bitmap. An empty clip draws
 // nothing. A blitter must not call a scan converter.
 //
@@ -16,7 +16,7 @@ class hsRegion;
 namespace HSScan {
 
 // The inside of a path by its fill type; open contours count as closed. Spans come from the top and, within a row, from
-// the left, without overlap; only BlitH is called. A nil path or blitter fails "nil param".
+// the left, without overlap; only BlitH is called. A null path or blitter fails "nil param".
 void FillPath(const hsPath* path, const hsRegion* clip, hsGBlitter* blitter);
 
 // The rectangle rounded to whole pixels. With atLeastOnePixel a side that rounds to nothing becomes one pixel.
@@ -36,7 +36,7 @@ void FillQuad(const hsPoint points[4], const hsRegion* clip, hsGBlitter* blitter
 void AntiFillPath(const hsPath* path, const hsRegion* clip, hsGBlitter* blitter, int32_t spare = 0);
 void AntiFillQuad(const hsPoint points[4], const hsRegion* clip, hsGBlitter* blitter);
 
-// A line one pixel thick. Its pixels run from the one that holds the upper or left end; the one behind the other end
+// A line one pixel thick. Its pixels run from the one that holds the upper or left end; the one after the other end
 // is left out. Equal ends draw one pixel.
 void HairLine(const hsPoint& p0, const hsPoint& p1, const hsRegion* clip, hsGBlitter* blitter);
 // Each segment of a path as hairlines; open contours stay open.
@@ -53,7 +53,7 @@ enum StrokeStyle : uint32_t {
 
 // Adds the outline of a stroke of src to dst, which should arrive empty: filled by winding, it is the stroke. radius is
 // half the width. A corner is mitered when its tip lies within miterLimit times radius. A negative radius or limit, or
-// a nil dst, fails "bad param".
+// a null dst, fails "bad param".
 void StrokePath(const hsPath* src, hsFixed radius, hsFixed miterLimit, uint32_t style, hsPath* dst);
 
 }  // namespace HSScan

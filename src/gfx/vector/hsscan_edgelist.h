@@ -10,14 +10,14 @@ class hsPath;
 // Edges and the scratch for sorting lie in the object itself while there are few; then a fill allocates nothing.
 class hsEdgeList {
  public:
-  // The path's points times scale, a power of two, and its curves chopped where they turn in Y. With a clip, edges are
-  // cut to its rows, and what lies beside it keeps only its winding.
+  // The path's points times scale, a power of two, and its curves chopped where their direction in Y changes. With a
+  // clip, edges are cut to its rows, and what lies beside it keeps only its winding.
   hsEdgeList(const hsPath& path, int32_t scale, const hsIntRect* clip);
   hsEdgeList(const hsEdgeList&) = delete;
   hsEdgeList& operator=(const hsEdgeList&) = delete;
 
   bool IsEmpty() const { return fCount == 0; }
-  // Links the edges by first row, then X, and gives the first. Equal ones keep no particular order.
+  // Links the edges by first row, then X, and returns the first. Equal ones keep no particular order.
   hsEdge* Sort();
   // The rows that the edges own.
   void GetRows(int32_t* top, int32_t* bottom) const;

@@ -1,6 +1,6 @@
 // The walk over a path's edges, row by row.
 //
-// One list holds all edges: the active ones in front, by X, the others behind them, by first row. Each row is one pass
+// One list holds all edges: the active ones in front, by X, the others after them, by first row. Each row is one pass
 // over the active ones that makes the spans and at the same time readies the list for the next row. Sorting is
 // needed only when that pass has seen an edge overtake another.
 #include "gfx/vector/hsscan_fillpath.h"
@@ -18,13 +18,13 @@ constexpr const char kFailed[] = "HSScan assert failed";
 constexpr int32_t kLeftmost = -32767;
 constexpr hsFixed kBelowAll = INT32_MIN;  // of the list's head, so that no edge needs a case for being the first
 
-// Where a run stops being in order: up to `last` it is, and the edge behind that belongs farther in front.
+// Where a run stops being in order: up to `last` it is, and the edge after that belongs farther in front.
 struct Overtaken {
   hsEdge* beforeLast;
-  hsEdge* last = nullptr;  // nil for a run that is in order
+  hsEdge* last = nullptr;  // null for a run that is in order
 };
 
-// Brings the run behind head, up to stop, into order and gives its last edge. Equal edges stay as they were.
+// Brings the run after head, up to stop, into order and returns its last edge. Equal edges stay as they were.
 hsEdge* SortActive(hsEdge* head, Overtaken sorted, const hsEdge* stop) {
   for (hsEdge* edge; (edge = sorted.last->fNext) != stop;) {
     if (sorted.last->fX <= edge->fX) {
@@ -44,13 +44,13 @@ hsEdge* SortActive(hsEdge* head, Overtaken sorted, const hsEdge* stop) {
   return sorted.last;
 }
 
-// Takes the edges from `fresh` on that start on row y into the run from behind head to last; both are in order. A
-// starting edge goes before one at the same X.
+// Takes the edges from `fresh` on that start on row y into the run from the one after head to last; both are in order.
+// A starting edge goes before one at the same X.
 void Merge(hsEdge* head, hsEdge* last, hsEdge* fresh, int32_t y) {
   hsEdge* before = head;
   while (fresh && fresh->fFirstY <= y) {
     while (before != last && before->fNext->fX < fresh->fX) before = before->fNext;
-    if (before == last) break;  // the others follow as they stand
+    if (before == last) break;  // the others follow as they are
     hsAssert(before->fX <= fresh->fX, "insertion sort is failing");
     hsEdge* const next = fresh->fNext;
     fresh->fNext = before->fNext;
@@ -60,7 +60,7 @@ void Merge(hsEdge* head, hsEdge* last, hsEdge* fresh, int32_t y) {
   last->fNext = fresh;
 }
 
-// Readies the list for row y. The active edges run from behind head to last; stop, behind them, is the first that
+// Readies the list for row y. The active edges run from the one after head to last; stop, after them, is the first that
 // hasn't started. What the walk has seen in order and doesn't change here isn't looked at again.
 void Resort(const Overtaken& sorted, hsEdge* head, hsEdge* last, hsEdge* stop, int32_t y) {
   if (sorted.last) last = SortActive(head, sorted, stop);
@@ -100,7 +100,7 @@ void Walk(hsEdge* first, int32_t top, int32_t bottom, int32_t mask, const Clip& 
     hsEdge* prev = &head;
     hsEdge* curr = head.fNext;
     if (!hsAssert(curr, kFailed)) return;
-    // The edges are in order, so the first one tells for all.
+    // The edges are in order, so the first one decides for all.
     hsAssert(curr->fFirstY > y || curr->fX >> 16 >= kLeftmost, "unordered edges");
     int32_t left = 0, winding = 0;
     hsFixed lastX = kBelowAll;

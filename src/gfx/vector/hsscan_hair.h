@@ -9,7 +9,7 @@ struct hsHairRun {
   bool fIsSteep;   // the longer axis is Y
   int32_t fFirst;  // pixel on the longer axis
   int32_t fCount;  // pixels, above 0
-  hsFixed fMinor;  // on the other axis, at the centre of the first pixel; cut, it gives the pixel
+  hsFixed fMinor;  // on the other axis, at the centre of the first pixel; cut, it is the pixel
   hsFixed fSlope;  // of fMinor, per pixel
 };
 

@@ -77,7 +77,7 @@ bool OrderedRounds(hsFixed a, hsFixed b, int32_t* from, int32_t* count) {
   return *count > 0;
 }
 
-// clip holds the line's box, or is nil for a line that needs none.
+// clip holds the line's box, or is null for a line that needs none.
 void DrawLine(hsPoint p0, hsPoint p1, const hsIntRect* clip, hsGBlitter* blitter) {
   const uint32_t dx = hsMagnitude32(hsWrapSub(p1.fX, p0.fX)), dy = hsMagnitude32(hsWrapSub(p1.fY, p0.fY));
   int32_t from, count;

@@ -22,7 +22,7 @@ constexpr int32_t kDeepestQuad = 7, kDeepestCubic = 9;
 
 hsPoint Negated(hsPoint p) { return {hsWrapNeg(p.fX), hsWrapNeg(p.fY)}; }
 hsPoint Scaled(hsPoint p, hsFixed by) { return {hsFixMul(p.fX, by), hsFixMul(p.fY, by)}; }
-// A quarter turn to the side that is called outer.
+// A quarter circle to the side that is called outer.
 hsPoint Turned(hsPoint p) { return {p.fY, hsWrapNeg(p.fX)}; }
 hsFixed Dot(hsPoint a, hsPoint b) { return hsWrapAdd(hsFixMul(a.fX, b.fX), hsFixMul(a.fY, b.fY)); }
 hsFixed Cross(hsPoint a, hsPoint b) { return hsWrapSub(hsFixMul(a.fX, b.fY), hsFixMul(a.fY, b.fX)); }
@@ -37,7 +37,7 @@ bool Normalize(hsPoint* p, hsFixed length = kFixed1) {
   return true;
 }
 
-// The index of the first point that tells a direction from pts[0], 0 if none does.
+// The index of the first point that gives a direction from pts[0], 0 if none does.
 int32_t FirstDirection(const hsPoint pts[], int32_t count, hsPoint* dir) {
   for (int32_t i = 1; i < count; ++i) {
     hsPoint d = pts[i] - pts[0];
@@ -82,7 +82,7 @@ void hsStroker::Run(const hsPath& src) {
   fOuter.Reserve(3 * src.CountPoints());
   fInner.Reserve(3 * src.CountPoints());
   fDst->Reserve(6 * src.CountPoints());
-  int32_t prev = 0;  // the point count of the segment before; 1 behind a move, 0 outside a contour
+  int32_t prev = 0;  // the point count of the segment before; 1 after a move, 0 outside a contour
   int32_t firstCount = 0;
   hsPoint dir{0, 0}, last{0, 0}, pts[4];
   hsPathIter iter(src, false);
@@ -170,7 +170,7 @@ bool hsStroker::MiterJoin(hsPath* outer, hsPoint p, hsPoint a, hsPoint b, hsFixe
   } else {
     d = {hsWrapAdd(a.fY, b.fY), hsWrapSub(hsWrapNeg(a.fX), b.fX)};
     hsFixed s = hsFractSqrt((dot + kFixed1) >> 1) >> 7;  // the cosine of half the angle
-    // Negated for turns to the one side, which so never get a miter here.
+    // Negated for bends to the one side, which so never get a miter here.
     if (cross < 0) s = -s;
     if (fInvMiterLimit < s) m = hsFixMul(hsMagnitude(d.fX, d.fY), s);
   }
@@ -275,8 +275,8 @@ void hsStroker::FinishOpen(hsPoint dir, hsPoint last) {
 
 void hsStroker::FinishClosed(hsPoint dir, int32_t firstCount) {
   const hsPoint first[2] = {fFirstPt, fSecondPt};
-  // The count of the first segment stands in for the last one's: a contour that begins with a line and ends in a curve
-  // has its last point moved to the miter's tip.
+  // The count of the first segment is taken in place of the last one's: a contour that begins with a line and ends in a
+  // curve has its last point moved to the miter's tip.
   Join(first, 2, &dir, firstCount);
   fOuter.Close();
   fDst->AddPath(fOuter);

@@ -1,6 +1,6 @@
 // Makes the outline of a stroke: a path whose inside, by winding, is the stroke.
 //
-// Each segment is offset to both sides by one segment of its own kind, or by several where its direction turns too
+// Each segment is offset to both sides by one segment of its own kind, or by several where its direction changes too
 // much for one. Joins go on the side where the corner opens; the other side runs through the corner's offset point and
 // overlaps itself, which the winding fill hides.
 #pragma once

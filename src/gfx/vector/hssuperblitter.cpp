@@ -35,7 +35,7 @@ void ReportOverflow(uint64_t carries) {
   hsAssert(false, kMessages[pixel & 3]);
 }
 
-// Adds byte by byte; gives the top bits of those that overflowed.
+// Adds byte by byte; returns the top bits of those that overflowed.
 inline uint64_t AddBytes(uint64_t* word, uint64_t by) {
   const uint64_t before = *word, after = before + by;
   *word = after;
@@ -138,7 +138,7 @@ void hsSuperBlitter::Flush(bool clear) {
     while (fClip->ClipSpan(fCurrY, &l, &r)) {
       fRealBlitter->fAlpha = Bytes() + (l - left);
       fRealBlitter->BlitH(fCurrY, l, r - l);
-      if (r + 1 >= right) break;  // the pixel behind a piece is never in the region
+      if (r + 1 >= right) break;  // the pixel after a piece is never in the region
       l = r + 1;
       r = right;
     }

@@ -15,7 +15,7 @@ class hsSuperBlitter : public hsGBlitter {
  public:
   static constexpr int32_t kShift = 2;  // log2 of the samples to a pixel, either way
 
-  // Rows of bounds (pixels) go to realBlitter: whole when clip is nil, otherwise the pieces that lie in clip.
+  // Rows of bounds (pixels) go to realBlitter: whole when clip is null, otherwise the pieces that lie in clip.
   hsSuperBlitter(const hsIntRect& bounds, const hsRegion* clip, hsGBlitter* realBlitter);
 
   // In samples, ascending and without overlap.

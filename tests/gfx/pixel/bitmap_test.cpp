@@ -32,7 +32,7 @@ TEST(Bitmap, EraseRefusesInItsOrder) {
   hsGBitmap empty(hsGBitmap::kConfig_ARGB32);
   empty.Erase({});  // no area: neither the image nor the config matters
   empty.fWidth = empty.fHeight = 5;
-  empty.Erase({});  // told, without a halt
+  empty.Erase({});  // reported, without a halt
   EXPECT_TRUE(ReturnOnHalt::Reports().empty());
 
   Surface deep(hsGBitmap::kConfig_RGB32, 4, 4, random), before(deep);

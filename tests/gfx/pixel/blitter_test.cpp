@@ -126,7 +126,7 @@ void Check(hsGAttribute* attr, int maskType, const Rule& rule, Random& random, u
 
 uint16_t Wide(Random& random) { return uint16_t(random.Byte() << 8 | random.Byte()); }
 
-// One paint for all turns, so that most blitters are made over from the one before.
+// One paint for all iterations, so that most blitters are made over from the one before.
 TEST(Blitter, SolidColoursFollowTheirRules) {
   Random random(1);
   Palette palette(random, 200), other(random, 256);

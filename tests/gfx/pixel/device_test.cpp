@@ -44,7 +44,7 @@ hsGColor RandomColor(Random& random) {
 
 // ---- Pixels
 
-// The coverage that a converter gives each pixel, without any clip; -1 where nothing was asked for.
+// The coverage that a converter computes for each pixel, without any clip; -1 where nothing was asked for.
 struct Coverage : hsGBlitter {
   Coverage() { std::fill_n(bytes[0], kWidth * kHeight, -1); }
   void BlitH(int32_t y, int32_t x, int32_t width) override {
@@ -272,7 +272,7 @@ struct Scene {
     const hsGColor color = RandomColor(random);
     attr->SetColor(&color);
     attr->SetFrameSize(random.Chance(40) ? 0 : random.Between(1, 6) * kFixedHalf);
-    // A hairline's pixels reach half a pixel beyond its points, and the bounder is told of one column at the right; its
+    // A hairline's pixels reach half a pixel beyond its points, and the bounder hears of one column at the right; its
     // curves bulge farther.
     const bool isHair = attr->FrameSize() == 0;
     if (isHair && (attr->Flags() & hsGAttribute::kFrame)) *slack = kWidth;

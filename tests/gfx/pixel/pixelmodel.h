@@ -74,7 +74,7 @@ struct Palette {
   mutable std::vector<int> cells;
 };
 
-// A bitmap with pixels of its own and a random tail behind each row, so that stray writes show.
+// A bitmap with pixels of its own and a random tail after each row, so that stray writes show.
 class Surface {
  public:
   Surface(uint8_t config, int width, int height, Random& random, const Palette* palette = nullptr) : bitmap(config) {

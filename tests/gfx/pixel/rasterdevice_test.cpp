@@ -132,7 +132,7 @@ TEST(RasterDevice, StatesAndReplay) {
   EXPECT_EQ(ReportOf([&] { device.DrawRect(&rect, nullptr); }), "nil param: 0");
 }
 
-// Doubles the stroke, or turns it into a fill.
+// Doubles the stroke, or makes it a fill.
 class WidthEffect : public hsGPathEffect {
  public:
   explicit WidthEffect(hsScalar width) : fWidth(width) {}

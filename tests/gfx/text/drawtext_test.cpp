@@ -10,7 +10,7 @@ constexpr hsFixed kUnit = 655;
 
 TEST_F(TextTest, GlyphsStandAtTheirPositionsOnTheBaseline) {
   Draw("a b", 5_px, 20_px);
-  // a: 1 right of the pen, 7 rows; then 6 + 3 on to b, whose block reaches 2 rows below. Masks stand a row lower than
+  // a: 1 right of the pen, 7 rows; then 6 + 3 on to b, whose block reaches 2 rows below. Masks lie a row lower than
   // outlines, the lowest row of a on the row of the baseline itself.
   ExpectBlocks({{6, 14, 10, 21}, {14, 18, 17, 23}});
 }
@@ -85,7 +85,7 @@ TEST_F(TextTest, KerningGivesHalfToEachSide) {
   EXPECT_EQ(Positions("aba"), (std::vector<hsFixed>{0, 6_px, 10_px, 16_px}));
   fAttr.SetFlags(fAttr.Flags() | hsGAttribute::kKernText);
   constexpr hsFixed kHalf = 100 * kUnit / 2;
-  // The pair a, b kerns by 100 units; the pair b, a by none, so all that stands behind moves by all of it.
+  // The pair a, b kerns by 100 units; the pair b, a by none, so all that comes after it moves by all of it.
   EXPECT_EQ(Positions("aba"), (std::vector<hsFixed>{0, 6_px - kHalf, 10_px - 2 * kHalf, 16_px - 2 * kHalf}));
   EXPECT_EQ(Positions("ab"), (std::vector<hsFixed>{0, 6_px - kHalf, 10_px - kHalf}));
 }
@@ -231,7 +231,7 @@ TEST_F(TextTest, EffectsArePartOfTheStrike) {
   auto* effect = new ShiftEffect(0);
   fAttr.SetPathEffect(effect);
   effect->UnRef();
-  // Rebuilt for the text size, 10, it shifts by 10 pixels; drawn by its outline, the mask stands on the baseline.
+  // Rebuilt for the text size, 10, it shifts by 10 pixels; drawn by its outline, the mask lies on the baseline.
   Draw("a", 5_px, 20_px);
   ExpectBlocks({{16, 13, 20, 20}});
   EXPECT_EQ(Width("a"), 6_px);

@@ -36,7 +36,7 @@ TEST(Sfnt, MapsByFormat) {
   EXPECT_EQ(MapOne(format4, 0x31), 45);
   EXPECT_EQ(MapOne(format4, 0xFFFF), 0);
 
-  // High byte 0x81 has sub-header 1: second bytes 0x40 and 0x41, delta 10, glyphs behind the sub-headers.
+  // High byte 0x81 has sub-header 1: second bytes 0x40 and 0x41, delta 10, glyphs after the sub-headers.
   Bytes format2 = Bytes().Words({2, 0, 0});
   for (int i = 0; i < 256; ++i) format2.U16(i == 0x81 ? 8 : 0);
   format2.Words({0, 0, 0, 0}).Words({0x40, 2, 10, 2}).Words({3, 0});

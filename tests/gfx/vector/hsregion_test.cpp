@@ -257,7 +257,7 @@ TEST(Region, TranslatesItselfOrACopy) {
 
 TEST(Region, MalformedRunsAreRefused) {
   const std::vector<int16_t> cases[] = {
-      {0, 10, 5, 8, S, S, S},          // goes on behind its end
+      {0, 10, 5, 8, S, S, S},          // goes on after its end
       {0, 10, 5, 8, 9, S, S},          // half a span
       {0, 10, 5, 8, 8, 9, S, S},       // spans that touch
       {0, 10, 8, 5, 12, 13, S, S},     // right before left

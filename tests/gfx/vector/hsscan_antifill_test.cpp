@@ -1,4 +1,4 @@
-// Coverage: the rule of its bytes, and the area that it stands for.
+// Coverage: the rule of its bytes, and the area that it means.
 #include <gtest/gtest.h>
 
 #include <cstring>

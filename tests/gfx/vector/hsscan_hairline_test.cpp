@@ -86,7 +86,7 @@ TEST(HairLine, StaysInsideItsClip) {
 }
 
 // Long lines add up their slope's last bit. The clip that just holds the line's box must hold its pixels too; one with
-// room to spare changes nothing.
+// space to spare changes nothing.
 TEST(HairLine, LongLinesStrayOutOfTheirBoxButNotOutOfTheClip) {
   struct Last : hsGBlitter {
     void BlitH(int32_t y, int32_t x, int32_t) override { pixel = {x, y}; }
@@ -95,7 +95,7 @@ TEST(HairLine, LongLinesStrayOutOfTheirBoxButNotOutOfTheClip) {
   Random random(23);
   for (int i = 0; i < 400; ++i) {
     const hsPoint a{hsScalar(random() % 0x20000), hsScalar(random() % 0x20000)};
-    // The last pixel's middle lies half a pixel behind the end, and there the line half a pixel beside its box's edge.
+    // The last pixel's middle lies half a pixel after the end, and there the line half a pixel beside its box's edge.
     const hsPoint b{14002 * kFixed1 + hsScalar(random() % 256 + 1),
                     14000 * kFixed1 + 0x7FFF - hsScalar(random() % 256)};
     const hsRegion clip(

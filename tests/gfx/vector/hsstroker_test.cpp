@@ -62,7 +62,7 @@ TEST(StrokePath, BadParametersThrow) {
   EXPECT_EQ(ReportOf([&] { HSScan::StrokePath(&path, 1, 0, 0, nullptr); }), "bad param: 0");
 }
 
-// Round strokes hold what lies within the radius of the path and nothing else, but for a margin: one curve stands for
+// Round strokes hold what lies within the radius of the path and nothing else, but for a margin: one curve covers
 // up to 45 degrees of turning, and the fill's lines are off by up to half a pixel. Where a curve doubles back more
 // sharply than its radius, the two sides can cancel each other in a pixel or so.
 void CompareWithDistance(bool curves, double inner, double outer, int mostHoles) {

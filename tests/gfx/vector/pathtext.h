@@ -55,7 +55,7 @@ inline std::string TextOf(const hsPath& path) {
   return TextOf(std::vector<uint8_t>(verbs, verbs + counts[1]), points.data());
 }
 
-// What the iterator gives, without the repeated start points.
+// What the iterator returns, without the repeated start points.
 inline std::string IteratedText(const hsPath& path, bool forceClose) {
   std::vector<uint8_t> verbs;
   std::vector<hsPoint> points;

@@ -19,7 +19,7 @@ struct PixelModel {
     for (int y = r.fTop; y < r.fBottom; ++y)
       for (int x = r.fLeft; x < r.fRight; ++x) pixels[size_t(y)][size_t(x)] = value;
   }
-  // The spans of a row, left and right by turns.
+  // The spans of a row, left and right alternately.
   std::vector<int16_t> Row(int y) const {
     std::vector<int16_t> edges;
     for (int x = 0; x <= kModelSize; ++x) {
