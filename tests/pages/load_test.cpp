@@ -114,10 +114,13 @@ TEST_F(LoadTest, ANestedPageMayTakeThePageAroundItAway) {
   scripts["loadInner"] = [] { frameUnload(topFrame()); };
   EXPECT_FALSE(load(page(outer)));
   EXPECT_EQ(topFrame()->pageData, nullptr);
+  EXPECT_EQ(topFrame()->widgets, nullptr);  // the group that was being made adds none of its children any more
 
   scripts["loadInner"] = [] { frameLoad(topFrame(), "other.kpg"); };
   EXPECT_TRUE(load(page(outer)));
   EXPECT_EQ(focusName(), "other");
+  EXPECT_EQ(topFrame()->widgets, widget("other"));
+  EXPECT_EQ(widget("other")->nextInFrame, nullptr);
   desktop.settle();
 }
 
