@@ -1,3 +1,8 @@
+#include <iterator>
+
+#include "engine/images/imageload.h"
+#include "engine/screen/clut.h"
+#include "engine/text/fonts.h"
 #include "host/host.h"
 #include "support/pagefixture.h"
 
@@ -27,6 +32,29 @@ TEST_F(HostTest, NamesLeadThroughEitherSeparatorAndAnyCaseButTheExactOneFirst) {
   EXPECT_EQ(contents("art/icons/play.gif"), "lower");
   EXPECT_EQ(contents("Art/Icons"), "(none)");  // a folder is no file
   EXPECT_EQ(contents("art/none.gif"), "(none)");
+}
+
+TEST_F(HostTest, EveryReaderClosesItsFile) {
+  const std::filesystem::path descriptors = "/proc/self/fd";
+  if (!std::filesystem::exists(descriptors)) GTEST_SKIP() << "open files can't be counted here";
+  const auto openFiles = [&] {
+    return std::distance(std::filesystem::directory_iterator(descriptors), std::filesystem::directory_iterator());
+  };
+  ASSERT_TRUE(load("flags: 8bit\npage: {type: group}"));
+  const std::string good("\0\0\0\1\0\1\0\1\0\0\0\0x", 13);
+  writeText("good.kpx", good);
+  writeText("short.kpx", good.substr(0, 5));
+  writeText("cut.kpx", good.substr(0, 12));
+  for (const char* name : {"bad.gif", "any.clut", "any.ttf", "any.tbl", "any.txt"}) writeText(name, "no such format");
+  const auto before = openFiles();
+  for (const char* name : {"good.kpx", "short.kpx", "cut.kpx", "bad.gif", "page.kpg"}) imagePreload(name);
+  clutLoad("any.clut");
+  fontLoad("any.ttf");
+  desktop.typeLine("new StringTable(\"any.tbl\").Close();");
+  desktop.typeLine("new TextStyle({font: \"any.ttf\", size: 10}).CacheGlyphsFromFile(\"any.txt\");");
+  desktop.typeLine("Load(\"any.txt\");");
+  EXPECT_FALSE(loadFile("any.txt"));
+  EXPECT_EQ(openFiles(), before);
 }
 
 TEST_F(HostTest, ALogLineBeyondItsBufferIsCut) {

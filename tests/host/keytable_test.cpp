@@ -9,8 +9,8 @@ TEST(KeyTable, ThePadIsAThreeByThreeSquareButForTheComma) {
     char key;
     uint32_t direction;
   };
-  for (const Case& c : {Case{'u', 5}, Case{'I', 1}, Case{'o', 9}, Case{'J', 4}, Case{'l', 8}, Case{'M', 6}, Case{',', 2},
-                        Case{'<', 2}, Case{'.', 10}, Case{'>', 10}}) {
+  for (const Case& c : {Case{'u', 5}, Case{'I', 1}, Case{'o', 9}, Case{'J', 4}, Case{'l', 8}, Case{'M', 6},
+                        Case{',', 2}, Case{'<', 2}, Case{'.', 10}, Case{'>', 10}}) {
     const auto key = remoteKeyForCharacter(c.key);
     ASSERT_TRUE(key) << c.key;
     EXPECT_EQ(key->code, 0x80001u) << c.key;

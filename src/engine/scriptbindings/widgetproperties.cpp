@@ -14,7 +14,10 @@ Widget* activeWidget(BobInterp* interp, BobValue self, const char* complaint = k
 }
 
 bool takeInteger(BobInterp* interp, BobValue value, int32_t* out, const char* complaint = kExpectingInteger) {
-  if (!bobIsInteger(interp, value)) return scriptComplain(complaint), false;
+  if (!bobIsInteger(interp, value)) {
+    scriptComplain(complaint);
+    return false;
+  }
   *out = bobIntegerValue(interp, value);
   return true;
 }

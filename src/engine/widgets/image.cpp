@@ -36,7 +36,7 @@ int ImageWidget::handleEvent(const Event* event) {
   if (!event) return 1;
   switch (event->code) {
     case kFullRedraw:
-    case kContentRedraw: return draw(this), 1;
+    case kContentRedraw: draw(this); return 1;
     case kWidgetDestroyed: return 1;
     case kGetSrc: return getName(src, *event);
     case kSetSrc: return setName(this, src, *event, !isHighlighted(this));

@@ -61,9 +61,9 @@ int rangeEvent(RangeWidget* widget, const Event& event) {
     case kGetValue: return eventAnswerInteger(event, widget->value);
     case kSetValue: return setValue(widget, event);
     case kGetMinimum: return getNumber(widget->minimum, event);
-    case kSetMinimum: return widget->minimum = int32_t(event.data), 1;
+    case kSetMinimum: widget->minimum = int32_t(event.data); return 1;
     case kGetMaximum: return getNumber(widget->maximum, event);
-    case kSetMaximum: return widget->maximum = int32_t(event.data), 1;
+    case kSetMaximum: widget->maximum = int32_t(event.data); return 1;
     default: return widgetBaseEvent(widget, event);
   }
 }

@@ -134,7 +134,10 @@ int setValue(SelectWidget* widget, const Event& event) {
 int addChoice(SelectWidget* widget, const Event& event) {
   const KuiValue* in = eventPointer<KuiValue>(event);
   if (!in) return 0;
-  if (in->kind != KuiValue::kString) return hostLog("Expecting string value\n");
+  if (in->kind != KuiValue::kString) {
+    hostLog("Expecting string value\n");
+    return 0;
+  }
   widget->choices.push_back({std::string(in->string)});
   widgetInvalidate(widget);
   return 1;
@@ -173,7 +176,7 @@ int SelectWidget::handleEvent(const Event* event) {
   switch (event->code) {
     case kDirectionKey: return selectKey(this, *event);
     case kFullRedraw:
-    case kContentRedraw: return draw(this), 1;
+    case kContentRedraw: draw(this); return 1;
     case kWidgetDestroyed: return freeChoices(this);
     case kGetValue: return getValue(this, *event);
     case kSetValue: return setValue(this, *event);

@@ -177,7 +177,7 @@ int TextWidget::handleEvent(const Event* event) {
   if (!event) return 1;
   switch (event->code) {
     case kFullRedraw:
-    case kContentRedraw: return draw(this), 1;
+    case kContentRedraw: draw(this); return 1;
     case kWidgetDestroyed: return freeText(this);
     case kClearKey: return editable ? clear(this) : widgetBaseEvent(this, *event);
     case kDigitKey:

@@ -115,7 +115,7 @@ int TextContainerWidget::handleEvent(const Event* event) {
   switch (event->code) {
     case kDirectionKey: return directionKey(this, *event);
     case kFullRedraw:
-    case kContentRedraw: return draw(this), 1;
+    case kContentRedraw: draw(this); return 1;
     case kGetValue: return eventAnswerInteger(*event, selectedLine);
     case kScrollLines: return scroll(this, int32_t(event->data));
     case kMoveSelection: return moveSelection(this, int32_t(event->data));
