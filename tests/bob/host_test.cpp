@@ -27,7 +27,7 @@ BobValue LampBlink(BobInterp* interp) {
   BobValue callback;
   bobParse(interp, "P=*V", lampKind, &lamp, &callback);
   if (!lamp) return kBobFalse;
-  return bobCall(&interp->scope, callback, {bobMakeInteger(interp, static_cast<Lamp*>(lamp)->level)});
+  return bobCall(bobCurrentScope(interp), callback, {bobMakeInteger(interp, static_cast<Lamp*>(lamp)->level)});
 }
 BobValue LampLevel(BobInterp* interp, BobValue object) {
   const auto* lamp = static_cast<Lamp*>(bobNativePointer(interp, object));

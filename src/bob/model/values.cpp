@@ -110,7 +110,6 @@ BobValue bobMakeObject(BobInterp* interp, BobValue parent) {
 bool bobIsA(BobInterp* interp, BobValue value, uint32_t type) { return interp->isA(value, type); }
 bool bobIsInteger(BobInterp* interp, BobValue value) { return interp->isInteger(value); }
 int32_t bobIntegerValue(BobInterp* interp, BobValue value) { return interp->integerOf(value); }
-double bobFloatValue(BobInterp* interp, BobValue value) { return interp->floatOf(value); }
 std::string_view bobStringText(BobInterp* interp, BobValue value) { return interp->stringOf(value); }
 
 BobValue bobCodeName(BobInterp* interp, BobValue code) {

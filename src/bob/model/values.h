@@ -26,7 +26,6 @@ BobValue bobMakeObject(BobInterp* interp, BobValue parent);
 bool bobIsA(BobInterp* interp, BobValue value, uint32_t type);
 bool bobIsInteger(BobInterp* interp, BobValue value);
 int32_t bobIntegerValue(BobInterp* interp, BobValue value);
-double bobFloatValue(BobInterp* interp, BobValue value);
 std::string_view bobStringText(BobInterp* interp,
                                BobValue value);  // looks into the heap: gone with the next allocation
 

@@ -21,15 +21,6 @@ BOB_STEP bool goOnAfter(BobRegisters& r) {
 
 }  // namespace
 
-void bobRestMachine(BobInterp* interp) {
-#ifdef BOB_FUEL  // for fuzzing: what has run for too long is stopped without a message
-  interp->stepsToRest = 1;
-  bobRaise(interp, kBobRestart);
-#endif
-  interp->stepsToRest = kBobStepsToRest;
-  if (interp->rest) interp->rest(interp);
-}
-
 // Each instruction ends by jumping straight to the next one's code, by a table of addresses: the processor predicts
 // such a jump by the instruction that it ends, which it couldn't if all of them came from one place.
 void bobExecute(BobInterp* const interp) {

@@ -19,7 +19,7 @@ template <BobQuickOp>
 struct BobOp {};
 
 // Called after so many branches and calls.
-[[gnu::noinline]] void bobRestMachine(BobInterp* interp);
+void bobRestMachine(BobInterp* interp);
 
 struct BobRegisters {
   BOB_STEP explicit BobRegisters(BobInterp* interp)
