@@ -6,9 +6,6 @@ namespace {
 
 constexpr CrossingBounds kNoBounds{kCrossingLimit, kCrossingLimit, -kCrossingLimit, -kCrossingLimit};
 
-inline Crossing PlaceOf(Crossing c) { return c >> kKindBits; }
-inline bool SamePlace(Crossing a, Crossing b) { return PlaceOf(a) == PlaceOf(b); }
-
 // A crossing below the slot of its line, in the order of the walk. The kind in the low bits takes no part in sorting.
 using SequencedCrossing = uint64_t;
 
@@ -28,44 +25,6 @@ void ShellSort(SequencedCrossing* c, int n) {
 }
 
 }  // namespace
-
-bool SortMany(Crossing* c, int count) {
-  for (int i = 1; i < count; ++i) {
-    const Crossing moving = c[i];
-    int j = i;
-    for (; j > 0 && c[j - 1] > moving; --j) c[j] = c[j - 1];
-    c[j] = moving;
-  }
-  if (count & 1) return false;
-  Crossing opposite = kRisingKinds;
-  for (int i = 0; i < count; i += 2) opposite &= c[i] ^ c[i + 1];
-  return opposite != 0;
-}
-
-bool IsUndecided(const Crossing* c, int count) {
-  int winding = 0;
-  for (int i = 0; i + 1 < count; ++i) {
-    if (SamePlace(c[i], c[i + 1]) && c[i] != c[i + 1]) {
-      const bool more = (i > 0 && SamePlace(c[i - 1], c[i])) || (i + 2 < count && SamePlace(c[i + 1], c[i + 2]));
-      if (more || winding == 1 || winding == -1) return true;
-    }
-    winding += c[i] & kRisingKinds ? 1 : -1;
-  }
-  return false;
-}
-
-int StrikeLine(tsiMemObject* mem, Crossing* line, int count) {
-  int winding = 0, left = 0;
-  bool strikeNext = false;
-  for (int i = 0; i < count; ++i) {
-    winding += line[i] & kRisingKinds ? 1 : -1;
-    const bool inside = winding > 1 || winding < -1;
-    if (!inside && !strikeNext) line[left++] = line[i];
-    strikeNext = inside;
-  }
-  tsi_Assert(mem, winding == 0);
-  return left;
-}
 
 // Deals crossings out to their lines as they come. A line without space counts on and writes over what it has.
 template <int kRoom>

@@ -89,7 +89,7 @@ class hsTArray {
 
  private:
   bool Has(int32_t index) const { return hsAssert(uint32_t(index) < uint32_t(fCount), "bad index"); }
-  T& Spare() const {
+  [[gnu::cold, gnu::noinline]] T& Spare() const {
     fSpare = std::make_unique<T>();
     return *fSpare;
   }

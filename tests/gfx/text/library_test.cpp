@@ -68,10 +68,14 @@ TEST_F(LibraryTest, GoesWithItsGlyphCacheWhileAnotherIsCurrent) {
 
 TEST_F(LibraryTest, AThreadThatSetsNoneHasItsOwn) {
   hsGLibrary* here = &hsGLibrary::Current();
-  std::thread([&] {
-    EXPECT_NE(&hsGLibrary::Current(), here);
-    EXPECT_EQ(hsGFontRegistry::FontCount(), 0u);
-  }).join();
+  const std::string printed = PrintedBy([&] {
+    std::thread([&] {
+      EXPECT_NE(&hsGLibrary::Current(), here);
+      EXPECT_EQ(hsGFontRegistry::FontCount(), 0u);
+      hsGGlyphCache::Instance();
+    }).join();
+  });
+  EXPECT_EQ(printed, "");
   EXPECT_EQ(hsGFontRegistry::FontCount(), 1u);
 }
 
