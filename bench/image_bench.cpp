@@ -30,6 +30,7 @@ void WriteFiles() {
 void Draw(benchmark::State& state, const char* name, bool tile) {
   WriteFiles();
   HeadlessDesktop desktop;
+  const EngineScope here(desktop.shell.engine);
   desktop.start();
   desktop.settle();
   displaySetDepth(int(state.range(0)));
@@ -49,6 +50,7 @@ BENCHMARK(Tiles)->ArgName("depth")->Arg(8)->Arg(16)->Unit(benchmark::kMicrosecon
 void ReadFromFile(benchmark::State& state) {
   WriteFiles();
   HeadlessDesktop desktop;
+  const EngineScope here(desktop.shell.engine);
   desktop.start();
   desktop.settle();
   for (auto _ : state)

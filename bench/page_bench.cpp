@@ -61,6 +61,7 @@ BENCHMARK(KeyToPixels)->Unit(benchmark::kMicrosecond);
 // conversion of what changed.
 void FillRectAndFlush(benchmark::State& state) {
   HeadlessDesktop desktop;
+  const EngineScope here(desktop.shell.engine);
   desktop.start();
   displaySetDepth(int(state.range(0)));
   const int size = int(state.range(1));

@@ -43,6 +43,7 @@ void drawPage(benchmark::State& state, bool warm) {
   writeFile("vistrel-text.yaml", source.data(), source.size());
   buildPage("vistrel-text.yaml", "vistrel-text.kpg");
   HeadlessDesktop desktop;
+  const EngineScope here(desktop.shell.engine);
   desktop.start();
   if (!desktop.shell.loadPage("vistrel-text.kpg")) return state.SkipWithError("the page does not load");
   desktop.settle();
