@@ -90,22 +90,6 @@ TEST(RasterDevice, WithoutPixelsItTellsItsBounderAndDrawsNothing) {
   EXPECT_EQ(counter->count, 7 * 4 + 2);
 }
 
-TEST(RasterDevice, DrawCoreNeedsBitmapMatrixAndPaint) {
-  Random random(6);
-  Surface surface(hsGBitmap::kConfig_RGB16, 4, 4, random);
-  const hsMatrix matrix;
-  hsGAttribute attr;
-  for (int missing = 0; missing < 3; ++missing) {
-    hsGRawDraw raw;
-    if (missing != 0) raw.fBitmap = &surface.bitmap;
-    if (missing != 1) raw.fMatrix = &matrix;
-    if (missing != 2) raw.fAttr = &attr;
-    EXPECT_EQ(ReportOf([&] { raw.Erase(kWhite); }), "nil param: 0");
-    EXPECT_EQ(ReportOf([&] { raw.Scroll({0, 0, 4, 4}, 1, 0, nullptr); }), "nil param: 0");
-    EXPECT_EQ(ReportOf([&] { raw.DrawFull(); }), "nil param: 0");
-  }
-}
-
 TEST(RasterDevice, StatesAndReplay) {
   Random random(7);
   Surface surface(hsGBitmap::kConfig_RGB16, 10, 10, random), other(surface);
