@@ -58,11 +58,6 @@ TEST(Debug, ThrowsReportFirst) {
       EXPECT_EQ(e.fParam, c.param);
     }
   }
-  ThrowOnHalt halt;
-  hsThrowIfFalse(true);
-  hsThrowIfNilParam("");
-  hsThrowIfBadParam(false);
-  hsThrowIfTrue(false, 1);
 }
 
 }  // namespace

@@ -169,19 +169,6 @@ TEST(Matrix, PolygonsGoWhereTheyAreSent) {
   EXPECT_EQ(m, hsMatrix());
 }
 
-TEST(Matrix, ChecksWhatItIsGiven) {
-  hsMatrix m;
-  hsPoint p{1, 2};
-  m.MapPoints(0, nullptr, nullptr);
-  EXPECT_EQ(AssertOf([&] { m.MapPoints(1, &p, nullptr); }), "need src and dst points");
-  EXPECT_EQ(AssertOf([&] { m.MapPoints(1, &p, &p, hsMatrix::kScaleType); }), "bad matType");
-  EXPECT_EQ(AssertOf([&] { m.MapRect(nullptr, nullptr); }), "need src and dst rects");
-  m.fMap[0][2] = 10;
-  ReturnOnHalt halt;
-  m.MapPoints(1, &p, &p, hsMatrix::kPerspectiveType);  // the true type is used
-  EXPECT_EQ(p, (hsPoint{11, 2}));
-}
-
 TEST(Trig, StandsOnTheQuarterTurns) {
   EXPECT_EQ(hsFixedSin(0), 0);
   EXPECT_EQ(hsFixedSin(kHalfPi), kFixed1);

@@ -83,20 +83,10 @@ TEST(Stream, WhatIsWrittenIsRead) {
   EXPECT_FALSE(file.Open(folder.Path("none").c_str()));
 }
 
-TEST(Stream, ShortReadsAndMissingOperationsAreReported) {
+TEST(Stream, AShortReadIsReportedAndTakesNothing) {
   hsMemoryStream three("abc", 3);
   EXPECT_EQ(ReportOf([&] { three.ReadLong(); }), "throw if false: 0");
   EXPECT_EQ(three.GetPosition(), 0);
-  EXPECT_EQ(AssertOf([] { hsOutputStream().WriteByte(1); }), "subclass responsibility");
-  hsMemoryStream out;
-  EXPECT_EQ(AssertOf([&] { out.WritePString(std::string(256, 'x').c_str()); }), "bad len");
-  hsFileRefStream ref;
-  EXPECT_EQ(AssertOf([&] { ref.ReadByte(); }), "fRef uninitialized");
-  EXPECT_EQ(AssertOf([&] { ref.SetRef(-1); }), "bad ref");
-  EXPECT_EQ(AssertOf([&] { ref.GetEOF(); }), "geteof");
-  EXPECT_EQ(AssertOf([&] { ref.Rewind(); }), "Seek");
-  EXPECT_EQ(AssertOf([&] { ref.CopyToMem(nullptr); }), "CopyToMem unimplemented by subclass of stream");
-  EXPECT_EQ(AssertOf([&] { ref.AtEnd(); }), "No hsInputStream::AtEnd() implemented for this stream class");
 }
 
 struct Deleter {

@@ -138,9 +138,9 @@ TEST(Attribute, KeepsItsBlitterUntilAModeOrAShaderIsSet) {
   EXPECT_EQ(first->RefCount(), 1);
   first->UnRef();
 
-  auto* shader = new PlainShader;
-  attr.SetShader(shader);
-  attr.SetShader(shader);
+  const auto shader = hsMake<PlainShader>();
+  attr.SetShader(shader.get());
+  attr.SetShader(shader.get());
   EXPECT_EQ(shader->RefCount(), 2);
   first = get();
   first->Ref();
@@ -150,20 +150,18 @@ TEST(Attribute, KeepsItsBlitterUntilAModeOrAShaderIsSet) {
   hsGAttribute copy;
   copy.CopyFrom(attr);
   attr.SetShader(nullptr);
-  EXPECT_EQ(copy.Shader(), shader);
+  EXPECT_EQ(copy.Shader(), shader.get());
   EXPECT_EQ(shader->RefCount(), 2);
-  shader->UnRef();
 }
 
 TEST(Attribute, CopyForASizeRebuildsWhatCanBe) {
-  auto* effect = new ShiftEffect(10, 300, 0);
+  auto effect = hsMake<ShiftEffect>(10, 300, 0);
   hsGAttribute attr;
-  attr.SetPathEffect(effect);
+  attr.SetPathEffect(effect.get());
   const auto shiftAt = [&](int32_t size) {
-    hsGAttribute* copy = attr.MakeCopyForScale(size);
+    const auto copy = hsAdopt(attr.MakeCopyForScale(size));
     const auto* made = static_cast<const ShiftEffect*>(copy->PathEffect());
-    const std::pair<bool, hsFixed> result(made == effect, made->fShift);
-    copy->UnRef();
+    const std::pair<bool, hsFixed> result(made == effect.get(), made->fShift);
     return result;
   };
   EXPECT_EQ(shiftAt(25), std::pair(false, 750));
@@ -171,13 +169,11 @@ TEST(Attribute, CopyForASizeRebuildsWhatCanBe) {
   attr.SetTextSize(20);
   EXPECT_EQ(shiftAt(0), std::pair(false, 600));
   EXPECT_EQ(hsGAttribute::FlattenEffect(*effect, nullptr), 12);
-  effect->UnRef();
 
-  effect = new ShiftEffect(0, 300, 0);  // has no create procedure
-  attr.SetPathEffect(effect);
+  effect = hsMake<ShiftEffect>(0, 300, 0);  // has no create procedure
+  attr.SetPathEffect(effect.get());
   EXPECT_EQ(shiftAt(25), std::pair(true, 300));
   EXPECT_EQ(AssertOf([&] { hsGAttribute::FlattenEffect(*effect, nullptr); }), "need create-proc");
-  effect->UnRef();
 }
 
 TEST(Attribute, CopiesEverySetting) {
@@ -243,10 +239,10 @@ TEST(Attribute, ApplierTurnsFillsAndStrokesIntoEachOtherForItsScope) {
   path.LineTo(100, 0);
   for (bool frame : {false, true}) {
     for (hsScalar width : {-1, 7}) {
-      auto* effect = new ShiftEffect(0, 5, width);
+      const auto effect = hsMake<ShiftEffect>(0, 5, width);
       hsGAttribute attr(frame ? hsGAttribute::kFrame : 0u);
       attr.SetFrameSize(kFixed1 * 3);
-      attr.SetPathEffect(effect);
+      attr.SetPathEffect(effect.get());
       {
         hsGPathEffectApplier applier(nullptr, &attr);
         EXPECT_EQ(attr.PathEffect(), nullptr);
@@ -259,10 +255,9 @@ TEST(Attribute, ApplierTurnsFillsAndStrokesIntoEachOtherForItsScope) {
         EXPECT_EQ((attr.Flags() & hsGAttribute::kFrame) != 0, width >= 0);
         EXPECT_EQ(attr.FrameSize(), width >= 0 ? width : kFixed1 * 3);
       }
-      EXPECT_EQ(attr.PathEffect(), effect);
+      EXPECT_EQ(attr.PathEffect(), effect.get());
       EXPECT_EQ(attr.FrameSize(), kFixed1 * 3);
       EXPECT_EQ((attr.Flags() & hsGAttribute::kFrame) != 0, frame);
-      effect->UnRef();
     }
   }
   hsGAttribute bare;

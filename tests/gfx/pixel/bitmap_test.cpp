@@ -54,10 +54,10 @@ TEST(Bitmap, AddressesAreChecked) {
 }
 
 TEST(Bitmap, KeepsItsTableOnlyWhileItHasAPalette) {
-  hsGColorTable* table = new hsGColorTable;
+  const auto table = hsMake<hsGColorTable>();
   {
     hsGBitmap a(hsGBitmap::kConfig_Index8);
-    a.SetColorTable(table);
+    a.SetColorTable(table.get());
     hsGBitmap b = a;
     EXPECT_EQ(table->RefCount(), 3);
     b = *&b;
@@ -68,7 +68,6 @@ TEST(Bitmap, KeepsItsTableOnlyWhileItHasAPalette) {
     EXPECT_EQ(a.fFlags, 7);
   }
   EXPECT_EQ(table->RefCount(), 1);
-  table->UnRef();
 }
 
 TEST(Bitmap, OnlyBitmapsWithAKeyAreEverEqual) {

@@ -116,7 +116,7 @@ TEST(BitmapShader, EveryWorkerFollowsItsRule) {
     const int alpha = random.Byte();
     hsGAttribute attr(filter ? hsGAttribute::kFilterBitmaps : 0u);
     attr.SetColor(uint16_t(alpha << 8), 1, 2, 3);
-    hsGBitmapShader* shader = Shader::Create(source.surface.bitmap, attr, matrix, tile);
+    const auto shader = hsAdopt(Shader::Create(source.surface.bitmap, attr, matrix, tile));
     shader->SetLocalMatrix(&local);
     shader->SetContext(source.surface.bitmap, attr, matrix);
     const uint8_t config = source.surface.bitmap.fConfig;
@@ -135,7 +135,6 @@ TEST(BitmapShader, EveryWorkerFollowsItsRule) {
       }
       ASSERT_EQ(row[i], expected) << turn << " at " << i;
     }
-    shader->UnRef();
   }
 }
 
@@ -155,13 +154,12 @@ TEST(BitmapShader, TileRulesOnARow) {
   source.fRowBytes = 12;
   hsGAttribute attr;
   for (const auto& [mode, expected] : rows) {
-    hsGBitmapShader* shader = Shader::Create(source, attr, hsMatrix(), mode);
+    const auto shader = hsAdopt(Shader::Create(source, attr, hsMatrix(), mode));
     hsGColor32 row[9];
     shader->SetContext(source, attr, hsMatrix());
     shader->ShadeRow(0, -2, 9, row);
     for (int i = 0; i < 9; ++i)
       EXPECT_EQ(row[i], expected[size_t(i)] < 0 ? 0u : 0xFF000000u + uint32_t(expected[size_t(i)])) << mode << i;
-    shader->UnRef();
   }
 }
 
@@ -169,7 +167,7 @@ TEST(BitmapShader, LeavesRowsAloneWhenItCannotRead) {
   Random random(2);
   Source source(random, B::kConfig_RGB32), index(random, B::kConfig_Index8), shallow(random, B::kConfig_RGB16);
   hsGAttribute attr;
-  hsGBitmapShader* shader = Shader::Create(source.surface.bitmap, attr, hsMatrix(), Shader::kTile_Repeat);
+  const auto shader = hsAdopt(Shader::Create(source.surface.bitmap, attr, hsMatrix(), Shader::kTile_Repeat));
   hsGColor32 row[3] = {1, 2, 3};
   shader->ShadeRow(0, 0, 3, row);  // no context yet
   EXPECT_EQ(row[1], 2u);
@@ -186,7 +184,6 @@ TEST(BitmapShader, LeavesRowsAloneWhenItCannotRead) {
   Source alpha(random, B::kConfig_ARGB32);
   shader->SetBitmap(&alpha.surface.bitmap);
   EXPECT_EQ(AssertOf([&] { shader->ShadeRow(0, 0, 3, row); }), "oops");
-  shader->UnRef();
   EXPECT_EQ(ReportOf([&] { Shader::Create(shallow.surface.bitmap, attr, flat, Shader::kTile_None); }),
             "missing bitmap-core-shader: 16");
 }
@@ -215,7 +212,7 @@ TEST(BitmapBlitter, MappedSourcesOn16Bits) {
     hsGAttribute attr(filter ? hsGAttribute::kFilterBitmaps : 0u);
     attr.SetColor(uint16_t(alpha << 8), 0, 0, 0);
     if (xfer) attr.SetXferMode(&over);
-    hsGBlitter* blitter = attr.GetBitmapBlitter(device.bitmap, 0, source.surface.bitmap, matrix);
+    const auto blitter = hsAdopt(attr.GetBitmapBlitter(device.bitmap, 0, source.surface.bitmap, matrix));
     const int x = random.Below(24), width = random.Between(1, 24 - x);
     blitter->BlitRect(0, x, width, 3);
     for (int y = 0; y < 3; ++y)
@@ -229,7 +226,6 @@ TEST(BitmapBlitter, MappedSourcesOn16Bits) {
           over.Xfer16(1, &color, model.bitmap.Row<uint16_t>(y) + i, nullptr);
         }
       }
-    blitter->UnRef();
     ASSERT_EQ(device, model) << turn;
   }
 }
@@ -252,9 +248,9 @@ TEST(BitmapBlitter, PaletteSourcesByIndexOrThroughAShader) {
     hsGAttribute attr(filter ? hsGAttribute::kFilterBitmaps : 0u);
     const int alpha = random.Chance(60) ? 255 : random.Byte();
     attr.SetColor(uint16_t(alpha << 8), 0, 0, 0);
-    hsGBlitter* blitter = attr.GetBitmapBlitter(device.bitmap, 0, source.surface.bitmap, matrix);
+    const auto blitter = hsAdopt(attr.GetBitmapBlitter(device.bitmap, 0, source.surface.bitmap, matrix));
     const bool indices = !is16 && same && !filter && !perspective && alpha == 255;
-    EXPECT_EQ(dynamic_cast<hsGIndex8Affine*>(blitter) != nullptr, indices);
+    EXPECT_EQ(dynamic_cast<hsGIndex8Affine*>(blitter.get()) != nullptr, indices);
     blitter->BlitRect(0, 2, 20, 3);
     if (indices) {
       for (int y = 0; y < 3; ++y)
@@ -265,15 +261,12 @@ TEST(BitmapBlitter, PaletteSourcesByIndexOrThroughAShader) {
           if (!source.IsKey(ix, iy)) model.Set(x, y, source.surface.Get(ix, iy));
         }
     } else {
-      hsGBitmapShader* shader = Shader::Create(source.surface.bitmap, attr, matrix, Shader::kTile_Clamp);
+      const auto shader = hsAdopt(Shader::Create(source.surface.bitmap, attr, matrix, Shader::kTile_Clamp));
       shader->SetContext(device.bitmap, attr, matrix);
-      attr.SetShader(shader);
-      hsGBlitter* shaded = attr.GetBlitter(model.bitmap, 0, matrix);
+      attr.SetShader(shader.get());
+      const auto shaded = hsAdopt(attr.GetBlitter(model.bitmap, 0, matrix));
       shaded->BlitRect(0, 2, 20, 3);
-      shaded->UnRef();
-      shader->UnRef();
     }
-    blitter->UnRef();
     ASSERT_EQ(device, model) << turn;
   }
 }
@@ -332,13 +325,12 @@ TEST(BitmapBlitter, PicksItsBlitter) {
   hsGAttribute attr;
   hsMatrix matrix;
   matrix.SetTranslate(kFixedHalf, kFixedHalf - 1);
-  hsGBlitter* blitter = attr.GetBitmapBlitter(s16.bitmap, 0, s32.bitmap, matrix);
-  EXPECT_NE(dynamic_cast<hsGSpriteBlitter*>(blitter), nullptr);
+  const auto blitter = hsAdopt(attr.GetBitmapBlitter(s16.bitmap, 0, s32.bitmap, matrix));
+  EXPECT_NE(dynamic_cast<hsGSpriteBlitter*>(blitter.get()), nullptr);
   EXPECT_EQ(AssertOf([&] { blitter->BlitH(0, 0, 1); }), "bad offset");  // it lies at (1, 0)
   blitter->BlitH(0, 1, 1);
   EXPECT_EQ(s16.Get(1, 0), Pack(s32.Get(0, 0)));
   s16.Set(1, 0, before.Get(1, 0));
-  blitter->UnRef();
 
   hsMatrix flat;
   flat.fMap[0][0] = flat.fMap[0][1] = flat.fMap[1][0] = flat.fMap[1][1] = 0x8000;
@@ -348,9 +340,8 @@ TEST(BitmapBlitter, PicksItsBlitter) {
     ReturnOnHalt halt;
     const auto draw = [&](Surface& device, const Surface& source, const hsMatrix& m) {
       ReturnOnHalt::Reports().clear();
-      hsGBlitter* b = attr.GetBitmapBlitter(device.bitmap, 0, source.bitmap, m);
+      const auto b = hsAdopt(attr.GetBitmapBlitter(device.bitmap, 0, source.bitmap, m));
       b->BlitRect(0, 0, 6, 6);
-      b->UnRef();
       const auto& reports = ReturnOnHalt::Reports();
       return reports.empty() ? "" : reports[0].substr(0, reports[0].find(" ::"));
     };

@@ -110,10 +110,10 @@ template <class Expected>
 void Check(hsGAttribute* attr, int maskType, const Rule& rule, Random& random, uint8_t config,
            const Palette* palette = nullptr) {
   Surface surface(config, random.Between(1, 60), random.Between(1, 6), random, palette), model(surface);
-  hsGBlitter* blitter = attr->GetBlitter(surface.bitmap, maskType, hsMatrix());
-  ASSERT_NE(dynamic_cast<Expected*>(blitter), nullptr) << typeid(*blitter).name();
+  const auto blitter = hsAdopt(attr->GetBlitter(surface.bitmap, maskType, hsMatrix()));
+  ASSERT_NE(dynamic_cast<Expected*>(blitter.get()), nullptr) << typeid(*blitter).name();
   for (int i = 0; i < 6; ++i) {
-    DrawOnce(blitter, maskType == kMask_Alpha, rule, random, &surface, &model);
+    DrawOnce(blitter.get(), maskType == kMask_Alpha, rule, random, &surface, &model);
     ASSERT_EQ(surface, model);
   }
   uint32_t value;
@@ -121,7 +121,6 @@ void Check(hsGAttribute* attr, int maskType, const Rule& rule, Random& random, u
     EXPECT_EQ(target->fImage, surface.bitmap.fImage);
     EXPECT_EQ(value, rule(0, kSpan, 255));
   }
-  blitter->UnRef();
 }
 
 uint16_t Wide(Random& random) { return uint16_t(random.Byte() << 8 | random.Byte()); }
@@ -188,7 +187,7 @@ TEST(Blitter, LCDMasksDarkenWhereNothingClips) {
     const Mask mask(kMask_LCD, RandomRect(random, surface), random);
     const int offset = random.Below(3);
     hsGAttribute attr;
-    hsGBlitter* blitter = attr.GetBlitter(surface.bitmap, kMask_LCD, hsMatrix());
+    const auto blitter = hsAdopt(attr.GetBlitter(surface.bitmap, kMask_LCD, hsMatrix()));
     const hsRegion clip(surface.Bounds());
     blitter->BlitLCDMask(mask, &clip, offset);
     EXPECT_EQ(surface, model);
@@ -207,7 +206,6 @@ TEST(Blitter, LCDMasksDarkenWhereNothingClips) {
     if (turn == 0) {
       EXPECT_EQ(AssertOf([&] { blitter->BlitLCDMask(mask, nullptr, 3); }), "bad lcd offset");
     }
-    blitter->UnRef();
   }
 }
 
@@ -261,14 +259,14 @@ TEST(Blitter, ShadersGoThroughTheirModeInChunks) {
     attr.SetColor(&color);
     attr.SetColorIndex(random.Chance(30) ? 5 : -1);  // plays no part
     const bool hasShader = random.Chance(70), opaque = random.Chance(50);
-    auto* shader = new PlaceShader(opaque);
-    if (hasShader) attr.SetShader(shader);
+    const auto shader = hsMake<PlaceShader>(opaque);
+    if (hasShader) attr.SetShader(shader.get());
     hsGXferMode* given =
         !hasShader || random.Chance(30) ? (random.Chance(50) ? static_cast<hsGXferMode*>(&src) : &over) : nullptr;
     if (given) attr.SetXferMode(given);
     hsGXferMode& mode = given ? *given : opaque ? static_cast<hsGXferMode&>(src) : over;
 
-    hsGBlitter* blitter = attr.GetBlitter(surface.bitmap, kMask_Alpha, hsMatrix());
+    const auto blitter = hsAdopt(attr.GetBlitter(surface.bitmap, kMask_Alpha, hsMatrix()));
     const hsIntRect rect = RandomRect(random, surface);
     const Mask mask(kMask_Alpha, rect, random);
     const bool covered = random.Chance(50);
@@ -284,8 +282,6 @@ TEST(Blitter, ShadersGoThroughTheirModeInChunks) {
           colors.push_back(hasShader ? PlaceShader::At(i, y, opaque) : hsPremultiply(color));
         Xfer(mode, colors, x, y, covered ? mask.Row(y) + (x - rect.fLeft) : nullptr, &model);
       }
-    blitter->UnRef();
-    shader->UnRef();
     ASSERT_EQ(surface, model) << turn;
   }
 }
@@ -302,9 +298,9 @@ TEST(Blitter, MasksOfThreePlanesAreLit) {
     hsGAttribute attr;
     const hsGColor color{Wide(random), Wide(random), Wide(random), Wide(random)};
     attr.SetColor(&color);
-    auto* shader = new PlaceShader(false);
-    if (hasShader) attr.SetShader(shader);
-    hsGBlitter* blitter = attr.GetBlitter(surface.bitmap, kMask_3D, hsMatrix());
+    const auto shader = hsMake<PlaceShader>(false);
+    if (hasShader) attr.SetShader(shader.get());
+    const auto blitter = hsAdopt(attr.GetBlitter(surface.bitmap, kMask_3D, hsMatrix()));
     const Mask mask(kMask_3D, RandomRect(random, surface), random);
     const hsRegion clip = RandomRegion(random, surface.Bounds());
     const bool clipped = random.Chance(50);
@@ -321,8 +317,6 @@ TEST(Blitter, MasksOfThreePlanesAreLit) {
         const bool nothing = a2 == 0 || (hasShader && c.a == 0);
         Xfer(over, {nothing ? 0 : Join32({a2, channel(c.r), channel(c.g), channel(c.b)})}, x, y, nullptr, &model);
       }
-    blitter->UnRef();
-    shader->UnRef();
     ASSERT_EQ(surface, model) << turn;
   }
 }
@@ -339,11 +333,10 @@ TEST(Blitter, ErrorRunsAlongAWholeLitSpan) {
   std::memset(mask.fImage, 255, mask.PlaneSize());
   std::memset(mask.fImage + mask.PlaneSize(), 255, mask.PlaneSize());
   std::memset(mask.fImage + 2 * mask.PlaneSize(), 0, mask.PlaneSize());
-  hsGBlitter* blitter = attr.GetBlitter(surface.bitmap, kMask_3D, hsMatrix());
+  const auto blitter = hsAdopt(attr.GetBlitter(surface.bitmap, kMask_3D, hsMatrix()));
   blitter->BlitMask(mask, nullptr);
   Xfer(src, std::vector<uint32_t>(80, 0xFF708090), 0, 0, nullptr, &model);
   EXPECT_EQ(surface, model);
-  blitter->UnRef();
 }
 
 TEST(Blitter, ContractsAreChecked) {
@@ -354,9 +347,8 @@ TEST(Blitter, ContractsAreChecked) {
   hsGAttribute attr;
   const auto with = [&](const Surface& surface, uint16_t alpha, auto call) {
     attr.SetColor(alpha, 0, 0, 0);
-    hsGBlitter* blitter = attr.GetBlitter(surface.bitmap, 0, hsMatrix());
-    const std::string words = AssertOf([&] { call(blitter); });
-    blitter->UnRef();
+    const auto blitter = hsAdopt(attr.GetBlitter(surface.bitmap, 0, hsMatrix()));
+    const std::string words = AssertOf([&] { call(blitter.get()); });
     return words;
   };
   const auto flat = [](hsGBlitter* b) { b->BlitRect(0, 0, 3, 0); };

@@ -318,10 +318,10 @@ TEST(Device, ABounderHearsOfEveryPixelAndItsVetoHolds) {
     alone.SetBitmap(&plain.bitmap);
     listened.SetBitmap(&heard.bitmap);
     skipped.SetBitmap(&vetoed.bitmap);
-    auto* listener = new Listener(false);
-    auto* skipper = new Listener(true);
-    listened.SetBounder(listener);
-    skipped.SetBounder(skipper);
+    const auto listener = hsMake<Listener>(false);
+    const auto skipper = hsMake<Listener>(true);
+    listened.SetBounder(listener.get());
+    skipped.SetBounder(skipper.get());
     for (size_t n = 0; n < scene.draws.size(); ++n) {
       const Surface before(heard);
       const int slack = scene.draws[n].slack;
@@ -338,8 +338,6 @@ TEST(Device, ABounderHearsOfEveryPixelAndItsVetoHolds) {
         }
       ASSERT_EQ(vetoed, scene.start);
     }
-    listener->UnRef();
-    skipper->UnRef();
   }
 }
 

@@ -49,12 +49,12 @@ TEST(MaskFilter, DrawsAPathsCoverageChangedOrNot) {
     raw.fMatrix = &matrix;
     raw.fAttr = &attr;
     raw.fClip = &clip;
-    auto* filter = new ShiftFilter(works, 2);
+    const auto filter = hsMake<ShiftFilter>(works, 2);
     // Columns 3.5 to 14 of rows 1 to 4; the mask ends at the clip's right edge.
     const hsRect rect{3 * kFixed1 + kFixedHalf, kFixed1, 14 * kFixed1, 4 * kFixed1};
     hsPath path;
     path.AddRect(&rect);
-    hsGMaskFilter::DrawPath(raw, path, matrix, filter);
+    hsGMaskFilter::DrawPath(raw, path, matrix, filter.get());
     EXPECT_EQ(filter->seen, (hsIntRect{3, 1, 12, 4}));
     for (int y = 1; y < 4; ++y) {
       if (!works) {
@@ -68,7 +68,6 @@ TEST(MaskFilter, DrawsAPathsCoverageChangedOrNot) {
       }
     }
     EXPECT_EQ(surface, model);
-    filter->UnRef();
     EXPECT_EQ(AssertOf([&] { hsGMaskFilter::DrawPath(raw, path, matrix, nullptr); }), "need filter");
   }
 }

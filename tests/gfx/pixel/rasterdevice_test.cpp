@@ -66,8 +66,8 @@ TEST(RasterDevice, WithoutPixelsItTellsItsBounderAndDrawsNothing) {
   hsGRasterDevice device;
   device.SetSize(20, 10, hsGBitmap::kConfig_RGB16, nullptr);
   device.SetBitmap(nullptr);
-  auto* counter = new Counter;
-  device.SetBounder(counter);
+  const auto counter = hsMake<Counter>();
+  device.SetBounder(counter.get());
   Random random(5);
   const Surface picture(hsGBitmap::kConfig_ARGB32, 4, 4, random);
   const hsPoint a{kFixed1, kFixed1}, b{9 * kFixed1, 5 * kFixed1};
@@ -88,23 +88,6 @@ TEST(RasterDevice, WithoutPixelsItTellsItsBounderAndDrawsNothing) {
   device.ScrollRect({0, 0, 9, 9}, 1, 1, &dirty);
   device.EraseColor(kBlack);
   EXPECT_EQ(counter->count, 7 * 4 + 2);
-  counter->UnRef();
-}
-
-TEST(RasterDevice, DrawCoreNeedsBitmapMatrixAndPaint) {
-  Random random(6);
-  Surface surface(hsGBitmap::kConfig_RGB16, 4, 4, random);
-  const hsMatrix matrix;
-  hsGAttribute attr;
-  for (int missing = 0; missing < 3; ++missing) {
-    hsGRawDraw raw;
-    if (missing != 0) raw.fBitmap = &surface.bitmap;
-    if (missing != 1) raw.fMatrix = &matrix;
-    if (missing != 2) raw.fAttr = &attr;
-    EXPECT_EQ(ReportOf([&] { raw.Erase(kWhite); }), "nil param: 0");
-    EXPECT_EQ(ReportOf([&] { raw.Scroll({0, 0, 4, 4}, 1, 0, nullptr); }), "nil param: 0");
-    EXPECT_EQ(ReportOf([&] { raw.DrawFull(); }), "nil param: 0");
-  }
 }
 
 TEST(RasterDevice, StatesAndReplay) {
@@ -156,16 +139,16 @@ TEST(RasterDevice, APathEffectSeesTheFrameSizeAndThePaintComesBack) {
     for (hsScalar width : {hsScalar{0}, -kFixed1, 4 * kFixed1}) {
       Random random(8);
       Surface surface(hsGBitmap::kConfig_RGB16, 20, 20, random), expected(surface);
-      auto* effect = new WidthEffect(width);
+      const auto effect = hsMake<WidthEffect>(width);
       hsGAttribute attr(frame ? hsGAttribute::kFrame : 0u);
       attr.SetFrameSize(2 * kFixed1);
       attr.SetMinWidth(3 * kFixed1);  // of the stroke that is drawn, not of what the effect hears
-      attr.SetPathEffect(effect);
+      attr.SetPathEffect(effect.get());
       hsGRasterDevice device;
       device.SetBitmap(&surface.bitmap);
       device.DrawOval(&rect, &attr);
       EXPECT_EQ(effect->seen, frame ? 2 * kFixed1 : -kFixed1);
-      EXPECT_EQ(attr.PathEffect(), effect);
+      EXPECT_EQ(attr.PathEffect(), effect.get());
       EXPECT_EQ(attr.Flags(), frame ? hsGAttribute::kFrame : 0u);
       EXPECT_EQ(attr.FrameSize(), 2 * kFixed1);
 
@@ -177,7 +160,6 @@ TEST(RasterDevice, APathEffectSeesTheFrameSizeAndThePaintComesBack) {
       model.SetBitmap(&expected.bitmap);
       model.DrawOval(&rect, &plain);
       EXPECT_EQ(surface, expected) << frame << " " << width;
-      effect->UnRef();
     }
   }
 }
@@ -222,7 +204,7 @@ TEST(RasterDevice, ACursorStaysOnTopWhateverIsDrawnBelow) {
   Random random(10);
   Surface surface(hsGBitmap::kConfig_RGB16, 20, 12, random), bare(surface);
   Surface image(hsGBitmap::kConfig_RGB16, 5, 4, random);
-  auto* cursor = new hsGCursor;
+  const auto cursor = hsMake<hsGCursor>();
   cursor->SetImage(image.bitmap, 1, 1);
   const Surface deep(hsGBitmap::kConfig_RGB24, 2, 2, random);
   EXPECT_EQ(ReportOf([&] { cursor->SetImage(deep.bitmap, 0, 0); }), "bad param: 0");
@@ -230,7 +212,7 @@ TEST(RasterDevice, ACursorStaysOnTopWhateverIsDrawnBelow) {
   hsGRasterDevice device, model;
   device.SetBitmap(&surface.bitmap);
   model.SetBitmap(&bare.bitmap);
-  device.SetCursor(cursor);
+  device.SetCursor(cursor.get());
   for (int i = 0; i < 200; ++i) {
     // The corner is far enough out for the image to be cut at any edge.
     cursor->SetPosition(surface.bitmap, random.Between(-2, 25), random.Between(-2, 14));
@@ -250,7 +232,6 @@ TEST(RasterDevice, ACursorStaysOnTopWhateverIsDrawnBelow) {
   cursor->Hide();
   cursor->RestoreBackground(surface.bitmap);
   EXPECT_EQ(surface, bare);
-  cursor->UnRef();
 }
 
 // Its pixels can't be drawn on this device; the draw below it goes on.
@@ -259,13 +240,12 @@ TEST(RasterDevice, ACursorThatCannotBeDrawnIsReportedOnly) {
   const Palette palette(random, 16);
   Surface surface(hsGBitmap::kConfig_Index8, 8, 8, random, &palette);
   const Surface image(hsGBitmap::kConfig_RGB16, 4, 4, random);
-  auto* cursor = new hsGCursor;
+  const auto cursor = hsMake<hsGCursor>();
   cursor->SetImage(image.bitmap, 0, 0);
   cursor->Show();
   hsGRasterDevice device;
   device.SetBitmap(&surface.bitmap);
-  device.SetCursor(cursor);
-  cursor->UnRef();
+  device.SetCursor(cursor.get());
   ReturnOnHalt halt;
   hsGAttribute attr;
   attr.SetColorIndex(3);

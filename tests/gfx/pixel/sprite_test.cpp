@@ -207,7 +207,7 @@ TEST(Sprite, LargePaletteSpritesFollowTheSameRule) {
     Surface model(device);
     if (key) source.bitmap.SetFlags(B::kHasTransparent);
     source.bitmap.fTransparentIndex = uint8_t(source.Get(3, 3));
-    hsGSpriteBlitter* sprite = ChooseSpriteBlitter(device.bitmap, source.bitmap, 0, 0, {0xFFFF, 0, 0, 0}, nullptr);
+    const auto sprite = hsAdopt(ChooseSpriteBlitter(device.bitmap, source.bitmap, 0, 0, {0xFFFF, 0, 0, 0}, nullptr));
     sprite->BlitRect(0, 0, 90, 40);
     for (int y = 0; y < 40; ++y)
       for (int x = 0; x < 90; ++x) {
@@ -216,7 +216,6 @@ TEST(Sprite, LargePaletteSpritesFollowTheSameRule) {
         if (!key || s != source.bitmap.fTransparentIndex) model.Set(x, y, Join16(p.r / 4, p.g / 8, p.b / 8));
       }
     EXPECT_EQ(device, model);
-    sprite->UnRef();
   }
 }
 
@@ -226,21 +225,18 @@ TEST(Sprite, RetargetTakesSourcesOfTheDevicesDepth) {
   Surface device(B::kConfig_RGB16, 9, 3, random), source(B::kConfig_RGB16, 4, 2, random);
   Surface next(B::kConfig_RGB16, 5, 1, random), deep(B::kConfig_RGB32, 5, 1, random);
   const hsGColor full{0xFFFF, 0, 0, 0};
-  hsGSpriteBlitter* sprite = ChooseSpriteBlitter(device.bitmap, source.bitmap, 1, 1, full, nullptr);
+  auto sprite = hsAdopt(ChooseSpriteBlitter(device.bitmap, source.bitmap, 1, 1, full, nullptr));
   EXPECT_FALSE(sprite->Retarget(deep.bitmap, 0, 0));
   EXPECT_TRUE(sprite->Retarget(next.bitmap, 3, 2));
   sprite->BlitH(2, 4, 4);
   for (int x = 4; x < 8; ++x) EXPECT_EQ(device.Get(x, 2), next.Get(x - 3, 0));
-  sprite->UnRef();
 
   // A member that reads 32 bits must not be given 16.
-  sprite = ChooseSpriteBlitter(device.bitmap, deep.bitmap, 0, 0, full, nullptr);
+  sprite = hsAdopt(ChooseSpriteBlitter(device.bitmap, deep.bitmap, 0, 0, full, nullptr));
   EXPECT_FALSE(sprite->Retarget(next.bitmap, 0, 0));
-  sprite->UnRef();
   // A paint that draws nothing takes anything.
-  sprite = ChooseSpriteBlitter(device.bitmap, deep.bitmap, 0, 0, {0x00FF, 0, 0, 0}, nullptr);
+  sprite = hsAdopt(ChooseSpriteBlitter(device.bitmap, deep.bitmap, 0, 0, {0x00FF, 0, 0, 0}, nullptr));
   EXPECT_TRUE(sprite->Retarget(next.bitmap, 0, 0));
-  sprite->UnRef();
 }
 
 TEST(Sprite, ReportsWhatItCannotDraw) {
@@ -259,9 +255,8 @@ TEST(Sprite, ReportsWhatItCannotDraw) {
   EXPECT_EQ(choose(s8, s16, full).rfind("unsupported source pixelsize", 0), 0u);
 
   const auto draw = [&](const Surface& source, int y, int x, int width, int height) {
-    hsGSpriteBlitter* sprite = ChooseSpriteBlitter(s16.bitmap, source.bitmap, 1, 1, full, nullptr);
+    const auto sprite = hsAdopt(ChooseSpriteBlitter(s16.bitmap, source.bitmap, 1, 1, full, nullptr));
     const std::string words = AssertOf([&] { sprite->BlitRect(y, x, width, height); });
-    sprite->UnRef();
     return words;
   };
   EXPECT_EQ(draw(s32, 1, 0, 1, 1), "bad offset");

@@ -228,17 +228,15 @@ class BoxFilter : public hsGMaskFilter {
 }  // namespace
 
 TEST_F(TextTest, EffectsArePartOfTheStrike) {
-  auto* effect = new ShiftEffect(0);
-  fAttr.SetPathEffect(effect);
-  effect->UnRef();
+  const auto effect = hsMake<ShiftEffect>(0);
+  fAttr.SetPathEffect(effect.get());
   // Rebuilt for the text size, 10, it shifts by 10 pixels; drawn by its outline, the mask lies on the baseline.
   Draw("a", 5_px, 20_px);
   ExpectBlocks({{16, 13, 20, 20}});
   EXPECT_EQ(Width("a"), 6_px);
   // As a path it is moved in the outline, by 10, and again when that is drawn, by what the effect was made for: 3.
-  auto* made = new ShiftEffect(3_px);
-  fAttr.SetPathEffect(made);
-  made->UnRef();
+  const auto made = hsMake<ShiftEffect>(3_px);
+  fAttr.SetPathEffect(made.get());
   fAttr.SetFlags(fAttr.Flags() | hsGAttribute::kTextAsPaths);
   fPixels.assign(fPixels.size(), 0);
   Draw("a", 5_px, 20_px);
@@ -247,9 +245,8 @@ TEST_F(TextTest, EffectsArePartOfTheStrike) {
 
   fPixels.assign(fPixels.size(), 0);
   fAttr.SetPathEffect(nullptr);
-  auto* filter = new BoxFilter;
-  fAttr.SetMaskFilter(filter);
-  filter->UnRef();
+  const auto filter = hsMake<BoxFilter>();
+  fAttr.SetMaskFilter(filter.get());
   Draw("b", 5_px, 20_px);
   ExpectBlocks({{4, 16, 10, 24}});  // grey: the touched fourth column and sixth row count, and the margin
   EXPECT_EQ(Width("b"), 4_px);

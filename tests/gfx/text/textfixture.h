@@ -39,10 +39,9 @@ class TextTest : public testing::Test {
     fFont = Register(BlockFont().Build());
     fPixels.assign(size_t{kWidth} * kHeight, 0);
     fBitmap.SetConfig(hsGBitmap::kConfig_Index8);
-    hsGColorTable* colors = new hsGColorTable;
+    const auto colors = hsMake<hsGColorTable>();
     colors->SetDefaultCube();
-    fBitmap.SetColorTable(colors);
-    colors->UnRef();
+    fBitmap.SetColorTable(colors.get());
     fBitmap.fWidth = kWidth;
     fBitmap.fHeight = kHeight;
     fBitmap.fRowBytes = kWidth;

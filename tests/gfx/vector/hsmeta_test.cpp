@@ -58,17 +58,6 @@ TEST(Meta, EqualityAndCopiesGoAllTheWayDown) {
   EXPECT_EQ(a.GetMeta("self")->CountEntries(), copy.CountEntries());
 }
 
-TEST(Meta, RefusesWhatIsMissing) {
-  hsMeta meta;
-  const hsScalar scalar = 0;
-  EXPECT_EQ(AssertOf([&] { meta.AddInt8(nullptr, 1); }), "field is nil");
-  EXPECT_EQ(AssertOf([&] { meta.AddString("x", nullptr); }), "field is nil");
-  EXPECT_EQ(AssertOf([&] { meta.AddPath("x", nullptr); }), "field is nil");
-  EXPECT_EQ(AssertOf([&] { meta.AddScalars("x", 0, &scalar); }), "bad count");
-  EXPECT_EQ(AssertOf([&] { meta.AddScalars("x", 65536, &scalar); }), "bad count");
-  EXPECT_EQ(meta.CountEntries(), 0);
-}
-
 struct Sized : hsGSizedFlattenable {
   using hsGSizedFlattenable::hsGSizedFlattenable;
 };

@@ -154,12 +154,6 @@ TEST(FillQuad, TwoToFourEdges) {
   EXPECT_EQ(QuadSpans("M 0 1 L 9 1 L 9 1 L 0 1"), "");
 }
 
-TEST(FillQuad, MisuseIsReported) {
-  CallBlitter blitter;
-  EXPECT_EQ(AssertOf([&] { HSScan::FillQuad(nullptr, nullptr, &blitter); }), "bad params");
-  EXPECT_EQ(AssertOf([&] { QuadSpans("M 0 0 L 9 2 L 1 3 L 0 10"); }), "bad counts") << "it bends inward";
-}
-
 // Turned rectangles of any size and angle, under any clip.
 TEST(FillQuad, AgreesWithTheWindingAtCentres) {
   Random random(12);

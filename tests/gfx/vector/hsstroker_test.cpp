@@ -54,14 +54,6 @@ TEST(StrokePath, AClosedContourGivesTwo) {
       << "the inner one reversed, through every corner";
 }
 
-TEST(StrokePath, BadParametersThrow) {
-  const hsPath path = PathOf("M 0 0 L 4 0");
-  hsPath out;
-  EXPECT_EQ(ReportOf([&] { HSScan::StrokePath(&path, -1, 0, 0, &out); }), "bad param: 0");
-  EXPECT_EQ(ReportOf([&] { HSScan::StrokePath(&path, 1, -1, 0, &out); }), "bad param: 0");
-  EXPECT_EQ(ReportOf([&] { HSScan::StrokePath(&path, 1, 0, 0, nullptr); }), "bad param: 0");
-}
-
 // Round strokes hold what lies within the radius of the path and nothing else, but for a margin: one curve covers
 // up to 45 degrees of turning, and the fill's lines are off by up to half a pixel. Where a curve doubles back more
 // sharply than its radius, the two sides can cancel each other in a pixel or so.
