@@ -1,8 +1,9 @@
-// UTF-8 as pages may have it: sequences of one to three bytes.
+// UTF-8 as pages may have it.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
+#include "gfx/text/hsutf8.h"
 
 // A code point of one to three bytes, and how many; -1 if there is none.
-int32_t utf8Decode(const uint8_t* bytes, size_t available, int* length);
+inline int32_t utf8Decode(const uint8_t* bytes, size_t available, int* length) {
+  return DecodeUTF8(bytes, available, length);
+}
