@@ -47,7 +47,7 @@ class hsRef {
   T* fObject = nullptr;
 };
 
-// Takes over a reference that the caller owns. Null gives an empty hsRef.
+// Takes over a reference that the caller owns. Null makes an empty hsRef.
 template <typename T>
 hsRef<T> hsAdopt(T* object) {
   hsRef<T> ref;
@@ -55,7 +55,7 @@ hsRef<T> hsAdopt(T* object) {
   return ref;
 }
 
-// Adds a reference of its own. Null gives an empty hsRef.
+// Adds a reference of its own. Null makes an empty hsRef.
 template <typename T>
 hsRef<T> hsShare(T* object) {
   if (object) object->Ref();

@@ -1,4 +1,4 @@
-// A software cursor, drawn over a device's bitmap with what lies behind it kept aside.
+// A software cursor, drawn over a device's bitmap with the pixels under it kept aside.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +21,7 @@ class hsGCursor : public hsRefCnt {
   hsIntRect Bounds() const;  // device pixels
   // Whether a draw in rect would meet it, where it is or where it was drawn last.
   bool Touches(const hsIntRect& rect) const;
-  // Keeps what lies behind it and draws it. An image that doesn't fit the target is reported and isn't seen.
+  // Keeps the pixels under it and draws it. An image that doesn't fit the target is reported and isn't seen.
   void Draw(const hsGBitmap& target);
   // Puts back what was kept, once, into the rectangle that it was taken from.
   void RestoreBackground(const hsGBitmap& target);
