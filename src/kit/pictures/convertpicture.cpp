@@ -7,7 +7,7 @@
 #include "kit/pictures/dither.h"
 #include "kit/pictures/enginecolors.h"
 #include "kit/pictures/kpxfile.h"
-#include "kit/pictures/picture.h"
+#include "kit/pictures/readpicture.h"
 
 namespace fs = std::filesystem;
 

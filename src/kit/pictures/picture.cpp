@@ -1,18 +1,6 @@
 #include "kit/pictures/picture.h"
 
-#include <algorithm>
-
 #include "kit/errors.h"
-#include "kit/files.h"
-#include "kit/pictures/gifpicture.h"
-#include "kit/pictures/png.h"
-
-Picture readPicture(const std::string& path) {
-  const std::vector<uint8_t> bytes = readFile(path);
-  if (isPng(bytes)) return decodePng(path, bytes);
-  if (isGif(bytes)) return decodeGif(path, bytes);
-  throw KitError(path, "neither a PNG nor a GIF picture");
-}
 
 void checkPictureSize(const std::string& path, uint64_t width, uint64_t height) {
   const std::string size = std::to_string(width) + " x " + std::to_string(height) + " pixels";

@@ -13,8 +13,5 @@ struct Picture {
 // The most pixels that are read from a file.
 inline constexpr uint64_t kMaxPicturePixels = uint64_t{1} << 26;
 
-// The picture in a file, whose kind its first bytes say. Throws KitError.
-Picture readPicture(const std::string& path);
-
 // What readers of one format share: the error for sizes that can't be.
 void checkPictureSize(const std::string& path, uint64_t width, uint64_t height);

@@ -1,0 +1,13 @@
+#include "kit/pictures/readpicture.h"
+
+#include "kit/errors.h"
+#include "kit/files.h"
+#include "kit/pictures/gifpicture.h"
+#include "kit/pictures/png.h"
+
+Picture readPicture(const std::string& path) {
+  const std::vector<uint8_t> bytes = readFile(path);
+  if (isPng(bytes)) return decodePng(path, bytes);
+  if (isGif(bytes)) return decodeGif(path, bytes);
+  throw KitError(path, "neither a PNG nor a GIF picture");
+}
