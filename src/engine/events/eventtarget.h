@@ -1,4 +1,7 @@
 // Event targets: the part that frames, widgets and script targets share, and the delivery of events to them.
+//
+// The lists of hooks and of active targets are intrusive on purpose: a hook may remove any other in the middle of a
+// walk, and what the walk does then is behaviour that pages meet. A chained hook belongs to its target.
 #pragma once
 
 #include <cstdint>

@@ -1,7 +1,8 @@
 // Timers: the only deferred work apart from the redraw queue. Times are hostMilliseconds, unsigned and wrapping.
 //
 // The armed bit of a one-shot timer stays set when it has fired, so destroying it later calls its callback once more
-// to say that it stopped.
+// to say that it stopped. Whoever makes a timer owns it and ends it by timerDestroy alone, since it may be firing; the
+// list of those that wait is intrusive, as a callback may take any other out of it.
 #pragma once
 
 #include <cstdint>

@@ -3,6 +3,9 @@
 // A kind is a record that begins with a Widget and answers its own events; what it doesn't know goes to
 // widgetBaseEvent. Children are not drawn by their parent: each widget has its own place in the redraw queue, and
 // repainting a parent paints over its children without repainting them.
+//
+// The frame's list owns its widgets. It is intrusive, as are those of slaves and of what wants to be drawn: scripts
+// take widgets out of all three while they are walked. A widget ends by widgetDestroy alone, since it may be in use.
 #pragma once
 
 #include <cstdint>
@@ -23,7 +26,7 @@ struct WidgetOwner {
   // Counts one more widget against what the page being loaded, and all the pages in it, may hold; false when full.
   virtual bool countWidget() = 0;
 
-  virtual int ownerEvent(const Event& event) = 0;   // an event that none of its widgets wanted
+  virtual int ownerEvent(const Event& event) = 0;  // an event that none of its widgets wanted
   virtual void runScript(PageScript script) = 0;
 
  protected:

@@ -9,6 +9,7 @@
 
 #include "bob/bob.h"
 #include "engine/events/eventtarget.h"
+#include "engine/events/scripthandle.h"
 #include "engine/events/timer.h"
 #include "engine/events/value.h"
 #include "engine/scriptbindings/scriptbindings.h"
@@ -41,13 +42,13 @@ struct ScriptTimer : Timer {
   BobValue callback = kBobNil;
   bool hasWrapper = true;
   int firing = 0;
-  uint32_t handle = 0;
+  ScriptHandle handle;
 };
 
 // What a style's wrapper has.
 struct ScriptStyle {
   TextStyle style;
-  uint32_t handle = 0;
+  ScriptHandle handle;
   std::list<ScriptStyle>::iterator place{};  // in the runtime's list
 };
 
@@ -68,7 +69,9 @@ struct ScriptRuntime {
   bool mayWriteFiles = true;
   uint32_t targetKind = 0, eventKind = 0, widgetKind = 0, frameKind = 0, styleKind = 0, timerKind = 0, tableKind = 0;
   std::vector<std::pair<std::string, uint32_t>> widgetTypes;  // `type` of a widget, kind of its wrappers
-  std::list<ScriptHandler*> handlers;                         // each newest first
+  // Each newest first. Timers and targets are the runtime's own, but end by timerDestroy and in the graveyard, since
+  // they may be in use; handlers belong to their targets.
+  std::list<ScriptHandler*> handlers;
   std::list<ScriptTimer*> timers;
   std::list<ScriptTarget*> targets;
   std::list<ScriptStyle> styles;

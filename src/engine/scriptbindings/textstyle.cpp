@@ -18,17 +18,17 @@ constexpr char kUsualGlyphs[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTU
 void releaseStyle(BobInterp* interp, BobValue wrapper) {
   auto* held = static_cast<ScriptStyle*>(bobNativePointer(interp, wrapper));
   if (!held) return;
-  bobReleaseHandle(interp, held->handle);
+  held->handle.release();
   currentScripts().styles.erase(held->place);
 }
 
 void holdStyle(BobInterp* interp, BobValue wrapper, const TextStyle& style) {
   auto& styles = currentScripts().styles;
-  styles.push_front({style});
+  styles.push_front({.style = style, .handle = {}, .place = {}});
   ScriptStyle& held = styles.front();
   held.place = styles.begin();
-  held.handle = bobMakeHandle(interp, &held);
-  bobHandleOf(interp, wrapper) = held.handle;
+  held.handle.make(interp, &held);
+  bobHandleOf(interp, wrapper) = held.handle.number();
 }
 
 bool findProperty(BobInterp* interp, const BobLocal& object, const char* name, BobValue* value) {

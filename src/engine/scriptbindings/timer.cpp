@@ -11,7 +11,7 @@ bool isUnderWay(const ScriptTimer* timer) { return timer->firing || timerIsListe
 
 void destroyTimer(ScriptTimer* timer) {
   if (timer->gone) return;
-  bobReleaseHandle(currentScripts().interp, timer->handle);
+  timer->handle.release();
   currentScripts().timers.remove(timer);
   timer->hasWrapper = true;  // stopping it says so to its callback, which would be back here
   timerDestroy(timer);
@@ -37,7 +37,7 @@ void releaseTimer(BobInterp* interp, BobValue wrapper) {
   if (!timer) return;
   if (!isUnderWay(timer)) return destroyTimer(timer);
   timer->hasWrapper = false;
-  bobReleaseHandle(interp, timer->handle);
+  timer->handle.release();
 }
 
 // The timer of a value, about to be started: it has its callback again.
@@ -58,8 +58,8 @@ BobValue initialize(BobInterp* interp) {
   bobSetParent(interp, self, callback);
   if (interval != 0) timerStart(timer, uint32_t(interval), repeat);
   currentScripts().timers.push_front(timer);
-  timer->handle = bobMakeHandle(interp, timer);
-  bobHandleOf(interp, self) = timer->handle;
+  timer->handle.make(interp, timer);
+  bobHandleOf(interp, self) = timer->handle.number();
   return self;
 }
 
