@@ -23,7 +23,7 @@ struct WidgetOwner {
   // Counts one more widget against what the page being loaded, and all the pages in it, may hold; false when full.
   virtual bool countWidget() = 0;
 
-  virtual int ownerEvent(const Event& event) = 0;   // an event that none of its widgets wanted
+  virtual int ownerEvent(const Event& event) = 0;  // an event that none of its widgets wanted
   virtual void runScript(PageScript script) = 0;
 
  protected:
