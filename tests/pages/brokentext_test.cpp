@@ -3,9 +3,9 @@
 #include <random>
 
 #include "blockspage.h"
+#include "engine/events/value.h"
 #include "engine/screen/display.h"
 #include "engine/text/textstyle.h"
-#include "engine/events/value.h"
 #include "gfx/foundation/hsdebug.h"
 #include "kit/files.h"
 

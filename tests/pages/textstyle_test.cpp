@@ -2,9 +2,9 @@
 #include <array>
 #include <cstring>
 
-#include "engine/text/textmeasure.h"
 #include "blockspage.h"
 #include "engine/screen/display.h"
+#include "engine/text/textmeasure.h"
 #include "engine/text/textstyle.h"
 #include "host/color.h"
 

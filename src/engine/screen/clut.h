@@ -16,7 +16,7 @@
 struct Clut {
   std::string name;  // empty for one that belongs to a picture
   int count = 0;
-  std::array<uint32_t, 256> colors{};  // 0xYYRRBBAA; zero beyond count
+  std::array<uint32_t, 256> colors{};                         // 0xYYRRBBAA; zero beyond count
   hsRef<hsGColorTable> colorTable = hsMake<hsGColorTable>();  // the same for the graphics library
 };
 
