@@ -9,13 +9,13 @@
 #include "engine/engine.h"
 #include "gfx/foundation/hsdebug.h"
 #include "host/headless/headlessdesktop.h"
-#include "support/allocatedbytes.h"
+#include "support/allocations.h"
 #include "support/pagefixture.h"
 
 namespace {
 
 constexpr uint32_t kDay = 24 * 60 * 60 * 1000;  // milliseconds
-constexpr size_t kSlack = 64 << 10;             // bytes that the pages and the glyphs of the moment may make up
+constexpr int64_t kSlack = 64 << 10;            // bytes that the pages and the glyphs of the moment may make up
 constexpr uint32_t kStep = 500;                 // of the clock; the demo's timers are slower
 #ifdef SOAK_LONG
 constexpr uint32_t kPace = 1'000;
@@ -57,7 +57,7 @@ class SoakTest : public PageTest {
   }
 
   // Of the program's own, in bytes. The console keeps a bounded number of lines; what the test keeps is dropped.
-  size_t memory() {
+  int64_t memory() {
     desktop.log.clear();
     desktop.log.shrink_to_fit();
     return allocatedBytes();
@@ -80,7 +80,7 @@ TEST_F(SoakTest, ADayLeavesNoTrace) {
   const uint32_t between = pace ? uint32_t(std::strtoul(pace, nullptr, 10)) : kPace;
   std::mt19937 random(24);
   ASSERT_TRUE(desktop.shell.loadPage(DEMO_FOLDER "/guide.kpg"));
-  size_t most = 0;
+  int64_t most = 0;
   uint32_t untilNext = between;
   for (uint32_t now = 0; now < kDay; now += kStep) {
     desktop.clock += kStep;
@@ -93,8 +93,8 @@ TEST_F(SoakTest, ADayLeavesNoTrace) {
       untilNext -= kStep;
     }
     if (now % (kDay / 96) != 0) continue;
-    // What the first quarter of the day has reached is not gone beyond later.
-    const size_t used = memory();
+    // No later use exceeds that of the first quarter of the day.
+    const int64_t used = memory();
     if (now <= kDay / 4) {
       most = std::max(most, used);
     } else {

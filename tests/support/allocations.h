@@ -1,14 +1,22 @@
 // How much memory the program has allocated and not freed, in bytes.
 //
-// Under a sanitizer, whose allocator takes the C library's place, the figure is its own and exact; elsewhere it holds
-// what the C library keeps ready for reuse as well, so compare it with some slack.
+// Under a sanitizer, whose allocator takes the C library's place, the figure is exact. Elsewhere the C library counts,
+// with its own bookkeeping, so compare with some slack.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-extern "C" size_t __sanitizer_get_current_allocated_bytes();  // the sanitizers' runtime has it, without a header in GCC
+#define VISTREL_SANITIZER_ALLOCATES
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define VISTREL_SANITIZER_ALLOCATES
+#endif
+#endif
+
+#ifdef VISTREL_SANITIZER_ALLOCATES
+extern "C" size_t __sanitizer_get_current_allocated_bytes();  // in the sanitizers' runtime; GCC has no header for it
 
 inline int64_t allocatedBytes() { return int64_t(__sanitizer_get_current_allocated_bytes()); }
 #else

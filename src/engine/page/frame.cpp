@@ -9,12 +9,12 @@ namespace {
 constexpr uint32_t kMaxPageWidgets = 65536;
 constexpr uint32_t kMaxLoadWidgets = 4 * kMaxPageWidgets;  // with the pages nested in the page
 
-bool runScript(Frame* frame, const char* script, Widget* widget) {
+bool runScript(Frame* frame, ScriptAttribute script, Widget* widget) {
   return !widget->gone && frameOf(widget) == frame && widgetRunScript(widget, script);
 }
 
 // Follows the link of that name from the focused widget. Nothing checks whether the target is hidden.
-bool moveFocus(Frame* frame, const char* link) {
+bool moveFocus(Frame* frame, StringAttribute link) {
   if (!frame->focus) return false;
   const char* name = widgetAttrString(frame->focus, link);
   Widget* target = name ? frame->findWidget(name) : nullptr;
@@ -25,8 +25,8 @@ bool moveFocus(Frame* frame, const char* link) {
 
 struct Direction {
   uint32_t data;
-  const char* script;    // run in place of a move; diagonals run none
-  const char* links[3];  // tried in order
+  ScriptAttribute script;    // run in place of a move; diagonals run none
+  StringAttribute links[3];  // tried in order
 };
 
 constexpr Direction kDirections[] = {
@@ -44,7 +44,7 @@ int navigate(Frame* frame, const Event& event) {
   for (const Direction& direction : kDirections) {
     if (direction.data != event.data) continue;
     if (direction.script && runScript(frame, direction.script, frame->focus)) return 1;
-    for (const char* link : direction.links)
+    for (const StringAttribute link : direction.links)
       if (link && moveFocus(frame, link)) break;
     return 1;  // consumed, whether a move happened or not
   }
@@ -150,10 +150,10 @@ int stylesLoad(Frame* frame, const PageTable& table) { return frame->textStyles.
 
 const TextStyle* styleFind(const Frame* frame, const char* name) { return frame->textStyles.find(name); }
 
-int frameRunScript(Frame* frame, const char* attributeName) {
+int frameRunScript(Frame* frame, ScriptAttribute name) {
   PageScript script;
   if (!frame->pageData) return 0;
-  if (!attrScript(frame->rootObject, attributeName, &script)) return 0;
+  if (!attrScript(frame->rootObject, name, &script)) return 0;
   frame->runScript(script);
   return 1;
 }

@@ -61,7 +61,7 @@ Widget* frameFindWidget(const Frame* frame, const char* name);  // the first of 
 int stylesLoad(Frame* frame, const PageTable& table);
 const TextStyle* styleFind(const Frame* frame, const char* name);  // the first of that name, or null
 
-int frameEvent(Frame* frame, const Event& event);             // the frame's own answer: keys, navigation, drawing
-int frameHandleEvent(Frame* frame, const Event* event);       // to the focused widget if there is one
-void widgetFocus(Frame* frame, Widget* widgetOrNull);         // notifies both widgets and runs onBlur and onFocus
-int frameRunScript(Frame* frame, const char* attributeName);  // of the root object; 1 if there is one
+int frameEvent(Frame* frame, const Event& event);        // the frame's own answer: keys, navigation, drawing
+int frameHandleEvent(Frame* frame, const Event* event);  // to the focused widget if there is one
+void widgetFocus(Frame* frame, Widget* widgetOrNull);    // notifies both widgets and runs onBlur and onFocus
+int frameRunScript(Frame* frame, ScriptAttribute name);  // of the root object; 1 if there is one

@@ -39,7 +39,7 @@ int wrongType(const PageAttribute& attribute, const char* expectation) {
 }
 
 template <class T>
-int byName(const PageObject& record, const char* name, T* out, int (*read)(const PageAttribute&, T*)) {
+int byName(const PageObject& record, AttributeName name, T* out, int (*read)(const PageAttribute&, T*)) {
   const auto attribute = attrFind(record, name);
   return attribute ? read(*attribute, out) : 0;
 }
@@ -96,7 +96,7 @@ PageAttribute pageAttribute(const PageObject& record, uint32_t index) {
   return {record.page, p[0], stringAt(*record.page, hsBig32(p) & kOffsetMask), hsBig32(p + 4)};
 }
 
-std::optional<PageAttribute> attrFind(const PageObject& record, const char* name) {
+std::optional<PageAttribute> attrFind(const PageObject& record, AttributeName name) {
   const uint32_t count = record.attributeCount();
   for (uint32_t i = 0; i < count; ++i) {
     const PageAttribute attribute = pageAttribute(record, i);
@@ -170,10 +170,9 @@ int attrScript(const PageAttribute& a, PageScript* out) {
   return 1;
 }
 
-int attrInt(const PageObject& r, const char* name, int32_t* out) { return byName(r, name, out, attrInt); }
-int attrColor(const PageObject& r, const char* name, uint32_t* out) { return byName(r, name, out, attrColor); }
-int attrBool(const PageObject& r, const char* name, bool* out) { return byName(r, name, out, attrBool); }
-int attrString(const PageObject& r, const char* name, const char** out) { return byName(r, name, out, attrString); }
-int attrObject(const PageObject& r, const char* name, PageObject* out) { return byName(r, name, out, attrObject); }
-int attrTable(const PageObject& r, const char* name, PageTable* out) { return byName(r, name, out, attrTable); }
-int attrScript(const PageObject& r, const char* name, PageScript* out) { return byName(r, name, out, attrScript); }
+int attrInt(const PageObject& r, IntegerAttribute name, int32_t* out) { return byName(r, name, out, attrInt); }
+int attrColor(const PageObject& r, ColorAttribute name, uint32_t* out) { return byName(r, name, out, attrColor); }
+int attrBool(const PageObject& r, BooleanAttribute name, bool* out) { return byName(r, name, out, attrBool); }
+int attrString(const PageObject& r, StringAttribute name, const char** out) { return byName(r, name, out, attrString); }
+int attrTable(const PageObject& r, TableAttribute name, PageTable* out) { return byName(r, name, out, attrTable); }
+int attrScript(const PageObject& r, ScriptAttribute name, PageScript* out) { return byName(r, name, out, attrScript); }

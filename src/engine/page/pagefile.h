@@ -10,6 +10,8 @@
 #include <span>
 #include <vector>
 
+#include "engine/page/attributes.h"
+
 struct PageData {
   explicit PageData(std::vector<uint8_t> file);
 
@@ -65,7 +67,7 @@ struct PageAttribute {
 PageAttribute pageAttribute(const PageObject& record, uint32_t index);
 
 // The first attribute of that name.
-std::optional<PageAttribute> attrFind(const PageObject& record, const char* name);
+std::optional<PageAttribute> attrFind(const PageObject& record, AttributeName name);
 
 // Readers: 1 and the value, or 0 after logging the type. A string passes for an integer or a boolean, an integer for a
 // colour, but a colour not for an integer.
@@ -78,10 +80,9 @@ int attrTable(const PageAttribute& attribute, PageTable* out);
 int attrScript(const PageAttribute& attribute, PageScript* out);
 
 // By name: 0 for an absent attribute, without a message.
-int attrInt(const PageObject& record, const char* name, int32_t* out);
-int attrColor(const PageObject& record, const char* name, uint32_t* out);
-int attrBool(const PageObject& record, const char* name, bool* out);
-int attrString(const PageObject& record, const char* name, const char** out);
-int attrObject(const PageObject& record, const char* name, PageObject* out);
-int attrTable(const PageObject& record, const char* name, PageTable* out);
-int attrScript(const PageObject& record, const char* name, PageScript* out);
+int attrInt(const PageObject& record, IntegerAttribute name, int32_t* out);
+int attrColor(const PageObject& record, ColorAttribute name, uint32_t* out);
+int attrBool(const PageObject& record, BooleanAttribute name, bool* out);
+int attrString(const PageObject& record, StringAttribute name, const char** out);
+int attrTable(const PageObject& record, TableAttribute name, PageTable* out);
+int attrScript(const PageObject& record, ScriptAttribute name, PageScript* out);

@@ -14,7 +14,7 @@ void timedOut(Timer* timer, TimerReason reason) {
   if (reason == TimerReason::fired) widgetHide(static_cast<TimeoutTimer*>(timer)->widget);
 }
 
-bool flagFromAttribute(Widget* widget, const char* name, uint32_t flag) {
+bool flagFromAttribute(Widget* widget, BooleanAttribute name, uint32_t flag) {
   bool on = false;
   if (widgetAttrBool(widget, name, &on) && on) widget->flags |= flag;
   return on;
@@ -101,7 +101,7 @@ Widget* widgetAround(const Widget* widget) {
   return parent && parent->owner == widget->owner ? parent : nullptr;
 }
 
-const char* scriptForEvent(uint32_t code) {
+ScriptAttribute scriptForEvent(uint32_t code) {
   switch (code) {
     case kRunOnChange: return "onChange";
     case kRunOnUp: return "onUp";
@@ -177,14 +177,14 @@ int widgetBaseEvent(Widget* widget, const Event& event) {
     return 1;
   }
   if (event.code == kWidgetDestroyed) return 1;
-  if (const char* script = scriptForEvent(event.code); script && widgetRunScript(widget, script)) return 1;
+  if (const ScriptAttribute script = scriptForEvent(event.code); script && widgetRunScript(widget, script)) return 1;
 
   if (widget->gone) return 0;
   if (Widget* around = widgetAround(widget)) return eventSend(around, event);
   return widget->owner ? widget->owner->ownerEvent(event) : 0;
 }
 
-int widgetRunScript(Widget* widget, const char* name) {
+int widgetRunScript(Widget* widget, ScriptAttribute name) {
   PageScript script;
   if (!widgetAttrScript(widget, name, &script)) return 0;
   widget->owner->runScript(script);
@@ -245,20 +245,21 @@ void widgetInvalidate(Widget* widget) {
   if (!nothingToSee(widget)) widgetMarkDirty(widget, kWidgetContentRedraw);
 }
 
-const char* widgetAttrString(const Widget* widget, const char* name) {
+const char* widgetAttrString(const Widget* widget, StringAttribute name) {
   const char* text = nullptr;
   return attrString(widget->record, name, &text) ? text : nullptr;
 }
 
-bool widgetAttrInt(const Widget* w, const char* name, int32_t* out) { return attrInt(w->record, name, out); }
-bool widgetAttrBool(const Widget* w, const char* name, bool* out) { return attrBool(w->record, name, out); }
-bool widgetAttrColor(const Widget* w, const char* name, uint32_t* out) { return attrColor(w->record, name, out); }
-bool widgetAttrObject(const Widget* w, const char* name, PageObject* out) { return attrObject(w->record, name, out); }
-bool widgetAttrTable(const Widget* w, const char* name, PageTable* out) { return attrTable(w->record, name, out); }
-bool widgetAttrScript(const Widget* w, const char* name, PageScript* out) { return attrScript(w->record, name, out); }
+bool widgetAttrInt(const Widget* w, IntegerAttribute name, int32_t* out) { return attrInt(w->record, name, out); }
+bool widgetAttrBool(const Widget* w, BooleanAttribute name, bool* out) { return attrBool(w->record, name, out); }
+bool widgetAttrColor(const Widget* w, ColorAttribute name, uint32_t* out) { return attrColor(w->record, name, out); }
+bool widgetAttrTable(const Widget* w, TableAttribute name, PageTable* out) { return attrTable(w->record, name, out); }
+bool widgetAttrScript(const Widget* w, ScriptAttribute name, PageScript* out) {
+  return attrScript(w->record, name, out);
+}
 
 uint32_t widgetAlign(const Widget* widget) {
-  const auto word = [widget](const char* name) {
+  const auto word = [widget](StringAttribute name) {
     const char* text = widgetAttrString(widget, name);
     return std::string_view(text ? text : "");
   };

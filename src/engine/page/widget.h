@@ -15,6 +15,7 @@
 #include "engine/events/eventtarget.h"
 #include "engine/events/redrawqueue.h"
 #include "engine/events/timer.h"
+#include "engine/page/attributes.h"
 #include "engine/page/pagefile.h"
 
 struct Widget;
@@ -92,7 +93,7 @@ void widgetDestroy(Widget* widget);
 int widgetBaseEvent(Widget* widget, const Event& event);
 
 // Runs the script attribute of that name: 1 if there is one, whatever it did.
-int widgetRunScript(Widget* widget, const char* name);
+int widgetRunScript(Widget* widget, ScriptAttribute name);
 
 // ---- showing and changing
 
@@ -113,13 +114,12 @@ void widgetInvalidate(Widget* widget);
 
 // ---- attributes of the widget's own record: null, or false, when absent or refused
 
-const char* widgetAttrString(const Widget* widget, const char* name);
-bool widgetAttrInt(const Widget* widget, const char* name, int32_t* out);
-bool widgetAttrBool(const Widget* widget, const char* name, bool* out);
-bool widgetAttrColor(const Widget* widget, const char* name, uint32_t* out);
-bool widgetAttrObject(const Widget* widget, const char* name, PageObject* out);
-bool widgetAttrTable(const Widget* widget, const char* name, PageTable* out);
-bool widgetAttrScript(const Widget* widget, const char* name, PageScript* out);
+const char* widgetAttrString(const Widget* widget, StringAttribute name);
+bool widgetAttrInt(const Widget* widget, IntegerAttribute name, int32_t* out);
+bool widgetAttrBool(const Widget* widget, BooleanAttribute name, bool* out);
+bool widgetAttrColor(const Widget* widget, ColorAttribute name, uint32_t* out);
+bool widgetAttrTable(const Widget* widget, TableAttribute name, PageTable* out);
+bool widgetAttrScript(const Widget* widget, ScriptAttribute name, PageScript* out);
 
 // `align` in bits 1-0 (0 left, 1 center, 2 right) and `valign` in bits 3-2 (0 top, 4 center, 8 bottom).
 uint32_t widgetAlign(const Widget* widget);

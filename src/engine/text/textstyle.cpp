@@ -21,7 +21,7 @@ uint16_t encodingNamed(const char* name) {
 
 // Each sets what its attribute says; a value of the wrong type has been logged and changes nothing.
 struct StyleAttribute {
-  const char* name;
+  AttributeName name;
   void (*set)(const PageAttribute& attribute, NamedStyle* named);
 };
 

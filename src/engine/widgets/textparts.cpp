@@ -14,7 +14,7 @@ int32_t aligned(int32_t start, int32_t space, uint32_t alignment, int32_t size) 
   return hsWrapAdd(start, alignment == kAlignMiddle ? left / 2 : left);
 }
 
-std::optional<TextStyle> namedStyle(const Widget* widget, const char* attribute) {
+std::optional<TextStyle> namedStyle(const Widget* widget, StringAttribute attribute) {
   const char* name = widgetAttrString(widget, attribute);
   if (!name) return std::nullopt;
   if (const TextStyle* style = styleFind(frameOf(widget), name)) return *style;
