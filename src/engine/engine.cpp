@@ -59,7 +59,6 @@ bool Engine::busy() const { return redraws.pending() || (display && display->swa
 
 int engineInit(void* cacheMemory, size_t cacheSize) { return theEngine->start(cacheMemory, cacheSize); }
 void engineStep() { theEngine->step(); }
-bool engineBusy() { return theEngine->busy(); }
 Frame* topFrame() { return theEngine->topFrame; }
 
 // ---- what the engine's parts find of the current one

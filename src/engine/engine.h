@@ -88,5 +88,4 @@ Engine* currentEngine();
 // On the current engine; engineInit returns non-zero on success.
 int engineInit(void* cacheMemory, size_t cacheSize);
 void engineStep();
-bool engineBusy();
 Frame* topFrame();

@@ -51,7 +51,7 @@ TEST_F(SelectTest, KeysMoveForwardsOrInAColumnBackwards) {
 TEST_F(SelectTest, OneChoiceEatsItsKeysWithoutARedraw) {
   SelectWidget* w = select("choices: '|a', navigate: both, immediate: true, onChange: 'stdout.Display(1);'");
   EXPECT_EQ(eventSendSimple(w, kDirectionKey, kDirectionDown), 1);
-  EXPECT_FALSE(engineBusy());
+  EXPECT_FALSE(desktop.shell.busy());
   w = select("navigate: both");
   for (const char* name : {"Down", "UpRight", "Up"}) key(name);
   EXPECT_EQ(valueOf(w), -1);

@@ -130,7 +130,7 @@ TEST_F(TextTest, StylesAreCopiedInAndOut) {
   big.size = 20;
   EXPECT_EQ(eventSendSimple(w, kSetStyle, 0, static_cast<const TextStyle*>(&big)), 1);
   EXPECT_EQ(eventSendSimple(w, kSetHighlightStyle, 0, static_cast<const TextStyle*>(&big)), 1);
-  EXPECT_FALSE(engineBusy());  // no redraw by itself
+  EXPECT_FALSE(desktop.shell.busy());  // no redraw by itself
   ASSERT_EQ(eventSendSimple(w, kGetStyle, 0, &found), 1);
   EXPECT_EQ(found->size, 20);
   for (const uint32_t code : {kGetStyle, kSetStyle, kGetHighlightStyle, kSetHighlightStyle})
