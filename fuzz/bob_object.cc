@@ -1,18 +1,9 @@
 // Records of an object file: each is read, listed and run, and whatever it says stays inside its own code.
-#include "bob/bob.h"
 #include "bob/tools/disassemble.h"
-
-namespace {
-
-std::unique_ptr<BobStream> NoFiles(const char*, const char*) { return nullptr; }
-
-}  // namespace
+#include "bobinterp.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  BobInterp* interp = bobMakeInterp(102400, 0, 65536);
-  bobRegisterGlobals(interp);
-  bobInitCompiler(interp);
-  bobSetOpenFile(interp, NoFiles);
+  const FuzzInterp interp;
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);
   bobTry(interp, [&] {
     BobStringInput input(bytes);
@@ -30,7 +21,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         if (count == 1) bobCallByName(bobRootScope(interp), name, {bobSmall(3)});
         if (count == 2) bobCallByName(bobRootScope(interp), name, {bobSmall(3), kBobTrue});
       });
-  bobCollect(interp);
-  bobDestroyInterp(interp);
   return 0;
 }

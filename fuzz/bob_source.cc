@@ -1,11 +1,9 @@
 // Source text: compiled and run, written as an object file, read again and listed.
-#include "bob/bob.h"
 #include "bob/compile/statementreader.h"
 #include "bob/tools/disassemble.h"
+#include "bobinterp.h"
 
 namespace {
-
-std::unique_ptr<BobStream> NoFiles(const char*, const char*) { return nullptr; }
 
 class Sink : public BobStream {
  public:
@@ -27,10 +25,7 @@ void RoundTrip(BobInterp* interp, BobValue method) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  BobInterp* interp = bobMakeInterp(102400, 0, 65536);
-  bobRegisterGlobals(interp);
-  bobInitCompiler(interp);
-  bobSetOpenFile(interp, NoFiles);
+  const FuzzInterp interp;
   const std::string_view text(reinterpret_cast<const char*>(data), size);
   bobTry(interp, [&] {
     BobStringInput input(text);
@@ -41,7 +36,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     BobStringInput input(text);
     bobRunSource(bobRootScope(interp), &input, bobStdout(interp));
   });
-  bobCollect(interp);
-  bobDestroyInterp(interp);
   return 0;
 }

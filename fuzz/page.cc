@@ -2,13 +2,7 @@
 //
 // The first byte says how many of the following are actions; what is left is the page. It lies under the name "p", so
 // that a page can hold itself.
-#include <stdlib.h>
-
-#include <cstddef>
-#include <cstdint>
-#include <filesystem>
-#include <fstream>
-
+#include "folder.h"
 #include "host/headless/headlessdesktop.h"
 #include "kit/errors.h"
 #include "kit/source/pagedump.h"
@@ -17,15 +11,6 @@ namespace {
 
 constexpr const char* kKeys[] = {"Up",      "Down",     "Left",      "Right", "Select", "Clear", "Backspace", "UpLeft",
                                  "UpRight", "DownLeft", "DownRight", "S",     "0",      "1",     "2",         "5"};
-
-void enterFolder() {
-  static const bool entered = [] {
-    std::string name = (std::filesystem::temp_directory_path() / "vistrel-fuzz-XXXXXX").string();
-    std::filesystem::current_path(mkdtemp(name.data()));
-    return true;
-  }();
-  (void)entered;
-}
 
 void act(HeadlessDesktop& desktop, uint8_t action) {
   if (action >= 0xC0) return desktop.wait(action - 0xC0u);
@@ -40,7 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   enterFolder();
   const uint8_t* actions = data + 1;
   const uint8_t* page = actions + data[0];
-  std::ofstream("p", std::ios::binary).write(reinterpret_cast<const char*>(page), data + size - page);
+  writeBytes("p", page, size_t(data + size - page));
 
   HeadlessDesktop desktop;
   desktop.start();

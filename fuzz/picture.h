@@ -1,27 +1,18 @@
 // What the targets for picture files share: an engine on a folder of its own, and one file to draw.
 #pragma once
 
-#include <stdlib.h>
-
-#include <cstdint>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <vector>
 
 #include "engine/images/imagedraw.h"
 #include "engine/images/imageload.h"
+#include "folder.h"
 #include "host/headless/headlessdesktop.h"
-
-inline void writeBytes(const char* name, const uint8_t* data, size_t size) {
-  std::ofstream(name, std::ios::binary).write(reinterpret_cast<const char*>(data), std::streamsize(size));
-}
 
 // The engine, started once, with nothing in its cache: a start takes longer than many pictures.
 inline Engine& freshEngine() {
   static HeadlessDesktop* const desktop = [] {
-    std::string folder = (std::filesystem::temp_directory_path() / "vistrel-fuzz-XXXXXX").string();
-    std::filesystem::current_path(mkdtemp(folder.data()));
+    enterFolder();
     constexpr uint8_t kGood[] = {0, 0, 0, 2, 0, 1, 0, 1, 0, 0, 0, 0, 7, 8};
     writeBytes("good.kpx", kGood, sizeof kGood);
     auto* made = new HeadlessDesktop;

@@ -2,13 +2,9 @@
 //
 // The first byte chooses the page, each of the following is one action; bytes from 0x80 on are lines of the console,
 // whose statements take their pieces from the bytes after it.
-#include <stdlib.h>
-
-#include <cstddef>
-#include <cstdint>
-#include <filesystem>
 #include <string>
 
+#include "folder.h"
 #include "host/headless/headlessdesktop.h"
 #include "kit/files.h"
 #include "kit/source/pagebuild.h"
@@ -19,37 +15,35 @@ constexpr const char* kKeys[] = {"Up", "Down", "Left", "Right", "Select", "Clear
 constexpr const char* kObjects[] = {"widgets.a", "widgets.b", "widgets.nest",  "topFrame", "frame",
                                     "KOVA.w",    "KOVA.t",    "frame.Focus()", "KOVA.e",   "Widget",
                                     "KOVA.f",    "parent",    "new Widget()",  "KOVA.s"};
-constexpr const char* kCalls[] = {
-    ".LoadPage(\"one.kpg\")",
-    ".LoadPage(\"two.kpg\")",
-    ".LoadPage(\"none.kpg\")",
-    ".UnloadPage()",
-    ".SetFocus()",
-    ".Hide(true)",
-    ".Show()",
-    ".x",
-    ".value",
-    ".value = 7",
-    ".background = \"none.gif\"",
-    ".maxValue = 3",
-    ".highlighted = 1",
-    ".initialize(KOVA.f, 2, true)",
-    ".initialize()",
-    ".HandleEvent(0x404000d)",
-    ".HandleEvent(0x4030004)",
-    ".HandleEvent(0x4040001)",
-    ".HandleEvent(0x80002)",
-    ".Push()",
-    ".Remove()",
-    ".OnEvent(0x80002, KOVA.f)",
-    ".OnEvent(0x4030004, KOVA.f)",
-    ".ObserveEvent(0x80001, KOVA.f)",
-    ".Set(1, true)",
-    ".Clear()",
-    ".timeRemaining = 2",
-    ".Close()",
-    ".AddElement(1)",
-};
+constexpr const char* kCalls[] = {".LoadPage(\"one.kpg\")",
+                                  ".LoadPage(\"two.kpg\")",
+                                  ".LoadPage(\"none.kpg\")",
+                                  ".UnloadPage()",
+                                  ".SetFocus()",
+                                  ".Hide(true)",
+                                  ".Show()",
+                                  ".x",
+                                  ".value",
+                                  ".value = 7",
+                                  ".background = \"none.gif\"",
+                                  ".maxValue = 3",
+                                  ".highlighted = 1",
+                                  ".initialize(KOVA.f, 2, true)",
+                                  ".initialize()",
+                                  ".HandleEvent(0x404000d)",
+                                  ".HandleEvent(0x4030004)",
+                                  ".HandleEvent(0x4040001)",
+                                  ".HandleEvent(0x80002)",
+                                  ".Push()",
+                                  ".Remove()",
+                                  ".OnEvent(0x80002, KOVA.f)",
+                                  ".OnEvent(0x4030004, KOVA.f)",
+                                  ".ObserveEvent(0x80001, KOVA.f)",
+                                  ".Set(1, true)",
+                                  ".Clear()",
+                                  ".timeRemaining = 2",
+                                  ".Close()",
+                                  ".AddElement(1)"};
 constexpr const char* kWhole[] = {"gc();",
                                   "KOVA.w = widgets.a;",
                                   "KOVA.w = frame.Focus();",
@@ -73,18 +67,13 @@ std::string pageSource(const std::string& other) {
          other + "\"); KOVA.f(4);'}\n";
 }
 
-void enterFolder() {
-  static const bool entered = [] {
-    std::string name = (std::filesystem::temp_directory_path() / "vistrel-fuzz-XXXXXX").string();
-    std::filesystem::current_path(mkdtemp(name.data()));
-    for (const auto& [page, other] : {std::pair("one", "two"), std::pair("two", "one")}) {
-      const std::string source = pageSource(std::string(other) + ".kpg");
-      writeFile(std::string(page) + ".yaml", source.data(), source.size());
-      buildPage(std::string(page) + ".yaml", std::string(page) + ".kpg");
-    }
-    return true;
-  }();
-  (void)entered;
+void buildPages() {
+  if (!enterFolder()) return;
+  for (const auto& [page, other] : {std::pair("one", "two"), std::pair("two", "one")}) {
+    const std::string source = pageSource(std::string(other) + ".kpg");
+    writeFile(std::string(page) + ".yaml", source.data(), source.size());
+    buildPage(std::string(page) + ".yaml", std::string(page) + ".kpg");
+  }
 }
 
 class Input {
@@ -118,7 +107,7 @@ std::string lineOf(Input& input) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  enterFolder();
+  buildPages();
   Input input(data, size);
   HeadlessDesktop desktop;
   desktop.start();
