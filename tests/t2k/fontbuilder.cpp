@@ -1,6 +1,7 @@
 #include "t2k/fontbuilder.h"
 
 #include <algorithm>
+#include <sstream>
 
 FontContour RectContour(int left, int bottom, int right, int top) {
   return {{left, bottom}, {left, top}, {right, top}, {right, bottom}};
@@ -30,6 +31,15 @@ Bytes SimpleGlyph(const std::vector<FontContour>& contours) {
   last = 0;
   for (const FontPoint& p : points) glyph.U16(p.y - last), last = p.y;
   return glyph;
+}
+
+SfntBuilder TwoLetters() {
+  SfntBuilder font;
+  font.AddGlyph({}, 500, 0);
+  font.AddContours({RectContour(50, 0, 450, 700)}, 600);
+  font.AddContours({RectContour(10, 0, 290, 500)}, 300);
+  font.characters = {{'A', 1}, {'i', 2}};
+  return font;
 }
 
 Bytes CompositeGlyph(const Bytes& entries) { return Bytes().Words({-1, 0, 0, 0, 0}).Add(entries); }
@@ -126,19 +136,33 @@ Bytes Encrypt(const Bytes& plain, uint16_t r) {
   return cipher;
 }
 
-}  // namespace
-
-Bytes Type1Builder::Number(int v) {
+Bytes Number(int v) {
   if (v >= -107 && v <= 107) return Bytes().U8(v + 139);
   if (v >= 108 && v <= 1131) return Bytes().U8(247 + ((v - 108) >> 8)).U8(v - 108);
   if (v <= -108 && v >= -1131) return Bytes().U8(251 + ((-v - 108) >> 8)).U8(-v - 108);
   return Bytes().U8(255).U32(uint32_t(v));
 }
 
-Bytes Type1Builder::Program(std::initializer_list<int> values) {
+}  // namespace
+
+Bytes Type1Builder::Program(const std::string& text) {
+  static const std::map<std::string, Bytes> operators = {{"vmoveto", {4}},    {"rlineto", {5}},
+                                                         {"hlineto", {6}},    {"vlineto", {7}},
+                                                         {"rrcurveto", {8}},  {"closepath", {9}},
+                                                         {"callsubr", {10}},  {"return", {11}},
+                                                         {"hsbw", {13}},      {"endchar", {14}},
+                                                         {"rmoveto", {21}},   {"hmoveto", {22}},
+                                                         {"vhcurveto", {30}}, {"hvcurveto", {31}},
+                                                         {"seac", {12, 6}},   {"sbw", {12, 7}},
+                                                         {"div", {12, 12}},   {"callothersubr", {12, 16}},
+                                                         {"pop", {12, 17}},   {"setcurrentpoint", {12, 33}}};
   Bytes program;
-  for (const int* v = values.begin(); v + 1 < values.end(); ++v) program.Add(Number(*v));
-  return program.U8(values.begin()[values.size() - 1]);
+  std::istringstream in(text);
+  for (std::string word; in >> word;) {
+    const auto found = operators.find(word);
+    program.Add(found != operators.end() ? found->second : Number(std::stoi(word)));
+  }
+  return program;
 }
 
 std::string Type1Builder::ClearText() const { return head + encoding + "currentfile eexec\n"; }

@@ -46,7 +46,7 @@ class SfntBuilder {
   std::map<std::string, Bytes> tables;  // replaces or adds; an empty one leaves the table out
   std::map<int, int> characters;        // for a format 4 map
 
-  // Gives the glyph's index.
+  // Returns the glyph's index.
   int AddGlyph(const Bytes& data, int aw, int lsb);
   int AddContours(const std::vector<FontContour>& contours, int aw);  // lsb as it comes
   Bytes Build(uint32_t base = 0) const;                               // base: where the font will lie in its file
@@ -62,6 +62,10 @@ class SfntBuilder {
   };
   std::vector<Glyph> glyphs_;
 };
+
+// Glyph 0 blank; glyph 1, A, a box from (50, 0) to (450, 700), 600 wide; glyph 2, i, one from (10, 0) to (290, 500),
+// 300 wide.
+SfntBuilder TwoLetters();
 
 // A Type 1 font. Programs are given plain and encrypted here.
 class Type1Builder {
@@ -79,9 +83,8 @@ class Type1Builder {
   Bytes BuildPC() const;      // in segments
   Bytes PrivateText() const;  // the private portion, nothing in it encrypted
 
-  // Program text: numbers of -107..107 and up, and operator bytes.
-  static Bytes Number(int v);
-  static Bytes Program(std::initializer_list<int> numbersThenOperator);  // the last is the operator's byte
+  // A program from its numbers and the names of its operators.
+  static Bytes Program(const std::string& text);
 
  private:
   std::string ClearText() const;

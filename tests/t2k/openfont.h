@@ -15,6 +15,21 @@ inline std::vector<uint8_t> ReadFontFile(const std::string& path) {
   return {std::istreambuf_iterator<char>(in), {}};
 }
 
+// A glyph's points as "x,y", with a "*" off the curve and a "/" between contours; after a bar the two phantoms.
+inline std::string PointsOf(const GlyphClass* glyph, bool scaled = false) {
+  std::string text;
+  int contour = 0;
+  for (int i = 0; i < glyph->pointCount + 2; ++i) {
+    if (i == glyph->pointCount) text += "| ";
+    const int x = scaled ? glyph->x[i] : glyph->oox[i], y = scaled ? glyph->y[i] : glyph->ooy[i];
+    text += std::to_string(x) + "," + std::to_string(y);
+    text += i < glyph->pointCount && !glyph->onCurve[i] ? "* " : " ";
+    if (contour < glyph->contourCount && glyph->ep[contour] == i && ++contour < glyph->contourCount) text += "/ ";
+  }
+  text.pop_back();
+  return text;
+}
+
 class OpenFont {
  public:
   explicit OpenFont(std::vector<uint8_t> fontBytes, int fontType = kFontTypeSfnt, bool throughCallback = false,
@@ -31,7 +46,7 @@ class OpenFont {
   OpenFont(const OpenFont&) = delete;
   OpenFont& operator=(const OpenFont&) = delete;
 
-  // Gives the blocks that were left once everything was deleted.
+  // Returns the blocks that were left once everything was deleted.
   int Close() {
     if (!mem) return 0;
     int ignored;
@@ -52,6 +67,19 @@ class OpenFont {
     SetMatrix({size, 0, 0, size});
   }
   void SetMatrix(const T2KMatrix& matrix) { T2K_NewTransformation(t, true, 72, 72, &matrix, &err); }
+
+  // Throws tsiError.
+  GlyphHolder Glyph(int index, bool withHints = false, uint16_t* advance = nullptr) {
+    uint16_t ignored;
+    return GlyphHolder(GetGlyphByIndex(font, index, withHints, advance ? advance : &ignored));
+  }
+
+  // What Glyph returns as text, or "error" and the code.
+  std::string Outline(int index, uint16_t* advance = nullptr) {
+    std::string text;
+    if (font) tsi_Enter(mem, &err, [&] { text = PointsOf(Glyph(index, false, advance).get()); });
+    return err ? "error " + std::to_string(err) : text;
+  }
 
   // False on an error.
   bool Render(int32_t code, int greyLevel, int cmd) {

@@ -13,46 +13,20 @@ namespace {
 constexpr int kA = 1, kI = 2;
 constexpr int kOutline = kT2KByIndex | kT2KKeepGlyph;
 
-// Glyph 1 a box from (50, 0) to (450, 700), 600 wide; glyph 2 one from (10, 0) to (290, 500), 300 wide.
-SfntBuilder LettersFont() {
-  SfntBuilder builder;
-  builder.AddGlyph({}, 500, 0);
-  builder.AddContours({RectContour(50, 0, 450, 700)}, 600);
-  builder.AddContours({RectContour(10, 0, 290, 500)}, 300);
-  builder.characters = {{'A', kA}, {'i', kI}};
-  return builder;
-}
-
-std::string ScaledPoints(const T2K* t) {
-  std::string text;
-  const GlyphClass* glyph = t->glyph;
-  for (int i = 0; i < glyph->pointCount + 2; ++i) {
-    if (i == glyph->pointCount) text += "| ";
-    text += std::to_string(glyph->x[i]) + "," + std::to_string(glyph->y[i]) + " ";
-  }
-  text.pop_back();
-  return text;
-}
+std::string ScaledPoints(const T2K* t) { return PointsOf(t->glyph, true); }
 
 TEST(Transformation, SizesAndMetrics) {
-  OpenFont f(LettersFont().Build());
+  OpenFont f(TwoLetters().Build());
   f.SetSize(12);
-  EXPECT_EQ(f.err, 0);
-  EXPECT_TRUE(f.t->is_Identity);
-  EXPECT_EQ(f.t->xPixelsPerEm, 12);
-  EXPECT_EQ(f.t->yMul, 786);  // 12 / 1000
-  EXPECT_EQ(f.t->yAscender, 800 * 786);
-  EXPECT_EQ(f.t->yDescender, -200 * 786);
-  EXPECT_EQ(f.t->yLineGap, 90 * 786);
-  EXPECT_EQ(f.t->xMaxLinearAdvanceWidth, 1234 * 786);
-  EXPECT_EQ(f.t->xAscender, 0);
-  EXPECT_EQ(f.t->caretDy, 32768);
-  EXPECT_EQ(f.t->numGlyphs, 3);
-  EXPECT_EQ(f.t->font->preferedPlatformID, 65535);
+  const T2K& t = *f.t;
+  EXPECT_TRUE(t.is_Identity && t.xPixelsPerEm == 12 && t.numGlyphs == 3 && t.font->preferedPlatformID == 65535);
+  EXPECT_EQ(t.yMul, 786);  // 12 / 1000
+  EXPECT_EQ((std::vector{t.yAscender, t.yDescender, t.yLineGap, t.xMaxLinearAdvanceWidth, t.xAscender, t.caretDy}),
+            (std::vector{800 * 786, -200 * 786, 90 * 786, 1234 * 786, 0, 32768}));
 }
 
 TEST(Transformation, ResolutionIsDividedBeforeItMultiplies) {
-  OpenFont f(LettersFont().Build());
+  OpenFont f(TwoLetters().Build());
   const T2KMatrix matrix{12 << 16, 0, 0, 12 << 16};
   T2K_NewTransformation(f.t, false, 96, 36, &matrix, &f.err);
   EXPECT_EQ(f.t->xPixelsPerEm16Dot16, 12 * 87381);  // 96 / 72 cut to 16 bits
@@ -62,7 +36,7 @@ TEST(Transformation, ResolutionIsDividedBeforeItMultiplies) {
 }
 
 TEST(Transformation, WhatRemainsTurnsOutlinesAdvancesAndMetrics) {
-  OpenFont f(LettersFont().Build());
+  OpenFont f(TwoLetters().Build());
   f.SetMatrix({0, -12 << 16, 12 << 16, 0});  // a quarter turn against the clock
   EXPECT_FALSE(f.t->is_Identity);
   EXPECT_EQ(f.t->t10, 0x10000);
@@ -78,18 +52,29 @@ TEST(Transformation, WhatRemainsTurnsOutlinesAdvancesAndMetrics) {
   EXPECT_EQ(f.t->yLinearAdvanceWidth16Dot16, 600 * 786);
 }
 
-TEST(Transformation, BelowHalfAPixelEverythingIsZero) {
-  OpenFont f(LettersFont().Build());
-  f.SetSize(0.4);
+TEST(Render, WhatHasNoBitmap) {
+  SfntBuilder builder = TwoLetters();
+  OpenFont f(builder.Build());
+  f.SetSize(12);
+  ASSERT_TRUE(f.Render(' ', 3, kT2KBitmap | kT2KGridFit));
+  EXPECT_EQ(f.t->baseAddr, nullptr);
+  EXPECT_EQ(f.t->width, 0);
+  EXPECT_EQ(f.t->xAdvanceWidth16Dot16, 6 << 16);
+  f.SetSize(0.4);  // below half a pixel everything is zero
   EXPECT_EQ(f.t->t00, 0);
   ASSERT_TRUE(f.Render('A', 3, kT2KBitmap | kT2KGridFit));
   EXPECT_EQ(f.t->width, 0);
-  EXPECT_EQ(f.t->baseAddr, nullptr);
   EXPECT_EQ(f.t->xAdvanceWidth16Dot16, 0);
+
+  builder.characters.clear();
+  OpenFont unmapped(builder.Build());
+  unmapped.SetSize(12);
+  EXPECT_TRUE(unmapped.Render(kA, 3, kT2KBitmap | kT2KByIndex | kT2KGridFit));
+  EXPECT_FALSE(unmapped.Render('A', 3, kT2KBitmap));
 }
 
 TEST(Render, ScalesByWholePixelsAnEmAndRoundsThePhantoms) {
-  OpenFont f(LettersFont().Build());
+  OpenFont f(TwoLetters().Build());
   f.SetSize(12);
   ASSERT_TRUE(f.Render('A', 0, kT2KKeepGlyph));
   EXPECT_EQ(ScaledPoints(f.t), "38,0 38,538 346,538 346,0 | 0,0 448,0");
@@ -115,14 +100,14 @@ TEST(Render, NegativeCoordinatesAreCutTowardZero) {
 }
 
 TEST(Render, TheFractionOfThePenMovesPointsButNotPhantoms) {
-  OpenFont f(LettersFont().Build());
+  OpenFont f(TwoLetters().Build());
   f.SetSize(12);
   T2K_RenderGlyph(f.t, 'i', 10, 5, 0, kT2KKeepGlyph, &f.err);
   EXPECT_EQ(ScaledPoints(f.t), "18,-5 18,379 233,379 233,-5 | 0,0 256,0");
 }
 
 TEST(Render, CommandsSayWhatIsLeftBehind) {
-  OpenFont f(LettersFont().Build());
+  OpenFont f(TwoLetters().Build());
   f.SetSize(12);
   ASSERT_TRUE(f.Render('A', 0, kT2KBitmap));
   EXPECT_EQ(f.t->glyph, nullptr);
@@ -148,27 +133,9 @@ TEST(Render, CommandsSayWhatIsLeftBehind) {
   EXPECT_EQ(f.t->baseAddr, nullptr);
 }
 
-TEST(Render, ABlankHasItsAdvanceOnly) {
-  OpenFont f(LettersFont().Build());
-  f.SetSize(12);
-  ASSERT_TRUE(f.Render(' ', 3, kT2KBitmap | kT2KGridFit));
-  EXPECT_EQ(f.t->baseAddr, nullptr);
-  EXPECT_EQ(f.t->width, 0);
-  EXPECT_EQ(f.t->xAdvanceWidth16Dot16, 6 << 16);
-}
-
-TEST(Render, ByIndexNeedsNoCharacterMap) {
-  SfntBuilder builder = LettersFont();
-  builder.characters.clear();
-  OpenFont f(builder.Build());
-  f.SetSize(12);
-  EXPECT_TRUE(f.Render(kA, 3, kT2KBitmap | kT2KByIndex | kT2KGridFit));
-  EXPECT_FALSE(f.Render('A', 3, kT2KBitmap));
-}
-
 // The outline of a composite of these entries at a size, 900 wide.
 std::string Compose(const Bytes& entries, double size, int cmd = 0, hsFixed* advance = nullptr) {
-  SfntBuilder builder = LettersFont();
+  SfntBuilder builder = TwoLetters();
   const int index = builder.AddGlyph(CompositeGlyph(entries), 900, 0);
   OpenFont f(builder.Build());
   f.SetSize(size);
@@ -178,7 +145,7 @@ std::string Compose(const Bytes& entries, double size, int cmd = 0, hsFixed* adv
   return ScaledPoints(f.t);
 }
 
-constexpr const char* kScaledA = "38,0 38,538 346,538 346,0 ";
+constexpr const char* kScaledA = "38,0 38,538 346,538 346,0 / ";
 
 TEST(Composite, OffsetsAreScaledAndRoundedOnDemand) {
   const auto with = [](int flags, int dx, int dy) {
@@ -223,13 +190,13 @@ TEST(Composite, ScaledPartsAreRenderedAtTheirOwnSize) {
 }
 
 TEST(Composite, TheWholeIsTransformedOnce) {
-  SfntBuilder builder = LettersFont();
+  SfntBuilder builder = TwoLetters();
   const Bytes entries = Bytes().Words({0x22, kI, 0}).Words({0x8A, kI, 0x6400, 0x2000});
   const int index = builder.AddGlyph(CompositeGlyph(entries), 900, 0);
   const int nested = builder.AddGlyph(CompositeGlyph(Bytes().Words({2, index, 0})), 900, 0);
   OpenFont f(builder.Build());
   f.SetMatrix({0, -12 << 16, 12 << 16, 0});
-  const std::string turned = "0,8 -384,8 -384,223 0,223 0,81 -192,81 -192,188 0,188 | 0,0 0,691";
+  const std::string turned = "0,8 -384,8 -384,223 0,223 / 0,81 -192,81 -192,188 0,188 | 0,0 0,691";
   ASSERT_TRUE(f.Render(index, 0, kOutline));
   EXPECT_EQ(ScaledPoints(f.t), turned);
   ASSERT_TRUE(f.Render(nested, 0, kOutline));
@@ -252,7 +219,7 @@ TEST(Composite, ThePlaceOfItsBitmapIsInWholePixelsFromItsPen) {
 }
 
 TEST(Composite, NestingAndNumbersHaveBounds) {
-  SfntBuilder builder = LettersFont();
+  SfntBuilder builder = TwoLetters();
   int last = kI;
   for (int i = 0; i < 17; ++i) last = builder.AddGlyph(CompositeGlyph(Bytes().Words({2, last, 0})), 100, 0);
   const int itself = builder.AddGlyph(CompositeGlyph(Bytes().Words({2, last + 1, 0})), 100, 0);
@@ -296,7 +263,7 @@ TEST(Errors, EachEndsTheFontAndStays) {
       {10005, [](OpenFont& f) { T2K_RenderGlyph(f.t, -1, 0, 0, 0, kT2KByIndex, &f.err); }},
   };
   for (const Case& c : cases) {
-    OpenFont f(LettersFont().Build());
+    OpenFont f(TwoLetters().Build());
     f.SetSize(12);
     ASSERT_TRUE(f.Render('A', 3, kT2KBitmap | kT2KKeepGlyph));
     c.fail(f);
@@ -313,14 +280,14 @@ TEST(Errors, EachEndsTheFontAndStays) {
 }
 
 TEST(Errors, StampsAndNulls) {
-  OpenFont f(LettersFont().Build());
+  OpenFont f(TwoLetters().Build());
   f.SetSize(12);
   f.t->stamp2 ^= 1;
   DeleteT2K(std::exchange(f.t, nullptr), &f.err);
   EXPECT_EQ(f.err, 10007);
   EXPECT_EQ(f.Close(), 0);
 
-  OpenFont g(LettersFont().Build());
+  OpenFont g(TwoLetters().Build());
   g.mem->state ^= 1;
   EXPECT_FALSE(g.Render('A', 0, 0));
   EXPECT_EQ(g.err, 10019);
@@ -335,7 +302,7 @@ TEST(Errors, StampsAndNulls) {
 }
 
 TEST(Measure, SumsAdvancesAndKerningThroughTheCache) {
-  SfntBuilder builder = LettersFont();
+  SfntBuilder builder = TwoLetters();
   builder.tables["kern"] = SfntBuilder::KernTable({{0, 1, -11}, {1, 2, 30}, {2, 1, -7}});
   OpenFont f(builder.Build());
   f.SetSize(12);
@@ -354,7 +321,7 @@ TEST(Measure, SumsAdvancesAndKerningThroughTheCache) {
 // Bytes of a sound font changed at random: whatever happens, it ends with a code and nothing left allocated.
 TEST(Damage, ChangedBytesEndInACodeAndNoLeak) {
   std::mt19937 random(8);
-  SfntBuilder builder = LettersFont();
+  SfntBuilder builder = TwoLetters();
   builder.AddContours({{{0, 0}, {100, 900, false}, {300, 200, false}, {500, 0}}, RectContour(30, 10, 90, 60)}, 520);
   builder.AddGlyph(CompositeGlyph(Bytes().Words({0x23, kA, 5, 5}).Words({0x8A, 3, 0x1020, 0x3000})), 700, 0);
   builder.tables["kern"] = SfntBuilder::KernTable({{0, 1, -11}, {1, 2, 30}});

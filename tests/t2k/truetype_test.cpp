@@ -7,91 +7,58 @@
 
 namespace {
 
-// A glyph's points in font units, "x,y" with a "*" off the curve; the two phantoms after a bar.
-std::string PointsOf(const GlyphClass* glyph) {
-  std::string text;
-  for (int i = 0; i < glyph->pointCount + 2; ++i) {
-    if (i == glyph->pointCount) text += "| ";
-    text += std::to_string(glyph->oox[i]) + "," + std::to_string(glyph->ooy[i]);
-    text += i < glyph->pointCount && !glyph->onCurve[i] ? "* " : " ";
-  }
-  text.pop_back();
-  return text;
-}
-
 // Reads one glyph of a font made of that glyph alone.
 std::string ReadGlyph(const Bytes& data, int aw, int lsb, int glyphDataFormat = 0) {
   SfntBuilder builder;
   builder.glyphDataFormat = glyphDataFormat;
   builder.AddGlyph(data, aw, lsb);
   OpenFont f(builder.Build());
-  if (!f.font) return "error " + std::to_string(f.err);
   uint16_t advance = 0;
-  int err = 0;
-  std::string text;
-  tsi_Enter(f.mem, &err, [&] {
-    const GlyphHolder glyph(GetGlyphByIndex(f.font, 0, false, &advance));
-    text = PointsOf(glyph.get());
-  });
-  EXPECT_TRUE(err || advance == aw);
-  return err ? "error " + std::to_string(err) : text;
+  const std::string text = f.Outline(0, &advance);
+  EXPECT_TRUE(f.err || advance == aw);
+  return text;
 }
 
-SfntBuilder LettersFont() {
-  SfntBuilder builder;
-  builder.AddGlyph({}, 500, 0);
-  builder.AddContours({RectContour(50, 0, 450, 700)}, 600);
-  builder.AddContours({RectContour(10, 0, 290, 500)}, 300);
-  builder.characters = {{'A', 1}, {'i', 2}};
-  return builder;
-}
-
-TEST(SimpleGlyph, DeltasRepeatsAndShortForms) {
-  // Four points: flags 0x33 twice by repetition (short positive x, y unchanged), 0x25 (long x, short negative y), 0x10
-  // (x unchanged, long y, off the curve).
-  Bytes glyph;
-  glyph.Words({1, 5, -20, 300, 0, 3, 0}).U8(0x3B).U8(1).U8(0x05).U8(0x10);
-  glyph.U8(5).U8(7).U16(288).U8(20).U16(300);
-  EXPECT_EQ(ReadGlyph(glyph, 400, 5), "5,0 12,0 300,-20 300,280* | 0,0 400,0");
-}
-
-TEST(SimpleGlyph, ARepeatThatRunsPastTheLastPointStops) {
-  Bytes glyph;
-  glyph.Words({1, 0, 0, 2, 0, 1, 0}).U8(0x3B).U8(200).U8(1).U8(1);
-  EXPECT_EQ(ReadGlyph(glyph, 10, 0), "1,0 2,0 | 0,0 10,0");
-}
-
-TEST(SimpleGlyph, TheOutlineMovesToItsSideBearing) {
-  EXPECT_EQ(ReadGlyph(SimpleGlyph({{{30, 0}, {40, 50}, {60, 0, false}}}), 100, -7), "-7,0 3,50 23,0* | 0,0 100,0");
+TEST(SimpleGlyph, PointsAndWhatBreaksTheFormat) {
+  struct Case {
+    const char* rule;
+    Bytes glyph;
+    int aw, lsb;
+    const char* expected;
+  };
+  const Case cases[] = {
+      {"empty", {}, 250, 0, "| 0,0 250,0"},
+      // Flags 0x33 twice by repetition (short positive x, y unchanged), 0x25 (long x, short negative y), 0x10 (x
+      // unchanged, long y, off the curve).
+      {"deltas, repeats and short forms",
+       Bytes().Words({1, 5, -20, 300, 0, 3, 0}).Add({0x3B, 1, 5, 0x10, 5, 7, 1, 32, 20, 1, 44}), 400, 5,
+       "5,0 12,0 300,-20 300,280* | 0,0 400,0"},
+      {"a repeat past the last point stops", Bytes().Words({1, 0, 0, 2, 0, 1, 0}).Add({0x3B, 200, 1, 1}), 10, 0,
+       "1,0 2,0 | 0,0 10,0"},
+      {"moves to its side bearing", SimpleGlyph({{{30, 0}, {40, 50}, {60, 0, false}}}), 100, -7,
+       "-7,0 3,50 23,0* | 0,0 100,0"},
+      {"no contours", Bytes().Words({0, 0, 0, 0, 0}), 10, 0, "error 10030"},
+      {"ends fall", Bytes().Words({2, 0, 0, 0, 0, 5, 3, 0}), 10, 0, "error 10030"},
+      {"32,001 points", Bytes().Words({1, 0, 0, 0, 0, 32000, 0}), 10, 0, "error 10006"},
+      {"ends too early", Bytes().Words({1, 0, 0, 0, 0, 100, 0}), 10, 0, "error 10030"},
+      {"instructions likewise", Bytes().Words({1, 0, 0, 0, 0, 0, 9999}), 10, 0, "error 10030"},
+      {"component -1", CompositeGlyph(Bytes().Words({2, -1, 0})), 10, 0, "error 10005"},
+      {"entry cut short", CompositeGlyph(Bytes().Words({0x23, 1, 0})), 10, 0, "error 10030"},
+  };
+  for (const Case& c : cases) EXPECT_EQ(ReadGlyph(c.glyph, c.aw, c.lsb), c.expected) << c.rule;
+  EXPECT_EQ(ReadGlyph(SimpleGlyph({{{0, 0}}}), 10, 0, 1), "error 10030") << "unknown format";
 }
 
 TEST(SimpleGlyph, InstructionsAreSkippedOrKept) {
-  Bytes glyph;
-  glyph.Words({1, 1, 0, 1, 0, 0, 3}).U8(9).U8(8).U8(7).U8(0x37).U8(1).U8(2);
   SfntBuilder builder;
-  builder.AddGlyph(glyph, 10, 1);
+  builder.AddGlyph(Bytes().Words({1, 1, 0, 1, 0, 0, 3}).Add({9, 8, 7, 0x37, 1, 2}), 10, 1);
   OpenFont f(builder.Build());
-  uint16_t aw;
-  const GlyphHolder without(GetGlyphByIndex(f.font, 0, false, &aw));
-  EXPECT_EQ(without->hintFragment, nullptr);
-  const GlyphHolder with(GetGlyphByIndex(f.font, 0, true, &aw));
+  EXPECT_EQ(f.Glyph(0)->hintFragment, nullptr);
+  const GlyphHolder with = f.Glyph(0, true);
   ASSERT_EQ(with->hintLength, 3);
   EXPECT_EQ(with->hintFragment[2], 7);
   EXPECT_EQ(PointsOf(with.get()), "1,2 | 0,0 10,0");
 }
-
-TEST(SimpleGlyph, WhatBreaksTheFormatIsAnError) {
-  EXPECT_EQ(ReadGlyph(Bytes().Words({0, 0, 0, 0, 0}), 10, 0), "error 10030");               // no contours
-  EXPECT_EQ(ReadGlyph(Bytes().Words({2, 0, 0, 0, 0, 5, 3, 0}), 10, 0), "error 10030");      // ends fall
-  EXPECT_EQ(ReadGlyph(Bytes().Words({1, 0, 0, 0, 0, 32000, 0}), 10, 0), "error 10006");     // 32,001 points
-  EXPECT_EQ(ReadGlyph(Bytes().Words({1, 0, 0, 0, 0, 100, 0}), 10, 0), "error 10030");       // ends too early
-  EXPECT_EQ(ReadGlyph(Bytes().Words({1, 0, 0, 0, 0, 0, 9999}), 10, 0), "error 10030");      // instructions likewise
-  EXPECT_EQ(ReadGlyph(CompositeGlyph(Bytes().Words({2, -1, 0})), 10, 0), "error 10005");    // component -1
-  EXPECT_EQ(ReadGlyph(CompositeGlyph(Bytes().Words({0x23, 1, 0})), 10, 0), "error 10030");  // entry cut short
-  EXPECT_EQ(ReadGlyph(SimpleGlyph({{{0, 0}}}), 10, 0, 1), "error 10030");                   // unknown format
-}
-
-TEST(EmptyGlyph, HasItsPhantomsOnly) { EXPECT_EQ(ReadGlyph({}, 250, 0), "| 0,0 250,0"); }
 
 TEST(CompositeGlyph, KeepsItsEntriesRawHoweverMany) {
   Bytes entries;
@@ -100,15 +67,14 @@ TEST(CompositeGlyph, KeepsItsEntriesRawHoweverMany) {
   SfntBuilder builder;
   builder.AddGlyph(CompositeGlyph(entries), 10, 0);
   OpenFont f(builder.Build());
-  uint16_t aw;
-  const GlyphHolder glyph(GetGlyphByIndex(f.font, 0, false, &aw));
+  const GlyphHolder glyph = f.Glyph(0);
   EXPECT_EQ(glyph->contourCount, -1);
   ASSERT_EQ(glyph->componentSize, 2108);
   EXPECT_EQ(glyph->componentData[2107], 6);
   EXPECT_EQ(PointsOf(glyph.get()), "| 0,0 10,0");
 }
 
-// Points of the packed layout: each range's first and last word, every quadrant, both escapes.
+// The packed layout: each range's first and last word, every quadrant, both escapes.
 TEST(PackedGlyph, PointRecords) {
   struct Case {
     Bytes record;
@@ -134,11 +100,15 @@ TEST(PackedGlyph, PointRecords) {
       {Bytes().Words({0x3FFF, 0xFFFF}), 5329, 651, ""},   // n 113508351: a 10658, b 651
   };
   for (const Case& c : cases) {
-    Bytes glyph;
-    glyph.U16(1).U8(1).Words({0, 0, 0}).Add(c.record);  // a first point at the origin
+    const Bytes glyph = Bytes().U16(1).U8(1).Words({0, 0, 0}).Add(c.record);  // a first point at the origin
     const std::string point = std::to_string(c.dx) + "," + std::to_string(c.dy) + c.kind;
     EXPECT_EQ(ReadGlyph(glyph, 10, std::min(c.dx, 0), 2000), "0,0 " + point + " | 0,0 10,0");
   }
+  // Without points the left edge is wherever the side bearing says.
+  EXPECT_EQ(ReadGlyph(Bytes().U16(0), 44, 9, 2000), "| 0,0 44,0");
+  EXPECT_EQ(ReadGlyph(Bytes().Words({-1, 0x102, 0, 0}), 44, 0, 2000), "| 0,0 44,0") << "no instructions follow";
+  EXPECT_EQ(ReadGlyph(Bytes().U16(1).Add({0xFF, 0xFF, 0x7F}), 44, 0, 2000), "error 10006");
+  EXPECT_EQ(ReadGlyph(Bytes().U16(1).U8(3).U16(4), 44, 0, 2000), "error 10030");
 }
 
 TEST(PackedGlyph, ContourSizesInSevenBitGroups) {
@@ -149,8 +119,7 @@ TEST(PackedGlyph, ContourSizesInSevenBitGroups) {
   builder.glyphDataFormat = 2000;
   builder.AddGlyph(glyph, 10, 8);
   OpenFont f(builder.Build());
-  uint16_t aw;
-  const GlyphHolder holder(GetGlyphByIndex(f.font, 0, false, &aw));
+  const GlyphHolder holder = f.Glyph(0);
   EXPECT_EQ(holder->ep[0], 128);
   EXPECT_EQ(holder->sp[1], 129);
   EXPECT_EQ(holder->pointCount, 130);
@@ -158,24 +127,12 @@ TEST(PackedGlyph, ContourSizesInSevenBitGroups) {
   EXPECT_EQ(holder->oox[129], 266);
 }
 
-TEST(PackedGlyph, EmptyCompositeAndDamaged) {
-  // Without points the left edge is wherever the side bearing says.
-  EXPECT_EQ(ReadGlyph(Bytes().U16(0), 44, 0, 2000), "| 0,0 44,0");
-  EXPECT_EQ(ReadGlyph(Bytes().U16(0), 44, 9, 2000), "| 0,0 44,0");
-  // No instructions follow, whatever the flags say.
-  EXPECT_EQ(ReadGlyph(Bytes().Words({-1, 0x102, 0, 0}), 44, 0, 2000), "| 0,0 44,0");
-  EXPECT_EQ(ReadGlyph(Bytes().U16(1).U8(0xFF).U8(0xFF).U8(0x7F), 44, 0, 2000), "error 10006");
-  EXPECT_EQ(ReadGlyph(Bytes().U16(1).U8(3).U16(4), 44, 0, 2000), "error 10030");
-}
-
 TEST(Font, OpensTheSameFromMemoryAndThroughACallback) {
-  const Bytes bytes = LettersFont().Build();
   for (bool throughCallback : {false, true}) {
-    OpenFont f(bytes, kFontTypeSfnt, throughCallback);
-    ASSERT_EQ(f.err, 0);
-    EXPECT_EQ(GetUPEM(f.font), 1000);
-    EXPECT_EQ(GetNumGlyphs(f.font), 3);
-    EXPECT_EQ(GetSfntGlyphIndex(f.font, 'i'), 2);
+    OpenFont f(TwoLetters().Build(), kFontTypeSfnt, throughCallback);
+    EXPECT_EQ(
+        (std::vector{f.err, int(GetUPEM(f.font)), int(GetNumGlyphs(f.font)), int(GetSfntGlyphIndex(f.font, 'i'))}),
+        (std::vector{0, 1000, 3, 2}));
     uint16_t aw;
     const GlyphHolder glyph(GetGlyphByCharCode(f.font, 'A', false, &aw));
     EXPECT_EQ(PointsOf(glyph.get()), "50,0 50,700 450,700 450,0 | 0,0 600,0");
@@ -183,18 +140,18 @@ TEST(Font, OpensTheSameFromMemoryAndThroughACallback) {
 }
 
 TEST(Font, FontTypes) {
-  const Bytes bytes = LettersFont().Build();
+  const Bytes bytes = TwoLetters().Build();
   EXPECT_NE(OpenFont(bytes, kFontTypeSfntInMemory).font, nullptr);
   EXPECT_EQ(OpenFont(bytes, 3).err, 10031);
   EXPECT_EQ(OpenFont({}, kFontTypeSfnt).err, 10030);
 }
 
 TEST(Font, ACollectionHoldsSeveral) {
-  SfntBuilder second = LettersFont();
+  SfntBuilder second = TwoLetters();
   second.upem = 2000;
   Bytes file;
   file.Text("ttcf").U32(0x10000).U32(2).U32(20);
-  const Bytes first = LettersFont().Build(20);
+  const Bytes first = TwoLetters().Build(20);
   const auto where = uint32_t(20 + first.size());
   file.U32(where).Add(first).Add(second.Build(where));
   EXPECT_EQ(GetUPEM(OpenFont(file, kFontTypeSfnt, false, 0).font), 1000);
@@ -204,7 +161,7 @@ TEST(Font, ACollectionHoldsSeveral) {
 }
 
 TEST(Font, TheLastAdvanceRepeatsButNotTheBearing) {
-  SfntBuilder builder = LettersFont();
+  SfntBuilder builder = TwoLetters();
   builder.numberOfHMetrics = 1;
   OpenFont f(builder.Build());
   EXPECT_EQ(GetAdvance(f.font, 0), 500);
@@ -214,17 +171,15 @@ TEST(Font, TheLastAdvanceRepeatsButNotTheBearing) {
 }
 
 TEST(Font, ShortOffsetsCountInPairs) {
-  SfntBuilder builder = LettersFont();
+  SfntBuilder builder = TwoLetters();
   builder.longLoca = false;
   OpenFont f(builder.Build());
-  uint16_t aw;
-  const GlyphHolder glyph(GetGlyphByIndex(f.font, 2, false, &aw));
-  EXPECT_EQ(PointsOf(glyph.get()), "10,0 10,500 290,500 290,0 | 0,0 300,0");
+  EXPECT_EQ(f.Outline(2), "10,0 10,500 290,500 290,0 | 0,0 300,0");
 }
 
 TEST(Font, MissingTablesMatterWhereTheyAreNeeded) {
   const auto errorWithout = [](const char* tag) {
-    SfntBuilder builder = LettersFont();
+    SfntBuilder builder = TwoLetters();
     builder.tables[tag] = {};
     OpenFont f(builder.Build());
     if (f.err) return f.err;
@@ -248,16 +203,15 @@ TEST(Font, StylingChangesMetricsAndGlyphs) {
   styling.StyleFunc = [](GlyphClass* glyph, tsiMemObject*, int, const int32_t* params) {
     for (int i = 0; i < glyph->pointCount; ++i) glyph->ooy[i] = int16_t(glyph->ooy[i] + params[2]);
   };
-  OpenFont f(LettersFont().Build(), kFontTypeSfnt, false, 0, &styling);
+  OpenFont f(TwoLetters().Build(), kFontTypeSfnt, false, 0, &styling);
   uint16_t aw;
-  const GlyphHolder glyph(GetGlyphByIndex(f.font, 1, false, &aw));
-  EXPECT_EQ(PointsOf(glyph.get()), "50,30 50,730 450,730 450,30 | 0,0 1630,0");
+  EXPECT_EQ(f.Outline(1, &aw), "50,30 50,730 450,730 450,30 | 0,0 1630,0");
   EXPECT_EQ(aw, 1630);
 }
 
 TEST(FontMetrics, TheCaretSlopeDoublesWhileBothFit) {
   const auto caretOf = [](int rise, int run) {
-    SfntBuilder builder = LettersFont();
+    SfntBuilder builder = TwoLetters();
     builder.caretRise = rise;
     builder.caretRun = run;
     OpenFont f(builder.Build());
@@ -284,7 +238,7 @@ TEST(Cmap, ChoosesByRounds) {
   const Bytes format2 = Bytes().Words({2, 8, 0, 0});
   using Records = std::vector<std::pair<std::pair<int, int>, Bytes>>;
   const auto glyphOfA = [](const Records& records) {
-    SfntBuilder builder = LettersFont();
+    SfntBuilder builder = TwoLetters();
     builder.tables["cmap"] = SfntBuilder::CmapTable(records);
     OpenFont f(builder.Build());
     return T2K_GetGlyphIndex(f.t, 'A') + f.mem->failedCode;
@@ -298,43 +252,38 @@ TEST(Cmap, ChoosesByRounds) {
   EXPECT_EQ(glyphOfA({}), 10030);
 }
 
-TEST(Cmap, Format4WalksSegmentsAndKeepsNoHoleForGlyph0) {
-  // Two segments by glyph array with delta 5, one of them to a zero entry; one segment by delta alone.
-  Bytes map;
-  map.Words({4, 44, 0, 6, 0, 0, 0});
-  map.Words({20, 40, 0xFFFF, 0});  // ends
-  map.Words({18, 30, 0xFFFF});     // starts
-  map.Words({5, 100, 1});          // deltas
-  map.Words({6, 0, 0});            // ranges: the array lies 6 bytes after the first of them
-  map.Words({7, 0, 65534});        // glyphs of 18, 19, 20
-  SfntBuilder builder = LettersFont();
-  builder.tables["cmap"] = SfntBuilder::CmapTable({{{3, 1}, map}});
-  OpenFont f(builder.Build());
-  const std::map<int, int> expected = {{17, 0},   {18, 12},  {19, 5}, {20, 3},     {21, 0},
-                                       {30, 130}, {40, 140}, {41, 0}, {0xFFFF, 0}, {0x10000, 0}};
-  for (const auto& [code, glyph] : expected) EXPECT_EQ(T2K_GetGlyphIndex(f.t, uint32_t(code)), glyph) << code;
-}
-
-TEST(Cmap, Formats0And6HaveEnds) {
-  Bytes format0;
-  format0.Words({0, 262, 0});
+TEST(Cmap, FormatsHaveEndsAndHoles) {
+  Bytes format0 = Bytes().Words({0, 262, 0});
   for (int i = 0; i < 256; ++i) format0.U8(i ^ 1);
-  SfntBuilder builder = LettersFont();
-  builder.tables["cmap"] = SfntBuilder::CmapTable({{{1, 0}, format0}});
-  OpenFont bytes(builder.Build());
-  EXPECT_EQ(T2K_GetGlyphIndex(bytes.t, 255), 254);
-  EXPECT_EQ(T2K_GetGlyphIndex(bytes.t, 256), 0);
-
-  builder.tables["cmap"] = SfntBuilder::CmapTable({{{1, 0}, Bytes().Words({6, 14, 0, 300, 2, 8, 9})}});
-  OpenFont range(builder.Build());
-  EXPECT_EQ(T2K_GetGlyphIndex(range.t, 299), 0);
-  EXPECT_EQ(T2K_GetGlyphIndex(range.t, 300), 8);
-  EXPECT_EQ(T2K_GetGlyphIndex(range.t, 301), 9);
-  EXPECT_EQ(T2K_GetGlyphIndex(range.t, 302), 0);
+  // Two segments by glyph array with delta 5, one of them to a zero entry; one segment by delta alone.
+  Bytes format4 = Bytes().Words({4, 44, 0, 6, 0, 0, 0});
+  format4.Words({20, 40, 0xFFFF, 0});  // ends
+  format4.Words({18, 30, 0xFFFF});     // starts
+  format4.Words({5, 100, 1});          // deltas
+  format4.Words({6, 0, 0});            // ranges: the array lies 6 bytes after the first of them
+  format4.Words({7, 0, 65534});        // glyphs of 18, 19, 20
+  struct Case {
+    int platform;
+    Bytes map;
+    std::vector<std::pair<uint32_t, int>> glyphs;
+  };
+  const Case cases[] = {
+      {1, format0, {{255, 254}, {256, 0}}},
+      {1, Bytes().Words({6, 14, 0, 300, 2, 8, 9}), {{299, 0}, {300, 8}, {301, 9}, {302, 0}}},
+      {3,
+       format4,
+       {{17, 0}, {18, 12}, {19, 5}, {20, 3}, {21, 0}, {30, 130}, {40, 140}, {41, 0}, {0xFFFF, 0}, {0x10000, 0}}},
+  };
+  for (const Case& c : cases) {
+    SfntBuilder builder = TwoLetters();
+    builder.tables["cmap"] = SfntBuilder::CmapTable({{{c.platform, c.platform == 3}, c.map}});
+    OpenFont f(builder.Build());
+    for (const auto& [code, glyph] : c.glyphs) EXPECT_EQ(T2K_GetGlyphIndex(f.t, code), glyph) << code;
+  }
 }
 
 TEST(Cmap, FiguresAreTheGlyphsOfTheDigits) {
-  SfntBuilder builder = LettersFont();
+  SfntBuilder builder = TwoLetters();
   builder.characters['0'] = 1;
   builder.characters['9'] = 2;
   OpenFont f(builder.Build());
@@ -346,7 +295,7 @@ TEST(Cmap, FiguresAreTheGlyphsOfTheDigits) {
 }
 
 int KernOf(const Bytes& table, int left, int right, bool variable = false) {
-  SfntBuilder builder = LettersFont();
+  SfntBuilder builder = TwoLetters();
   builder.tables["kern"] = table;
   if (variable) builder.tables["fvar"] = Bytes().U32(0);
   OpenFont f(builder.Build());
