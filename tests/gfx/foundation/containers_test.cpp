@@ -19,7 +19,7 @@ namespace {
 
 std::vector<int> Elements(const hsTArray<int>& array) { return {array.begin(), array.end()}; }
 
-TEST(TArray, TheFirstGrowthTakesTwiceTheRoom) {
+TEST(TArray, TheFirstGrowthTakesTwiceTheSpace) {
   hsTArray<int> a;
   int* first = a.Append(3);
   std::iota(first, first + 3, 10);
@@ -78,18 +78,9 @@ TEST(Appender, AgreesWithADequeWhateverIsDone) {
     for (int& value : many) value = int(random());
     int popped = 0;
     switch (random() % 8) {
-      case 0:
-        a.Append(&i);
-        d.push_back(i);
-        break;
-      case 1:
-        a.Prepend(&i);
-        d.push_front(i);
-        break;
-      case 2:
-        a.Append(int(many.size()), many.data());
-        d.insert(d.end(), many.begin(), many.end());
-        break;
+      case 0: a.Append(&i), d.push_back(i); break;
+      case 1: a.Prepend(&i), d.push_front(i); break;
+      case 2: a.Append(int(many.size()), many.data()), d.insert(d.end(), many.begin(), many.end()); break;
       case 3:
       case 4:
         ASSERT_EQ(a.PopHead(&popped), !d.empty());
@@ -146,7 +137,7 @@ TEST(Appender, ElementsNeverMoveAndBlocksGoWhenEmpty) {
   EXPECT_EQ(count, 0);
 }
 
-TEST(Appender, ABlockWithoutRoomIsReported) {
+TEST(Appender, ABlockWithoutSpaceIsReported) {
   EXPECT_EQ(AssertOf([] { hsAppender(4, 0).Append(1, nullptr); }), "bad appendsize");
 }
 

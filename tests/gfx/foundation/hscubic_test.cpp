@@ -21,10 +21,8 @@ bool IsMonotonic(const hsPoint* p, int count) {
 
 TEST(Cubic, RatiosCountOnlyStrictlyBetweenTheEnds) {
   hsFixed t = -1;
-  EXPECT_EQ(hsCubic::FindValidRatio(0, 5, &t), 0);
-  EXPECT_EQ(hsCubic::FindValidRatio(5, 5, &t), 0);
-  EXPECT_EQ(hsCubic::FindValidRatio(-1, 5, &t), 0);
-  EXPECT_EQ(hsCubic::FindValidRatio(1, 0x40000, &t), 0);  // rounds to 0
+  for (const auto& [numerator, denominator] : {std::pair{0, 5}, {5, 5}, {-1, 5}, {1, 0x40000}})  // the last rounds to 0
+    EXPECT_EQ(hsCubic::FindValidRatio(numerator, denominator, &t), 0) << numerator;
   EXPECT_EQ(hsCubic::FindValidRatio(-1, -4, &t), 1);
   EXPECT_EQ(t, F(0.25));
 }

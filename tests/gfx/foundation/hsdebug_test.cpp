@@ -12,7 +12,7 @@ TEST(Debug, PrintsTheReportAsALineBeforeItHalts) {
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "Math overflow: -3\n");
 }
 
-TEST(Debug, AssertNamesPlaceAndAnswersFalseWhenTheReporterReturns) {
+TEST(Debug, AssertNamesItsPlaceAndIsFalseWhenTheReporterReturns) {
   EXPECT_EQ(ReportOf([] { hsAssertFunc(12, "src/file.cpp", "bad index"); }),
             "Assert Failed bad index :: Line:12  File:src/file.cpp: 0");
   ReturnOnHalt halt;
@@ -29,8 +29,8 @@ TEST(Debug, LongTextsAreCut) {
 }
 
 TEST(Debug, AStatusMessageReturns) {
-  EXPECT_EQ(ReportOf([] { hsStatusMessage("told", 1); }), "");
-  EXPECT_STREQ(hsReportText(), "told: 1");
+  EXPECT_EQ(ReportOf([] { hsStatusMessage("note", 1); }), "");
+  EXPECT_STREQ(hsReportText(), "note: 1");
 }
 
 // Each throws only once its report has returned.

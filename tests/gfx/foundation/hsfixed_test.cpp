@@ -11,72 +11,64 @@ namespace {
 
 constexpr int32_t kMin = -0x7FFFFFFF - 1;
 
-TEST(Fixed, RoundsHalvesUpAndFloorsDown) {
-  EXPECT_EQ(hsFixedRound(0x7FFF), 0);
-  EXPECT_EQ(hsFixedRound(0x8000), 1);
-  EXPECT_EQ(hsFixedRound(-0x8000), 0);
-  EXPECT_EQ(hsFixedRound(-0x8001), -1);
-  EXPECT_EQ(hsFixedFloor(-1), -1);
-  EXPECT_EQ(hsFixedFloor(-0x10000), -1);
-  EXPECT_EQ(hsFixedFloor(0xFFFF), 0);
-  EXPECT_EQ(hsFixedCeil(-1), 0);
-  EXPECT_EQ(hsFixedCeil(-0x10000), -1);
-  EXPECT_EQ(hsFixedCeil(1), 1);
-}
-
-TEST(Fixed, RoundingWrapsAtTheEndsOfTheRange) {
-  EXPECT_EQ(hsFixedRound(0x7FFFFFFF), -0x8000);
-  EXPECT_EQ(hsFixedCeil(0x7FFFFFFF), -0x8000);
-  EXPECT_EQ(hsFixedFloor(kMin), 0x8000);
-  EXPECT_EQ(hsFixedFloor(-0x7FFF0000), -0x7FFF);
-  EXPECT_EQ(hsFixedCeil(kMin), 0x8000);
+TEST(Fixed, RoundsHalvesUpAndWrapsAtTheEndsOfTheRange) {
+  struct Case {
+    hsFixed value;
+    int floor, round, ceil;
+  };
+  const Case cases[] = {{0x7FFF, 0, 0, 1},
+                        {0x8000, 0, 1, 1},
+                        {-0x8000, -1, 0, 0},
+                        {-0x8001, -1, -1, 0},
+                        {-0x10000, -1, -1, -1},
+                        {0x7FFFFFFF, 0x7FFF, -0x8000, -0x8000},
+                        {-0x7FFF0000, -0x7FFF, -0x7FFF, -0x7FFF},
+                        {kMin, 0x8000, -0x8000, 0x8000}};
+  for (const Case& c : cases) {
+    EXPECT_EQ(hsFixedFloor(c.value), c.floor) << c.value;
+    EXPECT_EQ(hsFixedRound(c.value), c.round) << c.value;
+    EXPECT_EQ(hsFixedCeil(c.value), c.ceil) << c.value;
+  }
   EXPECT_EQ(hsFixedAverage(0x7FFFFFFF, 1), -0x40000000);
   EXPECT_EQ(hsIntToFixed(0x12345), 0x23450000);
+  const std::pair<hsScalar, int> units[] = {
+      {-5, 0}, {0x7FFF, 0x7FFF}, {0x8000, 0x7FFF}, {0x10000, 0xFFFF}, {0x20000, 0xFFFF}};
+  for (const auto& [unit, bits] : units) EXPECT_EQ(hsScalarTo16Bit(unit), bits) << unit;
 }
 
-TEST(Fixed, UnitValuesBecomeSixteenBits) {
-  EXPECT_EQ(hsScalarTo16Bit(-5), 0);
-  EXPECT_EQ(hsScalarTo16Bit(0x7FFF), 0x7FFF);
-  EXPECT_EQ(hsScalarTo16Bit(0x8000), 0x7FFF);
-  EXPECT_EQ(hsScalarTo16Bit(0x10000), 0xFFFF);
-  EXPECT_EQ(hsScalarTo16Bit(0x20000), 0xFFFF);
-}
-
-TEST(Fixed, ProductsRoundHalvesUp) {
-  EXPECT_EQ(hsFixMul(1, 0x8000), 1);
-  EXPECT_EQ(hsFixMul(-1, 0x8000), 0);
-  EXPECT_EQ(hsFixMul(-1, 0x8001), -1);
-  EXPECT_EQ(hsFracMul(1, 0x20000000), 1);
-  EXPECT_EQ(hsFracMul(-1, 0x20000000), 0);
+TEST(Fixed, ProductsRoundHalvesUpAndQuotientsAwayFromZero) {
+  struct Case {
+    int32_t (*call)(int32_t, int32_t);
+    int32_t a, b, result;
+  };
+  const Case cases[] = {{hsFixMul, 1, 0x8000, 1},      {hsFixMul, -1, 0x8000, 0},      {hsFixMul, -1, 0x8001, -1},
+                        {hsFracMul, 1, 0x20000000, 1}, {hsFracMul, -1, 0x20000000, 0}, {hsFixDiv, 1, 3, 21845},
+                        {hsFixDiv, 2, 3, 43691},       {hsFixDiv, 1, 0x20000, 1},      {hsFixDiv, -1, 0x20000, -1},
+                        {hsFracDiv, 1, 3, 357913941},  {hsFracDiv, -1, 2, -0x20000000}};
+  for (const Case& c : cases) EXPECT_EQ(c.call(c.a, c.b), c.result) << c.a << ", " << c.b;
+  EXPECT_EQ(hsMulDiv(-7, 1, 2), -4);
+  EXPECT_EQ(hsMulDiv(7, 1, 2), 4);
+  EXPECT_EQ(hsMulDiv(kMin, kMin, kMin), kMin);
   for (int32_t x : {0, 1, -1, 123456789, 0x7FFFFFFF, kMin}) {
     EXPECT_EQ(hsFixMul(kFixed1, x), x);
     EXPECT_EQ(hsFracMul(x, kFract1), x);
   }
 }
 
-TEST(Fixed, QuotientsRoundHalvesAwayFromZero) {
-  EXPECT_EQ(hsFixDiv(1, 3), 21845);
-  EXPECT_EQ(hsFixDiv(2, 3), 43691);
-  EXPECT_EQ(hsFixDiv(1, 0x20000), 1);
-  EXPECT_EQ(hsFixDiv(-1, 0x20000), -1);
-  EXPECT_EQ(hsMulDiv(-7, 1, 2), -4);
-  EXPECT_EQ(hsMulDiv(7, 1, 2), 4);
-  EXPECT_EQ(hsMulDiv(kMin, kMin, kMin), kMin);
-  EXPECT_EQ(hsFracDiv(1, 3), 357913941);
-  EXPECT_EQ(hsFracDiv(-1, 2), -0x20000000);
-}
-
 TEST(Fixed, HsFixDivSaturatesInSilence) {
   ThrowOnHalt halt;
-  EXPECT_EQ(hsFixDiv(kFixed1, 0), 0x7FFFFFFF);
-  EXPECT_EQ(hsFixDiv(0, 0), 0x7FFFFFFF);
-  EXPECT_EQ(hsFixDiv(-1, 0), -0x7FFFFFFF);
-  EXPECT_EQ(hsFixDiv(0x10000000, -1), -0x7FFFFFFF);
-  // The high words are compared as signed ones, so that the largest magnitude is no divisor at all...
-  EXPECT_EQ(hsFixDiv(1, kMin), -0x7FFFFFFF);
-  EXPECT_EQ(hsFixDiv(-1, kMin), 0x7FFFFFFF);
-  // ...and a quotient of 32 bits passes: 0x7FFF0000.0000 / 0x9000 is 0xE38C71C7.1C...
-  EXPECT_EQ(hsFixDiv(0x7FFF0000, 0x9000), int32_t(0xE38C71C7));
+  const int32_t cases[][3] = {
+      {kFixed1, 0, 0x7FFFFFFF},
+      {0, 0, 0x7FFFFFFF},
+      {-1, 0, -0x7FFFFFFF},
+      {0x10000000, -1, -0x7FFFFFFF},
+      // The high words are compared as signed ones, so that the largest magnitude is no divisor at all...
+      {1, kMin, -0x7FFFFFFF},
+      {-1, kMin, 0x7FFFFFFF},
+      // ...and a quotient of 32 bits passes: 0x7FFF0000.0000 / 0x9000 is 0xE38C71C7.1C...
+      {0x7FFF0000, 0x9000, int32_t(0xE38C71C7)},
+  };
+  for (const auto& [a, b, quotient] : cases) EXPECT_EQ(hsFixDiv(a, b), quotient) << a << ", " << b;
 }
 
 TEST(Fixed, EverythingElseReportsOverflowAndSaturates) {

@@ -29,7 +29,7 @@ TEST(IntRect, UnionTakesTheEdgesOfEmptyRectanglesToo) {
   EXPECT_EQ(r, (hsIntRect{0, 0, 20, 20}));
 }
 
-TEST(IntRect, ContainsItsOwnEdgesButNotThePixelsBehindThem) {
+TEST(IntRect, ContainsItsOwnEdgesButNotThePixelsAfterThem) {
   const hsIntRect r{1, 2, 5, 6};
   EXPECT_TRUE(r.Contains(r));
   EXPECT_FALSE(r.Contains({1, 2, 5, 7}));

@@ -12,17 +12,6 @@ struct Counted : hsRefCnt {
   int* alive;
 };
 
-TEST(RefCnt, DiesWithTheLastReference) {
-  ThrowOnHalt halt;
-  int alive = 0;
-  Counted* c = new Counted(&alive);
-  c->Ref();
-  c->UnRef();
-  EXPECT_EQ(alive, 1);
-  c->UnRef();
-  EXPECT_EQ(alive, 0);
-}
-
 TEST(RefCnt, AssigningAnObjectToItsOwnFieldKeepsIt) {
   int alive = 0;
   hsRef<Counted> field = hsMake<Counted>(&alive);

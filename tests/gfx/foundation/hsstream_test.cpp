@@ -94,14 +94,14 @@ struct Deleter {
 };
 using OwnedDescriptor = std::unique_ptr<hsDescriptor, Deleter>;
 
-OwnedDescriptor Room() {
+OwnedDescriptor Blank() {
   OwnedDescriptor desc(hsDescriptor::New(64));
   std::memset(desc.get() + 1, 0xEE, 64 - sizeof(hsDescriptor));
   return desc;
 }
 
 TEST(Descriptor, PadsWithZerosSoThatEqualContentsAreEqualBlocks) {
-  const OwnedDescriptor a = Room(), b = Room();
+  const OwnedDescriptor a = Blank(), b = Blank();
   std::memset(b.get() + 1, 0x11, 40);
   for (hsDescriptor* d : {a.get(), b.get()}) {
     *static_cast<char*>(hsDescriptor::Add(d, hsTag("One "), 1)) = 'x';
@@ -115,7 +115,7 @@ TEST(Descriptor, PadsWithZerosSoThatEqualContentsAreEqualBlocks) {
   // The words: 36, 2, tag, 1, 'x', tag, 4, "abcd".
   EXPECT_EQ(a->fCheckSum, 36u + 2 + hsTag("One ") + 1 + 'x' + hsTag("Two ") + 4 + 0x64636261);
 
-  const OwnedDescriptor c = Room();  // the same entries the other way round
+  const OwnedDescriptor c = Blank();  // the same entries the other way round
   std::memcpy(hsDescriptor::Add(c.get(), hsTag("Two "), 4), "abcd", 4);
   *static_cast<char*>(hsDescriptor::Add(c.get(), hsTag("One "), 1)) = 'x';
   hsDescriptor::ComputeCheckSum(c.get());
@@ -133,7 +133,7 @@ TEST(Descriptor, PadsWithZerosSoThatEqualContentsAreEqualBlocks) {
 }
 
 TEST(Descriptor, FindsByTagAndChecksSizes) {
-  const OwnedDescriptor d = Room();
+  const OwnedDescriptor d = Blank();
   std::memcpy(hsDescriptor::Add(d.get(), hsTag("shrt"), 2), "\1\2", 2);
   const uint32_t word = 0xFFFF8000;
   std::memcpy(hsDescriptor::Add(d.get(), hsTag("long"), 4), &word, 4);
@@ -152,7 +152,7 @@ TEST(Descriptor, FindsByTagAndChecksSizes) {
 }
 
 TEST(Descriptor, ABrokenBlockIsNotWalkedOutside) {
-  const OwnedDescriptor d = Room();
+  const OwnedDescriptor d = Blank();
   hsDescriptor::Add(d.get(), hsTag("data"), 8);
   for (uint32_t length : {5u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
     std::memcpy(reinterpret_cast<char*>(d.get()) + 16, &length, 4);

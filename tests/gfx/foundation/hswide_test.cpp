@@ -29,17 +29,19 @@ TEST(Wide, QuotientsAgreeWithLongArithmetic) {
   }
 }
 
-TEST(Wide, SumsAndShiftsWrap) {
-  EXPECT_EQ(W(kMax64).Add(1), W(kMin64));
-  EXPECT_EQ(W(kMin64).Sub(W(1)), W(kMax64));
-  EXPECT_EQ(W(kMin64).Negate(), W(kMin64));
-  EXPECT_EQ(W(-1).ShiftLeft(63), W(kMin64));
-  EXPECT_EQ(W(3).ShiftLeft(64), W(0));
-  EXPECT_EQ(W(-5).ShiftRight(1), W(-3));
-  EXPECT_EQ(W(kMin64).ShiftRight(90), W(-1));
-  EXPECT_EQ(W(-3).RoundRight(1), W(-1));
-  EXPECT_EQ(W(3).RoundRight(1), W(2));
-  EXPECT_EQ(W(7).RoundRight(0), W(7));
+TEST(Wide, SumsShiftsAndRoots) {
+  const std::pair<hsWide, int64_t> cases[] = {
+      {W(kMax64).Add(1), kMin64},      {W(kMin64).Sub(W(1)), kMax64},
+      {W(kMin64).Negate(), kMin64},    {W(-1).ShiftLeft(63), kMin64},
+      {W(3).ShiftLeft(64), 0},         {W(-5).ShiftRight(1), -3},
+      {W(kMin64).ShiftRight(90), -1},  {W(-3).RoundRight(1), -1},
+      {W(3).RoundRight(1), 2},         {W(7).RoundRight(0), 7},
+      {W(W(1 << 20).Sqrt()), 1 << 10}, {W(W(kMax64).Sqrt()), 0x7FFFFFFF},
+      {W(W(-1).Sqrt()), 0x7FFFFFFF},  // the bits count as unsigned
+      {W(W(-27).CubeRoot()), -3},      {W(W(kMax64).CubeRoot()), 2097151},
+      {W(W(kMin64).CubeRoot()), 0},  // its only bit is the sign's
+  };
+  for (const auto& [result, expected] : cases) EXPECT_EQ(result, W(expected)) << expected;
 }
 
 TEST(Wide, GoesBackTo32BitsWithAReportOnlyWhenItMust) {
@@ -79,15 +81,6 @@ TEST(Wide, ScaledQuotients) {
   EXPECT_EQ(W(int64_t{1} << 32).FracDiv(W(int64_t{1} << 33)), 0x20000000);  // one spare bit short of 30
   EXPECT_EQ(W(int64_t{3} << 60).FixDiv(W(int64_t{3} << 61)), 0x8000);
   EXPECT_EQ(W(int64_t{-3} << 60).FracDiv(W(int64_t{3} << 60)), -kFract1);
-}
-
-TEST(Wide, RootsOfTheWholeRange) {
-  EXPECT_EQ(W(1 << 20).Sqrt(), 1 << 10);
-  EXPECT_EQ(W(kMax64).Sqrt(), 0x7FFFFFFF);  // 3037000499 is too much
-  EXPECT_EQ(W(-1).Sqrt(), 0x7FFFFFFF);      // the bits count as unsigned
-  EXPECT_EQ(W(-27).CubeRoot(), -3);
-  EXPECT_EQ(W(kMax64).CubeRoot(), 2097151);
-  EXPECT_EQ(W(kMin64).CubeRoot(), 0);  // its only bit is the sign's
 }
 
 }  // namespace
