@@ -82,14 +82,9 @@ TEST(Path, ReadsBackWhatWasBuilt) {
     bool open = false, stored = false;
     for (int i = 0; i < 20; ++i) {
       const auto number = [&] { return " " + std::to_string(int(random() % 100)); };
-      std::string step;
-      switch (random() % 6) {
-        case 0: step = "M" + number() + number(); break;
-        case 1: step = "Z"; break;
-        case 2: step = "Q" + number() + number() + number() + number(); break;
-        case 3: step = "C" + number() + number() + number() + number() + number() + number(); break;
-        default: step = "L" + number() + number(); break;
-      }
+      const unsigned verb = random() % 6;
+      std::string step(1, "MZQCLL"[verb]);
+      for (int left = "204622"[verb] - '0'; left > 0; --left) step += number();
       if (step[0] == 'M') {
         move = step;
         open = true;
@@ -270,17 +265,6 @@ TEST(Path, Subdivides) {
   ReturnOnHalt halt;
   cubic.SubdivideToTolerance(F(2), 10);
   EXPECT_EQ(TextOf(cubic), "M 0 0 C 4 0 8 4 8 8");
-}
-
-TEST(Path, CountsAndMasks) {
-  const hsPath path = PathOf("M 0 0 L 4 0 Q 4 4 0 4 M 0 0 C 1 1 2 2 3 3");
-  EXPECT_EQ(path.GetSegmentMask(), 7u);
-  EXPECT_EQ(path.CountFirstContourSegments(false), 2);
-  EXPECT_EQ(path.CountFirstContourSegments(true), 3);
-  hsPoint p;
-  EXPECT_TRUE(path.GetPoint(7, &p));
-  EXPECT_FALSE(path.GetPoint(8, nullptr));
-  EXPECT_FALSE(path.GetPoint(-1, nullptr));
 }
 
 double Distance(hsPoint p, hsPoint q) { return std::hypot(p.fX - q.fX, p.fY - q.fY) / 65536; }

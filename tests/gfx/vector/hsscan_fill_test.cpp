@@ -77,7 +77,7 @@ void CompareWithModel(bool curves, double doubtful, int count) {
     ASSERT_TRUE(whole.ordered && !whole.twice) << i;
     for (int y = 0; y < kModelSize; ++y)
       for (int x = 0; x < kModelSize; ++x)
-        if (const bool drawn = whole.drawn.pixels[size_t(y)][size_t(x)]; drawn != outline.Contains(CentreOf(x, y))) {
+        if (const bool drawn = whole.drawn.At(x, y); drawn != outline.Contains(CentreOf(x, y))) {
           ASSERT_LT(outline.DistanceTo(CentreOf(x, y)), doubtful) << i << " at " << x << "," << y;
         }
 
@@ -89,9 +89,9 @@ void CompareWithModel(bool curves, double doubtful, int count) {
     ASSERT_TRUE(clipped.ordered) << i;
     for (int y = 0; y < kModelSize; ++y)
       for (int x = 0; x < kModelSize; ++x) {
-        const bool want = whole.drawn.pixels[size_t(y)][size_t(x)] && model.pixels[size_t(y)][size_t(x)];
-        if (clipped.drawn.pixels[size_t(y)][size_t(x)] == want) continue;
-        ASSERT_TRUE(model.pixels[size_t(y)][size_t(x)]) << i << " drew outside its clip at " << x << "," << y;
+        const bool want = whole.drawn.At(x, y) && model.At(x, y);
+        if (clipped.drawn.At(x, y) == want) continue;
+        ASSERT_TRUE(model.At(x, y)) << i << " drew outside its clip at " << x << "," << y;
         ASSERT_LT(outline.DistanceTo(CentreOf(x, y)), 0.01) << i << " at " << x << "," << y;
       }
   }
@@ -132,9 +132,8 @@ TEST(RegionSetPath, HoldsWhatThePathFills) {
     replaced.SetPath(path);
     intersected.SetPath(path, hsRegion::kIntersectPath);
     ASSERT_TRUE(replaced == filled.drawn.Region()) << i;
-    for (size_t y = 0; y < kModelSize; ++y)
-      for (size_t x = 0; x < kModelSize; ++x) filled.drawn.pixels[y][x] &= before.pixels[y][x];
-    ASSERT_TRUE(intersected == filled.drawn.Region()) << i;
+    const auto both = [&](int x, int y) { return filled.drawn.At(x, y) && before.At(x, y); };
+    ASSERT_TRUE(intersected == PixelModel::Where(both).Region()) << i;
   }
 }
 
@@ -177,12 +176,11 @@ TEST(FillQuad, AgreesWithTheWindingAtCentres) {
     ASSERT_TRUE(whole.ordered && clipped.ordered) << i;
     for (int py = 0; py < kModelSize; ++py)
       for (int px = 0; px < kModelSize; ++px) {
-        const bool drawn = whole.drawn.pixels[size_t(py)][size_t(px)];
-        const bool inClip = model.pixels[size_t(py)][size_t(px)];
+        const bool drawn = whole.drawn.At(px, py);
         if (drawn != outline.Contains(CentreOf(px, py))) {
           ASSERT_LT(outline.DistanceTo(CentreOf(px, py)), 0.005) << i << " at " << px << "," << py;
         }
-        ASSERT_EQ(clipped.drawn.pixels[size_t(py)][size_t(px)], drawn && inClip) << i << " at " << px << "," << py;
+        ASSERT_EQ(clipped.drawn.At(px, py), drawn && model.At(px, py)) << i << " at " << px << "," << py;
       }
   }
 }

@@ -72,11 +72,8 @@ void Compare(const std::function<void(const hsRect&, const hsRegion*, hsGBlitter
     PixelBlitter blitter;
     draw(rect, clips ? &region : nullptr, &blitter);
     ASSERT_FALSE(blitter.twice) << i;
-    for (int y = 0; y < kModelSize; ++y)
-      for (int x = 0; x < kModelSize; ++x)
-        ASSERT_EQ(blitter.drawn.pixels[size_t(y)][size_t(x)],
-                  belongs(rect, x, y) && (!clips || clip.pixels[size_t(y)][size_t(x)]))
-            << i << " at " << x << "," << y;
+    const auto want = [&](int x, int y) { return belongs(rect, x, y) && (!clips || clip.At(x, y)); };
+    ASSERT_TRUE(blitter.drawn == PixelModel::Where(want)) << i;
   }
 }
 

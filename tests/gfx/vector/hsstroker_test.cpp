@@ -81,7 +81,7 @@ void CompareWithDistance(bool curves, double inner, double outer, int mostHoles)
     for (int y = 0; y < kModelSize; ++y)
       for (int x = 0; x < kModelSize; ++x) {
         const double distance = spine.DistanceTo(CentreOf(x, y));
-        const bool drawn = filled.drawn.pixels[size_t(y)][size_t(x)];
+        const bool drawn = filled.drawn.At(x, y);
         holes += distance < radius - inner && !drawn;
         if (distance > radius + outer) {
           ASSERT_FALSE(drawn) << i << " at " << x << "," << y;

@@ -14,7 +14,16 @@ constexpr int kModelSize = 64;  // pixels either way
 struct PixelModel {
   std::array<std::array<bool, kModelSize>, kModelSize> pixels{};
 
+  // The pixels that `holds` is true of.
+  template <class Holds>
+  static PixelModel Where(Holds holds) {
+    PixelModel model;
+    for (int y = 0; y < kModelSize; ++y)
+      for (int x = 0; x < kModelSize; ++x) model.pixels[size_t(y)][size_t(x)] = holds(x, y);
+    return model;
+  }
   bool operator==(const PixelModel&) const = default;
+  bool At(int x, int y) const { return pixels[size_t(y)][size_t(x)]; }
   void Fill(const hsIntRect& r, bool value = true) {
     for (int y = r.fTop; y < r.fBottom; ++y)
       for (int x = r.fLeft; x < r.fRight; ++x) pixels[size_t(y)][size_t(x)] = value;
@@ -23,7 +32,7 @@ struct PixelModel {
   std::vector<int16_t> Row(int y) const {
     std::vector<int16_t> edges;
     for (int x = 0; x <= kModelSize; ++x) {
-      const bool now = x < kModelSize && pixels[size_t(y)][size_t(x)];
+      const bool now = x < kModelSize && At(x, y);
       if (now != (edges.size() % 2 == 1)) edges.push_back(int16_t(x));
     }
     return edges;
