@@ -138,31 +138,6 @@ TEST(BitmapShader, EveryWorkerFollowsItsRule) {
   }
 }
 
-// The colours of one span of nearest pixels, columns -2 to 6, from three columns 0, 1, 2.
-TEST(BitmapShader, TileRulesOnARow) {
-  const std::pair<Shader::TileMode, std::vector<int>> rows[] = {
-      {Shader::kTile_Clamp, {0, 0, 0, 1, 2, 2, 2, 2, 2}},
-      {Shader::kTile_Repeat, {1, 2, 0, 1, 2, 0, 1, 2, 0}},
-      {Shader::kTile_Mirror, {1, 0, 0, 1, 2, 2, 1, 0, 0}},
-      {Shader::kTile_None, {-1, -1, 0, 1, 2, -1, -1, -1, -1}},
-  };
-  hsGColor32 pixels[3] = {0xFF000000, 0xFF000001, 0xFF000002};
-  B source(B::kConfig_ARGB32);
-  source.fImage = pixels;
-  source.fWidth = 3;
-  source.fHeight = 1;
-  source.fRowBytes = 12;
-  hsGAttribute attr;
-  for (const auto& [mode, expected] : rows) {
-    const auto shader = hsAdopt(Shader::Create(source, attr, hsMatrix(), mode));
-    hsGColor32 row[9];
-    shader->SetContext(source, attr, hsMatrix());
-    shader->ShadeRow(0, -2, 9, row);
-    for (int i = 0; i < 9; ++i)
-      EXPECT_EQ(row[i], expected[size_t(i)] < 0 ? 0u : 0xFF000000u + uint32_t(expected[size_t(i)])) << mode << i;
-  }
-}
-
 TEST(BitmapShader, LeavesRowsAloneWhenItCannotRead) {
   Random random(2);
   Source source(random, B::kConfig_RGB32), index(random, B::kConfig_Index8), shallow(random, B::kConfig_RGB16);

@@ -227,22 +227,6 @@ class PlaceShader : public hsGShader {
   bool fOpaque;
 };
 
-// The transfer modes have a test of their own; here they are trusted and their chunks are what is looked at.
-void Xfer(hsGXferMode& mode, const std::vector<uint32_t>& colors, int x, int y, const uint8_t* alpha, Surface* model) {
-  const int count = int(colors.size());
-  switch (model->bitmap.fConfig) {
-    case hsGBitmap::kConfig_RGB16: return mode.Xfer16(count, colors.data(), model->bitmap.Row<uint16_t>(y) + x, alpha);
-    case hsGBitmap::kConfig_Index8:
-      return mode.Xfer8(count, colors.data(), model->bitmap.Row<uint8_t>(y) + x, model->bitmap.fColorTable.get(),
-                        alpha);
-    default: {
-      std::vector<uint8_t> bytes;
-      for (uint32_t c : colors) bytes.push_back(uint8_t(c >> 24));
-      return mode.XferA(count, bytes.data(), model->bitmap.Row<uint8_t>(y) + x, alpha);
-    }
-  }
-}
-
 TEST(Blitter, ShadersGoThroughTheirModeInChunks) {
   Random random(3);
   Palette palette(random, 200);

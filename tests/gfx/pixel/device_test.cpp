@@ -6,10 +6,9 @@
 #include <set>
 
 #include "gfx/halt.h"
-#include "gfx/pixel/hsgmask.h"
-#include "gfx/pixel/hsgmaskfilter.h"
 #include "gfx/pixel/hsgrasterdevice.h"
 #include "gfx/pixel/pixelmodel.h"
+#include "gfx/pixel/spreadfilter.h"
 #include "gfx/vector/hsscan.h"
 
 namespace {
@@ -222,29 +221,6 @@ struct Listener : hsGBounder {
   }
   bool skips;
   std::vector<hsIntRect> heard;
-};
-
-// Spreads coverage by a pixel each way.
-class SpreadFilter : public hsGMaskFilter {
- public:
-  bool FilterMask(const hsGMask& src, const hsMatrix& matrix, hsGMask* dst) override {
-    dst->fBounds = src.fBounds;
-    ComputeBounds(matrix, &dst->fBounds);
-    dst->fMaskType = kMask_Alpha;
-    dst->fRowBytes = uint16_t(dst->fBounds.Width());
-    dst->AllocImage();
-    for (int y = src.fBounds.fTop; y < src.fBounds.fBottom; ++y)
-      for (int x = 0; x < src.fBounds.Width(); ++x)
-        for (int dy = -1; dy <= 1; ++dy)
-          for (int dx = 0; dx <= 2; ++dx) {
-            uint8_t& to = dst->fImage[size_t(y + dy - dst->fBounds.fTop) * dst->fRowBytes + size_t(x + dx)];
-            to = std::max(to, src.Row(y)[x]);
-          }
-    return true;
-  }
-  void ComputeBounds(const hsMatrix&, hsIntRect* rect) override {
-    *rect = {rect->fLeft - 1, rect->fTop - 1, rect->fRight + 1, rect->fBottom + 1};
-  }
 };
 
 struct Scene {

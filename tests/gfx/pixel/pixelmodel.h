@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "gfx/pixel/hsgbitmap.h"
+#include "gfx/pixel/hsgxfermode.h"
 #include "gfx/vector/hsregion.h"
 
 struct Random {
@@ -118,6 +119,24 @@ class Surface {
 };
 
 inline void PrintTo(const Surface&, std::ostream* out) { *out << "pixels"; }
+
+// Colours through a mode onto a row of the model, from x on. The modes have a test of their own and are trusted here.
+inline void Xfer(hsGXferMode& mode, const std::vector<uint32_t>& colors, int x, int y, const uint8_t* alpha,
+                 Surface* model) {
+  const int count = int(colors.size());
+  const hsGBitmap& bitmap = model->bitmap;
+  switch (bitmap.fConfig) {
+    case hsGBitmap::kConfig_RGB16: return mode.Xfer16(count, colors.data(), bitmap.Row<uint16_t>(y) + x, alpha);
+    case hsGBitmap::kConfig_Index8:
+      return mode.Xfer8(count, colors.data(), bitmap.Row<uint8_t>(y) + x, bitmap.fColorTable.get(), alpha);
+    case hsGBitmap::kConfig_Alpha8: {
+      std::vector<uint8_t> bytes;
+      for (uint32_t c : colors) bytes.push_back(uint8_t(c >> 24));
+      return mode.XferA(count, bytes.data(), bitmap.Row<uint8_t>(y) + x, alpha);
+    }
+    default: return mode.Xfer32(count, colors.data(), bitmap.Row<uint32_t>(y) + x, alpha);
+  }
+}
 
 // A few rectangles out of or-ed and cut-out ones; sometimes one, sometimes none at all.
 inline hsRegion RandomRegion(Random& random, const hsIntRect& bounds) {

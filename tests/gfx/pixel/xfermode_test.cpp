@@ -1,6 +1,7 @@
 // Transfer modes against their rules on single pixels.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <functional>
 #include <optional>
 
@@ -11,11 +12,11 @@
 
 namespace {
 
-constexpr int kRow = 40;
+constexpr size_t kRow = 40;
 
 struct Row {
-  explicit Row(Random& random) : count(random.Between(1, kRow)), hasAlpha(random.Chance(60)) {
-    for (int i = 0; i < kRow; ++i) {
+  explicit Row(Random& random) : count(size_t(random.Between(1, kRow))), hasAlpha(random.Chance(60)) {
+    for (size_t i = 0; i < kRow; ++i) {
       const int a = random.Byte();
       // Premultiplied, as sources are.
       source[i] = Join32({a, random.Below(a + 1), random.Below(a + 1), random.Below(a + 1)});
@@ -25,14 +26,14 @@ struct Row {
       source8[i] = random.Byte();
     }
   }
-  const uint8_t* Alpha() const { return hasAlpha ? coverage : nullptr; }
-  std::optional<int> Coverage(int i) const { return hasAlpha ? std::optional<int>(coverage[i]) : std::nullopt; }
+  const uint8_t* Alpha() const { return hasAlpha ? coverage.data() : nullptr; }
+  std::optional<int> Coverage(size_t i) const { return hasAlpha ? std::optional<int>(coverage[i]) : std::nullopt; }
 
-  int count;
+  size_t count;
   bool hasAlpha;
-  uint32_t source[kRow];
-  uint8_t coverage[kRow], device8[kRow], source8[kRow];
-  uint16_t device16[kRow];
+  std::array<uint32_t, kRow> source;
+  std::array<uint8_t, kRow> coverage, device8, source8;
+  std::array<uint16_t, kRow> device16;
 };
 
 uint32_t Src16(uint32_t s, uint32_t d, std::optional<int> c) {
@@ -64,17 +65,24 @@ uint32_t SrcOver8(uint32_t s, uint32_t d, std::optional<int> c, const Palette& p
   return palette.Nearest((p.r + e.r * u / 256) % 256, (p.g + e.g * u / 256) % 256, (p.b + e.b * u / 256) % 256);
 }
 
-TEST(XferMode, SrcAndSrcOverOn16Bits) {
+TEST(XferMode, SrcOn16BitsAndSrcOverOnBoth) {
   Random random(1);
+  const Palette palette(random, 200);
   hsGSrcMode src;
   hsGSrcOverMode over;
   for (int turn = 0; turn < 500; ++turn) {
     Row row(random), expected(row);
     const bool isOver = random.Chance(50);
-    for (int i = 0; i < row.count; ++i)
-      expected.device16[i] = uint16_t((isOver ? SrcOver16 : Src16)(row.source[i], row.device16[i], row.Coverage(i)));
-    (isOver ? static_cast<hsGXferMode&>(over) : src).Xfer16(row.count, row.source, row.device16, row.Alpha());
-    for (int i = 0; i < kRow; ++i) ASSERT_EQ(row.device16[i], expected.device16[i]) << isOver << " " << i;
+    for (size_t i = 0; i < row.count; ++i) {
+      const std::optional<int> c = row.Coverage(i);
+      expected.device16[i] = uint16_t((isOver ? SrcOver16 : Src16)(row.source[i], row.device16[i], c));
+      expected.device8[i] = uint8_t(SrcOver8(row.source[i], row.device8[i], c, palette));
+    }
+    (isOver ? static_cast<hsGXferMode&>(over) : src)
+        .Xfer16(int(row.count), row.source.data(), row.device16.data(), row.Alpha());
+    over.Xfer8(int(row.count), row.source.data(), row.device8.data(), palette.table, row.Alpha());
+    ASSERT_EQ(row.device16, expected.device16) << isOver;
+    ASSERT_EQ(row.device8, expected.device8);
   }
   EXPECT_EQ(AssertOf([&] { src.Xfer16(0, nullptr, nullptr, nullptr); }), "bad count");
 }
@@ -86,7 +94,7 @@ TEST(XferMode, SrcCarriesErrorAlongAPaletteRow) {
   for (int turn = 0; turn < 500; ++turn) {
     Row row(random), expected(row);
     Channels error{};
-    for (int i = 0; i < row.count; ++i) {
+    for (size_t i = 0; i < row.count; ++i) {
       const int c = row.Coverage(i).value_or(255);
       if (c == 0) continue;
       Channels v = Split32(row.source[i]);
@@ -101,21 +109,8 @@ TEST(XferMode, SrcCarriesErrorAlongAPaletteRow) {
       error = {0, v.r - e.r, v.g - e.g, v.b - e.b};
       expected.device8[i] = uint8_t(index);
     }
-    mode.Xfer8(row.count, row.source, row.device8, palette.table, row.Alpha());
-    for (int i = 0; i < kRow; ++i) ASSERT_EQ(row.device8[i], expected.device8[i]) << i;
-  }
-}
-
-TEST(XferMode, SrcOverOnAPalette) {
-  Random random(3);
-  Palette palette(random, 200);
-  hsGSrcOverMode mode;
-  for (int turn = 0; turn < 500; ++turn) {
-    Row row(random), expected(row);
-    for (int i = 0; i < row.count; ++i)
-      expected.device8[i] = uint8_t(SrcOver8(row.source[i], row.device8[i], row.Coverage(i), palette));
-    mode.Xfer8(row.count, row.source, row.device8, palette.table, row.Alpha());
-    for (int i = 0; i < kRow; ++i) ASSERT_EQ(row.device8[i], expected.device8[i]) << i;
+    mode.Xfer8(int(row.count), row.source.data(), row.device8.data(), palette.table, row.Alpha());
+    ASSERT_EQ(row.device8, expected.device8);
   }
 }
 
@@ -135,15 +130,15 @@ TEST(XferMode, EightModesOnCoverage) {
     hsGXferMode* mode = hsGAlphaCompositeMode::Create(index);
     for (int turn = 0; turn < 100; ++turn) {
       Row row(random), expected(row);
-      for (int i = 0; i < row.count; ++i) {
+      for (size_t i = 0; i < row.count; ++i) {
         const int s = row.source8[i], d = row.device8[i], c = row.Coverage(i).value_or(255);
         int result = Blend(rules[index](s, d), d, c + 1);
         if (index == 0 && row.hasAlpha) result = d * (256 - c) / 256;
         if (index == 2 && c == 0) result = d;
         expected.device8[i] = uint8_t(result);
       }
-      mode->XferA(row.count, row.source8, row.device8, row.Alpha());
-      for (int i = 0; i < kRow; ++i) ASSERT_EQ(row.device8[i], expected.device8[i]) << index << " " << i;
+      mode->XferA(int(row.count), row.source8.data(), row.device8.data(), row.Alpha());
+      ASSERT_EQ(row.device8, expected.device8) << index;
     }
     mode->UnRef();
   }
