@@ -18,7 +18,6 @@ TEST_F(TextTest, GlyphsStandAtTheirPositionsOnTheBaseline) {
 TEST_F(TextTest, RunStartsOnAWholePixelAndAlignmentMovesIt) {
   Draw("a", 5_px + 0x7FFF, 19_px + 0x8000);
   ExpectBlocks({{6, 14, 10, 21}});
-  fPixels.assign(fPixels.size(), 0);
   SetSpacing(kFixedHalf, 0, 0);
   Draw("ab", 20_px, 20_px);  // 10 wide, so it starts at 15
   ExpectBlocks({{16, 14, 20, 21}, {21, 18, 24, 23}});
@@ -29,7 +28,6 @@ TEST_F(TextTest, ClipAndEdgesCutGlyphs) {
   fDraw.fClip = &clip;
   Draw("a", 5_px, 20_px);
   ExpectBlocks({{6, 14, 8, 15}});
-  fPixels.assign(fPixels.size(), 0);
   fDraw.fClip = nullptr;
   Draw("a", -3 * kFixed1, 4_px);
   ExpectBlocks({{0, 0, 2, 5}});
@@ -38,7 +36,6 @@ TEST_F(TextTest, ClipAndEdgesCutGlyphs) {
 TEST_F(TextTest, EncodingsGiveTheSameRun) {
   Draw("\xC3\xA9\xE2\x82\xAC", 0, 10_px);  // e acute, euro
   ExpectBlocks({{1, 10, 2, 11}, {2, 9, 4, 11}});
-  fPixels.assign(fPixels.size(), 0);
   fAttr.SetTextEncoding(hsGAttribute::kUTF16);
   fAttr.SetTextSize(11_px);
   fAttr.SetTextSize(10_px);
@@ -106,7 +103,6 @@ TEST_F(TextTest, FaceScalesAdvancesAndDrawsTheUnderline) {
   ExpectBlocks({{4, 14, 12, 21}});
   EXPECT_EQ(Width("aa"), 32_px);
 
-  fPixels.assign(fPixels.size(), 0);
   face = {};
   face.fUnderlineThickness = kFixed1 / 10;
   face.fUnderlinePosition = kFixed1 / 5;
@@ -156,7 +152,6 @@ TEST_F(TextTest, PositionedTextTurnsWithItsDirections) {
   const hsPoint positions[] = {{5_px, 20_px}, {30_px, 20_px}};
   fDraw.DrawPosText(2, "ab", positions, nullptr);
   ExpectBlocks({{6, 14, 10, 21}, {30, 18, 33, 23}});
-  fPixels.assign(fPixels.size(), 0);
   const hsPoint directions[] = {{0, kFixed1}, {kFixed1, 0}};  // upright, then a quarter turn
   fDraw.DrawPosText(2, "ab", positions, directions);
   // A quarter turn takes (x, y) to (-y, x): right of the pen becomes below, below becomes left.
@@ -171,7 +166,6 @@ TEST_F(TextTest, FastTextMovesThePoint) {
   EXPECT_EQ(point, (hsPoint{22_px, 20_px}));  // 6 + 1, 3 + 2, 4 + 1
   ExpectBlocks({{6, 14, 10, 21}, {17, 18, 20, 23}, {5, 23, 22, 24}});
 
-  fPixels.assign(fPixels.size(), 0);
   point = {5_px + 0x8000, 20_px + 0xC000};  // columns are rounded, rows cut
   fDraw.DrawFastText(1, "a", &point, nullptr);
   ExpectBlocks({{7, 14, 11, 21}});
@@ -238,12 +232,10 @@ TEST_F(TextTest, EffectsArePartOfTheStrike) {
   const auto made = hsMake<ShiftEffect>(3_px);
   fAttr.SetPathEffect(made.get());
   fAttr.SetFlags(fAttr.Flags() | hsGAttribute::kTextAsPaths);
-  fPixels.assign(fPixels.size(), 0);
   Draw("a", 5_px, 20_px);
   ExpectBlocks({{19, 13, 23, 20}});
   fAttr.SetFlags(fAttr.Flags() & ~uint32_t{hsGAttribute::kTextAsPaths});
 
-  fPixels.assign(fPixels.size(), 0);
   fAttr.SetPathEffect(nullptr);
   const auto filter = hsMake<BoxFilter>();
   fAttr.SetMaskFilter(filter.get());

@@ -87,7 +87,7 @@ class TextTest : public testing::Test {
     const hsGTextSpacing spacing = {flags, alignment, word, character};
     fAttr.SetTextSpacing(&spacing);
   }
-  // The rectangles of set pixels, given by their columns and rows, and nothing else set.
+  // The rectangles of set pixels, given by their columns and rows, and nothing else set. Clears them all.
   void ExpectBlocks(const std::vector<hsIntRect>& blocks) {
     std::vector<uint8_t> expected(fPixels.size(), 0);
     for (const hsIntRect& r : blocks)
@@ -95,7 +95,8 @@ class TextTest : public testing::Test {
         for (int x = r.fLeft; x < r.fRight; ++x) expected[size_t(y * kWidth + x)] = 1;
     for (int y = 0; y < kHeight; ++y)
       for (int x = 0; x < kWidth; ++x)
-        ASSERT_EQ(fPixels[size_t(y * kWidth + x)], expected[size_t(y * kWidth + x)]) << "at " << x << ", " << y;
+        ASSERT_EQ(std::exchange(fPixels[size_t(y * kWidth + x)], 0), expected[size_t(y * kWidth + x)])
+            << x << ", " << y;
   }
 
   static constexpr int kWidth = 64, kHeight = 32;
