@@ -160,18 +160,4 @@ TEST_F(LoadTest, TheDeepestPagesAreLoadedDrawnAndDriven) {
   EXPECT_EQ(frames, 33);
 }
 
-TEST_F(LoadTest, AWidgetGoneInItsOwnEventClimbsNoFurther) {
-  // The script of a direction key unloads the page; nothing of the frame's navigation runs after it.
-  scripts["go"] = [] { frameUnloadAndClear(topFrame()); };
-  for (const char* hook : {"onUp", "onClick", "onBlur", "onFocus"}) {
-    const std::string source =
-        page("type: group, start: a, children: [{name: b, onFocus: !scriptdata " +
-             std::string(hook == std::string("onFocus") ? "Z28=" : "\"\"") + "}, {name: a, down: b, " + hook +
-             ": !scriptdata " + std::string(hook == std::string("onFocus") ? "\"\"" : "Z28=") + "}]");
-    ASSERT_TRUE(load(source)) << hook;
-    for (const char* name : {"Up", "Select", "Down"}) key(name);
-    EXPECT_EQ(topFrame()->pageData, nullptr) << hook;
-  }
-}
-
 }  // namespace

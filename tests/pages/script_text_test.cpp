@@ -19,33 +19,30 @@ EVERY_COLLECTION(ScriptTextTest);
 
 TEST_P(ScriptTextTest, ValuesAndLimits) {
   loadAll();
-  const std::pair<const char*, const char*> lines[] = {
-      {"widgets.t.value;", "--> \"abc\"\n"},
-      {"widgets.t.value = \"a longer text\";", "--> \"a longer text\"\n"},
-      {"widgets.t.value;", "--> \"a longer text\"\n"},
-      {"widgets.t.value = 3;", "Expecting string value\n--> 3\n"},
-      {"widgets.e.value = \"1234\";", "--> \"1234\"\n"},
-      {"widgets.e.value;", "--> \"123\"\n"},
-      {"widgets.n.value;", "--> 5\n"},
-      {"widgets.n.value = 10;", "New value out of range: 10\n--> 10\n"},
-      {"widgets.n.maxValue = 12;", "--> 12\n"},
-      {"widgets.n.value = 12;", "--> 12\n"},
-      {"widgets.n.minValue + widgets.n.maxValue + widgets.n.value;", "--> 29\n"},
-      {"widgets.s.value;", "--> 0\n"},
-      {"widgets.s.value = 1;", "--> 1\n"},
-      {"widgets.s.value;", "--> 1\n"},
-      {"widgets.s.minValue;", "--> nil\n"},
-      {"widgets.s.maxValue;", "--> 0\n"},  // answered, but not written
-      {"widgets.s.AddElement(\"c\");", "--> true\n"},
-      {"widgets.s.AddElement(4);", "Expecting string value\n--> nil\n"},
-      {"widgets.s.value = 2;", "--> 2\n"},
-      {"widgets.none.value;", "--> nil\n"},
-      {"widgets.none.maxValue;", "--> nil\n"},
-      {"widgets.t.AddElement(\"c\");", "--> nil\n"},
-      {"widgets.c.value;", "--> 2\n"},
-      {"widgets.t.minValue;", "--> nil\n"},
-  };
-  for (const auto& [line, answer] : lines) EXPECT_EQ(say(line), answer) << line;
+  talk({{"widgets.t.value;", "--> \"abc\"\n"},
+        {"widgets.t.value = \"a longer text\";", "--> \"a longer text\"\n"},
+        {"widgets.t.value;", "--> \"a longer text\"\n"},
+        {"widgets.t.value = 3;", "Expecting string value\n--> 3\n"},
+        {"widgets.e.value = \"1234\";", "--> \"1234\"\n"},
+        {"widgets.e.value;", "--> \"123\"\n"},
+        {"widgets.n.value;", "--> 5\n"},
+        {"widgets.n.value = 10;", "New value out of range: 10\n--> 10\n"},
+        {"widgets.n.maxValue = 12;", "--> 12\n"},
+        {"widgets.n.value = 12;", "--> 12\n"},
+        {"widgets.n.minValue + widgets.n.maxValue + widgets.n.value;", "--> 29\n"},
+        {"widgets.s.value;", "--> 0\n"},
+        {"widgets.s.value = 1;", "--> 1\n"},
+        {"widgets.s.value;", "--> 1\n"},
+        {"widgets.s.minValue;", "--> nil\n"},
+        {"widgets.s.maxValue;", "--> 0\n"},  // answered, but not written
+        {"widgets.s.AddElement(\"c\");", "--> true\n"},
+        {"widgets.s.AddElement(4);", "Expecting string value\n--> nil\n"},
+        {"widgets.s.value = 2;", "--> 2\n"},
+        {"widgets.none.value;", "--> nil\n"},
+        {"widgets.none.maxValue;", "--> nil\n"},
+        {"widgets.t.AddElement(\"c\");", "--> nil\n"},
+        {"widgets.c.value;", "--> 2\n"},
+        {"widgets.t.minValue;", "--> nil\n"}});
 }
 
 // A script's event has no pointer to read or write by.
@@ -55,9 +52,9 @@ TEST_P(ScriptTextTest, EventsThatWantAPointerAreRefused) {
     for (const char* id : {"0x4040001", "0x4040002", "0x4040003", "0x4040007", "0x4040008", "0x404000a", "0x404000b"})
       EXPECT_EQ(say(std::string("widgets.") + name + ".HandleEvent(" + id + ", 1234, 5678);"), "--> nil\n")
           << name << ' ' << id;
-  EXPECT_EQ(say("widgets.s.HandleEvent(0x4040005);"), "--> true\n");
-  EXPECT_EQ(say("widgets.t.HandleEvent(0x4030004);"), "--> true\n");
-  EXPECT_EQ(say("widgets.t.value;"), "--> \"\"\n");
+  talk({{"widgets.s.HandleEvent(0x4040005);", "--> true\n"},
+        {"widgets.t.HandleEvent(0x4030004);", "--> true\n"},
+        {"widgets.t.value;", "--> \"\"\n"}});
 }
 
 }  // namespace

@@ -23,58 +23,52 @@ page:
 )"));
     desktop.log.clear();
   }
-  std::string nil() { return "--> nil\n"; }
 };
 EVERY_COLLECTION(ScriptWidgetTest);
 
 TEST_P(ScriptWidgetTest, PropertiesReadAndWrite) {
   loadWidgets();
-  const std::pair<const char*, const char*> cases[] = {
-      // Places are read from the page and written to the widget.
-      {"widgets.box.x;", "--> 300\n"},
-      {"widgets.box.x = 77; ", "--> 77\n"},
-      {"widgets.box.x;", "--> 300\n"},
-      {"widgets.box.height;", "--> 50\n"},
-      {"widgets.box.width = \"w\";", "Expecting integer value\n--> \"w\"\n"},
-      {"widgets.twin.x;", "--> 2\n"},
-      // Values and limits.
-      {"widgets.bar.value;", "--> 12\n"},
-      {"widgets.bar.value = 40; ", "--> 40\n"},
-      {"widgets.bar.value = 41;", "New value out of range: 41\n--> 41\n"},
-      {"widgets.bar.value = \"x\";", "Expecting integer value\n--> \"x\"\n"},
-      {"{ widgets.bar.value = widgets; nil; }", "BobToKuiValue - unknown type\n--> nil\n"},
-      {"widgets.bar.value;", "--> 40\n"},
-      {"widgets.bar.minValue;", "--> 3\n"},
-      {"widgets.bar.maxValue = 99;", "--> 99\n"},
-      {"widgets.bar.maxValue;", "--> 99\n"},
-      {"widgets.bar.minValue = nil;", "Expecting integer value\n--> nil\n"},
-      {"widgets.box.value;", "--> nil\n"},
-      {"widgets.box.maxValue;", "--> nil\n"},
-      // Looks.
-      {"widgets.box.bgColor;", "--> 90\n"},
-      {"widgets.box.bgColor = \"red\";", "Expecting an integer color value\n--> \"red\"\n"},
-      {"widgets.box.background;", "--> \"b.gif\"\n"},
-      {"widgets.box.background = 4;", "Expecting a string value or nil\n--> 4\n"},
-      {"widgets.box.background = nil;", "--> nil\n"},
-      {"widgets.box.background;", "--> nil\n"},
-      {"widgets.box.highlighted;", "--> nil\n"},
-      {"widgets.box.highlighted = 0;", "--> 0\n"},
-      {"widgets.box.highlighted;", "--> true\n"},
-      {"widgets.bar.highlighted;", "--> true\n"},
-      {"widgets.pic.src;", "--> \"one.gif\"\n"},
-      {"widgets.pic.src = \"two.gif\";", "--> \"two.gif\"\n"},
-      {"widgets.pic.src;", "--> \"two.gif\"\n"},
-      {"widgets.pic.highlightSrc;", "--> nil\n"},
-      {"widgets.pic.highlightSrc = 3;", "Expecting string value\n--> 3\n"},
-      {"widgets.box.src;", "--> nil\n"},
-      {"widgets.box.style;", "--> nil\n"},
-      {"widgets.box.style = 3;", "Expecting a style value\n--> 3\n"},
-      // Anything else is the wrapper's own, and the next wrapper has it not.
-      {"{ local w = widgets.box; w.mine = 5; w.mine; }", "--> 5\n"},
-  };
-  for (const auto& [line, answer] : cases) {
-    EXPECT_EQ(say(line), answer) << line;
-  }
+  talk({// Places are read from the page and written to the widget.
+        {"widgets.box.x;", "--> 300\n"},
+        {"widgets.box.x = 77; ", "--> 77\n"},
+        {"widgets.box.x;", "--> 300\n"},
+        {"widgets.box.height;", "--> 50\n"},
+        {"widgets.box.width = \"w\";", "Expecting integer value\n--> \"w\"\n"},
+        {"widgets.twin.x;", "--> 2\n"},
+        // Values and limits.
+        {"widgets.bar.value;", "--> 12\n"},
+        {"widgets.bar.value = 40; ", "--> 40\n"},
+        {"widgets.bar.value = 41;", "New value out of range: 41\n--> 41\n"},
+        {"widgets.bar.value = \"x\";", "Expecting integer value\n--> \"x\"\n"},
+        {"{ widgets.bar.value = widgets; nil; }", "BobToKuiValue - unknown type\n--> nil\n"},
+        {"widgets.bar.value;", "--> 40\n"},
+        {"widgets.bar.minValue;", "--> 3\n"},
+        {"widgets.bar.maxValue = 99;", "--> 99\n"},
+        {"widgets.bar.maxValue;", "--> 99\n"},
+        {"widgets.bar.minValue = nil;", "Expecting integer value\n--> nil\n"},
+        {"widgets.box.value;", "--> nil\n"},
+        {"widgets.box.maxValue;", "--> nil\n"},
+        // Looks.
+        {"widgets.box.bgColor;", "--> 90\n"},
+        {"widgets.box.bgColor = \"red\";", "Expecting an integer color value\n--> \"red\"\n"},
+        {"widgets.box.background;", "--> \"b.gif\"\n"},
+        {"widgets.box.background = 4;", "Expecting a string value or nil\n--> 4\n"},
+        {"widgets.box.background = nil;", "--> nil\n"},
+        {"widgets.box.background;", "--> nil\n"},
+        {"widgets.box.highlighted;", "--> nil\n"},
+        {"widgets.box.highlighted = 0;", "--> 0\n"},
+        {"widgets.box.highlighted;", "--> true\n"},
+        {"widgets.bar.highlighted;", "--> true\n"},
+        {"widgets.pic.src;", "--> \"one.gif\"\n"},
+        {"widgets.pic.src = \"two.gif\";", "--> \"two.gif\"\n"},
+        {"widgets.pic.src;", "--> \"two.gif\"\n"},
+        {"widgets.pic.highlightSrc;", "--> nil\n"},
+        {"widgets.pic.highlightSrc = 3;", "Expecting string value\n--> 3\n"},
+        {"widgets.box.src;", "--> nil\n"},
+        {"widgets.box.style;", "--> nil\n"},
+        {"widgets.box.style = 3;", "Expecting a style value\n--> 3\n"},
+        // Anything else is the wrapper's own, and the next wrapper has it not.
+        {"{ local w = widgets.box; w.mine = 5; w.mine; }", "--> 5\n"}});
   EXPECT_EQ(widget("box")->bounds.x, 77);
 }
 
@@ -109,15 +103,15 @@ TEST_P(ScriptWidgetTest, HandleEventSendsWordsOnly) {
   loadWidgets();
   for (uint32_t code : {kGetValue, kSetValue, kGetMinimum, kGetMaximum})
     EXPECT_EQ(say("widgets.bar.HandleEvent(" + std::to_string(code) + ", 5, 6);"), "--> nil\n") << code;
-  EXPECT_EQ(say("widgets.pic.HandleEvent(0x4040013);"), "--> nil\n");
-  EXPECT_EQ(say("widgets.pic.HandleEvent(0x4040014, 12345);"), "--> nil\n");
-  EXPECT_EQ(say("widgets.bar.value;"), "--> 12\n");
-  EXPECT_EQ(say("widgets.bar.HandleEvent(0x4040006, 55);"), "--> true\n");
-  EXPECT_EQ(say("widgets.bar.maxValue;"), "--> 55\n");
-  EXPECT_EQ(say("widgets.box.HandleEvent(0x4030001, 1);"), "--> true\n");
-  EXPECT_EQ(say("widgets.box.highlighted;"), "--> true\n");
-  EXPECT_EQ(say("widgets.bar.HandleEvent(0x4030004);"), "--> true\n");
-  EXPECT_EQ(say("widgets.bar.value;"), "--> 12\n");
+  talk({{"widgets.pic.HandleEvent(0x4040013);", "--> nil\n"},
+        {"widgets.pic.HandleEvent(0x4040014, 12345);", "--> nil\n"},
+        {"widgets.bar.value;", "--> 12\n"},
+        {"widgets.bar.HandleEvent(0x4040006, 55);", "--> true\n"},
+        {"widgets.bar.maxValue;", "--> 55\n"},
+        {"widgets.box.HandleEvent(0x4030001, 1);", "--> true\n"},
+        {"widgets.box.highlighted;", "--> true\n"},
+        {"widgets.bar.HandleEvent(0x4030004);", "--> true\n"},
+        {"widgets.bar.value;", "--> 12\n"}});
 }
 
 TEST_P(ScriptWidgetTest, AWrapperThatOutlivesItsWidgetIsInactive) {
@@ -154,9 +148,9 @@ TEST_P(ScriptWidgetTest, WrappersThatScriptsMakeHaveNoWidget) {
   EXPECT_EQ(say("Widget.x;"), inactive);  // the class itself
   EXPECT_EQ(say("(new Widget()).Show();"), inactive);
   EXPECT_EQ(say("(new Frame()).value;"), inactive);
-  EXPECT_EQ(say("(new Frame()).UnloadPage();"), "Operation attempted on inactive frame\n--> nil\n");
-  EXPECT_EQ(say("Event.id;"), "--> nil\n");
-  EXPECT_EQ(say("Timer.timeRemaining;"), "--> nil\n");
+  talk({{"(new Frame()).UnloadPage();", "Operation attempted on inactive frame\n--> nil\n"},
+        {"Event.id;", "--> nil\n"},
+        {"Timer.timeRemaining;", "--> nil\n"}});
   // A wrapper of a widget that is given a target of its own lets go of the widget.
   say("widgets.box.SetFocus();");
   EXPECT_EQ(say("KOVA.w = frame.Focus();").substr(0, 4), "--> ");

@@ -25,6 +25,11 @@ class ScriptTest : public PageTest, public testing::WithParamInterface<bool> {
     return answer;
   }
 
+  // Lines and what the console answers to each.
+  void talk(const std::vector<std::pair<const char*, const char*>>& lines) {
+    for (const auto& [line, answer] : lines) EXPECT_EQ(say(line), answer) << line;
+  }
+
   // What it has shown since the last look.
   std::string heard() {
     const std::string text = log();

@@ -63,14 +63,6 @@ TEST_F(TimerTest, ARepeatingTimerArmsAnewWhateverItsCallbackDid) {
   timerDestroy(a);
 }
 
-TEST_F(TimerTest, OneShotsCanArmThemselvesAgain) {
-  auto* a = new NamedTimer('a');
-  a->onFired = [a] { timerStart(a, 3, false); };
-  timerStart(a, 1, false);
-  EXPECT_EQ(passing(7), "a!a.a!a.a!a.");
-  timerDestroy(a);
-}
-
 TEST_F(TimerTest, ADestroyedTimerIsNeverHeardOfAgain) {
   auto *a = new NamedTimer('a'), *b = new NamedTimer('b'), *c = new NamedTimer('c');
   a->onFired = [&] {
@@ -82,18 +74,6 @@ TEST_F(TimerTest, ADestroyedTimerIsNeverHeardOfAgain) {
   timerStart(b, 1, true);
   timerStart(c, 1, false);
   EXPECT_EQ(passing(9), "a!a.b.c!c.c.");
-}
-
-TEST_F(TimerTest, SettingTheIntervalStartsAndKeepsRepeating) {
-  auto* a = new NamedTimer('a');
-  timerStart(a, 50, true);
-  timerSetInterval(a, 2);
-  EXPECT_EQ(passing(4), "a!a!");
-  timerStop(a);
-  EXPECT_FALSE(timerIsListed(a));
-  timerSetInterval(a, 3);
-  EXPECT_EQ(passing(3), "a!");
-  timerDestroy(a);
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 
 namespace {
 
-// Writes GIFs: plain codes with a clear whenever the next code would be wider, so every width is the first.
 class GifWriter {
  public:
   GifWriter(int width, int height, int colorBits) {
@@ -19,26 +18,12 @@ class GifWriter {
     for (int i = 0; colorBits && i < 1 << colorBits; ++i) add({uint8_t(i), uint8_t(i * 2), uint8_t(i * 3)});
   }
 
-  void image(int width, int height, bool interlaced, int minimumBits, const std::vector<uint8_t>& indices) {
+  // With a dictionary, as encoders do it; a full one is emptied, or stays full to the end.
+  void image(int width, int height, bool interlaced, int minimumBits, const std::vector<uint8_t>& indices,
+             bool emptied = true) {
     bytes.push_back(0x2C);
     for (int word : {7, 9, width, height}) little16(word);
-    bytes.push_back(interlaced ? 0x40 : 0);
-    bytes.push_back(uint8_t(minimumBits));
-    const int clear = 1 << minimumBits;
-    std::vector<int> codes;
-    for (size_t i = 0; i < indices.size(); ++i) {
-      if (i % size_t(clear - 2) == 0) codes.push_back(clear);
-      codes.push_back(indices[i]);
-    }
-    codes.push_back(clear + 1);
-    put(codes, minimumBits + 1);
-  }
-
-  // The same with a dictionary, as encoders do it; a full one is emptied, or stays full to the end.
-  void compressedImage(int width, int height, int minimumBits, const std::vector<uint8_t>& indices, bool emptied) {
-    bytes.push_back(0x2C);
-    for (int word : {0, 0, width, height}) little16(word);
-    add({0, uint8_t(minimumBits)});
+    add({uint8_t(interlaced ? 0x40 : 0), uint8_t(minimumBits)});
     const int clear = 1 << minimumBits;
     std::map<std::pair<int, uint8_t>, int> dictionary;
     std::vector<std::pair<int, int>> codes = {{clear, minimumBits + 1}};
@@ -64,12 +49,6 @@ class GifWriter {
     if (next == 1 << bits && bits < 12) ++bits;  // the decoder defines one more for that code
     codes.push_back({clear + 1, bits});
     put(codes);
-  }
-
-  void put(const std::vector<int>& codes, int bits) {
-    std::vector<std::pair<int, int>> pairs;
-    for (int code : codes) pairs.push_back({code, bits});
-    put(pairs);
   }
 
   // Codes, each with its width, in blocks of 255 bytes.
@@ -139,15 +118,11 @@ TEST(GifDecoder, EveryCodeSizePlainAndInterlaced) {
       std::vector<std::vector<uint8_t>> picture(height, std::vector<uint8_t>(width));
       for (auto& row : picture)
         for (auto& index : row) index = uint8_t(random() % (1u << bits));
-      std::vector<int> order;
-      if (interlaced) {
-        for (auto [start, step] : {std::pair{0, 8}, {4, 8}, {2, 4}, {1, 2}})
-          for (int y = start; y < height; y += step) order.push_back(y);
-      } else {
-        for (int y = 0; y < height; ++y) order.push_back(y);
-      }
       std::vector<uint8_t> indices;
-      for (int y : order) indices.insert(indices.end(), picture[size_t(y)].begin(), picture[size_t(y)].end());
+      const std::vector<std::pair<int, int>> passes{{0, 8}, {4, 8}, {2, 4}, {1, 2}}, whole{{0, 1}};
+      for (auto [start, step] : interlaced ? passes : whole)
+        for (size_t y = size_t(start); y < height; y += size_t(step))
+          indices.insert(indices.end(), picture[y].begin(), picture[y].end());
       GifWriter gif(width, height, bits);
       gif.image(width, height, interlaced, bits, indices);
       const Decoded result = decode(gif.bytes);
@@ -185,7 +160,7 @@ TEST(GifDecoder, WholeDictionaries) {
         }
         indices.resize(size_t(width * height));
         GifWriter gif(width, height, bits);
-        gif.compressedImage(width, height, bits, indices, emptied);
+        gif.image(width, height, false, bits, indices, emptied);
         const Decoded result = decode(gif.bytes);
         ASSERT_EQ(result.error, GifError::none);
         ASSERT_EQ(result.rows.size(), size_t(height));

@@ -118,13 +118,14 @@ TEST_F(PageFileTest, ARecordCutByTheEndHasNoRectangle) {
 }
 
 TEST(Ascii, IntegersSaturateAt64BitsAndKeepTheLow32) {
-  EXPECT_EQ(hsAsciiToInt(" \t+42 "), 42);
-  EXPECT_EQ(hsAsciiToInt("4294967297"), 1);
-  EXPECT_EQ(hsAsciiToInt("9223372036854775807"), -1);
-  EXPECT_EQ(hsAsciiToInt("9223372036854775808"), -1);
-  EXPECT_EQ(hsAsciiToInt("-9223372036854775808"), 0);
-  EXPECT_EQ(hsAsciiToInt("-99999999999999999999"), 0);
-  EXPECT_EQ(hsAsciiToInt("- 1"), 0);
+  const std::pair<const char*, int> cases[] = {{" \t+42 ", 42},
+                                               {"4294967297", 1},
+                                               {"9223372036854775807", -1},
+                                               {"9223372036854775808", -1},
+                                               {"-9223372036854775808", 0},
+                                               {"-99999999999999999999", 0},
+                                               {"- 1", 0}};
+  for (const auto& [text, number] : cases) EXPECT_EQ(hsAsciiToInt(text), number) << text;
 }
 
 }  // namespace
