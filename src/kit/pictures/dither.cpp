@@ -7,7 +7,7 @@ namespace {
 
 using Error = std::array<int, 3>;  // in sixteenths
 
-// Error diffusion with the weights 7, 3, 5 and 1 of 16, rows by turns from the left and from the right.
+// Error diffusion with the weights 7, 3, 5 and 1 of 16, alternate rows from the left and from the right.
 class Diffusion {
  public:
   Diffusion(uint32_t w, const NearestColor& p) : width(w), palette(p), here(w + 2), below(w + 2) {}
