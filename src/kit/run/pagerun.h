@@ -1,7 +1,7 @@
 // A page without a window: loaded from start-up on, driven as a user would, and looked at.
 //
 // The clock moves only when an action says so, so the same page and actions give the same log and the same pixels.
-// Names that the page gives are found from its own folder, as in the previewer.
+// Names in the page are found from its own folder, as in the previewer.
 #pragma once
 
 #include <cstdint>
