@@ -5,7 +5,7 @@
 #include <iterator>
 #include <set>
 
-#include "engine/page/attributes.h"
+#include "engine/format/attributes.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The table of attributes against the engine: every row is read, on the objects and with the kind that it names, and
 // what it calls the default is what counts without the attribute. (A reader whose name is in no row doesn't compile.)
-#include "engine/page/attributes.h"
+#include "engine/format/attributes.h"
 
 #include <map>
 #include <set>

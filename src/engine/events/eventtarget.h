@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-#include "engine/bounds.h"
+#include "engine/base/bounds.h"
 #include "engine/events/event.h"
 #include "engine/events/scripthandle.h"
 

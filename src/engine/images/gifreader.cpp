@@ -1,10 +1,10 @@
 // GIF pictures into the cache.
 #include <algorithm>
 
-#include "engine/hostfile.h"
+#include "engine/base/hostfile.h"
+#include "engine/base/log.h"
 #include "engine/images/gifdecoder.h"
 #include "engine/images/imagefiles.h"
-#include "engine/log.h"
 
 namespace {
 

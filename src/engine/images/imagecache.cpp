@@ -3,7 +3,7 @@
 #include <cstring>
 #include <utility>
 
-#include "engine/log.h"
+#include "engine/base/log.h"
 #include "gfx/foundation/hsascii.h"
 #include "host/host.h"
 

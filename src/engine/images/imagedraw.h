@@ -1,7 +1,7 @@
 // Cached pictures on the screen.
 #pragma once
 
-#include "engine/bounds.h"
+#include "engine/base/bounds.h"
 
 // Draws the picture at rect's corner, from (offsetX, offsetY) in the picture on, cut to rect or tiled over it. A width
 // or height of 0 becomes what is left of the picture's. 1 if there is such a picture.

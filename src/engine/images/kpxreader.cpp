@@ -3,9 +3,9 @@
 #include <array>
 #include <string>
 
-#include "engine/hostfile.h"
+#include "engine/base/hostfile.h"
+#include "engine/base/log.h"
 #include "engine/images/imagefiles.h"
-#include "engine/log.h"
 #include "gfx/foundation/hsbytes.h"
 
 namespace {

@@ -8,8 +8,8 @@
 #include <cstdint>
 #include <memory>
 
+#include "engine/format/pagefile.h"
 #include "engine/page/language.h"
-#include "engine/page/pagefile.h"
 #include "engine/page/scriptscope.h"
 #include "engine/page/widget.h"
 #include "engine/text/textstyle.h"

@@ -3,9 +3,9 @@
 #include <memory>
 #include <utility>
 
+#include "engine/base/hostfile.h"
+#include "engine/base/log.h"
 #include "engine/events/graveyard.h"
-#include "engine/hostfile.h"
-#include "engine/log.h"
 #include "engine/page/widgettypes.h"
 #include "engine/screen/clut.h"
 #include "engine/screen/display.h"

@@ -15,8 +15,8 @@
 #include "engine/events/eventtarget.h"
 #include "engine/events/redrawqueue.h"
 #include "engine/events/timer.h"
-#include "engine/page/attributes.h"
-#include "engine/page/pagefile.h"
+#include "engine/format/attributes.h"
+#include "engine/format/pagefile.h"
 
 struct Widget;
 

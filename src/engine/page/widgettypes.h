@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "engine/page/pagefile.h"
+#include "engine/format/pagefile.h"
 
 struct Widget;
 struct WidgetOwner;

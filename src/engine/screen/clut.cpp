@@ -1,7 +1,7 @@
 #include "engine/screen/clut.h"
 
-#include "engine/hostfile.h"
-#include "engine/log.h"
+#include "engine/base/hostfile.h"
+#include "engine/base/log.h"
 #include "engine/screen/display.h"
 #include "gfx/foundation/hsascii.h"
 #include "gfx/foundation/hsbytes.h"

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "engine/bounds.h"
+#include "engine/base/bounds.h"
 #include "engine/screen/dirtytracker.h"
 #include "engine/screen/standardcolor.h"
 #include "gfx/foundation/hsref.h"

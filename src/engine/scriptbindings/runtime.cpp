@@ -1,8 +1,8 @@
 // The runtime's start and stop: one interpreter of the player's sizes, the classes, and the language "script".
 #include <utility>
 
+#include "engine/base/hostfile.h"
 #include "engine/events/graveyard.h"
-#include "engine/hostfile.h"
 #include "engine/page/language.h"
 #include "engine/scriptbindings/bindings.h"
 #include "engine/scriptbindings/scriptbindings.h"

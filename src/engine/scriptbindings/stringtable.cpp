@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "engine/hostfile.h"
-#include "engine/log.h"
+#include "engine/base/hostfile.h"
+#include "engine/base/log.h"
 #include "engine/scriptbindings/bindings.h"
 #include "gfx/foundation/hsbytes.h"
 #include "host/host.h"

@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "engine/hostfile.h"
+#include "engine/base/hostfile.h"
 #include "engine/screen/display.h"
 #include "engine/scriptbindings/bindings.h"
 #include "engine/text/glyphwarming.h"

@@ -1,5 +1,5 @@
 // Wrappers, and values on their way between widgets and scripts.
-#include "engine/log.h"
+#include "engine/base/log.h"
 #include "engine/page/frame.h"
 #include "engine/scriptbindings/bindings.h"
 #include "engine/scriptbindings/scriptbindings.h"

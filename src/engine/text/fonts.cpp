@@ -1,6 +1,6 @@
 #include "engine/text/fonts.h"
 
-#include "engine/hostfile.h"
+#include "engine/base/hostfile.h"
 #include "gfx/foundation/hsascii.h"
 #include "gfx/text/hsgfontregistry.h"
 #include "gfx/text/hsgscalercontextt2k.h"

@@ -3,8 +3,8 @@
 #include <memory>
 #include <new>
 
+#include "engine/base/log.h"
 #include "engine/events/timer.h"
-#include "engine/log.h"
 #include "engine/text/utf8.h"
 #include "gfx/foundation/hsfixed.h"
 #include "gfx/pixel/hsgrasterdevice.h"

@@ -8,7 +8,7 @@
 #include <list>
 #include <string>
 
-#include "engine/page/pagefile.h"
+#include "engine/format/pagefile.h"
 #include "engine/text/fonts.h"
 
 enum TextStyleFlags : uint32_t {

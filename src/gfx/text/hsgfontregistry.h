@@ -31,7 +31,7 @@ uint32_t RegisterStream(std::FILE* file, uint32_t format);
 uint32_t RegisterMemory(uint32_t size, const void* data, bool owned, uint32_t format);
 void UnregisterFont(uint32_t id);
 
-// Lists for the next load; they stay the caller's. A count of all ones: up to an entry of null.
+// Lists for the next load; they stay the caller's. A count of all ones: up to a null entry.
 inline constexpr uint32_t kToNil = 0xFFFFFFFF;
 void SetFontFiles(const hsGFontFileEntry* list, uint32_t count);
 void SetFontMemory(const hsGFontMemoryEntry* list, uint32_t count);

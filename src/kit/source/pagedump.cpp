@@ -5,7 +5,7 @@
 #include <cstring>
 #include <set>
 
-#include "engine/page/pagefile.h"
+#include "engine/format/pagefile.h"
 #include "kit/errors.h"
 #include "kit/source/base64.h"
 #include "kit/source/schema.h"

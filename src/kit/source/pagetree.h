@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/page/pagefile.h"
+#include "engine/format/pagefile.h"
 
 struct PageNode;
 

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-#include "engine/page/attributes.h"
+#include "engine/format/attributes.h"
 
 // Nothing for an attribute that nothing reads.
 using AttributeForm = std::optional<AttributeKind>;

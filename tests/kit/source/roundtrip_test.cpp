@@ -1,7 +1,7 @@
 // Whatever build makes, dump prints so that it builds back to the same bytes.
 #include <random>
 
-#include "engine/page/pagefile.h"
+#include "engine/format/pagefile.h"
 #include "kit/files.h"
 #include "kit/source/pagedump.h"
 #include "kit/source/pagesource.h"

@@ -1,4 +1,4 @@
-#include "engine/page/attributes.h"
+#include "engine/format/attributes.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "engine/page/pagefile.h"
+#include "engine/format/pagefile.h"
 
 #include "gfx/foundation/hsascii.h"
 #include "support/pagefixture.h"

@@ -1,4 +1,4 @@
-#include "engine/page/pagefile.h"
+#include "engine/format/pagefile.h"
 
 #include <algorithm>
 #include <cstring>

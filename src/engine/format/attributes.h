@@ -2,8 +2,7 @@
 //
 // One table for all who must agree. The engine's readers name attributes by the types at the end of this file, so a
 // name that is not in the table, or not of the kind that is read, doesn't compile. The kit chooses the bytes by the
-// kind; the guide's tables and what editors offer come from the words. It is constant; nothing here belongs to a
-// running engine.
+// kind, and the guide's tables come from the words. It is constant; nothing here belongs to a running engine.
 //
 // An attribute of a widget may be meant for all types or for one; the root is a widget too, with more attributes.
 #pragma once

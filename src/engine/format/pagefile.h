@@ -10,7 +10,7 @@
 #include <span>
 #include <vector>
 
-#include "engine/page/attributes.h"
+#include "engine/format/attributes.h"
 
 struct PageData {
   explicit PageData(std::vector<uint8_t> file);
