@@ -74,6 +74,17 @@ TEST(Region, OperationsAgreeWithPixels) {
   }
 }
 
+TEST(Region, ResultsThatAreRectanglesBecomeOnes) {
+  hsRegion region;
+  region.Union(hsIntRect{0, 0, 10, 5}, hsIntRect{0, 5, 10, 9});
+  EXPECT_TRUE(region.IsRect());
+  EXPECT_EQ(region.Bounds(), (hsIntRect{0, 0, 10, 9}));
+  region.Xor(hsIntRect{0, 0, 10, 5}, hsIntRect{10, 0, 20, 5});
+  EXPECT_EQ(RectsOf(region), (Rects{{0, 0, 20, 5}}));
+  region.Difference(region, hsIntRect{0, 0, 20, 5});
+  EXPECT_EQ(region.Bounds(), (hsIntRect{0, 0, 0, 0}));
+}
+
 // 100 spans on each of 200 thin bands come of two operands that have only some hundreds of elements.
 TEST(Region, AResultCanBeMuchLargerThanItsOperands) {
   std::vector<int16_t> fence{0, 400}, shelves{0};

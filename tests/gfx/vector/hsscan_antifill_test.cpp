@@ -101,8 +101,9 @@ TEST(AntiFill, CoverageCountsTheSamplesInside) {
     HSScan::AntiFillQuad(points, nullptr, &ofQuad);
     for (int y = 0; y < kModelSize; ++y)
       for (int x = 0; x < kModelSize; ++x) {
-        int inside = 0, doubtful = 0;
-        for (int sample = 0; sample < 16; ++sample) {
+        const bool isCut = outline.DistanceTo(CentreOf(x, y)) < 1;
+        int inside = !isCut && outline.Contains(CentreOf(x, y)) ? 16 : 0, doubtful = 0;
+        for (int sample = 0; isCut && sample < 16; ++sample) {
           const Dot dot{x + (sample % 4 + 0.5) / 4, y + (sample / 4 + 0.5) / 4};
           inside += outline.Contains(dot);
           doubtful += outline.DistanceTo(dot) < 0.002;
