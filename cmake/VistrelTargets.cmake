@@ -4,6 +4,7 @@
 function(vistrel_library name)
   add_library(${name} STATIC ${ARGN})
   target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
+  target_precompile_headers(${name} REUSE_FROM standard_headers)
   set_property(GLOBAL APPEND PROPERTY VISTREL_LIBRARIES $<TARGET_FILE:${name}>)
 endfunction()
 

@@ -17,6 +17,7 @@ TEST_F(CommandsTest, ErrorsGoToTheErrorStreamWithStatusOne) {
   EXPECT_EQ(kpg("photograph page.kpg"), 1);
   EXPECT_EQ(err, "kpg: there is no command 'photograph'\nkpg --help lists the commands\n");
   EXPECT_EQ(kpg("shot none.kpg --key Sideways"), 1);
+  EXPECT_NE(err.find("there is no key 'Sideways'"), std::string::npos) << err;
   EXPECT_EQ(kpg("build none.yaml -o p.kpg"), 1);
   EXPECT_EQ(err, "none.yaml: No such file or directory\n");
   writeText("p.yaml", "page:\n  x: 1\n  x: 2\n");

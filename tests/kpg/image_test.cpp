@@ -62,6 +62,7 @@ TEST_F(ImageCommandTest, ABackgroundTakesThePlaceOfTransparency) {
   EXPECT_EQ(pixel(1, 0), onScreen(0x80007F));
   EXPECT_EQ(pixel(2, 0), onScreen(0xFF0000));
   EXPECT_EQ(kpg("image p.png -o p.kpx --background red"), 1);
+  EXPECT_NE(err.find("'red' is no colour #RRGGBB"), std::string::npos) << err;
 }
 
 TEST_F(ImageCommandTest, AGivenTableIsNamedAndItsTransparentEntryIsNoColour) {
@@ -111,9 +112,17 @@ TEST_F(ImageCommandTest, OneTableServesSeveralPictures) {
   EXPECT_EQ(table[0], rgbToYCrCb(0x10203000));
   EXPECT_EQ(table[1], rgbToYCrCb(0x40506000));
   EXPECT_EQ(table[2], rgbToYCrCb(0xA0B0C000));
-  for (const char* bad : {"clut -o t.clut", "clut a.png --standard -o t.clut", "clut a.png --colors 2 -o t.clut",
-                          "image a.png b.png -o p.kpx", "image a.png", "image a.png -o p.kpx --clut t.clut --colors 9"})
-    EXPECT_EQ(kpg(bad), 1) << bad;
+  const std::pair<const char*, const char*> refused[] = {
+      {"clut -o t.clut", "kpg clut: takes either pictures or --standard\n"},
+      {"clut a.png --standard -o t.clut", "kpg clut: takes either pictures or --standard\n"},
+      {"clut a.png --colors 2 -o t.clut", "--colors: Value 2 not in range"},
+      {"image a.png b.png -o p.kpx", "kpg image: takes one picture and -o, or --list\n"},
+      {"image a.png", "kpg image: takes one picture and -o, or --list\n"},
+      {"image a.png -o p.kpx --clut t.clut --colors 9", "--clut excludes --colors"}};
+  for (const auto& [arguments, message] : refused) {
+    EXPECT_EQ(kpg(arguments), 1) << arguments;
+    EXPECT_NE(err.find(message), std::string::npos) << arguments << "\n" << err;
+  }
   EXPECT_EQ(kpg("image --list t.clut none.png"), 1);
   EXPECT_EQ(err, "none.png: No such file or directory\n");
 }
