@@ -107,4 +107,14 @@ TEST_F(TargetTest, WalksOutliveWhatTheirHooksTakeAway) {
   delete b;
 }
 
+TEST_F(TargetTest, ADestroyedDefaultIsAskedNoLonger) {
+  Target target(nullptr, note("default", 1));
+  defaultTargetSet(&target);
+  targetDestroyLists(&target);
+  EXPECT_EQ(defaultTarget(), &target);  // only its lists went
+  target.gone = true;
+  targetDestroyLists(&target);
+  EXPECT_EQ(defaultTarget(), nullptr);
+}
+
 }  // namespace
