@@ -115,6 +115,14 @@ TEST(Heap, HoldsExactlyItsSpaceAndRaisesBeyondIt) {
     EXPECT_EQ(FreeBytes(interp), 0u);
   }));
   EXPECT_EQ(session.err.text, "");  // the last byte was handed out without a collection
+  EXPECT_TRUE(bobTry(interp, [&] {  // a collection that frees just enough is enough
+    bobCollect(interp);
+    const uint32_t free = FreeBytes(interp);
+    bobMakeInteger(interp, kBobSmallMin - 1);
+    const BobLocal all(interp, bobMakeVector(interp, free / 4 - 3));
+    EXPECT_EQ(FreeBytes(interp), 0u);
+  }));
+  session.answer();
   EXPECT_FALSE(bobTry(interp, [&] {
     bobCollect(interp);
     const BobLocal all(interp, bobMakeVector(interp, FreeBytes(interp) / 4 - 3));
@@ -165,6 +173,17 @@ TEST(Heap, ProtectedVariablesFollowTheirObjects) {
   EXPECT_EQ(bobVectorSize(interp, a), 1u);
   bobUnprotect(interp, &a);
   bobUnprotect(interp, &b);
+
+  std::vector<BobValue> many(250);  // a block holds 100 of them
+  std::vector<size_t> newBlocks;
+  for (size_t i = 0; i < many.size(); ++i) {
+    const uint32_t total = interp->totalMemory;
+    bobProtect(interp, &many[i]);
+    if (interp->totalMemory != total) newBlocks.push_back(i);
+  }
+  ASSERT_GE(newBlocks.size(), 2u);
+  EXPECT_EQ(newBlocks[1] - newBlocks[0], 100u);
+  for (BobValue& variable : many) bobUnprotect(interp, &variable);
 }
 
 TEST(Symbols, AreOneForEachTextAndStay) {

@@ -144,6 +144,19 @@ BobValue (*parse)(BobInterp*);
 BobValue CallParse(BobInterp* interp) { return parse(interp); }
 constexpr BobMethodRow kParser[] = {{"parse", CallParse}, {nullptr, nullptr}};
 
+TEST(Host, CodeThatMovesWhileANativeMethodFailsGoesOn) {
+  Session session;
+  bobBindFunctions(session.interp, kParser);
+  parse = [](BobInterp* interp) {
+    bobTry(interp, [&] {
+      bobCollect(interp);
+      bobRaise(interp, kBobRestart);
+    });
+    return kBobNil;
+  };
+  EXPECT_EQ(session.eval("{ parse(); gc(); gc(); \\[\"still\", \"here\"]; }"), "--> [\"still\",\"here\"]\n");
+}
+
 TEST(Signature, ChecksKindsAndNumbers) {
   Session session;
   bobBindFunctions(session.interp, kParser);

@@ -54,6 +54,7 @@ TEST(Language, WrongOperandsAreNamedByTheSideThatTheOperationLooksAt) {
       {"gc.Apply(\\[]);", "Too few arguments - <CMethod-gc>"},
       {"Object.Send();", "Too few arguments - <CMethod-Send>"},
       {"Object.Send(\\Class);", "Wrong type - Class"},
+      {"Object.Send(\\[1]);", "No method for selector - [1]"},
       {"Object.Send(\\zork, \\[]);", "No method for selector - zork"},
       {"(\\[1]).size = \"a\";", "Wrong type - \"a\""},
       {"(\\[1])[-1] = 2;", "Index out of bounds - -1"},

@@ -128,6 +128,11 @@ TEST(ObjectFile, BadCodeRaisesWhenItIsReachedAndNotBefore) {
     EXPECT_EQ(session.eval("1 + 1;"), "--> 2\n") << c.about;
   }
   Session session;
+  EXPECT_EQ(Load(session, Record(Bytes({0x19, 2, 0, 0x30, 0x1E}), {Bytes({6, 0xFF, 0xFF, 0xFF, 0xFF})})),
+            "failed\nError: Index out of bounds - -1\nHappened in rec\n");
+  // A jump to NEWVECTOR takes two elements there, where the literal right before it says none; nothing is left to pop.
+  const std::string jump = Bytes({6, 6, 0x19, 3, 0, 1, 14, 0, 0x19, 2, 0, 0x30, 0x2B, 0x1E});
+  EXPECT_EQ(Load(session, Record(jump, {Bytes({6, 0, 0, 0, 0}), Bytes({6, 0, 0, 0, 2})})), bad);
   EXPECT_EQ(Load(session, Bytes({1}) + Word(2) + Bytes({0, 0})), "failed\nError: Bad opcode\n");  // no bytecode at all
 }
 
@@ -187,6 +192,11 @@ TEST(ObjectFile, AWriteThatFailsIsAnErrorAndAFileThatCannotBeOpenedIsNone) {
   EXPECT_EQ(nothing.text, "");
   const std::string path = testing::TempDir() + "/bob_unwritten";
   EXPECT_EQ(session.eval("CompileFile(\"" + path + ".none\", \"" + path + "\");"), "--> nil\n");
+  if (std::ofstream("/dev/full")) {  // what is written first fails when the file is closed
+    std::ofstream(path + ".bob") << "a = 1;\n";
+    EXPECT_EQ(session.eval("CompileFile(\"" + path + ".bob\", \"/dev/full\");"),
+              "Error: Writing file\nHappened in <CompiledCode-#>\n");
+  }
   std::ofstream(path + ".bob") << "a = 1;\nb = ;\n";
   EXPECT_EQ(session.eval("CompileFile(\"" + path + ".bob\", \"no/such/folder/x\");"), "--> nil\n");
   EXPECT_EQ(session.eval("CompileFile(\"" + path + ".bob\", \"" + path + "\");"),

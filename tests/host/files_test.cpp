@@ -73,6 +73,8 @@ TEST_F(HostTest, ACommandLoadsBesideTheChosenFileAndExitEnds) {
   desktop.shell.command(Command::loadPage);
   EXPECT_EQ(desktop.log, "");
   EXPECT_NE(topFrame()->pageData, nullptr);
+  EXPECT_FALSE(desktop.shell.loadPage("nowhere/page.kpg"));
+  EXPECT_TRUE(desktop.shell.loadPage("page.kpg"));  // the folder stays where it was
   EXPECT_FALSE(desktop.hasQuit);
   desktop.shell.command(Command::exit);
   EXPECT_TRUE(desktop.hasQuit);

@@ -27,6 +27,8 @@ TEST(KeyTable, ArrowsAreKeysAndDigitsCharacters) {
   EXPECT_EQ(remoteKeyForCharacter('5')->data, 0x80000005u);
   EXPECT_FALSE(remoteKeyForCharacter('%'));  // a left arrow's number, but a character here
   EXPECT_FALSE(remoteKeyForCharacter('\0'));
+  for (char c : {'(', '-', '\f', '\x13'}) EXPECT_FALSE(remoteKeyForCharacter(c)) << int(c);  // a bit beside a key
+  for (int key : {5, 6, 14}) EXPECT_FALSE(remoteKeyForVirtualKey(key)) << key;
 }
 
 }  // namespace

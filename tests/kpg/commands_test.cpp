@@ -25,6 +25,16 @@ TEST_F(CommandsTest, ErrorsGoToTheErrorStreamWithStatusOne) {
   EXPECT_EQ(err, "p.yaml:3: 'x' is given twice\n");
 }
 
+TEST_F(CommandsTest, CompletionsKnowWhichOptionsTakeAValue) {
+  ASSERT_EQ(kpg("completion zsh"), 0) << err;
+  const auto specOf = [&](const std::string& option) {
+    const size_t at = out.find("'*" + option + "[");
+    return at == std::string::npos ? "none" : out.substr(at, out.find('\'', at + 1) - at);
+  };
+  EXPECT_TRUE(specOf("--log").ends_with("]:value:_files")) << specOf("--log");
+  EXPECT_TRUE(specOf("--read-only").ends_with("]")) << specOf("--read-only");
+}
+
 TEST_F(CommandsTest, AShotWritesPictureAndLogAgainstTheFolderOfTheCall) {
   std::filesystem::create_directory("pages");
   build(

@@ -6,6 +6,7 @@
 #include "engine/events/value.h"
 #include "engine/screen/display.h"
 #include "engine/text/textstyle.h"
+#include "engine/text/utf8.h"
 #include "gfx/foundation/hsdebug.h"
 #include "kit/files.h"
 
@@ -87,6 +88,14 @@ class BrokenTextTest : public BlocksTest {
  private:
   hsHaltProc before;
 };
+
+TEST(Utf8, ACharacterThatIsCutIsNone) {
+  const uint8_t euro[] = {0xE2, 0x82, 0xAC};
+  int length = 0;
+  EXPECT_EQ(utf8Decode(euro, 3, &length), 0x20AC);
+  EXPECT_EQ(length, 3);
+  for (const size_t available : {1, 2}) EXPECT_LT(utf8Decode(euro, available, &length), 0) << available;
+}
 
 TEST_F(BrokenTextTest, NothingIsReported) {
   constexpr const char* kKeys[] = {"Up", "Down", "Left", "Right", "UpLeft", "DownRight", "1", "9", "Clear", "Select"};

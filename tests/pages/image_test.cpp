@@ -37,6 +37,7 @@ TEST_F(ImageTest, TheOneUsedLongestAgoGoesFirst) {
   for (const char* name : {"a.kpx", "b.kpx", "c.kpx", "d.kpx", "e.kpx"}) writeKpx(name, 320, 320);  // 102,400 bytes
   for (const char* name : {"a.kpx", "b.kpx", "c.kpx", "d.kpx", "e.kpx"}) EXPECT_TRUE(imagePreload(name));
   EXPECT_TRUE(imagePreload("A.KPX"));  // found under any case, and used last now
+  EXPECT_TRUE(imagePreload("a.kpx"));
   logged();
   writeKpx("big.kpx", 400, 384);  // 153,600 bytes: two must go
   EXPECT_TRUE(imagePreload("big.kpx"));
@@ -49,6 +50,15 @@ TEST_F(ImageTest, TheOneUsedLongestAgoGoesFirst) {
   EXPECT_EQ(logged(), "Loading image 'huge.kpx'\nImage 'huge.kpx' too big for image cache\n");
   imageCacheDump();
   EXPECT_EQ(logged(), "");  // everything went before that was known
+
+  // A name that is a byte longer needs a byte more than the first one frees, so another goes, though its place is
+  // enough.
+  for (const char* name : {"a.kpx", "b.kpx", "c.kpx", "d.kpx", "e.kpx"}) EXPECT_TRUE(imagePreload(name));
+  writeKpx("ff.kpx", 320, 320);
+  EXPECT_TRUE(imagePreload("ff.kpx"));
+  logged();
+  imageCacheDump();
+  EXPECT_EQ(logged(), "c.kpx 320x320\nd.kpx 320x320\ne.kpx 320x320\nff.kpx 320x320\n");
 }
 
 TEST_F(ImageTest, FilesThatAreNoPicturesSayWhyOnce) {
@@ -95,6 +105,13 @@ TEST_F(ImageTest, TilesStartAtTheOffsetAndAreCutAtTheEnd) {
   EXPECT_EQ(rect, (Bounds{100, 100, 4, 2}));
   EXPECT_EQ(pixel(100, 100), shown(200 - 200 + int((1000000 + 100) % 3)));
   EXPECT_EQ(pixel(101, 100), shown(0));
+  EXPECT_EQ(pixel(104, 100), shown((1000000 + 104) % 3));  // nothing after the picture's three columns
+}
+
+TEST_F(ImageTest, AColourThatIsCutOffIsNoColour) {
+  writeText("cut.clut", std::string(1 + 2 * 4 + 3, '\x40'));
+  ASSERT_NE(clutLoad("cut.clut"), nullptr);
+  EXPECT_EQ(clutLoad("cut.clut")->count, 2);
 }
 
 TEST_F(ImageTest, AnImageWidgetTakesThePicturesSizeAndShowsItsOtherOneWhileHighlighted) {

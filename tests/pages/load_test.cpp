@@ -124,6 +124,25 @@ TEST_F(LoadTest, ANestedPageMayTakeThePageAroundItAway) {
   desktop.settle();
 }
 
+// Sees where the focus is when the widget that it is on is about to go.
+struct FocusWatch : EventHandler {
+  explicit FocusWatch(std::string* s) : EventHandler(kWidgetDestroyed), seen(s) {}
+  int fn(const Event* event) override {
+    if (event) *seen = topFrame()->focus ? topFrame()->focus->name : "nothing";
+    return 0;
+  }
+  std::string* seen;
+};
+
+TEST_F(LoadTest, AWidgetThatGoesLeavesNoFocusBehind) {
+  ASSERT_TRUE(load(page("type: group, start: a, children: [{name: a}, {name: b}]")));
+  std::string first, second;
+  handlerAdd(widget("a"), new FocusWatch(&first));
+  handlerAdd(widget("b"), new FocusWatch(&second));
+  frameUnloadAndClear(topFrame());
+  EXPECT_EQ(first + " " + second, "a nothing");
+}
+
 TEST_F(LoadTest, NestedFramesGoSilentlyAndHearEventsBehindTheOuterOne) {
   build("inner.kpg", page("type: group, children: [{name: x, timeout: 50}], start: x", "Inner"));
   ASSERT_TRUE(load(page("type: group, children: [{name: nest, type: frame, src: inner.kpg}]")));

@@ -80,6 +80,11 @@ TEST_F(PaintTest, HiddenContentShowsTheBackgroundAndTimeoutsHide) {
   EXPECT_EQ(pixel(2, 2), grey(20));
   desktop.wait(3);
   EXPECT_TRUE(widget("gone")->flags & kWidgetContentHidden);  // the timer ran from its showing
+
+  widgetShow(widget("bar"));
+  EXPECT_TRUE(timerIsListed(widget("bar")->timeoutTimer));
+  widgetHide(widget("bar"));
+  EXPECT_FALSE(timerIsListed(widget("bar")->timeoutTimer));
 }
 
 TEST_F(PaintTest, APictureBehindHiddenContentHasItShown) {

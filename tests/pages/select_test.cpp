@@ -96,6 +96,12 @@ TEST_F(SelectTest, ARowShowsAllAndErasesNothing) {
   EXPECT_EQ(inked(), (Box{128, 117, 173, 124}));
 }
 
+TEST_F(SelectTest, ARowIsAsHighAsItsHighestChoice) {
+  // The big a, 14 high, is on the baseline of a text 20 high at the bottom; the others are on that of one 10 high.
+  select("textStyle: plain, highlightTextStyle: big, showAll: true, choices: '|a|b', valign: bottom");
+  EXPECT_EQ(inked(), (Box{102, 122, 133, 137}));
+}
+
 TEST_F(SelectTest, AColumnIsPlacedByItsFirstChoice) {
   select(
       "textStyle: plain, highlightTextStyle: big, showAll: true, vertical: true, choices: '|b|aa', align: right, "

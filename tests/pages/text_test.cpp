@@ -240,6 +240,15 @@ TEST_F(TextTest, LinesBreakAsThePlainRuleSays) {
   }
 }
 
+TEST_F(TextTest, ASpaceTakesItsOwnExtraWhenATextIsFitted) {
+  ASSERT_TRUE(loadTexts(""));
+  TextStyle style = *styleFind(topFrame(), "plain");
+  style.spaceExtra = 5 << 16;
+  int32_t width = 0;
+  EXPECT_EQ(textFit(style, "a a", 3, 15, &width), 2u);
+  EXPECT_EQ(width, 6 + 3 + 5);
+}
+
 TEST_F(TextTest, OnlySoManyWordsAndLinesShow) {
   ASSERT_TRUE(loadTexts(""));
   const TextStyle style = *styleFind(topFrame(), "plain");
@@ -279,6 +288,7 @@ TEST_F(NumberTest, ShowsAtLeastSoManyFigures) {
       {"min: -50, value: -42, size: 4", {100, 104, 123, 109}},  // -042
       {"value: 7, size: -3", {100, 104, 105, 109}},             // spaces after it
       {"value: 7, size: 255", {100, 104, 720, 109}},
+      {"value: 7, size: -255", {100, 104, 105, 109}},
       {"value: 7, size: 256", kNothing},
       {"value: 7, size: -256", kNothing},
   };

@@ -93,6 +93,27 @@ TEST_F(TextContainerTest, TheSelectionScrollsByPages) {
   EXPECT_EQ(w->scrollOffset, 0);
 }
 
+struct Counter : EventHandler {
+  explicit Counter(int* n) : EventHandler(kMoveSelection), count(n) {}
+  int fn(const Event* event) override { return *count += event != nullptr, 1; }
+  int* count;
+};
+
+TEST_F(TextContainerTest, KeysAskForAMoveOnlyWhereThereIsALine) {
+  int moves = 0;
+  const auto movesBy = [&](const char* selected, const char* name) {
+    TextContainerWidget* w = container(3, std::string("selectTextStyle: bright, selectedLine: ") + selected);
+    handlerAdd(w, new Counter(&moves));
+    moves = 0;
+    key(name);
+    return moves;
+  };
+  EXPECT_EQ(movesBy("1", "Up"), 0);
+  EXPECT_EQ(movesBy("2", "Up"), 1);
+  EXPECT_EQ(movesBy("2", "Down"), 1);
+  EXPECT_EQ(movesBy("3", "Down"), 0);
+}
+
 TEST_F(TextContainerTest, WhatLeadsOutsideTheListChangesNothing) {
   TextContainerWidget* w = container(3, "selectTextStyle: bright, selectedLine: 2");
   for (const int delta : {2, -2, 2147483647, int(0x80000000)}) {

@@ -38,6 +38,8 @@ SfntBuilder LettersFont() {
   add('o', {Oval(30, -10, 480, 510), Reversed(Oval(130, 75, 380, 425))});
   add('p', {RectContour(50, -210, 150, 500), RectContour(150, 0, 400, 80), RectContour(150, 420, 400, 500)});
   add('b', {RectContour(50, 0, 150, 760)});
+  add('#', {RectContour(50, -5, 175, 700)});
+  add('=', {{{50, 250}, {50, 350}, {450, 350}, {450, 290}, {250, 290}, {250, 250}}});
   return builder;
 }
 
@@ -80,6 +82,30 @@ TEST(Hinter, HeightsAndStemsGetWholePixels) {
   ASSERT_TRUE(f.Render('o', 3, kHinted));
   EXPECT_EQ(DistinctY(f.t->glyph).front(), -64);
   EXPECT_EQ(DistinctY(f.t->glyph).back(), 51 * 64);
+  ASSERT_TRUE(f.Render('#', 3, kHinted));  // halfway between flat and round counts as flat
+  EXPECT_EQ(DistinctY(f.t->glyph).front(), 0);
+}
+
+TEST(Hinter, AStemIsAnEdgeAndTheNearestAcross) {
+  OpenFont f(LettersFont().Build());
+  // At 13 pixels the edges lie at 208, 241 and 291. The upper two are a stem of one pixel with its middle at 266; the
+  // lowest, whose way up leads to a top that has a nearer partner, moves along with it by 15.
+  f.SetSize(13);
+  ASSERT_TRUE(f.Render('=', 3, kHinted));
+  EXPECT_EQ(DistinctY(f.t->glyph), (std::vector{223, 256, 320}));
+  // A stem of 125 differs from the usual 100 by a quarter of that, no more, so it gets 2 pixels and not 2.5.
+  f.SetSize(20);
+  ASSERT_TRUE(f.Render('#', 0, kHinted));
+  EXPECT_EQ(f.t->glyph->x[2] - f.t->glyph->x[0], 128);
+}
+
+TEST(Hinter, WithoutRoundingNothingIsFitted) {
+  OpenFont f(LettersFont().Build());
+  f.SetSize(13);
+  ASSERT_TRUE(f.Render('E', 3, kT2KKeepGlyph | kT2KNoRounding));
+  const std::vector<int> plain = DistinctY(f.t->glyph);
+  ASSERT_TRUE(f.Render('E', 3, kHinted | kT2KNoRounding));
+  EXPECT_EQ(DistinctY(f.t->glyph), plain);
 }
 
 TEST(Hinter, GreyKeepsXAndMonochromeFitsVerticalStems) {

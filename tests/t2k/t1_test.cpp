@@ -61,6 +61,7 @@ TEST(Type1, SegmentsComeOutInPlace) {
 
 TEST(Type1, WhatMustBeThere) {
   EXPECT_EQ(OpenFont(Bytes().Text("%!PS no private part"), kFontType1).err, 10030);
+  EXPECT_EQ(OpenFont(Type1Builder().Build(), kFontType1).err, 10030);  // no glyphs
   Bytes cut = SmallFont().Build();
   cut.resize(cut.size() - 140);  // within the last program
   EXPECT_EQ(OpenFont(cut, kFontType1).err, 10030);
@@ -82,9 +83,9 @@ TEST(Type1, CodesByStandardNamesOrByItsOwnArray) {
 
   builder.encoding =
       "/Encoding 256 array\n0 1 255 {1 index exch /.notdef put} for\n"
-      "dup 7 /Aacute put\ndup 9 /A put\ndup 10 /A put\nreadonly def\n";
+      "dup 7 /Aacute put\ndup 8 xacute put\ndup 9 /A put\ndup 10 /A put\nreadonly def\n";
   OpenFont own(builder.Build(), kFontType1);
-  check(own, {{7, 3}, {9, 1}, {10, 0}, {194, 0}});  // the first entry of a name counts
+  check(own, {{7, 3}, {8, 0}, {9, 1}, {10, 0}, {194, 0}});  // a name begins with "/", and its first entry counts
   EXPECT_EQ(own.font->T1->adobeCode[1], 9);
 }
 
@@ -103,7 +104,7 @@ TEST(Type1, MetricsFromTextAndFromLetters) {
   builder.glyphs[2].first = "g";
   EXPECT_EQ(metricsOf(builder), (std::vector<int32_t>{700, 600, 900, 510, 65536, 0, 1000, 4}));
   // An angle of -30 degrees is 30 * 1143 = 34290, of 102943 in 255 steps the 85th: half.
-  builder.head += "/em 2000 def /ascent 900 def /descent 300 def /ItalicAngle -30 def\n";
+  builder.head += "/em  2000 def /ascent 900 def /descent 300 def /ItalicAngle -30 def\n";
   builder.glyphs[0].second = Code("0 -250 hsbw endchar");  // the negative width isn't the widest
   const std::vector<int32_t> m = metricsOf(builder);
   EXPECT_EQ((std::vector{m[0], m[1], m[2], m[3], m[5], m[6]}), (std::vector{900, -300, 800, 510, -32768, 2000}));
@@ -154,6 +155,11 @@ TEST(Type1, Programs) {
        ""},
       {"division", "-7 2 div 9 0 div rlineto", "20,0 17,0 | 0,0 500,0", {}, ""},
       {"the full stack", crowd + "0 77 callsubr", "20,0 21,2 | 0,0 500,0", {"rlineto return"}, ""},
+      {"pop in the 32nd place, where a 0 lies",
+       crowd + "pop callsubr",
+       "20,0 21,2 | 0,0 500,0",
+       {"rlineto return"},
+       ""},
       {"endchar within a subroutine", "0 callsubr" + kBox, "| -20,0 480,0", {"endchar"}, ""},
       {"flex adds six points",
        "0 vmoveto 1 callsubr 50 0 rmoveto 2 callsubr -30 1 rmoveto 2 callsubr 20 2 rmoveto 2 callsubr 10 3 rmoveto "

@@ -37,6 +37,7 @@ TEST(SimpleGlyph, PointsAndWhatBreaksTheFormat) {
        "1,0 2,0 | 0,0 10,0"},
       {"moves to its side bearing", SimpleGlyph({{{30, 0}, {40, 50}, {60, 0, false}}}), 100, -7,
        "-7,0 3,50 23,0* | 0,0 100,0"},
+      {"a contour may be empty", Bytes().Words({2, 1, 0, 1, 0, 0, 0, 0}).Add({0x37, 1, 2}), 10, 1, "1,2 / | 0,0 10,0"},
       {"no contours", Bytes().Words({0, 0, 0, 0, 0}), 10, 0, "error 10030"},
       {"ends fall", Bytes().Words({2, 0, 0, 0, 0, 5, 3, 0}), 10, 0, "error 10030"},
       {"32,001 points", Bytes().Words({1, 0, 0, 0, 0, 32000, 0}), 10, 0, "error 10006"},
@@ -71,6 +72,11 @@ TEST(CompositeGlyph, KeepsItsEntriesRawHoweverMany) {
   EXPECT_EQ(glyph->contourCount, -1);
   ASSERT_EQ(glyph->componentSize, 2108);
   EXPECT_EQ(glyph->componentData[2107], 6);
+  builder.AddGlyph(CompositeGlyph(Bytes().Words({0x102, 0, 0x0101, 2}).Add({9, 8})), 10, 0);
+  OpenFont withHints(builder.Build());
+  const GlyphHolder hinted = withHints.Glyph(1, true);
+  ASSERT_EQ(hinted->hintLength, 2);
+  EXPECT_EQ(hinted->hintFragment[1], 8);
   EXPECT_EQ(PointsOf(glyph.get()), "| 0,0 10,0");
 }
 
@@ -168,6 +174,12 @@ TEST(Font, TheLastAdvanceRepeatsButNotTheBearing) {
   EXPECT_EQ(GetAdvance(f.font, 2), 500);
   EXPECT_EQ(f.font->hmtx->lsb[1], 50);
   EXPECT_EQ(f.font->hmtx->lsb[2], 10);
+}
+
+TEST(Font, TheMostPointsAreThoseOfSimpleOrCompositeGlyphs) {
+  SfntBuilder builder = TwoLetters();
+  builder.tables["maxp"] = Bytes().U32(0x10000).Words({3, 4, 1, 9, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0});
+  EXPECT_EQ(GetMaxPoints(OpenFont(builder.Build()).font), 9);
 }
 
 TEST(Font, ShortOffsetsCountInPairs) {

@@ -115,4 +115,14 @@ TEST_F(TargetTest, UnansweredEventsClimbToTheParent) {
   EXPECT_EQ(story, "top ");
 }
 
+TEST_F(TargetTest, ADestroyedDefaultIsAskedNoLonger) {
+  Target target(nullptr, note("default", 1));
+  defaultTargetSet(&target);
+  targetDestroyLists(&target);
+  EXPECT_EQ(defaultTarget(), &target);  // only its lists went
+  target.gone = true;
+  targetDestroyLists(&target);
+  EXPECT_EQ(defaultTarget(), nullptr);
+}
+
 }  // namespace

@@ -132,6 +132,23 @@ TEST(GifDecoder, EveryCodeSizePlainAndInterlaced) {
   }
 }
 
+TEST(GifDecoder, AGraphicControlIsForTheNextImageOnly) {
+  GifWriter gif(1, 1, 2);
+  gif.add({0x21, 0xF9, 4, 1, 0, 0, 3, 0});
+  for (int i = 0; i < 2; ++i) gif.image(1, 1, false, 2, {0});
+  size_t at = 0;
+  GifDecoder decoder([&](uint8_t* buffer, size_t size) {
+    size = std::min(size, gif.bytes.size() - at);
+    std::copy_n(gif.bytes.begin() + long(at), size, buffer);
+    at += size;
+    return size;
+  });
+  std::vector<int> transparent;
+  decoder.decode([](uint32_t, uint32_t, const std::array<uint32_t, 256>*) { return true; },
+                 [&](uint32_t, const uint8_t*, uint32_t) { transparent.push_back(decoder.image().transparent); });
+  EXPECT_EQ(transparent, (std::vector<int>{3, -1}));
+}
+
 TEST(GifDecoder, CodesThatDefineThemselvesAndWidthsThatGrow) {
   // By hand, minimum 2 bits: clear 4, end 5. Codes 1, 6 (being defined: 1 1), 7 (being defined: 1 1 1): three bits
   // until code 7 is defined, four from then on.

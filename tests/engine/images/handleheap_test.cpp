@@ -55,6 +55,15 @@ TEST_F(HandleHeapTest, TheTableGrowsBy32WhereThereIsRoom) {
   EXPECT_EQ(handles.size(), 46u);
 }
 
+TEST_F(HandleHeapTest, TheTableGrowsIntoTheLastByteForGood) {
+  std::vector<HeapHandle> handles = {allocate(240)};
+  while (handles.size() < 32) handles.push_back(allocate(4));  // 252 + 31 * 16 bytes: 128 are left
+  EXPECT_EQ(allocate(4), 0u);
+  for (const HeapHandle handle : handles) heap.heapFree(handle);
+  EXPECT_EQ(allocate(876 - 128 - 12 + 1), 0u);
+  EXPECT_NE(allocate(876 - 128 - 12), 0u);
+}
+
 TEST(HandleHeap, RefusesMemoryThatIsTooSmall) {
   uint32_t memory[64];
   HandleHeap heap;

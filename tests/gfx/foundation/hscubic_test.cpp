@@ -82,6 +82,16 @@ TEST(Cubic, ChoppingInTheMiddle) {
   for (hsFixed t : {0, kFixed1, -1}) EXPECT_EQ(AssertOf([&] { hsCubic::ChopCubicAt(c, dst, t); }), "bad t");
 }
 
+TEST(Cubic, ARatioLiesBetween0And1) {
+  hsFixed t = 7;
+  EXPECT_EQ(hsCubic::FindValidRatio(1, kFixed1, &t), 1);
+  EXPECT_EQ(t, 1);
+  EXPECT_EQ(hsCubic::FindValidRatio(-3, -4, &t), 1);
+  EXPECT_EQ(t, F(0.75));
+  for (int32_t numer : {0, 4, 5, -1}) EXPECT_EQ(hsCubic::FindValidRatio(numer, 4, &t), 0) << numer;
+  EXPECT_EQ(hsCubic::FindValidRatio(1, 4 * kFixed1, &t), 0);  // as good as 0
+}
+
 TEST(Cubic, AMonotonicCubicIsNotSolved) {
   const hsPoint c[] = {{0, 0}, {0, 0}, {0, F(1)}, {0, F(1)}};
   hsPoint dst[8];

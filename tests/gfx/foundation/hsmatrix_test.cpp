@@ -61,9 +61,12 @@ TEST(Matrix, PerspectiveDividesAndLeavesPointsAtInfinityAlone) {
   EXPECT_NEAR(dst[0].fX, F(50), 8);
   EXPECT_NEAR(dst[0].fY, F(25), 8);
   m.fMap[2][0] = kFract1 / 128;  // now exactly 0 at -128
-  src[1].fX = F(-128);
+  src[0].fX = F(-128);
+  src[1].fX = F(128);
+  dst[0] = {3, 4};
   m.MapPoints(2, src, dst);
-  EXPECT_EQ(dst[1], (hsPoint{3, 4}));
+  EXPECT_EQ(dst[0], (hsPoint{3, 4}));
+  EXPECT_EQ(dst[1], (hsPoint{F(64), F(25)}));
 }
 
 TEST(Matrix, ConcatAppliesTheRightOneFirstAlsoWhenAliased) {
@@ -138,6 +141,9 @@ TEST(Matrix, MovesAboutAPoint) {
   m.SetScale(-kFixed1, kFixed1, 0, 0);
   m.MapRect(&r, &mapped);
   EXPECT_EQ(mapped, (hsRect{F(-12), F(20), F(-9), F(22)}));
+  m.SetScale(kFixed1, -kFixed1, 0, 0);
+  m.MapRect(&r, &mapped);
+  EXPECT_EQ(mapped, (hsRect{F(9), F(-22), F(12), F(-20)}));
 }
 
 TEST(Matrix, PolygonsGoWhereTheyAreSent) {
@@ -172,6 +178,7 @@ TEST(Trig, IsExactAtTheQuarters) {
   EXPECT_EQ(hsFixedASin(F(2)), kHalfPi);
   EXPECT_EQ(hsFixedASin(-0x7FFFFFFF - 1), -kHalfPi);
   EXPECT_EQ(hsFixedACos(0), kHalfPi);
+  EXPECT_NEAR(hsFixedASin(F(0.5)), 65536 * std::asin(128 / 255.0), 2);  // 127.5 steps of 255 round up
   for (hsFixed a = -3 * kTwoPi; a < 3 * kTwoPi; a += 77) {
     ASSERT_EQ(hsFixedSin(-a), -hsFixedSin(a)) << a;
     ASSERT_NEAR(hsFixedSin(a), 65536 * std::sin(a / 65536.0), 250) << a;  // half a step, 1/2040 of a circle

@@ -76,6 +76,9 @@ TEST(Attribute, RefusesValuesAndKeepsTheOldOnes) {
   attr.SetTextFace(&face);
   face.fScaleX = 0;
   attr.SetTextFace(&face);
+  face.fScaleX = 2 * kFixed1;
+  face.fUnderlineThickness = -1;
+  attr.SetTextFace(&face);
   ASSERT_TRUE(attr.GetTextFace(&out));
   EXPECT_EQ(out.fScaleX, kFixed1);
   face = {};

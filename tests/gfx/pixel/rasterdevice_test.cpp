@@ -59,6 +59,13 @@ TEST(RasterDevice, RowsOfWholeWordsAndSizesThatFit) {
   EXPECT_EQ(ReportOf([&] { device.SetSize(65536, 65536, hsGBitmap::kConfig_RGB16, nullptr); }), "bad param: 0");
   EXPECT_EQ(ReportOf([&] { device.SetBitmap(&narrow); }), "bad param: 0");
   EXPECT_EQ(rowBytes(), 12u) << "what is refused changes nothing";
+
+  Random random(8);
+  Surface own(hsGBitmap::kConfig_RGB16, 4, 4, random);
+  device.SetBitmap(&own.bitmap);  // lets go of its pixels, and these stay their owner's
+  device.SetBitmap(nullptr);
+  device.GetBitmap(&bitmap);
+  EXPECT_EQ(bitmap.fImage, own.bitmap.fImage);
 }
 
 TEST(RasterDevice, WithoutPixelsItTellsItsBounderAndDrawsNothing) {
@@ -205,7 +212,7 @@ TEST(RasterDevice, ACursorStaysOnTopWhateverIsDrawnBelow) {
   Surface surface(hsGBitmap::kConfig_RGB16, 20, 12, random), bare(surface);
   Surface image(hsGBitmap::kConfig_RGB16, 5, 4, random);
   const auto cursor = hsMake<hsGCursor>();
-  cursor->SetImage(image.bitmap, 1, 1);
+  cursor->SetImage(image.bitmap, 1, 2);
   const Surface deep(hsGBitmap::kConfig_RGB24, 2, 2, random);
   EXPECT_EQ(ReportOf([&] { cursor->SetImage(deep.bitmap, 0, 0); }), "bad param: 0");
   cursor->Show();
@@ -229,8 +236,15 @@ TEST(RasterDevice, ACursorStaysOnTopWhateverIsDrawnBelow) {
         ASSERT_EQ(surface.Get(x, y), at.Contains(x, y) ? image.Get(x - at.fLeft, y - at.fTop) : bare.Get(x, y))
             << i << " " << x << "," << y;
   }
+  cursor->SetPosition(surface.bitmap, 10, 6);
+  EXPECT_EQ(cursor->Bounds(), (hsIntRect{9, 4, 14, 8}));
   cursor->Hide();
   cursor->RestoreBackground(surface.bitmap);
+  EXPECT_EQ(surface, bare);
+  hsGAttribute attr;
+  device.DrawFull(&attr);
+  model.DrawFull(&attr);
+  cursor->RestoreBackground(surface.bitmap);  // there is none any more
   EXPECT_EQ(surface, bare);
 }
 

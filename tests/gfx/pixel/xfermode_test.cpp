@@ -163,6 +163,10 @@ TEST(XferMode, AlphaModesKnowOnlyCoverageAndTheirWords) {
   EXPECT_EQ(pixel, 1234);
   mode->UnRef();
 
+  hsMeta shortest;
+  shortest.AddString("mode", "src");
+  EXPECT_NE(hsAdopt(hsGAlphaCompositeMode::Create(shortest)).get(), nullptr);
+
   hsMeta unknown;
   unknown.AddString("mode", "srcin");
   EXPECT_EQ(hsGAlphaCompositeMode::Create(unknown), nullptr);

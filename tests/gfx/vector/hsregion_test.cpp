@@ -85,6 +85,13 @@ TEST(Region, ResultsThatAreRectanglesBecomeOnes) {
   EXPECT_EQ(region.Bounds(), (hsIntRect{0, 0, 0, 0}));
 }
 
+// As runs they may be given apart.
+TEST(Region, BandsAlikeAreJoined) {
+  hsRegion region;
+  region.Union(RegionOf({0, 5, 0, 10, S, 10, 0, 10, S, 15, 0, 10, S, S}), hsIntRect{0, 20, 10, 30});
+  EXPECT_EQ(RectsOf(region), (Rects{{0, 0, 10, 15}, {0, 20, 10, 30}}));
+}
+
 // 100 spans on each of 200 thin bands come of two operands that have only some hundreds of elements.
 TEST(Region, AResultCanBeMuchLargerThanItsOperands) {
   std::vector<int16_t> fence{0, 400}, shelves{0};
@@ -235,6 +242,7 @@ TEST(Region, MalformedRunsAreRefused) {
       {0, 10, 5, 8, 9, S, S},          // half a span
       {0, 10, 5, 8, 8, 9, S, S},       // spans that touch
       {0, 10, 8, 5, 12, 13, S, S},     // right before left
+      {0, 10, 5, 8, 9, 9, S, S},       // a span without pixels
       {10, 10, 5, 8, S, 12, S, S},     // a band without rows
       {0, 10, 5, 8, S, 12, 1, 2, S},   // no end
       {0, 10, S, 12, S, 14, S, S},     // no pixels

@@ -3,6 +3,7 @@
 
 #include "gfx/halt.h"
 #include "gfx/nomemory.h"
+#include "gfx/vector/hsedge.h"
 #include "gfx/vector/hsregion.h"
 #include "gfx/vector/hsscan.h"
 #include "gfx/vector/pathtext.h"
@@ -42,6 +43,18 @@ TEST(FillPath, FillTypesDifferWhereContoursOverlap) {
 // Where a right edge and a left one share their X, the starting edge comes first and the span goes through.
 TEST(FillPath, AStartingEdgeGoesBeforeOneAtTheSameX) {
   EXPECT_EQ(SpansOf("M 0 0 L 4 0 L 4 3 L 0 3 Z M 4 1 L 8 1 L 8 4 L 4 4 Z"), "0,0,4 1,0,8 2,0,8 3,4,4");
+}
+
+// A quadratic's second difference in quarters of a pixel a step, rounded: below 64 it is cut into 16 lines.
+TEST(FillPath, CurvesAreCutByHowFarTheyBend) {
+  hsEdge edge;
+  const auto linesOf = [&](int32_t bend) {
+    const hsPoint points[] = {{0, 0}, {0, hsIntToFixed(128)}, {hsIntToFixed(bend), hsIntToFixed(256)}};
+    edge.SetQuad(points);
+    return edge.fCurveCount;
+  };
+  EXPECT_EQ(linesOf(64 * 4 - 3), 16);
+  EXPECT_EQ(linesOf(64 * 4), 32);
 }
 
 TEST(FillPath, NothingWithoutAPathOrWithinAnEmptyClip) {

@@ -39,6 +39,7 @@ TEST(StrokePath, Joins) {
   EXPECT_EQ(StrokeOf("M 0 0 L 4 0 L 8 0", 0), "M 0 1 L 0 -1 L 4 -1 L 8 -1 L 8 1 L 4 1 L 0 1 Z") << "none on a straight";
   // To the right and down: the outer side is above, and its corner takes the place of the line's end.
   EXPECT_EQ(StrokeOf("M 0 0 L 4 0 L 4 4", 0), "M 0 1 L 0 -1 L 5 -1 L 5 4 L 3 4 L 3 0 L 4 1 L 0 1 Z");
+  EXPECT_EQ(StrokeOf("M 0 0 L 4 0 L 4 -4", 0), "M 0 1 L 0 -1 L 4 -1 L 3 0 L 3 -4 L 5 -4 L 5 1 L 0 1 Z") << "up: below";
   EXPECT_EQ(StrokeOf("M 0 0 L 4 0 L 4 4", HSScan::kBevelJoin),
             "M 0 1 L 0 -1 L 4 -1 L 5 0 L 5 4 L 3 4 L 3 0 L 4 1 L 0 1 Z");
   EXPECT_EQ(StrokeOf("M 0 0 L 4 0 L 4 4", 0, 1), StrokeOf("M 0 0 L 4 0 L 4 4", HSScan::kBevelJoin))

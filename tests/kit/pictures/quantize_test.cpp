@@ -88,6 +88,22 @@ TEST(NearestColor, AgreesWithAWalkOverAllColours) {
   }
 }
 
+TEST(Dither, SharesWhatAPixelMissesBySixteenths) {
+  const std::vector<uint32_t> palette = {0x40808000, 0x80808000};  // 96 is halfway and goes to the first, 97 doesn't
+  const NearestColor nearest(palette);
+  const std::tuple<size_t, int> shares[] = {{2, 7}, {3, 3}, {4, 5}, {5, 1}};  // to the right, and in the row below
+  for (const auto& [place, share] : shares) {
+    for (const auto& [luma, gain] : {std::pair(80, 16), std::pair(112, -16)}) {
+      for (int over = 0; over < 2; ++over) {
+        std::vector<uint32_t> pixels(6, kTransparentPixel);
+        pixels[1] = uint32_t(luma) << 24 | 0x808000;
+        pixels[place] = uint32_t(96 + over - share * gain / 16) << 24 | 0x808000;
+        EXPECT_EQ(mapToPalette(pixels, 3, nearest, true)[place], uint32_t(over)) << place << ' ' << gain;
+      }
+    }
+  }
+}
+
 TEST(Dither, KeepsTheMeanOfAnAreaAndLeavesHolesAlone) {
   // A flat colour, three quarters of the way from one entry to the other.
   const std::vector<uint32_t> palette = {0x40808000, 0x80808000};

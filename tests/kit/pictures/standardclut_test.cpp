@@ -5,8 +5,15 @@
 #include <set>
 
 #include "host/color.h"
+#include "kit/pictures/clutfile.h"
 
 namespace {
+
+TEST(ClutFile, HoldsWholeColoursUpTo240) {
+  EXPECT_EQ(parseClut(std::vector<uint8_t>(1 + 4 * 2 + 3, 9)).size(), 2u);
+  EXPECT_EQ(parseClut(std::vector<uint8_t>(1 + 4 * 240, 9)).size(), 240u);
+  EXPECT_EQ(parseClut(std::vector<uint8_t>(1 + 4 * 241, 9)).size(), 240u);
+}
 
 TEST(StandardClut, HasTheFixedThreeACubeAndGreys) {
   const auto colors = standardClut();

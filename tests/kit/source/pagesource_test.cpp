@@ -48,11 +48,13 @@ TEST_F(SourceTest, AttributesTakeTheTagThatTheirReaderWants) {
 
 TEST_F(SourceTest, WhatNothingReadsIsTaggedByItsLooksAndATagOverridesAll) {
   const PageTree page = read(
-      "page: {a: 7, b: true, c: '7', d: words, e: {x: 3}, f: [1, {y: 2}], name: !int -2, timeout: !string 9,\n"
+      "page: {a: 7, b: true, c: '7', d: words, e: {x: 3, z: 1}, f: [1, {y: 2}], name: !int -2, timeout: !string 9,\n"
       "       bgColor: !bool true, g: !color 5, h: !object , i: !table }\n");
   std::string tags;
   for (const PageEntry& entry : page.root.attributes) tags += std::to_string(int(entry.value.tag));
   EXPECT_EQ(tags, "124467142367");
+  EXPECT_NE(warnings.find("nothing reads 'e'"), std::string::npos);
+  EXPECT_EQ(warnings.find("'z'"), std::string::npos);  // said of the whole object already
   EXPECT_EQ(attribute(page, 4).object.at(0).x, 3);
   EXPECT_EQ(attribute(page, 5).table.at(0).bytes, "1");
   EXPECT_EQ(attribute(page, 5).table.at(1).object.at(0).y, 2);

@@ -101,6 +101,14 @@ TEST_F(RoundTripTest, RandomPagesComeBackByteForByte) {
   for (int i = 0; i < 400; ++i) expectRoundTrip(pages.page());
 }
 
+TEST_F(RoundTripTest, APageIsNoLongerThanItMustBe) {
+  EXPECT_EQ(writePage(PageTree()).size(), 16u + 12);  // its head and an empty record, on whole words already
+  build("p.kpg", "page: {bgColor: 256, frameColor: 255}");
+  const std::string source = dumpPage("p.kpg", readFile("p.kpg"));
+  EXPECT_NE(source.find("bgColor: 0x00000100\n"), std::string::npos) << source;
+  EXPECT_NE(source.find("frameColor: 255\n"), std::string::npos) << source;
+}
+
 TEST_F(RoundTripTest, AnyPageCanBeRead) {
   // A root whose only attribute leads to itself, and whose table runs out of the file.
   std::vector<uint8_t> bytes =
