@@ -41,7 +41,7 @@ class StoreBlitter : public hsGBlitter {
       i = end;
     }
   }
-  // Behind the bytes that equal the one at i.
+  // After the bytes that equal the one at i.
   int32_t RunEnd(int32_t i, int32_t width) const {
     const uint8_t same = fAlpha[i];
     const uint64_t eight = same * uint64_t{0x0101010101010101};

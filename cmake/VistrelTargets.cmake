@@ -1,6 +1,7 @@
 # How the project makes its targets. Every folder lists its own files; this says what the lists become.
 
-# vistrel_library(NAME source...): a static library of the sources given; other folders add theirs with target_sources. Include root is src/.
+# vistrel_library(NAME source...): a static library of the sources given; other folders add theirs with target_sources.
+# Include root is src/.
 function(vistrel_library name)
   add_library(${name} STATIC ${ARGN})
   target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)

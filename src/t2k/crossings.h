@@ -19,7 +19,7 @@ struct LineSpans {
   int count;
 };
 
-// What Settle hands lines to when nobody wants them yet.
+// For Settle, when lines are not to be painted yet.
 struct NoPainter {
   template <bool kVertical>
   void Enter(const LineSpans&) {}

@@ -52,8 +52,8 @@ inline constexpr int kMaxCurveDepth = 16;  // 32 bits of error, two less at each
 
 // Sink gets the crossings in the order of the walk. AddRun(vertical, line, length, kind, next) are length of them on
 // neighbouring lines from line up, next() giving one place after the other; AddIf(vertical, number, along, kind, is) is
-// the one with line number * 64 + 32, or none where is is 0: then the rest says nothing, but number is that of a line
-// of the outline or of the next one.
+// the one with line number * 64 + 32 if `is` is 1, and none if it is 0; then only number means something: it is that of
+// a line of the outline or of the next one.
 template <class Sink>
 class OutlineWalker {
  public:

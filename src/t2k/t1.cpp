@@ -23,12 +23,12 @@ using CodeOfName = std::unordered_map<std::string_view, uint16_t>;
 
 const uint8_t* DataEnd(const T1Class* t) { return t->dataInPtr + t->dataLen; }
 
-T1Text FindFromStart(const T1Class* t, const char* key) { return FindBehind(t->dataInPtr, DataEnd(t), key); }
+T1Text FindFromStart(const T1Class* t, const char* key) { return FindAfter(t->dataInPtr, DataEnd(t), key); }
 T1Text FindInPrivate(const T1Class* t, const char* key) {
-  return FindBehind(t->dataInPtr + t->eexecGO, DataEnd(t), key);
+  return FindAfter(t->dataInPtr + t->eexecGO, DataEnd(t), key);
 }
 
-int32_t WholeBehind(const T1Class* t, const char* key, int32_t fallback) {
+int32_t WholeAfter(const T1Class* t, const char* key, int32_t fallback) {
   T1Text text = FindFromStart(t, key);
   return text.at ? ReadWhole(text) : fallback;
 }
@@ -48,7 +48,7 @@ CodeOfName OwnEncoding(const T1Class* t) {
   CodeOfName codes;
   if (!t->encoding || t->encoding >= DataEnd(t) || !hsAsciiIsDigit(char(*t->encoding))) return codes;
   const uint8_t* end = t->dataInPtr + t->eexecGO;
-  for (T1Text text = FindBehind(t->encoding, end, "dup "); text.at; text = FindBehind(text.at, end, "dup ")) {
+  for (T1Text text = FindAfter(t->encoding, end, "dup "); text.at; text = FindAfter(text.at, end, "dup ")) {
     if (text.AtEnd() || !hsAsciiIsDigit(char(*text.at))) continue;
     const auto code = uint16_t(ReadWhole(text));
     while (!text.AtEnd() && IsBlank(*text.at)) ++text.at;
@@ -134,7 +134,7 @@ void IndexSubrs(T1Class* t) {
   t->subrsData = tsi_NewArray<T1Program>(t->mem, uint32_t(count));
   std::fill_n(t->subrsData, count, T1Program{nullptr, 0});
   for (int i = 0; i < count; ++i) {
-    text = FindBehind(text.at, text.end, "dup ");
+    text = FindAfter(text.at, text.end, "dup ");
     if (!text.at) return;  // fewer than declared
     const int32_t number = ReadWhole(text);
     const uint8_t* mark = FindSubrMark(text.at, text.end);
@@ -154,10 +154,10 @@ void ReadWeights(T1Class* t) {
 }
 
 void ReadTextMetrics(T1Class* t) {
-  t->upem = WholeBehind(t, "/em ", 1000);
+  t->upem = WholeAfter(t, "/em ", 1000);
   tsi_Assert(t->mem, t->upem >= 1 && t->upem <= 32767);
-  t->ascent = WholeBehind(t, "/ascent ", kNoAscent);
-  t->descent = hsWrapNeg(WholeBehind(t, "/descent ", -kNoDescent));
+  t->ascent = WholeAfter(t, "/ascent ", kNoAscent);
+  t->descent = hsWrapNeg(WholeAfter(t, "/descent ", -kNoDescent));
   if (T1Text text = FindFromStart(t, "/FontMatrix "); text.at) {
     hsFixed number = 0;
     // Only the third number counts: it shears x by y.

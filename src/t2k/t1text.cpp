@@ -27,7 +27,7 @@ uint32_t NumberEndingAt(const uint8_t* begin, const uint8_t* end) {
   return uint32_t(value);
 }
 
-T1Text FindBehind(const uint8_t* begin, const uint8_t* end, const char* key) {
+T1Text FindAfter(const uint8_t* begin, const uint8_t* end, const char* key) {
   const auto* keyBytes = reinterpret_cast<const uint8_t*>(key);
   const size_t length = std::strlen(key);
   const uint8_t* found = std::search(begin, end, keyBytes, keyBytes + length);

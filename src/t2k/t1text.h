@@ -27,7 +27,7 @@ inline bool IsProgramMark(const uint8_t* p) {
 uint32_t NumberEndingAt(const uint8_t* begin, const uint8_t* end);
 
 // The text after the first place in [begin, end) where key occurs; at is null if there is none.
-T1Text FindBehind(const uint8_t* begin, const uint8_t* end, const char* key);
+T1Text FindAfter(const uint8_t* begin, const uint8_t* end, const char* key);
 
 // Reads a whole number after blanks; 0 if there is none. Saturates.
 int32_t ReadWhole(T1Text& text);

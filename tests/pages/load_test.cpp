@@ -143,7 +143,7 @@ TEST_F(LoadTest, AWidgetThatGoesLeavesNoFocusBehind) {
   EXPECT_EQ(first + " " + second, "a nothing");
 }
 
-TEST_F(LoadTest, NestedFramesGoSilentlyAndHearEventsBehindTheOuterOne) {
+TEST_F(LoadTest, NestedFramesGoSilentlyAndHearEventsAfterTheOuterOne) {
   build("inner.kpg", page("type: group, children: [{name: x, timeout: 50}], start: x", "Inner"));
   ASSERT_TRUE(load(page("type: group, children: [{name: nest, type: frame, src: inner.kpg}]")));
   EXPECT_EQ(hearing(), "attach loadInner attach load ");  // the inner page loads while the outer one is built

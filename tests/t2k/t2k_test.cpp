@@ -106,7 +106,7 @@ TEST(Render, TheFractionOfThePenMovesPointsButNotPhantoms) {
   EXPECT_EQ(ScaledPoints(f.t), "18,-5 18,379 233,379 233,-5 | 0,0 256,0");
 }
 
-TEST(Render, CommandsSayWhatIsLeftBehind) {
+TEST(Render, CommandsSayWhatIsLeft) {
   OpenFont f(TwoLetters().Build());
   f.SetSize(12);
   ASSERT_TRUE(f.Render('A', 0, kT2KBitmap));

@@ -14,7 +14,7 @@ void destroyTarget(ScriptTarget* target) {
   bury(target);
 }
 
-ScriptTarget* scriptTargetBehind(BobInterp* interp, BobValue wrapper) {
+ScriptTarget* scriptTargetOf(BobInterp* interp, BobValue wrapper) {
   return dynamic_cast<ScriptTarget*>(static_cast<EventTarget*>(bobNativePointer(interp, wrapper)));
 }
 
@@ -72,7 +72,7 @@ constexpr BobMethodRow kMethods[] = {
 }  // namespace
 
 void scriptReleaseTarget(BobInterp* interp, BobValue wrapper) {
-  ScriptTarget* target = scriptTargetBehind(interp, wrapper);
+  ScriptTarget* target = scriptTargetOf(interp, wrapper);
   if (!target) return;
   if (target != defaultTarget() && !(target->targetFlags & kTargetActive)) return destroyTarget(target);
   target->hasWrapper = false;

@@ -14,12 +14,12 @@ constexpr size_t kCountOffset = 20, kEntriesOffset = 32, kEntrySize = 12;
 constexpr size_t kLengthField = 4, kOffsetField = 8;  // in an entry
 constexpr size_t kMaxLength = 80;
 
-StringTableFile* tableBehind(BobInterp* interp, BobValue wrapper) {
+StringTableFile* tableOf(BobInterp* interp, BobValue wrapper) {
   return static_cast<StringTableFile*>(bobNativePointer(interp, wrapper));
 }
 
 bool closeTable(BobInterp* interp, BobValue wrapper) {
-  StringTableFile* table = tableBehind(interp, wrapper);
+  StringTableFile* table = tableOf(interp, wrapper);
   if (!table) return false;
   bobReleaseHandle(interp, bobHandleOf(interp, wrapper));
   std::erase_if(currentScripts().tables, [table](const auto& open) { return open.get() == table; });

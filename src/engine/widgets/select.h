@@ -27,5 +27,5 @@ struct SelectWidget : Widget {
   uint32_t current = 0;               // place of the chosen one; 0 too when there is none
 };
 
-// Null on failure, which a missing style is when all choices show.
+// Null on failure; where all choices show, a missing style is one.
 Widget* selectCreate(WidgetOwner* owner, Widget* parent, PageObject record);

@@ -75,7 +75,7 @@ class hsGStrike {
     std::unique_ptr<Page> pages[256];
   };
 
-  int32_t fRefCnt = 1;
+  int32_t fRefCnt = 1;  // a count of its own: at 1 the strike is in the cache, not gone
   hsGStrike* fNext = nullptr;
   hsGStrike* fPrev = nullptr;
   bool fPurgeOnRelease = false;

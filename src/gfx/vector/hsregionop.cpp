@@ -175,7 +175,7 @@ class hsRegionOperator {
     fOut = fRuns.get() + 1;  // the first element is the top's
   }
 
-  // Room for a band of so many span elements, its bottom and sentinel, a gap before it and the final sentinel.
+  // Space for a band of that many span elements, its bottom and sentinel, a gap before it and the final sentinel.
   void EnsureRoom(int32_t spans) {
     const int32_t used = int32_t(fOut - fRuns.get()), needed = used + spans + 5;
     if (needed <= fCapacity) return;

@@ -31,7 +31,7 @@ TEST_F(GlyphCacheTest, OneStrikeTooManyEmptiesTheListButForThoseHeld) {
   EXPECT_FALSE(hsGGlyphCache::Instance()->Purge());
 }
 
-TEST_F(GlyphCacheTest, AnImageIsRenderedOnceAndAgainBehindAPurge) {
+TEST_F(GlyphCacheTest, AnImageIsRenderedOnceAndAgainAfterAPurge) {
   Draw("aaa", 5_px, 20_px);
   const uint32_t bytes = hsGGlyphCache::ImageBytes();
   EXPECT_EQ(bytes, 8u);  // rows of one byte; the edge at 7 pixels touches an eighth row
