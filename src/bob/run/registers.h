@@ -12,7 +12,13 @@
 #include "bob/run/quickops.h"
 
 // Everything that an instruction does is inlined into the machine's loop: a call would force the copies into memory.
+// Without optimisation every local of an inlined instruction would get its own place in the loop's frame, and nested
+// runs would use up the native stack.
+#ifdef __OPTIMIZE__
 #define BOB_STEP [[gnu::always_inline]] inline
+#else
+#define BOB_STEP inline
+#endif
 
 // Names an instruction by a type: what instruction kQPush does is step(registers, BobOp<kQPush>{}).
 template <BobQuickOp>
