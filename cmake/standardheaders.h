@@ -1,5 +1,5 @@
-// What most files include of the standard library, for the compiler to read once. Files still include what they use: the
-// release preset builds without this.
+// What most files include of the standard library, for the compiler to read once. Files still include what they use:
+// the release preset builds without this.
 #pragma once
 
 #include <algorithm>

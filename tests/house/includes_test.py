@@ -52,12 +52,12 @@ def floor_of(path):
 
 
 def reachable(floor):
-    seen, todo = set(), [floor]
-    while todo:
-        f = todo.pop()
+    seen, waiting = set(), [floor]
+    while waiting:
+        f = waiting.pop()
         if f not in seen:
             seen.add(f)
-            todo += FLOORS[f]
+            waiting += FLOORS[f]
     return seen
 
 
