@@ -104,6 +104,7 @@ struct BobCompiler {
   Place binary(int level);
   Place prefix();
   Place stepBefore(BobOpcode step);
+  void stepInPlace(const Place& place, BobOpcode step);
   Place postfix();
   void stepAfter(Place& place, BobOpcode step, BobOpcode back);
   int arguments();

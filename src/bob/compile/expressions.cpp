@@ -170,14 +170,18 @@ BobCompiler::Place BobCompiler::prefix() {
 }
 
 BobCompiler::Place BobCompiler::stepBefore(BobOpcode step) {
-  const Place place = prefix();
+  stepInPlace(prefix(), step);
+  return {};
+}
+
+// Stores the stepped value, which val holds then.
+void BobCompiler::stepInPlace(const Place& place, BobOpcode step) {
   needPlace(place);
   duplicate(place);
   Place old = place;
   load(old);
   emit.op(step);
   store(place);
-  return {};
 }
 
 BobCompiler::Place BobCompiler::postfix() {
@@ -219,12 +223,7 @@ BobCompiler::Place BobCompiler::postfix() {
 
 // The new value is stored and val stepped back, so that the expression yields the old one.
 void BobCompiler::stepAfter(Place& place, BobOpcode step, BobOpcode back) {
-  needPlace(place);
-  duplicate(place);
-  Place old = place;
-  load(old);
-  emit.op(step);
-  store(place);
+  stepInPlace(place, step);
   emit.op(back);
   place = {};
 }
