@@ -1,8 +1,5 @@
 #include "kit/source/pagesource.h"
 
-#include <yaml-cpp/depthguard.h>
-#include <yaml-cpp/yaml.h>
-
 #include <cctype>
 #include <charconv>
 #include <filesystem>
@@ -18,12 +15,11 @@
 #include "kit/source/base64.h"
 #include "kit/source/schema.h"
 #include "kit/source/scripts.h"
+#include "kit/yaml/readyaml.h"
 
 namespace {
 
-// Anchors can lead to themselves and multiply; both bounds lie far beyond what a page may hold.
-constexpr int kMaxSourceDepth = 1000;
-constexpr int kMaxObjects = 500'000;
+constexpr int kMaxObjects = 500'000;  // far beyond what a page may hold
 
 std::optional<int64_t> parseInteger(std::string_view text) {
   const bool negative = text.starts_with('-');
@@ -42,132 +38,118 @@ std::optional<bool> parseBoolean(std::string_view text) {
   return std::nullopt;
 }
 
-constexpr std::string_view kYamlTags = "tag:yaml.org,2002:";  // written !!
-
-bool isText(const YAML::Node& node) {
-  return node.IsScalar() && (node.Tag() == "!" /* quoted */ || node.Tag() == std::string(kYamlTags) + "str");
+bool isText(const YamlNode& node) {
+  return node.isScalar() && (node.style != YamlNode::Style::plain || node.tag == "!!str");
 }
 
-bool isPlain(const YAML::Node& node) {
-  const std::string& tag = node.Tag();
-  return tag.empty() || tag == "?" || tag == "!" || tag.starts_with(kYamlTags);
-}
+bool isPlain(const YamlNode& node) { return node.tag.empty() || node.tag.starts_with("!!"); }
 
 class SourceReader {
  public:
   SourceReader(std::string f, const KitWarn& w) : file(std::move(f)), warn(w) {}
 
   PageTree read() {
-    YAML::Node top;
-    const std::vector<uint8_t> bytes = readFile(file);
-    text.assign(bytes.begin(), bytes.end());
-    try {
-      top = YAML::Load(text);
-    } catch (const YAML::DeepRecursion& e) {
-      throw KitError(file, e.mark.line + 1, "nested too deep");
-    } catch (const YAML::Exception& e) {
-      throw KitError(file, e.mark.line + 1, e.msg);
-    }
+    const YamlNode top = readYaml(file);
     expectMap(top, "a page source");
     PageTree page;
     bool hasPage = false;
-    eachPair(top, [&](const std::string& key, const YAML::Node& value, const YAML::Node& keyNode) {
+    eachPair(top, [&](const std::string& key, const YamlNode& value, const YamlPlace& keyPlace) {
       if (key == "flags") {
         page.flags = flags(value);
         indexed = page.flags & kPageIs8Bit;
       } else if (key == "page") {
         hasPage = true;
       } else {
-        fail(keyNode, "unknown key '" + key + "'; a page source has 'flags' and 'page'");
+        fail(keyPlace, "unknown key '" + key + "'; a page source has 'flags' and 'page'");
       }
     });
     if (!hasPage) fail(top, "there is no 'page'");
-    expectNoTag(top["page"]);
-    page.root = node(top["page"], ObjectKind::root);
+    expectNoTag(*top.find("page"));
+    page.root = node(*top.find("page"), ObjectKind::root);
     page.scriptFiles = std::move(scriptFiles);
     return page;
   }
 
  private:
-  [[noreturn]] void fail(const YAML::Node& node, const std::string& message) const {
-    throw KitError(file, node.Mark().line + 1, message);
+  [[noreturn]] void fail(const YamlNode& node, const std::string& message) const {
+    throw KitError(*node.place.file, node.place.line, message);
   }
 
-  void expectMap(const YAML::Node& node, const std::string& what) const {
-    if (!node.IsMap()) fail(node, what + " must be a map");
+  void expectMap(const YamlNode& node, const std::string& what) const {
+    if (!node.isMap()) fail(node, what + " must be a map");
   }
 
   // Where the form is settled there is no choice for a tag.
-  void expectNoTag(const YAML::Node& node) const {
-    if (!isPlain(node)) fail(node, "no tag can be used here: " + node.Tag());
+  void expectNoTag(const YamlNode& node) const {
+    if (!isPlain(node)) fail(node, "no tag can be used here: " + node.tag);
+  }
+
+  [[noreturn]] void fail(const YamlPlace& place, const std::string& message) const {
+    throw KitError(*place.file, place.line, message);
   }
 
   // Calls back with each pair in source order; a repeated key is an error.
   template <class F>
-  void eachPair(const YAML::Node& map, F&& f) const {
+  void eachPair(const YamlNode& map, F&& f) const {
     std::set<std::string> seen;
-    for (const auto& pair : map) {
-      if (!pair.first.IsScalar()) fail(pair.first, "a key must be a name");
-      const std::string& key = pair.first.Scalar();
-      if (!seen.insert(key).second) fail(pair.first, "'" + key + "' is given twice");
-      f(key, pair.second, pair.first);
+    for (const YamlPair& pair : map.map) {
+      if (!seen.insert(pair.key).second) fail(pair.place, "'" + pair.key + "' is given twice");
+      f(pair.key, pair.value, pair.place);
     }
   }
 
-  uint32_t flags(const YAML::Node& value) const {
+  uint32_t flags(const YamlNode& value) const {
     expectNoTag(value);
-    if (value.IsScalar()) {
-      if (value.Scalar() == "8bit") return kPageIs8Bit;
-      if (value.Scalar() == "16bit") return 0;
-      if (const auto number = parseInteger(value.Scalar())) return uint32_t(*number);
+    if (value.isScalar()) {
+      if (value.text == "8bit") return kPageIs8Bit;
+      if (value.text == "16bit") return 0;
+      if (const auto number = parseInteger(value.text)) return uint32_t(*number);
     }
     fail(value, "'flags' is 8bit or 16bit");
   }
 
-  const std::string& scalar(const YAML::Node& value, const char* what) const {
-    if (!value.IsScalar()) fail(value, std::string("expecting ") + what);
-    return value.Scalar();
+  const std::string& scalar(const YamlNode& value, const char* what) const {
+    if (!value.isScalar()) fail(value, std::string("expecting ") + what);
+    return value.text;
   }
 
-  uint16_t position(const YAML::Node& value) const {
+  uint16_t position(const YamlNode& value) const {
     expectNoTag(value);
     const auto number = parseInteger(scalar(value, "a number of pixels"));
     if (!number || *number < 0 || *number > 65535) fail(value, "a position or size goes from 0 to 65535");
     return uint16_t(*number);
   }
 
-  PageNode node(const YAML::Node& source, ObjectKind kind) {
+  PageNode node(const YamlNode& source, ObjectKind kind) {
     expectMap(source, "an object");
-    const Nesting nesting(*this, source);
     if (++objectCount > kMaxObjects) fail(source, "there are too many objects");
     const std::string type = typeOf(source);
     PageNode result;
-    eachPair(source, [&](const std::string& key, const YAML::Node& value, const YAML::Node& keyNode) {
+    eachPair(source, [&](const std::string& key, const YamlNode& value, const YamlPlace& keyPlace) {
       if (key == "x") return void(result.x = position(value));
       if (key == "y") return void(result.y = position(value));
       if (key == "width") return void(result.width = position(value));
       if (key == "height") return void(result.height = position(value));
-      if (key.find('\0') != std::string::npos) fail(keyNode, "a name can't hold a zero byte");
+      if (key.find('\0') != std::string::npos) fail(keyPlace, "a name can't hold a zero byte");
       const AttributeForm form = attributeForm(kind, type, key);
-      if (!form && kind != ObjectKind::other) warnAt(keyNode, "nothing reads '" + key + "'");
+      if (!form && kind != ObjectKind::other) warnAt(keyPlace, "nothing reads '" + key + "'");
       result.attributes.push_back({key, attribute(value, form)});
     });
     return result;
   }
 
-  std::string typeOf(const YAML::Node& source) const {
-    for (const auto& pair : source)
-      if (pair.first.IsScalar() && pair.first.Scalar() == "type" && pair.second.IsScalar()) return pair.second.Scalar();
-    return {};
+  static std::string typeOf(const YamlNode& source) {
+    const YamlNode* type = source.find("type");
+    return type && type->isScalar() ? type->text : "";
   }
 
-  void warnAt(const YAML::Node& node, const std::string& message) const {
-    if (warn) warn({file, node.Mark().line + 1, "warning: " + message});
+  void warnAt(const YamlPlace& place, const std::string& message) const {
+    if (warn) warn({*place.file, place.line, "warning: " + message});
   }
 
   // A YAML tag decides over the form that the reader wants.
-  PageValue attribute(const YAML::Node& value, AttributeForm form) {
-    const std::string& tag = value.Tag();
+  PageValue attribute(const YamlNode& value, AttributeForm form) {
+    const std::string& tag = value.tag;
     if (tag == "!int") return integer(value);
     if (tag == "!bool") return boolean(value);
     if (tag == "!color") return color(value);
@@ -200,23 +182,23 @@ class SourceReader {
     return result;
   }
 
-  PageValue integer(const YAML::Node& value) const {
+  PageValue integer(const YamlNode& value) const {
     const auto n = parseInteger(scalar(value, "a whole number"));
-    if (!n || *n < INT32_MIN) fail(value, "'" + value.Scalar() + "' is no whole number of 32 bits");
+    if (!n || *n < INT32_MIN) fail(value, "'" + value.text + "' is no whole number of 32 bits");
     return number(PageTag::integer, uint32_t(*n));
   }
 
-  PageValue boolean(const YAML::Node& value) const {
+  PageValue boolean(const YamlNode& value) const {
     const std::string& text = scalar(value, "true or false");
     const auto flag = parseBoolean(text);
     // Any word is a number to the engine, so the tag's own values come back as they were.
-    if (!flag && value.Tag() == "!bool")
+    if (!flag && value.tag == "!bool")
       if (const auto n = parseInteger(text)) return number(PageTag::boolean, uint32_t(*n));
     if (!flag) fail(value, "'" + text + "' is neither true nor false");
     return number(PageTag::boolean, *flag);
   }
 
-  PageValue color(const YAML::Node& value) const {
+  PageValue color(const YamlNode& value) const {
     const std::string& text = scalar(value, "a colour");
     const int depth = indexed ? 8 : 16;
     if (text == "black") return number(PageTag::color, standardColorFor(kColorBlack, depth));
@@ -228,43 +210,31 @@ class SourceReader {
     return number(PageTag::color, uint32_t(*n));
   }
 
-  PageValue rgb(const YAML::Node& value, const std::string& digits) const {
+  PageValue rgb(const YamlNode& value, const std::string& digits) const {
     if (indexed) fail(value, "\"#RRGGBB\" is for 16-bit pages; an 8-bit page takes an index of its colour table");
     const auto n = digits.size() == 6 ? parseInteger("0x" + digits) : std::nullopt;
     if (!n) fail(value, "'#" + digits + "' is no colour of the form #RRGGBB");
     return number(PageTag::color, rgbToYCrCb(uint32_t(*n) << 8));
   }
 
-  PageValue string(const YAML::Node& value) const {
+  PageValue string(const YamlNode& value) const {
     PageValue result;
     result.tag = PageTag::string;
-    result.bytes = value.IsNull() ? "" : scalar(value, "text");
+    result.bytes = value.isNull() ? "" : scalar(value, "text");
     if (result.bytes.find('\0') != std::string::npos) fail(value, "a text can't hold a zero byte");
     return result;
   }
 
-  PageValue script(const YAML::Node& value) {
+  PageValue script(const YamlNode& value) {
     PageValue result;
     result.tag = PageTag::script;
-    const std::string source = value.IsNull() ? "" : scalar(value, "a script");
+    const std::string source = value.isNull() ? "" : scalar(value, "a script");
     try {
       result.bytes = compiler().compile(source);
     } catch (const ScriptError& e) {
-      throw KitError(file, firstLine(value) + e.line - 1, e.what());
+      throw KitError(*value.place.file, value.textLine + e.line - 1, e.what());
     }
     return result;
-  }
-
-  // Where the scalar's own text begins: a block scalar's after the line of its indicator.
-  int firstLine(const YAML::Node& value) const {
-    const YAML::Mark mark = value.Mark();
-    const size_t at = std::min(size_t(mark.pos), text.size());
-    const std::string rest = text.substr(at, text.find('\n', at) - at);
-    size_t indicator = 0;
-    if (rest.starts_with('!'))
-      indicator = rest.find_first_not_of(" \t", std::min(rest.find_first_of(" \t"), rest.size()));
-    const bool isBlock = indicator < rest.size() && (rest[indicator] == '|' || rest[indicator] == '>');
-    return mark.line + (isBlock ? 2 : 1);
   }
 
   // Made when there is something to compile.
@@ -273,8 +243,8 @@ class SourceReader {
     return *scripts;
   }
 
-  PageValue scriptData(const YAML::Node& value) const {
-    const auto bytes = base64Decode(value.IsNull() ? "" : scalar(value, "base64"));
+  PageValue scriptData(const YamlNode& value) const {
+    const auto bytes = base64Decode(value.isNull() ? "" : scalar(value, "base64"));
     if (!bytes) fail(value, "this is no base64");
     PageValue result;
     result.tag = PageTag::script;
@@ -282,25 +252,25 @@ class SourceReader {
     return result;
   }
 
-  PageValue object(const YAML::Node& value) {
+  PageValue object(const YamlNode& value) {
     PageValue result;
     result.tag = PageTag::object;
-    if (!value.IsNull() && !(value.IsScalar() && value.Scalar().empty()))
+    if (!value.isNull() && !(value.isScalar() && value.text.empty()))
       result.object.push_back(node(value, ObjectKind::other));
     return result;
   }
 
-  PageValue objects(const YAML::Node& value, AttributeForm form) {
-    if (!value.IsSequence()) fail(value, "expecting a list of objects");
-    for (const YAML::Node& item : value) expectMap(item, "an entry of this list");
+  PageValue objects(const YamlNode& value, AttributeForm form) {
+    if (!value.isList()) fail(value, "expecting a list of objects");
+    for (const YamlNode& item : value.list) expectMap(item, "an entry of this list");
     return table(value, tableObjectKind(form));
   }
 
-  PageValue files(const YAML::Node& value) {
-    if (!value.IsSequence()) fail(value, "expecting a list of file names");
+  PageValue files(const YamlNode& value) {
+    if (!value.isList()) fail(value, "expecting a list of file names");
     PageValue result;
     result.tag = PageTag::table;
-    for (const YAML::Node& item : value) {
+    for (const YamlNode& item : value.list) {
       expectNoTag(item);
       PageValue name = string(item);
       if (name.bytes.ends_with(".bob")) name.bytes = compileFile(item);
@@ -310,8 +280,8 @@ class SourceReader {
   }
 
   // Compiles the script file of that name, beside the page source, and returns the object file's name.
-  std::string compileFile(const YAML::Node& item) {
-    const std::string& name = item.Scalar();
+  std::string compileFile(const YamlNode& item) {
+    const std::string& name = item.text;
     const std::string path = (std::filesystem::path(file).parent_path() / name).string();
     std::vector<uint8_t> source;
     try {
@@ -328,15 +298,14 @@ class SourceReader {
     return scriptFiles.back().name;
   }
 
-  PageValue table(const YAML::Node& value, ObjectKind kind) {
-    const Nesting nesting(*this, value);
+  PageValue table(const YamlNode& value, ObjectKind kind) {
     PageValue result;
     result.tag = PageTag::table;
-    if (value.IsNull() || (value.IsScalar() && value.Scalar().empty())) return result;
-    if (!value.IsSequence()) fail(value, "expecting a list");
-    for (const YAML::Node& item : value) {
+    if (value.isNull() || (value.isScalar() && value.text.empty())) return result;
+    if (!value.isList()) fail(value, "expecting a list");
+    for (const YamlNode& item : value.list) {
       expectNoTag(item);
-      if (!item.IsMap()) {
+      if (!item.isMap()) {
         result.table.push_back(string(item));
         continue;
       }
@@ -348,32 +317,21 @@ class SourceReader {
     return result;
   }
 
-  PageValue byLooks(const YAML::Node& value) {
-    if (value.IsMap()) return object(value);
-    if (value.IsSequence()) return table(value, ObjectKind::other);
-    if (value.IsNull() || isText(value)) return string(value);
-    const auto n = parseInteger(value.Scalar());
+  PageValue byLooks(const YamlNode& value) {
+    if (value.isMap()) return object(value);
+    if (value.isList()) return table(value, ObjectKind::other);
+    if (value.isNull() || isText(value)) return string(value);
+    const auto n = parseInteger(value.text);
     if (n && *n >= INT32_MIN) return integer(value);
-    if (value.Scalar() == "true" || value.Scalar() == "false") return boolean(value);
+    if (value.text == "true" || value.text == "false") return boolean(value);
     return string(value);
   }
 
-  // Counts how deep the reader is.
-  struct Nesting {
-    Nesting(SourceReader& r, const YAML::Node& at) : reader(r) {
-      if (++reader.depth > kMaxSourceDepth) reader.fail(at, "nested too deep");
-    }
-    ~Nesting() { --reader.depth; }
-    SourceReader& reader;
-  };
-
   std::string file;
-  std::string text;  // of the whole source
   std::unique_ptr<ScriptCompiler> scripts;
   std::vector<ScriptFile> scriptFiles;
   const KitWarn& warn;
   bool indexed = false;  // an 8-bit page
-  int depth = 0;
   int objectCount = 0;
 };
 

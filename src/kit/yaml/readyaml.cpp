@@ -1,0 +1,203 @@
+#include "kit/yaml/readyaml.h"
+
+#include <yaml-cpp/depthguard.h>
+#include <yaml-cpp/eventhandler.h>
+#include <yaml-cpp/yaml.h>
+
+#include <map>
+#include <sstream>
+
+#include "kit/errors.h"
+#include "kit/files.h"
+
+namespace {
+
+// How many nodes aliases may copy: far beyond what a page can hold.
+constexpr size_t kMaxCopies = 1'000'000;
+
+size_t nodesIn(const YamlNode& node) {
+  size_t count = 1;
+  for (const YamlNode& item : node.list) count += nodesIn(item);
+  for (const YamlPair& pair : node.map) count += nodesIn(pair.value);
+  return count;
+}
+
+// Builds the tree from what the parser meets, one after the other.
+class TreeBuilder : public YAML::EventHandler {
+ public:
+  TreeBuilder(const std::string& f, const std::string& t) : file(std::make_shared<std::string>(f)), text(t) {}
+
+  YamlNode root;
+
+  void OnDocumentStart(const YAML::Mark&) override {}
+  void OnDocumentEnd() override {}
+
+  void OnNull(const YAML::Mark& mark, YAML::anchor_t anchor) override { leaf(nodeAt(mark), anchor); }
+
+  void OnScalar(const YAML::Mark& mark, const std::string& tag, YAML::anchor_t anchor,
+                const std::string& value) override {
+    YamlNode node = nodeAt(mark);
+    node.kind = YamlNode::Kind::scalar;
+    node.text = value;
+    const char indicator = indicatorAt(mark);
+    node.style = indicator == '|' || indicator == '>'    ? YamlNode::Style::block
+                 : indicator == '"' || indicator == '\'' ? YamlNode::Style::quoted
+                                                         : YamlNode::Style::plain;
+    node.tag = shortTag(tag);
+    if (node.style == YamlNode::Style::block) ++node.textLine;
+    leaf(std::move(node), anchor);
+  }
+
+  void OnAlias(const YAML::Mark& mark, YAML::anchor_t anchor) override {
+    const auto found = anchors.find(anchor);
+    if (found == anchors.end()) fail(mark, "an anchor can't be used inside of itself");
+    copies += nodesIn(found->second);
+    if (copies > kMaxCopies) fail(mark, "its aliases make this source too large");
+    YamlNode copy = found->second;
+    leaf(std::move(copy), YAML::NullAnchor);
+  }
+
+  void OnSequenceStart(const YAML::Mark& mark, const std::string& tag, YAML::anchor_t anchor,
+                       YAML::EmitterStyle::value) override {
+    open(mark, tag, anchor, YamlNode::Kind::list);
+  }
+  void OnSequenceEnd() override { close(); }
+
+  void OnMapStart(const YAML::Mark& mark, const std::string& tag, YAML::anchor_t anchor,
+                  YAML::EmitterStyle::value) override {
+    open(mark, tag, anchor, YamlNode::Kind::map);
+  }
+  void OnMapEnd() override { close(); }
+
+ private:
+  // A list or map whose end hasn't come; a map that waits for a value has its key here.
+  struct Open {
+    YamlNode node;
+    YAML::anchor_t anchor;
+    bool hasKey = false;
+    std::string key;
+    YamlPlace keyPlace;
+  };
+
+  [[noreturn]] void fail(const YAML::Mark& mark, const std::string& message) const {
+    throw KitError(*file, mark.line + 1, message);
+  }
+
+  YamlNode nodeAt(const YAML::Mark& mark) const {
+    YamlNode node;
+    node.place = {file, mark.line + 1, mark.column + 1, nullptr};
+    node.textLine = node.place.line;
+    return node;
+  }
+
+  static std::string shortTag(const std::string& tag) {
+    constexpr std::string_view kYaml = "tag:yaml.org,2002:";
+    if (tag == "?" || tag == "!") return {};  // the parser's words for plain and quoted
+    return tag.starts_with(kYaml) ? "!!" + tag.substr(kYaml.size()) : tag;
+  }
+
+  // The character by which the scalar's style is known, after its tag and anchor.
+  char indicatorAt(const YAML::Mark& mark) const {
+    size_t at = size_t(mark.pos);
+    while (at < text.size() && (text[at] == '!' || text[at] == '&')) {
+      at = text.find_first_of(" \t\n", at);
+      at = text.find_first_not_of(" \t", at);
+    }
+    return at < text.size() ? text[at] : '\0';
+  }
+
+  void leaf(YamlNode node, YAML::anchor_t anchor) {
+    if (anchor != YAML::NullAnchor) anchors[anchor] = node;
+    put(std::move(node));
+  }
+
+  void open(const YAML::Mark& mark, const std::string& tag, YAML::anchor_t anchor, YamlNode::Kind kind) {
+    // A flow list can be a key to the parser; only texts are to us.
+    if (!opened.empty() && opened.back().node.isMap() && !opened.back().hasKey) fail(mark, "a key must be a name");
+    YamlNode node = nodeAt(mark);
+    node.kind = kind;
+    node.tag = shortTag(tag);
+    opened.push_back({std::move(node), anchor, false, {}, {}});
+  }
+
+  void close() {
+    Open done = std::move(opened.back());
+    opened.pop_back();
+    leaf(std::move(done.node), done.anchor);
+  }
+
+  // Puts a finished node into what is open around it.
+  void put(YamlNode node) {
+    if (opened.empty()) {
+      root = std::move(node);
+      return;
+    }
+    Open& around = opened.back();
+    if (around.node.isList()) {
+      around.node.list.push_back(std::move(node));
+    } else if (around.hasKey) {
+      around.node.map.push_back({std::move(around.key), std::move(around.keyPlace), std::move(node)});
+      around.hasKey = false;
+    } else {
+      if (!node.isScalar()) throw KitError(*file, node.place.line, "a key must be a name");
+      around.key = std::move(node.text);
+      around.keyPlace = std::move(node.place);
+      around.hasKey = true;
+    }
+  }
+
+  const std::shared_ptr<const std::string> file;
+  const std::string& text;
+  std::vector<Open> opened;
+  std::map<YAML::anchor_t, YamlNode> anchors;
+  size_t copies = 0;
+};
+
+// Without a mark of byte order and with plain line ends, so that the parser's positions are positions in it.
+std::string plainText(const std::string& text) {
+  std::string plain;
+  plain.reserve(text.size());
+  for (size_t i = text.starts_with("\xEF\xBB\xBF") ? 3 : 0; i < text.size(); ++i)
+    if (text[i] != '\r' || i + 1 == text.size() || text[i + 1] != '\n') plain += text[i];
+  return plain;
+}
+
+// What the parser says of a tab is far from the tab.
+bool isIndentedByTab(const std::string& text, int line) {
+  std::istringstream lines(text);
+  std::string one;
+  for (int i = 0; i <= line; ++i)
+    if (!std::getline(lines, one)) return false;
+  return one.substr(0, one.find_first_not_of(" \t")).find('\t') != std::string::npos;
+}
+
+}  // namespace
+
+YamlNode parseYaml(const std::string& file, const std::string& source) {
+  const std::string text = plainText(source);
+  std::istringstream in(text);
+  TreeBuilder tree(file, text);
+  try {
+    YAML::Parser parser(in);
+    if (!parser.HandleNextDocument(tree)) {
+      tree.root.place = {std::make_shared<std::string>(file), 1, 1, nullptr};
+      return std::move(tree.root);
+    }
+    YamlNode first = std::move(tree.root);
+    if (parser.HandleNextDocument(tree))
+      throw KitError(file, tree.root.place.line, "a second document begins here; a file holds one");
+    return first;
+  } catch (const YAML::DeepRecursion& e) {
+    throw KitError(file, e.mark.line + 1, "nested too deep");
+  } catch (const YAML::Exception& e) {
+    for (const int line : {e.mark.line, e.mark.line - 1})
+      if (line >= 0 && isIndentedByTab(text, line))
+        throw KitError(file, line + 1, "a tab can't indent a line; use spaces");
+    throw KitError(file, e.mark.line + 1, e.msg);
+  }
+}
+
+YamlNode readYaml(const std::string& file) {
+  const std::vector<uint8_t> bytes = readFile(file);
+  return parseYaml(file, std::string(bytes.begin(), bytes.end()));
+}

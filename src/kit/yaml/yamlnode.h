@@ -1,0 +1,61 @@
+// A YAML document as a tree of plain values, for everything that the kit reads in YAML: page sources, projects, tests.
+//
+// Every node knows where it was written, also when it was copied: a name behind an asterisk is a copy of the node that
+// the anchor names, and a node that an include or a template brought in says by whom it was used. Keys are texts and
+// stay in the order of the file; whoever reads a map decides what a repeated one means.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct YamlUse;
+
+struct YamlPlace {
+  std::shared_ptr<const std::string> file;
+  int line = 0, column = 0;            // from 1
+  std::shared_ptr<const YamlUse> use;  // null for what the file says itself
+};
+
+// Why a node appears where it doesn't stand: "template 'button'", say, used at a place.
+struct YamlUse {
+  std::string what;
+  YamlPlace at;
+};
+
+struct YamlPair;
+
+struct YamlNode {
+  enum class Kind { null, scalar, list, map };
+  enum class Style { plain, quoted, block };  // of a scalar; block: after | or >
+
+  Kind kind = Kind::null;
+  Style style = Style::plain;
+  std::string tag;             // as written, "!color", or empty; YAML's own !!str is "!!str"
+  std::string text;            // of a scalar
+  std::vector<YamlNode> list;  // of a list
+  std::vector<YamlPair> map;   // of a map
+  YamlPlace place;
+  int textLine = 0;  // where a scalar's own text begins: a block's on the line after its indicator
+
+  bool isNull() const { return kind == Kind::null; }
+  bool isScalar() const { return kind == Kind::scalar; }
+  bool isList() const { return kind == Kind::list; }
+  bool isMap() const { return kind == Kind::map; }
+
+  // The value of the first pair of that name; null if there is none or this is no map.
+  const YamlNode* find(std::string_view key) const;
+};
+
+struct YamlPair {
+  std::string key;
+  YamlPlace place;  // of the key
+  YamlNode value;
+};
+
+inline const YamlNode* YamlNode::find(std::string_view key) const {
+  for (const YamlPair& pair : map)
+    if (pair.key == key) return &pair.value;
+  return nullptr;
+}

@@ -1,0 +1,68 @@
+#include "kit/yaml/readyaml.h"
+
+#include <gtest/gtest.h>
+
+#include "kit/errors.h"
+
+namespace {
+
+// A node as text: scalars with the first letter of their style, tag, line:column and the line of their own text.
+std::string shown(const YamlNode& node) {
+  const std::string place = std::to_string(node.place.line) + ":" + std::to_string(node.place.column);
+  std::string out = node.tag;
+  if (node.isNull()) return out + "null@" + place;
+  if (node.isScalar())
+    return out + "pqb"[int(node.style)] + "'" + node.text + "'@" + place + "+" + std::to_string(node.textLine);
+  for (const YamlNode& item : node.list) out += (&item == &node.list[0] ? "" : " ") + shown(item);
+  for (const YamlPair& pair : node.map) out += (&pair == &node.map[0] ? "" : " ") + pair.key + "=" + shown(pair.value);
+  return node.isList() ? "[" + out + "]" : "{" + out + "}";
+}
+
+std::string errorOf(const std::string& text) {
+  try {
+    return shown(parseYaml("f.yaml", text));
+  } catch (const KitError& e) {
+    return e.what();
+  }
+}
+
+TEST(ReadYaml, NodesKnowWhereTheyWereWrittenAndHow) {
+  EXPECT_EQ(shown(parseYaml("f", "a: 1\nb: '1'\nc: |\n  x\n  y\nd: !color   &n >\n  z\n\ne: [~, !!str 5, ]\n")),
+            "{a=p'1'@1:4+1 b=q'1'@2:4+2 c=b'x\ny\n'@3:4+4 d=!colorb'z\n'@6:4+7 e=[null@9:5 !!strp'5'@9:8+9]}");
+  // After a mark of byte order and with the line ends of other systems.
+  EXPECT_EQ(shown(parseYaml("f",
+                            "\xEF\xBB\xBF"
+                            "a: \"1\"\r\nb: |\r\n  x\r\n")),
+            "{a=q'1'@1:4+1 b=b'x\n'@2:4+3}");
+  EXPECT_EQ(shown(parseYaml("f", "")), "null@1:1");
+  EXPECT_EQ(shown(parseYaml("f", "# nothing\n---\n")), "null@3:1");
+}
+
+TEST(ReadYaml, AnAliasIsACopyThatKeepsThePlaceOfItsAnchor) {
+  EXPECT_EQ(shown(parseYaml("f", "a: &x [1, {k: v}]\nb: *x\n")),
+            "{a=[p'1'@1:8+1 {k=p'v'@1:15+1}] b=[p'1'@1:8+1 {k=p'v'@1:15+1}]}");
+}
+
+TEST(ReadYaml, WhatIsNoTreeIsRefusedAtItsLine) {
+  std::string laughs = "l0: &l0 [1, 2, 3, 4, 5, 6, 7, 8]\n";
+  for (int i = 1; i < 9; ++i) {
+    const std::string before = "*l" + std::to_string(i - 1);
+    laughs += "l" + std::to_string(i) + ": &l" + std::to_string(i) + " [";
+    for (int k = 0; k < 8; ++k) laughs += (k ? ", " : "") + before;
+    laughs += "]\n";
+  }
+  const std::pair<std::string, const char*> cases[] = {
+      {"a: [\n", "f.yaml:2: end of sequence flow not found"},
+      {"a:\n\tb: 1\n", "f.yaml:2: a tab can't indent a line; use spaces"},
+      {"a:\n  b: 1\n \tc: 2\n", "f.yaml:3: a tab can't indent a line; use spaces"},
+      {"a: 1\n---\nb: 2\n", "f.yaml:3: a second document begins here; a file holds one"},
+      {"[a, b]: 1\n", "f.yaml:1: a key must be a name"},
+      {"? {a: 1}\n: 1\n", "f.yaml:1: a key must be a name"},
+      {"a: &x\n  b: [*x]\n", "f.yaml:2: an anchor can't be used inside of itself"},
+      {std::string(1500, '[') + std::string(1500, ']'), "f.yaml:1: nested too deep"},
+      {laughs, "f.yaml:7: its aliases make this source too large"},
+  };
+  for (const auto& [text, message] : cases) EXPECT_EQ(errorOf(text), message) << text.substr(0, 80);
+}
+
+}  // namespace
