@@ -63,7 +63,6 @@ TEST_F(ImageTest, TheOneUsedLongestAgoGoesFirst) {
 
 TEST_F(ImageTest, FilesThatAreNoPicturesSayWhyOnce) {
   writeText("short.kpx", "abc");
-
   writeKpx("clut.kpx", 2, 2, "none.clut");
   writeText("pixels.kpx", std::string("\0\0\0\2\0\2\0\1\0\0\0\0abc", 15));
   writeText("seek.kpx", std::string("\0\0\0\2\0\2\0\1\7\0\0\0abc", 15));

@@ -85,28 +85,6 @@ TEST_F(LoadTest, AFailedLoadRunsOnUnloadAndKeepsTheDepthOfThePageBefore) {
   EXPECT_EQ(currentDisplay().depth(), 16);
 }
 
-TEST_F(LoadTest, APageMayLoadAnotherFromItsOwnOnLoad) {
-  build("second.kpg", page("name: second, start: second", "2"));
-  scripts["load"] = [] { frameLoad(topFrame(), "second.kpg"); };
-  build("first.kpg", page("name: first, start: first"));
-  EXPECT_TRUE(loadFile("first.kpg"));  // the first load yields
-  EXPECT_EQ(hearing(), "attach load loadun detach attach load2 ");
-  EXPECT_EQ(focusName(), "second");
-}
-
-TEST_F(LoadTest, AFrameThatIsGoingRefusesLoadsAndUnloads) {
-  build("second.kpg", page("name: second"));
-  std::string results;
-  scripts["loadun"] = [&] {
-    results += std::to_string(frameLoad(topFrame(), "second.kpg"));
-    results += std::to_string(frameUnloadAndClear(topFrame()));
-  };
-  ASSERT_TRUE(load(page("")));
-  EXPECT_EQ(frameUnloadAndClear(topFrame()), 1);
-  EXPECT_EQ(results, "00");
-  EXPECT_EQ(frameUnloadAndClear(topFrame()), 0);
-}
-
 TEST_F(LoadTest, ANestedPageMayTakeThePageAroundItAway) {
   build("inner.kpg", page("name: inner", "Inner"));
   build("other.kpg", page("name: other, start: other", "Other"));
@@ -154,15 +132,10 @@ TEST_F(LoadTest, NestedFramesGoSilentlyAndHearEventsAfterTheOuterOne) {
   desktop.wait(60);  // the inner widget's timer went with it
 }
 
-TEST_F(LoadTest, PagesThatHoldThemselvesEnd) {
+TEST_F(LoadTest, PagesThatHoldThemselvesTwiceEnd) {
   build("page.kpg", "page: {type: group, children: [{type: frame, src: page.kpg}, {type: frame, src: page.kpg}]}");
   loadFile("page.kpg");
   EXPECT_NE(desktop.log.find(" -- 'page.kpg' not found\n"), std::string::npos);  // the 33rd frame finds nothing
-
-  build("line.kpg", "page: {type: frame, src: line.kpg}");
-  desktop.log.clear();
-  EXPECT_TRUE(loadFile("line.kpg"));
-  EXPECT_EQ(log(), " -- 'line.kpg' not found\n");
 }
 
 // 32 pages in one another, each with its frame at the bottom of 150 groups: a key and a draw climb all the way.

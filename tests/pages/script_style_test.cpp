@@ -8,8 +8,9 @@ namespace {
 
 class ScriptStyleTest : public ScriptFontTest {
  protected:
-  void loadStyles() {
-    loadStyled("{font: blocks.ttf}, {name: body, size: 10, font: blocks.ttf}, {name: body, size: 11, tracking: 16}");
+  void SetUp() override {
+    loadStyled("{font: blocks.ttf}, {name: body, size: 10, font: blocks.ttf}, {name: body, size: 11, tracking: 16}",
+               "{type: text, name: words, textStyle: body, value: aa}, {type: slider, name: bar}");
     say("make = function (font, size) {"
         " local o = new Object(); o.font = font; o.size = size; return new TextStyle(o); };");
   }
@@ -26,7 +27,6 @@ class ScriptStyleTest : public ScriptFontTest {
 EVERY_COLLECTION(ScriptStyleTest);
 
 TEST_P(ScriptStyleTest, PagesPublishCopiesOfTheirStyles) {
-  loadStyles();
   EXPECT_EQ(styleOf("textStyles.body;").letterExtra, 0x10000);  // the last of that name
   say("KOVA.kept = textStyles.body;");
   say("topFrame.UnloadPage();");
@@ -34,7 +34,6 @@ TEST_P(ScriptStyleTest, PagesPublishCopiesOfTheirStyles) {
 }
 
 TEST_P(ScriptStyleTest, AreMadeOfAnObjectsProperties) {
-  loadStyles();
   TextStyle style = styleOf("make(\"BLOCKS.TTF\", 12);");
   EXPECT_NE(style.font, nullptr);
   EXPECT_EQ(style.size, 12);
@@ -50,47 +49,37 @@ TEST_P(ScriptStyleTest, AreMadeOfAnObjectsProperties) {
   say("o.aliasCount = 3;");
   EXPECT_EQ(styleOf("new TextStyle(o);").bgColor, 3u);
 
-  EXPECT_EQ(say("make(\"nowhere.ttf\", 12);"), "--> nil\n");
-  EXPECT_EQ(say("make(\"blocks.ttf\", \"big\");"), "--> nil\n");
-  EXPECT_EQ(say("new TextStyle(new Object());"), "--> nil\n");
-  EXPECT_NE(say("make(5, 12);").find("Error: "), std::string::npos);
+  talk({{"make(\"nowhere.ttf\", 12);", kNil},
+        {"make(\"blocks.ttf\", \"big\");", kNil},
+        {"new TextStyle(new Object());", kNil},
+        {"make(5, 12);", "Error: ..."}});
   // One object initialised anew has the new style.
   EXPECT_EQ(styleOf("{ t = new TextStyle(o); o.size = 30; t.initialize(o); t; };").size, 30);
 }
 
 TEST_P(ScriptStyleTest, WidgetsTakeAndGiveCopies) {
-  loadStyled("{name: body, size: 10, font: blocks.ttf}",
-             "{type: text, name: words, textStyle: body, value: aa}, {type: slider, name: bar}");
   EXPECT_EQ(styleOf("widgets.words.style;").size, 10);
-  say("{ o = new Object(); o.font = \"blocks.ttf\"; o.size = 20; };");
-  say("widgets.words.style = new TextStyle(o);");
+  say("widgets.words.style = make(\"blocks.ttf\", 20);");
   say("widgets.words.highlightStyle = textStyles.body;");
   EXPECT_EQ(styleOf("widgets.words.style;").size, 20);
-  EXPECT_EQ(styleOf("widgets.words.highlightStyle;").size, 10);
-  EXPECT_EQ(styleOf("textStyles.body;").size, 10);
-  EXPECT_EQ(say("widgets.words.style = 5;"), "Expecting a style value\n--> 5\n");
-  EXPECT_EQ(say("widgets.bar.style;"), "--> nil\n");
+  EXPECT_EQ(styleOf("widgets.words.highlightStyle;").size, 11);
+  EXPECT_EQ(styleOf("textStyles.body;").size, 11);
+  talk({{"widgets.words.style = 5;", "Expecting a style value\n--> 5\n"}, {"widgets.bar.style;", kNil}});
 }
 
 TEST_P(ScriptStyleTest, GlyphsAreRenderedAheadTwentyAtATime) {
-  loadStyles();
-  EXPECT_EQ(say("textStyles.body.CacheGlyphs(\"0123456789abcdefghij\\351klm\");"), "--> true\n");
-  EXPECT_EQ(say("textStyles.body.CacheGlyphs(\"first\");"), "--> true\n");
   writeText("bad.txt", "\xFFx");  // nothing that decodes
-  EXPECT_EQ(say("textStyles.body.CacheGlyphsFromFile(\"bad.txt\");"), "--> true\n");
-  desktop.wait(9);
-  EXPECT_EQ(heard(), "");
-  desktop.wait(1);
-  EXPECT_EQ(heard(), "Caching 'first'\nCaching '0123456789abcde'\n");
-  desktop.wait(30);
-  EXPECT_EQ(heard(), "Caching 'fghij\303\251klm'\n");
-
   writeText("some.txt", "from the file");
-  EXPECT_EQ(say("textStyles.body.CacheGlyphsFromFile(\"SOME.TXT\");"), "--> true\n");
-  EXPECT_EQ(say("textStyles.body.CacheGlyphsFromFile(\"none.txt\");"), "--> nil\n");
-  say("topFrame.UnloadPage();");
-  desktop.wait(10);
-  EXPECT_EQ(heard(), "Caching 'from the file'\n");
+  talk({{"textStyles.body.CacheGlyphs(\"0123456789abcdefghij\\351klm\");", kTrue},
+        {"textStyles.body.CacheGlyphs(\"first\");", kTrue},
+        {"textStyles.body.CacheGlyphsFromFile(\"bad.txt\");", kTrue},
+        {"@wait 9", ""},
+        {"@wait 1", "Caching 'first'\nCaching '0123456789abcde'\n"},
+        {"@wait 30", "Caching 'fghij\303\251klm'\n"},
+        {"textStyles.body.CacheGlyphsFromFile(\"SOME.TXT\");", kTrue},
+        {"textStyles.body.CacheGlyphsFromFile(\"none.txt\");", kNil},
+        {"topFrame.UnloadPage();", kAnything},
+        {"@wait 10", "Caching 'from the file'\n"}});
 }
 
 }  // namespace

@@ -5,7 +5,7 @@ namespace {
 
 class ScriptTextTest : public ScriptFontTest {
  protected:
-  void loadAll() {
+  void SetUp() override {
     loadStyled("{name: plain, font: blocks.ttf, size: 10, color: white}", R"(
         {type: text, name: t, textStyle: plain, value: abc},
         {type: text, name: e, textStyle: plain, maxLength: 3},
@@ -18,7 +18,6 @@ class ScriptTextTest : public ScriptFontTest {
 EVERY_COLLECTION(ScriptTextTest);
 
 TEST_P(ScriptTextTest, ValuesAndLimits) {
-  loadAll();
   talk({{"widgets.t.value;", "--> \"abc\"\n"},
         {"widgets.t.value = \"a longer text\";", "--> \"a longer text\"\n"},
         {"widgets.t.value;", "--> \"a longer text\"\n"},
@@ -33,27 +32,26 @@ TEST_P(ScriptTextTest, ValuesAndLimits) {
         {"widgets.s.value;", "--> 0\n"},
         {"widgets.s.value = 1;", "--> 1\n"},
         {"widgets.s.value;", "--> 1\n"},
-        {"widgets.s.minValue;", "--> nil\n"},
+        {"widgets.s.minValue;", kNil},
         {"widgets.s.maxValue;", "--> 0\n"},  // answered, but not written
-        {"widgets.s.AddElement(\"c\");", "--> true\n"},
+        {"widgets.s.AddElement(\"c\");", kTrue},
         {"widgets.s.AddElement(4);", "Expecting string value\n--> nil\n"},
         {"widgets.s.value = 2;", "--> 2\n"},
-        {"widgets.none.value;", "--> nil\n"},
-        {"widgets.none.maxValue;", "--> nil\n"},
-        {"widgets.t.AddElement(\"c\");", "--> nil\n"},
+        {"widgets.none.value;", kNil},
+        {"widgets.none.maxValue;", kNil},
+        {"widgets.t.AddElement(\"c\");", kNil},
         {"widgets.c.value;", "--> 2\n"},
-        {"widgets.t.minValue;", "--> nil\n"}});
+        {"widgets.t.minValue;", kNil}});
 }
 
 // A script's event has no pointer to read or write by.
 TEST_P(ScriptTextTest, EventsThatWantAPointerAreRefused) {
-  loadAll();
   for (const char* name : {"t", "e", "n", "s", "none", "c"})
     for (const char* id : {"0x4040001", "0x4040002", "0x4040003", "0x4040007", "0x4040008", "0x404000a", "0x404000b"})
-      EXPECT_EQ(say(std::string("widgets.") + name + ".HandleEvent(" + id + ", 1234, 5678);"), "--> nil\n")
+      EXPECT_EQ(say(std::string("widgets.") + name + ".HandleEvent(" + id + ", 1234, 5678);"), kNil)
           << name << ' ' << id;
-  talk({{"widgets.s.HandleEvent(0x4040005);", "--> true\n"},
-        {"widgets.t.HandleEvent(0x4030004);", "--> true\n"},
+  talk({{"widgets.s.HandleEvent(0x4040005);", kTrue},
+        {"widgets.t.HandleEvent(0x4030004);", kTrue},
         {"widgets.t.value;", "--> \"\"\n"}});
 }
 

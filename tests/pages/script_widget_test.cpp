@@ -5,7 +5,7 @@ namespace {
 
 class ScriptWidgetTest : public ScriptTest {
  protected:
-  void loadWidgets() {
+  void SetUp() override {
     ASSERT_TRUE(load(R"(flags: 8bit
 page:
   width: 720
@@ -21,13 +21,13 @@ page:
     - {x: 1, y: 1, width: 1, height: 1, name: twin}
     - {x: 2, y: 1, width: 1, height: 1, name: twin}
 )"));
-    desktop.log.clear();
   }
+  static constexpr const char* kInactive = "Operation attempted on inactive widget\n--> nil\n";
+  static constexpr const char* kInactiveFrame = "Operation attempted on inactive frame\n--> nil\n";
 };
 EVERY_COLLECTION(ScriptWidgetTest);
 
 TEST_P(ScriptWidgetTest, PropertiesReadAndWrite) {
-  loadWidgets();
   talk({// Places are read from the page and written to the widget.
         {"widgets.box.x;", "--> 300\n"},
         {"widgets.box.x = 77; ", "--> 77\n"},
@@ -46,26 +46,26 @@ TEST_P(ScriptWidgetTest, PropertiesReadAndWrite) {
         {"widgets.bar.maxValue = 99;", "--> 99\n"},
         {"widgets.bar.maxValue;", "--> 99\n"},
         {"widgets.bar.minValue = nil;", "Expecting integer value\n--> nil\n"},
-        {"widgets.box.value;", "--> nil\n"},
-        {"widgets.box.maxValue;", "--> nil\n"},
+        {"widgets.box.value;", kNil},
+        {"widgets.box.maxValue;", kNil},
         // Looks.
         {"widgets.box.bgColor;", "--> 90\n"},
         {"widgets.box.bgColor = \"red\";", "Expecting an integer color value\n--> \"red\"\n"},
         {"widgets.box.background;", "--> \"b.gif\"\n"},
         {"widgets.box.background = 4;", "Expecting a string value or nil\n--> 4\n"},
-        {"widgets.box.background = nil;", "--> nil\n"},
-        {"widgets.box.background;", "--> nil\n"},
-        {"widgets.box.highlighted;", "--> nil\n"},
+        {"widgets.box.background = nil;", kNil},
+        {"widgets.box.background;", kNil},
+        {"widgets.box.highlighted;", kNil},
         {"widgets.box.highlighted = 0;", "--> 0\n"},
-        {"widgets.box.highlighted;", "--> true\n"},
-        {"widgets.bar.highlighted;", "--> true\n"},
+        {"widgets.box.highlighted;", kTrue},
+        {"widgets.bar.highlighted;", kTrue},
         {"widgets.pic.src;", "--> \"one.gif\"\n"},
         {"widgets.pic.src = \"two.gif\";", "--> \"two.gif\"\n"},
         {"widgets.pic.src;", "--> \"two.gif\"\n"},
-        {"widgets.pic.highlightSrc;", "--> nil\n"},
+        {"widgets.pic.highlightSrc;", kNil},
         {"widgets.pic.highlightSrc = 3;", "Expecting string value\n--> 3\n"},
-        {"widgets.box.src;", "--> nil\n"},
-        {"widgets.box.style;", "--> nil\n"},
+        {"widgets.box.src;", kNil},
+        {"widgets.box.style;", kNil},
         {"widgets.box.style = 3;", "Expecting a style value\n--> 3\n"},
         // Anything else is the wrapper's own, and the next wrapper has it not.
         {"{ local w = widgets.box; w.mine = 5; w.mine; }", "--> 5\n"}});
@@ -73,12 +73,6 @@ TEST_P(ScriptWidgetTest, PropertiesReadAndWrite) {
 }
 
 TEST_P(ScriptWidgetTest, MethodsActAndAnswer) {
-  loadWidgets();
-  EXPECT_EQ(say("widgets.box.SetFocus();"), "--> true\n");
-  EXPECT_EQ(focusName(), "box");
-  EXPECT_EQ(say("frame.Focus().x;"), "--> 300\n");
-
-  const auto flags = [this] { return widget("box")->flags & (kWidgetContentHidden | kWidgetBackgroundHidden); };
   const std::pair<const char*, uint32_t> steps[] = {
       {"Hide()", kWidgetContentHidden},
       {"Show(false)", kWidgetBackgroundHidden},  // without an argument the background stays as it was
@@ -89,76 +83,70 @@ TEST_P(ScriptWidgetTest, MethodsActAndAnswer) {
       {"Show(true)", 0},
   };
   for (const auto& [call, hidden] : steps) {
-    EXPECT_EQ(say(std::string("widgets.box.") + call + ";"), "--> true\n");
-    EXPECT_EQ(flags(), hidden) << call;
+    EXPECT_EQ(say(std::string("widgets.box.") + call + ";"), kTrue);
+    EXPECT_EQ(widget("box")->flags & (kWidgetContentHidden | kWidgetBackgroundHidden), hidden) << call;
   }
-
-  EXPECT_EQ(say("widgets.box.AddElement(\"x\");"), "--> nil\n");
-  EXPECT_EQ(say("widgets.box.AddElement(widgets);"), "BobToKuiValue - unknown type\nInvalid value\n--> nil\n");
-  EXPECT_EQ(say("widgets.box.Hide(1, 2);").substr(0, 24), "Error: Too many argument");
+  talk({{"widgets.box.SetFocus();", kTrue},
+        {"frame.Focus().x;", "--> 300\n"},
+        {"widgets.box.AddElement(\"x\");", kNil},
+        {"widgets.box.AddElement(widgets);", "BobToKuiValue - unknown type\nInvalid value\n--> nil\n"},
+        {"widgets.box.Hide(1, 2);", "Error: Too many argument..."}});
 }
 
 // What a script sends has no pointer; codes that need one do nothing, others are what the keys send.
 TEST_P(ScriptWidgetTest, HandleEventSendsWordsOnly) {
-  loadWidgets();
   for (uint32_t code : {kGetValue, kSetValue, kGetMinimum, kGetMaximum})
-    EXPECT_EQ(say("widgets.bar.HandleEvent(" + std::to_string(code) + ", 5, 6);"), "--> nil\n") << code;
-  talk({{"widgets.pic.HandleEvent(0x4040013);", "--> nil\n"},
-        {"widgets.pic.HandleEvent(0x4040014, 12345);", "--> nil\n"},
+    EXPECT_EQ(say("widgets.bar.HandleEvent(" + std::to_string(code) + ", 5, 6);"), kNil) << code;
+  talk({{"widgets.pic.HandleEvent(0x4040013);", kNil},
+        {"widgets.pic.HandleEvent(0x4040014, 12345);", kNil},
         {"widgets.bar.value;", "--> 12\n"},
-        {"widgets.bar.HandleEvent(0x4040006, 55);", "--> true\n"},
+        {"widgets.bar.HandleEvent(0x4040006, 55);", kTrue},
         {"widgets.bar.maxValue;", "--> 55\n"},
-        {"widgets.box.HandleEvent(0x4030001, 1);", "--> true\n"},
-        {"widgets.box.highlighted;", "--> true\n"},
-        {"widgets.bar.HandleEvent(0x4030004);", "--> true\n"},
+        {"widgets.box.HandleEvent(0x4030001, 1);", kTrue},
+        {"widgets.box.highlighted;", kTrue},
+        {"widgets.bar.HandleEvent(0x4030004);", kTrue},
         {"widgets.bar.value;", "--> 12\n"}});
 }
 
 TEST_P(ScriptWidgetTest, AWrapperThatOutlivesItsWidgetIsInactive) {
-  loadWidgets();
-  say("KOVA.w = widgets.box; KOVA.f = widgets.nest;");
+  say("KOVA.w = widgets.box;");
   say("KOVA.f = widgets.nest;");
   ASSERT_TRUE(load("flags: 8bit\npage: {type: group, children: [{name: other}]}"));
-  const std::string widgetText = "Operation attempted on inactive widget\n";
-  const std::string frameText = "Operation attempted on inactive frame\n";
-  for (const char* call : {"SetFocus()", "AddElement(1)", "Show()", "Hide(true)", "ShowBackground()",
-                           "HideBackground()", "HandleEvent(1)"})
-    EXPECT_EQ(say(std::string("KOVA.w.") + call + ";"), widgetText + "--> nil\n") << call;
-  for (const char* property :
-       {"x", "y", "width", "height", "value", "minValue", "maxValue", "style", "highlightStyle", "src", "highlightSrc"})
-    EXPECT_EQ(say(std::string("KOVA.w.") + property + ";"), widgetText + "--> nil\n") << property;
-  for (const char* property : {"bgColor", "background"}) {
-    EXPECT_EQ(say(std::string("KOVA.w.") + property + ";"), "Operation attempted on inactive widget--> nil\n");
-    EXPECT_EQ(say(std::string("KOVA.w.") + property + " = 1;"), widgetText + "--> 1\n");
-  }
-  EXPECT_EQ(say("KOVA.w.x = 1;"), widgetText + "--> 1\n");
-  EXPECT_EQ(say("KOVA.w.highlighted = 1;"), "--> 1\n");
-  EXPECT_EQ(say("KOVA.w.highlighted;"), "--> nil\n");
-  EXPECT_EQ(say("KOVA.f.LoadPage(\"page.kpg\");"), frameText + "--> nil\n");
-  EXPECT_EQ(say("KOVA.f.UnloadPage();"), frameText + "--> nil\n");
-  EXPECT_EQ(say("KOVA.f.Focus();"), frameText + "--> nil\n");
-  for (const char* call : {"Push()", "Remove()", "OnEvent(1, Object)"})
-    EXPECT_EQ(say(std::string("KOVA.w.") + call + ";"), "--> nil\n") << call;
+  for (const char* what :
+       {"SetFocus()", "AddElement(1)", "Show()", "Hide(true)", "ShowBackground()", "HideBackground()", "HandleEvent(1)",
+        "x", "y", "width", "height", "value", "minValue", "maxValue", "style", "highlightStyle", "src", "highlightSrc"})
+    EXPECT_EQ(say(std::string("KOVA.w.") + what + ";"), kInactive) << what;
+  talk({{"KOVA.w.bgColor;", "Operation attempted on inactive widget--> nil\n"},
+        {"KOVA.w.background;", "Operation attempted on inactive widget--> nil\n"},
+        {"KOVA.w.bgColor = 1;", "Operation attempted on inactive widget\n--> 1\n"},
+        {"KOVA.w.background = 1;", "Operation attempted on inactive widget\n--> 1\n"},
+        {"KOVA.w.x = 1;", "Operation attempted on inactive widget\n--> 1\n"},
+        {"KOVA.w.highlighted = 1;", "--> 1\n"},
+        {"KOVA.w.highlighted;", kNil},
+        {"KOVA.f.LoadPage(\"page.kpg\");", kInactiveFrame},
+        {"KOVA.f.UnloadPage();", kInactiveFrame},
+        {"KOVA.f.Focus();", kInactiveFrame},
+        {"KOVA.w.Push();", kNil},
+        {"KOVA.w.Remove();", kNil},
+        {"KOVA.w.OnEvent(1, Object);", kNil}});
 }
 
 // What looks like a widget to the language but is none.
 TEST_P(ScriptWidgetTest, WrappersThatScriptsMakeHaveNoWidget) {
-  loadWidgets();
-  const std::string inactive = "Operation attempted on inactive widget\n--> nil\n";
-  EXPECT_EQ(say("Widget.x;"), inactive);  // the class itself
-  EXPECT_EQ(say("(new Widget()).Show();"), inactive);
-  EXPECT_EQ(say("(new Frame()).value;"), inactive);
-  talk({{"(new Frame()).UnloadPage();", "Operation attempted on inactive frame\n--> nil\n"},
-        {"Event.id;", "--> nil\n"},
-        {"Timer.timeRemaining;", "--> nil\n"}});
-  // A wrapper of a widget that is given a target of its own lets go of the widget.
-  say("widgets.box.SetFocus();");
-  EXPECT_EQ(say("KOVA.w = frame.Focus();").substr(0, 4), "--> ");
-  EXPECT_EQ(say("KOVA.w.initialize().Push();"), "--> true\n");
-  EXPECT_EQ(say("KOVA.w.x;"), inactive);
-  EXPECT_EQ(say("widgets.box.x;"), "--> 300\n");
-  EXPECT_EQ(say("KOVA.w.Remove();"), "--> true\n");
-  EXPECT_EQ(say("widgets.box.LoadPage(\"x\");").substr(0, 5), "Error");
+  talk({{"Widget.x;", kInactive},  // the class itself
+        {"(new Widget()).Show();", kInactive},
+        {"(new Frame()).value;", kInactive},
+        {"(new Frame()).UnloadPage();", kInactiveFrame},
+        {"Event.id;", kNil},
+        {"Timer.timeRemaining;", kNil},
+        // A wrapper of a widget that is given a target of its own lets go of the widget.
+        {"widgets.box.SetFocus();", kTrue},
+        {"KOVA.w = frame.Focus();", "--> ..."},
+        {"KOVA.w.initialize().Push();", kTrue},
+        {"KOVA.w.x;", kInactive},
+        {"widgets.box.x;", "--> 300\n"},
+        {"KOVA.w.Remove();", kTrue},
+        {"widgets.box.LoadPage(\"x\");", "Error..."}});
 }
 
 }  // namespace

@@ -9,6 +9,8 @@
 
 class ScriptTest : public PageTest, public testing::WithParamInterface<bool> {
  protected:
+  static constexpr const char *kTrue = "--> true\n", *kNil = "--> nil\n", *kAnything = "...";
+
   ScriptTest() {
     if (!GetParam()) return;
     bobCollectAlways(scriptInterp());
@@ -25,9 +27,15 @@ class ScriptTest : public PageTest, public testing::WithParamInterface<bool> {
     return answer;
   }
 
-  // Lines and what the console answers to each.
-  void talk(const std::vector<std::pair<const char*, const char*>>& lines) {
-    for (const auto& [line, answer] : lines) EXPECT_EQ(say(line), answer) << line;
+  // Steps and what is heard at each: a line for the console, "@Select" for a key, "@wait 20" for milliseconds that
+  // pass. An answer that ends in "..." says how the whole one begins.
+  void talk(const std::vector<std::pair<std::string, std::string>>& steps) {
+    for (const auto& [step, expected] : steps) {
+      const std::string answer = step[0] == '@' ? doing(step.substr(1)) : say(step);
+      const bool begins = expected.ends_with("...");
+      const std::string wanted = expected.substr(0, expected.size() - 3 * begins);
+      EXPECT_EQ(begins ? answer.substr(0, wanted.size()) : answer, wanted) << step;
+    }
   }
 
   // What it has shown since the last look.
@@ -35,6 +43,19 @@ class ScriptTest : public PageTest, public testing::WithParamInterface<bool> {
     const std::string text = log();
     desktop.log.clear();
     return text;
+  }
+
+  bool loadEmpty() { return load("flags: 8bit\npage: {}"); }
+
+ private:
+  std::string doing(const std::string& action) {
+    desktop.log.clear();
+    if (action.starts_with("wait ")) {
+      desktop.wait(uint32_t(std::stoi(action.substr(5))));
+    } else {
+      key(action);
+    }
+    return heard();
   }
 };
 

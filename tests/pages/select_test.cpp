@@ -33,18 +33,15 @@ TEST_F(SelectTest, ChoicesAreWhatStandsBetweenTheSeparators) {
 }
 
 TEST_F(SelectTest, KeysMoveForwardsOrInAColumnBackwards) {
-  SelectWidget* w = select(std::string(kBoth) + "choices: '|a|b|1', navigate: leftRight");
-  const std::pair<const char*, int> row[] = {{"Right", 1}, {"Right", 2}, {"Right", 0}, {"Left", 2}};
-  for (const auto& [name, value] : row) {
-    key(name);
-    EXPECT_EQ(valueOf(w), value) << name;
-  }
-  EXPECT_EQ(inked(), (Box{100, 104, 105, 109}));  // 1
-  w = select(std::string(kBoth) + "showAll: true, vertical: true, choices: '|a|b|1', navigate: upDown");
-  const std::pair<const char*, int> column[] = {{"Down", 1}, {"Down", 2}, {"Down", 0}, {"Up", 2}};
-  for (const auto& [name, value] : column) {
-    key(name);
-    EXPECT_EQ(valueOf(w), value) << name;
+  const std::tuple<const char*, const char*, const char*> cases[] = {
+      {"navigate: leftRight", "Right", "Left"}, {"vertical: true, navigate: upDown", "Down", "Up"}};
+  for (const auto& [attributes, next, previous] : cases) {
+    SelectWidget* w = select(std::string(kBoth) + "showAll: true, choices: '|a|b|1', " + attributes);
+    const std::pair<const char*, int> moves[] = {{next, 1}, {next, 2}, {next, 0}, {previous, 2}};
+    for (const auto& [name, value] : moves) {
+      key(name);
+      EXPECT_EQ(valueOf(w), value) << name;
+    }
   }
 }
 
@@ -124,16 +121,10 @@ TEST_F(SelectTest, AllChoicesNeedBothStyles) {
 
 TEST_F(SelectTest, ComplaintsAboutValuesGoToTheStandardOutput) {
   SelectWidget* w = select("choices: '|a|b'");
-  KuiValue value{KuiValue::kInteger, {}, 1};
   testing::internal::CaptureStdout();
-  EXPECT_EQ(eventSendSimple(w, kSetValue, 0, &value), 1);
-  EXPECT_EQ(valueOf(w), 1);
-  for (const int out : {2, -1}) {
-    value.integer = out;
+  for (KuiValue value : {KuiValue{KuiValue::kInteger, {}, 1}, KuiValue{KuiValue::kInteger, {}, 2},
+                         KuiValue{KuiValue::kInteger, {}, -1}, KuiValue{KuiValue::kString, "b"}})
     EXPECT_EQ(eventSendSimple(w, kSetValue, 0, &value), 1);
-  }
-  value.kind = KuiValue::kString;
-  EXPECT_EQ(eventSendSimple(w, kSetValue, 0, &value), 1);
   EXPECT_EQ(testing::internal::GetCapturedStdout(),
             "New value out of range: 2\nNew value out of range: -1\nExpecting integer value\n");
   EXPECT_EQ(valueOf(w), 1);
@@ -141,7 +132,7 @@ TEST_F(SelectTest, ComplaintsAboutValuesGoToTheStandardOutput) {
 }
 
 TEST_F(SelectTest, ChoicesCanBeAddedAndAreCountedByTheAnswer) {
-  SelectWidget* w = select(std::string(kBoth));
+  SelectWidget* w = select(kBoth);
   int32_t untouched = 77;
   KuiValue value{KuiValue::kString, "b"};
   for (const int maximum : {0, 0, 1, 2}) {
@@ -149,13 +140,8 @@ TEST_F(SelectTest, ChoicesCanBeAddedAndAreCountedByTheAnswer) {
     EXPECT_EQ(eventSendSimple(w, kAddChoice, 0, &value), 1);
   }
   EXPECT_EQ(untouched, 77);
-  EXPECT_EQ(eventSendSimple(w, kGetMinimum, 0, &untouched), 0);
   desktop.settle();
   EXPECT_EQ(inked(), (Box{100, 102, 109, 109}));
-  value.kind = KuiValue::kInteger;
-  EXPECT_EQ(eventSendSimple(w, kAddChoice, 0, &value), 0);
-  EXPECT_EQ(eventSendSimple(w, kAddChoice, 0), 0);
-  EXPECT_EQ(log(), "Expecting string value\n");
   EXPECT_EQ(eventSendSimple(w, kWidgetDestroyed, 0), 1);  // by a script
   widgetInvalidate(w);
   desktop.settle();

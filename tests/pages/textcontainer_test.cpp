@@ -33,30 +33,27 @@ class TextContainerTest : public BlocksTest {
 using Rows = std::vector<int>;
 
 TEST_F(TextContainerTest, ALineShowsWithItsSizeAboveAndAQuarterBelow) {
-  // 10 above: a baseline of 10 just fits. 2 below: 47 + 2 is less than 50, 48 + 2 isn't.
-  ASSERT_TRUE(
-      loadTexts("{name: w, type: textContainer, x: 100, y: 100, width: 50, height: 50, children: ["
-                "{x: 5, y: 9, style: plain, content: b}, {x: 5, y: 48, style: plain, content: b}]}"));
-  EXPECT_EQ(inked(), kNothing);
-  ASSERT_TRUE(
-      loadTexts("{name: w, type: textContainer, x: 100, y: 100, width: 50, height: 50, children: ["
-                "{x: 5, y: 10, style: plain, content: b}, {x: 5, y: 47, style: plain, content: b}]}"));
-  EXPECT_EQ(inked(), (Box{105, 104, 114, 148}));
+  const std::pair<int, bool> baselines[] = {{9, false}, {10, true}, {47, true}, {48, false}};  // 47 + 2 is less than 50
+  for (const auto& [y, shows] : baselines) {
+    ASSERT_TRUE(
+        loadTexts("{name: w, type: textContainer, x: 100, y: 100, width: 50, height: 50, children: [{x: 5, y: " +
+                  std::to_string(y) + ", style: plain, content: b}]}"));
+    EXPECT_EQ(inked(), shows ? (Box{105, 94 + y, 114, 101 + y}) : kNothing) << y;
+  }
 }
 
 TEST_F(TextContainerTest, WithoutASelectionKeysScrollWithoutEnd) {
   TextContainerWidget* w = container(6, "scrollDelta: 12");
-  EXPECT_EQ(shown(), (Rows{10, 22, 34, 46}));
-  key("Down");
-  EXPECT_EQ(shown(), (Rows{10, 22, 34, 46}));
-  EXPECT_EQ(w->scrollOffset, 12);
-  press("Down", 4);
-  EXPECT_EQ(shown(), (Rows{10}));
-  press("Down", 3);
-  EXPECT_EQ(shown(), Rows{});
-  press("Up", 10);
-  EXPECT_EQ(w->scrollOffset, -24);
-  EXPECT_EQ(shown(), (Rows{34, 46}));
+  const std::tuple<const char*, int, int, Rows> steps[] = {
+      // key, times, offset and rows after it
+      {"Up", 0, 0, {10, 22, 34, 46}}, {"Down", 1, 12, {10, 22, 34, 46}}, {"Down", 4, 60, {10}}, {"Down", 3, 96, {}},
+      {"Up", 10, -24, {34, 46}},
+  };
+  for (const auto& [name, times, offset, rows] : steps) {
+    press(name, times);
+    EXPECT_EQ(w->scrollOffset, offset);
+    EXPECT_EQ(shown(), rows) << offset;
+  }
   KuiValue value;
   EXPECT_EQ(eventSendSimple(w, kGetValue, 0, &value), 1);
   EXPECT_EQ(value.integer, 0);
@@ -68,29 +65,26 @@ TEST_F(TextContainerTest, WithoutASelectionKeysScrollWithoutEnd) {
 TEST_F(TextContainerTest, TheSelectionScrollsByPages) {
   TextContainerWidget* w = container(10, "selectTextStyle: bright, selectedLine: 1");
   EXPECT_EQ(w->scrollDelta, 10);
-  EXPECT_EQ(shown(), (Rows{-10, 22, 34, 46}));
-  press("Down", 3);
-  EXPECT_EQ(shown(), (Rows{10, 22, 34, -46}));
-  // Line 5 (58) is out of view: line 4 comes to the top, its baseline one size down: offset 46 - 10.
-  key("Down");
-  EXPECT_EQ(w->scrollOffset, 36);
-  EXPECT_EQ(shown(), (Rows{10, -22, 34, 46}));
-  press("Down", 2);
-  // Line 8 (94) is out of view, line 7 (82) would come up to 72, but the last line is 118: 118 + 2 - 50 + 1.
-  key("Down");
-  EXPECT_EQ(w->scrollOffset, 71);
-  EXPECT_EQ(w->selectedLine, 8);
-  EXPECT_EQ(shown(), (Rows{11, -23, 35, 47}));
-  press("Down", 5);
-  EXPECT_EQ(w->selectedLine, 10);
-  // Back up: line 6 (70) is out of view, and line 7 (82) goes to the bottom: 82 + 2 - 50.
-  press("Up", 4);
-  EXPECT_EQ(w->selectedLine, 6);
-  EXPECT_EQ(w->scrollOffset, 34);
-  EXPECT_EQ(shown(), (Rows{12, 24, -36}));
-  press("Up", 9);
-  EXPECT_EQ(w->selectedLine, 1);
-  EXPECT_EQ(w->scrollOffset, 0);
+  const std::tuple<const char*, int, int, int, Rows> steps[] = {
+      // key, times; line, offset and rows after it
+      {"Up", 0, 1, 0, {-10, 22, 34, 46}},
+      {"Down", 3, 4, 0, {10, 22, 34, -46}},
+      // Line 5 (58) is out of view: line 4 comes to the top, its baseline one size down: offset 46 - 10.
+      {"Down", 1, 5, 36, {10, -22, 34, 46}},
+      {"Down", 2, 7, 36, {10, 22, 34, -46}},
+      // Line 8 (94) is out of view, line 7 (82) would come up to 72, but the last line is 118: 118 + 2 - 50 + 1.
+      {"Down", 1, 8, 71, {11, -23, 35, 47}},
+      {"Down", 5, 10, 71, {11, 23, 35, -47}},
+      // Back up: line 6 (70) is out of view, and line 7 (82) goes to the bottom: 82 + 2 - 50.
+      {"Up", 4, 6, 34, {12, 24, -36}},
+      {"Up", 9, 1, 0, {-10, 22, 34, 46}},
+  };
+  for (const auto& [name, times, line, offset, rows] : steps) {
+    press(name, times);
+    EXPECT_EQ(w->selectedLine, line);
+    EXPECT_EQ(w->scrollOffset, offset) << line;
+    EXPECT_EQ(shown(), rows) << line;
+  }
 }
 
 struct Counter : EventHandler {
@@ -100,18 +94,16 @@ struct Counter : EventHandler {
 };
 
 TEST_F(TextContainerTest, KeysAskForAMoveOnlyWhereThereIsALine) {
-  int moves = 0;
-  const auto movesBy = [&](const char* selected, const char* name) {
+  const std::tuple<const char*, const char*, int> cases[] = {
+      {"1", "Up", 0}, {"2", "Up", 1}, {"2", "Down", 1}, {"3", "Down", 0}};
+  for (const auto& [selected, name, expected] : cases) {
     TextContainerWidget* w = container(3, std::string("selectTextStyle: bright, selectedLine: ") + selected);
+    int moves = 0;
     handlerAdd(w, new Counter(&moves));
-    moves = 0;
     key(name);
-    return moves;
-  };
-  EXPECT_EQ(movesBy("1", "Up"), 0);
-  EXPECT_EQ(movesBy("2", "Up"), 1);
-  EXPECT_EQ(movesBy("2", "Down"), 1);
-  EXPECT_EQ(movesBy("3", "Down"), 0);
+    EXPECT_EQ(moves, expected) << selected << name;
+    ASSERT_TRUE(loadTexts(""));  // the counter goes while it can still count
+  }
 }
 
 TEST_F(TextContainerTest, WhatLeadsOutsideTheListChangesNothing) {

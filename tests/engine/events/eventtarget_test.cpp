@@ -45,7 +45,11 @@ TEST_F(TargetTest, ObserversHearFirstThenTargetsUntilOneConsumesThenTheDefault) 
   observerAdd(&second, new Hook(7, note("o2", 1)));
   observerAdd(&first, new Hook(7, note("o1", 1)));
   observerAdd(&first, new Hook(8, note("other")));
-  handlerAdd(&first, new Hook(7, note("h1")));
+  auto* handler = new Hook(7, note("h1"));
+  EXPECT_TRUE(handlerAdd(&first, handler));
+  EXPECT_FALSE(handlerAdd(&second, handler));  // it is in a list
+  Hook same(7, note("same"));
+  EXPECT_FALSE(handlerAdd(&first, &same));  // a target takes one for a code
   defaultTargetSet(&fallback);
   EXPECT_EQ(posting(7), "o1 o2 h1 first second => 1");
 
@@ -58,22 +62,6 @@ TEST_F(TargetTest, ObserversHearFirstThenTargetsUntilOneConsumesThenTheDefault) 
   targetDestroyLists(&second);
   EXPECT_EQ(story, "default- first- other- o1- h1- o2- ");
   EXPECT_EQ(posting(7), "=> 0");
-}
-
-TEST_F(TargetTest, ATargetTakesOneHandlerForACode) {
-  Target target(nullptr, note("target"));
-  auto* handler = new Hook(7, note("handler", 1));
-  EXPECT_TRUE(handlerAdd(&target, handler));
-  EXPECT_FALSE(handlerAdd(&target, handler));
-  EXPECT_FALSE(observerAdd(&target, handler));
-  Hook same(7, note("same")), other(8, note("other"));
-  EXPECT_FALSE(handlerAdd(&target, &same));
-  EXPECT_TRUE(handlerAdd(&target, &other));
-  eventSendSimple(&target, 7, 0);
-  EXPECT_EQ(story, "handler ");
-  EXPECT_TRUE(handlerRemove(&other));
-  EXPECT_FALSE(handlerRemove(&other));
-  targetDestroyLists(&target);
 }
 
 TEST_F(TargetTest, WalksOutliveWhatTheirHooksTakeAway) {
@@ -105,14 +93,6 @@ TEST_F(TargetTest, WalksOutliveWhatTheirHooksTakeAway) {
   targetDestroyLists(b);
   delete a;
   delete b;
-}
-
-TEST_F(TargetTest, UnansweredEventsClimbToTheParent) {
-  Target top(nullptr, note("top", 1));
-  EventTarget middle(&top), bottom(&middle);
-  EXPECT_EQ(eventSendSimple(&bottom, 7, 0), 1);
-  EXPECT_EQ(bottom.handleEvent(nullptr), 1);
-  EXPECT_EQ(story, "top ");
 }
 
 TEST_F(TargetTest, ADestroyedDefaultIsAskedNoLonger) {
