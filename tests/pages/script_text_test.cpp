@@ -38,7 +38,7 @@ TEST_P(ScriptTextTest, ValuesAndLimits) {
         {"widgets.s.AddElement(4);", "Expecting string value\n--> nil\n"},
         {"widgets.s.value = 2;", "--> 2\n"},
         {"widgets.none.value;", kNil},
-        {"widgets.none.maxValue;", kNil},
+        {"widgets.none.maxValue;", "--> 0\n"},
         {"widgets.t.AddElement(\"c\");", kNil},
         {"widgets.c.value;", "--> 2\n"},
         {"widgets.t.minValue;", kNil}});

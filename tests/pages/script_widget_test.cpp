@@ -121,7 +121,7 @@ TEST_P(ScriptWidgetTest, AWrapperThatOutlivesItsWidgetIsInactive) {
         {"KOVA.w.bgColor = 1;", "Operation attempted on inactive widget\n--> 1\n"},
         {"KOVA.w.background = 1;", "Operation attempted on inactive widget\n--> 1\n"},
         {"KOVA.w.x = 1;", "Operation attempted on inactive widget\n--> 1\n"},
-        {"KOVA.w.highlighted = 1;", "--> 1\n"},
+        {"KOVA.w.highlighted = 1;", "Operation attempted on inactive widget\n--> 1\n"},
         {"KOVA.w.highlighted;", kNil},
         {"KOVA.f.LoadPage(\"page.kpg\");", kInactiveFrame},
         {"KOVA.f.UnloadPage();", kInactiveFrame},

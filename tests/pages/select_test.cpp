@@ -135,7 +135,7 @@ TEST_F(SelectTest, ChoicesCanBeAddedAndAreCountedByTheAnswer) {
   SelectWidget* w = select(kBoth);
   int32_t untouched = 77;
   KuiValue value{KuiValue::kString, "b"};
-  for (const int maximum : {0, 0, 1, 2}) {
+  for (const int maximum : {-1, 0, 1, 2}) {
     EXPECT_EQ(eventSendSimple(w, kGetMaximum, 0, &untouched), maximum);
     EXPECT_EQ(eventSendSimple(w, kAddChoice, 0, &value), 1);
   }

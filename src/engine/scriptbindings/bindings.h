@@ -63,11 +63,17 @@ class ConsoleStream : public BobStream {
   int PutC(int c) override;
 };
 
+// The symbols that a style is read by. They stay where they are, and are there from the start.
+struct StyleKeys {
+  BobValue font, size, color, bgColor, tracking, underline, aliasCount;
+};
+
 struct ScriptRuntime {
   BobInterp* interp = nullptr;
   ConsoleStream console;
   bool mayWriteFiles = true;
   uint32_t targetKind = 0, eventKind = 0, widgetKind = 0, frameKind = 0, styleKind = 0, timerKind = 0, tableKind = 0;
+  StyleKeys styleKeys{};
   std::vector<std::pair<std::string, uint32_t>> widgetTypes;  // `type` of a widget, kind of its wrappers
   // Each newest first. Timers and targets are the runtime's own, but end by timerDestroy and in the graveyard, since
   // they may be in use; handlers belong to their targets.

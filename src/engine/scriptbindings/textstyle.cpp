@@ -31,14 +31,9 @@ void holdStyle(BobInterp* interp, BobValue wrapper, const TextStyle& style) {
   bobHandleOf(interp, wrapper) = held.handle.number();
 }
 
-bool findProperty(BobInterp* interp, const BobLocal& object, const char* name, BobValue* value) {
-  const BobValue key = bobIntern(interp, name);
-  return bobGetProperty(interp, object, key, value);
-}
-
-bool findInteger(BobInterp* interp, const BobLocal& object, const char* name, int32_t* out) {
+bool findInteger(BobInterp* interp, const BobLocal& object, BobValue key, int32_t* out) {
   BobValue value;
-  if (!findProperty(interp, object, name, &value) || !bobIsInteger(interp, value)) return false;
+  if (!bobGetProperty(interp, object, key, &value) || !bobIsInteger(interp, value)) return false;
   *out = bobIntegerValue(interp, value);
   return true;
 }
@@ -46,22 +41,23 @@ bool findInteger(BobInterp* interp, const BobLocal& object, const char* name, in
 // Of the object's properties, which a getter may make up on the spot. False without a font that can be read or without
 // a size.
 bool readStyle(BobInterp* interp, const BobLocal& object, TextStyle* style) {
+  const StyleKeys& keys = currentScripts().styleKeys;
   BobValue font;
-  if (!findProperty(interp, object, "font", &font)) return false;
+  if (!bobGetProperty(interp, object, keys.font, &font)) return false;
   if (!bobIsA(interp, font, kBobString)) bobRaise(interp, kBobWrongType, font);
   style->font = fontLoad(std::string(bobStringText(interp, font)).c_str());
   int32_t number;
-  if (!style->font || !findInteger(interp, object, "size", &number)) return false;
+  if (!style->font || !findInteger(interp, object, keys.size, &number)) return false;
   style->size = uint16_t(number);
-  style->color = findInteger(interp, object, "color", &number) ? uint32_t(number) : standardColor(kColorWhite);
-  if (findInteger(interp, object, "bgColor", &number)) {
+  style->color = findInteger(interp, object, keys.color, &number) ? uint32_t(number) : standardColor(kColorWhite);
+  if (findInteger(interp, object, keys.bgColor, &number)) {
     style->bgColor = uint32_t(number);
     style->styleFlags |= kTextStyleBackground;
   }
   // Kept in the same word as the background's colour; a style with both keeps this one.
-  if (findInteger(interp, object, "aliasCount", &number)) style->bgColor = uint32_t(number);
+  if (findInteger(interp, object, keys.aliasCount, &number)) style->bgColor = uint32_t(number);
   BobValue ignored;
-  if (findProperty(interp, object, "underline", &ignored)) style->styleFlags |= kTextStyleUnderline;
+  if (bobGetProperty(interp, object, keys.underline, &ignored)) style->styleFlags |= kTextStyleUnderline;
   return true;
 }
 
@@ -116,6 +112,9 @@ const TextStyle* scriptStyleOf(BobInterp* interp, BobValue value) {
 }
 
 bool scriptDefineTextStyle(ScriptRuntime& runtime) {
+  const auto symbol = [&](const char* name) { return bobIntern(runtime.interp, name); };
+  runtime.styleKeys = {symbol("font"),     symbol("size"),      symbol("color"),     symbol("bgColor"),
+                       symbol("tracking"), symbol("underline"), symbol("aliasCount")};
   runtime.styleKind = bobMakeKind(runtime.interp, 0, "TextStyle", kMethods, nullptr);
   if (runtime.styleKind) bobSetFinalizer(runtime.interp, runtime.styleKind, releaseStyle);
   return runtime.styleKind != 0;

@@ -116,14 +116,14 @@ void setBackground(BobInterp* interp, BobValue self, BobValue value) {
   widgetSetBackground(widget, bobStringText(interp, value).data());
 }
 
-// The one property that doesn't complain about an inactive widget.
+// The one read that doesn't complain about an inactive widget.
 BobValue getHighlighted(BobInterp* interp, BobValue self) {
   const Widget* widget = scriptWidgetOf(interp, self);
   return bobBoolean(widget && widget->flags & kWidgetHighlighted);
 }
 
 void setHighlighted(BobInterp* interp, BobValue self, BobValue value) {
-  if (Widget* widget = scriptWidgetOf(interp, self)) widgetSetHighlight(widget, value != kBobFalse);
+  if (Widget* widget = activeWidget(interp, self)) widgetSetHighlight(widget, value != kBobFalse);
 }
 
 // ---- pictures

@@ -9,10 +9,6 @@
 
 namespace {
 
-constexpr int32_t kFarthest = 8000;  // pixels from the screen's corner; beyond, nothing is drawn
-
-bool isFar(int32_t v) { return v > kFarthest || v < -kFarthest; }
-
 // By the encoding of the strike that the paint has, which may still be another style's.
 uint32_t drawableLength(hsGAttribute* paint, const char* text, uint32_t length) {
   const auto context = hsAdopt(paint->GetTextContext(nullptr));
@@ -31,11 +27,11 @@ void textApplyStyle(const TextStyle& style) {
 
 void textDraw(const char* text, uint32_t length, int32_t x, int32_t y) {
   const TextStyle& style = currentTextPen().style;
-  if (!style.font || isFar(x) || isFar(y)) return;
+  if (!style.font) return;
   DisplaySurface& display = currentDisplay();
   hsGAttribute* paint = display.textPaint();
   length = drawableLength(paint, text, length);
-  const hsFixed left = hsIntToFixed(x), baseline = hsIntToFixed(y);
+  const hsFixed left = hsWrapShl(x, 16), baseline = hsWrapShl(y, 16);
   if (style.styleFlags & kTextStyleBackground) {
     hsPoint top, bottom;
     const hsFixed width = paint->MeasureText(length, text, &top, &bottom);

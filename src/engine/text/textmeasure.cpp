@@ -71,25 +71,29 @@ void textMeasure(const TextStyle& style, const char* text, uint32_t length, int3
 }
 
 // Without kerning a text is as wide as its characters together, so one walk finds what trying every length would find.
+// An end inside a character of UTF-8 measures the whole of it, since its first byte makes it count; one inside a
+// character of UTF-16 measures what comes before it, and so do all ends after the last character that decodes.
 uint32_t textFit(const TextStyle& style, const char* text, uint32_t length, int32_t limit, int32_t* width) {
   *width = 0;
   if (length == 0) return 0;
   const CharacterWidths widths(style, text, length);
   uint32_t fitting = 0, at = 0;
   hsFixed advance = 0;
-  for (size_t i = 0;; ++i) {
-    // All ends inside a character measure what comes before it; so do all after the last one that decodes.
-    const bool decodes = at < widths.usable;
-    const Character character = decodes ? firstCharacter(style.encoding, text + at, widths.usable - at) : Character{};
-    const uint32_t next = decodes ? at + character.length : length;
-    if (hsFixedRound(advance) < limit) {
-      fitting = next - 1;
-      *width = hsFixedRound(advance);
-    }
-    if (next >= length) return fitting;
+  const auto tryEnd = [&](uint32_t end) {
+    if (hsFixedRound(advance) >= limit) return;
+    fitting = end;
+    *width = hsFixedRound(advance);
+  };
+  for (size_t i = 0; at < widths.usable; ++i) {
+    const Character character = firstCharacter(style.encoding, text + at, widths.usable - at);
+    const uint32_t next = at + character.length;
+    tryEnd(style.encoding == hsGAttribute::kUTF16 ? next - 1 : at);
     advance = hsWrapAdd(advance, widths.of(i, character.code));
+    if (style.encoding == hsGAttribute::kUTF8) tryEnd(next - 1);
     at = next;
   }
+  if (at < length) tryEnd(length - 1);
+  return fitting;
 }
 
 void textMetrics(const TextStyle& style, int32_t* ascent, int32_t* descent) {

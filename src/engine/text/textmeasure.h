@@ -10,7 +10,7 @@ void textMeasure(const TextStyle& style, const char* text, uint32_t length, int3
                  int32_t* ascent);
 
 // How many bytes from the text's beginning, fewer than `length`, measure less than `limit` pixels, and their width. The
-// most that do; 0, of width 0, when none do. The last of them may begin a character that the next bytes would end.
+// most that do; 0, of width 0, when none do. In UTF-16 the last of them may begin a character that the next one ends.
 uint32_t textFit(const TextStyle& style, const char* text, uint32_t length, int32_t limit, int32_t* width);
 
 // Of the style's font and size alone. Either may be null.

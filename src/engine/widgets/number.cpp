@@ -1,5 +1,6 @@
 #include "engine/widgets/number.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "engine/text/textdraw.h"
@@ -7,15 +8,17 @@
 
 namespace {
 
-constexpr int32_t kMostDigits = 255;  // beyond, nothing is drawn
+constexpr int32_t kMostCharacters = 255;  // what is longer is cut at its end
 
 void draw(NumberWidget* widget) {
   widgetPaint(widget);
   const auto& style = widget->flags & kWidgetHighlighted ? widget->styles.highlighted : widget->styles.plain;
-  if (!style || widget->digits > kMostDigits || widget->digits < -kMostDigits) return;
-  char text[kMostDigits + 1];
-  const int length = std::snprintf(text, sizeof text, "%0*d", widget->digits, widget->value);
-  textDrawAt(*style, text, uint32_t(length), widget->bounds.x, widget->bounds.y);
+  if (!style) return;
+  // Widths from twice the buffer's on show the same zeros or blanks.
+  const int width = std::clamp(widget->digits, -2 * kMostCharacters, 2 * kMostCharacters);
+  char text[kMostCharacters + 1];
+  const int length = std::snprintf(text, sizeof text, "%0*d", width, widget->value);
+  textDrawAt(*style, text, uint32_t(std::min(length, kMostCharacters)), widget->bounds.x, widget->bounds.y);
 }
 
 }  // namespace

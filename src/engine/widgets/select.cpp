@@ -182,7 +182,7 @@ int SelectWidget::handleEvent(const Event* event) {
     case kSetValue: return setValue(this, *event);
     case kGetMinimum: return 0;
     // The answer itself, not through a pointer.
-    case kGetMaximum: return choices.empty() ? 0 : int(choices.size() - 1);
+    case kGetMaximum: return int(choices.size()) - 1;
     case kAddChoice: return addChoice(this, *event);
     default: return widgetBaseEvent(this, *event);
   }

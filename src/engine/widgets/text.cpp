@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <new>
 
 #include "engine/events/value.h"
 #include "engine/text/textdraw.h"
@@ -14,12 +13,9 @@
 
 namespace {
 
-constexpr uint32_t kMostBytes = 1 << 20;  // of one text
-
-// Zeros; null when that is more memory than a text may have.
-std::unique_ptr<char[]> newBuffer(uint32_t bytes) {
-  if (bytes > kMostBytes) return nullptr;
-  return std::unique_ptr<char[]>(new (std::nothrow) char[bytes]());
+// Makes a buffer long enough for so many bytes.
+void reach(std::string* buffer, size_t bytes) {
+  if (buffer->size() < bytes) buffer->resize(bytes);
 }
 
 // ---- drawing
@@ -52,7 +48,7 @@ void draw(TextWidget* widget) {
   widgetPaint(widget);
   const bool highlighted = widget->flags & kWidgetHighlighted && widget->styles.highlighted;
   const auto& style = highlighted ? widget->styles.highlighted : widget->styles.plain;
-  const char* text = widget->echoBuffer ? widget->echoBuffer.get() : widget->value;
+  const char* text = widget->hidesValue() ? widget->echoBuffer.data() : widget->value;
   if (!style || !text || widget->length < 1) return;
   if (widget->multiline) {
     drawLines(widget, *style, text);
@@ -69,23 +65,39 @@ int clear(TextWidget* widget) {
   return 1;
 }
 
+void setLength(TextWidget* widget, uint32_t length) {
+  widget->length = length;
+  reach(&widget->ownedValue, length);
+  if (widget->hidesValue()) reach(&widget->echoBuffer, length);
+  widget->value = widget->ownedValue.data();
+}
+
 // A full text eats the digit.
 int append(TextWidget* widget, uint32_t digit) {
   if (widget->length >= widget->maxLength) return 1;
-  if (widget->echoBuffer) widget->echoBuffer[widget->length] = widget->echoChar;
-  widget->ownedValue[widget->length] = char('0' + digit);
-  ++widget->length;
+  setLength(widget, widget->length + 1);
+  if (widget->hidesValue()) widget->echoBuffer[widget->length - 1] = widget->echoChar;
+  widget->ownedValue[widget->length - 1] = char('0' + digit);
   widgetInvalidate(widget);
   return 1;
 }
 
-int getValue(const TextWidget* widget, const Event& event) {
+// With fromRight the last `length` bytes of the buffer of maxLength, of which zeros may never have been written.
+std::string_view bytesForScripts(TextWidget* widget) {
+  if (!widget->value) return {};
+  if (!widget->fromRight || !widget->editable) return {widget->value, widget->length};
+  const size_t first = widget->maxLength - widget->length;
+  const std::string& buffer = widget->ownedValue;
+  widget->readBack = first < buffer.size() ? buffer.substr(first, widget->length) : "";
+  widget->readBack.resize(widget->length);
+  return widget->readBack;
+}
+
+int getValue(TextWidget* widget, const Event& event) {
   KuiValue* out = eventPointer<KuiValue>(event);
   if (!out) return 0;
   out->kind = KuiValue::kString;
-  out->string = {};
-  if (widget->value)
-    out->string = {widget->value + (widget->fromRight ? widget->maxLength - widget->length : 0), widget->length};
+  out->string = bytesForScripts(widget);
   return 1;
 }
 
@@ -99,14 +111,11 @@ int setValue(TextWidget* widget, const Event& event) {
   }
   const auto length = uint32_t(std::min<size_t>(in->string.size(), UINT32_MAX));
   if (widget->editable) {
-    widget->length = std::min(length, widget->maxLength);
-    std::copy_n(in->string.data(), widget->length, widget->ownedValue.get());
+    setLength(widget, std::min(length, widget->maxLength));
+    std::copy_n(in->string.data(), widget->length, widget->ownedValue.data());
   } else {
-    std::unique_ptr<char[]> bytes = newBuffer(length);
-    if (!bytes) return 1;
-    std::copy_n(in->string.data(), length, bytes.get());
-    widget->ownedValue = std::move(bytes);
-    widget->value = widget->ownedValue.get();
+    widget->ownedValue = std::string(in->string);
+    widget->value = widget->ownedValue.data();
     widget->length = widget->maxLength = length;
   }
   widgetInvalidate(widget);
@@ -117,8 +126,8 @@ int setValue(TextWidget* widget, const Event& event) {
 int freeText(TextWidget* widget) {
   widget->length = widget->maxLength = 0;
   widget->value = nullptr;
-  widget->ownedValue.reset();
-  widget->echoBuffer.reset();
+  widget->ownedValue.clear();
+  widget->echoBuffer.clear();
   return 1;
 }
 
@@ -141,18 +150,7 @@ int setStyle(std::optional<TextStyle>& style, const Event& event) {
 
 // ---- creation
 
-bool makeBuffers(TextWidget* widget, const char* initial) {
-  widget->ownedValue = newBuffer(widget->maxLength);
-  if (!widget->ownedValue) return false;
-  if (widget->echoChar && !(widget->echoBuffer = newBuffer(widget->maxLength))) return false;
-  widget->value = widget->ownedValue.get();
-  if (!initial) return true;
-  widget->length = uint32_t(std::min<size_t>(std::strlen(initial), widget->maxLength));
-  std::copy_n(initial, widget->length, widget->ownedValue.get());
-  return true;
-}
-
-// False when memory runs out.
+// False for a maxLength that is no length.
 bool readAttributes(TextWidget* widget) {
   widget->styles = widgetTextStyles(widget);
   widgetAttrBool(widget, "multiline", &widget->multiline);
@@ -163,8 +161,11 @@ bool readAttributes(TextWidget* widget) {
   const char* initial = widgetAttrString(widget, "value");
   widgetAttrBool(widget, "fromRight", &widget->fromRight);
   if (widget->editable) {
+    if (maxLength < 0) return false;
     widget->maxLength = uint32_t(maxLength);
-    return makeBuffers(widget, initial);
+    setLength(widget, initial ? uint32_t(std::min<size_t>(std::strlen(initial), widget->maxLength)) : 0);
+    std::copy_n(initial, widget->length, widget->ownedValue.data());
+    return true;
   }
   widget->value = initial;
   if (initial) widget->length = widget->maxLength = uint32_t(std::strlen(initial));

@@ -4,7 +4,7 @@
 // that a script or the page gave is made of zero bytes; and an echo is aligned by the width of what it hides.
 #pragma once
 
-#include <memory>
+#include <string>
 
 #include "engine/widgets/textparts.h"
 
@@ -15,15 +15,20 @@ struct TextWidget : Widget {
   TextStylePair styles;
   bool multiline = false;
   bool editable = false;
-  bool fromRight = false;              // scripts read the last `length` bytes of the buffer
-  uint32_t alignment = 0;              // a widgetAlign number
-  uint32_t length = 0;                 // bytes
-  uint32_t maxLength = 0;              // bytes of the buffer
-  char echoChar = 0;                   // shown in place of each entered byte; 0 shows the bytes
-  const char* value = nullptr;         // without a zero at its end; null for no text
-  std::unique_ptr<char[]> ownedValue;  // what `value` points to when that isn't the page
-  std::unique_ptr<char[]> echoBuffer;  // as long as the value, or null
+  bool fromRight = false;       // scripts read the last `length` bytes of the buffer
+  uint32_t alignment = 0;       // a widgetAlign number
+  uint32_t length = 0;          // bytes
+  uint32_t maxLength = 0;       // bytes of the buffer
+  char echoChar = 0;            // shown in place of each entered byte; 0 shows the bytes
+  const char* value = nullptr;  // without a zero at its end; null for no text
+
+  // Buffers are as long as what has been written to them; beyond, they are zeros up to maxLength.
+  std::string ownedValue;  // what `value` points to when that isn't the page
+  std::string echoBuffer;
+  std::string readBack;  // what a script has got that reads from the right
+
+  bool hidesValue() const { return editable && echoChar; }
 };
 
-// Null on failure, a maxLength beyond a megabyte included.
+// Null on failure, a negative maxLength included.
 Widget* textCreate(WidgetOwner* owner, Widget* parent, PageObject record);
