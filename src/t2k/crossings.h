@@ -6,7 +6,7 @@
 
 #include "t2k/crossingsort.h"
 
-inline constexpr int kMaxEdges = 1 << 18;  // crossings of a glyph that takes the slow sort
+inline constexpr int kMaxEdges = 1 << 21;  // crossings of a glyph that takes the slow sort
 
 struct CrossingBounds {
   int32_t xmin, ymin, xmax, ymax;

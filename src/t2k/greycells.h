@@ -50,21 +50,22 @@ class GreyCells {
     }
   }
 
-  // Writes sc's bitmap, which lies within the box and holds all that was entered.
+  // Writes sc's bitmap, which lies within the box.
   void Sum(const tsiScanConv& sc) const {
     tsiBuffer<Cell, 512> lanes(mem_, uint32_t(stride_) * 2);
     Cell* units = lanes.get();  // of the columns, running up
     Cell* sums = units + stride_;
     std::memset(units, 0, size_t(stride_) * sizeof(Cell));
     const int indent = sc.left - box_.left;
-    for (int y = sc.bottom; y < sc.top; ++y) {
+    for (int y = box_.bottom; y < sc.top; ++y) {
       const int row = (y - box_.bottom) * stride_;
       SumColumns(columns_ + row, units, sums, stride_);
-      SumRow(rows_ + row + indent, sums + indent, sc.baseAddr + (sc.top - 1 - y) * sc.rowBytes, sc.Width());
+      if (y >= sc.bottom)
+        SumRow(rows_ + row + indent, sums + indent, sc.baseAddr + (sc.top - 1 - y) * sc.rowBytes, sc.Width());
     }
   }
 
- private:
+ protected:
   // The part in the low byte and the unit above it, both signed: the part's sign borrows from the unit. A pixel's parts
   // come to 60 at the most, since on one line rising and falling alternate.
   using Cell = int16_t;
@@ -117,4 +118,40 @@ class GreyCells {
   tsiBuffer<Cell, kInlinePixels * 2> cells_;
   Cell* const rows_;
   Cell* const columns_;
+};
+
+// Cells for some rows of a glyph. Columns run up from below them, so the units of what ends there are entered into an
+// extra row below; what ends above changes nothing.
+template <int kOversample>
+class GreyStrip : private GreyCells<kOversample> {
+ public:
+  GreyStrip(tsiMemObject* mem, const PixelBox& rows)
+      : GreyCells<kOversample>(mem, {rows.left, rows.bottom - 1, rows.right, rows.top}) {}
+
+  using GreyCells<kOversample>::Restart;
+  using GreyCells<kOversample>::Sum;
+
+  template <bool kVertical>
+  void Enter(const LineSpans& spans) {
+    const int32_t at = spans.line / kOversample >> 6;
+    if (!kVertical) {
+      if (at > this->box_.bottom && at < this->box_.top) GreyCells<kOversample>::template Enter<false>(spans);
+      return;
+    }
+    typename GreyCells<kOversample>::Cell* const column = this->columns_ + (at - this->box_.left);
+    for (int i = 0; i < spans.count; i += 2) {
+      EnterEnd(column, AlongOf(spans.begin[i]) / kOversample, 1);
+      EnterEnd(column, AlongOf(spans.begin[i + 1]) / kOversample, -1);
+    }
+  }
+
+ private:
+  using Cell = typename GreyCells<kOversample>::Cell;
+
+  void EnterEnd(Cell* column, int32_t end, int sign) {
+    const int row = (end >> 6) - this->box_.bottom;
+    if (row >= this->box_.Height()) return;
+    Cell& cell = column[std::max(row, 0) * this->stride_];
+    cell = Cell(cell + sign * (row > 0 ? this->kEntry[size_t(end & 63)] : this->kUnit * 256));
+  }
 };

@@ -1,11 +1,17 @@
 // The bitmap of a glyph. Grey runs from 0 to 120 and a little beyond, not to 255.
 #pragma once
 
+#include <climits>
 #include <cstdint>
 
 inline constexpr int kMaxGreyLevel = 5;
-inline constexpr int kMaxBitmapSide = 2048;  // pixels; a larger glyph has bounds but no bitmap
+inline constexpr int64_t kMaxBitmapBytes = 1 << 26;  // a larger glyph has bounds but no bitmap
 inline constexpr int kGreyFull = 120;
+
+// Of a bitmap only these rows, counted from its top; all unless something else is asked for.
+struct T2KRows {
+  int first = 0, limit = INT_MAX;  // limit: the row after the last
+};
 
 struct tsiScanConv {
   int left, bottom, right, top;  // pixels, Y up, right and top exclusive

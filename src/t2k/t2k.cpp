@@ -89,6 +89,7 @@ T2K* NewT2K(tsiMemObject* mem, sfntClass* font, int* errCode) {
     t->mem = mem;
     t->font = font;
     t->ag_xPixelsPerEm = t->ag_yPixelsPerEm = -1;
+    t->bitmapRows = T2KRows();
     std::fill_n(t->kernCache.key, kKernCacheSize, UINT32_MAX);
     font->preferedPlatformID = font->preferedPlatformSpecificID = 65535;
     tsi_HoldByCaller(mem, t, ForgetScaler);

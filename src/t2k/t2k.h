@@ -15,6 +15,7 @@
 #pragma once
 
 #include "gfx/foundation/hstypes.h"
+#include "t2k/scanbitmap.h"
 #include "t2k/truetype.h"
 
 struct HinterClass;
@@ -58,7 +59,8 @@ struct T2K {
   int width, height;
   int32_t fTop26Dot6, fLeft26Dot6;
   int rowBytes;
-  uint8_t* baseAddr;  // null if there is none
+  uint8_t* baseAddr;   // null if there is none
+  T2KRows bitmapRows;  // which the next bitmap is to have; width and height stay those of the whole
 
   int xPixelsPerEm, yPixelsPerEm;  // rounded; outlines are scaled by these
   hsFixed xPixelsPerEm16Dot16, yPixelsPerEm16Dot16;

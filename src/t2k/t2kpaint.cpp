@@ -6,6 +6,7 @@ class MonoBits {
  public:
   explicit MonoBits(const tsiScanConv& sc) : sc_(sc) {}
 
+  bool HasRow(int32_t y) const { return (y >> 6) >= sc_.bottom && (y >> 6) < sc_.top; }
   uint8_t* Row(int32_t y) const { return sc_.baseAddr + (sc_.top - 1 - (y >> 6)) * sc_.rowBytes; }
 
   bool IsSet(int32_t x, int32_t y) const {
@@ -64,16 +65,16 @@ void PaintMono(const tsiScanConv& sc, const CrossingTable& crossings, const Cros
   const MonoBits bits(sc);
   ForEachRowSpan(crossings, [&](int32_t y, int32_t x0, int32_t x1) {
     const int a = (x0 + 32) >> 6, b = (x1 + 32) >> 6;
-    if (a < b) bits.SetRun(bits.Row(y), a, b);
+    if (a < b && bits.HasRow(y)) bits.SetRun(bits.Row(y), a, b);
   });
   const int32_t xCentre = (bounds.xmin + bounds.xmax) >> 1;
   ForEachRowSpan(crossings, [&](int32_t y, int32_t x0, int32_t x1) {
-    if (x1 - x0 >= 64 || bits.IsSet(x0, y) || bits.IsSet(x1, y)) return;
+    if (x1 - x0 >= 64 || !bits.HasRow(y) || bits.IsSet(x0, y) || bits.IsSet(x1, y)) return;
     bits.Set(DropoutPlace(x0, x1, xCentre), y);
   });
   const int32_t yCentre = (bounds.ymin + bounds.ymax) >> 1;
   ForEachColumnSpan(crossings, [&](int32_t x, int32_t y0, int32_t y1) {
-    if (y1 - y0 >= 64 || bits.IsSet(x, y0) || bits.IsSet(x, y1)) return;
+    if (y1 - y0 >= 64 || !bits.HasRow(y0) || !bits.HasRow(y1) || bits.IsSet(x, y0) || bits.IsSet(x, y1)) return;
     bits.Set(x, DropoutPlace(y0, y1, yCentre));
   });
 }

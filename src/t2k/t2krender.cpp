@@ -256,6 +256,7 @@ void MakeBitmap(const RenderCall& call) {
   options.greyLevel = call.greyScaleLevel;
   options.boundsOnly = call.cmd & kT2KBoundsOnly;
   options.sharpen = call.GridFits() && t->ag_sharpen && t->ag_xPixelsPerEm < kSharpenBelow;
+  options.rows = t->bitmapRows;
   const tsiScanConv sc = ScanConvert(*glyph, options);
   t->width = sc.Width();
   t->height = sc.Height();

@@ -10,7 +10,9 @@ namespace {
 // Coordinates within this leave space for oversampling.
 constexpr int32_t kCoordinateLimit = 1 << 24;
 // A shape whose points spread further than this has no bitmap, whatever its curves do.
-constexpr int32_t kSpreadLimit = 2 * kMaxBitmapSide * 64;
+constexpr int32_t kSpreadLimit = 65536 * 64;
+constexpr int kStripPixels = 1 << 20;  // a grey bitmap is summed by strips of rows of so many at the most
+constexpr int kDropoutMargin = 64;     // rows around those asked for that dropout control may look at
 
 CrossingBounds PointBounds(const GlyphClass& glyph) {
   CrossingBounds b{glyph.x[0], glyph.y[0], glyph.x[0], glyph.y[0]};
@@ -81,24 +83,43 @@ class Conversion {
     }
     sc_ = BoundsInPixels(bounds_);
     sc_.rowBytes = RowBytesFor(options_.greyLevel, sc_.Width());
-    return !crossings_.Overflowed() && sc_.Width() <= kMaxBitmapSide && sc_.Height() <= kMaxBitmapSide;
+    return !crossings_.Overflowed() && ChooseRows();
   }
 
-  // paint() writes every byte of the bitmap.
+  // False if no row is to be made, or more than can be.
+  bool ChooseRows() {
+    const int first = std::max(options_.rows.first, 0), limit = std::min(options_.rows.limit, sc_.Height());
+    if (first >= limit) return false;
+    asked_ = sc_;
+    asked_.top = sc_.top - first;
+    asked_.bottom = sc_.top - limit;
+    return int64_t{sc_.rowBytes} * asked_.Height() <= kMaxBitmapBytes;
+  }
+
+  // paint() writes every byte of the rows asked for.
   template <class Paint>
   void MakeBits(Paint paint) {
-    tsiBlock<uint8_t> bits(glyph_.mem, uint32_t(sc_.rowBytes * sc_.Height()));
-    sc_.baseAddr = bits.get();
+    tsiBlock<uint8_t> bits(glyph_.mem, uint32_t(asked_.rowBytes * asked_.Height()));
+    sc_.baseAddr = asked_.baseAddr = bits.get();
     paint();
     bits.Release();
   }
 
+  // What dropout control sets depends on neighbouring rows, so those are painted along and then left out.
   void RunMono() {
     NoPainter none;
     if (!Settle(none)) return;
+    tsiScanConv painted = asked_;
+    painted.top = std::min(asked_.top + kDropoutMargin, sc_.top);
+    painted.bottom = std::max(asked_.bottom - kDropoutMargin, sc_.bottom);
+    const size_t bytes = size_t(painted.rowBytes) * size_t(painted.Height());
+    tsiBuffer<uint8_t, 1024> rows(glyph_.mem, uint32_t(bytes));
+    painted.baseAddr = rows.get();
+    std::memset(painted.baseAddr, 0, bytes);
+    PaintMono(painted, crossings_, bounds_);
     MakeBits([&] {
-      std::memset(sc_.baseAddr, 0, size_t(sc_.rowBytes * sc_.Height()));
-      PaintMono(sc_, crossings_, bounds_);
+      const uint8_t* from = painted.baseAddr + (painted.top - asked_.top) * painted.rowBytes;
+      std::memcpy(asked_.baseAddr, from, size_t(asked_.rowBytes) * size_t(asked_.Height()));
     });
   }
 
@@ -116,6 +137,8 @@ class Conversion {
     }
     NoPainter none;
     if (!Settle(none)) return;
+    if (asked_.Height() < sc_.Height() || int64_t{sc_.Width()} * sc_.Height() > kStripPixels)
+      return RunStrips<kOversample>();
     Cells cells(glyph_.mem, {sc_.left, sc_.bottom, sc_.right, sc_.top});
     crossings_.EnterAll(cells);
     FinishGrey(cells);
@@ -123,8 +146,25 @@ class Conversion {
 
   template <int kOversample>
   void FinishGrey(const GreyCells<kOversample>& cells) {
-    MakeBits([&] { cells.Sum(sc_); });
-    if (options_.sharpen) SharpenGrey(sc_);
+    MakeBits([&] { cells.Sum(asked_); });
+    if (options_.sharpen) SharpenGrey(asked_);
+  }
+
+  // For the largest glyphs, and parts of glyphs: the same, with cells for some rows at a time.
+  template <int kOversample>
+  void RunStrips() {
+    const int most = std::max(kStripPixels / sc_.Width(), 1);
+    MakeBits([&] {
+      tsiScanConv strip = asked_;
+      for (strip.top = asked_.top; strip.top > asked_.bottom; strip.top = strip.bottom) {
+        strip.bottom = std::max(strip.top - most, asked_.bottom);
+        strip.baseAddr = asked_.baseAddr + (asked_.top - strip.top) * asked_.rowBytes;
+        GreyStrip<kOversample> cells(glyph_.mem, {strip.left, strip.bottom, strip.right, strip.top});
+        crossings_.EnterAll(cells);
+        cells.Sum(strip);
+      }
+    });
+    if (options_.sharpen) SharpenGrey(asked_);
   }
 
   const GlyphClass& glyph_;
@@ -134,6 +174,7 @@ class Conversion {
   CrossingTable crossings_;
   CrossingBounds bounds_{};
   tsiScanConv sc_{};
+  tsiScanConv asked_{};  // the rows of it that are made
 };
 
 }  // namespace

@@ -11,8 +11,9 @@ struct ScanConvOptions {
   int greyLevel = 0;  // 0 monochrome, 1 to kMaxGreyLevel lines a pixel
   bool boundsOnly = false;
   bool sharpen = false;  // takes some grey off where two neighbours share an edge
+  T2KRows rows{};
 };
 
-// Converts glyph's scaled points. The bitmap belongs to the caller. A glyph that touches no centre line is empty:
-// all zero. Throws tsiError.
+// Converts glyph's scaled points. The bitmap, of the rows asked for, belongs to the caller; the bounds are the whole
+// glyph's. A glyph that touches no centre line is empty: all zero. Throws tsiError.
 tsiScanConv ScanConvert(const GlyphClass& glyph, const ScanConvOptions& options);

@@ -101,17 +101,19 @@ TEST_F(ScanConverter, CubicPointsComeInTwos) {
 }
 
 TEST_F(ScanConverter, BeyondTheLargestBitmapThereAreBoundsOnly) {
-  const auto convert = [&](int width, int level) {
-    const GlyphHolder glyph(Make({RectContour(0, 0, width, 640)}));
+  const auto convert = [&](int width, int height, int level) {
+    const GlyphHolder glyph(Make({RectContour(0, 0, width, height)}));
     const tsiScanConv sc = ScanConvert(*glyph.get(), {level, false, false});
     const bool hasBits = sc.baseAddr;
     tsi_DeAllocMem(mem, sc.baseAddr);
     return std::tuple(sc.Width(), sc.rowBytes, hasBits);
   };
-  EXPECT_EQ(convert(2048 * 64 - 1, 5), std::tuple(2048, 2048, true));
-  EXPECT_EQ(convert(2048 * 64, 5), std::tuple(2049, 2049, false));
-  EXPECT_EQ(convert(20000 * 64, 0), std::tuple(20001, 2501, false));
-  EXPECT_EQ(convert(INT32_MAX - 64, 1), std::tuple(33554431, 33554431, false));
+  // 64 MB: 8192 * 8192 bytes, or eight times as many bits.
+  EXPECT_EQ(convert(8192 * 64 - 1, 8192 * 64 - 1, 1), std::tuple(8192, 8192, true));
+  EXPECT_EQ(convert(8192 * 64 - 1, 8192 * 64, 1), std::tuple(8192, 8192, false));
+  EXPECT_EQ(convert(8192 * 64 - 1, 8192 * 64, 0), std::tuple(8192, 1024, true));
+  EXPECT_EQ(convert(60000 * 64, 640, 3), std::tuple(60001, 60001, true));
+  EXPECT_EQ(convert(INT32_MAX - 64, 640, 1), std::tuple(33554431, 33554431, false));
 }
 
 TEST_F(ScanConverter, BoundsAloneAreThoseOfTheBitmap) {
@@ -154,6 +156,29 @@ FontContour RandomContour(std::mt19937& random, bool cubic, int reach, int grain
     contour.push_back({coordinate(), coordinate(), false});
   }
   return contour;
+}
+
+// Some rows of a glyph are made without the others; the largest are summed in strips.
+TEST_F(ScanConverter, RowsAloneAreThoseOfTheWhole) {
+  std::mt19937 random(7);
+  for (int turn = 0; turn < 400; ++turn) {
+    const int reach = turn == 0 ? 64 * 700 : 64 * (1 << turn % 7);
+    const GlyphHolder glyph(Make({RandomContour(random, false, reach, 1), RandomContour(random, false, reach, 9)}));
+    ScanConvOptions options{turn % 6, false, turn % 4 == 0};
+    const tsiScanConv whole = ScanConvert(*glyph.get(), options);
+    if (!whole.baseAddr) continue;
+    options.rows.first = int(random() % unsigned(whole.Height()));
+    options.rows.limit = options.rows.first + 1 + int(random() % unsigned(whole.Height()));
+    const tsiScanConv part = ScanConvert(*glyph.get(), options);
+    EXPECT_EQ(part.Height(), whole.Height());
+    const int count = std::min(options.rows.limit, whole.Height()) - options.rows.first;
+    const uint8_t* same = whole.baseAddr + options.rows.first * whole.rowBytes;
+    ASSERT_EQ(std::vector(part.baseAddr, part.baseAddr + count * part.rowBytes),
+              std::vector(same, same + count * whole.rowBytes))
+        << turn;
+    tsi_DeAllocMem(mem, whole.baseAddr);
+    tsi_DeAllocMem(mem, part.baseAddr);
+  }
 }
 
 // Random shapes, many of them overlapping themselves. A coarse grain makes edges that touch, and so crossings that

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr uint16_t kLargestImage = 2048;  // pixels a side; a larger glyph is passed over
+constexpr uint16_t kLargestImage = 2048;  // pixels a side; of a larger glyph only the rows that show are made
 
 constexpr hsFixed RoundToPixel(hsFixed v) { return hsIntToFixed(hsFixedRound(v)); }
 
@@ -68,6 +68,30 @@ struct TextCall {
   }
 };
 
+// Where the images of a run's glyphs come from. When there is no memory left, once more after a purge.
+struct ContextImages {
+  hsGTextContext& context;
+
+  const uint8_t* Whole(hsGGlyph* glyph) const {
+    if (const uint8_t* image = context.GetImage(glyph)) return image;
+    context.Purge();
+    glyph->fImage = nullptr;
+    return context.GetImage(glyph);
+  }
+  bool Rows(const hsGGlyph& glyph, int first, int count, uint8_t* buffer) const {
+    return context.GetRows(glyph, first, count, buffer);
+  }
+};
+
+struct StrikeImages {
+  hsGStrike& strike;
+
+  const uint8_t* Whole(hsGGlyph* glyph) const { return strike.GetImage(glyph); }
+  bool Rows(const hsGGlyph& glyph, int first, int count, uint8_t* buffer) const {
+    return strike.GetRows(glyph, first, count, buffer);
+  }
+};
+
 // Draws masks of glyphs, one after the other, with one blitter.
 class GlyphPainter {
  public:
@@ -84,25 +108,41 @@ class GlyphPainter {
     if (fClip && !fShown.Intersect(fClip->Bounds())) fShown = {0, 0, 0, 0};
   }
 
-  // With the pen at (x, y), half a pixel added. getImage returns the glyph's image or null.
-  template <class GetImage>
-  void Draw(hsGGlyph* glyph, hsFixed x, hsFixed y, GetImage&& getImage) {
+  // With the pen at (x, y), half a pixel added.
+  template <class Images>
+  void Draw(hsGGlyph* glyph, hsFixed x, hsFixed y, const Images& images) {
     if (glyph->fWidth == 0 || glyph->fCharCode == hsGGlyph::kEmpty) return;
-    if (glyph->fWidth > kLargestImage || glyph->fHeight > kLargestImage) return;
     const hsFixed atX = hsWrapAdd(x, glyph->fLeft);
     const int32_t left = atX >> 16, top = hsWrapAdd(y, glyph->fTop) >> 16;
     hsGMask mask;
     mask.fBounds = {left, top, left + glyph->fWidth, top + glyph->fHeight};
     if (fBounder && fBounder->BoundRect(mask.fBounds, fClip)) return;
     if (!fShown.Intersects(mask.fBounds)) return;
-    mask.fImage = getImage(glyph);
-    if (!mask.fImage) return;
     mask.fRowBytes = uint16_t(glyph->fRowBytes);
     mask.fMaskType = fMaskType;
-    Blit(mask, atX);
+    const bool isLarge = glyph->fWidth > kLargestImage || glyph->fHeight > kLargestImage;
+    if (isLarge && DrawRows(*glyph, mask, atX, images)) return;
+    mask.fImage = const_cast<uint8_t*>(images.Whole(glyph));
+    if (mask.fImage) Blit(mask, atX);
   }
 
  private:
+  // Draws of a mask the rows that can show. False if they can't be made alone.
+  template <class Images>
+  bool DrawRows(const hsGGlyph& glyph, const hsGMask& whole, hsFixed atX, const Images& images) {
+    hsIntRect shown = fShown;
+    if ((fClip && !shown.Intersect(fClip->Bounds())) || !shown.Intersect(whole.fBounds)) return true;
+    std::vector<uint8_t> rows(size_t{whole.fRowBytes} * size_t(shown.Height()));
+    if (!images.Rows(glyph, shown.fTop - whole.fBounds.fTop, shown.Height(), rows.data())) return false;
+    hsGMask mask;
+    mask.fBounds = {whole.fBounds.fLeft, shown.fTop, whole.fBounds.fRight, shown.fBottom};
+    mask.fRowBytes = whole.fRowBytes;
+    mask.fMaskType = whole.fMaskType;
+    mask.fImage = rows.data();
+    Blit(mask, atX);
+    return true;
+  }
+
   // Blitters take a mask without a clip only where it lies wholly on the device.
   void Blit(const hsGMask& mask, hsFixed atX) {
     const hsRegion* clip = fClip;
@@ -124,17 +164,6 @@ class GlyphPainter {
   hsIntRect fDevice, fShown;
   hsRegion fWhole;
 };
-
-// The image of a glyph of the context; when there is no memory left, once more after a purge.
-uint8_t* ImageOf(hsGTextContext& context, hsGGlyph* glyph) {
-  const uint8_t* image = context.GetImage(glyph);
-  if (!image) {
-    context.Purge();
-    glyph->fImage = nullptr;
-    image = context.GetImage(glyph);
-  }
-  return const_cast<uint8_t*>(image);
-}
 
 void DrawOutlines(hsGRawDraw* draw, hsGTextContext& context, uint32_t count, const hsGGlyph glyphs[],
                   const hsPoint positions[], const hsPoint& origin) {
@@ -169,7 +198,7 @@ void DrawTurnedGlyphs(hsGRawDraw* draw, hsGTextContext& plain, const hsPoint map
     for (; i < plain.Count() && directions[i] == direction; ++i) {
       hsGGlyph glyph;
       context->FillGlyph(plain.Chars()[i], &glyph);
-      painter.Draw(&glyph, mapped[i].fX, mapped[i].fY, [&](hsGGlyph* g) { return ImageOf(*context, g); });
+      painter.Draw(&glyph, mapped[i].fX, mapped[i].fY, ContextImages{*context});
     }
   }
 }
@@ -197,7 +226,7 @@ void hsGRawDraw::DrawText(uint32_t length, const void* text, hsScalar x, hsScala
     GlyphPainter painter(*this, context->MaskType(), fBounder);
     for (uint32_t i = 0; i < count; ++i) {
       const hsPoint at = origin + positions[i] + hsPoint{kFixedHalf, kFixedHalf};
-      painter.Draw(&glyphs[i], at.fX, at.fY, [&](hsGGlyph* glyph) { return ImageOf(*context, glyph); });
+      painter.Draw(&glyphs[i], at.fX, at.fY, ContextImages{*context});
     }
   }
   if (context->HasUnderline())
@@ -221,8 +250,7 @@ void hsGRawDraw::DrawPosText(uint32_t length, const void* text, const hsPoint po
   for (hsPoint& p : mapped) p = p + hsPoint{kFixedHalf, kFixedHalf};
   if (directions) return DrawTurnedGlyphs(this, *context, mapped.data(), directions);
   GlyphPainter painter(*this, context->MaskType(), fBounder);
-  for (uint32_t i = 0; i < count; ++i)
-    painter.Draw(&glyphs[i], mapped[i].fX, mapped[i].fY, [&](hsGGlyph* glyph) { return ImageOf(*context, glyph); });
+  for (uint32_t i = 0; i < count; ++i) painter.Draw(&glyphs[i], mapped[i].fX, mapped[i].fY, ContextImages{*context});
 }
 
 void hsGRawDraw::DrawFastText(uint32_t length, const void* text, hsPoint* point, const hsGUnderline* underline) {
@@ -242,7 +270,7 @@ void hsGRawDraw::DrawFastText(uint32_t length, const void* text, hsPoint* point,
     for (uint32_t i = 0; i < length; ++i) {
       hsGGlyph* glyph = strike->GetGlyph8(bytes[i]);
       if (!glyph) break;
-      painter.Draw(glyph, x, point->fY, [&](hsGGlyph* g) { return const_cast<uint8_t*>(strike->GetImage(g)); });
+      painter.Draw(glyph, x, point->fY, StrikeImages{*strike});
       x = hsWrapAdd(x, glyph->fAdvanceX);
       if (spaced) x = hsWrapAdd(x, bytes[i] == 0x20 ? spacing.fWordExtra : spacing.fCharExtra);
     }

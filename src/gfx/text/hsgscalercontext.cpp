@@ -148,6 +148,10 @@ bool hsGScalerContext::GetImage(const hsGGlyph& glyph, uint8_t* buffer) {
   return fMaskFilter ? RenderFiltered(glyph, buffer) : RenderUnfiltered(glyph, buffer);
 }
 
+bool hsGScalerContext::GetRows(const hsGGlyph& glyph, int first, int count, uint8_t* buffer) {
+  return !fMaskFilter && !fStrokeDesc && GenerateRows(glyph, first, count, buffer);
+}
+
 bool hsGScalerContext::RenderUnfiltered(const hsGGlyph& glyph, uint8_t* buffer) {
   return fStrokeDesc ? RenderOutline(glyph, buffer) : GenerateImage(glyph, buffer);
 }

@@ -67,6 +67,8 @@ class hsGScalerContext {
   void Measure(hsGGlyph* glyph);
   // The image of a measured glyph; false if it couldn't be rendered.
   bool GetImage(const hsGGlyph& glyph, uint8_t* buffer);
+  // Some rows of the image alone. False also for a context that makes images whole only.
+  bool GetRows(const hsGGlyph& glyph, int first, int count, uint8_t* buffer);
   // The outline on the device, from the pen.
   void GetOutline(const hsGGlyph& glyph, hsPath* path);
 
@@ -78,6 +80,7 @@ class hsGScalerContext {
  protected:
   virtual void GenerateMetrics(hsGGlyph* glyph) = 0;
   virtual bool GenerateImage(const hsGGlyph& glyph, uint8_t* buffer) = 0;
+  virtual bool GenerateRows(const hsGGlyph&, int /*first*/, int /*count*/, uint8_t* /*buffer*/) { return false; }
   virtual void GeneratePath(const hsGGlyph& glyph, hsPath* path) = 0;
 
   hsGScalerRecord fRecord{};

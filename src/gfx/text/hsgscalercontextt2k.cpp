@@ -89,9 +89,10 @@ T2K* hsGScalerContextT2K::Scaler() {
   return nullptr;
 }
 
-T2K* hsGScalerContextT2K::Render(uint16_t code, int command) {
+T2K* hsGScalerContextT2K::Render(uint16_t code, int command, const T2KRows& rows) {
   T2K* scaler = Scaler();
   if (!scaler) return nullptr;
+  scaler->bitmapRows = rows;
   int error = 0;
   T2K_RenderGlyph(scaler, EngineCode(code), 0, 0, fGreyLevel, command, &error);
   if (error == 0) return scaler;
@@ -140,10 +141,14 @@ void hsGScalerContextT2K::GenerateMetrics(hsGGlyph* glyph) {
 }
 
 bool hsGScalerContextT2K::GenerateImage(const hsGGlyph& glyph, uint8_t* buffer) {
-  const T2K* scaler = Render(glyph.fCharCode, fCommand | kT2KBitmap);
+  return GenerateRows(glyph, 0, glyph.fHeight, buffer);
+}
+
+bool hsGScalerContextT2K::GenerateRows(const hsGGlyph& glyph, int first, int count, uint8_t* buffer) {
+  const T2K* scaler = Render(glyph.fCharCode, fCommand | kT2KBitmap, {first, first + count});
   if (!scaler) return false;
-  const auto height = uint32_t(scaler->height), rowBytes = uint32_t(scaler->rowBytes);
-  bool fits = hsAssert(height <= glyph.fHeight, "bad height");
+  const auto rowBytes = uint32_t(scaler->rowBytes);
+  bool fits = hsAssert(scaler->height <= glyph.fHeight, "bad height");
   if (fMaskType == kMask_LCD) {
     const int pad = glyph.fWidth * 3 - scaler->width;
     fits = hsAssert(pad >= 2 && pad <= 4, "bad pad") && fits;
@@ -151,10 +156,11 @@ bool hsGScalerContextT2K::GenerateImage(const hsGGlyph& glyph, uint8_t* buffer) 
   } else {
     fits = hsAssert(scaler->width <= glyph.fWidth && rowBytes <= glyph.fRowBytes, "bad width") && fits;
   }
-  std::memset(buffer, 0, size_t{glyph.fRowBytes} * glyph.fHeight);
-  for (uint32_t y = 0; fits && scaler->baseAddr && y < height; ++y) {
-    const uint8_t* src = scaler->baseAddr + size_t{y} * rowBytes;
-    uint8_t* dst = buffer + size_t{y} * glyph.fRowBytes;
+  std::memset(buffer, 0, size_t{glyph.fRowBytes} * size_t(count));
+  const int made = scaler->baseAddr ? std::min(count, scaler->height - first) : 0;
+  for (int y = 0; fits && y < made; ++y) {
+    const uint8_t* src = scaler->baseAddr + size_t(y) * rowBytes;
+    uint8_t* dst = buffer + size_t(y) * glyph.fRowBytes;
     if (fMaskType == kMask_LCD) {
       CopyLCDRow(src, scaler->width, dst, glyph.fRowBytes);
     } else {

@@ -7,6 +7,7 @@
 
 #include "gfx/text/hsgfontscaler.h"
 #include "gfx/text/hsgscalercontext.h"
+#include "t2k/scanbitmap.h"
 
 struct T2K;
 class hsGT2KRef;
@@ -25,11 +26,12 @@ class hsGScalerContextT2K : public hsGScalerContext {
  protected:
   void GenerateMetrics(hsGGlyph* glyph) override;
   bool GenerateImage(const hsGGlyph& glyph, uint8_t* buffer) override;
+  bool GenerateRows(const hsGGlyph& glyph, int first, int count, uint8_t* buffer) override;
   void GeneratePath(const hsGGlyph& glyph, hsPath* path) override;
 
  private:
   T2K* Scaler();  // under this context's transformation; null if the font doesn't open
-  T2K* Render(uint16_t code, int command);
+  T2K* Render(uint16_t code, int command, const T2KRows& rows = {});
   uint16_t EngineCode(uint16_t code) const;
   void Purge();
 

@@ -11,6 +11,7 @@
 namespace {
 
 constexpr uint32_t kTableSize = 256;
+constexpr uint64_t kMostImageBytes = 1 << 26;
 constexpr int32_t kFirstChunk = 0x1000, kSmallestChunk = 0x100, kLargestChunk = 0x1000;
 
 std::unique_ptr<hsGScalerContext> NewContext(const hsDescriptor* desc) {
@@ -118,7 +119,7 @@ const uint8_t* hsGStrike::GetImage(hsGGlyph* glyph) {
 
 uint8_t* hsGStrike::RenderImage(const hsGGlyph& glyph) {
   const uint64_t size = uint64_t{glyph.fHeight} * glyph.fRowBytes * (fMaskType == kMask_3D ? 3 : 1);
-  if (size > INT32_MAX) return nullptr;
+  if (size > kMostImageBytes) return nullptr;
   hsGGlyphCache::NoteImage(uint32_t(size));
   auto* image = static_cast<uint8_t*>(fPool->SoftAllocate(int32_t(size)));
   return image && fContext->GetImage(glyph, image) ? image : nullptr;

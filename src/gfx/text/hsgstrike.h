@@ -32,6 +32,10 @@ class hsGStrike {
   // The image of a record or of a copy, which then has it too; null if it can't be had. "glyph is uninitialized",
   // "uninitialized glyphID".
   const uint8_t* GetImage(hsGGlyph* glyph);
+  // Some rows of the image alone, which are not kept. False also where images are made whole only.
+  bool GetRows(const hsGGlyph& glyph, int first, int count, uint8_t* buffer) {
+    return fContext->GetRows(glyph, first, count, buffer);
+  }
   const hsPath* GetPath(const hsGGlyph* glyph);
   void KernGlyphs(uint32_t count, const uint16_t chars[], hsGGlyph glyphs[], hsPoint positions[]) {
     fContext->KernGlyphs(count, chars, glyphs, positions);

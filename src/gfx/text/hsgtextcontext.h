@@ -36,6 +36,9 @@ class hsGTextContext : public hsRefCnt {
   void GetMetrics(hsPoint* ascent, hsPoint* descent, hsPoint* baseline) const;
 
   const uint8_t* GetImage(hsGGlyph* glyph) { return fStrike->GetImage(glyph); }
+  bool GetRows(const hsGGlyph& glyph, int first, int count, uint8_t* buffer) {
+    return fStrike->GetRows(glyph, first, count, buffer);
+  }
   const hsPath* GetPath(const hsGGlyph* glyph) { return fStrike->GetPath(glyph); }
   void FillGlyph(uint16_t code, hsGGlyph* glyph);  // "need glyph"
   // Frees the strike's images, those of the run's glyphs with them.
