@@ -278,6 +278,7 @@ TEST(BitmapBlitter, PicksItsBlitter) {
   Palette palette(random, 200);
   Surface s16(B::kConfig_RGB16, 6, 6, random), s32(B::kConfig_RGB32, 2, 2, random), before(s16);
   Surface s8(B::kConfig_Index8, 6, 6, random, &palette), a8(B::kConfig_Alpha8, 6, 6, random);
+  hsGSrcOverMode over;
   hsGAttribute attr;
   hsMatrix matrix;
   matrix.SetTranslate(kFixedHalf, kFixedHalf - 1);
@@ -288,34 +289,33 @@ TEST(BitmapBlitter, PicksItsBlitter) {
   EXPECT_EQ(s16.Get(1, 0), Pack(s32.Get(0, 0)));
   s16.Set(1, 0, before.Get(1, 0));
 
-  hsMatrix flat;
+  hsMatrix flat, scale;
   flat.fMap[0][0] = flat.fMap[0][1] = flat.fMap[1][0] = flat.fMap[1][1] = 0x8000;
-  hsMatrix scale;
   scale.SetScale(2 * kFixed1, kFixed1, 0, 0);
-  {
+  Surface empty(s8), kept(s8);
+  empty.bitmap.fWidth = 0;
+  struct {
+    const Surface &device, &source;
+    const hsMatrix& matrix;
+    const char* report;
+    hsGXferMode* mode = nullptr;
+  } const cases[] = {
+      {s16, s32, flat, "cannot invert matrix: 0"},
+      {s8, s8, flat, ""},
+      {s8, empty, scale, ""},
+      {s16, s16, scale, "Assert Failed missing bitmap blitter"},
+      {a8, s32, scale, "Assert Failed bad bitmap for ChooseIndex8Blitter"},
+      {s32, s32, scale, "Assert Failed unsupported dst pixelsize", &over},
+  };
+  for (const auto& c : cases) {
     ReturnOnHalt halt;
-    const auto draw = [&](Surface& device, const Surface& source, const hsMatrix& m) {
-      ReturnOnHalt::Reports().clear();
-      const auto b = hsAdopt(attr.GetBitmapBlitter(device.bitmap, 0, source.bitmap, m));
-      b->BlitRect(0, 0, 6, 6);
-      const auto& reports = ReturnOnHalt::Reports();
-      return reports.empty() ? "" : reports[0].substr(0, reports[0].find(" ::"));
-    };
-    EXPECT_EQ(draw(s16, s32, flat), "cannot invert matrix: 0");
-    const Surface kept(s8);
-    EXPECT_EQ(draw(s8, s8, flat), "");
-    Surface empty(s8);
-    empty.bitmap.fWidth = 0;
-    EXPECT_EQ(draw(s8, empty, scale), "");
-    EXPECT_EQ(s8, kept);
-    EXPECT_EQ(draw(s16, s16, scale), "Assert Failed missing bitmap blitter");
-    EXPECT_EQ(draw(a8, s32, scale), "Assert Failed bad bitmap for ChooseIndex8Blitter");
-    hsGSrcOverMode over;
-    attr.SetXferMode(&over);
-    EXPECT_EQ(draw(s32, s32, scale), "Assert Failed unsupported dst pixelsize");
-    attr.SetXferMode(nullptr);
+    attr.SetXferMode(c.mode);
+    hsAdopt(attr.GetBitmapBlitter(c.device.bitmap, 0, c.source.bitmap, c.matrix))->BlitRect(0, 0, 6, 6);
+    const std::string report = halt.Reports().empty() ? "" : halt.Reports()[0];
+    EXPECT_EQ(report.substr(0, report.find(" ::")), c.report);
   }
   EXPECT_EQ(s16, before);
+  EXPECT_EQ(s8, kept);
 }
 
 }  // namespace
