@@ -74,36 +74,31 @@ TEST(Render, WhatHasNoBitmap) {
 }
 
 TEST(Render, ScalesByWholePixelsAnEmAndRoundsThePhantoms) {
-  OpenFont f(TwoLetters().Build());
-  f.SetSize(12);
-  ASSERT_TRUE(f.Render('A', 0, kT2KKeepGlyph));
-  EXPECT_EQ(ScaledPoints(f.t), "38,0 38,538 346,538 346,0 | 0,0 448,0");
-  EXPECT_EQ(f.t->xAdvanceWidth16Dot16, 7 << 16);
-  EXPECT_EQ(f.t->xLinearAdvanceWidth16Dot16, 600 * 786);
-
-  ASSERT_TRUE(f.Render('A', 0, kT2KKeepGlyph | kT2KNoRounding));
-  EXPECT_EQ(f.t->xAdvanceWidth16Dot16, 461 << 10);
-
-  f.SetSize(11.6);  // scales by 12, its linear advance by 11.6
-  ASSERT_TRUE(f.Render('A', 0, kT2KKeepGlyph));
-  EXPECT_EQ(ScaledPoints(f.t), "38,0 38,538 346,538 346,0 | 0,0 448,0");
-  EXPECT_EQ(f.t->xLinearAdvanceWidth16Dot16, 600 * 760);
-}
-
-TEST(Render, NegativeCoordinatesAreCutTowardZero) {
-  SfntBuilder builder;
-  builder.AddContours({RectContour(-50, -70, 50, 70)}, 100);
-  OpenFont f(builder.Build());
-  f.SetSize(12);
-  ASSERT_TRUE(f.Render(0, 0, kOutline));
-  EXPECT_EQ(ScaledPoints(f.t), "-37,-53 -37,54 38,54 38,-53 | 0,0 64,0");
-}
-
-TEST(Render, TheFractionOfThePenMovesPointsButNotPhantoms) {
-  OpenFont f(TwoLetters().Build());
-  f.SetSize(12);
-  T2K_RenderGlyph(f.t, 'i', 10, 5, 0, kT2KKeepGlyph, &f.err);
-  EXPECT_EQ(ScaledPoints(f.t), "18,-5 18,379 233,379 233,-5 | 0,0 256,0");
+  SfntBuilder builder = TwoLetters();
+  builder.characters['-'] = builder.AddContours({RectContour(-50, -70, 50, 70)}, 100);
+  const std::string letter = "38,0 38,538 346,538 346,0 | 0,0 ";
+  struct {
+    const char* rule;
+    double size;
+    int code, xFraction, yFraction, cmd;
+    std::string points;
+    hsFixed advance, linear;
+  } const cases[] = {
+      {"12 pixels", 12, 'A', 0, 0, 0, letter + "448,0", 7 << 16, 600 * 786},
+      {"not rounded", 12, 'A', 0, 0, kT2KNoRounding, letter + "461,0", 461 << 10, 600 * 786},
+      {"11.6 scales as 12, its linear advance as 11.6", 11.6, 'A', 0, 0, 0, letter + "448,0", 7 << 16, 600 * 760},
+      {"cut toward zero", 12, '-', 0, 0, 0, "-37,-53 -37,54 38,54 38,-53 | 0,0 64,0", 1 << 16, 100 * 786},
+      {"the pen's fraction moves points, no phantoms", 12, 'i', 10, 5, 0, "18,-5 18,379 233,379 233,-5 | 0,0 256,0",
+       4 << 16, 300 * 786},
+  };
+  for (const auto& c : cases) {
+    OpenFont f(builder.Build());
+    f.SetSize(c.size);
+    T2K_RenderGlyph(f.t, c.code, c.xFraction, c.yFraction, 0, kT2KKeepGlyph | c.cmd, &f.err);
+    EXPECT_EQ(ScaledPoints(f.t), c.points) << c.rule;
+    EXPECT_EQ(f.t->xAdvanceWidth16Dot16, c.advance) << c.rule;
+    EXPECT_EQ(f.t->xLinearAdvanceWidth16Dot16, c.linear) << c.rule;
+  }
 }
 
 TEST(Render, CommandsSayWhatIsLeft) {
@@ -133,60 +128,47 @@ TEST(Render, CommandsSayWhatIsLeft) {
   EXPECT_EQ(f.t->baseAddr, nullptr);
 }
 
-// The outline of a composite of these entries at a size, 900 wide.
-std::string Compose(const Bytes& entries, double size, int cmd = 0, hsFixed* advance = nullptr) {
-  SfntBuilder builder = TwoLetters();
-  const int index = builder.AddGlyph(CompositeGlyph(entries), 900, 0);
-  OpenFont f(builder.Build());
-  f.SetSize(size);
-  if (!f.Render(index, 0, kOutline | cmd)) return "error " + std::to_string(f.err);
-  if (advance) *advance = f.t->xAdvanceWidth16Dot16;
-  EXPECT_EQ(f.t->glyph->ep[f.t->glyph->contourCount - 1], f.t->glyph->pointCount - 1);
-  return ScaledPoints(f.t);
-}
-
-constexpr const char* kScaledA = "38,0 38,538 346,538 346,0 / ";
-
-TEST(Composite, OffsetsAreScaledAndRoundedOnDemand) {
-  const auto with = [](int flags, int dx, int dy) {
-    return Compose(Bytes().Words({0x23, kA, 0, 0}).Words({flags, kI, dx, dy}), 12);
+TEST(Composite, PartsLieWhereTheirEntriesSay) {
+  const std::string a = "38,0 38,538 346,538 346,0 / ";
+  struct {
+    const char* rule;
+    std::vector<int> entries;
+    double size;
+    std::string outline;  // 900 wide
+    hsFixed advance = 691 << 10;
+    int cmd = 0;
+  } const cases[] = {
+      // 310 is 238.08 and -20 is -15.36: the latter, half a unit added, cuts to -14.
+      {"offsets are scaled", {0x23, kA, 0, 0, 3, kI, 310, -20}, 12, a + "246,-14 246,370 461,370 461,-14 | 0,0 691,0"},
+      {"and rounded on demand", {0x23, kA, 0, 0, 7, kI, 310, -20}, 12, a + "264,0 264,384 479,384 479,0 | 0,0 691,0"},
+      // (-2, 127) is -1 and 98 (-1.036, 98.036).
+      {"packed ones are signed", {0x22, kA, 0, 2, kI, 0xFE7F}, 12, a + "7,98 7,482 222,482 222,98 | 0,0 691,0"},
+      {"a part alone", {3, kI, 100, 0}, 12, "85,0 85,384 300,384 300,0 | 0,0 691,0"},
+      // Point 0 of the part, (8, 0), on point 2 of the result, (346, 538). The packed numbers are unsigned.
+      {"points meet", {0x22, kA, 0, 0, kI, 0x0200}, 12, a + "346,538 346,922 561,922 561,538 | 0,0 691,0"},
+      {"if they exist", {0x22, kA, 0, 0, kI, 0xC800}, 12, "error 10030"},
+      // Half of 13 is 6.5 pixels an em, which scale as 7.
+      {"half as large", {0x0A, kI, 0, 0x2000}, 13, "4,0 4,224 130,224 130,0 | 0,0 749,0", 749 << 10},
+      {"twice as wide", {0x42, kI, 0, 0x7FFF, 0x4000}, 12, "15,0 15,384 445,384 445,0 | 0,0 691,0"},
+      // Against the clock: y from x is 1, x from y is -1.
+      {"a quarter turn", {0x82, kI, 0, 0, 0x4000, -0x4000, 0}, 12, "0,8 -384,8 -384,223 0,223 | 0,0 691,0"},
+      {"grid fitting rounds the advance", {2, kI, 0}, 12, "8,0 8,384 223,384 223,0 | 0,0 704,0", 11 << 16, kT2KGridFit},
+      {"the last part's advance", {0x22, kA, 0, 0x202, kI, 0}, 12, a + "8,0 8,384 223,384 223,0 | 0,0 256,0", 4 << 16},
+      {"the first part's", {0x222, kA, 0, 2, kI, 0}, 12, a + "8,0 8,384 223,384 223,0 | 0,0 448,0", 7 << 16},
   };
-  // 310 is 238.08 and -20 is -15.36: the latter, half a unit added, cuts to -14.
-  EXPECT_EQ(with(3, 310, -20), kScaledA + std::string("246,-14 246,370 461,370 461,-14 | 0,0 691,0"));
-  EXPECT_EQ(with(7, 310, -20), kScaledA + std::string("264,0 264,384 479,384 479,0 | 0,0 691,0"));
-  // Packed offsets are signed bytes: (-2, 127) is -1 and 98 (-1.036, 98.036).
-  EXPECT_EQ(Compose(Bytes().Words({0x22, kA, 0}).Words({2, kI, 0xFE7F}), 12),
-            kScaledA + std::string("7,98 7,482 222,482 222,98 | 0,0 691,0"));
-  EXPECT_EQ(Compose(Bytes().Words({3, kI, 100, 0}), 12), "85,0 85,384 300,384 300,0 | 0,0 691,0");
-}
-
-TEST(Composite, PointsMeet) {
-  // Point 0 of the part, (8, 0), on point 2 of the result, (346, 538). The packed numbers are unsigned.
-  EXPECT_EQ(Compose(Bytes().Words({0x22, kA, 0}).Words({0, kI, 0x0200}), 12),
-            kScaledA + std::string("346,538 346,922 561,922 561,538 | 0,0 691,0"));
-  EXPECT_EQ(Compose(Bytes().Words({0x22, kA, 0}).Words({0, kI, 0xC800}), 12), "error 10030");
-}
-
-TEST(Composite, AdvancesComeFromItselfOrFromOnePart) {
-  hsFixed advance;
-  const Bytes own = Bytes().Words({0x22, kA, 0}).Words({2, kI, 0});
-  Compose(own, 12, 0, &advance);
-  EXPECT_EQ(advance, 691 << 10);  // not rounded without grid fitting
-  Compose(own, 12, kT2KGridFit, &advance);
-  EXPECT_EQ(advance, 11 << 16);
-  Compose(Bytes().Words({0x22, kA, 0}).Words({0x202, kI, 0}), 12, 0, &advance);
-  EXPECT_EQ(advance, 4 << 16);
-  Compose(Bytes().Words({0x222, kA, 0}).Words({2, kI, 0}), 12, 0, &advance);
-  EXPECT_EQ(advance, 7 << 16);
-}
-
-TEST(Composite, ScaledPartsAreRenderedAtTheirOwnSize) {
-  // Half of 13 is 6.5 pixels an em, which scale as 7.
-  EXPECT_EQ(Compose(Bytes().Words({0x0A, kI, 0, 0x2000}), 13), "4,0 4,224 130,224 130,0 | 0,0 749,0");
-  // Twice as wide, as high as before.
-  EXPECT_EQ(Compose(Bytes().Words({0x42, kI, 0, 0x7FFF, 0x4000}), 12), "15,0 15,384 445,384 445,0 | 0,0 691,0");
-  // A quarter turn against the clock: y from x is 1, x from y is -1.
-  EXPECT_EQ(Compose(Bytes().Words({0x82, kI, 0, 0, 0x4000, -0x4000, 0}), 12), "0,8 -384,8 -384,223 0,223 | 0,0 691,0");
+  for (const auto& c : cases) {
+    SfntBuilder builder = TwoLetters();
+    Bytes entries;
+    for (int word : c.entries) entries.U16(word);
+    const int index = builder.AddGlyph(CompositeGlyph(entries), 900, 0);
+    OpenFont f(builder.Build());
+    f.SetSize(c.size);
+    const bool drawn = f.Render(index, 0, kOutline | c.cmd);
+    EXPECT_EQ(drawn ? ScaledPoints(f.t) : "error " + std::to_string(f.err), c.outline) << c.rule;
+    if (!drawn) continue;
+    EXPECT_EQ(f.t->xAdvanceWidth16Dot16, c.advance) << c.rule;
+    EXPECT_EQ(f.t->glyph->ep[f.t->glyph->contourCount - 1], f.t->glyph->pointCount - 1) << c.rule;
+  }
 }
 
 TEST(Composite, TheWholeIsTransformedOnce) {

@@ -91,7 +91,7 @@ const hsMeta::Entry* hsMeta::Find(const std::string& name, Type type) const {
 template <typename T>
 bool hsMeta::GetOne(const char* name, Type type, T* value) const {
   const Entry* entry = Find(name, type);
-  if (!entry || entry->fCount != 1 || entry->fSize != int32_t{sizeof(T)}) return false;
+  if (!entry || entry->fSize != int32_t{sizeof(T)}) return false;
   std::memcpy(value, entry->fData.data(), sizeof(T));
   return true;
 }

@@ -19,25 +19,30 @@ bool IsMonotonic(const hsPoint* p, int count) {
          std::is_sorted(p, p + count, [&](hsPoint a, hsPoint b) { return up(b, a); });
 }
 
-TEST(Cubic, RatiosCountOnlyStrictlyBetweenTheEnds) {
-  hsFixed t = -1;
-  for (const auto& [numerator, denominator] : {std::pair{0, 5}, {5, 5}, {-1, 5}, {1, 0x40000}})  // the last rounds to 0
-    EXPECT_EQ(hsCubic::FindValidRatio(numerator, denominator, &t), 0) << numerator;
-  EXPECT_EQ(hsCubic::FindValidRatio(-1, -4, &t), 1);
-  EXPECT_EQ(t, F(0.25));
+TEST(Cubic, ARatioLiesStrictlyBetween0And1) {
+  const hsFixed cases[][3] = {{0, 5, 0},       {5, 5, 0},        {-1, 5, 0},       {1, 4 * kFixed1, 0},  // rounds to 0
+                              {1, kFixed1, 1}, {-1, -4, F(.25)}, {-3, -4, F(0.75)}};
+  for (const auto& [numerator, denominator, ratio] : cases) {
+    hsFixed t = 0;
+    EXPECT_EQ(hsCubic::FindValidRatio(numerator, denominator, &t), ratio != 0) << numerator;
+    EXPECT_EQ(t, ratio) << numerator;
+  }
 }
 
 TEST(Cubic, QuadraticsWithTwoOneAndNoRoots) {
-  hsFixed t[2];
-  EXPECT_EQ(hsCubic::SolveQuadratic(8, -6, 1, t), 2);  // (4t - 1)(2t - 1)
-  EXPECT_EQ(t[0], F(0.25));
-  EXPECT_EQ(t[1], F(0.5));
-  EXPECT_EQ(hsCubic::SolveQuadratic(4, -4, 1, t), 1);  // (2t - 1)^2
-  EXPECT_EQ(t[0], F(0.5));
-  EXPECT_EQ(hsCubic::SolveQuadratic(0, 4, -1, t), 1);
-  EXPECT_EQ(t[0], F(0.25));
-  EXPECT_EQ(hsCubic::SolveQuadratic(1, 0, 1, t), 0);
-  EXPECT_EQ(hsCubic::SolveQuadratic(0, 0, 0, t), 0);
+  struct {
+    int32_t a, b, c;
+    std::vector<hsFixed> roots;
+  } const cases[] = {{8, -6, 1, {F(0.25), F(0.5)}},  // (4t - 1)(2t - 1)
+                     {4, -4, 1, {F(0.5)}},           // (2t - 1)^2
+                     {0, 4, -1, {F(0.25)}},
+                     {1, 0, 1, {}},
+                     {0, 0, 0, {}}};
+  for (const auto& c : cases) {
+    hsFixed t[2];
+    const int count = hsCubic::SolveQuadratic(c.a, c.b, c.c, t);
+    EXPECT_EQ(std::vector<hsFixed>(t, t + count), c.roots) << c.a << ", " << c.b << ", " << c.c;
+  }
 }
 
 // The reason for the splits: each piece is monotonic to the bit, and level at the split.
@@ -72,55 +77,48 @@ TEST(Cubic, ChoppingInTheMiddle) {
   const hsPoint q[] = {{0, 0}, {F(2), F(4)}, {F(4), 0}};
   hsPoint dst[7];
   hsCubic::ChopQuadAt(q, dst, F(0.5));
-  const std::vector<hsPoint> quad{{0, 0}, {F(1), F(2)}, {F(2), F(2)}, {F(3), F(2)}, {F(4), 0}};
-  EXPECT_TRUE(std::equal(quad.begin(), quad.end(), dst));
+  EXPECT_EQ(std::vector<hsPoint>(dst, dst + 5),
+            (std::vector<hsPoint>{{0, 0}, {F(1), F(2)}, {F(2), F(2)}, {F(3), F(2)}, {F(4), 0}}));
   hsCubic::QuadToCubic(q, dst);
   EXPECT_EQ(dst[1], (hsPoint{87380, 174760}));  // 43690 / 65536, not two thirds
   const hsPoint c[] = {{0, 0}, {0, F(8)}, {F(8), F(8)}, {F(8), 0}};
   hsCubic::ChopCubicAt(c, dst, F(0.25));
   EXPECT_EQ(dst[3], (hsPoint{F(1.25), F(4.5)}));
   for (hsFixed t : {0, kFixed1, -1}) EXPECT_EQ(AssertOf([&] { hsCubic::ChopCubicAt(c, dst, t); }), "bad t");
-}
-
-TEST(Cubic, ARatioLiesBetween0And1) {
-  hsFixed t = 7;
-  EXPECT_EQ(hsCubic::FindValidRatio(1, kFixed1, &t), 1);
-  EXPECT_EQ(t, 1);
-  EXPECT_EQ(hsCubic::FindValidRatio(-3, -4, &t), 1);
-  EXPECT_EQ(t, F(0.75));
-  for (int32_t numer : {0, 4, 5, -1}) EXPECT_EQ(hsCubic::FindValidRatio(numer, 4, &t), 0) << numer;
-  EXPECT_EQ(hsCubic::FindValidRatio(1, 4 * kFixed1, &t), 0);  // as good as 0
-}
-
-TEST(Cubic, AMonotonicCubicIsNotSolved) {
-  const hsPoint c[] = {{0, 0}, {0, 0}, {0, F(1)}, {0, F(1)}};
-  hsPoint dst[8];
-  EXPECT_EQ(hsCubic::ChopCubicAtYExtrema(c, dst), 0);
+  const hsPoint monotonic[] = {{0, 0}, {0, 0}, {0, F(1)}, {0, F(1)}};
+  EXPECT_EQ(hsCubic::ChopCubicAtYExtrema(monotonic, dst), 0);
 }
 
 TEST(ClipLine, BringsEndsToTheEdge) {
-  const hsRect r{0, 0, F(10), F(10)};
-  hsPoint out[2];
-  EXPECT_TRUE(hsClipLine::ClipLine({F(-10), F(5)}, {F(30), F(5)}, r, out));
-  EXPECT_EQ(out[0], (hsPoint{0, F(5)}));
-  EXPECT_EQ(out[1], (hsPoint{F(10), F(5)}));
-  EXPECT_TRUE(hsClipLine::ClipLine({F(1), F(1)}, {F(2), F(2)}, r, out));
-  EXPECT_EQ(out[0], (hsPoint{F(1), F(1)}));
-  EXPECT_FALSE(hsClipLine::ClipLine({F(-10), F(5)}, {F(-1), F(5)}, r, out));
-  EXPECT_FALSE(hsClipLine::ClipLine({F(-10), F(40)}, {F(40), F(60)}, r, out));
+  struct {
+    hsPoint a, b;
+    std::vector<hsPoint> want;
+  } const cases[] = {{{F(-10), F(5)}, {F(30), F(5)}, {{0, F(5)}, {F(10), F(5)}}},
+                     {{F(1), F(1)}, {F(2), F(2)}, {{F(1), F(1)}, {F(2), F(2)}}},
+                     {{F(-10), F(5)}, {F(-1), F(5)}, {}},
+                     {{F(-10), F(40)}, {F(40), F(60)}, {}}};
+  for (const auto& [a, b, want] : cases) {
+    hsPoint out[2];
+    const bool meets = hsClipLine::ClipLine(a, b, {0, 0, F(10), F(10)}, out);
+    EXPECT_EQ(meets ? std::vector<hsPoint>(out, out + 2) : std::vector<hsPoint>(), want) << a.fX;
+  }
 }
 
 TEST(ClipLine, SegmentsMeetAtTheirEndsToo) {
   const hsPoint a[] = {{0, 0}, {F(10), F(10)}};
-  hsPoint p;
-  const hsPoint crossing[] = {{0, F(10)}, {F(10), 0}}, touching[] = {{F(10), F(10)}, {F(20), 0}};
-  const hsPoint parallel[] = {{F(1), 0}, {F(11), F(10)}}, beyond[] = {{F(11), F(10)}, {F(20), 0}};
-  EXPECT_TRUE(hsClipLine::IntersectLines(a, crossing, &p));
-  EXPECT_EQ(p, (hsPoint{F(5), F(5)}));
-  EXPECT_TRUE(hsClipLine::IntersectLines(a, touching, &p));
-  EXPECT_EQ(p, (hsPoint{F(10), F(10)}));
-  EXPECT_FALSE(hsClipLine::IntersectLines(a, parallel, &p));
-  EXPECT_FALSE(hsClipLine::IntersectLines(a, beyond, &p));
+  struct {
+    hsPoint b[2];
+    bool meets;
+    hsPoint where;
+  } const cases[] = {{{{0, F(10)}, {F(10), 0}}, true, {F(5), F(5)}},
+                     {{{F(10), F(10)}, {F(20), 0}}, true, {F(10), F(10)}},
+                     {{{F(1), 0}, {F(11), F(10)}}, false, {}},    // parallel
+                     {{{F(11), F(10)}, {F(20), 0}}, false, {}}};  // beyond its end
+  for (const auto& c : cases) {
+    hsPoint p{};
+    EXPECT_EQ(hsClipLine::IntersectLines(a, c.b, &p), c.meets);
+    EXPECT_TRUE(!c.meets || p == c.where);
+  }
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <typeindex>
 
 #include "gfx/halt.h"
 #include "gfx/pixel/hsgattribute.h"
@@ -106,12 +107,11 @@ void DrawOnce(hsGBlitter* blitter, bool takesCoverage, const Rule& rule, Random&
 }
 
 // The blitter of the paint, of the class expected, over many calls.
-template <class Expected>
-void Check(hsGAttribute* attr, int maskType, const Rule& rule, Random& random, uint8_t config,
-           const Palette* palette = nullptr) {
+void Check(hsGAttribute* attr, int maskType, const std::type_info& expected, const Rule& rule, Random& random,
+           uint8_t config, const Palette* palette) {
   Surface surface(config, random.Between(1, 60), random.Between(1, 6), random, palette), model(surface);
   const auto blitter = hsAdopt(attr->GetBlitter(surface.bitmap, maskType, hsMatrix()));
-  ASSERT_NE(dynamic_cast<Expected*>(blitter.get()), nullptr) << typeid(*blitter).name();
+  ASSERT_EQ(std::type_index(typeid(*blitter)), std::type_index(expected));
   for (int i = 0; i < 6; ++i) {
     DrawOnce(blitter.get(), maskType == kMask_Alpha, rule, random, &surface, &model);
     ASSERT_EQ(surface, model);
@@ -130,49 +130,31 @@ TEST(Blitter, SolidColoursFollowTheirRules) {
   Random random(1);
   Palette palette(random, 200), other(random, 256);
   hsGAttribute attr;
-  for (int turn = 0; turn < 1500; ++turn) {
+  for (int turn = 0; turn < 1500 && !HasFatalFailure(); ++turn) {
     const hsGColor color{random.Chance(40) ? uint16_t(random.Chance(50) ? 0xFFFF : 0xFF00) : Wide(random), Wide(random),
                          Wide(random), Wide(random)};
     attr.SetColor(&color);
-    const int maskType = random.Below(2);
+    const int maskType = random.Below(2), kind = random.Below(3);
     const bool full = color.fA >> 8 == 255 && maskType == kMask_Bit;
+    const Palette& p = random.Chance(50) ? palette : other;
+    const int index = kind == 2 && random.Chance(30) ? random.Below(200) : -1;
+    attr.SetColorIndex(index);
+    const auto constant = [](uint32_t pixel) { return [=](uint32_t, How, int) { return pixel; }; };
     SCOPED_TRACE(turn);
-    switch (random.Below(3)) {
-      case 0:
-        if (full) {
-          Check<hsGColorBlitter16Opaque>(&attr, maskType, Rule16(color, true), random, hsGBitmap::kConfig_RGB16);
-        } else {
-          Check<hsGColorBlitter16>(&attr, maskType, Rule16(color, false), random, hsGBitmap::kConfig_RGB16);
-        }
-        break;
-      case 1:
-        if (full) {
-          Check<hsGColorBlitterAOpaque>(
-              &attr, maskType, [](uint32_t, How, int) { return 255u; }, random, hsGBitmap::kConfig_Alpha8);
-        } else {
-          Check<hsGColorBlitterA>(&attr, maskType, RuleA(color.fA >> 8), random, hsGBitmap::kConfig_Alpha8);
-        }
-        break;
-      case 2: {
-        const Palette& p = random.Chance(50) ? palette : other;
-        const int index = random.Chance(30) ? random.Below(200) : -1;
-        attr.SetColorIndex(index);
-        const uint8_t config = hsGBitmap::kConfig_Index8;
-        if (index >= 0 && maskType != kMask_Bit) {
-          // The index as an opaque colour, so that its edges blend.
-          const hsGColor entry = hsWidenColor32(p.colors[size_t(index)] | 0xFF000000);
-          Check<hsGColorBlitter8>(&attr, maskType, Rule8(entry, p), random, config, &p);
-        } else if (full || index >= 0) {
-          const uint32_t pixel = index >= 0 ? uint32_t(index) : p.Nearest(color.fR >> 8, color.fG >> 8, color.fB >> 8);
-          Check<hsGIndexBlitter>(
-              &attr, maskType, [=](uint32_t, How, int) { return pixel; }, random, config, &p);
-        } else {
-          Check<hsGColorBlitter8>(&attr, maskType, Rule8(color, p), random, config, &p);
-        }
-        attr.SetColorIndex(-1);
-      }
+    if (kind == 0) {
+      Check(&attr, maskType, full ? typeid(hsGColorBlitter16Opaque) : typeid(hsGColorBlitter16), Rule16(color, full),
+            random, hsGBitmap::kConfig_RGB16, nullptr);
+    } else if (kind == 1) {
+      Check(&attr, maskType, full ? typeid(hsGColorBlitterAOpaque) : typeid(hsGColorBlitterA),
+            full ? Rule(constant(255)) : RuleA(color.fA >> 8), random, hsGBitmap::kConfig_Alpha8, nullptr);
+    } else if (maskType == kMask_Bit && (full || index >= 0)) {
+      const uint32_t pixel = index >= 0 ? uint32_t(index) : p.Nearest(color.fR >> 8, color.fG >> 8, color.fB >> 8);
+      Check(&attr, maskType, typeid(hsGIndexBlitter), constant(pixel), random, hsGBitmap::kConfig_Index8, &p);
+    } else {
+      // An index is an opaque colour here, so that its edges blend.
+      const hsGColor drawn = index < 0 ? color : hsWidenColor32(p.colors[size_t(index)] | 0xFF000000);
+      Check(&attr, maskType, typeid(hsGColorBlitter8), Rule8(drawn, p), random, hsGBitmap::kConfig_Index8, &p);
     }
-    if (HasFatalFailure()) return;
   }
 }
 
@@ -270,12 +252,14 @@ TEST(Blitter, ShadersGoThroughTheirModeInChunks) {
   }
 }
 
+// The spans that the clip leaves go to the mode whole, so that on a palette error runs along each.
 TEST(Blitter, MasksOfThreePlanesAreLit) {
   Random random(4);
   Palette palette(random, 200);
+  hsGSrcMode src;
   hsGSrcOverMode over;
   for (int turn = 0; turn < 300; ++turn) {
-    const bool is16 = random.Chance(50), hasShader = random.Chance(50);
+    const bool is16 = random.Chance(50), hasShader = random.Chance(50), replaces = random.Chance(40);
     Surface surface(is16 ? hsGBitmap::kConfig_RGB16 : hsGBitmap::kConfig_Index8, 90, 4, random,
                     is16 ? nullptr : &palette);
     Surface model(surface);
@@ -284,43 +268,33 @@ TEST(Blitter, MasksOfThreePlanesAreLit) {
     attr.SetColor(&color);
     const auto shader = hsMake<PlaceShader>(false);
     if (hasShader) attr.SetShader(shader.get());
+    if (replaces) attr.SetXferMode(&src);
     const auto blitter = hsAdopt(attr.GetBlitter(surface.bitmap, kMask_3D, hsMatrix()));
     const Mask mask(kMask_3D, RandomRect(random, surface), random);
     const hsRegion clip = RandomRegion(random, surface.Bounds());
     const bool clipped = random.Chance(50);
     blitter->BlitMask(mask, clipped ? &clip : nullptr);
 
-    for (int y = mask.fBounds.fTop; y < mask.fBounds.fBottom; ++y)
-      for (int x = mask.fBounds.fLeft; x < mask.fBounds.fRight; ++x) {
-        if (clipped && !clip.Contains(x, y)) continue;
+    for (int y = mask.fBounds.fTop; y < mask.fBounds.fBottom; ++y) {
+      std::vector<uint32_t> span;
+      for (int x = mask.fBounds.fLeft; x <= mask.fBounds.fRight; ++x) {
+        if (x == mask.fBounds.fRight || (clipped && !clip.Contains(x, y))) {
+          if (!span.empty())
+            Xfer(replaces ? static_cast<hsGXferMode&>(src) : over, span, x - int(span.size()), y, nullptr, &model);
+          span.clear();
+          continue;
+        }
         const uint8_t* p = mask.Row(y) + (x - mask.fBounds.fLeft);
         const Channels c = Split32(hasShader ? PlaceShader::At(x, y, false) : hsPremultiply(color));
         const int a2 = p[0] * (c.a + 1) / 256, m = p[mask.PlaneSize()] + 1;
         const int lit = p[2 * mask.PlaneSize()] * (hasShader ? c.a : c.a + 1) / 256;
         const auto channel = [&](int v) { return std::min(v * m / 256 + lit, a2); };
         const bool nothing = a2 == 0 || (hasShader && c.a == 0);
-        Xfer(over, {nothing ? 0 : Join32({a2, channel(c.r), channel(c.g), channel(c.b)})}, x, y, nullptr, &model);
+        span.push_back(nothing ? 0 : Join32({a2, channel(c.r), channel(c.g), channel(c.b)}));
       }
+    }
     ASSERT_EQ(surface, model) << turn;
   }
-}
-
-TEST(Blitter, ErrorRunsAlongAWholeLitSpan) {
-  Random random(5);
-  Palette palette(random, 8);
-  Surface surface(hsGBitmap::kConfig_Index8, 80, 1, random, &palette), model(surface);
-  hsGSrcMode src;
-  hsGAttribute attr;
-  attr.SetXferMode(&src);
-  attr.SetColor(0xFFFF, 0x7000, 0x8000, 0x9000);
-  Mask mask(kMask_3D, {0, 0, 80, 1}, random);
-  std::memset(mask.fImage, 255, mask.PlaneSize());
-  std::memset(mask.fImage + mask.PlaneSize(), 255, mask.PlaneSize());
-  std::memset(mask.fImage + 2 * mask.PlaneSize(), 0, mask.PlaneSize());
-  const auto blitter = hsAdopt(attr.GetBlitter(surface.bitmap, kMask_3D, hsMatrix()));
-  blitter->BlitMask(mask, nullptr);
-  Xfer(src, std::vector<uint32_t>(80, 0xFF708090), 0, 0, nullptr, &model);
-  EXPECT_EQ(surface, model);
 }
 
 TEST(Blitter, ContractsAreChecked) {
@@ -328,40 +302,35 @@ TEST(Blitter, ContractsAreChecked) {
   Palette palette(random, 200);
   Surface s16(hsGBitmap::kConfig_RGB16, 9, 2, random), s8(hsGBitmap::kConfig_Index8, 9, 2, random, &palette);
   Surface s32(hsGBitmap::kConfig_ARGB32, 9, 2, random);
-  hsGAttribute attr;
-  const auto with = [&](const Surface& surface, uint16_t alpha, auto call) {
-    attr.SetColor(alpha, 0, 0, 0);
-    const auto blitter = hsAdopt(attr.GetBlitter(surface.bitmap, 0, hsMatrix()));
-    const std::string words = AssertOf([&] { call(blitter.get()); });
-    return words;
-  };
+  const Mask bits(kMask_Bit, {0, 0, 3, 1}, random), bytes(kMask_Alpha, {0, 0, 3, 1}, random);
+  const hsRegion away(hsIntRect{7, 0, 9, 1});
   const auto flat = [](hsGBlitter* b) { b->BlitRect(0, 0, 3, 0); };
   const auto coveredRect = [](hsGBlitter* b) {
     const uint8_t coverage[3] = {};
     b->fAlpha = coverage;
     b->BlitRect(0, 0, 3, 1);
   };
-  EXPECT_EQ(with(s16, 0xFFFF, flat), "bad blit height");
-  EXPECT_EQ(with(s16, 0x8000, flat), "bad blit size");
-  EXPECT_EQ(with(s8, 0xFFFF, flat), "bad width,height");
-  EXPECT_EQ(with(s8, 0x8000, coveredRect), "GetAlpha() != nil in BlitTile");
-  EXPECT_EQ(with(s16, 0x8000, coveredRect), "GetAlpha() != nil in BlitTile");
-  const hsRegion away(hsIntRect{7, 0, 9, 1});
-  EXPECT_EQ(with(s16, 0x8000,
-                 [&](hsGBlitter* b) {
-                   b->BlitMask(Mask(kMask_Bit, {0, 0, 3, 1}, random), &away);
-                 }),
-            "mask doesn't intersect clip");
-  EXPECT_EQ(with(s16, 0xFFFF,
-                 [&](hsGBlitter* b) {
-                   b->BlitMask(Mask(kMask_Alpha, {0, 0, 3, 1}, random), nullptr);
-                 }),
-            "bad masktype");
-
-  ReturnOnHalt halt;
-  attr.SetShader(nullptr);
-  EXPECT_THROW(attr.GetBlitter(s32.bitmap, 0, hsMatrix()), hsException);
-  EXPECT_EQ(ReturnOnHalt::Reports().back(), "nil param: 0");
+  struct {
+    const Surface& surface;
+    uint16_t alpha;
+    std::function<void(hsGBlitter*)> call;
+    const char* report;
+  } const cases[] = {
+      {s16, 0xFFFF, flat, "bad blit height"},
+      {s16, 0x8000, flat, "bad blit size"},
+      {s8, 0xFFFF, flat, "bad width,height"},
+      {s8, 0x8000, coveredRect, "GetAlpha() != nil in BlitTile"},
+      {s16, 0x8000, coveredRect, "GetAlpha() != nil in BlitTile"},
+      {s16, 0x8000, [&](hsGBlitter* b) { b->BlitMask(bits, &away); }, "mask doesn't intersect clip"},
+      {s16, 0xFFFF, [&](hsGBlitter* b) { b->BlitMask(bytes, nullptr); }, "bad masktype"},
+  };
+  hsGAttribute attr;
+  for (const auto& c : cases) {
+    attr.SetColor(c.alpha, 0, 0, 0);
+    const auto blitter = hsAdopt(attr.GetBlitter(c.surface.bitmap, 0, hsMatrix()));
+    EXPECT_EQ(AssertOf([&] { c.call(blitter.get()); }), c.report);
+  }
+  EXPECT_EQ(ReportOf([&] { attr.GetBlitter(s32.bitmap, 0, hsMatrix()); }), "nil param: 0");
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "gfx/pixel/hsgrasterdevice.h"
 #include "gfx/pixel/pixelmodel.h"
 #include "gfx/pixel/spreadfilter.h"
+#include "gfx/vector/coverageblitter.h"
 #include "gfx/vector/hsscan.h"
 
 namespace {
@@ -43,16 +44,6 @@ hsGColor RandomColor(Random& random) {
 
 // ---- Pixels
 
-// The coverage that a converter computes for each pixel, without any clip; -1 where nothing was asked for.
-struct Coverage : hsGBlitter {
-  Coverage() { std::fill_n(bytes[0], kWidth * kHeight, -1); }
-  void BlitH(int32_t y, int32_t x, int32_t width) override {
-    for (int i = 0; i < width; ++i)
-      if (x + i >= 0 && x + i < kWidth && y >= 0 && y < kHeight) bytes[y][x + i] = fAlpha ? fAlpha[i] : 255;
-  }
-  int bytes[kHeight][kWidth];
-};
-
 // States of a device that are plain lists, and pixels that are set one by one.
 struct Model {
   struct State {
@@ -69,8 +60,8 @@ struct Model {
   }
   bool Allows(int x, int y) const {
     if (user && !user->Contains(x, y)) return false;
-    for (const auto& [path, inside] : masks)
-      if (inside.bytes[y][x] < 0) return false;
+    for (const CoverageBlitter& inside : masks)
+      if (inside.covered[y][x] == 0) return false;
     return true;
   }
   // The masks of all clips of all states; a clip knows nothing of the origin.
@@ -78,28 +69,23 @@ struct Model {
     masks.clear();
     for (const State& state : states)
       for (const hsPath& path : state.clips) {
-        masks.emplace_back(path, Coverage());
-        HSScan::FillPath(&path, nullptr, &masks.back().second);
+        HSScan::FillPath(&path, nullptr, &masks.emplace_back());
       }
   }
-  void Draw(const Coverage& coverage, const hsGColor& color, bool smooth) {
+  void Draw(const CoverageBlitter& coverage, const hsGColor& color, bool smooth) {
     MakeMasks();
     const int a = color.fA >> 8, r5 = color.fR >> 11, g5 = color.fG >> 11, b5 = color.fB >> 11;
     for (int y = 0; y < kHeight; ++y)
       for (int x = 0; x < kWidth; ++x) {
-        const int c = coverage.bytes[y][x];
-        if (c < 0 || !Allows(x, y)) continue;
+        const int c = coverage.covered[y][x];
+        if (c == 0 || !Allows(x, y)) continue;
         const Channels d = Split16(surface.Get(x, y));
-        int scale = a + 1;
-        if (smooth) {
-          const int v = c * (a + 1) / 256;
-          if (v == 0) continue;
-          scale = v + 1;
-        } else if (a == 255) {
-          surface.Set(x, y, Join16(color.fR >> 10, g5, b5));
-          continue;
-        }
-        surface.Set(x, y, Join16(Blend(r5 * 2, d.r, scale), Blend(g5, d.g, scale), Blend(b5, d.b, scale)));
+        const int v = smooth ? c * (a + 1) / 256 : a;
+        if (smooth && v == 0) continue;
+        surface.Set(x, y,
+                    !smooth && a == 255
+                        ? Join16(color.fR >> 10, g5, b5)
+                        : Join16(Blend(r5 * 2, d.r, v + 1), Blend(g5, d.g, v + 1), Blend(b5, d.b, v + 1)));
       }
   }
 
@@ -107,7 +93,7 @@ struct Model {
   hsIntPoint origin{0, 0};
   const hsRegion* user = nullptr;
   std::vector<State> states{1};
-  std::vector<std::pair<hsPath, Coverage>> masks;
+  std::vector<CoverageBlitter> masks;
 };
 
 // One step of both: a change of state, or a fill.
@@ -156,11 +142,11 @@ void Step(Random& random, hsGRasterDevice* device, Model* model, const hsRegion&
   const hsGColor color = RandomColor(random);
   attr->SetColor(&color);
   const hsMatrix total = model->Total();
-  Coverage coverage;
+  CoverageBlitter coverage;
   if (random.Chance(20)) {
     attr->SetFlags(0);
     device->DrawFull(attr);
-    std::fill_n(coverage.bytes[0], kWidth * kHeight, 255);
+    std::fill_n(coverage.covered[0], sizeof coverage.covered, 255);
     return model->Draw(coverage, color, false);
   }
   if (random.Chance(30)) {

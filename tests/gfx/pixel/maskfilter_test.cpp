@@ -42,4 +42,23 @@ TEST(MaskFilter, DrawsAPathsCoverageChangedOrNot) {
   }
 }
 
+TEST(MaskFilter, TheWidestMask) {
+  Random random(2);
+  Surface surface(hsGBitmap::kConfig_Alpha8, 4, 1, random);
+  const hsMatrix matrix;
+  const hsRegion clip(hsIntRect{-32767, 0, 32767, 1});
+  hsGAttribute attr;
+  hsGRawDraw raw;
+  raw.fBitmap = &surface.bitmap;
+  raw.fMatrix = &matrix;
+  raw.fAttr = &attr;
+  raw.fClip = &clip;
+  const auto filter = hsMake<SpreadFilter>();
+  const hsRect rect{-32764 * kFixed1, 0, 32765 * kFixed1, kFixed1};  // 65,529 pixels, one too many
+  hsPath path;
+  path.AddRect(&rect);
+  hsGMaskFilter::DrawPath(raw, path, matrix, filter.get());
+  EXPECT_EQ(filter->seen, (hsIntRect{0, 0, 0, 0}));
+}
+
 }  // namespace

@@ -92,9 +92,12 @@ TEST(RasterDevice, WithoutPixelsItTellsItsBounderAndDrawsNothing) {
   }
   EXPECT_EQ(counter->count, 7 * 4);
   hsRegion dirty;
-  device.ScrollRect({0, 0, 9, 9}, 1, 1, &dirty);
+  for (const auto& [d, touched] : {std::pair{2, hsIntRect{3, 3, 8, 8}}, {-2, hsIntRect{1, 1, 6, 6}}}) {
+    device.ScrollRect({3, 3, 6, 6}, d, d, &dirty);
+    EXPECT_EQ(counter->last, touched) << "where it was and where it goes";
+  }
   device.EraseColor(kBlack);
-  EXPECT_EQ(counter->count, 7 * 4 + 2);
+  EXPECT_EQ(counter->count, 7 * 4 + 3);
 }
 
 TEST(RasterDevice, StatesAndReplay) {
@@ -120,6 +123,45 @@ TEST(RasterDevice, StatesAndReplay) {
   EXPECT_EQ(ReportOf([&] { device.Restore(); }), "nil param: 0");
   EXPECT_EQ(ReportOf([&] { device.SaveLayer(nullptr, &attr); }), "unknown config: 2");
   EXPECT_EQ(ReportOf([&] { device.DrawRect(&rect, nullptr); }), "nil param: 0");
+
+  const hsPoint point{kFixed1, kFixed1};
+  hsPoint back{7, 7};
+  hsMatrix singular;
+  singular.fMap[0][0] = singular.fMap[0][1] = singular.fMap[1][0] = singular.fMap[1][1] = kFixed1;
+  device.ConcatMatrix(singular);
+  device.InverseMapPoints(1, &point, &back);
+  EXPECT_EQ(back, (hsPoint{7, 7})) << "nothing leads back";
+}
+
+TEST(RasterDevice, ThinStrokes) {
+  ThrowOnHalt halt;
+  Random random(4);
+  const Surface blank(hsGBitmap::kConfig_Alpha8, 10, 10, random);
+  const auto columnsOf = [&](auto draw) {  // of row 4
+    Surface surface(blank);
+    hsGRasterDevice device;
+    device.SetBitmap(&surface.bitmap);
+    device.EraseColor({});
+    device.SetBounder(hsMake<Counter>().get());  // so that rectangles go as paths
+    hsGAttribute attr(hsGAttribute::kFrame);
+    attr.SetFrameSize(kFixedHalf);
+    draw(&device, &attr);
+    std::string row;
+    for (int x = 0; x < 10; ++x) row += surface.Get(x, 4) ? '#' : '.';
+    return row;
+  };
+  // Half a pixel wide, and upright: no direction but down.
+  EXPECT_EQ(columnsOf([](hsGRasterDevice* device, hsGAttribute* attr) {
+              const hsPoint a{5 * kFixed1 / 2, kFixed1}, b{5 * kFixed1 / 2, 8 * kFixed1};
+              device->DrawLine(&a, &b, attr);
+            }),
+            "..#.......");
+  // From 2.75 to 3.25 lies no column's middle, from 6.25 to 6.75 there is one.
+  EXPECT_EQ(columnsOf([](hsGRasterDevice* device, hsGAttribute* attr) {
+              const hsRect rect{3 * kFixed1, kFixed1, 13 * kFixed1 / 2, 8 * kFixed1};
+              device->DrawRect(&rect, attr);
+            }),
+            "......#...");
 }
 
 // Doubles the stroke, or makes it a fill.

@@ -76,6 +76,8 @@ TEST_F(TextTest, JustifyingSpreadsWhatRemainsAheadOfTheLastCharacter) {
     SetSpacing(-20 * kFixed1, 0, 0, c.flags);
     EXPECT_EQ(Positions(c.text), c.positions) << c.text;
   }
+  Draw("ab", 5_px, 20_px);  // is not moved besides
+  ExpectBlocks({{13, 14, 17, 21}, {25, 18, 28, 23}});
 }
 
 TEST_F(TextTest, KerningGivesHalfToEachSide) {
@@ -113,6 +115,10 @@ TEST_F(TextTest, FaceScalesAdvancesAndDrawsTheUnderline) {
   EXPECT_EQ(rule.fRight, 10_px);
   Draw("a", 4_px, 20_px);
   ExpectBlocks({{5, 14, 9, 21}, {4, 22, 10, 23}});
+  face.fUnderlineThickness = kFixed1 / 1000;  // still a row of pixels
+  fAttr.SetTextFace(&face);
+  Draw("a", 4_px, 20_px);
+  ExpectBlocks({{5, 14, 9, 21}, {4, 22, 10, 23}});
 }
 
 TEST_F(TextTest, PathsDrawWhatMasksDraw) {
@@ -126,6 +132,15 @@ TEST_F(TextTest, PathsDrawWhatMasksDraw) {
   fAttr.GetTextPath(3, "aab", 6_px, &path);  // advances are linear; the last glyph begins near 12
   path.ComputeBounds(&bounds, false);
   EXPECT_EQ(bounds, (hsRect{1_px, -7 * kFixed1, 5_px + 600 * kUnit, 0}));
+
+  SfntBuilder font = BlockFont();  // a contour of three points counts, one of two doesn't
+  font.characters['v'] = font.AddContours({{{0, 0}, {300, 500}, {600, 0}}, {{0, 0}, {900, 900}}}, 600);
+  fAttr.SetFontID(Register(font.Build()));
+  path.Rewind();
+  fAttr.GetTextPath(1, "v", 6_px, &path);
+  EXPECT_EQ(path.CountFirstContourSegments(false), 3);
+  path.ComputeBounds(&bounds, false);
+  EXPECT_EQ(bounds, (hsRect{0, -5 * kFixed1, 6_px, 0}));
 }
 
 TEST_F(TextTest, OutliningWidensGlyphs) {

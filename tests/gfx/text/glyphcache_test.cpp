@@ -47,6 +47,15 @@ TEST_F(GlyphCacheTest, AnImageIsRenderedOnceAndAgainAfterAPurge) {
   EXPECT_EQ(glyphs[0].fAdvanceX, 6_px);
   EXPECT_EQ(context->GetImage(&glyphs[1])[1], 0xF0);
   EXPECT_EQ(hsGGlyphCache::ImageBytes(), 2 * bytes);
+
+  StrikeOfSize(20)->Release();
+  StrikeOfSize(30)->Release();
+  context->Purge();  // lets go of the strikes that nobody holds, too
+  EXPECT_EQ(Count(), 0);
+
+  fAttr.SetTextSize(3000_px);  // 1,200 pixels wide and 2,100 high: passed over
+  Draw("a", 5_px, 20_px);
+  EXPECT_EQ(hsGGlyphCache::ImageBytes(), 2 * bytes);
 }
 
 TEST_F(GlyphCacheTest, CodesThatShareALowByteTurnEachOtherOut) {

@@ -58,6 +58,10 @@ TEST_F(TextTest, FontsAreFoundByName) {
   char buffer[16] = {};
   EXPECT_EQ(hsGFontRegistry::GetFontName(id, kFontName_Any, buffer), 9u);
   EXPECT_STREQ(buffer, "Blocks Go");
+  hsGFontScaler* scaler = hsGFontRegistry::GetFontByID(id);
+  scaler->Acquire();
+  EXPECT_EQ(ReportOf([&] { scaler->ReadData(scaler->GetDataSize() - 4, 5, buffer); }), "bad param: 0");
+  scaler->Release();
 
   EXPECT_EQ(hsGFontRegistry::GetFontByID(999)->FontID(), fFont);
   static const char* const kPreferred[] = {"No Such", "Blocks", nullptr};

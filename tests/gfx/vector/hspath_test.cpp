@@ -26,6 +26,11 @@ TEST(Path, MovesAreLazy) {
   EXPECT_FALSE(path.GetFirstPoint(&p));  // it holds points, but no contour is open
   path.RLineTo(F(1), F(1));
   EXPECT_EQ(TextOf(path), "M 1 1 L 2 2 L 3 1 Z");
+  path.SetLastPoint(F(7), F(7));  // no contour is open: the pending move changes
+  EXPECT_EQ(TextOf(path), "M 1 1 L 2 2 L 3 1 Z");
+  path.MoveTo(F(5), F(5));
+  path.SetLastPoint(F(8), F(8));  // and after a bare move the contour before
+  EXPECT_EQ(TextOf(path), "M 1 1 L 2 2 L 8 8 Z");
 }
 
 TEST(Path, MisuseIsReportedAndLeftOut) {
@@ -43,15 +48,6 @@ TEST(Path, MisuseIsReportedAndLeftOut) {
   EXPECT_EQ(TextOf(path), "M 0 0 L 1 1 Z");
   EXPECT_THROW(path.MoveTo(0x7FFFFFFF, 0), hsException);
   path.MoveTo(0x7FFFFFFE, -0x7FFFFFFF);  // infinity is a number
-}
-
-TEST(Path, SetLastPointAfterABareMoveChangesTheContourBefore) {
-  hsPath path = PathOf("M 0 0 L 1 1 Z");
-  path.SetLastPoint(F(7), F(7));  // no contour is open: the pending move changes
-  EXPECT_EQ(TextOf(path), "M 0 0 L 1 1 Z");
-  path.MoveTo(F(5), F(5));
-  path.SetLastPoint(F(8), F(8));
-  EXPECT_EQ(TextOf(path), "M 0 0 L 8 8 Z");
 }
 
 TEST(PathIter, ForcedCloseAddsTheMissingLine) {
@@ -269,29 +265,31 @@ TEST(Path, Subdivides) {
 
 double Distance(hsPoint p, hsPoint q) { return std::hypot(p.fX - q.fX, p.fY - q.fY) / 65536; }
 
+// All curves of the path keep to the circle, within a margin in pixels.
+void ExpectRound(const hsPath& path, double centre, double radius, double margin) {
+  hsPathIter iter(path, false);
+  hsPoint p[4];
+  for (hsPath::Verb verb; (verb = iter.Next(p)) != hsPath::kDoneVerb;)
+    for (double t : {0.0, 0.3, 0.5, 1.0})
+      EXPECT_NEAR(verb == hsPath::kQuadVerb ? Distance(At(p, 2, t), {F(centre), F(centre)}) : radius, radius, margin);
+}
+
 TEST(PathShapes, RoundThingsAreRound) {
   hsPath circle, reversed;
   circle.AddCircle(F(50), F(50), F(-40));
   const hsRect square{F(10), F(10), F(90), F(90)};
   reversed.AddOval(&square, true);
   EXPECT_EQ(circle.CountFirstContourSegments(false), 8);
-  for (const hsPath* path : {&circle, &reversed}) {
-    hsPathIter iter(*path, false);
-    hsPoint pts[4];
-    for (hsPath::Verb verb; (verb = iter.Next(pts)) != hsPath::kDoneVerb;)
-      for (double t : {0.0, 0.3, 0.5, 1.0})
-        EXPECT_NEAR(verb == hsPath::kQuadVerb ? Distance(At(pts, 2, t), {F(50), F(50)}) : 40, 40, 0.2);
-  }
+  for (const hsPath* path : {&circle, &reversed}) ExpectRound(*path, 50, 40, 0.2);
   hsPoint up, down;
   circle.GetPoint(2, &up);
   reversed.GetPoint(2, &down);
-  EXPECT_EQ(up.fX, down.fX);
-  EXPECT_EQ(up.fY - F(50), F(50) - down.fY);
-  hsPath none;
-  none.AddCircle(0, 0, 8);
-  EXPECT_TRUE(none.IsEmpty());
-  none.AddCircle(0, 0, 9);
-  EXPECT_FALSE(none.IsEmpty());
+  EXPECT_EQ(up, (hsPoint{down.fX, F(100) - down.fY}));
+  for (hsScalar radius : {8, 9}) {  // too small to be seen, or not
+    hsPath dot;
+    dot.AddCircle(0, 0, radius);
+    EXPECT_EQ(dot.IsEmpty(), radius == 8);
+  }
 }
 
 TEST(PathShapes, Rectangles) {
@@ -326,11 +324,7 @@ TEST(PathShapes, ArcsStartAtTwelveAndRunClockwise) {
   quarter.GetLastPoint(&last);
   EXPECT_LT(Distance(first, {F(40), 0}), 0.1);
   EXPECT_LT(Distance(last, {F(80), F(40)}), 0.2);
-  hsPathIter iter(quarter, false);
-  hsPoint pts[4];
-  for (hsPath::Verb verb; (verb = iter.Next(pts)) != hsPath::kDoneVerb;)
-    EXPECT_NEAR(verb == hsPath::kQuadVerb ? Distance(At(pts, 2, 0.5), {F(40), F(40)}) : 40, 40, 0.3);
-
+  ExpectRound(quarter, 40, 40, 0.3);
   EXPECT_EQ(arc(0, F(45), false).CountFirstContourSegments(false), 1);
   EXPECT_EQ(arc(0, F(45) + 1, false).CountFirstContourSegments(false), 2);
   EXPECT_TRUE(arc(0, 0, true).IsEmpty());
@@ -346,19 +340,23 @@ TEST(PathShapes, ArcsStartAtTwelveAndRunClockwise) {
 
 TEST(PathShapes, OutlinesWithImpliedPoints) {
   const hsPoint p[] = {{F(0), 0}, {F(8), 0}, {F(8), F(8)}, {F(0), F(8)}};
-  const auto outline = [&](std::vector<uint8_t> on, bool closed) {
+  struct {
+    std::vector<uint8_t> on;
+    const char* path;
+    bool closed = true;
+  } const cases[] = {{{1, 1, 1, 1}, "M 0 0 L 8 0 L 8 8 L 0 8 L 0 0 Z"},
+                     {{1, 1, 1, 1}, "M 0 0 L 8 0 L 8 8 L 0 8", false},
+                     {{1, 0, 1, 0}, "M 0 0 Q 8 0 8 8 Q 0 8 0 0 Z"},
+                     {{0, 0, 0, 0}, "M 4 0 Q 8 0 8 4 Q 8 8 4 8 Q 0 8 0 4 Q 0 0 4 0 Z"},
+                     {{0, 1, 0, 1}, "M 8 0 Q 8 8 0 8 Q 0 0 8 0 Z"},
+                     {{1}, "M 0 0 L 0 0 Z"},
+                     {{0}, "M 0 0 Q 0 0 0 0 Z"},
+                     {{}, ""}};
+  for (const auto& [on, want, closed] : cases) {
     hsPath path;
     path.AddContourWithOnCurveFlags(int32_t(on.size()), p, on.data(), closed);
-    return TextOf(path);
-  };
-  EXPECT_EQ(outline({1, 1, 1, 1}, true), "M 0 0 L 8 0 L 8 8 L 0 8 L 0 0 Z");
-  EXPECT_EQ(outline({1, 1, 1, 1}, false), "M 0 0 L 8 0 L 8 8 L 0 8");
-  EXPECT_EQ(outline({1, 0, 1, 0}, true), "M 0 0 Q 8 0 8 8 Q 0 8 0 0 Z");
-  EXPECT_EQ(outline({0, 0, 0, 0}, true), "M 4 0 Q 8 0 8 4 Q 8 8 4 8 Q 0 8 0 4 Q 0 0 4 0 Z");
-  EXPECT_EQ(outline({0, 1, 0, 1}, true), "M 8 0 Q 8 8 0 8 Q 0 0 8 0 Z");
-  EXPECT_EQ(outline({1}, true), "M 0 0 L 0 0 Z");
-  EXPECT_EQ(outline({0}, true), "M 0 0 Q 0 0 0 0 Z");
-  EXPECT_EQ(outline({}, true), "");
+    EXPECT_EQ(TextOf(path), want);
+  }
 }
 
 }  // namespace

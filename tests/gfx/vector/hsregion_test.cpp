@@ -74,17 +74,6 @@ TEST(Region, OperationsAgreeWithPixels) {
   }
 }
 
-TEST(Region, ResultsThatAreRectanglesBecomeOnes) {
-  hsRegion region;
-  region.Union(hsIntRect{0, 0, 10, 5}, hsIntRect{0, 5, 10, 9});
-  EXPECT_TRUE(region.IsRect());
-  EXPECT_EQ(region.Bounds(), (hsIntRect{0, 0, 10, 9}));
-  region.Xor(hsIntRect{0, 0, 10, 5}, hsIntRect{10, 0, 20, 5});
-  EXPECT_EQ(RectsOf(region), (Rects{{0, 0, 20, 5}}));
-  region.Difference(region, hsIntRect{0, 0, 20, 5});
-  EXPECT_EQ(region.Bounds(), (hsIntRect{0, 0, 0, 0}));
-}
-
 // As runs they may be given apart.
 TEST(Region, BandsAlikeAreJoined) {
   hsRegion region;
@@ -285,31 +274,23 @@ TEST(Region, CopiesAreTheirOwn) {
   int32_t left = 0, right = 30;
   EXPECT_TRUE(ring.ClipSpan(15, &left, &right));
   other = ring;
-  EXPECT_TRUE(other == copy && other.Validate() && ring.Validate());
   ring.SetRect(1, 2, 3, 4);
-  EXPECT_TRUE(ring.Validate());
-  EXPECT_TRUE(other == copy);
+  EXPECT_TRUE(other == copy && other.Validate() && ring.Validate());
   EXPECT_FALSE(other == ring);
   other.Swap(ring);
-  EXPECT_EQ(other.Bounds(), (hsIntRect{1, 2, 3, 4}));
   ring = std::move(other);
-  EXPECT_TRUE(ring.IsRect());
   const hsRegion& self = ring;
   ring = self;
+  EXPECT_TRUE(ring.IsRect());
   EXPECT_EQ(ring.Bounds(), (hsIntRect{1, 2, 3, 4}));
 }
 
 TEST(Blitter, ARectangleIsRowsFromTheTop) {
-  struct Rows : hsGBlitter {
-    void BlitH(int32_t y, int32_t x, int32_t width) override {
-      EXPECT_EQ(x, 3);
-      EXPECT_EQ(width, 4);
-      rows.push_back(y);
-    }
-    std::vector<int32_t> rows;
-  } blitter;
+  PixelBlitter blitter;
   blitter.BlitRect(7, 3, 4, 3);
-  EXPECT_EQ(blitter.rows, (std::vector<int32_t>{7, 8, 9}));
+  EXPECT_TRUE(blitter.ordered && blitter.drawn == PixelModel::Where([](int x, int y) {
+                                   return hsIntRect{3, 7, 7, 10}.Contains(x, y);
+                                 }));
   EXPECT_EQ(AssertOf([&] { blitter.BlitRect(7, 3, 4, 0); }), "bad height");
   uint32_t value;
   EXPECT_EQ(blitter.GetDirectTarget(&value), nullptr);

@@ -76,7 +76,7 @@ void CompareWithDistance(bool curves, double inner, double outer, int mostHoles)
     if (!curves && random() & 1) path.Close();
     const Outline spine(path, false);
     const hsPath outline = StrokeOf(path, radius, HSScan::kRoundJoin | HSScan::kRoundCap);
-    OrderedBlitter filled;
+    PixelBlitter filled;
     const hsRegion clip(hsIntRect{0, 0, kModelSize, kModelSize});
     HSScan::FillPath(&outline, &clip, &filled);
     for (int y = 0; y < kModelSize; ++y)

@@ -66,5 +66,6 @@ inline std::string IteratedText(const hsPath& path, bool forceClose) {
     const hsPoint* stored = verb == hsPath::kMoveVerb ? pts : pts + 1;
     points.insert(points.end(), stored, stored + hsPointsOfVerb(verb));
   }
+  if (!iter.IsDone()) return "goes on after its end";
   return TextOf(verbs, points.data());
 }

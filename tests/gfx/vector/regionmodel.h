@@ -67,9 +67,12 @@ struct PixelModel {
   }
 };
 
-// Notes every pixel, and whether one came twice.
+// Notes every pixel, whether one came twice, and whether spans came in order: from the top, in a row from the left.
 struct PixelBlitter : hsGBlitter {
   void BlitH(int32_t y, int32_t x, int32_t width) override {
+    ordered = ordered && width > 0 && (y > lastY || (y == lastY && x >= lastEnd));
+    lastY = y;
+    lastEnd = x + width;
     for (int32_t i = x; i < x + width; ++i) {
       bool& pixel = drawn.pixels.at(size_t(y)).at(size_t(i));
       twice |= pixel;
@@ -77,14 +80,9 @@ struct PixelBlitter : hsGBlitter {
     }
   }
   PixelModel drawn;
-  bool twice = false;
+  bool twice = false, ordered = true;
+  int32_t lastY = -1, lastEnd = 0;
 };
-
-inline PixelModel ModelOf(const hsRegion& region) {
-  PixelModel model;
-  for (hsRegionRectIter iter(region); !iter.IsDone(); iter.Next()) model.Fill(iter.Rect());
-  return model;
-}
 
 using Random = std::mt19937;
 

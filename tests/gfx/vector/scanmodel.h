@@ -81,18 +81,6 @@ struct CallBlitter : hsGBlitter {
   std::string calls;
 };
 
-// Pixels, and whether spans came in order: from the top, in a row from the left, never over each other.
-struct OrderedBlitter : PixelBlitter {
-  void BlitH(int32_t y, int32_t x, int32_t width) override {
-    ordered = ordered && width > 0 && (y > lastY || (y == lastY && x >= lastEnd));
-    lastY = y;
-    lastEnd = x + width;
-    PixelBlitter::BlitH(y, x, width);
-  }
-  int32_t lastY = -1, lastEnd = 0;
-  bool ordered = true;
-};
-
 inline hsPoint RandomPoint(Random& random, int size = kModelSize) {
   const auto coordinate = [&] { return hsScalar(random() % unsigned(size << 8)) << 8; };
   const hsScalar x = coordinate();
