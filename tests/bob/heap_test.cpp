@@ -33,6 +33,8 @@ TEST(Heap, ObjectsTakeTheSizesOf32BitWords) {
   EXPECT_EQ(taken([&] { bobMakeCode(interp, 3); }), 20u);
   EXPECT_EQ(taken([&] { bobMakeObject(interp, kBobNil); }), 16u);
   EXPECT_EQ(taken([&] { bobMakeNative(interp, interp->fileKind); }), 24u);
+  const uint32_t odd = bobMakeKind(interp, 0, "Odd", nullptr, nullptr, 5);  // extra bytes take whole words
+  EXPECT_EQ(taken([&] { bobMakeNative(interp, odd); }), 28u);
   const BobLocal object(interp, bobMakeObject(interp, kBobNil));
   const uint32_t sizes[] = {16, 16, 16, 16, 16 + 24, 16, 16, 16, 16 + 40};  // properties; tables of 4 and 8 buckets
   for (int i = 0; i < 9; ++i)

@@ -113,6 +113,13 @@ TEST(Host, CallsFunctionsAndRestoresTheRegistersAfterAnError) {
   EXPECT_EQ(session.answer(), "Error: No property - zork\nError: Unbound variable - nothing\nHappened in bad\n");
 }
 
+TEST(Host, CallsBackFromNativeMethodsNestUpToABound) {
+  LampSession session;
+  session.run("lamp = new Lamp(1); count = 0; define down(level) { count = count + 1; lamp.Blink(down); }");
+  EXPECT_TRUE(session.eval("lamp.Blink(down);").starts_with("Error: Stack overflow\n"));
+  EXPECT_EQ(session.eval("count;"), "--> 1499\n");  // of 1,500 runs the line's own is one
+}
+
 TEST(Host, ARestartUnwindsWithoutAMessage) {
   Session session;
   const auto raise = [&](int code) { return bobTry(session.interp, [&] { bobRaise(session.interp, code); }); };
