@@ -1,30 +1,42 @@
-// How the kit reports what is wrong with an author's files: a place and a sentence.
+// How the kit reports what is wrong with an author's files: places and sentences.
 #pragma once
 
 #include <functional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 struct KitMessage {
   std::string file;  // empty when no file is at fault
   int line = 0;      // from 1; 0 for the file as a whole
   std::string text;
+  std::vector<KitMessage> uses{};  // what brought the place in, the nearest first: a template's use, an include
 
-  // "FILE:LINE: message", as far as the place is known.
+  // "FILE:LINE: message", as far as the place is known, and a line for each use.
   std::string whole() const {
-    if (file.empty()) return text;
-    return line > 0 ? file + ":" + std::to_string(line) + ": " + text : file + ": " + text;
+    std::string out = text;
+    if (!file.empty()) out = (line > 0 ? file + ":" + std::to_string(line) : file) + ": " + text;
+    for (const KitMessage& use : uses) out += "\n  " + use.whole();
+    return out;
   }
 };
 
-// What every function of the kit throws; what() is the message with its place.
+// What every function of the kit throws; what() has all messages with their places, a line or more each.
 struct KitError : std::runtime_error {
-  explicit KitError(const KitMessage& m) : std::runtime_error(m.whole()), message(m) {}
+  explicit KitError(std::vector<KitMessage> all) : std::runtime_error(joined(all)), messages(std::move(all)) {}
+  explicit KitError(const KitMessage& m) : KitError(std::vector{m}) {}
   explicit KitError(const std::string& text) : KitError(KitMessage{"", 0, text}) {}
   KitError(const std::string& file, const std::string& text) : KitError(KitMessage{file, 0, text}) {}
   KitError(const std::string& file, int line, const std::string& text) : KitError(KitMessage{file, line, text}) {}
 
-  KitMessage message;
+  std::vector<KitMessage> messages;  // one at least
+
+ private:
+  static std::string joined(const std::vector<KitMessage>& all) {
+    std::string out;
+    for (const KitMessage& message : all) out += (out.empty() ? "" : "\n") + message.whole();
+    return out;
+  }
 };
 
 // Takes what is odd but no error. An empty one is not called.

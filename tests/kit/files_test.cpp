@@ -60,7 +60,7 @@ TEST_F(FilesTest, ErrorsNameTheFileAndLeaveNothing) {
       ADD_FAILURE() << path;
     } catch (const KitError& e) {
       EXPECT_EQ(e.what(), path + message);
-      EXPECT_EQ(e.message.file, path);
+      EXPECT_EQ(e.messages.at(0).file, path);
     }
   }
   EXPECT_EQ(count(), 1u);

@@ -72,7 +72,7 @@ class SourceReader {
 
  private:
   [[noreturn]] void fail(const YamlNode& node, const std::string& message) const {
-    throw KitError(*node.place.file, node.place.line, message);
+    throw KitError(messageAt(node.place, message));
   }
 
   void expectMap(const YamlNode& node, const std::string& what) const {
@@ -85,7 +85,7 @@ class SourceReader {
   }
 
   [[noreturn]] void fail(const YamlPlace& place, const std::string& message) const {
-    throw KitError(*place.file, place.line, message);
+    throw KitError(messageAt(place, message));
   }
 
   // Calls back with each pair in source order; a repeated key is an error.
@@ -144,7 +144,7 @@ class SourceReader {
   }
 
   void warnAt(const YamlPlace& place, const std::string& message) const {
-    if (warn) warn({*place.file, place.line, "warning: " + message});
+    if (warn) warn(messageAt(place, "warning: " + message));
   }
 
   // A YAML tag decides over the form that the reader wants.

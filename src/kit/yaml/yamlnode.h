@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include "kit/errors.h"
+
 struct YamlUse;
 
 struct YamlPlace {
@@ -54,8 +56,5 @@ struct YamlPair {
   YamlNode value;
 };
 
-inline const YamlNode* YamlNode::find(std::string_view key) const {
-  for (const YamlPair& pair : map)
-    if (pair.key == key) return &pair.value;
-  return nullptr;
-}
+// What is wrong at a place, with its uses.
+KitMessage messageAt(const YamlPlace& place, std::string text);

@@ -1,0 +1,14 @@
+#include "kit/yaml/yamlnode.h"
+
+const YamlNode* YamlNode::find(std::string_view key) const {
+  for (const YamlPair& pair : map)
+    if (pair.key == key) return &pair.value;
+  return nullptr;
+}
+
+KitMessage messageAt(const YamlPlace& place, std::string text) {
+  KitMessage message{*place.file, place.line, std::move(text)};
+  for (const YamlUse* use = place.use.get(); use; use = use->at.use.get())
+    message.uses.push_back({*use->at.file, use->at.line, "used here: " + use->what});
+  return message;
+}
