@@ -132,10 +132,15 @@ TEST_F(LoadTest, NestedFramesGoSilentlyAndHearEventsAfterTheOuterOne) {
   desktop.wait(60);  // the inner widget's timer went with it
 }
 
-TEST_F(LoadTest, PagesThatHoldThemselvesTwiceEnd) {
+TEST_F(LoadTest, PagesThatHoldThemselvesEnd) {
   build("page.kpg", "page: {type: group, children: [{type: frame, src: page.kpg}, {type: frame, src: page.kpg}]}");
   loadFile("page.kpg");
   EXPECT_NE(desktop.log.find(" -- 'page.kpg' not found\n"), std::string::npos);  // the 33rd frame finds nothing
+
+  build("line.kpg", "page: {type: frame, src: line.kpg}");
+  desktop.log.clear();
+  EXPECT_TRUE(loadFile("line.kpg"));
+  EXPECT_EQ(log(), " -- 'line.kpg' not found\n");
 }
 
 // 32 pages in one another, each with its frame at the bottom of 150 groups: a key and a draw climb all the way.

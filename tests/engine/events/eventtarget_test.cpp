@@ -95,6 +95,14 @@ TEST_F(TargetTest, WalksOutliveWhatTheirHooksTakeAway) {
   delete b;
 }
 
+TEST_F(TargetTest, UnansweredEventsClimbToTheParent) {
+  Target top(nullptr, note("top", 1));
+  EventTarget middle(&top), bottom(&middle);
+  EXPECT_EQ(eventSendSimple(&bottom, 7, 0), 1);
+  EXPECT_EQ(bottom.handleEvent(nullptr), 1);
+  EXPECT_EQ(story, "top ");
+}
+
 TEST_F(TargetTest, ADestroyedDefaultIsAskedNoLonger) {
   Target target(nullptr, note("default", 1));
   defaultTargetSet(&target);

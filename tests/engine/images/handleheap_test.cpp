@@ -48,6 +48,13 @@ TEST_F(HandleHeapTest, RoomIsCountedToTheByte) {
   EXPECT_EQ(heap.offsetOf(heap.payload(second)), 1024u - 20 - 8);
 }
 
+TEST_F(HandleHeapTest, TheTableGrowsBy32WhereThereIsRoom) {
+  std::vector<HeapHandle> handles;
+  while (const HeapHandle handle = allocate(4)) handles.push_back(handle);
+  // 64 handles leave 748 bytes, of 16 a block: 46 blocks. The growth at the 33rd still fitted.
+  EXPECT_EQ(handles.size(), 46u);
+}
+
 TEST_F(HandleHeapTest, TheTableGrowsIntoTheLastByteForGood) {
   std::vector<HeapHandle> handles = {allocate(240)};
   while (handles.size() < 32) handles.push_back(allocate(4));  // 252 + 31 * 16 bytes: 128 are left
