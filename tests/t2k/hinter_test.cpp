@@ -128,22 +128,6 @@ TEST(Hinter, GreyKeepsXAndMonochromeFitsVerticalStems) {
   }
 }
 
-// At every size: no stem of the E thinner than a pixel, all edges on pixels, all points in their order.
-TEST(Hinter, StemsNeverCollapseAndPointsKeepTheirOrder) {
-  OpenFont f(LettersFont().Build());
-  for (int size = 2; size < 60; ++size) {
-    f.SetSize(size);
-    ASSERT_TRUE(f.Render('E', 0, kHinted));
-    const int32_t* y = f.t->glyph->y;
-    EXPECT_GE(y[9] - y[0], 64) << size;
-    EXPECT_GE(y[5] - y[8], 64) << size;
-    EXPECT_GE(y[1] - y[4], 64) << size;
-    EXPECT_LE(y[9], y[8]) << size;
-    EXPECT_LE(y[5], y[4]) << size;
-    for (int i = 0; i < 12; ++i) EXPECT_EQ(y[i] % 64, 0) << size;
-  }
-}
-
 TEST(Hinter, CubicOutlinesAreFittedAlike) {
   OpenFont quadratic(LettersFont().Build());
   Type1Builder builder;
@@ -163,9 +147,9 @@ TEST(Hinter, CubicOutlinesAreFittedAlike) {
   }
   OpenFont cubic(builder.Build(), kFontType1);
   for (int size : {9, 13, 14, 21}) {
+    quadratic.SetSize(size);
+    cubic.SetSize(size);
     for (char letter : {'E', 'z'}) {
-      quadratic.SetSize(size);
-      cubic.SetSize(size);
       ASSERT_TRUE(quadratic.Render(letter, 2, kHinted));
       ASSERT_TRUE(cubic.Render(letter, 2, kHinted));
       EXPECT_EQ(DistinctY(quadratic.t->glyph), DistinctY(cubic.t->glyph)) << letter << size;

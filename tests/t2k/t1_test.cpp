@@ -147,6 +147,7 @@ TEST(Type1, Programs) {
        ""},
       {"an open contour ends with the glyph", "5 6 rlineto", "20,0 25,6 | 0,0 500,0", {}, ""},
       {"a bearing with a height", "3 4 700 8 sbw", "| -3,0 697,0", {}, ""},
+      {"is where its outline begins", "3 4 700 8 sbw 1 2 rlineto", "3,4 4,6 | 0,0 700,8", {}, ""},
       {"nothing", "", "| -20,0 480,0", {}, ""},
       {"numbers of each length",
        "-107 108 rlineto 1131 -1131 rlineto -108 20000 rlineto",

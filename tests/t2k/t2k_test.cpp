@@ -20,19 +20,13 @@ TEST(Transformation, SizesAndMetrics) {
   f.SetSize(12);
   const T2K& t = *f.t;
   EXPECT_TRUE(t.is_Identity && t.xPixelsPerEm == 12 && t.numGlyphs == 3 && t.font->preferedPlatformID == 65535);
-  EXPECT_EQ(t.yMul, 786);  // 12 / 1000
+  // By 12 / 1000, 786 in 16.16.
   EXPECT_EQ((std::vector{t.yAscender, t.yDescender, t.yLineGap, t.xMaxLinearAdvanceWidth, t.xAscender, t.caretDy}),
             (std::vector{800 * 786, -200 * 786, 90 * 786, 1234 * 786, 0, 32768}));
-}
-
-TEST(Transformation, ResolutionIsDividedBeforeItMultiplies) {
-  OpenFont f(TwoLetters().Build());
   const T2KMatrix matrix{12 << 16, 0, 0, 12 << 16};
   T2K_NewTransformation(f.t, false, 96, 36, &matrix, &f.err);
-  EXPECT_EQ(f.t->xPixelsPerEm16Dot16, 12 * 87381);  // 96 / 72 cut to 16 bits
-  EXPECT_EQ(f.t->xPixelsPerEm, 16);
-  EXPECT_EQ(f.t->yPixelsPerEm, 6);
-  EXPECT_TRUE(f.t->is_Identity);
+  EXPECT_EQ(t.xPixelsPerEm16Dot16, 12 * 87381);  // 96 / 72 cut to 16 bits before it multiplies
+  EXPECT_TRUE(t.is_Identity && t.xPixelsPerEm == 16 && t.yPixelsPerEm == 6);
 }
 
 TEST(Transformation, WhatRemainsTurnsOutlinesAdvancesAndMetrics) {
@@ -262,18 +256,14 @@ TEST(Errors, EachEndsTheFontAndStays) {
 }
 
 TEST(Errors, StampsAndNulls) {
-  OpenFont f(TwoLetters().Build());
-  f.SetSize(12);
+  OpenFont f(TwoLetters().Build()), g(TwoLetters().Build());
   f.t->stamp2 ^= 1;
   DeleteT2K(std::exchange(f.t, nullptr), &f.err);
   EXPECT_EQ(f.err, 10007);
   EXPECT_EQ(f.Close(), 0);
-
-  OpenFont g(TwoLetters().Build());
   g.mem->state ^= 1;
   EXPECT_FALSE(g.Render('A', 0, 0));
   EXPECT_EQ(g.err, 10019);
-
   int err = 0;
   EXPECT_EQ(NewT2K(nullptr, nullptr, &err), nullptr);
   EXPECT_EQ(err, 10000);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <random>
 #include <string>
 #include <vector>
@@ -41,12 +42,16 @@ class ScanConverter : public testing::Test {
     return glyph;
   }
 
-  // The place of the bitmap and its pixels as text.
+  // The place of the bitmap and its pixels as text. The bounds alone must be those of the bitmap.
   std::string Draw(const std::vector<FontContour>& contours, int greyLevel, int curveType = 2) {
     const GlyphHolder glyph(Make(contours, curveType));
     const tsiScanConv sc = ScanConvert(*glyph.get(), {greyLevel, false, false});
     const std::string text = PixelText(sc.baseAddr, sc.Width(), sc.Height(), sc.rowBytes, greyLevel > 0);
     tsi_DeAllocMem(mem, sc.baseAddr);
+    const tsiScanConv bounds = ScanConvert(*glyph.get(), {greyLevel, true, false});
+    EXPECT_EQ(bounds.baseAddr, nullptr);
+    EXPECT_EQ((std::array{bounds.left, bounds.right, bounds.bottom, bounds.top, bounds.xmin, bounds.ymax}),
+              (std::array{sc.left, sc.right, sc.bottom, sc.top, sc.xmin, sc.ymax}));
     return std::to_string(sc.left) + "," + std::to_string(sc.bottom) + "\n" + text;
   }
 };
@@ -57,30 +62,6 @@ TEST_F(ScanConverter, ARectangleOnTheGrid) {
   EXPECT_EQ(Draw(rect, 0), "0,0\n...\n##.\n");
   // Level 1, unit 60: 63 * 60 / 64 is 59 for a pixel that a span enters, 60 - 59 for the one that it leaves.
   EXPECT_EQ(Draw(rect, 1), "0,0\n1 1 0 \n118 119 1 \n");
-}
-
-TEST_F(ScanConverter, DropoutControlKeepsThinStemsAndRoundsToTheCentre) {
-  // Bounds are those of the crossings, and the last one is at 160.
-  EXPECT_EQ(Draw({RectContour(40, 0, 60, 200)}, 0), "0,0\n#\n#\n#\n");
-  // Lines from 121 to 135 cover no pixel's middle. Left of the centre the middle is (256 + 1) / 2, in pixel 2; right
-  // of it, ten pixels on, (1536 - 2) / 2, in pixel 11 and not 12.
-  const std::string rows = Draw({RectContour(121, 0, 135, 63), RectContour(761, 0, 775, 63)}, 0);
-  EXPECT_EQ(rows, "1,0\n.#........#.\n");
-  // The same for a thin bar, with rows for columns.
-  const std::string columns = Draw({RectContour(0, 121, 63, 135), RectContour(0, 761, 63, 775)}, 0);
-  EXPECT_EQ(columns, "0,1\n.\n#\n.\n.\n.\n.\n.\n.\n.\n.\n#\n.\n");
-}
-
-TEST_F(ScanConverter, OverlapsPaintOnceAndHolesStayOpen) {
-  const FontContour big = RectContour(0, 0, 640, 640), small = RectContour(130, 130, 500, 500);
-  for (int level : {0, 1, 3, 5}) {
-    EXPECT_EQ(Draw({big, small}, level), Draw({big}, level));
-    EXPECT_EQ(Draw({big, big, small}, level), Draw({big}, level));
-    EXPECT_EQ(Draw({Reversed(big), Reversed(small)}, level), Draw({big}, level));
-    EXPECT_NE(Draw({big, Reversed(small)}, level), Draw({big}, level));
-  }
-  const std::string ring = Draw({RectContour(0, 0, 319, 319), Reversed(RectContour(64, 64, 255, 255))}, 0);
-  EXPECT_EQ(ring, "0,0\n#####\n#...#\n#...#\n#...#\n#####\n");
 }
 
 TEST_F(ScanConverter, NothingToCross) {
@@ -114,18 +95,6 @@ TEST_F(ScanConverter, BeyondTheLargestBitmapThereAreBoundsOnly) {
   EXPECT_EQ(convert(8192 * 64 - 1, 8192 * 64, 0), std::tuple(8192, 1024, true));
   EXPECT_EQ(convert(60000 * 64, 640, 3), std::tuple(60001, 60001, true));
   EXPECT_EQ(convert(INT32_MAX - 64, 640, 1), std::tuple(33554431, 33554431, false));
-}
-
-TEST_F(ScanConverter, BoundsAloneAreThoseOfTheBitmap) {
-  const GlyphHolder glyph(Make({{{100, -70}, {321, 999, false}, {700, 400}, {400, -300, false}}}));
-  for (int level : {0, 1, 4}) {
-    const tsiScanConv whole = ScanConvert(*glyph.get(), {level, false, false});
-    const tsiScanConv bounds = ScanConvert(*glyph.get(), {level, true, false});
-    EXPECT_EQ(bounds.baseAddr, nullptr);
-    EXPECT_EQ((std::vector{bounds.left, bounds.right, bounds.bottom, bounds.top, bounds.xmin, bounds.ymax}),
-              (std::vector{whole.left, whole.right, whole.bottom, whole.top, whole.xmin, whole.ymax}));
-    tsi_DeAllocMem(mem, whole.baseAddr);
-  }
 }
 
 TEST_F(ScanConverter, SharpeningTakesFromSharedEdges) {

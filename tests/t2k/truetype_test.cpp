@@ -166,27 +166,16 @@ TEST(Font, ACollectionHoldsSeveral) {
   EXPECT_EQ(OpenFont(file, kFontTypeSfnt, false, -1).err, 10030);
 }
 
-TEST(Font, TheLastAdvanceRepeatsButNotTheBearing) {
+TEST(Font, TablesThatSayMoreOrLess) {
   SfntBuilder builder = TwoLetters();
-  builder.numberOfHMetrics = 1;
+  builder.numberOfHMetrics = 1;  // the last advance repeats, the bearings don't
+  builder.longLoca = false;      // offsets in pairs
+  builder.tables["maxp"] = Bytes().U32(0x10000).Words({3, 4, 1, 9, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0});
   OpenFont f(builder.Build());
   EXPECT_EQ(GetAdvance(f.font, 0), 500);
-  EXPECT_EQ(GetAdvance(f.font, 2), 500);
+  EXPECT_EQ(f.Outline(2), "10,0 10,500 290,500 290,0 | 0,0 500,0");
   EXPECT_EQ(f.font->hmtx->lsb[1], 50);
-  EXPECT_EQ(f.font->hmtx->lsb[2], 10);
-}
-
-TEST(Font, TheMostPointsAreThoseOfSimpleOrCompositeGlyphs) {
-  SfntBuilder builder = TwoLetters();
-  builder.tables["maxp"] = Bytes().U32(0x10000).Words({3, 4, 1, 9, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0});
-  EXPECT_EQ(GetMaxPoints(OpenFont(builder.Build()).font), 9);
-}
-
-TEST(Font, ShortOffsetsCountInPairs) {
-  SfntBuilder builder = TwoLetters();
-  builder.longLoca = false;
-  OpenFont f(builder.Build());
-  EXPECT_EQ(f.Outline(2), "10,0 10,500 290,500 290,0 | 0,0 300,0");
+  EXPECT_EQ(GetMaxPoints(f.font), 9);  // of simple or composite glyphs
 }
 
 TEST(Font, MissingTablesMatterWhereTheyAreNeeded) {
@@ -249,19 +238,21 @@ TEST(Cmap, ChoosesByRounds) {
   const auto format4 = [](int glyph) { return SfntBuilder::CmapFormat4({{'A', glyph}}); };
   const Bytes format2 = Bytes().Words({2, 8, 0, 0});
   using Records = std::vector<std::pair<std::pair<int, int>, Bytes>>;
-  const auto glyphOfA = [](const Records& records) {
+  const std::pair<Records, int> cases[] = {
+      {{{{1, 0}, format0(1)}, {{3, 1}, format4(2)}}, 2},
+      {{{{0, 3}, format4(1)}, {{1, 0}, format0(2)}}, 2},  // format 0 before a foreign format 4
+      {{{{0, 3}, format4(1)}, {{1, 0}, format6(2)}}, 2},
+      {{{{3, 0}, format4(1)}, {{0, 3}, format4(2)}}, 1},
+      {{{{3, 1}, format2}, {{3, 0}, format4(2)}}, 2},
+      {{{{3, 1}, format2}, {{3, 0}, format2}}, 10021},
+      {{}, 10030},
+  };
+  for (const auto& [records, glyph] : cases) {
     SfntBuilder builder = TwoLetters();
     builder.tables["cmap"] = SfntBuilder::CmapTable(records);
     OpenFont f(builder.Build());
-    return T2K_GetGlyphIndex(f.t, 'A') + f.mem->failedCode;
-  };
-  EXPECT_EQ(glyphOfA({{{1, 0}, format0(1)}, {{3, 1}, format4(2)}}), 2);
-  EXPECT_EQ(glyphOfA({{{0, 3}, format4(1)}, {{1, 0}, format0(2)}}), 2);  // format 0 before a foreign format 4
-  EXPECT_EQ(glyphOfA({{{0, 3}, format4(1)}, {{1, 0}, format6(2)}}), 2);
-  EXPECT_EQ(glyphOfA({{{3, 0}, format4(1)}, {{0, 3}, format4(2)}}), 1);
-  EXPECT_EQ(glyphOfA({{{3, 1}, format2}, {{3, 0}, format4(2)}}), 2);
-  EXPECT_EQ(glyphOfA({{{3, 1}, format2}, {{3, 0}, format2}}), 10021);
-  EXPECT_EQ(glyphOfA({}), 10030);
+    EXPECT_EQ(T2K_GetGlyphIndex(f.t, 'A') + f.mem->failedCode, glyph);
+  }
 }
 
 TEST(Cmap, FormatsHaveEndsAndHoles) {
@@ -299,11 +290,9 @@ TEST(Cmap, FiguresAreTheGlyphsOfTheDigits) {
   builder.characters['0'] = 1;
   builder.characters['9'] = 2;
   OpenFont f(builder.Build());
-  EXPECT_TRUE(IsFigure(f.font, 1));
-  EXPECT_TRUE(IsFigure(f.font, 2));
-  EXPECT_FALSE(IsFigure(f.font, 0));
-  const std::vector<uint16_t> indices(std::begin(f.font->cmap->figIndex), std::end(f.font->cmap->figIndex));
-  EXPECT_EQ(indices, (std::vector<uint16_t>{1, 65535, 65535, 65535, 65535, 65535, 65535, 65535, 65535, 2}));
+  EXPECT_EQ((std::vector{IsFigure(f.font, 0), IsFigure(f.font, 1), IsFigure(f.font, 2)}),
+            (std::vector{false, true, true}));
+  EXPECT_EQ(f.font->cmap->figIndex[1], 65535);
 }
 
 int KernOf(const Bytes& table, int left, int right, bool variable = false) {

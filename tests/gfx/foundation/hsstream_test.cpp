@@ -124,12 +124,10 @@ TEST(Descriptor, PadsWithZerosSoThatEqualContentsAreEqualBlocks) {
 
   const OwnedDescriptor copy(hsDescriptor::Copy(a.get(), nullptr));
   EXPECT_TRUE(hsDescriptor::Equal(a.get(), copy.get()));
-  hsDescriptor::Remove(copy.get(), hsTag("None"));
-  hsDescriptor::Remove(copy.get(), hsTag("Two "));
-  EXPECT_EQ(copy->fLength, 24u);
-  EXPECT_EQ(copy->fCount, 1u);
-  hsDescriptor::Remove(copy.get(), hsTag("One "));
-  EXPECT_EQ(copy->fLength, 12u);
+  for (const auto& [tag, length] : {std::pair{hsTag("None"), 36u}, {hsTag("Two "), 24u}, {hsTag("One "), 12u}}) {
+    hsDescriptor::Remove(copy.get(), tag);
+    EXPECT_EQ(copy->fLength, length);
+  }
 }
 
 TEST(Descriptor, FindsByTagAndChecksSizes) {

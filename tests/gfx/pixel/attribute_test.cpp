@@ -11,6 +11,7 @@
 #include "gfx/vector/hsgblitter.h"
 #include "gfx/vector/hsgpatheffect.h"
 #include "gfx/vector/hsmeta.h"
+#include "gfx/vector/pathtext.h"
 
 namespace {
 
@@ -157,8 +158,7 @@ TEST(Attribute, CopyForASizeRebuildsWhatCanBe) {
   const auto shiftAt = [&](int32_t size) {
     const auto copy = hsAdopt(attr.MakeCopyForScale(size));
     const auto* made = static_cast<const ShiftEffect*>(copy->PathEffect());
-    const std::pair<bool, hsFixed> result(made == effect.get(), made->fShift);
-    return result;
+    return std::pair(made == effect.get(), hsFixed{made->fShift});
   };
   EXPECT_EQ(shiftAt(25), std::pair(false, 750));
   EXPECT_EQ(shiftAt(10), std::pair(true, 300));
@@ -179,8 +179,7 @@ TEST(Attribute, CopiesEverySetting) {
   attr.SetFrameSize(6);
   attr.SetMiterLimit(7);
   attr.SetMinWidth(8);
-  attr.SetCapType(hsGAttribute::kRoundCap);
-  attr.SetJoinType(hsGAttribute::kBevelJoin);
+  attr.SetCapJoin(6);
   attr.SetTextSize(9);
   attr.SetTextEncoding(hsGAttribute::kUTF16);
   attr.SetFontID(10);
@@ -192,11 +191,10 @@ TEST(Attribute, CopiesEverySetting) {
   attr.SetTextSpacing(&spacing);
   attr.SetXferMode(hsMake<hsGSrcMode>().get());
   copy.CopyFrom(attr);
-  const auto settings = [](const hsGAttribute& a) {
-    return std::tuple(a.Flags(), a.Color().fB, a.ColorIndex(), a.FrameSize(), a.MiterLimit(), a.MinWidth(),
-                      a.GetCapJoinStyle(), a.TextSize(), a.Encoding(), a.FontID(), a.XferMode());
-  };
-  EXPECT_EQ(settings(copy), std::tuple(attr.Flags(), 4, 5, 6, 7, 8, 6u, 9, hsGAttribute::kUTF16, 10u, attr.XferMode()));
+  EXPECT_EQ(
+      std::tuple(copy.Flags(), copy.Color().fB, copy.ColorIndex(), copy.FrameSize(), copy.MiterLimit(), copy.MinWidth(),
+                 copy.GetCapJoinStyle(), copy.TextSize(), copy.Encoding(), copy.FontID(), copy.XferMode()),
+      std::tuple(attr.Flags(), 4, 5, 6, 7, 8, 6u, 9, hsGAttribute::kUTF16, 10u, attr.XferMode()));
   EXPECT_TRUE(copy.GetTextFace(&faceOut) && faceOut == face);
   EXPECT_TRUE(copy.GetTextSpacing(&spacingOut) && spacingOut == spacing);
 }
@@ -210,22 +208,14 @@ struct AddingEffect : hsGPathEffect {
 };
 
 TEST(Attribute, ApplierBeginsEachPathAnew) {
-  hsPath path, other;
-  path.MoveTo(0, 0);
-  path.LineTo(100, 0);
-  other.MoveTo(3, 4);
-  other.LineTo(5, 6);
-  hsGAttribute attr;
+  const hsPath path = PathOf("M 0 0 L 100 0"), other = PathOf("M 3 4 L 5 6");
+  hsGAttribute attr, bare;
   attr.SetPathEffect(hsMake<AddingEffect>().get());
   hsGPathEffectApplier applier(nullptr, &attr);
   applier.Apply(path);
   applier.Apply(other);
   EXPECT_TRUE(applier.Path() == other);
-}
-
-TEST(Attribute, ApplierNeedsAnEffect) {
-  hsGAttribute bare;
-  EXPECT_EQ(AssertOf([&] { hsGPathEffectApplier applier(nullptr, &bare); }), "nil effect");
+  EXPECT_EQ(AssertOf([&] { hsGPathEffectApplier none(nullptr, &bare); }), "nil effect");
 }
 
 TEST(Shader, LocalMatrixTravels) {

@@ -22,6 +22,10 @@ hsPoint NearPoint(Random& random) {
   return {x, Near(random, kHeight)};
 }
 
+hsRect Around(const hsPoint& a, const hsPoint& b) {
+  return {std::min(a.fX, b.fX), std::min(a.fY, b.fY), std::max(a.fX, b.fX), std::max(a.fY, b.fY)};
+}
+
 hsPath RandomShape(Random& random, bool curves) {
   hsPath path;
   path.MoveTo(NearPoint(random));
@@ -151,7 +155,7 @@ void Step(Random& random, hsGRasterDevice* device, Model* model, const hsRegion&
   }
   if (random.Chance(30)) {
     const hsPoint a = NearPoint(random), b = NearPoint(random);
-    const hsRect rect{std::min(a.fX, b.fX), std::min(a.fY, b.fY), std::max(a.fX, b.fX), std::max(a.fY, b.fY)};
+    const hsRect rect = Around(a, b);
     attr->SetFlags(0);
     device->DrawRect(&rect, attr);
     hsPoint corners[4];
@@ -216,7 +220,7 @@ struct Scene {
         start(config, kWidth, kHeight, random, &palette),
         picture(hsGBitmap::kConfig_ARGB32, 7, 5, random),
         indices(hsGBitmap::kConfig_Index8, 9, 4, random, &palette) {
-    for (int i = 0; i < 40; ++i) draws.push_back(RandomDraw(random));
+    for (Draw& d : draws) d.draw = RandomCall(random, &d.slack);
   }
   ~Scene() { filter->UnRef(); }
 
@@ -224,11 +228,6 @@ struct Scene {
     int slack;  // how far its pixels may lie outside of what the bounder heard
     std::function<void(hsGRasterDevice*)> draw;
   };
-  Draw RandomDraw(Random& random) {
-    int slack = 0;
-    const auto draw = RandomCall(random, &slack);
-    return {slack, draw};
-  }
   std::function<void(hsGRasterDevice*)> RandomCall(Random& random, int* slack) {
     auto attr = std::make_shared<hsGAttribute>(uint32_t(random.Below(8)));  // smooth, framed, filtered
     const hsGColor color = RandomColor(random);
@@ -242,7 +241,7 @@ struct Scene {
     if (random.Chance(20)) attr->SetMaskFilter(filter);
     const hsPath path = RandomShape(random, true);
     const hsPoint a = NearPoint(random), b = NearPoint(random);
-    const hsRect rect{std::min(a.fX, b.fX), std::min(a.fY, b.fY), std::max(a.fX, b.fX), std::max(a.fY, b.fY)};
+    const hsRect rect = Around(a, b);
     const hsGBitmap& bitmap = random.Chance(50) ? picture.bitmap : indices.bitmap;
     hsMatrix change;
     change.SetRotate(random.Between(-10, 10) * kFixed1, kWidth / 2 * kFixed1, kHeight / 2 * kFixed1);
@@ -267,7 +266,7 @@ struct Scene {
   Palette palette;
   uint8_t config;
   Surface start, picture, indices;
-  std::vector<Draw> draws;
+  std::vector<Draw> draws{40};
 };
 
 TEST(Device, ABounderHearsOfEveryPixelAndItsVetoHolds) {
@@ -293,10 +292,12 @@ TEST(Device, ABounderHearsOfEveryPixelAndItsVetoHolds) {
       for (int y = 0; y < kHeight; ++y)
         for (int x = 0; x < kWidth; ++x) {
           if (before.Get(x, y) == heard.Get(x, y)) continue;
-          bool inside = false;
-          for (const hsIntRect& r : listener->heard)
-            inside |= r.fLeft - slack <= x && x < r.fRight + slack && r.fTop - slack <= y && y < r.fBottom + slack;
-          ASSERT_TRUE(inside) << i << " at " << n << ": " << x << "," << y;
+          ASSERT_TRUE(std::any_of(
+              listener->heard.begin(), listener->heard.end(),
+              [&](const hsIntRect& r) {
+                return hsIntRect{r.fLeft - slack, r.fTop - slack, r.fRight + slack, r.fBottom + slack}.Contains(x, y);
+              }))
+              << i << " at " << n << ": " << x << "," << y;
         }
       ASSERT_EQ(vetoed, scene.start);
     }

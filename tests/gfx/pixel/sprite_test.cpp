@@ -209,24 +209,27 @@ TEST(Sprite, ReportsWhatItCannotDraw) {
   Surface s8(B::kConfig_Index8, 4, 2, random, &palette), s32(B::kConfig_RGB32, 4, 2, random);
   Surface a8(B::kConfig_Alpha8, 4, 2, random);
   const hsGColor full{0xFFFF, 0, 0, 0}, half{0x8000, 0, 0, 0};
-  const auto choose = [&](const Surface& device, const Surface& source, const hsGColor& color) {
-    return ReportOf([&] { ChooseSpriteBlitter(device.bitmap, source.bitmap, 0, 0, color, nullptr); });
+  const std::tuple<const Surface&, const Surface&, hsGColor, std::string> choices[] = {
+      {s24, s32, full, "missing sprite blitter: 0"},
+      {s16, s16, half, "throw if false: 0"},
+      {a8, s8, full, "throw error: 1"},
+      {s8, s16, full, "unsupported source pixelsize: 16"},
   };
-  EXPECT_EQ(choose(s24, s32, full), "missing sprite blitter: 0");
-  EXPECT_EQ(choose(s16, s16, half), "throw if false: 0");
-  EXPECT_EQ(choose(a8, s8, full), "throw error: 1");
-  EXPECT_EQ(choose(s8, s16, full).rfind("unsupported source pixelsize", 0), 0u);
-
-  const auto draw = [&](const Surface& source, int y, int x, int width, int height) {
+  for (const auto& [device, source, color, report] : choices)
+    EXPECT_EQ(ReportOf([&, &device = device, &source = source, &color = color] {
+                ChooseSpriteBlitter(device.bitmap, source.bitmap, 0, 0, color, nullptr);
+              }),
+              report);
+  // From (1, 1) on.
+  const std::tuple<const Surface&, hsIntRect, const char*> draws[] = {{s32, {0, 1, 1, 2}, "bad offset"},
+                                                                      {s32, {1, 0, 2, 1}, "bad offset"},
+                                                                      {s32, {2, 1, 6, 2}, "bad width"},
+                                                                      {s32, {2, 2, 5, 4}, "bad height"},
+                                                                      {s8, {2, 1, 6, 2}, "bad count"}};
+  for (const auto& [source, r, report] : draws) {
     const auto sprite = hsAdopt(ChooseSpriteBlitter(s16.bitmap, source.bitmap, 1, 1, full, nullptr));
-    const std::string words = AssertOf([&] { sprite->BlitRect(y, x, width, height); });
-    return words;
-  };
-  EXPECT_EQ(draw(s32, 1, 0, 1, 1), "bad offset");
-  EXPECT_EQ(draw(s32, 0, 1, 1, 1), "bad offset");
-  EXPECT_EQ(draw(s32, 1, 2, 4, 1), "bad width");
-  EXPECT_EQ(draw(s32, 2, 2, 3, 2), "bad height");
-  EXPECT_EQ(draw(s8, 1, 2, 4, 1), "bad count");
+    EXPECT_EQ(AssertOf([&, &r = r] { sprite->BlitRect(r.fTop, r.fLeft, r.Width(), r.Height()); }), report);
+  }
 }
 
 }  // namespace

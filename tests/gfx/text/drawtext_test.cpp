@@ -9,28 +9,29 @@
 constexpr hsFixed kUnit = 655;
 
 TEST_F(TextTest, GlyphsStandAtTheirPositionsOnTheBaseline) {
-  Draw("a b", 5_px, 20_px);
-  // a: 1 right of the pen, 7 rows; then 6 + 3 on to b, whose block reaches 2 rows below. Masks lie a row lower than
-  // outlines, the lowest row of a on the row of the baseline itself.
-  ExpectBlocks({{6, 14, 10, 21}, {14, 18, 17, 23}});
-}
-
-TEST_F(TextTest, RunStartsOnAWholePixelAndAlignmentMovesIt) {
-  Draw("a", 5_px + 0x7FFF, 19_px + 0x8000);
-  ExpectBlocks({{6, 14, 10, 21}});
-  SetSpacing(kFixedHalf, 0, 0);
-  Draw("ab", 20_px, 20_px);  // 10 wide, so it starts at 15
-  ExpectBlocks({{16, 14, 20, 21}, {21, 18, 24, 23}});
-}
-
-TEST_F(TextTest, ClipAndEdgesCutGlyphs) {
-  const hsRegion clip(hsIntRect{0, 0, 8, 15});
-  fDraw.fClip = &clip;
-  Draw("a", 5_px, 20_px);
-  ExpectBlocks({{6, 14, 8, 15}});
-  fDraw.fClip = nullptr;
-  Draw("a", -3 * kFixed1, 4_px);
-  ExpectBlocks({{0, 0, 2, 5}});
+  const hsIntRect whole{0, 0, kWidth, kHeight};
+  struct {
+    const char* text;
+    hsFixed x, y;
+    std::vector<hsIntRect> blocks;
+    hsIntRect clip;
+    hsFixed alignment = 0;
+  } const cases[] = {
+      // a: 1 right of the pen, 7 rows; then 6 + 3 on to b, whose block reaches 2 rows below. Masks lie a row lower than
+      // outlines, the lowest row of a on the row of the baseline itself.
+      {"a b", 5_px, 20_px, {{6, 14, 10, 21}, {14, 18, 17, 23}}, whole},
+      {"a", 5_px + 0x7FFF, 19_px + 0x8000, {{6, 14, 10, 21}}, whole},                 // starts on a whole pixel
+      {"ab", 20_px, 20_px, {{16, 14, 20, 21}, {21, 18, 24, 23}}, whole, kFixedHalf},  // 10 wide, so it starts at 15
+      {"a", 5_px, 20_px, {{6, 14, 8, 15}}, {0, 0, 8, 15}},
+      {"a", -3 * kFixed1, 4_px, {{0, 0, 2, 5}}, whole},
+  };
+  for (const auto& c : cases) {
+    const hsRegion clip(c.clip);
+    fDraw.fClip = c.clip == whole ? nullptr : &clip;
+    SetSpacing(c.alignment, 0, 0);
+    Draw(c.text, c.x, c.y);
+    ExpectBlocks(c.blocks);
+  }
 }
 
 TEST_F(TextTest, EncodingsGiveTheSameRun) {
