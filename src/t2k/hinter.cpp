@@ -82,11 +82,6 @@ int16_t UsualStem(sfntClass* font, HintAxis axis, int upem) {
 
 int32_t RoundToPixel(int32_t v) { return (v + 32) & ~63; }
 
-void Put16(uint8_t*& out, int value) {
-  *out++ = uint8_t(value >> 8);
-  *out++ = uint8_t(value);
-}
-
 int16_t Get16(const uint8_t*& in) {
   const auto value = int16_t(hsBig16(in));
   in += 2;
@@ -112,9 +107,10 @@ void DeleteHinter(HinterClass* hinter) {
 bool LoadHintGlobals(HinterClass* hinter, const uint8_t* record, uint32_t length) {
   if (length < kHintRecordBytes) return false;
   const uint8_t* in = record;
-  const auto high = uint16_t(Get16(in)), low = uint16_t(Get16(in));
+  const uint32_t stamp = hsBig32(in);
+  in += 4;
   const int count = Get16(in);
-  if ((uint32_t(high) << 16 | low) != kRecordStamp || count < 0 || count > kMaxHintZones) return false;
+  if (stamp != kRecordStamp || count < 0 || count > kMaxHintZones) return false;
   hinter->globals = {};
   hinter->globals.zoneCount = count;
   for (int16_t& stem : hinter->globals.stem) stem = Get16(in);
@@ -127,24 +123,9 @@ bool LoadHintGlobals(HinterClass* hinter, const uint8_t* record, uint32_t length
   return true;
 }
 
-void StoreHintGlobals(const HinterClass* hinter, uint8_t* record) {
-  std::memset(record, 0, kHintRecordBytes);
-  uint8_t* out = record;
-  Put16(out, int(kRecordStamp >> 16));
-  Put16(out, int(kRecordStamp & 0xFFFF));
-  Put16(out, hinter->globals.zoneCount);
-  for (int16_t stem : hinter->globals.stem) Put16(out, stem);
-  for (int i = 0; i < hinter->globals.zoneCount; ++i) {
-    const HintZone& zone = hinter->globals.zone[i];
-    Put16(out, zone.flat);
-    Put16(out, zone.round);
-    Put16(out, zone.isTop);
-  }
-}
-
 void ComputeHintGlobals(HinterClass* hinter, sfntClass* font) {
   hinter->globals = {};
-  if (font->T1 == nullptr && !GetSfntTable(font, sfntTag('c', 'm', 'a', 'p'))) return;
+  if (font->T1 == nullptr && !GetSfntTable(font, hsTag("cmap"))) return;
   for (const ZoneLetters& letters : kZoneLetters) {
     std::vector<int16_t> flat, round;
     AddExtremes(font, letters.flat, letters.isTop, hinter->upem, flat);

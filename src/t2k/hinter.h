@@ -51,8 +51,6 @@ void DeleteHinter(HinterClass* hinter);
 
 // Takes the settings from a stored record; false, with nothing changed, if it doesn't carry the stamp or is cut short.
 bool LoadHintGlobals(HinterClass* hinter, const uint8_t* record, uint32_t length);
-// Writes them in the same layout, kHintRecordBytes bytes.
-void StoreHintGlobals(const HinterClass* hinter, uint8_t* record);
 // Works them out from the font's letters; letters that are missing or damaged are passed over.
 void ComputeHintGlobals(HinterClass* hinter, sfntClass* font);
 

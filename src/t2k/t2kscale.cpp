@@ -11,7 +11,7 @@ constexpr int kKanjiGlyphs = 1000;  // a font with so many glyphs is hinted as i
 
 void LoadOrComputeGlobals(T2K* t) {
   sfntClass* font = t->font;
-  const sfntTableEntry* entry = font->T1 ? nullptr : GetSfntTable(font, sfntTag('T', '2', 'K', 'G'));
+  const sfntTableEntry* entry = font->T1 ? nullptr : GetSfntTable(font, hsTag("T2KG"));
   if (entry) {
     SubStream in(*font->in, entry->offset, std::min<uint32_t>(entry->length, kHintRecordBytes));
     uint8_t record[kHintRecordBytes];

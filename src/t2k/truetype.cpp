@@ -11,7 +11,7 @@ constexpr int16_t kFormatPacked = 2000;
 
 void ReadCollectionHeader(sfntClass* font, int32_t fontNumber) {
   InputStream& in = *font->in;
-  if (BytesLeft(in) < 4 || ReadUInt32(in) != sfntTag('t', 't', 'c', 'f')) {
+  if (BytesLeft(in) < 4 || ReadUInt32(in) != hsTag("ttcf")) {
     Rewind(in);
     return;
   }
@@ -137,17 +137,17 @@ void OpenSfnt(sfntClass* font, int32_t fontNumber) {
   Rewind(*font->in);
   ReadCollectionHeader(font, fontNumber);
   ReadOffsetTable(font);
-  WithTable(font, sfntTag('h', 'e', 'a', 'd'), [&](InputStream& in) { ReadHead(font, in); });
-  WithTable(font, sfntTag('h', 'h', 'e', 'a'), [&](InputStream& in) { ReadHhea(font, in); });
-  WithTable(font, sfntTag('m', 'a', 'x', 'p'), [&](InputStream& in) { ReadMaxp(font, in); });
-  WithTable(font, sfntTag('h', 'm', 't', 'x'), [&](InputStream& in) { ReadHmtx(font, in); });
+  WithTable(font, hsTag("head"), [&](InputStream& in) { ReadHead(font, in); });
+  WithTable(font, hsTag("hhea"), [&](InputStream& in) { ReadHhea(font, in); });
+  WithTable(font, hsTag("maxp"), [&](InputStream& in) { ReadMaxp(font, in); });
+  WithTable(font, hsTag("hmtx"), [&](InputStream& in) { ReadHmtx(font, in); });
   if (font->styling.StyleMetricsFunc && font->hmtx) {
     font->styling.StyleMetricsFunc(font->hmtx, font->mem, GetUPEM(font), font->styling.params);
   }
-  WithTable(font, sfntTag('l', 'o', 'c', 'a'), [&](InputStream& in) { ReadLoca(font, in); });
+  WithTable(font, hsTag("loca"), [&](InputStream& in) { ReadLoca(font, in); });
   // A variable font's pairs belong to its default instance only: it goes without.
-  if (!GetSfntTable(font, sfntTag('f', 'v', 'a', 'r'))) {
-    WithTable(font, sfntTag('k', 'e', 'r', 'n'), [&](InputStream& in) { font->kern = ReadKern(in); });
+  if (!GetSfntTable(font, hsTag("fvar"))) {
+    WithTable(font, hsTag("kern"), [&](InputStream& in) { font->kern = ReadKern(in); });
   }
 }
 
@@ -169,7 +169,7 @@ void ForgetFont(void* object) {
 
 void NeedCmap(sfntClass* font) {
   if (font->cmap) return;
-  WithTable(font, sfntTag('c', 'm', 'a', 'p'), [&](InputStream& in) { font->cmap = ReadCmap(in); });
+  WithTable(font, hsTag("cmap"), [&](InputStream& in) { font->cmap = ReadCmap(in); });
 }
 
 GlyphClass* ReadSfntGlyph(sfntClass* font, int32_t index, bool readHints) {
@@ -179,7 +179,7 @@ GlyphClass* ReadSfntGlyph(sfntClass* font, int32_t index, bool readHints) {
   const uint32_t end = font->loca[index + 1];
   if (offset == end) return NewEmptyGlyph(font->mem, metrics);
 
-  const sfntTableEntry* glyf = GetSfntTable(font, sfntTag('g', 'l', 'y', 'f'));
+  const sfntTableEntry* glyf = GetSfntTable(font, hsTag("glyf"));
   tsi_Assert(font->mem, glyf && offset < end && end <= glyf->length);
   tsi_Assert(font->mem, glyf->offset <= UINT32_MAX - offset);
   SubStream in(*font->in, glyf->offset + offset, end - offset);

@@ -17,10 +17,6 @@ enum sfntFontType : int {
   kFontTypeSfntInMemory = 0x16,
 };
 
-constexpr uint32_t sfntTag(char a, char b, char c, char d) {
-  return uint32_t(uint8_t(a)) << 24 | uint32_t(uint8_t(b)) << 16 | uint32_t(uint8_t(c)) << 8 | uint8_t(d);
-}
-
 struct sfntTableEntry {
   uint32_t tag;
   uint32_t checkSum;  // not verified

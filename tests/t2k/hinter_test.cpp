@@ -157,6 +157,17 @@ TEST(Hinter, CubicOutlinesAreFittedAlike) {
   }
 }
 
+Bytes Stored(const HintGlobals& globals) {
+  Bytes record = {'V', 'H', 'G', '1'};
+  const auto put16 = [&](int value) { record.insert(record.end(), {uint8_t(value >> 8), uint8_t(value)}); };
+  put16(globals.zoneCount);
+  for (int16_t stem : globals.stem) put16(stem);
+  for (int i = 0; i < globals.zoneCount; ++i)
+    for (int value : {int(globals.zone[i].flat), int(globals.zone[i].round), int(globals.zone[i].isTop)}) put16(value);
+  record.resize(kHintRecordBytes);
+  return record;
+}
+
 TEST(Hinter, StoredSettingsAreTakenIfTheyCarryTheStamp) {
   SfntBuilder builder = LettersFont();
   OpenFont source(builder.Build());
@@ -164,8 +175,7 @@ TEST(Hinter, StoredSettingsAreTakenIfTheyCarryTheStamp) {
   HinterClass settings = *source.t->hintHandle;
   settings.globals.zone[2].flat = 660;  // capitals 8.58 pixels high, so 9 as before at 13, but 7 at 11
   settings.globals.zone[2].round = 660;
-  Bytes record(kHintRecordBytes, 0);
-  StoreHintGlobals(&settings, record.data());
+  Bytes record = Stored(settings.globals);
 
   HinterClass loaded{};
   ASSERT_TRUE(LoadHintGlobals(&loaded, record.data(), kHintRecordBytes));

@@ -50,7 +50,7 @@ BobValue close(BobInterp* interp) {
 }
 
 BobValue putAll(BobInterp* interp, bool (*put)(BobInterp*, BobValue, BobStream*)) {
-  bobCheckArgumentCount(interp, 2, INT32_MAX);
+  bobCheckArgumentCount(interp, 2);
   const uint32_t* argv = interp->argv;
   if (!bobIsOfKind(interp, argv[-1], interp->fileKind)) bobRaise(interp, kBobWrongType, argv[-1]);
   BobStream* stream = bobFileStream(interp, argv[-1]);

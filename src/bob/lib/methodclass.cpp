@@ -30,7 +30,7 @@ BobValue decode(BobInterp* interp) {
 
 // fn.Apply(a, b, ..., vector): the arguments take the slots of this and _next of the function called.
 BobValue apply(BobInterp* interp) {
-  bobCheckArgumentCount(interp, 3, INT32_MAX);
+  bobCheckArgumentCount(interp, 3);
   uint32_t* const argv = interp->argv;
   const int argc = interp->argc;
   if (interp->recordOf(argv[-1])->base != kBobMethod) bobRaise(interp, kBobWrongType, argv[-1]);

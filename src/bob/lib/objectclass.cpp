@@ -61,7 +61,7 @@ BobValue show(BobInterp* interp) {
 
 // obj.Send(selector, a, ..., vector)
 BobValue sendFromScript(BobInterp* interp) {
-  bobCheckArgumentCount(interp, 3, INT32_MAX);
+  bobCheckArgumentCount(interp, 3);
   uint32_t* const argv = interp->argv;
   const int argc = interp->argc;
   if (!bobIsOfKind(interp, argv[-1], kBobObject)) bobRaise(interp, kBobWrongType, argv[-1]);

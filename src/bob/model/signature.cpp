@@ -36,9 +36,8 @@ void* pointerArgument(BobInterp* interp, BobValue value) {
 
 }  // namespace
 
-void bobCheckArgumentCount(BobInterp* interp, int least, int most) {
+void bobCheckArgumentCount(BobInterp* interp, int least) {
   if (interp->argc < least) bobRaise(interp, kBobTooFewArguments, callee(interp));
-  if (interp->argc > most) bobRaise(interp, kBobTooManyArguments, callee(interp));
 }
 
 void bobParseSlots(BobInterp* interp, const char* text, const BobParseSlot* slots) {

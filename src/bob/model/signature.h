@@ -106,5 +106,6 @@ void bobParse(BobInterp* interp, BobSignature<std::type_identity_t<Slots>...> si
   bobParseSlots(interp, signature.text, list);
 }
 
-// For methods that read argv by hand: raises error 3 or 4 unless there are that many slots, `this` and `_next` counted.
-void bobCheckArgumentCount(BobInterp* interp, int least, int most);
+// For methods that read argv by hand: raises error 3 unless there are so many slots or more, `this` and `_next`
+// counted.
+void bobCheckArgumentCount(BobInterp* interp, int least);

@@ -77,7 +77,7 @@ void drawColumn(SelectWidget* widget) {
     const TextStyle& style = styleOf(widget, i);
     const SelectChoice& choice = measured(widget->choices[i], style);
     if (i == 0) {
-      const auto block = int32_t(uint32_t(widget->choices.size()) * uint32_t(choice.height));
+      const auto block = hsWrapMul(int32_t(widget->choices.size()), choice.height);
       y = alignedTop(widget->bounds, widget->alignment, block);
     }
     const int32_t x = alignedLeft(widget->bounds, widget->alignment, choice.width);

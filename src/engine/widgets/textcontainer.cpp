@@ -38,7 +38,7 @@ void draw(TextContainerWidget* widget) {
 
 // Without a bound: blank space can be scrolled to.
 int scroll(TextContainerWidget* widget, int32_t steps) {
-  const auto distance = int32_t(uint32_t(steps) * uint32_t(widget->scrollDelta));
+  const auto distance = hsWrapMul(int32_t(steps), widget->scrollDelta);
   widget->scrollOffset = hsWrapAdd(widget->scrollOffset, distance);
   draw(widget);
   return 1;

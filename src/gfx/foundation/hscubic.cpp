@@ -98,7 +98,7 @@ int hsCubic::FindValidRatio(int32_t numer, int32_t denom, hsFixed* t) {
 }
 
 int hsCubic::FindQuadExtrema(hsFixed a, hsFixed b, hsFixed c, hsFixed* t) {
-  return FindValidRatio(hsWrapSub(a, b), int32_t(uint32_t(a) - 2 * uint32_t(b) + uint32_t(c)), t);
+  return FindValidRatio(hsWrapSub(a, b), hsWrapSecondDifference(a, b, c), t);
 }
 
 int hsCubic::FindCubicExtrema(hsFixed a, hsFixed b, hsFixed c, hsFixed d, hsFixed t[2]) {

@@ -46,7 +46,6 @@ constexpr hsFixed hsFixMulSat(hsFixed a, hsFixed b) { return hsSaturate((int64_t
 
 // The product shifted down by 30, so of two fracts a fract, and of a fract and a fixed a fixed.
 inline int32_t hsFracMul(int32_t a, int32_t b) { return hsAsLong((int64_t{a} * b + (1 << 29)) >> 30); }
-constexpr int32_t hsFracMulSat(int32_t a, int32_t b) { return hsSaturate((int64_t{a} * b + (1 << 29)) >> 30); }
 
 // a / b. Division by zero gives infinity of a's sign. Only the high word is judged for saturation, and as a signed
 // number: a quotient from 0x80000000 up to 0xFFFFFFFF passes and wraps, and a divisor of 0x80000000 always saturates.

@@ -22,6 +22,9 @@ constexpr int32_t kNegInfinity32 = -0x7FFFFFFF;
 constexpr int32_t hsWrapAdd(int32_t a, int32_t b) { return int32_t(uint32_t(a) + uint32_t(b)); }
 constexpr int32_t hsWrapSub(int32_t a, int32_t b) { return int32_t(uint32_t(a) - uint32_t(b)); }
 constexpr int32_t hsWrapMul(int32_t a, int32_t b) { return int32_t(uint32_t(a) * uint32_t(b)); }
+constexpr int32_t hsWrapSecondDifference(int32_t a, int32_t b, int32_t c) {  // a - 2 b + c
+  return int32_t(uint32_t(a) - 2 * uint32_t(b) + uint32_t(c));
+}
 constexpr int32_t hsWrapNeg(int32_t a) { return int32_t(0u - uint32_t(a)); }
 constexpr int32_t hsWrapShl(int32_t a, int bits) { return int32_t(uint32_t(a) << bits); }
 

@@ -34,7 +34,6 @@ class hsGBitmap {
   // The pixel's address. Reports "pixelSize mismatch" or "bad XY" and is null beyond the bitmap.
   uint8_t* GetAddr8(uint32_t x, uint32_t y) const { return static_cast<uint8_t*>(CheckedAddr(8, x, y)); }
   uint16_t* GetAddr16(uint32_t x, uint32_t y) const { return static_cast<uint16_t*>(CheckedAddr(16, x, y)); }
-  uint8_t* GetAddr24(uint32_t x, uint32_t y) const { return static_cast<uint8_t*>(CheckedAddr(24, x, y)); }
   hsGColor32* GetAddr32(uint32_t x, uint32_t y) const { return static_cast<hsGColor32*>(CheckedAddr(32, x, y)); }
 
   // The first pixel of row y, without a check: for blitters, whose callers have clipped.

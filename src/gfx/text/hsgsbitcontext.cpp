@@ -119,8 +119,8 @@ bool hsGSbitContext::GenerateImage(const hsGGlyph& glyph, uint8_t* buffer) {
   if (!corner.Invert(&inverse)) return true;
   const auto& m = inverse.fMap;
   for (uint32_t y = 0; y < glyph.fHeight; ++y) {
-    hsPoint p = {hsWrapAdd(int32_t(uint32_t(m[0][1]) * y), m[0][2]),
-                 hsWrapAdd(int32_t(uint32_t(m[1][1]) * y), m[1][2])};
+    hsPoint p = {hsWrapAdd(hsWrapMul(m[0][1], int32_t(y)), m[0][2]),
+                 hsWrapAdd(hsWrapMul(m[1][1], int32_t(y)), m[1][2])};
     uint8_t* row = buffer + size_t{y} * rowBytes;
     for (uint32_t x = 0; x < glyph.fWidth; ++x, p = p + hsPoint{m[0][0], m[1][0]}) {
       if (grey) {

@@ -13,25 +13,19 @@ constexpr hsFixed RoundTo8(hsFixed x) { return hsWrapAdd(x, 128) & ~255; }
 // log2 of the number of lines that a curve is cut into, by how far it bends.
 int32_t ShiftOf(int32_t bend) { return bend < 2 ? 1 : bend < 4 ? 2 : bend < 16 ? 3 : bend < 64 ? 4 : 5; }
 
-// a - 2 b + c
-constexpr int32_t SecondDifference(hsFixed a, hsFixed b, hsFixed c) {
-  return int32_t(uint32_t(a) - 2 * uint32_t(b) + uint32_t(c));
-}
-constexpr int32_t Times(int32_t factor, int32_t value) { return int32_t(uint32_t(factor) * uint32_t(value)); }
-
 struct Differences {
   int32_t first, second, third;
 };
 
 Differences OfQuad(hsFixed a, hsFixed b, hsFixed c, int32_t shift) {
-  const int32_t A = SecondDifference(a, b, c), B = Times(2, hsWrapSub(b, a));
+  const int32_t A = hsWrapSecondDifference(a, b, c), B = hsWrapMul(2, hsWrapSub(b, a));
   return {hsWrapAdd(A >> shift, B), A >> (shift - 1), 0};
 }
 
 Differences OfCubic(hsFixed a, hsFixed b, hsFixed c, hsFixed d, int32_t shift) {
-  const int32_t B = Times(3, hsWrapSub(b, a)), C = Times(6, SecondDifference(a, b, c));
-  const int32_t D = hsWrapAdd(hsWrapSub(d, a), Times(3, hsWrapSub(b, c))) >> (shift - 1);
-  return {hsWrapAdd(B, hsWrapAdd(C, D) >> (shift + 1)), hsWrapAdd(C, Times(3, D)), Times(3, D)};
+  const int32_t B = hsWrapMul(3, hsWrapSub(b, a)), C = hsWrapMul(6, hsWrapSecondDifference(a, b, c));
+  const int32_t D = hsWrapAdd(hsWrapSub(d, a), hsWrapMul(3, hsWrapSub(b, c))) >> (shift - 1);
+  return {hsWrapAdd(B, hsWrapAdd(C, D) >> (shift + 1)), hsWrapAdd(C, hsWrapMul(3, D)), hsWrapMul(3, D)};
 }
 
 // Twice the area, in square pixels, of the triangle of a cubic's ends and one control point. Whole pixels will do.
@@ -81,8 +75,8 @@ void hsEdge::SetQuad(const hsPoint pts[3]) {
     fCurveWinding = -1;
   }
   p1.fY = std::clamp(p1.fY, p0.fY, p2.fY);
-  const uint32_t bend = std::max(hsMagnitude32(SecondDifference(p0.fX, p1.fX, p2.fX)),
-                                 hsMagnitude32(SecondDifference(p0.fY, p1.fY, p2.fY)));
+  const uint32_t bend = std::max(hsMagnitude32(hsWrapSecondDifference(p0.fX, p1.fX, p2.fX)),
+                                 hsMagnitude32(hsWrapSecondDifference(p0.fY, p1.fY, p2.fY)));
   fShift = ShiftOf(hsWrapAdd(int32_t(bend), 0x20000) >> 18);
   const Differences x = OfQuad(p0.fX, p1.fX, p2.fX, fShift), y = OfQuad(p0.fY, p1.fY, p2.fY, fShift);
   fDX1 = x.first;

@@ -29,7 +29,7 @@ bool hsQuadEdge::Set(hsPoint p0, hsPoint p1, const hsIntRect* clip) {
   fX = hsWrapAdd(fX, kFixedHalf);
   if (clip) {
     const int32_t skipped = std::max(clip->fTop - top, 0);
-    fX = hsWrapAdd(fX, int32_t(uint32_t(fDX) * uint32_t(skipped)));
+    fX = hsWrapAdd(fX, hsWrapMul(fDX, int32_t(skipped)));
     top += skipped;
     bottom = std::min(bottom, clip->fBottom);
   }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "gfx/foundation/hsbytes.h"
 #include "kit/errors.h"
 #include "kit/files.h"
 
@@ -15,19 +16,17 @@ void put16(std::vector<uint8_t>* bytes, size_t at, size_t value) {
   (*bytes)[at + 1] = uint8_t(value);
 }
 
-size_t get16(const std::vector<uint8_t>& bytes, size_t at) { return size_t(bytes[at] << 8 | bytes[at + 1]); }
-
 }  // namespace
 
 // The name's first character is in the header, the rest and a zero byte after it.
 KpxFile parseKpx(const std::string& path, const std::vector<uint8_t>& bytes) {
   if (bytes.size() < kHeaderSize) throw KitError(path, "too short for a picture");
-  KpxFile picture{uint32_t(get16(bytes, 2)), uint32_t(get16(bytes, 4)), "", {}};
+  KpxFile picture{hsBig16(&bytes[2]), hsBig16(&bytes[4]), "", {}};
   if (bytes[7] != kFormat8Bit) throw KitError(path, "not a picture of 8 bits a pixel");
   const size_t nameEnd = kHeaderSize + bytes[10];
   if (nameEnd > bytes.size()) throw KitError(path, "the name of its colour table is cut off");
   if (bytes[10]) picture.clut = std::string(bytes.begin() + 11, bytes.begin() + long(nameEnd)).c_str();
-  const size_t start = std::max(get16(bytes, 8), nameEnd);
+  const size_t start = std::max<size_t>(hsBig16(&bytes[8]), nameEnd);
   const size_t size = size_t{picture.width} * picture.height;
   if (start > bytes.size() || size > bytes.size() - start) throw KitError(path, "its pixels are cut off");
   picture.pixels.assign(bytes.begin() + long(start), bytes.begin() + long(start + size));

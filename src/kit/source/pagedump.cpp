@@ -6,6 +6,7 @@
 #include <set>
 
 #include "engine/format/pagefile.h"
+#include "gfx/foundation/hsbytes.h"
 #include "kit/errors.h"
 #include "kit/source/base64.h"
 #include "kit/source/schema.h"
@@ -225,8 +226,7 @@ class Dumper {
   // no two neighbouring texts do.
   bool looksLikeObject(const PageObject& record) const {
     if (!record || record.offset + 12 > page.bytes.size()) return false;
-    const uint8_t* p = page.bytes.data() + record.offset + 8;
-    const uint32_t count = uint32_t(p[0]) << 24 | uint32_t(p[1]) << 16 | uint32_t(p[2]) << 8 | p[3];
+    const uint32_t count = hsBig32(page.bytes.data() + record.offset + 8);
     if (count != record.attributeCount()) return false;
     for (uint32_t i = 0; i < count; ++i) {
       const PageAttribute a = pageAttribute(record, i);
