@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "host/editcontrol.h"
 
@@ -31,11 +33,17 @@ class Desktop {
   // What the console wrote, in order and before any trimming.
   virtual void consoleOutput(char) {}
 
+  // The system itself has written this message, not a script; its last byte is on the console now.
+  virtual void systemMessage(std::string_view) {}
+
+  // A file of the disk has been opened for reading.
+  virtual void fileOpened(const std::filesystem::path&) {}
+
   virtual uint32_t milliseconds() = 0;  // since the program started
 
   // Called now and then while a script or a chain of timers runs on and on: a chance to paint the windows and to close
-  // them. No message may reach the shell meanwhile.
-  virtual void breathe() {}
+  // them. No message may reach the shell meanwhile. False when what runs is to end.
+  virtual bool breathe() { return true; }
 
   // Ends the program. Nothing is unloaded or torn down.
   virtual void quit() = 0;

@@ -39,8 +39,9 @@ void hostPutChar(char c);
 
 // ---- time and files
 
-// To be called now and then by what may run without end, so that the desktop's windows stay alive.
-void hostBreathe();
+// To be called now and then by what may run without end, so that the desktop's windows stay alive. False when the
+// desktop wants it to end.
+bool hostBreathe();
 
 // Milliseconds since the program started.
 uint32_t hostMilliseconds();

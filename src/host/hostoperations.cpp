@@ -3,7 +3,9 @@
 #include <cstdarg>
 #include <cstdio>
 #include <filesystem>
+#include <memory>
 #include <string>
+#include <string_view>
 
 #include "engine/engine.h"
 #include "gfx/foundation/hsascii.h"
@@ -50,6 +52,7 @@ int hostLog(const char* format, ...) {
   std::vsnprintf(line, sizeof line, format, arguments);
   va_end(arguments);
   for (const char* c = line; *c; ++c) hostPutChar(*c);
+  if (Shell* shell = currentShell()) shell->desktop.systemMessage(line);
   return 0;
 }
 
@@ -60,19 +63,25 @@ void hostPutChar(char c) {
   shell->console->consolePutChar(c);
 }
 
-void hostBreathe() {
-  if (Shell* shell = currentShell()) shell->desktop.breathe();
+bool hostBreathe() {
+  Shell* shell = currentShell();
+  return !shell || shell->desktop.breathe();
 }
 
 uint32_t hostMilliseconds() { return currentShell()->desktop.milliseconds(); }
 
 // ---- files
 
+// On the disk, or in memory that the shell owns.
+struct HostFile {
+  std::unique_ptr<FILE, int (*)(FILE*)> disk{nullptr, std::fclose};
+  std::string_view memory;
+  size_t position = 0;  // in memory
+};
+
 namespace {
 
 namespace fs = std::filesystem;
-
-FILE* handle(HostFile* file) { return reinterpret_cast<FILE*>(file); }
 
 bool isRegular(const fs::path& path) {
   std::error_code ignored;
@@ -115,24 +124,54 @@ fs::path resolve(const char* name) {
   return isRegular(found) ? found : fs::path();
 }
 
+// The bytes of a file in memory, found by the same rules as one of the disk; null when there is none.
+const std::string* findInMemory(const char* name) {
+  const Shell* shell = currentShell();
+  if (!shell || shell->filesInMemory.empty()) return nullptr;
+  std::string text = name;
+  std::replace(text.begin(), text.end(), '\\', '/');
+  const fs::path path = fs::absolute(shell->folder / text).lexically_normal();
+  if (const auto file = shell->filesInMemory.find(path); file != shell->filesInMemory.end()) return &file->second;
+  if (isRegular(path)) return nullptr;
+  for (const auto& [known, bytes] : shell->filesInMemory)
+    if (hsAsciiEqualIgnoringCase(known.c_str(), path.c_str())) return &bytes;
+  return nullptr;
+}
+
 }  // namespace
 
 HostFile* hostOpen(const char* name) {
+  auto file = std::make_unique<HostFile>();
+  if (const std::string* bytes = findInMemory(name)) {
+    file->memory = *bytes;
+    return file.release();
+  }
   const fs::path path = resolve(name);
-  return path.empty() ? nullptr : reinterpret_cast<HostFile*>(std::fopen(path.c_str(), "rb"));
+  if (path.empty()) return nullptr;
+  file->disk.reset(std::fopen(path.c_str(), "rb"));
+  if (!file->disk) return nullptr;
+  if (Shell* shell = currentShell()) shell->desktop.fileOpened(path);
+  return file.release();
 }
 
-size_t hostRead(HostFile* file, void* buffer, size_t size) { return std::fread(buffer, 1, size, handle(file)); }
+size_t hostRead(HostFile* file, void* buffer, size_t size) {
+  if (file->disk) return std::fread(buffer, 1, size, file->disk.get());
+  size = file->memory.copy(static_cast<char*>(buffer), size, file->position);
+  file->position += size;
+  return size;
+}
 
-void hostClose(HostFile* file) { std::fclose(handle(file)); }
+void hostClose(HostFile* file) { delete file; }
 
-size_t hostTell(HostFile* file) { return size_t(std::ftell(handle(file))); }
+size_t hostTell(HostFile* file) { return file->disk ? size_t(std::ftell(file->disk.get())) : file->position; }
 
 size_t hostFileSize(HostFile* file) {
-  const long position = std::ftell(handle(file));
-  std::fseek(handle(file), 0, SEEK_END);
-  const long size = std::ftell(handle(file));
-  std::fseek(handle(file), position, SEEK_SET);
+  if (!file->disk) return file->memory.size();
+  FILE* disk = file->disk.get();
+  const long position = std::ftell(disk);
+  std::fseek(disk, 0, SEEK_END);
+  const long size = std::ftell(disk);
+  std::fseek(disk, position, SEEK_SET);
   return size < 0 ? 0 : size_t(size);
 }
 

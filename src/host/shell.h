@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -55,6 +56,8 @@ class Shell : public Host {
   ScreenSurface screen;
   std::unique_ptr<MessageConsole> console;
   std::filesystem::path folder;  // where relative names lead; empty for where the program was started
+  // Bytes by the full name of their file, which are found before what the disk has, if it has any.
+  std::map<std::filesystem::path, std::string> filesInMemory;
 
  private:
   std::unique_ptr<uint8_t[]> imageCacheMemory;

@@ -1,12 +1,19 @@
 #include "kit/files.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <charconv>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
+#include <string_view>
+#include <utility>
 
 #include "kit/errors.h"
 
@@ -14,18 +21,96 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool writeInto(const std::string& path, const void* bytes, size_t size) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out.write(static_cast<const char*>(bytes), std::streamsize(size));
-  out.close();
-  return bool(out);
+constexpr int kMaxLinks = 40;
+
+[[noreturn]] void failWriting(const std::string& path, int error) {
+  throw KitError(isStandardOutput(path) ? "standard output" : path,
+                 std::string("can't be written: ") + std::strerror(error));
 }
 
-// Where the bytes are to end up: a link goes on leading to its file.
-fs::path resolved(const std::string& path) {
+// An open file of this process; closed at the latest with the object.
+class Descriptor {
+ public:
+  explicit Descriptor(int d) : descriptor(d) {}
+  ~Descriptor() { close(); }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+
+  bool isOpen() const { return descriptor >= 0; }
+  int number() const { return descriptor; }
+  bool close() { return descriptor < 0 || ::close(std::exchange(descriptor, -1)) == 0; }
+
+  // False with errno set.
+  bool write(const char* bytes, size_t size) {
+    while (size > 0) {
+      const ssize_t count = ::write(descriptor, bytes, size);
+      if (count < 0 && errno == EINTR) continue;
+      if (count < 0) return false;
+      bytes += count;
+      size -= size_t(count);
+    }
+    return true;
+  }
+
+ private:
+  int descriptor;
+};
+
+// The open file that a name stands for. To open /dev/stdout anew would begin a file again that a shell has redirected
+// the output to.
+std::optional<int> openFileNamed(std::string_view path) {
+  if (path == "-" || path == "/dev/stdout") return STDOUT_FILENO;
+  if (path == "/dev/stderr") return STDERR_FILENO;
+  for (const std::string_view folder : {"/dev/fd/", "/proc/self/fd/"}) {
+    int number;
+    if (!path.starts_with(folder)) continue;
+    const char* const end = path.data() + path.size();
+    const auto parsed = std::from_chars(path.data() + folder.size(), end, number);
+    if (parsed.ec == std::errc() && parsed.ptr == end) return number;
+  }
+  return {};
+}
+
+void writeInto(const std::string& path, const std::string& bytes) {
+  const std::optional<int> open = openFileNamed(path);
+  std::fflush(stdout);
+  Descriptor file(open ? dup(*open) : ::open(path.c_str(), O_WRONLY | O_CLOEXEC));
+  if (!file.isOpen() || !file.write(bytes.data(), bytes.size()) || !file.close()) failWriting(path, errno);
+}
+
+// Where the bytes are to end up: the end of a chain of links, which need not be there yet.
+fs::path followLinks(const std::string& path) {
+  fs::path at = path;
   std::error_code error;
-  const fs::path target = fs::canonical(path, error);
-  return error ? fs::path(path) : target;
+  for (int i = 0; i < kMaxLinks && fs::is_symlink(at, error); ++i) at = at.parent_path() / fs::read_symlink(at, error);
+  return at;
+}
+
+// Writes a new file in the folder of `target`, with the permissions of the one that is to go.
+std::string writeBeside(const std::string& path, const fs::path& target, const struct stat* before, const void* bytes,
+                        size_t size) {
+  // Short, since the name of the target may be as long as names can be.
+  std::string name;
+  int number = 0;
+  const auto create = [&] {
+    name = target.parent_path() / (".kpg-" + std::to_string(getpid()) + "-" + std::to_string(number++) + ".part");
+    return open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  };
+  int created = create();
+  while (created < 0 && errno == EEXIST) created = create();
+  Descriptor file(created);
+  if (!file.isOpen()) failWriting(path, errno);
+  bool good = file.write(static_cast<const char*>(bytes), size);
+  if (good && before) {
+    // Only the superuser can give a file away; for anybody else it is now theirs.
+    if (fchown(file.number(), before->st_uid, before->st_gid) != 0) errno = 0;
+    good = fchmod(file.number(), before->st_mode & 07777) == 0;
+  }
+  good = good && file.close();
+  if (good) return name;
+  const int error = errno;
+  unlink(name.c_str());
+  failWriting(path, error);
 }
 
 }  // namespace
@@ -38,23 +123,57 @@ std::vector<uint8_t> readFile(const std::string& path) {
   return bytes;
 }
 
+bool isStandardOutput(const std::string& path) { return openFileNamed(path) == STDOUT_FILENO; }
+
 void writeFile(const std::string& path, const void* bytes, size_t size) {
-  std::error_code error;
-  const fs::file_status before = fs::status(path, error);
-  if (fs::exists(before) && !fs::is_regular_file(before)) {
-    if (!writeInto(path, bytes, size)) throw KitError(path, "can't be written");
+  OutputFiles files;
+  files.add(path, bytes, size);
+  files.finish();
+}
+
+OutputFiles::~OutputFiles() {
+  for (const Beside& file : beside) unlink(file.written.c_str());
+}
+
+void OutputFiles::add(const std::string& path, const void* bytes, size_t size) {
+  struct stat before;
+  const bool exists = stat(path.c_str(), &before) == 0;
+  if (exists && S_ISDIR(before.st_mode)) failWriting(path, EISDIR);
+  if (openFileNamed(path) || (exists && !S_ISREG(before.st_mode))) {
+    into.push_back({path, std::string(static_cast<const char*>(bytes), size)});
     return;
   }
-  // The process's number keeps two writers of one file apart.
-  const fs::path target = resolved(path);
-  const fs::path beside = target.string() + "." + std::to_string(getpid()) + ".part";
-  if (!writeInto(beside.string(), bytes, size)) {
-    fs::remove(beside, error);
-    throw KitError(path, "can't be written");
+  // A rename asks the folder alone.
+  if (exists && faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) failWriting(path, errno);
+  const fs::path target = followLinks(path);
+  beside.push_back({path, writeBeside(path, target, exists ? &before : nullptr, bytes, size), target.string()});
+}
+
+// What is written into comes first: it can fail where a rename can't.
+void OutputFiles::finish() {
+  for (const Into& file : into) writeInto(file.path, file.bytes);
+  into.clear();
+  while (!beside.empty()) {
+    if (std::rename(beside.front().written.c_str(), beside.front().target.c_str()) != 0)
+      failWriting(beside.front().path, errno);
+    beside.erase(beside.begin());
   }
-  if (fs::exists(before)) fs::permissions(beside, before.permissions(), error);
-  fs::rename(beside, target, error);
-  if (!error) return;
-  fs::remove(beside, error);
-  throw KitError(path, "can't be written");
+}
+
+void refuseInput(const std::string& output, const std::vector<std::string>& inputs) {
+  std::error_code error;
+  if (isStandardOutput(output)) return;
+  for (const std::string& input : inputs)
+    if (fs::is_regular_file(input, error) && fs::equivalent(output, input, error))
+      throw KitError(output, output == input
+                                 ? "is an input, and would be written over"
+                                 : "is the same file as the input '" + input + "', and would be written over");
+}
+
+void refuseForeign(const std::string& path, bool (*isOurs)(const std::vector<uint8_t>& bytes),
+                   const std::string& advice) {
+  std::error_code error;
+  if (!fs::is_regular_file(path, error)) return;
+  const std::vector<uint8_t> bytes = readFile(path);
+  if (!bytes.empty() && !isOurs(bytes)) throw KitError(path, "is there and was not made by kpg; " + advice);
 }

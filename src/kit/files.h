@@ -1,4 +1,8 @@
-// Whole files, in and out. Errors are KitErrors.
+// Whole files, in and out. Errors are KitErrors that name the file and say why.
+//
+// Nothing is lost: a file is written beside its old one and renamed over it, so that whoever reads it finds the old
+// bytes or the new ones, and a failure leaves the old ones. A link goes on leading to its file, and permissions stay.
+// What can't be renamed over (a pipe, a device, the standard output, which is called "-") is written into.
 #pragma once
 
 #include <cstdint>
@@ -7,6 +11,36 @@
 
 std::vector<uint8_t> readFile(const std::string& path);
 
-// Writes beside the file and renames, so that whoever reads it finds the old bytes or the new ones, never half of them.
-// What is no regular file, such as a pipe, is written into.
 void writeFile(const std::string& path, const void* bytes, size_t size);
+
+bool isStandardOutput(const std::string& path);  // "-", or what the desktop calls it
+
+// Files that belong together: when one can't be written, none is.
+class OutputFiles {
+ public:
+  OutputFiles() = default;
+  ~OutputFiles();  // drops what has not been finished
+  OutputFiles(const OutputFiles&) = delete;
+  OutputFiles& operator=(const OutputFiles&) = delete;
+
+  void add(const std::string& path, const void* bytes, size_t size);
+  void finish();
+
+ private:
+  struct Beside {
+    std::string path, written, target;  // as it was given; where the bytes are; where they are to be
+  };
+  struct Into {
+    std::string path, bytes;
+  };
+  std::vector<Beside> beside;
+  std::vector<Into> into;
+};
+
+// Throws if `output` is one of the inputs, under whatever name, or leads to one.
+void refuseInput(const std::string& output, const std::vector<std::string>& inputs);
+
+// For an output whose name nobody gave: throws if there is a file of that name which `isOurs` doesn't recognise.
+// `advice` says what to do then.
+void refuseForeign(const std::string& path, bool (*isOurs)(const std::vector<uint8_t>& bytes),
+                   const std::string& advice);

@@ -12,7 +12,7 @@ void addBuildCommand(CommandLine& line) {
   auto options = std::make_shared<Options>();
   KpgCommand command = line.command("build", "Compile a page source");
   command.add("source", options->source, "The page source, YAML").required().type("PAGE.yaml");
-  command.add("-o", options->output, "The page to write").required().type("PAGE.kpg");
+  command.add("-o,--out", options->output, "The page to write; - for the standard output").required().type("PAGE.kpg");
   command.runs([options] {
     buildPage(options->source, options->output,
               [](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; });

@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "kit/errors.h"
+#include "kit/files.h"
 #include "kit/pictures/convertpicture.h"
 #include "kit/pictures/standardclut.h"
 #include "kpg/commands.h"
@@ -21,6 +22,7 @@ void makeTable(const ClutOptions& options) {
     const auto colors = standardClut();
     return writeClutFile(options.output, {colors.begin(), colors.end()});
   }
+  refuseInput(options.output, options.pictures);
   writeClutFile(options.output, clutOfPictures(options.pictures, options.most));
 }
 
@@ -31,8 +33,10 @@ void addClutCommand(CommandLine& line) {
   KpgCommand command = line.command("clut", "Make a colour table, from pictures that are to share it");
   command.add("pictures", options->pictures, "PNG or GIF pictures").type("IN.png");
   command.flag("--standard", options->standard, "A table of 240 colours that suits any page, from no picture");
-  command.add("--colors", options->most, "Use at most so many colours, black and white among them")
+  command.add("--colors", options->most, "At most this number of colours, black and white among them")
       .between(3, kMaxClutColors - 1);
-  command.add("-o", options->output, "The colour table to write").required().type("OUT.clut");
+  command.add("-o,--out", options->output, "The colour table to write; - for the standard output")
+      .required()
+      .type("OUT.clut");
   command.runs([options] { makeTable(*options); });
 }

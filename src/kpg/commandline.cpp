@@ -3,10 +3,24 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
+#include <iterator>
 #include <numeric>
+#include <sstream>
 #include <utility>
 
 namespace {
+
+constexpr char kOneOf[] = "one of:";
+
+// All values that an option can have, if there is such a list.
+std::vector<std::string> valuesOf(CLI::Option* option) try {
+  std::istringstream name(option->get_validator()->get_name());
+  std::string word, of;
+  if (!(name >> word >> of) || word + " " + of != kOneOf) return {};
+  return {std::istream_iterator<std::string>(name), {}};
+} catch (const CLI::OptionNotFound&) {
+  return {};
+}
 
 // The fewest characters to insert, drop or change that make one word of the other.
 size_t editDistance(const std::string& a, const std::string& b) {
@@ -23,15 +37,32 @@ size_t editDistance(const std::string& a, const std::string& b) {
   return row.back();
 }
 
-std::string unknownCommand(const std::string& program, const std::string& word,
-                           const std::vector<CommandSummary>& commands) {
-  std::string text = program + ": there is no command '" + word + "'";
-  const auto nearest = std::min_element(commands.begin(), commands.end(), [&](const auto& a, const auto& b) {
-    return editDistance(word, a.name) < editDistance(word, b.name);
+// "; did you mean ...?", when one of the words is near enough to be meant.
+std::string suggestion(const std::string& word, const std::vector<std::string>& words) {
+  const auto nearest = std::min_element(words.begin(), words.end(), [&](const auto& a, const auto& b) {
+    return editDistance(word, a) < editDistance(word, b);
   });
-  if (nearest != commands.end() && editDistance(word, nearest->name) <= 2)
-    text += "; did you mean '" + nearest->name + "'?";
-  return text + "\n" + program + " --help lists the commands\n";
+  const bool near = nearest != words.end() && editDistance(word, *nearest) <= 2;
+  return near ? "; did you mean '" + *nearest + "'?" : "";
+}
+
+std::vector<std::string> namesOf(const std::vector<CommandSummary>& commands) {
+  std::vector<std::string> names;
+  for (const CommandSummary& command : commands) names.push_back(command.name);
+  return names;
+}
+
+// What is wrong with the words of a command.
+std::string problem(const CLI::App& command, const CommandSummary& summary, const CLI::ParseError& error) {
+  for (const std::string& word : command.remaining()) {
+    if (word.size() < 2 || word[0] != '-') continue;
+    std::vector<std::string> names;
+    for (const auto& option : summary.options) names.insert(names.end(), option.names.begin(), option.names.end());
+    const std::string name = word.substr(0, word.find('='));
+    return "there is no option '" + name + "'" + suggestion(name, names);
+  }
+  if (!command.remaining().empty()) return "there is one word too many, '" + command.remaining().front() + "'";
+  return error.what();
 }
 
 }  // namespace
@@ -61,6 +92,20 @@ KpgOption& KpgOption::check(std::string (*problemOf)(const std::string& value)) 
   return *this;
 }
 
+// The library keeps no list of values; the check's name has it, for summaries.
+KpgOption& KpgOption::oneOf(const std::vector<std::string>& values, const std::string& noun) {
+  const auto problemOf = [values, noun](const std::string& value) {
+    if (std::find(values.begin(), values.end(), value) != values.end()) return std::string();
+    std::string text = "there is no " + noun + " '" + value + "'; there are";
+    for (const std::string& each : values) text += " " + each;
+    return text;
+  };
+  std::string name = kOneOf;
+  for (const std::string& value : values) name += " " + value;
+  option->check(CLI::Validator(problemOf, "", name));
+  return *this;
+}
+
 KpgOption& KpgOption::excludes(const KpgOption& other) {
   option->excludes(other.option);
   return *this;
@@ -79,6 +124,10 @@ KpgOption KpgCommand::add(const char* name, std::vector<std::string>& into, cons
 }
 
 KpgOption KpgCommand::add(const char* name, size_t& into, const char* help) {
+  return KpgOption(command->add_option(name, into, help));
+}
+
+KpgOption KpgCommand::add(const char* name, uint32_t& into, const char* help) {
   return KpgOption(command->add_option(name, into, help));
 }
 
@@ -106,14 +155,18 @@ KpgCommand CommandLine::command(const char* name, const char* about) {
 
 std::vector<CommandSummary> CommandLine::summaries() const {
   std::vector<CommandSummary> all;
-  for (const CLI::App* command : std::as_const(*app).get_subcommands(nullptr)) {
-    CommandSummary summary{command->get_name(), command->get_description(), {}};
-    for (const CLI::Option* option : command->get_options()) {
-      if (option->get_positional()) continue;
+  for (CLI::App* command : app->get_subcommands(nullptr)) {
+    CommandSummary summary{command->get_name(), command->get_description(), {}, {}};
+    for (CLI::Option* option : command->get_options()) {
+      if (option->get_positional()) {
+        summary.words = valuesOf(option);
+        continue;
+      }
       std::vector<std::string> names;
       for (const std::string& name : option->get_snames()) names.push_back("-" + name);
       for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
-      summary.options.push_back({names, option->get_description(), option->get_items_expected_max() > 0});
+      summary.options.push_back(
+          {names, option->get_description(), option->get_items_expected_max() > 0, valuesOf(option)});
     }
     all.push_back(std::move(summary));
   }
@@ -122,15 +175,33 @@ std::vector<CommandSummary> CommandLine::summaries() const {
 
 int CommandLine::run(int argc, char** argv) {
   const std::vector<CommandSummary> commands = summaries();
+  const std::string program = app->get_name(), ending = program + " --help lists the commands\n";
+  if (argc < 2) {
+    std::cerr << program << ": a command is missing\n" << ending;
+    return 1;
+  }
   const auto isFirstWord = [&](const CommandSummary& command) { return command.name == argv[1]; };
-  if (argc > 1 && argv[1][0] != '-' && std::none_of(commands.begin(), commands.end(), isFirstWord)) {
-    std::cerr << unknownCommand(app->get_name(), argv[1], commands);
+  const auto command = std::find_if(commands.begin(), commands.end(), isFirstWord);
+  if (argv[1][0] != '-' && command == commands.end()) {
+    std::cerr << program << ": there is no command '" << argv[1] << "'" << suggestion(argv[1], namesOf(commands))
+              << "\n"
+              << ending;
     return 1;
   }
   try {
     app->parse(argc, argv);
   } catch (const CLI::ParseError& e) {
-    return app->exit(e) == 0 ? 0 : 1;
+    if (e.get_exit_code() == 0) return app->exit(e);  // it has printed what was asked for
+    if (command == commands.end()) {
+      std::cerr << program << ": there is no option '" << argv[1] << "'" << suggestion(argv[1], {"--help", "--version"})
+                << "\n"
+                << ending;
+      return 1;
+    }
+    std::cerr << program << " " << command->name << ": " << problem(*app->get_subcommand(command->name), *command, e)
+              << "\n"
+              << program << " " << command->name << " --help lists its options\n";
+    return 1;
   } catch (const std::exception& e) {
     if (*e.what()) std::cerr << e.what() << "\n";
     return 1;

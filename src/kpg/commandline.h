@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -25,6 +26,8 @@ class KpgOption {
   KpgOption& group(const char* heading);
   KpgOption& between(size_t least, size_t most);
   KpgOption& check(std::string (*problemOf)(const std::string& value));  // empty when there is none
+  // `noun` is what an error calls such a value.
+  KpgOption& oneOf(const std::vector<std::string>& values, const std::string& noun);
   KpgOption& excludes(const KpgOption& other);
 
  private:
@@ -41,6 +44,7 @@ class KpgCommand {
   KpgOption add(const char* name, std::optional<std::string>& into, const char* help);
   KpgOption add(const char* name, std::vector<std::string>& into, const char* help);
   KpgOption add(const char* name, size_t& into, const char* help);
+  KpgOption add(const char* name, uint32_t& into, const char* help);
   KpgOption flag(const char* name, bool& into, const char* help);
   // An option that may come often: `take` gets each value, in the order of the command line.
   KpgOption each(const char* name, std::function<void(const std::string&)> take, const char* help);
@@ -57,9 +61,11 @@ struct CommandSummary {
     std::vector<std::string> names;  // with their dashes
     std::string help;
     bool hasValue;
+    std::vector<std::string> values;  // all that it can have; empty for the names of files and whatever else
   };
   std::string name, about;
-  std::vector<Option> options;  // without the words, which are files mostly
+  std::vector<Option> options;     // without the words
+  std::vector<std::string> words;  // all that its words can be; empty for files and whatever else
 };
 
 class CommandLine {

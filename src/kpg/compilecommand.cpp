@@ -19,7 +19,9 @@ void addCompileCommand(CommandLine& line) {
   };
   auto options = std::make_shared<Options>();
   KpgCommand command = line.command("compile", "Compile a source file to an object file");
-  command.add("IN", options->source, "source file").required();
-  command.add("-o,--output", options->object, "object file").required();
+  command.add("source", options->source, "The source file").required().type("IN.bob");
+  command.add("-o,--out,--output", options->object, "The object file to write; - for the standard output")
+      .required()
+      .type("OUT.bobo");
   command.runs([options] { compile(options->source, options->object); });
 }

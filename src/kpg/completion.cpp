@@ -25,6 +25,25 @@ std::string joined(const std::vector<std::string>& words) {
   return out;
 }
 
+// Cases of COMMAND:THE WORD BEFORE after which only certain words can come.
+std::string bashValues(const std::vector<CommandSummary>& commands) {
+  std::string out;
+  const auto add = [&](const std::string& before, const std::vector<std::string>& values) {
+    if (!values.empty()) out += "    " + before + ") words='" + joined(values) + "' ;;\n";
+  };
+  for (const CommandSummary& command : commands) {
+    add(command.name + ":" + command.name, command.words);
+    for (const auto& option : command.options)
+      for (const std::string& name : option.names) add(command.name + ":" + name, option.values);
+  }
+  return out;
+}
+
+// What zsh offers as the value.
+std::string zshValues(const std::vector<std::string>& values) {
+  return values.empty() ? "_files" : "(" + joined(values) + ")";
+}
+
 }  // namespace
 
 std::string bashCompletion(const std::vector<CommandSummary>& commands) {
@@ -34,7 +53,11 @@ std::string bashCompletion(const std::vector<CommandSummary>& commands) {
       "# Completion of kpg for bash.\n"
       "_kpg() {\n"
       "  local word=${COMP_WORDS[COMP_CWORD]} words=\n"
-      "  if [ \"$COMP_CWORD\" = 1 ]; then\n"
+      "  case ${COMP_WORDS[1]}:${COMP_WORDS[COMP_CWORD-1]} in\n" +
+      bashValues(commands) +
+      "  esac\n"
+      "  if [ -n \"$words\" ]; then :\n"
+      "  elif [ \"$COMP_CWORD\" = 1 ]; then\n"
       "    words='" +
       joined(names) +
       " --help --version'\n"
@@ -75,8 +98,9 @@ std::string zshCompletion(const std::vector<CommandSummary>& commands) {
     out += "  " + command.name + ") _arguments";
     for (const auto& option : command.options)
       for (const std::string& name : option.names)
-        out += " " + quoted("*" + name + "[" + escaped(option.help) + "]" + (option.hasValue ? ":value:_files" : ""));
-    out += " '*:file:_files' ;;\n";
+        out += " " + quoted("*" + name + "[" + escaped(option.help) + "]" +
+                            (option.hasValue ? ":value:" + zshValues(option.values) : ""));
+    out += " '" + (command.words.empty() ? "*:file:_files" : "1:word:" + zshValues(command.words)) + "' ;;\n";
   }
   return out + "esac\n";
 }
@@ -89,8 +113,12 @@ std::string fishCompletion(const std::vector<CommandSummary>& commands) {
       out += "complete -c kpg -n '__fish_seen_subcommand_from " + command.name + "'";
       for (const std::string& name : option.names)
         out += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
+      if (!option.values.empty()) out += " -f -a " + quoted(joined(option.values));
       out += (option.hasValue ? " -r" : "") + (" -d " + quoted(option.help)) + "\n";
     }
+    if (!command.words.empty())
+      out += "complete -c kpg -n '__fish_seen_subcommand_from " + command.name + "' -f -a " +
+             quoted(joined(command.words)) + "\n";
   }
   return out;
 }

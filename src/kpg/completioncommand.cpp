@@ -7,11 +7,6 @@
 
 namespace {
 
-std::string checkShell(const std::string& name) {
-  const bool known = name == "bash" || name == "zsh" || name == "fish";
-  return known ? "" : "'" + name + "' is none of bash, zsh and fish";
-}
-
 void print(const std::string& shell, const std::vector<CommandSummary>& commands) {
   std::cout << (shell == "bash" ? bashCompletion : shell == "zsh" ? zshCompletion : fishCompletion)(commands);
 }
@@ -21,6 +16,6 @@ void print(const std::string& shell, const std::vector<CommandSummary>& commands
 void addCompletionCommand(CommandLine& line) {
   auto shell = std::make_shared<std::string>();
   KpgCommand command = line.command("completion", "Print a script by which a shell completes commands and options");
-  command.add("shell", *shell, "bash, zsh or fish").required().type("SHELL").check(checkShell);
+  command.add("shell", *shell, "bash, zsh or fish").required().type("SHELL").oneOf({"bash", "zsh", "fish"}, "shell");
   command.runs([shell, &line] { print(*shell, line.summaries()); });
 }

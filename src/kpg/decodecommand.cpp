@@ -16,6 +16,6 @@ void decode(const std::string& path) {
 void addDecodeCommand(CommandLine& line) {
   auto path = std::make_shared<std::string>();
   KpgCommand command = line.command("decode", "Print the instructions of a source or object file");
-  command.add("FILE", *path, "source or object file").required();
+  command.add("file", *path, "The source or object file").required().type("FILE");
   command.runs([path] { decode(*path); });
 }

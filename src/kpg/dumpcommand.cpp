@@ -2,13 +2,26 @@
 #include <iostream>
 #include <memory>
 
+#include "kit/errors.h"
 #include "kit/files.h"
+#include "kit/source/pagecut.h"
 #include "kit/source/pagedump.h"
 #include "kpg/commands.h"
+
+namespace {
+
+void dump(const std::string& page) {
+  const std::vector<uint8_t> bytes = readFile(page);
+  const std::string source = dumpPage(page, bytes);
+  if (pageIsCutShort(bytes)) std::cerr << KitMessage{page, 0, kPageIsCutShort}.whole() << "\n";
+  std::cout << source;
+}
+
+}  // namespace
 
 void addDumpCommand(CommandLine& line) {
   auto page = std::make_shared<std::string>();
   KpgCommand command = line.command("dump", "Print a page as source that builds back to the same bytes");
   command.add("page", *page, "The page").required().type("PAGE.kpg");
-  command.runs([page] { std::cout << dumpPage(*page, readFile(*page)); });
+  command.runs([page] { dump(*page); });
 }

@@ -8,14 +8,17 @@ namespace {
 
 void eval(const std::vector<std::string>& texts) {
   StandardRuntime runtime;
-  for (const std::string& text : texts) bobConsoleEvaluate(bobRootScope(runtime.interp), text);
+  bool ok = true;
+  for (const std::string& text : texts) ok = bobConsoleEvaluate(bobRootScope(runtime.interp), text) && ok;
+  failUnless(ok);
 }
 
 }  // namespace
 
 void addEvalCommand(CommandLine& line) {
   auto texts = std::make_shared<std::vector<std::string>>();
-  KpgCommand command = line.command("eval", "Evaluate each TEXT as a console line, in one interpreter");
+  KpgCommand command =
+      line.command("eval", "Evaluate each TEXT as a console line, in one interpreter; exit status 1 after an error");
   command.add("TEXT", *texts, "one statement each").required();
   command.runs([texts] { eval(*texts); });
 }

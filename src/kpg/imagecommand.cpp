@@ -1,4 +1,7 @@
 // kpg image: pictures for the player, and what its files hold.
+#include <unistd.h>
+
+#include <cstdlib>
 #include <iostream>
 #include <memory>
 
@@ -29,7 +32,8 @@ std::string checkColor(const std::string& text) {
 
 void run(ImageOptions& options) {
   if (options.list) {
-    for (const std::string& path : options.inputs) std::cout << listPictureFile(path);
+    const bool swatches = isatty(STDOUT_FILENO) && !std::getenv("NO_COLOR");
+    for (const std::string& path : options.inputs) std::cout << listPictureFile(path, swatches);
     return;
   }
   if (options.inputs.size() != 1 || options.output.empty())
@@ -46,7 +50,7 @@ void addImageCommand(CommandLine& line) {
   command.add("pictures", options->inputs, "The picture, PNG or GIF; with --list also KPX and CLUT files")
       .required()
       .type("IN.png|IN.gif");
-  command.add("-o", options->output, "The picture to write").type("OUT.kpx");
+  command.add("-o,--out", options->output, "The picture to write; - for the standard output").type("OUT.kpx");
   const KpgOption clut =
       command.add("--clut", options->clut, "Use the colours of this table; by default OUT.clut is made")
           .type("FILE.clut");
@@ -54,13 +58,14 @@ void addImageCommand(CommandLine& line) {
       .add("--clut-name", options->clutName,
            "What the picture calls its table, as the page's folder sees it; '' for the table of the page")
       .type("NAME");
-  command.add("--colors", options->most, "Make a table of so many colours, black and white among them")
+  command.add("--colors", options->most, "Make a table of at most this number of colours, black and white among them")
       .between(3, kMaxClutColors - 1)
       .excludes(clut);
   command.add("--background", options->backgroundText, "Blend the picture over a colour; nothing stays transparent")
       .check(checkColor)
       .type("#RRGGBB");
   command.flag("--dither", options->dither, "Scatter what a colour misses over its neighbours");
-  command.flag("--list", options->list, "Print what the files hold");
+  command.flag("--list", options->list,
+               "Print what the files hold; the colours of a table are shown on a terminal, unless NO_COLOR is set");
   command.runs([options] { run(*options); });
 }

@@ -2,22 +2,35 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <sstream>
 
 #include "kit/errors.h"
 #include "kit/files.h"
 #include "kit/pictures/png.h"
 #include "kit/run/pagerun.h"
 #include "kit/run/stdoutaside.h"
+#include "kit/source/pagecut.h"
 #include "kpg/commands.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-struct ShotOptions {
+const std::vector<std::string> kKeys = {
+    "Up", "Down", "Left", "Right", "Select", "Clear", "Backspace", "UpLeft", "UpRight", "DownLeft", "DownRight",
+    "0",  "1",    "2",    "3",     "4",      "5",     "6",         "7",      "8",       "9",        "S"};
+
+struct ShotOptions : PageRunOptions {
   std::string page, output, log;
-  bool readOnly = false;
+  bool strict = false;
   std::vector<PageAction> actions;
+};
+
+struct Shot {
+  bool loaded = false;
+  std::string log, stopped;
+  std::vector<std::string> complaints, inputs;
+  PagePicture picture;
 };
 
 std::string lastLine(std::string log) {
@@ -25,58 +38,128 @@ std::string lastLine(std::string log) {
   return log.substr(log.rfind('\n') + 1);
 }
 
-void writeLog(const std::string& path, const std::string& log) {
-  if (path == "-") {
-    std::cout << log << std::flush;
-  } else if (!path.empty()) {
-    writeFile(path, log.data(), log.size());
+std::vector<std::string> linesOf(std::string_view text) {
+  std::istringstream in{std::string(text)};
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  return lines;
+}
+
+// A traceback of thousands of lines hides what is above it.
+std::string cutInTheMiddle(std::string_view text) {
+  constexpr size_t kFirst = 12, kLast = 4;
+  const std::vector<std::string> lines = linesOf(text);
+  std::string out;
+  for (size_t i = 0; i < lines.size(); ++i) {
+    if (i == kFirst && lines.size() > kFirst + kLast + 1) {
+      const size_t left = lines.size() - kFirst - kLast;
+      out += "  ... " + std::to_string(left) + " more lines, which --log has ...\n";
+      i += left;
+    }
+    out += lines[i] + "\n";
+  }
+  return out;
+}
+
+// What the system reports apart from its console: nobody waits to hear that it has ended well.
+void forward(const std::string& aside, bool all, std::vector<std::string>* complaints) {
+  for (const std::string& line : linesOf(aside)) {
+    const bool isStatus = line == "deleting glyph cache";
+    if (!isStatus || all) std::cerr << line << "\n";
+    if (!isStatus) complaints->push_back(line);
   }
 }
 
-// Names are relative to the folder of the call; the page changes it.
-std::string againstHere(const std::string& path) {
-  return path.empty() || path == "-" ? path : fs::absolute(path).string();
+bool isCutShort(const std::string& page) try { return pageIsCutShort(readFile(page)); } catch (const KitError&) {
+  return false;  // the log will say what is wrong
 }
 
-struct Shot {
-  bool loaded;
-  std::string log;
-  PagePicture picture;
-};
-
 Shot play(const ShotOptions& options) {
-  const StandardOutputAside aside;
-  PageRun run(options.readOnly);
-  if (!run.load(options.page)) return {false, run.log(), {}};
-  for (const PageAction& action : options.actions) run.act(action);
-  return {true, run.log(), run.take()};
+  Shot shot;
+  PageRun run(options);
+  shot.loaded = run.load(options.page, [](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; });
+  if (shot.loaded)
+    for (const PageAction& action : options.actions) run.act(action);
+  shot.log = run.log();
+  shot.stopped = run.stopped();
+  shot.inputs = run.inputs();
+  for (const std::string_view complaint : run.complaints()) shot.complaints.push_back(cutInTheMiddle(complaint));
+  shot.picture = run.take();
+  return shot;
+}
+
+Shot playAside(const ShotOptions& options) {
+  StandardOutputAside aside;
+  Shot shot = play(options);
+  std::vector<std::string> reports;
+  forward(aside.end(), !options.log.empty(), &reports);
+  // These are on the error stream already, so only their number counts.
+  if (options.strict && !reports.empty()) shot.complaints.push_back("");
+  return shot;
+}
+
+void checkOutputs(const ShotOptions& options, bool named) {
+  if (!options.log.empty() && options.log == options.output)
+    throw KitError("kpg shot: the picture and the log can't both go to '" + options.log + "'");
+  refuseInput(options.output, {options.page});
+  refuseInput(options.log, {options.page});
+  if (!named) refuseForeign(options.output, isKitPng, "say -o to write over it, or to use another name");
+}
+
+// The picture is saved even where the log can't be, as when whoever reads it has read enough.
+void save(const ShotOptions& options, const Shot& shot) {
+  std::string problem;
+  if (!options.log.empty()) try {
+      refuseInput(options.log, shot.inputs);
+      writeFile(options.log, shot.log.data(), shot.log.size());
+    } catch (const KitError& e) {
+      problem = e.what();
+    }
+  if (!shot.stopped.empty()) std::cerr << options.page << ": " << shot.stopped << "\n";
+  if (!shot.stopped.empty() || !shot.loaded) {
+    if (!problem.empty()) std::cerr << problem << "\n";
+    throw KitError(shot.stopped.empty() ? lastLine(shot.log) : "");
+  }
+  refuseInput(options.output, shot.inputs);
+  writePng(options.output, shot.picture.width, shot.picture.height, shot.picture.pixels);
+  if (!problem.empty()) throw KitError(problem);
 }
 
 void shoot(ShotOptions options) {
-  if (options.output.empty()) options.output = fs::path(options.page).stem().string() + ".png";
-  options.output = againstHere(options.output);
-  options.log = againstHere(options.log);
-  const Shot shot = play(options);
-  writeLog(options.log, shot.log);
-  if (!shot.loaded) throw KitError(lastLine(shot.log));
-  writePng(options.output, shot.picture.width, shot.picture.height, shot.picture.pixels);
-}
-
-std::string checkKey(const std::string& name) {
-  return HeadlessDesktop::hasKey(name) ? "" : "there is no key '" + name + "'";
+  const bool named = !options.output.empty();
+  if (!named) options.output = fs::path(options.page).stem().string() + ".png";
+  checkOutputs(options, named);
+  const bool cut = isCutShort(options.page);
+  if (cut) std::cerr << KitMessage{options.page, 0, kPageIsCutShort}.whole() << "\n";
+  const Shot shot = playAside(options);
+  save(options, shot);
+  if (!options.strict) return;
+  for (const std::string& complaint : shot.complaints) std::cerr << complaint;
+  if (cut || !shot.complaints.empty()) throw KitError("");
 }
 
 }  // namespace
 
 void addShotCommand(CommandLine& line) {
   auto options = std::make_shared<ShotOptions>();
-  KpgCommand command = line.command("shot", "Open a page, do the actions in order, save the screen");
-  command.add("page", options->page, "The page").required().type("PAGE.kpg");
-  command.add("-o", options->output, "The picture to write; by default the page's name with .png, here")
+  options->limitSeconds = 10;
+  KpgCommand command = line.command("shot", "Open a page or a page source, do the actions in order, save the screen");
+  command.add("page", options->page, "The page, or its source, which is compiled in memory")
+      .required()
+      .type("PAGE.kpg|PAGE.yaml");
+  command
+      .add("-o,--out", options->output,
+           "The picture to write; - for the standard output; by default the page's name with .png, here")
       .type("OUT.png");
   command.add("--log", options->log, "Where to write what the console showed; - for the standard output").type("FILE");
-
   command.flag("--read-only", options->readOnly, "Let no script write a file");
+  command.flag("--strict", options->strict,
+               "End with status 1 if a script failed, a file was missing or the system refused anything");
+  command
+      .add("--timeout", options->limitSeconds,
+           "End what runs for longer than this processor time after the load or an action; 10 by default, 0 for never")
+      .type("SECONDS")
+      .between(0, 86400);
 
   const auto addAction = [&](const char* name, PageAction::Kind kind, const char* help, const char* type) {
     const auto take = [options, kind](const std::string& argument) { options->actions.push_back({kind, argument}); };
@@ -84,7 +167,7 @@ void addShotCommand(CommandLine& line) {
   };
   addAction("--key", PageAction::key,
             "Press Up Down Left Right Select Clear Backspace UpLeft UpRight DownLeft DownRight 0..9 or S", "NAME")
-      .check(checkKey);
+      .oneOf(kKeys, "key");
   addAction("--wait", PageAction::wait, "Let MS milliseconds pass", "MS").between(0, 1'000'000'000);
   addAction("--eval", PageAction::eval, "Type TEXT at the console and press Enter", "TEXT");
   command.runs([options] { shoot(*options); });

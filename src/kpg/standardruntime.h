@@ -25,6 +25,10 @@ struct StandardRuntime : BobRuntime {
     bobSetStdin(interp, &in);
     bobSetStdout(interp, &out);
     bobSetStderr(interp, &err);
+    // Whoever read has gone, or the disk is full: a program that only prints would never notice.
+    bobSetRest(interp, [](BobInterp* running) {
+      if (std::ferror(stdout)) bobRaise(running, kBobRestart);
+    });
   }
 
   StandardInput in;

@@ -81,6 +81,8 @@ def check_bash(root):
     expect(complete(root, 'bu') == ['build'], 'kpg bu<Tab>')
     expect(complete(root, 'shot', 'x.kpg', '--r') == ['--read-only'], 'kpg shot x.kpg --r<Tab>')
     expect(complete(root, 'dump', 'sh') == ['share'], 'kpg dump sh<Tab>')
+    expect(complete(root, 'shot', 'x.kpg', '--key', 'Back') == ['Backspace'], 'kpg shot x.kpg --key Back<Tab>')
+    expect(complete(root, 'completion', 'z') == ['zsh'], 'kpg completion z<Tab>')
 
 
 def check_desktop(root):

@@ -1,6 +1,9 @@
 #include "kit/files.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -52,8 +55,9 @@ TEST_F(FilesTest, ALinkGoesOnLeadingToItsFile) {
 
 TEST_F(FilesTest, ErrorsNameTheFileAndLeaveNothing) {
   fs::create_directory(at("d"));
-  const std::pair<std::string, std::string> cases[] = {{at("none/a"), ": can't be written"},
-                                                       {at("d"), ": can't be written"}};
+  const std::pair<std::string, std::string> cases[] = {{at("none/a"), ": can't be written: No such file or directory"},
+                                                       {at("d"), ": can't be written: Is a directory"},
+                                                       {"/dev/full", ": can't be written: No space left on device"}};
   for (const auto& [path, message] : cases) {
     try {
       writeFile(path, "x", 1);
@@ -65,6 +69,61 @@ TEST_F(FilesTest, ErrorsNameTheFileAndLeaveNothing) {
   }
   EXPECT_EQ(count(), 1u);
   EXPECT_THROW(readFile(at("none")), KitError);
+}
+
+TEST_F(FilesTest, FilesThatBelongTogetherAreAllWrittenOrNone) {
+  writeFile(at("a"), "before", 6);
+  {
+    OutputFiles files;
+    files.add(at("a"), "after", 5);
+    files.add(at("b"), "new", 3);
+    EXPECT_THROW(files.add(at("none/c"), "x", 1), KitError);
+  }
+  EXPECT_EQ(read(at("a")), "before");
+  EXPECT_EQ(count(), 1u);
+  // A device fails late, when all others have been prepared.
+  OutputFiles files;
+  files.add(at("a"), "after", 5);
+  files.add("/dev/full", "x", 1);
+  EXPECT_THROW(files.finish(), KitError);
+  EXPECT_EQ(read(at("a")), "before");
+}
+
+TEST_F(FilesTest, ALinkToNothingMakesItsFile) {
+  fs::create_directory(at("d"));
+  fs::create_symlink("d/file", at("link"));
+  writeFile(at("link"), "new", 3);
+  EXPECT_TRUE(fs::is_symlink(at("link")));
+  EXPECT_EQ(read(at("d/file")), "new");
+}
+
+TEST_F(FilesTest, APipeIsWrittenIntoAndStays) {
+  ASSERT_EQ(mkfifo(at("pipe").c_str(), 0600), 0);
+  const int reader = open(at("pipe").c_str(), O_RDONLY | O_NONBLOCK);
+  writeFile(at("pipe"), "through", 7);
+  char bytes[16];
+  EXPECT_EQ(::read(reader, bytes, sizeof bytes), 7);
+  close(reader);
+  EXPECT_TRUE(fs::is_fifo(at("pipe")));
+}
+
+TEST_F(FilesTest, AReadOnlyFileIsNotReplaced) {
+  if (geteuid() == 0) GTEST_SKIP() << "the superuser may write everything";
+  writeFile(at("a"), "before", 6);
+  fs::permissions(at("a"), fs::perms(0444));
+  EXPECT_THROW(writeFile(at("a"), "after", 5), KitError);
+  EXPECT_EQ(read(at("a")), "before");
+}
+
+TEST_F(FilesTest, AnInputIsKnownUnderAnyName) {
+  writeFile(at("a"), "x", 1);
+  fs::create_symlink("a", at("link"));
+  fs::create_hard_link(at("a"), at("other"));
+  for (const char* name : {"a", "link", "other"}) EXPECT_THROW(refuseInput(at(name), {at("a")}), KitError) << name;
+  writeFile(at("b"), "x", 1);
+  EXPECT_NO_THROW(refuseInput(at("b"), {at("a")}));
+  EXPECT_NO_THROW(refuseInput(at("none"), {at("a"), at("none")}));
+  EXPECT_NO_THROW(refuseInput("-", {at("a")}));
 }
 
 }  // namespace

@@ -16,6 +16,17 @@ TEST_F(CommandsTest, ErrorsGoToTheErrorStreamWithStatusOne) {
   EXPECT_EQ(err, "kpg: there is no command 'bild'; did you mean 'build'?\nkpg --help lists the commands\n");
   EXPECT_EQ(kpg("photograph page.kpg"), 1);
   EXPECT_EQ(err, "kpg: there is no command 'photograph'\nkpg --help lists the commands\n");
+  EXPECT_EQ(kpg(""), 1);
+  EXPECT_EQ(err, "kpg: a command is missing\nkpg --help lists the commands\n");
+  EXPECT_EQ(kpg("--hepl"), 1);
+  EXPECT_EQ(err, "kpg: there is no option '--hepl'; did you mean '--help'?\nkpg --help lists the commands\n");
+  EXPECT_EQ(kpg("shot p.kpg --stict"), 1);
+  EXPECT_EQ(err,
+            "kpg shot: there is no option '--stict'; did you mean '--strict'?\nkpg shot --help lists its options\n");
+  EXPECT_EQ(kpg("build --colours=3"), 1);
+  EXPECT_EQ(err, "kpg build: there is no option '--colours'\nkpg build --help lists its options\n");
+  EXPECT_EQ(kpg("dump a.kpg b.kpg"), 1);
+  EXPECT_EQ(err, "kpg dump: there is one word too many, 'b.kpg'\nkpg dump --help lists its options\n");
   EXPECT_EQ(kpg("shot none.kpg --key Sideways"), 1);
   EXPECT_NE(err.find("there is no key 'Sideways'"), std::string::npos) << err;
   EXPECT_EQ(kpg("build none.yaml -o p.kpg"), 1);
@@ -33,6 +44,39 @@ TEST_F(CommandsTest, CompletionsKnowWhichOptionsTakeAValue) {
   };
   EXPECT_TRUE(specOf("--log").ends_with("]:value:_files")) << specOf("--log");
   EXPECT_TRUE(specOf("--read-only").ends_with("]")) << specOf("--read-only");
+  EXPECT_NE(specOf("--key").find("]:value:(Up Down "), std::string::npos) << specOf("--key");
+  EXPECT_EQ(kpg("completion tcsh"), 1);
+  EXPECT_NE(err.find("there is no shell 'tcsh'; there are bash zsh fish"), std::string::npos) << err;
+}
+
+TEST_F(CommandsTest, TheLanguagesToolsKeepItsStreamsApart) {
+  writeText("good.bob", "define f(x) { return x + 1; }\nstdout.Display(f(1), \"\\n\");\n");
+  writeText("bad.bob", "stdout.Display(\"before\\n\");\nnosuch;\nstdout.Display(\"after\\n\");\n");
+  EXPECT_EQ(kpg("run good.bob"), 0);
+  EXPECT_EQ(out, "2\n");
+  EXPECT_EQ(err, "");
+  // An error ends its file, not those after it, and they share an interpreter.
+  EXPECT_EQ(kpg("run bad.bob good.bob"), 1);
+  EXPECT_TRUE(out.starts_with("before\nHappened in ")) << out;
+  EXPECT_TRUE(out.ends_with("\n2\n")) << out;
+  EXPECT_EQ(err, "Error: Unbound variable - nosuch\n");
+  EXPECT_EQ(kpg("run none.bob"), 1);
+  EXPECT_EQ(err, "none.bob: can't be opened\n");
+
+  EXPECT_EQ(kpg("eval 'x = 3;' 'x * 2;'"), 0);
+  EXPECT_EQ(out, "--> 3\n--> 6\n");
+  EXPECT_EQ(kpg("eval 'nosuch;' '7;'"), 1);
+  EXPECT_TRUE(out.ends_with("--> 7\n")) << out;
+  EXPECT_EQ(err, "Error: Unbound variable - nosuch\n");
+
+  EXPECT_EQ(kpg("compile good.bob --output good.bobo"), 0);
+  ASSERT_EQ(kpg("decode good.bobo"), 0);
+  const std::string listing = out;
+  EXPECT_NE(listing.find(" ; f\n"), std::string::npos) << listing;
+  EXPECT_EQ(kpg("decode bad.bob"), 0);
+  EXPECT_NE(out.find("; nosuch\n"), std::string::npos) << out;
+  EXPECT_EQ(kpg("decode none.bob"), 1);
+  EXPECT_EQ(err, "none.bob: can't be opened\n");
 }
 
 TEST_F(CommandsTest, AShotWritesPictureAndLogAgainstTheFolderOfTheCall) {

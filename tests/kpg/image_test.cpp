@@ -140,6 +140,13 @@ TEST_F(ImageCommandTest, AListSaysWhatFilesHold) {
   EXPECT_EQ(out.substr(0, start.size()), start);
   EXPECT_NE(out.find("\n  236  #FFFFFF  0xEB808000\n  237  #008700  0x00000000  transparent\n"), std::string::npos);
 
+  EXPECT_NE(out.find("\n    1  #000000  0x10808000  up to 235\n"), std::string::npos) << out;
+  EXPECT_NE(out.find("\n  238  #000000  0x10808000  up to 239\n4 different colours\n"), std::string::npos) << out;
+  EXPECT_EQ(out.find('\x1b'), std::string::npos);  // swatches are for terminals
+
+  writeText("photo.png", "\xFF\xD8\xFF\xE0 and so on");
+  EXPECT_EQ(kpg("image photo.png -o photo.kpx"), 1);
+  EXPECT_EQ(err, "photo.png: this is a JPEG picture; only PNG and GIF pictures can be read\n");
   writeText("bad.kpx", std::string("\0\0\0\2\0\2\0\1\0\0\0\0abc", 15));
   EXPECT_EQ(kpg("image --list bad.kpx"), 1);
   EXPECT_EQ(err, "bad.kpx: its pixels are cut off\n");

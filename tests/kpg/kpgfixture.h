@@ -15,6 +15,10 @@ class KpgTest : public PageTest {
     err = text("err.txt");
     return WEXITSTATUS(status);
   }
+  // A line for the shell, in which kpg is the program; the exit status of its last command.
+  static int shell(const std::string& line) {
+    return WEXITSTATUS(std::system(("kpg() { " KPG_PROGRAM " \"$@\"; }; " + line).c_str()));
+  }
   static std::string text(const std::string& name) {
     const auto bytes = readFile(name);
     return {bytes.begin(), bytes.end()};

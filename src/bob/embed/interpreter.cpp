@@ -98,6 +98,7 @@ void bobSetGcHook(BobInterp* interp, void (*hook)(BobInterp*, void* data), void*
   interp->gcHookData = data;
 }
 void bobSetRest(BobInterp* interp, void (*rest)(BobInterp*)) { interp->rest = rest; }
+void bobRestOften(BobInterp* interp, uint32_t steps) { interp->stepsToRest = interp->stepsBetweenRests = steps; }
 void bobSetOpenFile(BobInterp* interp, std::unique_ptr<BobStream> (*open)(const char* path, const char* mode)) {
   interp->openFile = open;
 }

@@ -34,6 +34,8 @@ void bobSetGcHook(BobInterp* interp, void (*hook)(BobInterp*, void* data), void*
 // Called after so many branches and calls, so that a host stays alive beside a script that doesn't end. It may raise
 // an error but must not run scripts.
 void bobSetRest(BobInterp* interp, void (*rest)(BobInterp*));
+// How many branches and calls lie between two rests, for a host that can't wait as long as usual.
+void bobRestOften(BobInterp* interp, uint32_t steps);
 // How scripts open files; the C library's way unless set.
 void bobSetOpenFile(BobInterp* interp, std::unique_ptr<BobStream> (*open)(const char* path, const char* mode));
 void bobSetErrorHandler(BobInterp* interp, BobErrorHandler handler);

@@ -159,7 +159,7 @@ struct BobInterp {
   int64_t failAllocation = -1;
 
   void (*rest)(BobInterp*) = nullptr;  // bobSetRest
-  uint32_t stepsToRest = kBobStepsToRest;
+  uint32_t stepsToRest = kBobStepsToRest, stepsBetweenRests = kBobStepsToRest;
 
   uint32_t* words(BobValue object) { return reinterpret_cast<uint32_t*>(base + object); }
   uint8_t* bytes(BobValue object) { return base + object; }

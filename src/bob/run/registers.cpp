@@ -5,6 +5,6 @@ void bobRestMachine(BobInterp* interp) {
   interp->stepsToRest = 1;
   bobRaise(interp, kBobRestart);
 #endif
-  interp->stepsToRest = kBobStepsToRest;
+  interp->stepsToRest = interp->stepsBetweenRests;
   if (interp->rest) interp->rest(interp);
 }

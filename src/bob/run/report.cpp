@@ -47,12 +47,16 @@ constexpr Message kMessages[] = {
 };
 
 // The code's name, bare, or the code itself when it has none.
-void printCodeName(BobInterp* interp, BobValue code, BobStream* stream) {
+void putCodeName(BobInterp* interp, BobValue code, BobStream* stream) {
   const BobValue name = bobCodeName(interp, code);
   if (name != kBobNil)
     bobDisplay(interp, name, stream);
   else
     bobPrint(interp, code, stream);
+}
+
+void printCodeName(BobInterp* interp, BobValue code, BobStream* stream) {
+  putCodeName(interp, code, stream);
   bobPutText(stream, "\n");
 }
 
@@ -82,6 +86,14 @@ void bobPrintError(BobInterp* interp, int code, const BobErrorArgument& argument
     }
   }
   bobPutText(stream, "\n");
+}
+
+std::string bobRunningName(BobInterp* interp) {
+  if (!interp->code) return "";
+  char text[256];
+  BobStringOutput name(text, sizeof text);
+  putCodeName(interp, interp->code, &name);
+  return {text, name.count()};
 }
 
 void bobPrintTraceback(BobInterp* interp) {

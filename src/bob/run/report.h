@@ -1,6 +1,8 @@
 // How an error is reported: its message, and where it happened.
 #pragma once
 
+#include <string>
+
 #include "bob/heap/errorcodes.h"
 
 // The message of a code; "Unknown error" for a code that is not in the table.
@@ -8,6 +10,8 @@ const char* bobErrorMessage(int code);
 
 // Prints "Error: ", the message and a newline on stderrStream.
 void bobPrintError(BobInterp* interp, int code, const BobErrorArgument& argument);
+// The name of the running code, as a traceback prints it; empty while nothing runs.
+std::string bobRunningName(BobInterp* interp);
 // Prints where the running code is and who called it on stdoutStream.
 void bobPrintTraceback(BobInterp* interp);
 // The handler that an interpreter starts with: both of the above, except for kBobRestart.

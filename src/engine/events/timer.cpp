@@ -78,7 +78,7 @@ void TimerQueue::fire() {
   const uint32_t now = hostMilliseconds();
   // A repeating timer of interval 0 is due again at once, and the loop doesn't end.
   for (uint32_t fired = 1; head && head->due <= now; ++fired) {
-    if (fired % kFiringsToBreath == 0) hostBreathe();
+    if (fired % kFiringsToBreath == 0 && !hostBreathe()) return;
     Timer* timer = head;
     head = timer->next;
     timer->next = nullptr;

@@ -163,7 +163,7 @@ int frameLoad(Frame* frame, const char* path) {
   if (frame->gone || frame->unloading) return 0;
   if (frame->pageData) frameUnload(frame);
   if (frame->gone) return 0;
-  if (frame->nesting > kMaxFrameNesting || engineStackSpent()) {
+  if (frame->nesting > kMaxFrameNesting || engineStackSpent() || !hostBreathe()) {
     hostLog(" -- '%s' not found\n", path);
     return 0;
   }

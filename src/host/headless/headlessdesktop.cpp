@@ -10,7 +10,7 @@ std::optional<std::string> HeadlessDesktop::chooseFile(const std::string&, const
 
 void HeadlessDesktop::settle() {
   do shell.step();
-  while (shell.busy());
+  while (shell.busy() && breathe());
 }
 
 bool HeadlessDesktop::hasKey(std::string_view name) { return keyMessageNamed(name).has_value(); }

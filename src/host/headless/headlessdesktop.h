@@ -15,7 +15,7 @@ class HeadlessDesktop : public Desktop {
 
   bool start() { return shell.start(); }
 
-  // Steps until nothing is left to draw.
+  // Steps until nothing is left to draw, or until what runs is to end (breathe).
   void settle();
 
   // A key of the remote control by name (Up Down Left Right Select Clear Backspace UpLeft UpRight DownLeft DownRight

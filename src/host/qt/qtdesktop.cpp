@@ -101,13 +101,14 @@ std::optional<std::string> QtDesktop::chooseFile(const std::string& title, const
   return QDir::toNativeSeparators(path).toStdString();
 }
 
-void QtDesktop::breathe() {
-  if (stopped || sinceStep.elapsed() < kBreathInterval) return;
+bool QtDesktop::breathe() {
+  if (stopped || sinceStep.elapsed() < kBreathInterval) return true;
   stopped = true;
   QApplication::processEvents();
   stopped = false;
   sinceStep.start();
   if (!consoleWindow->isVisible() || (screenWindow && !screenWindow->isVisible())) std::_Exit(0);
+  return true;
 }
 
 void QtDesktop::quit() { QApplication::quit(); }

@@ -26,7 +26,7 @@ class QtDesktop : public Desktop {
   std::optional<std::string> chooseFile(const std::string& title, const std::string& filterName,
                                         const std::string& pattern) override;
   uint32_t milliseconds() override { return uint32_t(sinceStart.elapsed()); }
-  void breathe() override;
+  bool breathe() override;
   void quit() override;
 
  private:

@@ -6,7 +6,6 @@
 #include "gfx/pixel/hsgrasterdevice.h"
 #include "kit/files.h"
 #include "kit/fonts/registeredfont.h"
-#include "kit/pictures/png.h"
 
 namespace {
 
@@ -40,7 +39,7 @@ int layOut(uint32_t id, Draw&& draw) {
 }  // namespace
 
 // Black on white, by the coverage that the player would draw with.
-void writeFontSpecimen(const std::string& font, const std::string& picture) {
+Picture fontSpecimen(const std::string& font) {
   const std::vector<uint8_t> bytes = readFile(font);
   const RegisteredFont registered(bytes);
   const uint32_t id = registered.id;
@@ -57,7 +56,8 @@ void writeFontSpecimen(const std::string& font, const std::string& picture) {
     device.DrawText(sizeof kPangram - 1, kPangram, hsIntToFixed(kMargin), hsIntToFixed(baseline), paint);
   });
   device.SetBitmap(nullptr);
-  std::vector<uint32_t> pixels;
-  for (uint8_t c : coverage) pixels.push_back((255u - c) * 0x010101);
-  writePng(picture, kSpecimenWidth, height, pixels);
+  Picture specimen{kSpecimenWidth, uint32_t(height), {}};
+  specimen.pixels.reserve(coverage.size());
+  for (uint8_t c : coverage) specimen.pixels.push_back(0xFF000000 | (255u - c) * 0x010101);
+  return specimen;
 }

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "kit/pictures/picture.h"
+
 // A pangram at several sizes, each in the four looks of a text style: plain, gridfit, antialias, both. The font must be
 // one that the player can draw with. Throws KitError.
-void writeFontSpecimen(const std::string& font, const std::string& picture);
+Picture fontSpecimen(const std::string& font);

@@ -16,11 +16,24 @@ std::vector<uint32_t> parseClut(const std::vector<uint8_t>& bytes) {
 
 std::vector<uint32_t> readClutFile(const std::string& path) { return parseClut(readFile(path)); }
 
-void writeClutFile(const std::string& path, const std::vector<uint32_t>& colors) {
+std::vector<uint8_t> clutBytes(const std::vector<uint32_t>& colors) {
   std::vector<uint8_t> bytes = {0};
   for (uint32_t color : colors)
     for (int shift = 24; shift >= 0; shift -= 8) bytes.push_back(uint8_t(color >> shift));
+  return bytes;
+}
+
+void writeClutFile(const std::string& path, const std::vector<uint32_t>& colors) {
+  const std::vector<uint8_t> bytes = clutBytes(colors);
   writeFile(path, bytes.data(), bytes.size());
+}
+
+bool isKitClut(const std::vector<uint8_t>& bytes) {
+  if (bytes.size() != 1 + 4 * kMaxClutColors) return false;
+  const std::vector<uint32_t> colors = parseClut(bytes);
+  const uint8_t* transparent = bytes.data() + 1 + 4 * kIndexTransparent;
+  return colors[kIndexBlack] == rgbToYCrCb(0) && colors[kIndexWhite] == rgbToYCrCb(0xFFFFFF00) &&
+         std::all_of(transparent, transparent + 4, [](uint8_t byte) { return byte == 0; });
 }
 
 std::vector<uint32_t> makeClut(const std::vector<uint32_t>& pixels, size_t most) {

@@ -17,7 +17,11 @@ inline constexpr size_t kMostChosenColors = kMaxClutColors - 3;
 // Colours 0xYYRRBB00 in the order of their indices, as the player takes them. Throws KitError.
 std::vector<uint32_t> readClutFile(const std::string& path);
 std::vector<uint32_t> parseClut(const std::vector<uint8_t>& bytes);
+std::vector<uint8_t> clutBytes(const std::vector<uint32_t>& colors);
 void writeClutFile(const std::string& path, const std::vector<uint32_t>& colors);
+
+// Whether the bytes are a table as the kit makes them: full, with the fixed three in their places.
+bool isKitClut(const std::vector<uint8_t>& bytes);
 
 // A whole table of the fixed three and of up to kMostChosenColors that suit the pixels; `most` counts black and white
 // too, and is at least 3.

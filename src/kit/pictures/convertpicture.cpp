@@ -4,6 +4,7 @@
 
 #include "engine/images/imagecache.h"
 #include "kit/errors.h"
+#include "kit/files.h"
 #include "kit/pictures/dither.h"
 #include "kit/pictures/enginecolors.h"
 #include "kit/pictures/kpxfile.h"
@@ -52,15 +53,29 @@ std::vector<uint8_t> indicesOf(const std::vector<uint32_t>& pixels, uint32_t wid
 void convertPicture(const std::string& input, const std::string& output, const PictureOptions& options) {
   const Picture picture = readPicture(input);
   checkMemory(input, picture, output);
-  const std::string clut = options.clut.empty() ? fs::path(output).replace_extension(".clut").string() : options.clut;
+  const bool ownTable = options.clut.empty();
+  if (ownTable && isStandardOutput(output))
+    throw KitError(input, "its colour table goes beside the picture, so the picture needs a name; or say --clut FILE");
+  const std::string clut = ownTable ? fs::path(output).replace_extension(".clut").string() : options.clut;
   const std::string clutName = options.clutName.value_or(fs::path(clut).filename().string());
   if (clutName.size() > UINT8_MAX) throw KitError(clutName, "this name is too long for a picture to hold");
 
   const std::vector<uint32_t> pixels = toEngineColors(picture, options.background);
   const std::vector<uint32_t> table = tableOf(options, pixels);
-  writeKpxFile(output,
-               {picture.width, picture.height, clutName, indicesOf(pixels, picture.width, table, options.dither)});
-  if (options.clut.empty()) writeClutFile(clut, table);
+  const std::vector<uint8_t> bytes =
+      kpxBytes({picture.width, picture.height, clutName, indicesOf(pixels, picture.width, table, options.dither)});
+
+  OutputFiles files;
+  refuseInput(output, {input, clut});
+  files.add(output, bytes.data(), bytes.size());
+  if (ownTable) {
+    if (clut == output) throw KitError(output, "is the name of the picture's colour table");
+    refuseInput(clut, {input, output});
+    refuseForeign(clut, isKitClut, "say --clut to use its colours, or give the picture another name");
+    const std::vector<uint8_t> tableBytes = clutBytes(table);
+    files.add(clut, tableBytes.data(), tableBytes.size());
+  }
+  files.finish();
 }
 
 std::vector<uint32_t> clutOfPictures(const std::vector<std::string>& paths, size_t most) {

@@ -33,8 +33,9 @@ KpxFile parseKpx(const std::string& path, const std::vector<uint8_t>& bytes) {
   return picture;
 }
 
-void writeKpxFile(const std::string& path, const KpxFile& picture) {
+std::vector<uint8_t> kpxBytes(const KpxFile& picture) {
   std::vector<uint8_t> bytes(kHeaderSize);
+  bytes.reserve(kHeaderSize + picture.clut.size() + picture.pixels.size());
   put16(&bytes, 2, picture.width);
   put16(&bytes, 4, picture.height);
   bytes[7] = kFormat8Bit;
@@ -46,5 +47,10 @@ void writeKpxFile(const std::string& path, const KpxFile& picture) {
   }
   put16(&bytes, 8, bytes.size());
   bytes.insert(bytes.end(), picture.pixels.begin(), picture.pixels.end());
+  return bytes;
+}
+
+void writeKpxFile(const std::string& path, const KpxFile& picture) {
+  const std::vector<uint8_t> bytes = kpxBytes(picture);
   writeFile(path, bytes.data(), bytes.size());
 }

@@ -13,4 +13,5 @@ struct KpxFile {
 
 // `path` is for errors, which are KitErrors: a picture that the player would refuse.
 KpxFile parseKpx(const std::string& path, const std::vector<uint8_t>& bytes);
+std::vector<uint8_t> kpxBytes(const KpxFile& picture);
 void writeKpxFile(const std::string& path, const KpxFile& picture);

@@ -43,14 +43,32 @@ void listGif(const std::string& path, const std::vector<uint8_t>& bytes, std::os
   out << "\n";
 }
 
-void listClut(const std::vector<uint8_t>& bytes, std::ostream& out) {
+// A patch of the colour, for terminals with 24-bit colour.
+std::string swatch(uint32_t rgb) {
+  char text[48];
+  std::snprintf(text, sizeof text, "\x1b[48;2;%u;%u;%um    \x1b[0m  ", rgb >> 16 & 255, rgb >> 8 & 255, rgb & 255);
+  return text;
+}
+
+// A run of one colour, such as fills what a table doesn't use, is one line.
+void listClut(const std::vector<uint8_t>& bytes, bool swatches, std::ostream& out) {
   const std::vector<uint32_t> colors = parseClut(bytes);
   out << "colour table, " << counted(colors.size(), "colour") << "\n";
-  for (size_t i = 0; i < colors.size(); ++i) {
-    char line[64];
-    std::snprintf(line, sizeof line, "%5zu  #%06X  0x%08X", i, yCrCbToRgb(colors[i]), colors[i]);
-    out << line << (i == kIndexTransparent ? "  transparent\n" : "\n");
+  for (size_t i = 0, next; i < colors.size(); i = next) {
+    const auto different =
+        std::find_if(colors.begin() + long(i), colors.end(), [&](uint32_t c) { return c != colors[i]; });
+    next = i == kIndexTransparent ? i + 1 : size_t(different - colors.begin());
+    const uint32_t rgb = yCrCbToRgb(colors[i]);
+    char index[32], color[64];
+    std::snprintf(index, sizeof index, "%5zu  ", i);
+    std::snprintf(color, sizeof color, "#%06X  0x%08X", rgb, colors[i]);
+    out << index << (swatches ? swatch(rgb) : "") << color;
+    if (i == kIndexTransparent) out << "  transparent";
+    if (next > i + 1) out << "  up to " << next - 1;
+    out << "\n";
   }
+  const std::set<uint32_t> used(colors.begin(), colors.end());
+  out << counted(used.size(), "different colour") << "\n";
 }
 
 void listKpx(const std::string& path, const std::vector<uint8_t>& bytes, std::ostream& out) {
@@ -65,7 +83,7 @@ void listKpx(const std::string& path, const std::vector<uint8_t>& bytes, std::os
 
 }  // namespace
 
-std::string listPictureFile(const std::string& path) {
+std::string listPictureFile(const std::string& path, bool swatches) {
   const std::vector<uint8_t> bytes = readFile(path);
   std::ostringstream list;
   if (isPng(bytes)) {
@@ -73,7 +91,7 @@ std::string listPictureFile(const std::string& path) {
   } else if (isGif(bytes)) {
     listGif(path, bytes, list);
   } else if (hsAsciiEqualIgnoringCase(fs::path(path).extension().string().c_str(), ".clut")) {
-    listClut(bytes, list);
+    listClut(bytes, swatches, list);
   } else {
     listKpx(path, bytes, list);
   }

@@ -4,11 +4,15 @@
 
 #include <algorithm>
 #include <memory>
+#include <string_view>
 
 #include "kit/errors.h"
 #include "kit/files.h"
 
 namespace {
+
+constexpr char kSoftwareKey[] = "Software", kSoftware[] = "kpg";
+constexpr std::string_view kSoftwareChunk("tEXtSoftware\0kpg", 16);  // what these become
 
 void append(png_structp png, png_bytep bytes, png_size_t size) {
   auto* out = static_cast<std::vector<uint8_t>*>(png_get_io_ptr(png));
@@ -19,7 +23,8 @@ void append(png_structp png, png_bytep bytes, png_size_t size) {
   throw KitError(*static_cast<const std::string*>(png_get_error_ptr(png)), message);
 }
 
-void write(const std::string& path, int width, int height, const std::vector<uint32_t>& pixels, bool alpha) {
+std::vector<uint8_t> encode(const std::string& path, int width, int height, const std::vector<uint32_t>& pixels,
+                            bool alpha) {
   std::vector<uint8_t> file;
   png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, const_cast<std::string*>(&path), fail, nullptr);
   png_infop info = png_create_info_struct(png);
@@ -34,6 +39,11 @@ void write(const std::string& path, int width, int height, const std::vector<uin
   png_set_filter(png, 0, PNG_FILTER_NONE);
   png_set_IHDR(png, info, png_uint_32(width), png_uint_32(height), 8, alpha ? PNG_COLOR_TYPE_RGBA : PNG_COLOR_TYPE_RGB,
                PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+  png_text software{};
+  software.compression = PNG_TEXT_COMPRESSION_NONE;
+  software.key = const_cast<char*>(kSoftwareKey);
+  software.text = const_cast<char*>(kSoftware);
+  png_set_text(png, info, &software, 1);
   png_write_info(png, info);
   std::vector<uint8_t> row;
   for (int y = 0; y < height; ++y) {
@@ -46,7 +56,7 @@ void write(const std::string& path, int width, int height, const std::vector<uin
     png_write_row(png, row.data());
   }
   png_write_end(png, info);
-  writeFile(path, file.data(), file.size());
+  return file;
 }
 
 // A file as the library reads it, and its name for errors.
@@ -80,6 +90,21 @@ void askForRgba(png_structp png) {
 }  // namespace
 
 bool isPng(const std::vector<uint8_t>& bytes) { return bytes.size() >= 8 && png_sig_cmp(bytes.data(), 0, 8) == 0; }
+
+// By the chunks alone, which lie before the pixels; a damaged picture is nobody's.
+bool isKitPng(const std::vector<uint8_t>& bytes) {
+  constexpr size_t kSignature = 8, kAroundData = 12;  // length and type before a chunk's data, a checksum after it
+  const std::string_view file(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+  if (!isPng(bytes)) return false;
+  for (size_t at = kSignature; at + kAroundData <= file.size();) {
+    const size_t length = png_get_uint_32(bytes.data() + at);
+    const std::string_view chunk = file.substr(at + 4, 4 + length);
+    if (chunk == kSoftwareChunk) return true;
+    if (chunk.starts_with("IDAT")) return false;
+    at += kAroundData + length;
+  }
+  return false;
+}
 
 Picture decodePng(const std::string& path, const std::vector<uint8_t>& bytes) {
   Input input{path, bytes};
@@ -116,9 +141,11 @@ Picture decodePng(const std::string& path, const std::vector<uint8_t>& bytes) {
 }
 
 void writePng(const std::string& path, int width, int height, const std::vector<uint32_t>& pixels) {
-  write(path, width, height, pixels, false);
+  const std::vector<uint8_t> bytes = encode(path, width, height, pixels, false);
+  writeFile(path, bytes.data(), bytes.size());
 }
 
 void writePngWithAlpha(const std::string& path, int width, int height, const std::vector<uint32_t>& pixels) {
-  write(path, width, height, pixels, true);
+  const std::vector<uint8_t> bytes = encode(path, width, height, pixels, true);
+  writeFile(path, bytes.data(), bytes.size());
 }

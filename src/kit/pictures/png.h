@@ -12,6 +12,9 @@ bool isPng(const std::vector<uint8_t>& bytes);
 // Any kind of PNG, as 8 bits a channel. `path` is for errors. Throws KitError.
 Picture decodePng(const std::string& path, const std::vector<uint8_t>& bytes);
 
+// Whether a kit wrote it, which puts its name in as the software.
+bool isKitPng(const std::vector<uint8_t>& bytes);
+
 // Write width x height pixels, rows from the top: 0x00RRGGBB, or 0xAARRGGBB with alpha. Throw KitError.
 void writePng(const std::string& path, int width, int height, const std::vector<uint32_t>& pixels);
 void writePngWithAlpha(const std::string& path, int width, int height, const std::vector<uint32_t>& pixels);

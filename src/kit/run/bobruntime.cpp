@@ -1,6 +1,10 @@
 #include "kit/run/bobruntime.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "bob/tools/disassemble.h"
+#include "bob/tools/objectformat.h"
 #include "engine/scriptbindings/scriptbindings.h"
 #include "kit/errors.h"
 
@@ -8,6 +12,10 @@ BobRuntime::BobRuntime() : interp(bobMakeInterp(kScriptHeapBytes, 0, kScriptStac
   if (!interp) throw KitError("out of memory");
   bobRegisterGlobals(interp);
   bobInitCompiler(interp);
+}
+
+bool isObjectFile(const std::vector<uint8_t>& bytes) {
+  return bytes.size() >= sizeof kBobMagic && std::equal(std::begin(kBobMagic), std::end(kBobMagic), bytes.begin());
 }
 
 void bobListCode(BobInterp* interp, BobValue code) { bobDisassembleAll(interp, code, bobStdout(interp)); }

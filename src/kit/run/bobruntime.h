@@ -1,8 +1,10 @@
 // An interpreter of the player's sizes without a page, and what the kit does with compiled code.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "bob/bob.h"
 
@@ -29,5 +31,7 @@ class BobTextStream : public BobStream {
 
 // Lists the code on the standard output stream, then the functions among its literals.
 void bobListCode(BobInterp* interp, BobValue code);
+// Whether the bytes begin as an object file of any version does.
+bool isObjectFile(const std::vector<uint8_t>& bytes);
 // Lists records up to the end or the first that is none; false after an error.
 bool bobListRecords(BobInterp* interp, BobStream* stream);

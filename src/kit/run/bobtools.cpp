@@ -4,6 +4,7 @@
 
 #include "bob/compile/statementreader.h"
 #include "kit/errors.h"
+#include "kit/files.h"
 
 namespace {
 
@@ -35,13 +36,18 @@ bool runBobFile(BobRuntime& runtime, const std::string& path) {
 }
 
 bool compileBobFile(BobRuntime& runtime, const std::string& source, const std::string& object) {
+  refuseInput(object, {source});
   BobInterp* interp = runtime.interp;
-  open(interp, source, "r");
-  bool made = false;
-  if (!bobTry(interp, [&] { made = bobCompileFile(bobRootScope(interp), source.c_str(), object.c_str()); }))
-    return false;
-  if (!made) throw KitError(object, "can't be opened");
-  return true;
+  const std::unique_ptr<BobStream> input = open(interp, source, "r");
+  BobTextStream output;
+  const bool compiled = bobTry(interp, [&] {
+    bobWriteHeader(&output);
+    BobStatementReader statements(bobRootScope(interp), input.get());
+    while (const BobValue method = statements.next())
+      if (!bobWriteValue(interp, bobMethodCode(interp, method), &output)) bobRaise(interp, kBobWritingFile);
+  });
+  if (compiled) writeFile(object, output.text.data(), output.text.size());
+  return compiled;
 }
 
 bool listBobFile(BobRuntime& runtime, const std::string& path) {

@@ -11,6 +11,7 @@
 // Runs a source file statement by statement, up to the first error.
 bool runBobFile(BobRuntime& runtime, const std::string& path);
 
+// After an error there is no object file, or the one that was there before.
 bool compileBobFile(BobRuntime& runtime, const std::string& source, const std::string& object);
 
 // Lists the instructions of a source or object file on the standard output stream; an object file is known by its

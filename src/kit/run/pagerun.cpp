@@ -2,24 +2,67 @@
 
 #include <filesystem>
 
-PageRun::PageRun(bool readOnly) {
-  desktop.shell.engine.scriptsMayWriteFiles = !readOnly;
+#include "gfx/foundation/hsascii.h"
+#include "kit/source/pagebuild.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool isPageSource(const std::string& path) {
+  const std::string extension = fs::path(path).extension().string();
+  return hsAsciiEqualIgnoringCase(extension.c_str(), ".yaml") || hsAsciiEqualIgnoringCase(extension.c_str(), ".yml");
+}
+
+}  // namespace
+
+PageRun::PageRun(const PageRunOptions& options) : desktop(options.limitSeconds) {
+  desktop.shell.engine.scriptsMayWriteFiles = !options.readOnly;
   desktop.start();
+  desktop.watchScripts();
   desktop.settle();
 }
 
-bool PageRun::load(const std::string& path) {
-  if (!desktop.shell.loadPage(std::filesystem::absolute(path).string())) return false;
+bool PageRun::load(const std::string& path, const KitWarn& warn) {
+  const std::string page = fs::absolute(isPageSource(path) ? compile(path, warn) : path).string();
+  desktop.beginActivity();
+  if (!desktop.shell.loadPage(page)) return false;
   desktop.settle();
   return true;
 }
 
+// The name that the page would have if it were built beside its source.
+std::string PageRun::compile(const std::string& source, const KitWarn& warn) {
+  BuiltPage built = compilePage(source, warn);
+  const auto keep = [&](const fs::path& path, std::string bytes) {
+    desktop.shell.filesInMemory[fs::absolute(path).lexically_normal()] = std::move(bytes);
+  };
+  const fs::path page = fs::path(source).replace_extension(".kpg");
+  keep(page, {built.bytes.begin(), built.bytes.end()});
+  for (ScriptFile& script : built.scriptFiles) keep(page.parent_path() / script.name, std::move(script.bytes));
+  sources = std::move(built.sources);
+  return page.string();
+}
+
 void PageRun::act(const PageAction& action) {
+  if (!stopped().empty()) return;
+  desktop.beginActivity();
   switch (action.kind) {
     case PageAction::key: desktop.key(action.argument); return desktop.settle();
-    case PageAction::wait: return desktop.wait(uint32_t(std::stoul(action.argument)));
+    case PageAction::wait:
+      for (unsigned long left = std::stoul(action.argument); left > 0 && stopped().empty(); --left) {
+        desktop.beginActivity();
+        desktop.wait(1);
+      }
+      return;
     case PageAction::eval: desktop.typeLine(action.argument); return desktop.settle();
   }
+}
+
+std::vector<std::string> PageRun::inputs() const {
+  std::vector<std::string> all = sources;
+  for (const fs::path& path : desktop.filesRead()) all.push_back(path.string());
+  return all;
 }
 
 PagePicture PageRun::take() {

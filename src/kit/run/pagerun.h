@@ -1,14 +1,16 @@
 // A page without a window: loaded from start-up on, driven as a user would, and looked at.
 //
 // The clock moves only when an action says so, so the same page and actions give the same log and the same pixels.
-// Names in the page are found from its own folder, as in the previewer.
+// Names in the page are found from its own folder, as in the previewer. A page source is compiled in memory.
 #pragma once
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "host/headless/headlessdesktop.h"
+#include "kit/errors.h"
+#include "kit/run/rundesktop.h"
 
 struct PageAction {
   enum Kind {
@@ -24,19 +26,36 @@ struct PagePicture {
   std::vector<uint32_t> pixels;  // 0x00RRGGBB, rows from the top
 };
 
+struct PageRunOptions {
+  bool readOnly = false;      // every script's attempt to write a file fails
+  uint32_t limitSeconds = 0;  // of processor time, for the load, a key, an evaluation or one millisecond of a wait;
+                              // 0 for no limit. What takes longer is ended, and so is the run.
+};
+
 class PageRun {
  public:
-  // `readOnly` makes every script's attempt to write a file fail.
-  explicit PageRun(bool readOnly);
+  explicit PageRun(const PageRunOptions& options);
 
-  // Loads the page and draws it; false when it can't be loaded, which the log explains.
-  bool load(const std::string& path);
+  // Loads the page, or compiles the page source (.yaml or .yml) and loads that, and draws it; false when it can't be
+  // loaded, which the log explains. Throws KitError for a source with errors.
+  bool load(const std::string& path, const KitWarn& warn = {});
+  // Does nothing once the run has been ended.
   void act(const PageAction& action);
 
   const std::string& log() const { return desktop.log; }
+  // What follows the page's name in a message about a run that has been ended; empty for any other.
+  const std::string& stopped() const { return desktop.stopped(); }
+  // Parts of the log: errors of scripts with their tracebacks, and what the system missed or refused.
+  std::vector<std::string_view> complaints() const { return desktop.complaints(); }
+  // All files that were read so far.
+  std::vector<std::string> inputs() const;
+
   // What the window would show. The run is over then: the picture takes its pixels.
   PagePicture take();
 
  private:
-  HeadlessDesktop desktop;
+  std::string compile(const std::string& source, const KitWarn& warn);
+
+  RunDesktop desktop;
+  std::vector<std::string> sources;
 };

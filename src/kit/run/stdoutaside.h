@@ -1,26 +1,22 @@
-// While it lives, what the system itself writes to the C library's standard output goes to the error stream, so that
-// the standard output has only what was asked for.
+// While it lives, what the system itself writes to the C library's standard output is kept aside, so that the standard
+// output has only what was asked for.
 #pragma once
 
-#include <unistd.h>
-
 #include <cstdio>
+#include <memory>
+#include <string>
 
 class StandardOutputAside {
  public:
-  StandardOutputAside() {
-    std::fflush(stdout);
-    kept = dup(STDOUT_FILENO);
-    dup2(STDERR_FILENO, STDOUT_FILENO);
-  }
-  ~StandardOutputAside() {
-    std::fflush(stdout);
-    dup2(kept, STDOUT_FILENO);
-    close(kept);
-  }
+  StandardOutputAside();
+  ~StandardOutputAside() { end(); }
   StandardOutputAside(const StandardOutputAside&) = delete;
   StandardOutputAside& operator=(const StandardOutputAside&) = delete;
 
+  // Gives the standard output back and returns what was written meanwhile.
+  std::string end();
+
  private:
+  std::unique_ptr<FILE, int (*)(FILE*)> written;
   int kept;
 };

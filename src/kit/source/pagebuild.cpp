@@ -1,21 +1,43 @@
 #include "kit/source/pagebuild.h"
 
 #include <filesystem>
+#include <utility>
 
 #include "kit/files.h"
+#include "kit/run/bobruntime.h"
 #include "kit/source/pagesource.h"
 #include "kit/source/pagewriter.h"
 
-void buildPage(const std::string& source, const std::string& output, const KitWarn& warn) {
-  const PageTree page = readPageSource(source, warn);
-  std::vector<uint8_t> bytes;
+namespace fs = std::filesystem;
+
+BuiltPage compilePage(const std::string& source, const KitWarn& warn) {
+  PageTree page = readPageSource(source, warn);
+  BuiltPage built{{}, {}, {source}};
   try {
-    bytes = writePage(page);
+    built.bytes = writePage(page);
   } catch (const std::length_error& e) {
     throw KitError(source, e.what());
   }
-  writeFile(output, bytes.data(), bytes.size());
-  const std::filesystem::path folder = std::filesystem::path(output).parent_path();
-  for (const ScriptFile& script : page.scriptFiles)
-    writeFile((folder / script.name).string(), script.bytes.data(), script.bytes.size());
+  built.scriptFiles = std::move(page.scriptFiles);
+  for (const ScriptFile& script : built.scriptFiles) {
+    const std::string name = script.name.substr(0, script.name.size() - 1);  // tools.bobo is made of tools.bob
+    built.sources.push_back((fs::path(source).parent_path() / name).string());
+  }
+  return built;
+}
+
+void buildPage(const std::string& source, const std::string& output, const KitWarn& warn) {
+  const BuiltPage page = compilePage(source, warn);
+  if (isStandardOutput(output) && !page.scriptFiles.empty())
+    throw KitError(source, "its script files go beside the page, so the page needs a name; say -o PAGE.kpg");
+  refuseInput(output, page.sources);
+  OutputFiles files;
+  files.add(output, page.bytes.data(), page.bytes.size());
+  for (const ScriptFile& script : page.scriptFiles) {
+    const std::string path = (fs::path(output).parent_path() / script.name).string();
+    refuseInput(path, page.sources);
+    refuseForeign(path, isObjectFile, "rename the script file, or move what is there");
+    files.add(path, script.bytes.data(), script.bytes.size());
+  }
+  files.finish();
 }

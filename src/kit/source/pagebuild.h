@@ -1,10 +1,22 @@
 // From a page source to the files of the page.
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "kit/errors.h"
+#include "kit/source/pagetree.h"
 
-// Compiles the source to `output`, and the script files that it names to object files beside that. Throws KitError
-// before anything is written.
+struct BuiltPage {
+  std::vector<uint8_t> bytes;
+  std::vector<ScriptFile> scriptFiles;  // to lie beside the page
+  std::vector<std::string> sources;     // all that was read
+};
+
+// Throws KitError.
+BuiltPage compilePage(const std::string& source, const KitWarn& warn = {});
+
+// Compiles the source to `output`, and the script files that it names to object files beside that; all are written, or
+// none. Throws KitError.
 void buildPage(const std::string& source, const std::string& output, const KitWarn& warn = {});

@@ -1,0 +1,93 @@
+#include "kit/run/rundesktop.h"
+
+#include <algorithm>
+#include <ctime>
+#include <iterator>
+
+namespace {
+
+constexpr size_t kMostLog = size_t{64} << 20;  // bytes
+constexpr size_t kMostComplaints = 1000;       // more tell nobody anything new
+constexpr uint32_t kStepsBetweenLooks = 1 << 14;
+
+// What the system says while all is well.
+constexpr std::string_view kReports[] = {"Loading image '", "Loading CLUT '", "Caching '"};
+
+double processorTime() {
+  timespec now;
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+  return double(now.tv_sec) + double(now.tv_nsec) * 1e-9;
+}
+
+}  // namespace
+
+bool isComplaint(std::string_view systemMessage) {
+  return std::none_of(std::begin(kReports), std::end(kReports),
+                      [&](std::string_view report) { return systemMessage.starts_with(report); });
+}
+
+RunDesktop& RunDesktop::ofThisThread() {
+  return static_cast<RunDesktop&>(static_cast<Shell&>(currentEngine()->host).desktop);
+}
+
+void RunDesktop::watchScripts() {
+  const EngineScope here(shell.engine);
+  BobInterp* interp = scriptInterp();
+  if (!interp) return;
+  bobSetErrorHandler(interp, [](BobInterp* i, int code, const BobErrorArgument& argument) {
+    ofThisThread().scriptFailed(i, code, argument);
+  });
+  bobSetRest(interp, [](BobInterp* i) {
+    RunDesktop& desktop = ofThisThread();
+    const bool wasStopped = !desktop.stopped().empty();
+    // The first script to be ended says where it was; those that would still run end without a word.
+    if (!desktop.mayGoOn(i)) bobRaise(i, wasStopped ? kBobRestart : kBobExit);
+  });
+  bobRestOften(interp, kStepsBetweenLooks);
+}
+
+void RunDesktop::scriptFailed(BobInterp* interp, int code, const BobErrorArgument& argument) {
+  const size_t begin = log.size();
+  bobStandardErrorHandler(interp, code, argument);
+  if (log.size() > begin && complained.size() < kMostComplaints) complained.push_back({begin, log.size()});
+}
+
+// A message that goes on from the one before, such as " -- not found", belongs to it.
+void RunDesktop::systemMessage(std::string_view text) {
+  if (text.size() > log.size()) return;  // there is no console yet
+  size_t begin = log.size() - text.size();
+  if (text.starts_with(" -- ") && lastMessageEnd == begin) begin = lastMessage;
+  if (isComplaint(text) && complained.size() < kMostComplaints) {
+    if (!complained.empty() && complained.back().begin == begin) complained.pop_back();
+    complained.push_back({begin, log.size()});
+  }
+  lastMessage = begin;
+  lastMessageEnd = log.size();
+}
+
+std::vector<std::string_view> RunDesktop::complaints() const {
+  std::vector<std::string_view> texts;
+  for (const Range& range : complained)
+    texts.push_back(std::string_view(log).substr(range.begin, range.end - range.begin));
+  return texts;
+}
+
+bool RunDesktop::mayGoOn(BobInterp* running) {
+  if (!reason.empty()) return false;
+  if (limit == 0) return true;
+  const double now = processorTime();
+  if (!begun) begun = now;
+  if (log.size() > kMostLog) stop(kMostLog >> 20, " megabytes of log", running);
+  if (now - *begun > limit)
+    stop(limit, limit == 1 ? " second of processor time" : " seconds of processor time", running);
+  return reason.empty();
+}
+
+void RunDesktop::stop(size_t count, const char* unit, BobInterp* running) {
+  const EngineScope here(shell.engine);
+  if (BobInterp* interp = scriptInterp()) bobRestOften(interp, 1);  // all other scripts end at once
+  reason = "stopped after ";
+  reason.append(std::to_string(count)).append(unit);
+  const std::string name = running ? bobRunningName(running) : "";
+  if (!name.empty()) reason.append(" in ").append(name);
+}

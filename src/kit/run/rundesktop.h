@@ -1,0 +1,60 @@
+// The headless desktop of a page run: it ends what runs for too long, and keeps what the system complained about.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "bob/bob.h"
+#include "host/headless/headlessdesktop.h"
+
+// Whether a message of the system, which it has written to the console itself, says that something is wrong. Everything
+// does that is not one of the few by which it reports what it is doing.
+bool isComplaint(std::string_view systemMessage);
+
+class RunDesktop : public HeadlessDesktop {
+ public:
+  // Times are processor time of this thread; 0 seconds is no limit. The limit holds for each step by itself.
+  explicit RunDesktop(uint32_t secondsOfLimit) : limit(secondsOfLimit) {}
+
+  // After the engine has started: listens to its scripts.
+  void watchScripts();
+
+  // Measures from here on. To be called when something begins that is to end by itself.
+  void beginActivity() { begun.reset(); }
+
+  // Why what ran was ended, as what follows the page's name in a message; empty when nothing was.
+  const std::string& stopped() const { return reason; }
+
+  // Parts of the log, in order: errors of scripts with their tracebacks, and what the system refused.
+  std::vector<std::string_view> complaints() const;
+
+  // The files of the disk that were read, by their paths.
+  const std::set<std::filesystem::path>& filesRead() const { return read; }
+
+  bool breathe() override { return mayGoOn(nullptr); }
+  void systemMessage(std::string_view text) override;
+  void fileOpened(const std::filesystem::path& path) override { read.insert(path); }
+
+ private:
+  struct Range {
+    size_t begin, end;
+  };
+
+  static RunDesktop& ofThisThread();
+  bool mayGoOn(BobInterp* running);
+  void stop(size_t count, const char* unit, BobInterp* running);
+  void scriptFailed(BobInterp* interp, int code, const BobErrorArgument& argument);
+
+  uint32_t limit;               // seconds
+  std::optional<double> begun;  // seconds of processor time; empty until somebody first asks
+  std::string reason;
+  std::vector<Range> complained;  // in the log
+  size_t lastMessage = 0, lastMessageEnd = 0;
+  std::set<std::filesystem::path> read;
+};

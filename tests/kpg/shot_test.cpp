@@ -1,0 +1,131 @@
+// kpg shot: sources, what it says is wrong, and what runs for ever.
+#include "kpgfixture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using ShotTest = KpgTest;
+
+TEST_F(ShotTest, ASourceIsShotAsThePageThatItBuilds) {
+  fs::create_directory("pages");
+  writeText("pages/tools.bob", "define twice(x) { return 2 * x; }\n");
+  writeText("pages/inner.yaml", "page: {}");
+  writeText("pages/m.yaml",
+            "flags: 16bit\npage: {width: 720, height: 480, bgColor: '#204060', scripts: [tools.bob],\n"
+            "  onLoad: 'stdout.Display(twice(4), (new File(\"M.KPG\", \"rb\") == nil) ? \" no\" : \" yes\");'}");
+  EXPECT_EQ(kpg("shot pages/m.yaml -o source.png --log -"), 0) << err;
+  EXPECT_EQ(out, "8 yes");  // a page finds itself, in whatever case
+  EXPECT_EQ(err, "");
+  EXPECT_EQ(std::distance(fs::directory_iterator("pages"), {}), 3);  // nothing is written there
+  ASSERT_EQ(kpg("build pages/m.yaml -o pages/m.kpg"), 0);
+  ASSERT_EQ(kpg("shot pages/m.kpg -o page.png"), 0);
+  EXPECT_EQ(text("source.png"), text("page.png"));
+
+  // What lies beside it from an earlier build doesn't count.
+  writeText("pages/tools.bob", "define twice(x) { return 3 * x; }\n");
+  EXPECT_EQ(kpg("shot pages/m.yaml -o source.png --log -"), 0) << err;
+  EXPECT_EQ(out, "12 yes");
+
+  writeText("pages/m.yaml", "page:\n  x: 1\n  x: 2\n");
+  EXPECT_EQ(kpg("shot pages/m.yaml -o bad.png"), 1);
+  EXPECT_EQ(err, "pages/m.yaml:3: 'x' is given twice\n");
+  EXPECT_FALSE(fs::exists("bad.png"));
+}
+
+TEST_F(ShotTest, StrictEndsWithOneWhenSomethingIsWrong) {
+  build("p.kpg", "page: {width: 720, height: 480}");
+  struct Case {
+    const char *page, *actions, *message;  // no message when all is well
+  };
+  const Case cases[] = {
+      {"page: {}", "--key Down", ""},
+      {"page: {}", "--eval 'stdout.Display(\"Error: not one of the system\\n\");'", ""},
+      {"page: {}", "--eval 'nosuch;'", "Error: Unbound variable - nosuch\n"},
+      {"page: {}", "--eval 'x = '", "Error: Syntax error - "},
+      {"page: {width: 9, height: 9, background: none.gif}", "", "Can't find: none.gif\n -- not found\n"},
+      {"page: {type: group, children: [{type: frame, src: none.kpg}]}", "", " -- 'none.kpg' not found\n"},
+      {"page: {start: nobody}", "", "Can't find starting widget 'nobody'\n"},
+      {"page: {scripts: [none.bobo]}", "", "Error loading 'none.bobo'\n"},
+      {"page: {type: group, children: [{type: select, name: s, choices: '|a'}]}", "--eval 'widgets.s.value = 9;'",
+       "New value out of range: 9\n"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.page) + " " + c.actions);
+    writeText("s.yaml", c.page);
+    fs::remove("s.png");
+    EXPECT_EQ(kpg("shot s.yaml -o s.png --strict " + std::string(c.actions)), *c.message ? 1 : 0);
+    if (*c.message)
+      EXPECT_NE(err.find(c.message), std::string::npos) << err;
+    else
+      EXPECT_EQ(err, "");
+    EXPECT_TRUE(fs::exists("s.png"));  // which may show what is wrong
+    EXPECT_EQ(kpg("shot s.yaml -o s.png " + std::string(c.actions)), 0) << err;
+  }
+}
+
+TEST_F(ShotTest, ALongTracebackIsCutOnTheErrorStreamAlone) {
+  build("p.kpg", "page: {onLoad: 'define f() { f(); } f();'}");
+  EXPECT_EQ(kpg("shot p.kpg -o p.png --strict --log log.txt"), 1);
+  const auto lines = [](const std::string& text) { return std::count(text.begin(), text.end(), '\n'); };
+  EXPECT_TRUE(err.starts_with("Error: Stack overflow\nHappened in f\n")) << err;
+  EXPECT_LT(lines(err), 25);
+  EXPECT_GT(lines(text("log.txt")), 1000);
+  const size_t at = err.find("  ... ");
+  ASSERT_NE(at, std::string::npos);
+  // The cut, the lines before and after it, and what was asked for with the log: nothing is unaccounted for.
+  EXPECT_EQ(std::stol(err.substr(at + 6)) + 12 + 4, lines(text("log.txt")));
+}
+
+TEST_F(ShotTest, WhatRunsForEverIsEndedAndNamed) {
+  struct Case {
+    std::string page;
+    const char *actions, *name;
+  };
+  const std::string spin = "define spin() { while (true) ; } ";
+  const Case cases[] = {
+      {"page: {onLoad: '" + spin + "spin();'}", "", " in spin\n"},
+      {"page: {onLoad: '" + spin + "'}", "--eval 'spin();'", " in spin\n"},
+      {"page: {type: group, start: a, children: [{name: a, onClick: '" + spin + "spin();'}]}", "--key Select",
+       " in spin\n"},
+      {"page: {onLoad: '" + spin + "t = new Timer(spin); t.Set(1, false);'}", "--wait 3", " in spin\n"},
+      {"page: {onLoad: 'define tick() {} t = new Timer(tick); t.Set(0, true);'}", "--wait 3", ""},
+      {"page: {onLoad: 'while (true) stdout.Display(1);'}", "", ""},
+      {"page: {onLoad: 'while (true) frame.LoadPage(\"p.kpg\");'}", "", ""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.page + " " + c.actions);
+    build("p.kpg", c.page);
+    fs::remove("p.png");
+    fs::remove("log.txt");
+    EXPECT_EQ(kpg("shot p.kpg -o p.png --timeout 1 --log log.txt " + std::string(c.actions)), 1);
+    EXPECT_NE(err.find("p.kpg: stopped after 1 second of processor time"), std::string::npos) << err;
+    EXPECT_NE(err.find(c.name), std::string::npos) << err;
+    EXPECT_FALSE(fs::exists("p.png"));
+    EXPECT_TRUE(fs::exists("log.txt"));
+  }
+}
+
+TEST_F(ShotTest, ACutPageIsSaidToBeOne) {
+  build("whole.kpg", "page: {type: group, children: [{type: text, value: hello}, {onClick: 'x = 1;'}]}");
+  const std::string whole = text("whole.kpg");
+  ASSERT_EQ(kpg("shot whole.kpg"), 0);
+  EXPECT_EQ(err, "");
+  ASSERT_EQ(kpg("dump whole.kpg"), 0);
+  EXPECT_EQ(err, "");
+  for (size_t size = 16; size < whole.size(); size += 7) {
+    writeText("cut.kpg", whole.substr(0, size));
+    kpg("shot cut.kpg");
+    EXPECT_TRUE(err.starts_with("cut.kpg: is cut short")) << size << err;
+    kpg("dump cut.kpg");
+    EXPECT_TRUE(err.starts_with("cut.kpg: is cut short")) << size << err;
+  }
+}
+
+TEST_F(ShotTest, TheErrorStreamHasNoStatusUnlessTheLogIsAskedFor) {
+  build("p.kpg", "page: {}");
+  EXPECT_EQ(kpg("shot p.kpg"), 0);
+  EXPECT_EQ(err, "");
+}
+
+}  // namespace
