@@ -51,8 +51,7 @@ std::vector<int> DistinctY(const GlyphClass* glyph) {
 }
 
 TEST(Hinter, LearnsTheFontsHeightsAndStems) {
-  OpenFont f(LettersFont().Build());
-  f.SetSize(12);
+  OpenFont f(LettersFont(), 12);
   const HintGlobals& globals = f.t->hintHandle->globals;
   std::vector<std::tuple<int, int, bool>> zones;
   for (int i = 0; i < globals.zoneCount; ++i) {
@@ -67,8 +66,7 @@ TEST(Hinter, LearnsTheFontsHeightsAndStems) {
 // 13 pixels: 500 is 6.5 and goes to 7, 700 is 9.1, stems of 90 are 1.17. The middle bar of the E, 3.965 to 5.135, has
 // its middle at 4.55 and keeps it as the ends spread, so its lower edge goes to 4.
 TEST(Hinter, HeightsAndStemsGetWholePixels) {
-  OpenFont f(LettersFont().Build());
-  f.SetSize(13);
+  OpenFont f(LettersFont(), 13);
   ASSERT_TRUE(f.Render('E', 3, kHinted));
   EXPECT_EQ(DistinctY(f.t->glyph), (std::vector{0, 64, 4 * 64, 5 * 64, 8 * 64, 9 * 64}));
   ASSERT_TRUE(f.Render('z', 3, kHinted));
@@ -100,8 +98,7 @@ TEST(Hinter, AStemIsAnEdgeAndTheNearestAcross) {
 }
 
 TEST(Hinter, WithoutRoundingNothingIsFitted) {
-  OpenFont f(LettersFont().Build());
-  f.SetSize(13);
+  OpenFont f(LettersFont(), 13);
   ASSERT_TRUE(f.Render('E', 3, kT2KKeepGlyph | kT2KNoRounding));
   const std::vector<int> plain = DistinctY(f.t->glyph);
   ASSERT_TRUE(f.Render('E', 3, kHinted | kT2KNoRounding));
@@ -170,8 +167,7 @@ Bytes Stored(const HintGlobals& globals) {
 
 TEST(Hinter, StoredSettingsAreTakenIfTheyCarryTheStamp) {
   SfntBuilder builder = LettersFont();
-  OpenFont source(builder.Build());
-  source.SetSize(13);
+  OpenFont source(builder, 13);
   HinterClass settings = *source.t->hintHandle;
   settings.globals.zone[2].flat = 660;  // capitals 8.58 pixels high, so 9 as before at 13, but 7 at 11
   settings.globals.zone[2].round = 660;
@@ -186,8 +182,7 @@ TEST(Hinter, StoredSettingsAreTakenIfTheyCarryTheStamp) {
 
   const auto capsIn = [&](const Bytes& table) {
     builder.tables["T2KG"] = table;
-    OpenFont f(builder.Build());
-    f.SetSize(13);
+    OpenFont f(builder, 13);
     return f.t->hintHandle->globals.zone[2].flat;
   };
   EXPECT_EQ(capsIn(record), 660);
@@ -200,8 +195,7 @@ TEST(Hinter, ADamagedLetterDoesNoHarm) {
   SfntBuilder builder = LettersFont();
   builder.characters['x'] = builder.AddGlyph(Bytes().Words({0, 0, 0, 0, 0}), 500, 0);
   builder.characters['e'] = 999;
-  OpenFont f(builder.Build());
-  f.SetSize(13);
+  OpenFont f(builder, 13);
   EXPECT_EQ(f.err, 0);
   EXPECT_TRUE(f.Render('E', 0, kHinted));
   EXPECT_EQ(f.t->hintHandle->globals.zone[1].flat, 500);

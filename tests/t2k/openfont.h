@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "t2k/fontbuilder.h"
 #include "t2k/t2k.h"
 
 inline std::vector<uint8_t> ReadFontFile(const std::string& path) {
@@ -42,6 +43,8 @@ class OpenFont {
     font = New_sfntClass(mem, fontType, fontNumber, in, styling, &err);
     if (font) t = NewT2K(mem, font, &err);
   }
+  // At a size in pixels.
+  OpenFont(const SfntBuilder& builder, double pixels) : OpenFont(builder.Build()) { SetSize(pixels); }
   ~OpenFont() { Close(); }
   OpenFont(const OpenFont&) = delete;
   OpenFont& operator=(const OpenFont&) = delete;

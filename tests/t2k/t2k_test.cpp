@@ -16,8 +16,7 @@ constexpr int kOutline = kT2KByIndex | kT2KKeepGlyph;
 std::string ScaledPoints(const T2K* t) { return PointsOf(t->glyph, true); }
 
 TEST(Transformation, SizesAndMetrics) {
-  OpenFont f(TwoLetters().Build());
-  f.SetSize(12);
+  OpenFont f(TwoLetters(), 12);
   const T2K& t = *f.t;
   EXPECT_TRUE(t.is_Identity && t.xPixelsPerEm == 12 && t.numGlyphs == 3 && t.font->preferedPlatformID == 65535);
   // By 12 / 1000, 786 in 16.16.
@@ -48,8 +47,7 @@ TEST(Transformation, WhatRemainsTurnsOutlinesAdvancesAndMetrics) {
 
 TEST(Render, WhatHasNoBitmap) {
   SfntBuilder builder = TwoLetters();
-  OpenFont f(builder.Build());
-  f.SetSize(12);
+  OpenFont f(builder, 12);
   ASSERT_TRUE(f.Render(' ', 3, kT2KBitmap | kT2KGridFit));
   EXPECT_EQ(f.t->baseAddr, nullptr);
   EXPECT_EQ(f.t->width, 0);
@@ -61,8 +59,7 @@ TEST(Render, WhatHasNoBitmap) {
   EXPECT_EQ(f.t->xAdvanceWidth16Dot16, 0);
 
   builder.characters.clear();
-  OpenFont unmapped(builder.Build());
-  unmapped.SetSize(12);
+  OpenFont unmapped(builder, 12);
   EXPECT_TRUE(unmapped.Render(kA, 3, kT2KBitmap | kT2KByIndex | kT2KGridFit));
   EXPECT_FALSE(unmapped.Render('A', 3, kT2KBitmap));
 }
@@ -86,8 +83,7 @@ TEST(Render, ScalesByWholePixelsAnEmAndRoundsThePhantoms) {
        4 << 16, 300 * 786},
   };
   for (const auto& c : cases) {
-    OpenFont f(builder.Build());
-    f.SetSize(c.size);
+    OpenFont f(builder, c.size);
     T2K_RenderGlyph(f.t, c.code, c.xFraction, c.yFraction, 0, kT2KKeepGlyph | c.cmd, &f.err);
     EXPECT_EQ(ScaledPoints(f.t), c.points) << c.rule;
     EXPECT_EQ(f.t->xAdvanceWidth16Dot16, c.advance) << c.rule;
@@ -96,8 +92,7 @@ TEST(Render, ScalesByWholePixelsAnEmAndRoundsThePhantoms) {
 }
 
 TEST(Render, CommandsSayWhatIsLeft) {
-  OpenFont f(TwoLetters().Build());
-  f.SetSize(12);
+  OpenFont f(TwoLetters(), 12);
   ASSERT_TRUE(f.Render('A', 0, kT2KBitmap));
   EXPECT_EQ(f.t->glyph, nullptr);
   ASSERT_NE(f.t->baseAddr, nullptr);
@@ -155,8 +150,7 @@ TEST(Composite, PartsLieWhereTheirEntriesSay) {
     Bytes entries;
     for (int word : c.entries) entries.U16(word);
     const int index = builder.AddGlyph(CompositeGlyph(entries), 900, 0);
-    OpenFont f(builder.Build());
-    f.SetSize(c.size);
+    OpenFont f(builder, c.size);
     const bool drawn = f.Render(index, 0, kOutline | c.cmd);
     EXPECT_EQ(drawn ? ScaledPoints(f.t) : "error " + std::to_string(f.err), c.outline) << c.rule;
     if (!drawn) continue;
@@ -207,8 +201,7 @@ TEST(Composite, NestingAndNumbersHaveBounds) {
     wide = builder.AddGlyph(CompositeGlyph(entries), 100, 0);
   }
   const auto render = [&](int index) {
-    OpenFont f(builder.Build());
-    f.SetSize(12);
+    OpenFont f(builder, 12);
     f.Render(index, 0, kOutline);
     const int err = f.err;
     EXPECT_EQ(f.Close(), 0);
@@ -239,8 +232,7 @@ TEST(Errors, EachEndsTheFontAndStays) {
       {10005, [](OpenFont& f) { T2K_RenderGlyph(f.t, -1, 0, 0, 0, kT2KByIndex, &f.err); }},
   };
   for (const Case& c : cases) {
-    OpenFont f(TwoLetters().Build());
-    f.SetSize(12);
+    OpenFont f(TwoLetters(), 12);
     ASSERT_TRUE(f.Render('A', 3, kT2KBitmap | kT2KKeepGlyph));
     c.fail(f);
     EXPECT_EQ(f.err, c.expected);
@@ -276,8 +268,7 @@ TEST(Errors, StampsAndNulls) {
 TEST(Measure, SumsAdvancesAndKerningThroughTheCache) {
   SfntBuilder builder = TwoLetters();
   builder.tables["kern"] = SfntBuilder::KernTable({{0, 1, -11}, {1, 2, 30}, {2, 1, -7}});
-  OpenFont f(builder.Build());
-  f.SetSize(12);
+  OpenFont f(builder, 12);
   const uint16_t text[] = {'A', 'i', 'A'};
   for (int round = 0; round < 2; ++round) {
     int16_t kern[3] = {};

@@ -179,7 +179,8 @@ TEST(Attribute, CopiesEverySetting) {
   attr.SetFrameSize(6);
   attr.SetMiterLimit(7);
   attr.SetMinWidth(8);
-  attr.SetCapJoin(6);
+  attr.SetCapType(hsGAttribute::kRoundCap);
+  attr.SetJoinType(hsGAttribute::kBevelJoin);
   attr.SetTextSize(9);
   attr.SetTextEncoding(hsGAttribute::kUTF16);
   attr.SetFontID(10);

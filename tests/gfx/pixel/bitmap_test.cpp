@@ -17,7 +17,7 @@ TEST(Bitmap, EraseFillsRowsAndNothingElse) {
   const uint8_t configs[] = {hsGBitmap::kConfig_RGB16, hsGBitmap::kConfig_Index8, hsGBitmap::kConfig_Alpha8};
   for (int i = 0; i < 3; ++i) {
     for (int width : {1, 7, 8, 16, 17, 33}) {
-      Surface surface(configs[i], width, 3, random, i == 1 ? &palette : nullptr), model(surface);
+      Surface surface(configs[i], width, 3, random, &palette), model(surface);
       surface.bitmap.Erase(color);
       for (int y = 0; y < 3; ++y)
         for (int x = 0; x < width; ++x) model.Set(x, y, expected[i]);

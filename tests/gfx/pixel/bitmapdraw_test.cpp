@@ -53,9 +53,7 @@ int Tiled(int v, int n, Shader::TileMode mode) {
 // A source and what its pixels mean.
 struct Source {
   Source(Random& random, uint8_t config)
-      : palette(random, 200),
-        surface(config, random.Between(1, 7), random.Between(1, 7), random,
-                config == B::kConfig_Index8 ? &palette : nullptr) {
+      : palette(random, 200), surface(config, random.Between(1, 7), random.Between(1, 7), random, &palette) {
     if (random.Chance(40)) surface.bitmap.SetFlags(B::kHasTransparent);
     surface.bitmap.fTransparentIndex = uint8_t(surface.Get(0, 0));
   }
@@ -213,10 +211,7 @@ TEST(BitmapBlitter, PaletteSourcesByIndexOrThroughAShader) {
     const Palette other(random, 100);
     const bool is16 = random.Chance(30), same = random.Chance(60), filter = random.Chance(20);
     const bool perspective = random.Chance(20);
-    Surface device(is16 ? B::kConfig_RGB16 : B::kConfig_Index8, 24, 3, random,
-                   is16   ? nullptr
-                   : same ? &source.palette
-                          : &other);
+    Surface device(is16 ? B::kConfig_RGB16 : B::kConfig_Index8, 24, 3, random, same ? &source.palette : &other);
     Surface model(device);
     const hsMatrix matrix = RandomMatrix(random, perspective);
     hsMatrix inverse;

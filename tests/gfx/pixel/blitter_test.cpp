@@ -163,9 +163,8 @@ TEST(Blitter, LCDMasksDarkenWhereNothingClips) {
   Palette palette(random, 256);
   for (int turn = 0; turn < 200; ++turn) {
     const bool is16 = random.Chance(50);
-    Surface surface(is16 ? hsGBitmap::kConfig_RGB16 : hsGBitmap::kConfig_Index8, 20, 5, random,
-                    is16 ? nullptr : &palette);
-    Surface model(surface);
+    Surface surface(is16 ? hsGBitmap::kConfig_RGB16 : hsGBitmap::kConfig_Index8, 20, 5, random, &palette),
+        model(surface);
     const Mask mask(kMask_LCD, RandomRect(random, surface), random);
     const int offset = random.Below(3);
     hsGAttribute attr;
@@ -217,9 +216,7 @@ TEST(Blitter, ShadersGoThroughTheirModeInChunks) {
   const uint8_t configs[] = {hsGBitmap::kConfig_RGB16, hsGBitmap::kConfig_Index8, hsGBitmap::kConfig_Alpha8};
   for (int turn = 0; turn < 600; ++turn) {
     const uint8_t config = configs[random.Below(3)];
-    Surface surface(config, random.Between(20, 150), 4, random,
-                    config == hsGBitmap::kConfig_Index8 ? &palette : nullptr);
-    Surface model(surface);
+    Surface surface(config, random.Between(20, 150), 4, random, &palette), model(surface);
     hsGAttribute attr;
     const hsGColor color{Wide(random), Wide(random), Wide(random), Wide(random)};
     attr.SetColor(&color);
@@ -260,9 +257,8 @@ TEST(Blitter, MasksOfThreePlanesAreLit) {
   hsGSrcOverMode over;
   for (int turn = 0; turn < 300; ++turn) {
     const bool is16 = random.Chance(50), hasShader = random.Chance(50), replaces = random.Chance(40);
-    Surface surface(is16 ? hsGBitmap::kConfig_RGB16 : hsGBitmap::kConfig_Index8, 90, 4, random,
-                    is16 ? nullptr : &palette);
-    Surface model(surface);
+    Surface surface(is16 ? hsGBitmap::kConfig_RGB16 : hsGBitmap::kConfig_Index8, 90, 4, random, &palette),
+        model(surface);
     hsGAttribute attr;
     const hsGColor color{Wide(random), Wide(random), Wide(random), Wide(random)};
     attr.SetColor(&color);

@@ -213,94 +213,80 @@ struct Listener : hsGBounder {
   std::vector<hsIntRect> heard;
 };
 
-struct Scene {
-  explicit Scene(Random& random)
-      : palette(random, 200),
-        config(random.Chance(50) ? hsGBitmap::kConfig_RGB16 : hsGBitmap::kConfig_Index8),
-        start(config, kWidth, kHeight, random, &palette),
-        picture(hsGBitmap::kConfig_ARGB32, 7, 5, random),
-        indices(hsGBitmap::kConfig_Index8, 9, 4, random, &palette) {
-    for (Draw& d : draws) d.draw = RandomCall(random, &d.slack);
-  }
-  ~Scene() { filter->UnRef(); }
-
-  struct Draw {
-    int slack;  // how far its pixels may lie outside of what the bounder heard
-    std::function<void(hsGRasterDevice*)> draw;
-  };
-  std::function<void(hsGRasterDevice*)> RandomCall(Random& random, int* slack) {
-    auto attr = std::make_shared<hsGAttribute>(uint32_t(random.Below(8)));  // smooth, framed, filtered
+// What one call draws, and how far its pixels may lie outside of what the bounder heard.
+struct Drawing {
+  Drawing(Random& random, const hsGBitmap& bitmap, SpreadFilter* filter)
+      : attr(uint32_t(random.Below(8))),  // smooth, framed, filtered
+        bitmap(bitmap),
+        path(RandomShape(random, true)),
+        ends{NearPoint(random), NearPoint(random)},
+        rect(Around(ends[0], ends[1])) {
     const hsGColor color = RandomColor(random);
-    attr->SetColor(&color);
-    attr->SetFrameSize(random.Chance(40) ? 0 : random.Between(1, 6) * kFixedHalf);
-    // A hairline's pixels reach half a pixel beyond its points, and the bounder hears of one column at the right; its
-    // curves bulge farther.
-    const bool isHair = attr->FrameSize() == 0;
-    if (isHair && (attr->Flags() & hsGAttribute::kFrame)) *slack = kWidth;
-    attr->SetCapJoin(uint32_t(random.Below(16)));
-    if (random.Chance(20)) attr->SetMaskFilter(filter);
-    const hsPath path = RandomShape(random, true);
-    const hsPoint a = NearPoint(random), b = NearPoint(random);
-    const hsRect rect = Around(a, b);
-    const hsGBitmap& bitmap = random.Chance(50) ? picture.bitmap : indices.bitmap;
-    hsMatrix change;
-    change.SetRotate(random.Between(-10, 10) * kFixed1, kWidth / 2 * kFixed1, kHeight / 2 * kFixed1);
-    switch (random.Below(9)) {
-      case 0: return [=](hsGRasterDevice* d) { d->ConcatMatrix(change); };
-      case 1: return [=](hsGRasterDevice* d) { d->Translate(a.fX / 8, a.fY / 8); };
-      case 2:
-        if (isHair) *slack = 1;
-        return [=](hsGRasterDevice* d) { d->DrawLine(&a, &b, attr.get()); };
-      case 3:
-        attr->SetFlags(attr->Flags() & ~uint32_t{hsGAttribute::kFrame});
-        return [=](hsGRasterDevice* d) { d->DrawRect(&rect, attr.get()); };
-      case 4: return [=](hsGRasterDevice* d) { d->DrawOval(&rect, attr.get()); };
-      case 5: return [=](hsGRasterDevice* d) { d->DrawPath(&path, attr.get()); };
-      case 6: return [=, &bitmap](hsGRasterDevice* d) { d->DrawBitmap(&bitmap, a.fX, a.fY, attr.get()); };
-      case 7: return [=, &bitmap](hsGRasterDevice* d) { d->CopyBitmap(&bitmap, a.fX, a.fY, attr.get()); };
-      default: return [=](hsGRasterDevice* d) { d->DrawFull(attr.get()); };
-    }
+    attr.SetColor(&color);
+    attr.SetFrameSize(random.Chance(40) ? 0 : random.Between(1, 6) * kFixedHalf);
+    attr.SetCapJoin(uint32_t(random.Below(16)));
+    if (random.Chance(20)) attr.SetMaskFilter(filter);
   }
+  hsGAttribute attr;
+  const hsGBitmap& bitmap;
+  hsPath path;
+  hsPoint ends[2];
+  hsRect rect;
+};
 
-  SpreadFilter* filter = new SpreadFilter;
-  Palette palette;
-  uint8_t config;
-  Surface start, picture, indices;
-  std::vector<Draw> draws{40};
+const std::function<void(hsGRasterDevice*, Drawing&)> kCalls[] = {
+    [](hsGRasterDevice* d, Drawing& o) { d->DrawLine(&o.ends[0], &o.ends[1], &o.attr); },
+    [](hsGRasterDevice* d, Drawing& o) { d->DrawRect(&o.rect, &o.attr); },
+    [](hsGRasterDevice* d, Drawing& o) { d->DrawOval(&o.rect, &o.attr); },
+    [](hsGRasterDevice* d, Drawing& o) { d->DrawPath(&o.path, &o.attr); },
+    [](hsGRasterDevice* d, Drawing& o) { d->DrawBitmap(&o.bitmap, o.ends[0].fX, o.ends[0].fY, &o.attr); },
+    [](hsGRasterDevice* d, Drawing& o) { d->CopyBitmap(&o.bitmap, o.ends[0].fX, o.ends[0].fY, &o.attr); },
+    [](hsGRasterDevice* d, Drawing& o) { d->DrawFull(&o.attr); },
 };
 
 TEST(Device, ABounderHearsOfEveryPixelAndItsVetoHolds) {
   ThrowOnHalt halt;
   Random random(62);
-  for (int i = 0; i < 60; ++i) {
-    const Scene scene(random);
-    Surface plain(scene.start), heard(scene.start), vetoed(scene.start);
-    hsGRasterDevice alone, listened, skipped;
-    alone.SetBitmap(&plain.bitmap);
-    listened.SetBitmap(&heard.bitmap);
-    skipped.SetBitmap(&vetoed.bitmap);
-    const auto listener = hsMake<Listener>(false);
-    const auto skipper = hsMake<Listener>(true);
-    listened.SetBounder(listener.get());
-    skipped.SetBounder(skipper.get());
-    for (size_t n = 0; n < scene.draws.size(); ++n) {
-      const Surface before(heard);
-      const int slack = scene.draws[n].slack;
-      listener->heard.clear();
-      for (hsGRasterDevice* device : {&alone, &listened, &skipped}) scene.draws[n].draw(device);
-      ASSERT_EQ(plain, heard) << i << " at " << n;
-      for (int y = 0; y < kHeight; ++y)
-        for (int x = 0; x < kWidth; ++x) {
-          if (before.Get(x, y) == heard.Get(x, y)) continue;
-          ASSERT_TRUE(std::any_of(
-              listener->heard.begin(), listener->heard.end(),
-              [&](const hsIntRect& r) {
-                return hsIntRect{r.fLeft - slack, r.fTop - slack, r.fRight + slack, r.fBottom + slack}.Contains(x, y);
-              }))
-              << i << " at " << n << ": " << x << "," << y;
-        }
-      ASSERT_EQ(vetoed, scene.start);
+  const Palette palette(random, 200);
+  const Surface picture(hsGBitmap::kConfig_ARGB32, 7, 5, random);
+  const Surface indices(hsGBitmap::kConfig_Index8, 9, 4, random, &palette);
+  const auto filter = hsMake<SpreadFilter>();
+  for (int i = 0; i < 2400; ++i) {
+    const Surface start(random.Chance(50) ? hsGBitmap::kConfig_RGB16 : hsGBitmap::kConfig_Index8, kWidth, kHeight,
+                        random, &palette);
+    Surface surfaces[] = {start, start, start};
+    const hsRef<Listener> listeners[] = {nullptr, hsMake<Listener>(false), hsMake<Listener>(true)};
+    Drawing drawing(random, random.Chance(50) ? picture.bitmap : indices.bitmap, filter.get());
+    const size_t call = size_t(random.Below(int(std::size(kCalls))));
+    if (call == 1) drawing.attr.SetFlags(drawing.attr.Flags() & ~uint32_t{hsGAttribute::kFrame});
+    hsMatrix matrix;
+    if (random.Chance(70)) matrix.SetRotate(random.Between(-90, 90) * kFixed1, kWidth / 2 << 16, kHeight / 2 << 16);
+    for (int k = 0; k < 3; ++k) {
+      hsGRasterDevice device;
+      device.SetBitmap(&surfaces[k].bitmap);
+      device.SetBounder(listeners[k].get());
+      device.ConcatMatrix(matrix);
+      kCalls[call](&device, drawing);
     }
+    // A hairline's pixels reach half a pixel beyond its points, and the bounder hears of one column at the right; its
+    // curves bulge farther.
+    const bool isHair = drawing.attr.FrameSize() == 0;
+    const int slack = !isHair ? 0 : drawing.attr.Flags() & hsGAttribute::kFrame ? kWidth : call == 0;
+    const auto hears = [&](int x, int y) {
+      return std::any_of(listeners[1]->heard.begin(), listeners[1]->heard.end(), [&](const hsIntRect& r) {
+        return hsIntRect{r.fLeft - slack, r.fTop - slack, r.fRight + slack, r.fBottom + slack}.Contains(x, y);
+      });
+    };
+    int differences = 0;
+    for (int y = 0; y < kHeight; ++y)
+      for (int x = 0; x < kWidth; ++x) {
+        ASSERT_TRUE(surfaces[1].Get(x, y) == start.Get(x, y) || hears(x, y)) << i << ": " << x << "," << y;
+        differences += surfaces[0].Get(x, y) != surfaces[1].Get(x, y);
+      }
+    // Lines and rectangles go as paths where somebody listens, and smooth edges of those are others.
+    const bool smooth = drawing.attr.Flags() & hsGAttribute::kAntiAlias;
+    ASSERT_LE(differences, call > 1 ? 0 : smooth ? 2 * (kWidth + kHeight) : 2) << i << " by " << call;
+    ASSERT_EQ(surfaces[2], start) << i;
   }
 }
 

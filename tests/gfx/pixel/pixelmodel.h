@@ -75,14 +75,15 @@ struct Palette {
   mutable std::vector<int> cells;
 };
 
-// A bitmap with pixels of its own and a random tail after each row, so that stray writes show.
+// A bitmap, with the palette if it holds indices, with pixels of its own and a random tail after each row, so that
+// stray writes show.
 class Surface {
  public:
   Surface(uint8_t config, int width, int height, Random& random, const Palette* palette = nullptr) : bitmap(config) {
     bitmap.fWidth = uint32_t(width);
     bitmap.fHeight = uint32_t(height);
     bitmap.fRowBytes = uint32_t((width * bitmap.fPixelSize / 8 + 11) & ~3);
-    if (palette) bitmap.SetColorTable(palette->table);
+    if (config == hsGBitmap::kConfig_Index8 && palette) bitmap.SetColorTable(palette->table);
     words.resize(bitmap.ImageSize() / 4);
     for (uint32_t& word : words) word = uint32_t(random.engine());
     bitmap.fImage = words.data();

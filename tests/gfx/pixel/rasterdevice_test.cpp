@@ -16,6 +16,10 @@ constexpr hsGColor kBlack = {0xFFFF, 0, 0, 0}, kWhite = {0xFFFF, 0xFFFF, 0xFFFF,
 
 hsRect Fixed(int l, int t, int r, int b) { return {l * kFixed1, t * kFixed1, r * kFixed1, b * kFixed1}; }
 
+struct DeviceOn : hsGRasterDevice {
+  explicit DeviceOn(const Surface& surface) { SetBitmap(&surface.bitmap); }
+};
+
 struct Counter : hsGBounder {
   bool BoundRect(const hsIntRect& rect, const hsRegion*) override {
     last = rect;
@@ -103,9 +107,7 @@ TEST(RasterDevice, WithoutPixelsItTellsItsBounderAndDrawsNothing) {
 TEST(RasterDevice, StatesAndReplay) {
   Random random(7);
   Surface surface(hsGBitmap::kConfig_RGB16, 10, 10, random), other(surface);
-  hsGRasterDevice device, second;
-  device.SetBitmap(&surface.bitmap);
-  second.SetBitmap(&other.bitmap);
+  DeviceOn device(surface), second(other);
   device.ClipIntRect({0, 0, 8, 8});
   device.Save();
   device.Translate(2 * kFixed1, 0);
@@ -138,8 +140,7 @@ TEST(RasterDevice, StrokesOfHalfAPixel) {
   ThrowOnHalt halt;
   Random random(4);
   Surface surface(hsGBitmap::kConfig_Alpha8, 10, 10, random);
-  hsGRasterDevice device;
-  device.SetBitmap(&surface.bitmap);
+  DeviceOn device(surface);
   device.EraseColor({});
   device.SetBounder(hsMake<Counter>().get());
   hsGAttribute attr(hsGAttribute::kFrame);
@@ -181,8 +182,7 @@ TEST(RasterDevice, APathEffectSeesTheFrameSizeAndThePaintComesBack) {
       attr.SetFrameSize(2 * kFixed1);
       attr.SetMinWidth(3 * kFixed1);  // of the stroke that is drawn, not of what the effect hears
       attr.SetPathEffect(effect.get());
-      hsGRasterDevice device;
-      device.SetBitmap(&surface.bitmap);
+      DeviceOn device(surface);
       device.DrawOval(&rect, &attr);
       EXPECT_EQ(effect->seen, frame ? 2 * kFixed1 : -kFixed1);
       EXPECT_EQ(attr.PathEffect(), effect.get());
@@ -193,8 +193,7 @@ TEST(RasterDevice, APathEffectSeesTheFrameSizeAndThePaintComesBack) {
       hsGAttribute plain(framed ? hsGAttribute::kFrame : 0u);
       plain.SetFrameSize(width > 0 ? width : 2 * kFixed1);
       plain.SetMinWidth(3 * kFixed1);
-      hsGRasterDevice model;
-      model.SetBitmap(&expected.bitmap);
+      DeviceOn model(expected);
       model.DrawOval(&rect, &plain);
       EXPECT_EQ(surface, expected) << frame << " " << width;
     }
@@ -208,8 +207,7 @@ TEST(RasterDevice, ScrollsInsideTheClipAndTellsWhatIsUncovered) {
     const bool deep = random.Chance(50);
     Surface surface(deep ? hsGBitmap::kConfig_RGB16 : hsGBitmap::kConfig_Alpha8, 24, 16, random);
     const Surface before(surface);
-    hsGRasterDevice device;
-    device.SetBitmap(&surface.bitmap);
+    DeviceOn device(surface);
     const hsRegion clip = RandomRegion(random, surface.Bounds());
     const bool clips = random.Chance(70);
     if (clips) device.SetClipRgn(&clip);
@@ -246,9 +244,7 @@ TEST(RasterDevice, ACursorStaysOnTopWhateverIsDrawnBelow) {
   const Surface deep(hsGBitmap::kConfig_RGB24, 2, 2, random);
   EXPECT_EQ(ReportOf([&] { cursor->SetImage(deep.bitmap, 0, 0); }), "bad param: 0");
   cursor->Show();
-  hsGRasterDevice device, model;
-  device.SetBitmap(&surface.bitmap);
-  model.SetBitmap(&bare.bitmap);
+  DeviceOn device(surface), model(bare);
   device.SetCursor(cursor.get());
   for (int i = 0; i < 200; ++i) {
     // The corner is far enough out for the image to be cut at any edge.
@@ -287,8 +283,7 @@ TEST(RasterDevice, ACursorThatCannotBeDrawnIsReportedOnly) {
   const auto cursor = hsMake<hsGCursor>();
   cursor->SetImage(image.bitmap, 0, 0);
   cursor->Show();
-  hsGRasterDevice device;
-  device.SetBitmap(&surface.bitmap);
+  DeviceOn device(surface);
   device.SetCursor(cursor.get());
   ReturnOnHalt halt;
   hsGAttribute attr;
@@ -315,8 +310,7 @@ TEST(RasterDevice, AClosedLayerIsDrawnUnderTheClipBelowIt) {
   Random random(12);
   Surface surface(hsGBitmap::kConfig_RGB16, 10, 10, random);
   const Surface before(surface);
-  hsGRasterDevice device;
-  device.SetBitmap(&surface.bitmap);
+  DeviceOn device(surface);
   device.ClipIntRect({0, 0, 3, 10});
   hsGAttribute attr;
   attr.SetLayerFilter(hsMake<SquareFilter>().get());

@@ -16,9 +16,8 @@ struct Scene {
         other(random, 150),
         onto(sameTable ? palette : other),
         rows(random.Chance(30) ? 60 : 5),  // from some size on palettes are drawn another way
-        device(deviceConfig, 70, rows, random, deviceConfig == B::kConfig_Index8 ? &onto : nullptr),
-        source(sourceConfig, random.Between(1, 160), random.Between(1, rows - 1), random,
-               sourceConfig == B::kConfig_Index8 ? &palette : nullptr) {
+        device(deviceConfig, 70, rows, random, &onto),
+        source(sourceConfig, random.Between(1, 160), random.Between(1, rows - 1), random, &palette) {
     if (random.Chance(50)) source.bitmap.SetFlags(B::kHasTransparent);
     source.bitmap.fTransparentIndex = uint8_t(source.Get(0, 0));
     if (source.bitmap.fPixelSize == 32)

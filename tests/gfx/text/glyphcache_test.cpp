@@ -53,8 +53,8 @@ TEST_F(GlyphCacheTest, AnImageIsRenderedOnceAndAgainAfterAPurge) {
   context->Purge();  // lets go of the strikes that nobody holds, too
   EXPECT_EQ(Count(), 0);
 
-  fAttr.SetTextSize(3000_px);  // 1,200 pixels wide and 2,100 high: passed over
-  Draw("a", 5_px, 20_px);
+  fAttr.SetTextSize(3000_px);  // 1,200 pixels wide and 2,100 high: passed over, wherever it would be seen
+  Draw("a", -600 * kFixed1, 20_px);
   EXPECT_EQ(hsGGlyphCache::ImageBytes(), 2 * bytes);
 }
 

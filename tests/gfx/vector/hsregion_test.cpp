@@ -79,6 +79,10 @@ TEST(Region, BandsAlikeAreJoined) {
   hsRegion region;
   region.Union(RegionOf({0, 5, 0, 10, S, 10, 0, 10, S, 15, 0, 10, S, S}), hsIntRect{0, 20, 10, 30});
   EXPECT_EQ(RectsOf(region), (Rects{{0, 0, 10, 15}, {0, 20, 10, 30}}));
+  region.Union(hsIntRect{0, 0, 10, 5}, hsIntRect{0, 5, 10, 9});
+  EXPECT_EQ(RectsOf(region), (Rects{{0, 0, 10, 9}}));
+  region.Xor(hsIntRect{0, 0, 10, 5}, hsIntRect{10, 0, 20, 5});
+  EXPECT_EQ(RectsOf(region), (Rects{{0, 0, 20, 5}}));
 }
 
 // 100 spans on each of 200 thin bands come of two operands that have only some hundreds of elements.
