@@ -48,7 +48,7 @@ TEST(StrokePath, Joins) {
       << "no miter turning back";
 }
 
-TEST(StrokePath, AClosedContourGivesTwo) {
+TEST(StrokePath, AClosedContourMakesTwo) {
   EXPECT_EQ(StrokeOf("M 2 2 L 10 2 L 10 10 L 2 10 Z", 0),
             "M 2 1 L 11 1 L 11 11 L 1 11 L 1 1 L 2 1 Z "
             "M 2 3 L 3 2 L 3 10 L 2 9 L 10 9 L 9 10 L 9 2 L 10 3 L 2 3 Z")
