@@ -130,10 +130,10 @@ FontContour RandomContour(std::mt19937& random, bool cubic, int reach, int grain
 // Some rows of a glyph are made without the others; the largest are summed in strips.
 TEST_F(ScanConverter, RowsAloneAreThoseOfTheWhole) {
   std::mt19937 random(7);
-  for (int turn = 0; turn < 400; ++turn) {
-    const int reach = turn == 0 ? 64 * 700 : 64 * (1 << turn % 7);
+  for (int iteration = 0; iteration < 400; ++iteration) {
+    const int reach = iteration == 0 ? 64 * 700 : 64 * (1 << iteration % 7);
     const GlyphHolder glyph(Make({RandomContour(random, false, reach, 1), RandomContour(random, false, reach, 9)}));
-    ScanConvOptions options{turn % 6, false, turn % 4 == 0};
+    ScanConvOptions options{iteration % 6, false, iteration % 4 == 0};
     const tsiScanConv whole = ScanConvert(*glyph.get(), options);
     if (!whole.baseAddr) continue;
     options.rows.first = int(random() % unsigned(whole.Height()));
@@ -144,7 +144,7 @@ TEST_F(ScanConverter, RowsAloneAreThoseOfTheWhole) {
     const uint8_t* same = whole.baseAddr + options.rows.first * whole.rowBytes;
     ASSERT_EQ(std::vector(part.baseAddr, part.baseAddr + count * part.rowBytes),
               std::vector(same, same + count * whole.rowBytes))
-        << turn;
+        << iteration;
     tsi_DeAllocMem(mem, whole.baseAddr);
     tsi_DeAllocMem(mem, part.baseAddr);
   }

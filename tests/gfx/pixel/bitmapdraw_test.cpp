@@ -102,7 +102,7 @@ hsPoint MapBack(const hsMatrix& inverse, int x, int y) {
 
 TEST(BitmapShader, EveryWorkerFollowsItsRule) {
   Random random(1);
-  for (int turn = 0; turn < 2000; ++turn) {
+  for (int iteration = 0; iteration < 2000; ++iteration) {
     const uint8_t configs[] = {B::kConfig_RGB32, B::kConfig_ARGB32, B::kConfig_Index8};
     const Source source(random, configs[random.Below(3)]);
     const auto tile = Shader::TileMode(random.Below(4));
@@ -132,7 +132,7 @@ TEST(BitmapShader, EveryWorkerFollowsItsRule) {
         expected = Scale32(expected, alpha + 1);
         if (!keepsAlpha) expected = (expected & 0xFFFFFF) | uint32_t(alpha) << 24;
       }
-      ASSERT_EQ(row[i], expected) << turn << " at " << i;
+      ASSERT_EQ(row[i], expected) << iteration << " at " << i;
     }
   }
 }
@@ -175,7 +175,7 @@ uint32_t Faded(uint32_t color, uint32_t d, int scale) {
 TEST(BitmapBlitter, MappedSourcesOn16Bits) {
   Random random(3);
   hsGSrcOverMode over;
-  for (int turn = 0; turn < 1000; ++turn) {
+  for (int iteration = 0; iteration < 1000; ++iteration) {
     const Source source(random, random.Chance(50) ? B::kConfig_RGB32 : B::kConfig_ARGB32);
     Surface device(B::kConfig_RGB16, 24, 3, random), model(device);
     const bool filter = random.Chance(50), xfer = random.Chance(30);
@@ -200,13 +200,13 @@ TEST(BitmapBlitter, MappedSourcesOn16Bits) {
           over.Xfer16(1, &color, model.bitmap.Row<uint16_t>(y) + i, nullptr);
         }
       }
-    ASSERT_EQ(device, model) << turn;
+    ASSERT_EQ(device, model) << iteration;
   }
 }
 
 TEST(BitmapBlitter, PaletteSourcesByIndexOrThroughAShader) {
   Random random(4);
-  for (int turn = 0; turn < 600; ++turn) {
+  for (int iteration = 0; iteration < 600; ++iteration) {
     const Source source(random, B::kConfig_Index8);
     const Palette other(random, 100);
     const bool is16 = random.Chance(30), same = random.Chance(60), filter = random.Chance(20);
@@ -238,7 +238,7 @@ TEST(BitmapBlitter, PaletteSourcesByIndexOrThroughAShader) {
       const auto shaded = hsAdopt(attr.GetBlitter(model.bitmap, 0, matrix));
       shaded->BlitRect(0, 2, 20, 3);
     }
-    ASSERT_EQ(device, model) << turn;
+    ASSERT_EQ(device, model) << iteration;
   }
 }
 

@@ -130,7 +130,7 @@ TEST(Blitter, SolidColoursFollowTheirRules) {
   Random random(1);
   Palette palette(random, 200), other(random, 256);
   hsGAttribute attr;
-  for (int turn = 0; turn < 1500 && !HasFatalFailure(); ++turn) {
+  for (int iteration = 0; iteration < 1500 && !HasFatalFailure(); ++iteration) {
     const hsGColor color{random.Chance(40) ? uint16_t(random.Chance(50) ? 0xFFFF : 0xFF00) : Wide(random), Wide(random),
                          Wide(random), Wide(random)};
     attr.SetColor(&color);
@@ -140,7 +140,7 @@ TEST(Blitter, SolidColoursFollowTheirRules) {
     const int index = kind == 2 && random.Chance(30) ? random.Below(200) : -1;
     attr.SetColorIndex(index);
     const auto constant = [](uint32_t pixel) { return [=](uint32_t, How, int) { return pixel; }; };
-    SCOPED_TRACE(turn);
+    SCOPED_TRACE(iteration);
     if (kind == 0) {
       Check(&attr, maskType, full ? typeid(hsGColorBlitter16Opaque) : typeid(hsGColorBlitter16), Rule16(color, full),
             random, hsGBitmap::kConfig_RGB16, nullptr);
@@ -161,7 +161,7 @@ TEST(Blitter, SolidColoursFollowTheirRules) {
 TEST(Blitter, LCDMasksDarkenWhereNothingClips) {
   Random random(2);
   Palette palette(random, 256);
-  for (int turn = 0; turn < 200; ++turn) {
+  for (int iteration = 0; iteration < 200; ++iteration) {
     const bool is16 = random.Chance(50);
     Surface surface(is16 ? hsGBitmap::kConfig_RGB16 : hsGBitmap::kConfig_Index8, 20, 5, random, &palette),
         model(surface);
@@ -184,7 +184,7 @@ TEST(Blitter, LCDMasksDarkenWhereNothingClips) {
                        : palette.Nearest(dark(p.r, c[0]), dark(p.g, c[1]), dark(p.b, c[2])));
       }
     EXPECT_EQ(surface, model);
-    if (turn == 0) {
+    if (iteration == 0) {
       EXPECT_EQ(AssertOf([&] { blitter->BlitLCDMask(mask, nullptr, 3); }), "bad lcd offset");
     }
   }
@@ -214,7 +214,7 @@ TEST(Blitter, ShadersGoThroughTheirModeInChunks) {
   hsGSrcMode src;
   hsGSrcOverMode over;
   const uint8_t configs[] = {hsGBitmap::kConfig_RGB16, hsGBitmap::kConfig_Index8, hsGBitmap::kConfig_Alpha8};
-  for (int turn = 0; turn < 600; ++turn) {
+  for (int iteration = 0; iteration < 600; ++iteration) {
     const uint8_t config = configs[random.Below(3)];
     Surface surface(config, random.Between(20, 150), 4, random, &palette), model(surface);
     hsGAttribute attr;
@@ -245,7 +245,7 @@ TEST(Blitter, ShadersGoThroughTheirModeInChunks) {
           colors.push_back(hasShader ? PlaceShader::At(i, y, opaque) : hsPremultiply(color));
         Xfer(mode, colors, x, y, covered ? mask.Row(y) + (x - rect.fLeft) : nullptr, &model);
       }
-    ASSERT_EQ(surface, model) << turn;
+    ASSERT_EQ(surface, model) << iteration;
   }
 }
 
@@ -255,7 +255,7 @@ TEST(Blitter, MasksOfThreePlanesAreLit) {
   Palette palette(random, 200);
   hsGSrcMode src;
   hsGSrcOverMode over;
-  for (int turn = 0; turn < 300; ++turn) {
+  for (int iteration = 0; iteration < 300; ++iteration) {
     const bool is16 = random.Chance(50), hasShader = random.Chance(50), replaces = random.Chance(40);
     Surface surface(is16 ? hsGBitmap::kConfig_RGB16 : hsGBitmap::kConfig_Index8, 90, 4, random, &palette),
         model(surface);
@@ -289,7 +289,7 @@ TEST(Blitter, MasksOfThreePlanesAreLit) {
         span.push_back(nothing ? 0 : Join32({a2, channel(c.r), channel(c.g), channel(c.b)}));
       }
     }
-    ASSERT_EQ(surface, model) << turn;
+    ASSERT_EQ(surface, model) << iteration;
   }
 }
 

@@ -1,4 +1,5 @@
-// Devices driven by random sequences: pixels against a model of states, clips and blends, and what a bounder hears.
+// Devices driven by random sequences: pixels against a model of states, clips and blends, and what its bounder is
+// called with.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -206,14 +207,14 @@ TEST(Device, RandomSequencesAgreeWithAModelOfStatesAndPixels) {
 struct Listener : hsGBounder {
   explicit Listener(bool skips) : skips(skips) {}
   bool BoundRect(const hsIntRect& rect, const hsRegion*) override {
-    heard.push_back(rect);
+    rects.push_back(rect);
     return skips;
   }
   bool skips;
-  std::vector<hsIntRect> heard;
+  std::vector<hsIntRect> rects;
 };
 
-// What one call draws, and how far its pixels may lie outside of what the bounder heard.
+// What one call draws, and with what paint.
 struct Drawing {
   Drawing(Random& random, const hsGBitmap& bitmap, SpreadFilter* filter)
       : attr(uint32_t(random.Below(8))),  // smooth, framed, filtered
@@ -244,7 +245,7 @@ const std::function<void(hsGRasterDevice*, Drawing&)> kCalls[] = {
     [](hsGRasterDevice* d, Drawing& o) { d->DrawFull(&o.attr); },
 };
 
-TEST(Device, ABounderHearsOfEveryPixelAndItsVetoHolds) {
+TEST(Device, ABounderLearnsOfEveryPixelAndItsVetoHolds) {
   ThrowOnHalt halt;
   Random random(62);
   const Palette palette(random, 200);
@@ -268,22 +269,22 @@ TEST(Device, ABounderHearsOfEveryPixelAndItsVetoHolds) {
       device.ConcatMatrix(matrix);
       kCalls[call](&device, drawing);
     }
-    // A hairline's pixels reach half a pixel beyond its points, and the bounder hears of one column at the right; its
+    // A hairline's pixels reach half a pixel beyond its points, and the bounder gets one column at the right; its
     // curves bulge farther.
     const bool isHair = drawing.attr.FrameSize() == 0;
     const int slack = !isHair ? 0 : drawing.attr.Flags() & hsGAttribute::kFrame ? kWidth : call == 0;
-    const auto hears = [&](int x, int y) {
-      return std::any_of(listeners[1]->heard.begin(), listeners[1]->heard.end(), [&](const hsIntRect& r) {
+    const auto covers = [&](int x, int y) {
+      return std::any_of(listeners[1]->rects.begin(), listeners[1]->rects.end(), [&](const hsIntRect& r) {
         return hsIntRect{r.fLeft - slack, r.fTop - slack, r.fRight + slack, r.fBottom + slack}.Contains(x, y);
       });
     };
     int differences = 0;
     for (int y = 0; y < kHeight; ++y)
       for (int x = 0; x < kWidth; ++x) {
-        ASSERT_TRUE(surfaces[1].Get(x, y) == start.Get(x, y) || hears(x, y)) << i << ": " << x << "," << y;
+        ASSERT_TRUE(surfaces[1].Get(x, y) == start.Get(x, y) || covers(x, y)) << i << ": " << x << "," << y;
         differences += surfaces[0].Get(x, y) != surfaces[1].Get(x, y);
       }
-    // Lines and rectangles go as paths where somebody listens, and smooth edges of those are others.
+    // Lines and rectangles go as paths where there is a bounder, and smooth edges of those are others.
     const bool smooth = drawing.attr.Flags() & hsGAttribute::kAntiAlias;
     ASSERT_LE(differences, call > 1 ? 0 : smooth ? 2 * (kWidth + kHeight) : 2) << i << " by " << call;
     ASSERT_EQ(surfaces[2], start) << i;

@@ -72,7 +72,7 @@ TEST(RasterDevice, RowsOfWholeWordsAndSizesThatFit) {
   EXPECT_EQ(bitmap.fImage, own.bitmap.fImage);
 }
 
-TEST(RasterDevice, WithoutPixelsItTellsItsBounderAndDrawsNothing) {
+TEST(RasterDevice, WithoutPixelsItReportsToItsBounderAndDrawsNothing) {
   ThrowOnHalt halt;
   hsGRasterDevice device;
   device.SetSize(20, 10, hsGBitmap::kConfig_RGB16, nullptr);
@@ -135,7 +135,7 @@ TEST(RasterDevice, StatesAndReplay) {
   EXPECT_EQ(back, (hsPoint{7, 7})) << "nothing leads back";
 }
 
-// Rectangles too go as paths where a bounder listens.
+// Rectangles too go as paths where there is a bounder.
 TEST(RasterDevice, StrokesOfHalfAPixel) {
   ThrowOnHalt halt;
   Random random(4);
@@ -180,7 +180,7 @@ TEST(RasterDevice, APathEffectSeesTheFrameSizeAndThePaintComesBack) {
       const auto effect = hsMake<WidthEffect>(width);
       hsGAttribute attr(frame ? hsGAttribute::kFrame : 0u);
       attr.SetFrameSize(2 * kFixed1);
-      attr.SetMinWidth(3 * kFixed1);  // of the stroke that is drawn, not of what the effect hears
+      attr.SetMinWidth(3 * kFixed1);  // of the stroke that is drawn, not of what the effect is passed
       attr.SetPathEffect(effect.get());
       DeviceOn device(surface);
       device.DrawOval(&rect, &attr);
@@ -200,7 +200,7 @@ TEST(RasterDevice, APathEffectSeesTheFrameSizeAndThePaintComesBack) {
   }
 }
 
-TEST(RasterDevice, ScrollsInsideTheClipAndTellsWhatIsUncovered) {
+TEST(RasterDevice, ScrollsInsideTheClipAndReportsWhatIsUncovered) {
   ThrowOnHalt halt;
   Random random(9);
   for (int i = 0; i < 400; ++i) {

@@ -135,8 +135,8 @@ TEST(Sprite, EveryMemberFollowsItsRule) {
   Random random(1);
   NoteOpaque mode;
   hsGSrcOverMode over;
-  for (int turn = 0; turn < 3000; ++turn) {
-    const Pair& pair = kPairs[turn % int(std::size(kPairs))];
+  for (int iteration = 0; iteration < 3000; ++iteration) {
+    const Pair& pair = kPairs[iteration % int(std::size(kPairs))];
     Scene scene(random, pair.device, pair.source, random.Chance(50));
     Surface model(scene.device);
     const int alpha = pair.needsFull ? 255 : random.Byte();
@@ -171,12 +171,12 @@ TEST(Sprite, EveryMemberFollowsItsRule) {
       }
       for (int x = rect.fLeft; x < rect.fRight;) {
         std::vector<uint32_t> colors;
-        for (int room = Chunk(scene, alpha); room > 0 && x < rect.fRight; --room, ++x)
+        for (int space = Chunk(scene, alpha); space > 0 && x < rect.fRight; --space, ++x)
           colors.push_back(Color(scene, at(x), alpha));
         Xfer(*through, colors, x - int(colors.size()), y, nullptr, &model);
       }
     }
-    ASSERT_EQ(scene.device, model) << turn << ": " << int(pair.source) << " on " << int(pair.device) << " alpha "
+    ASSERT_EQ(scene.device, model) << iteration << ": " << int(pair.source) << " on " << int(pair.device) << " alpha "
                                    << alpha << " given " << given;
   }
 }

@@ -70,7 +70,7 @@ TEST(XferMode, SrcOn16BitsAndSrcOverOnBoth) {
   const Palette palette(random, 200);
   hsGSrcMode src;
   hsGSrcOverMode over;
-  for (int turn = 0; turn < 500; ++turn) {
+  for (int iteration = 0; iteration < 500; ++iteration) {
     Row row(random), expected(row);
     const bool isOver = random.Chance(50);
     for (size_t i = 0; i < row.count; ++i) {
@@ -91,7 +91,7 @@ TEST(XferMode, SrcCarriesErrorAlongAPaletteRow) {
   Random random(2);
   Palette palette(random, 200);
   hsGSrcMode mode;
-  for (int turn = 0; turn < 500; ++turn) {
+  for (int iteration = 0; iteration < 500; ++iteration) {
     Row row(random), expected(row);
     Channels error{};
     for (size_t i = 0; i < row.count; ++i) {
@@ -128,7 +128,7 @@ TEST(XferMode, EightModesOnCoverage) {
   };
   for (uint32_t index = 0; index < 8; ++index) {
     hsGXferMode* mode = hsGAlphaCompositeMode::Create(index);
-    for (int turn = 0; turn < 100; ++turn) {
+    for (int iteration = 0; iteration < 100; ++iteration) {
       Row row(random), expected(row);
       for (size_t i = 0; i < row.count; ++i) {
         const int s = row.source8[i], d = row.device8[i], c = row.Coverage(i).value_or(255);

@@ -8,7 +8,7 @@
 // A font unit at size 10, as the engine rounds it down to 16.16.
 constexpr hsFixed kUnit = 655;
 
-TEST_F(TextTest, GlyphsStandAtTheirPositionsOnTheBaseline) {
+TEST_F(TextTest, GlyphsLieAtTheirPositionsOnTheBaseline) {
   const hsIntRect whole{0, 0, kWidth, kHeight};
   struct {
     const char* text;
@@ -34,7 +34,7 @@ TEST_F(TextTest, GlyphsStandAtTheirPositionsOnTheBaseline) {
   }
 }
 
-TEST_F(TextTest, EncodingsGiveTheSameRun) {
+TEST_F(TextTest, EncodingsMakeTheSameRun) {
   Draw("\xC3\xA9\xE2\x82\xAC", 0, 10_px);  // e acute, euro
   ExpectBlocks({{1, 10, 2, 11}, {2, 9, 4, 11}});
   fAttr.SetTextEncoding(hsGAttribute::kUTF16);
@@ -60,7 +60,7 @@ TEST_F(TextTest, SpacingMovesEachCharacterByItsOwnExtraToo) {
   EXPECT_EQ(Widths("a b"), (std::vector<hsFixed>{8_px, 4_px, 4_px}));
 }
 
-TEST_F(TextTest, JustifyingSpreadsWhatRemainsAheadOfTheLastCharacter) {
+TEST_F(TextTest, JustifyingSpreadsWhatRemainsBeforeTheLastCharacter) {
   struct {
     const char* text;
     uint32_t flags;
@@ -81,7 +81,7 @@ TEST_F(TextTest, JustifyingSpreadsWhatRemainsAheadOfTheLastCharacter) {
   ExpectBlocks({{13, 14, 17, 21}, {25, 18, 28, 23}});
 }
 
-TEST_F(TextTest, KerningGivesHalfToEachSide) {
+TEST_F(TextTest, KerningMovesEachSideByHalf) {
   EXPECT_EQ(Positions("aba"), (std::vector<hsFixed>{0, 6_px, 10_px, 16_px}));
   fAttr.SetFlags(fAttr.Flags() | hsGAttribute::kKernText);
   constexpr hsFixed kHalf = 100 * kUnit / 2;

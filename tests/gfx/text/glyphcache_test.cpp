@@ -69,7 +69,7 @@ TEST_F(GlyphCacheTest, CodesThatShareALowByteTurnEachOtherOut) {
   strike->Release();
 }
 
-TEST_F(GlyphCacheTest, TheBudgetIsToldEachTimeBeyondIt) {
+TEST_F(GlyphCacheTest, EachImageBeyondTheBudgetIsReported) {
   fAttr.SetFlags(fAttr.Flags() | hsGAttribute::kAntiAlias);
   hsGStrike* strike = StrikeOfSize(400);  // a: 161 x 281 bytes, b: 121 x 201
   const auto printed = [&](uint16_t code) {

@@ -54,7 +54,7 @@ const Operation kOperations[] = {
     {"xor", &hsRegion::Xor, [](bool a, bool b) { return a != b; }},
 };
 
-// Every operation on random regions gives the shortest runs of the right pixels, into a third region or an operand.
+// Every operation on random regions makes the shortest runs of the right pixels, into a third region or an operand.
 TEST(Region, OperationsAgreeWithPixels) {
   Random random(31);
   ThrowOnHalt halt;
@@ -133,7 +133,7 @@ TEST(Region, QueriesAgreeWithPixels) {
   }
 }
 
-TEST(Region, ClipSpanGivesTheFirstPieceOnly) {
+TEST(Region, ClipSpanReturnsTheFirstPieceOnly) {
   hsRegion ring = Difference({0, 0, 30, 30}, {10, 10, 20, 20});
   int32_t left = 5, right = 40;
   EXPECT_TRUE(ring.ClipSpan(15, &left, &right));

@@ -72,7 +72,7 @@ TEST(AntiFill, CoverageCountsTheSamplesInside) {
           inside += outline.Contains(dot);
           doubtful += outline.DistanceTo(dot) < 0.002;
         }
-        const int margin = 4 + 16 * doubtful;  // the first row's spans give up one
+        const int margin = 4 + 16 * doubtful;  // the first row's spans lose one
         ASSERT_NEAR(ofPath.covered[y][x], 16 * inside - inside / 16, margin) << i << " at " << x << "," << y;
         ASSERT_NEAR(ofQuad.covered[y][x], 16 * inside - inside / 16, margin + 33) << i << " at " << x << "," << y;
         ASSERT_TRUE(inside < 16 || doubtful || ofPath.covered[y][x] == 255) << i << " at " << x << "," << y;
