@@ -87,6 +87,11 @@ KpgOption& KpgOption::between(size_t least, size_t most) {
   return *this;
 }
 
+KpgOption& KpgOption::notNegative() {
+  option->check(CLI::NonNegativeNumber);
+  return *this;
+}
+
 KpgOption& KpgOption::check(std::string (*problemOf)(const std::string& value)) {
   option->check(CLI::Validator(problemOf, ""));
   return *this;
@@ -127,7 +132,7 @@ KpgOption KpgCommand::add(const char* name, size_t& into, const char* help) {
   return KpgOption(command->add_option(name, into, help));
 }
 
-KpgOption KpgCommand::add(const char* name, uint32_t& into, const char* help) {
+KpgOption KpgCommand::add(const char* name, double& into, const char* help) {
   return KpgOption(command->add_option(name, into, help));
 }
 

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -25,6 +24,7 @@ class KpgOption {
   KpgOption& type(const char* name);  // what the help calls its value
   KpgOption& group(const char* heading);
   KpgOption& between(size_t least, size_t most);
+  KpgOption& notNegative();
   KpgOption& check(std::string (*problemOf)(const std::string& value));  // empty when there is none
   // `noun` is what an error calls such a value.
   KpgOption& oneOf(const std::vector<std::string>& values, const std::string& noun);
@@ -44,7 +44,7 @@ class KpgCommand {
   KpgOption add(const char* name, std::optional<std::string>& into, const char* help);
   KpgOption add(const char* name, std::vector<std::string>& into, const char* help);
   KpgOption add(const char* name, size_t& into, const char* help);
-  KpgOption add(const char* name, uint32_t& into, const char* help);
+  KpgOption add(const char* name, double& into, const char* help);
   KpgOption flag(const char* name, bool& into, const char* help);
   // An option that may come often: `take` gets each value, in the order of the command line.
   KpgOption each(const char* name, std::function<void(const std::string&)> take, const char* help);

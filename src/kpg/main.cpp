@@ -35,7 +35,7 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);  // what is to be saved is saved, whether or not somebody reads what is printed
   // A command must not hang. The report has been printed, but perhaps aside.
   hsSetHaltProc([] {
-    std::fprintf(stderr, "%s\n", hsReportText());
+    if (*hsReportText()) std::fprintf(stderr, "%s\n", hsReportText());
     std::_Exit(2);
   });
   CommandLine line("kpg", VISTREL_VERSION, "Makes pages for the player's on-screen interface, and pictures of them.");

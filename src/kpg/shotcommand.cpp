@@ -159,7 +159,7 @@ void addShotCommand(CommandLine& line) {
       .add("--timeout", options->limitSeconds,
            "End what runs for longer than this processor time after the load or an action; 10 by default, 0 for never")
       .type("SECONDS")
-      .between(0, 86400);
+      .notNegative();
 
   const auto addAction = [&](const char* name, PageAction::Kind kind, const char* help, const char* type) {
     const auto take = [options, kind](const std::string& argument) { options->actions.push_back({kind, argument}); };

@@ -98,8 +98,8 @@ TEST_F(ShotTest, WhatRunsForEverIsEndedAndNamed) {
     build("p.kpg", c.page);
     fs::remove("p.png");
     fs::remove("log.txt");
-    EXPECT_EQ(kpg("shot p.kpg -o p.png --timeout 1 --log log.txt " + std::string(c.actions)), 1);
-    EXPECT_NE(err.find("p.kpg: stopped after 1 second of processor time"), std::string::npos) << err;
+    EXPECT_EQ(kpg("shot p.kpg -o p.png --timeout 0.2 --log log.txt " + std::string(c.actions)), 1);
+    EXPECT_NE(err.find("p.kpg: stopped after 0.2 seconds of processor time"), std::string::npos) << err;
     EXPECT_NE(err.find(c.name), std::string::npos) << err;
     EXPECT_FALSE(fs::exists("p.png"));
     EXPECT_TRUE(fs::exists("log.txt"));

@@ -27,9 +27,9 @@ struct PagePicture {
 };
 
 struct PageRunOptions {
-  bool readOnly = false;      // every script's attempt to write a file fails
-  uint32_t limitSeconds = 0;  // of processor time, for the load, a key, an evaluation or one millisecond of a wait;
-                              // 0 for no limit. What takes longer is ended, and so is the run.
+  bool readOnly = false;    // every script's attempt to write a file fails
+  double limitSeconds = 0;  // of processor time, for the load, a key, an evaluation or one millisecond of a wait;
+                            // 0 for no limit. What takes longer is ended, and so is the run.
 };
 
 class PageRun {

@@ -1,6 +1,7 @@
 #include "kit/run/rundesktop.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <ctime>
 #include <iterator>
 
@@ -77,17 +78,19 @@ bool RunDesktop::mayGoOn(BobInterp* running) {
   if (limit == 0) return true;
   const double now = processorTime();
   if (!begun) begun = now;
-  if (log.size() > kMostLog) stop(kMostLog >> 20, " megabytes of log", running);
+  if (log.size() > kMostLog) stop(double(kMostLog >> 20), " megabytes of log", running);
   if (now - *begun > limit)
     stop(limit, limit == 1 ? " second of processor time" : " seconds of processor time", running);
   return reason.empty();
 }
 
-void RunDesktop::stop(size_t count, const char* unit, BobInterp* running) {
+void RunDesktop::stop(double count, const char* unit, BobInterp* running) {
   const EngineScope here(shell.engine);
   if (BobInterp* interp = scriptInterp()) bobRestOften(interp, 1);  // all other scripts end at once
   reason = "stopped after ";
-  reason.append(std::to_string(count)).append(unit);
+  char number[32];
+  std::snprintf(number, sizeof number, "%g", count);
+  reason.append(number).append(unit);
   const std::string name = running ? bobRunningName(running) : "";
   if (!name.empty()) reason.append(" in ").append(name);
 }

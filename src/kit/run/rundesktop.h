@@ -20,7 +20,7 @@ bool isComplaint(std::string_view systemMessage);
 class RunDesktop : public HeadlessDesktop {
  public:
   // Times are processor time of this thread; 0 seconds is no limit. The limit holds for each step by itself.
-  explicit RunDesktop(uint32_t secondsOfLimit) : limit(secondsOfLimit) {}
+  explicit RunDesktop(double limitSeconds) : limit(limitSeconds) {}
 
   // After the engine has started: listens to its scripts.
   void watchScripts();
@@ -48,10 +48,10 @@ class RunDesktop : public HeadlessDesktop {
 
   static RunDesktop& ofThisThread();
   bool mayGoOn(BobInterp* running);
-  void stop(size_t count, const char* unit, BobInterp* running);
+  void stop(double count, const char* unit, BobInterp* running);
   void scriptFailed(BobInterp* interp, int code, const BobErrorArgument& argument);
 
-  uint32_t limit;               // seconds
+  double limit;                 // seconds
   std::optional<double> begun;  // seconds of processor time; empty until somebody first asks
   std::string reason;
   std::vector<Range> complained;  // in the log
