@@ -43,7 +43,7 @@ FLOORS = {
 
 # The files of a subsystem that others may include; the rest of it is its own.
 DOORS = {
-    'bob': ['bob/bob.h', 'bob/compile/statementreader.h', 'bob/tools/disassemble.h'],
+    'bob': ['bob/bob.h', 'bob/compile/statementreader.h', 'bob/tools/disassemble.h', 'bob/tools/objectformat.h'],
 }
 
 
