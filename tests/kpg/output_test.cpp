@@ -119,7 +119,7 @@ TEST_F(OutputTest, WhatCannotBePrintedIsAnError) {
 
 TEST_F(OutputTest, AReaderThatLeavesEndsTheProgramAfterThePictureIsSaved) {
   EXPECT_EQ(shell("{ kpg shot m.yaml -o x.png --log - 2>err.txt --eval "
-                  "'for (i = 0; i < 100000; ++i) stdout.Display(i, \"\\n\");'; echo $? >status; } | head -1 >first"),
+                  "'for (i = 0; i < 20000; ++i) stdout.Display(i, \"\\n\");'; echo $? >status; } | head -1 >first"),
             0);
   EXPECT_EQ(text("first"), "0\n");
   EXPECT_EQ(text("status"), "1\n");
