@@ -4,6 +4,7 @@
 #include <memory>
 #include <sstream>
 
+#include "host/keytable.h"
 #include "kit/errors.h"
 #include "kit/files.h"
 #include "kit/pictures/png.h"
@@ -15,10 +16,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-
-const std::vector<std::string> kKeys = {
-    "Up", "Down", "Left", "Right", "Select", "Clear", "Backspace", "UpLeft", "UpRight", "DownLeft", "DownRight",
-    "0",  "1",    "2",    "3",     "4",      "5",     "6",         "7",      "8",       "9",        "S"};
 
 struct ShotOptions : PageRunOptions {
   std::string page, output, log;
@@ -167,7 +164,7 @@ void addShotCommand(CommandLine& line) {
   };
   addAction("--key", PageAction::key,
             "Press Up Down Left Right Select Clear Backspace UpLeft UpRight DownLeft DownRight 0..9 or S", "NAME")
-      .oneOf(kKeys, "key");
+      .oneOf(keyNames(), "key");
   addAction("--wait", PageAction::wait, "Let MS milliseconds pass", "MS").between(0, 1'000'000'000);
   addAction("--eval", PageAction::eval, "Type TEXT at the console and press Enter", "TEXT");
   command.runs([options] { shoot(*options); });

@@ -13,8 +13,6 @@ void HeadlessDesktop::settle() {
   while (shell.busy() && breathe());
 }
 
-bool HeadlessDesktop::hasKey(std::string_view name) { return keyMessageNamed(name).has_value(); }
-
 bool HeadlessDesktop::key(std::string_view name) {
   const auto key = keyMessageNamed(name);
   if (!key) return false;

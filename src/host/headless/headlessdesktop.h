@@ -21,7 +21,6 @@ class HeadlessDesktop : public Desktop {
   // A key of the remote control by name (Up Down Left Right Select Clear Backspace UpLeft UpRight DownLeft DownRight
   // 0..9 S), sent as its keyboard messages; false for an unknown name. Does not step.
   bool key(std::string_view name);
-  static bool hasKey(std::string_view name);
 
   // Types the text at the end of the console and presses Enter.
   void typeLine(std::string_view text);
