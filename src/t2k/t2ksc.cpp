@@ -105,10 +105,18 @@ class Conversion {
     bits.Release();
   }
 
-  // What dropout control sets depends on neighbouring rows, so those are painted along and then left out.
   void RunMono() {
     NoPainter none;
     if (!Settle(none)) return;
+    if (asked_.Height() < sc_.Height()) return PaintSomeRows();
+    MakeBits([&] {
+      std::memset(asked_.baseAddr, 0, size_t(asked_.rowBytes) * size_t(asked_.Height()));
+      PaintMono(asked_, crossings_, bounds_);
+    });
+  }
+
+  // What dropout control sets depends on neighbouring rows, so those are painted along and then left out.
+  void PaintSomeRows() {
     tsiScanConv painted = asked_;
     painted.top = std::min(asked_.top + kDropoutMargin, sc_.top);
     painted.bottom = std::max(asked_.bottom - kDropoutMargin, sc_.bottom);
