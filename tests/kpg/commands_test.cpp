@@ -12,21 +12,21 @@ TEST_F(CommandsTest, ErrorsGoToTheErrorStreamWithStatusOne) {
   EXPECT_EQ(kpg("shot --help"), 0);
   EXPECT_EQ(kpg("--version"), 0);
   EXPECT_TRUE(out.starts_with("kpg ")) << out;
-  EXPECT_EQ(kpg("bild page.yaml"), 1);
-  EXPECT_EQ(err, "kpg: there is no command 'bild'; did you mean 'build'?\nkpg --help lists the commands\n");
-  EXPECT_EQ(kpg("photograph page.kpg"), 1);
-  EXPECT_EQ(err, "kpg: there is no command 'photograph'\nkpg --help lists the commands\n");
-  EXPECT_EQ(kpg(""), 1);
-  EXPECT_EQ(err, "kpg: a command is missing\nkpg --help lists the commands\n");
-  EXPECT_EQ(kpg("--hepl"), 1);
-  EXPECT_EQ(err, "kpg: there is no option '--hepl'; did you mean '--help'?\nkpg --help lists the commands\n");
-  EXPECT_EQ(kpg("shot p.kpg --stict"), 1);
-  EXPECT_EQ(err,
-            "kpg shot: there is no option '--stict'; did you mean '--strict'?\nkpg shot --help lists its options\n");
-  EXPECT_EQ(kpg("build --colours=3"), 1);
-  EXPECT_EQ(err, "kpg build: there is no option '--colours'\nkpg build --help lists its options\n");
-  EXPECT_EQ(kpg("dump a.kpg b.kpg"), 1);
-  EXPECT_EQ(err, "kpg dump: there is one word too many, 'b.kpg'\nkpg dump --help lists its options\n");
+  constexpr char kList[] = "\nkpg --help lists the commands\n";
+  const std::pair<const char*, std::string> wrong[] = {
+      {"bild page.yaml", std::string("kpg: there is no command 'bild'; did you mean 'build'?") + kList},
+      {"photograph page.kpg", std::string("kpg: there is no command 'photograph'") + kList},
+      {"", std::string("kpg: a command is missing") + kList},
+      {"--hepl", std::string("kpg: there is no option '--hepl'; did you mean '--help'?") + kList},
+      {"shot p.kpg --stict",
+       "kpg shot: there is no option '--stict'; did you mean '--strict'?\nkpg shot --help lists its options\n"},
+      {"build --colours=3", "kpg build: there is no option '--colours'\nkpg build --help lists its options\n"},
+      {"dump a.kpg b.kpg", "kpg dump: there is one word too many, 'b.kpg'\nkpg dump --help lists its options\n"},
+  };
+  for (const auto& [arguments, message] : wrong) {
+    EXPECT_EQ(kpg(arguments), 1);
+    EXPECT_EQ(err, message);
+  }
   EXPECT_EQ(kpg("shot none.kpg --key Sideways"), 1);
   EXPECT_NE(err.find("there is no key 'Sideways'"), std::string::npos) << err;
   EXPECT_EQ(kpg("build none.yaml -o p.kpg"), 1);
