@@ -33,7 +33,7 @@ TEST_F(CommandsTest, ErrorsGoToTheErrorStreamWithStatusOne) {
   EXPECT_EQ(err, "none.yaml: No such file or directory\n");
   writeText("p.yaml", "page:\n  x: 1\n  x: 2\n");
   EXPECT_EQ(kpg("build p.yaml -o p.kpg"), 1);
-  EXPECT_EQ(err, "p.yaml:3: 'x' is given twice\n");
+  EXPECT_EQ(err, "p.yaml:3: x of page: is given twice, first in line 2\n");
 }
 
 TEST_F(CommandsTest, CompletionsKnowWhichOptionsTakeAValue) {
@@ -129,7 +129,11 @@ TEST_F(CommandsTest, ScriptFilesAreCompiledBesideThePage) {
   writeText("source/tools.bob", "define twice(x) { return 2 * x; }\n");
   writeText("source/p.yaml", "page: {scripts: [tools.bob], onLoad: 'stdout.Display(twice(4), \"\\n\");'}");
   EXPECT_EQ(kpg("build source/p.yaml -o out/p.kpg"), 0) << err;
+  EXPECT_EQ(kpg("compile --names source/tools.bob -o t.bobo"), 0);
+  EXPECT_EQ(text("out/tools.bobo"), text("t.bobo"));
   EXPECT_EQ(kpg("compile source/tools.bob -o t.bobo"), 0);
+  EXPECT_NE(text("out/tools.bobo"), text("t.bobo"));
+  EXPECT_EQ(kpg("build --strip source/p.yaml -o out/p.kpg"), 0) << err;
   EXPECT_EQ(text("out/tools.bobo"), text("t.bobo"));
   EXPECT_EQ(kpg("shot out/p.kpg --log -"), 0);
   EXPECT_EQ(out, "8\n");

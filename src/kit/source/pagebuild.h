@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "kit/errors.h"
+#include "kit/source/pagesource.h"
 #include "kit/source/pagetree.h"
 
 struct BuiltPage {
@@ -15,8 +16,9 @@ struct BuiltPage {
 };
 
 // Throws KitError.
-BuiltPage compilePage(const std::string& source, const KitWarn& warn = {});
+BuiltPage compilePage(const std::string& source, const KitWarn& warn = {}, const PageSourceOptions& options = {});
 
 // Compiles the source to `output`, and the script files that it names to object files beside that; all are written, or
 // none. Throws KitError.
-void buildPage(const std::string& source, const std::string& output, const KitWarn& warn = {});
+void buildPage(const std::string& source, const std::string& output, const KitWarn& warn = {},
+               const PageSourceOptions& options = {});
