@@ -104,9 +104,7 @@ TEST_F(TextStyleTest, WhatHasNoFontAndWhatIsTooFarOrTooLargeDrawsNothing) {
   draw(style("body"), "a", 8001, 10);
   draw(style("body"), "a", -70000, 10);
   EXPECT_EQ(inked(), kNothing);
-  const size_t first = desktop.log.find("Error loading font");
-  EXPECT_NE(first, std::string::npos);
-  EXPECT_EQ(desktop.log.find("Error loading font", first + 1), std::string::npos);
+  EXPECT_EQ(desktop.log.find("Error loading font"), std::string::npos) << "the file is there";
 }
 
 }  // namespace

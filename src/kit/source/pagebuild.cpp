@@ -3,17 +3,22 @@
 #include <filesystem>
 #include <utility>
 
+#include "gfx/foundation/hsascii.h"
 #include "kit/files.h"
 #include "kit/run/bobruntime.h"
-#include "kit/source/pagewriter.h"
 
 namespace fs = std::filesystem;
 
+bool isPageSource(const std::string& path) {
+  const std::string extension = fs::path(path).extension().string();
+  return hsAsciiEqualIgnoringCase(extension.c_str(), ".yaml") || hsAsciiEqualIgnoringCase(extension.c_str(), ".yml");
+}
+
 BuiltPage compilePage(const std::string& source, const KitWarn& warn, const PageSourceOptions& options) {
   PageTree page = readPageSource(source, warn, options);
-  BuiltPage built{{}, {}, {source}};
+  BuiltPage built{{}, {}, {source}, {}};
   try {
-    built.bytes = writePage(page);
+    built.bytes = writePage(page, &built.places);
   } catch (const std::length_error& e) {
     throw KitError(source, e.what());
   }

@@ -26,6 +26,10 @@ std::vector<std::string> attributeWords(ObjectKind kind, std::string_view type, 
 // All that such an object has, its rectangle included.
 std::vector<std::string> attributeNames(ObjectKind kind, std::string_view type);
 
+// What a text of a page names.
+enum class NamedThing { nothing, widget, style, file };
+NamedThing namedBy(ObjectKind kind, std::string_view type, std::string_view name);
+
 // The objects that have an attribute of that name, as people call them: "a text or a number", "the page"; empty when
 // nothing has.
 std::string whatHas(std::string_view name);
