@@ -88,10 +88,11 @@ class Dumper {
       line(indent, "# and so on");
     } else {
       const std::string type = typeOf(record);
+      const bool hasType = attrFind(record, "type").has_value();
       for (uint32_t i = 0; i < record.attributeCount(); ++i) {
         const PageAttribute a = pageAttribute(record, i);
         if (a.name) {
-          attribute(a, {attributeForm(kind, type, a.name), isRefused(a, kind, type)}, indent);
+          attribute(a, {attributeForm(kind, type, a.name), isRefused(a, kind, type, hasType)}, indent);
         } else {
           line(indent, "# an attribute whose name lies outside the file");
         }
@@ -126,9 +127,10 @@ class Dumper {
     bool isRefused;  // it does not take the value that the page has
   };
 
-  static bool isRefused(const PageAttribute& a, ObjectKind kind, std::string_view type) {
+  static bool isRefused(const PageAttribute& a, ObjectKind kind, std::string_view type, bool hasType) {
     const char* text;
     if (isChildrenOfPlainBox(kind, type, a.name)) return true;
+    if (!hasType && isMisspeltType(kind, a.name)) return true;
     return PageTag(a.tag) == PageTag::string && attrString(a, &text) && !isAttributeWord(kind, type, a.name, text);
   }
 
@@ -232,7 +234,7 @@ class Dumper {
   bool isText(const PageTable& table, uint32_t i, ObjectKind kind) const {
     const char* text = table.string(i);
     if (!text || looksLikeObject(table.object(i))) return false;
-    return kind == ObjectKind::other || std::all_of(text, text + std::strlen(text), [](char c) { return c >= ' '; });
+    return kind == ObjectKind::other || std::all_of(text, text + std::strlen(text), [](uint8_t c) { return c >= ' '; });
   }
 
   // Nothing in the file says what a table of unknown use leads to. What reads as a record with good attributes is one:

@@ -97,6 +97,7 @@ class SourceReader {
     ObjectKind kind = ObjectKind::other;
     std::string type, label;
     std::string key;           // of the attribute that is being read
+    bool hasType = false;      // whatever it says
     bool typeIsWrong = false;  // then nothing is said of what it lacks
     int depth = 0;             // of a widget
   };
@@ -107,9 +108,11 @@ class SourceReader {
     try {
       work();
     } catch (const SourceFault& fault) {
-      errors.push_back(messageAt(fault.at, whatIsRead() + ": " + fault.text));
+      report(fault);
     }
   }
+
+  void report(const SourceFault& fault) { errors.push_back(messageAt(fault.at, whatIsRead() + ": " + fault.text)); }
 
   std::string whatIsRead() const { return object.label.empty() ? object.key : object.key + " of " + object.label; }
 
@@ -165,8 +168,11 @@ class SourceReader {
   // A type that is misspelt is read as the one that was meant, so that it alone is at fault.
   Object describe(const YamlNode& source, ObjectKind kind, size_t number) const {
     const bool isWidget = kind == ObjectKind::root || kind == ObjectKind::widget;
-    Object result{kind, "", "", "", false, kind == ObjectKind::widget ? object.depth + 1 : 0};
+    Object result;
+    result.kind = kind;
+    if (kind == ObjectKind::widget) result.depth = object.depth + 1;
     const YamlNode* type = isWidget ? source.find("type") : nullptr;
+    result.hasType = type;
     if (type && type->isScalar()) {
       result.type = type->text;
       if (!isWidgetType(result.type) && isPlain(*type)) {
@@ -214,11 +220,12 @@ class SourceReader {
   PageValue attribute(const YamlPair& pair) {
     const YamlNode& value = pair.value;
     AttributeForm form = attributeForm(object.kind, object.type, pair.key);
-    const bool isPlainBoxsChildren = isChildrenOfPlainBox(object.kind, object.type, pair.key);
-    if (isPlainBoxsChildren && isPlain(value)) {
-      if (!object.typeIsWrong) fail(pair.place, "a plain box shows none; say 'type: group'");
+    if (isPlain(value) && isChildrenOfPlainBox(object.kind, object.type, pair.key)) {
+      if (!object.typeIsWrong) report({pair.place, "a plain box shows none; say 'type: group'"});
       form = AttributeKind::widgets;  // so that what is wrong with them is reported, too
     }
+    if (!form && !object.hasType && isPlain(value) && isMisspeltType(object.kind, pair.key))
+      fail(pair.place, "nothing reads it; did you mean 'type'?");
     if (!form && object.kind != ObjectKind::other && !object.typeIsWrong) warnOfUnread(pair);
     if (isPlain(value)) return form ? byForm(pair, *form) : byLooks(value);
     return byTag(pair, form);

@@ -106,6 +106,11 @@ bool isChildrenOfPlainBox(ObjectKind kind, std::string_view type, std::string_vi
   return (kind == ObjectKind::root || kind == ObjectKind::widget) && name == "children" && !isWidgetType(type);
 }
 
+bool isMisspeltType(ObjectKind kind, std::string_view name) {
+  const bool isWidget = kind == ObjectKind::root || kind == ObjectKind::widget;
+  return isWidget && whatHas(name).empty() && nearestWord(name, attributeNames(kind, "")) == "type";
+}
+
 ObjectKind tableObjectKind(AttributeForm form) {
   if (form == AttributeKind::widgets) return ObjectKind::widget;
   if (form == AttributeKind::styles) return ObjectKind::style;

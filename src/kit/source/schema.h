@@ -42,6 +42,9 @@ bool isAttributeWord(ObjectKind kind, std::string_view type, std::string_view na
 // Whether the attribute is children that would never show, since only some kinds of widgets have any.
 bool isChildrenOfPlainBox(ObjectKind kind, std::string_view type, std::string_view name);
 
+// Whether an attribute that nothing reads is most likely a misspelt `type`, without which a widget is a plain box.
+bool isMisspeltType(ObjectKind kind, std::string_view name);
+
 // The kind of the objects in a table of that form.
 ObjectKind tableObjectKind(AttributeForm form);
 

@@ -133,15 +133,19 @@ TEST_F(SourceTest, WordsThatThePlayerDoesNotKnowAreErrors) {
        "valign of select1: 'Top' is not one of top, center and bottom; did you mean 'top'?"},
       {"name: n, hidden: never",
        "hidden of n: 'never' is not one of content, background, both, yes, true, none, no and false"},
-      {"children: []", "children of box1: a plain box shows none; say 'type: group'"},
+      {"tpye: text", "tpye of box1: nothing reads it; did you mean 'type'?"},
+      {"children: [{x: -1}]",
+       "children of box1: a plain box shows none; say 'type: group'\np.yaml:4: x of box1: -1 lies outside 0 to 65535"},
   };
   for (const auto& [attributes, message] : cases)
     EXPECT_TRUE(errorOf("page:\n  type: group\n  children:\n    - {" + std::string(attributes) + "}\n")
                     .starts_with("p.yaml:4: " + std::string(message)))
         << errorOf("page:\n  type: group\n  children:\n    - {" + std::string(attributes) + "}\n");
   // A tag is for those who mean it, and words are free where no list of words is read.
-  read("page: {type: !string txet, hidden: !string never, align: middle}\n");
-  EXPECT_EQ(warnings, "p.yaml:1: warning: align of page: nothing reads it; a text or a select has one\n");
+  read("page: {type: !string txet, typ: 1, hidden: !string never, align: middle}\n");
+  EXPECT_EQ(warnings,
+            "p.yaml:1: warning: typ of page: nothing reads it; did you mean 'type'?\n"
+            "p.yaml:1: warning: align of page: nothing reads it; a text or a select has one\n");
 }
 
 TEST_F(SourceTest, UnknownKeysSuggestTheKeyThatWasMeantOrSayWhoHasIt) {
