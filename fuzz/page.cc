@@ -6,6 +6,8 @@
 #include "host/headless/headlessdesktop.h"
 #include "kit/errors.h"
 #include "kit/source/pagedump.h"
+#include "kit/source/pagelimits.h"
+#include "kit/source/pageoutline.h"
 
 namespace {
 
@@ -34,6 +36,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   for (size_t i = 0; i < data[0]; ++i) act(desktop, actions[i]);
   try {
     dumpPage("p", {page, data + size});
+    outlineJson(outlinePage("p", {page, data + size}));
+    pageProblems("p", {page, data + size});
   } catch (const KitError&) {
   }
   return 0;

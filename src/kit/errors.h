@@ -21,7 +21,8 @@ struct KitMessage {
   }
 };
 
-// What every function of the kit throws; what() has all messages with their places, a line or more each.
+// What every function of the kit throws; what() has the messages with their places, a line or more each, up to 50 of
+// them and how many more there are.
 struct KitError : std::runtime_error {
   explicit KitError(std::vector<KitMessage> all) : std::runtime_error(joined(all)), messages(std::move(all)) {}
   explicit KitError(const KitMessage& m) : KitError(std::vector{m}) {}
@@ -33,8 +34,10 @@ struct KitError : std::runtime_error {
 
  private:
   static std::string joined(const std::vector<KitMessage>& all) {
+    constexpr size_t kMostPrinted = 50;
     std::string out;
-    for (const KitMessage& message : all) out += (out.empty() ? "" : "\n") + message.whole();
+    for (size_t i = 0; i < all.size() && i < kMostPrinted; ++i) out += (i == 0 ? "" : "\n") + all[i].whole();
+    if (all.size() > kMostPrinted) out += "\n... and " + std::to_string(all.size() - kMostPrinted) + " more";
     return out;
   }
 };

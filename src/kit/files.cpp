@@ -116,6 +116,8 @@ std::string writeBeside(const std::string& path, const fs::path& target, const s
 }  // namespace
 
 std::vector<uint8_t> readFile(const std::string& path) {
+  std::error_code error;
+  if (fs::is_directory(path, error)) throw KitError(path, "is a folder; name a file in it");
   std::ifstream in(path, std::ios::binary);
   if (!in) throw KitError(path, std::strerror(errno));
   std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(in), {}};

@@ -4,9 +4,10 @@
 #include <algorithm>
 #include <iostream>
 #include <iterator>
-#include <numeric>
 #include <sstream>
 #include <utility>
+
+#include "kit/suggest.h"
 
 namespace {
 
@@ -20,30 +21,6 @@ std::vector<std::string> valuesOf(CLI::Option* option) try {
   return {std::istream_iterator<std::string>(name), {}};
 } catch (const CLI::OptionNotFound&) {
   return {};
-}
-
-// The fewest characters to insert, drop or change that make one word of the other.
-size_t editDistance(const std::string& a, const std::string& b) {
-  std::vector<size_t> row(b.size() + 1);
-  std::iota(row.begin(), row.end(), size_t{0});
-  for (size_t i = 0; i < a.size(); ++i) {
-    size_t diagonal = std::exchange(row[0], i + 1);
-    for (size_t j = 0; j < b.size(); ++j) {
-      const size_t changed = diagonal + (a[i] != b[j]);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({changed, row[j] + 1, row[j + 1] + 1});
-    }
-  }
-  return row.back();
-}
-
-// "; did you mean ...?", when one of the words is near enough to be meant.
-std::string suggestion(const std::string& word, const std::vector<std::string>& words) {
-  const auto nearest = std::min_element(words.begin(), words.end(), [&](const auto& a, const auto& b) {
-    return editDistance(word, a) < editDistance(word, b);
-  });
-  const bool near = nearest != words.end() && editDistance(word, *nearest) <= 2;
-  return near ? "; did you mean '" + *nearest + "'?" : "";
 }
 
 std::vector<std::string> namesOf(const std::vector<CommandSummary>& commands) {

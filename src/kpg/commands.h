@@ -5,6 +5,7 @@
 
 void addBuildCommand(CommandLine& line);
 void addDumpCommand(CommandLine& line);
+void addTreeCommand(CommandLine& line);
 void addShotCommand(CommandLine& line);
 void addClutCommand(CommandLine& line);
 void addFontCommand(CommandLine& line);

@@ -6,22 +6,26 @@
 
 namespace {
 
-void compile(const std::string& source, const std::string& object) {
+struct CompileOptions {
+  std::string source, object;
+  bool names = false;
+};
+
+void compile(const CompileOptions& options) {
   StandardRuntime runtime;
-  failUnless(compileBobFile(runtime, source, object));
+  const BobCodeNames names = options.names ? codeNamesByLine(options.source) : nullptr;
+  failUnless(compileBobFile(runtime, options.source, options.object, names));
 }
 
 }  // namespace
 
 void addCompileCommand(CommandLine& line) {
-  struct Options {
-    std::string source, object;
-  };
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<CompileOptions>();
   KpgCommand command = line.command("compile", "Compile a source file to an object file");
   command.add("source", options->source, "The source file").required().type("IN.bob");
   command.add("-o,--out,--output", options->object, "The object file to write; - for the standard output")
       .required()
       .type("OUT.bobo");
-  command.runs([options] { compile(options->source, options->object); });
+  command.flag("--names", options->names, "Name the code FILE:LINE, for tracebacks, as the build of a page does");
+  command.runs([options] { compile(*options); });
 }

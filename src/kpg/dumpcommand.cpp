@@ -2,10 +2,9 @@
 #include <iostream>
 #include <memory>
 
-#include "kit/errors.h"
 #include "kit/files.h"
-#include "kit/source/pagecut.h"
 #include "kit/source/pagedump.h"
+#include "kit/source/pagelimits.h"
 #include "kpg/commands.h"
 
 namespace {
@@ -13,7 +12,7 @@ namespace {
 void dump(const std::string& page) {
   const std::vector<uint8_t> bytes = readFile(page);
   const std::string source = dumpPage(page, bytes);
-  if (pageIsCutShort(bytes)) std::cerr << KitMessage{page, 0, kPageIsCutShort}.whole() << "\n";
+  for (const KitMessage& problem : pageProblems(page, bytes)) std::cerr << problem.whole() << "\n";
   std::cout << source;
 }
 

@@ -8,6 +8,7 @@
 #include "kit/errors.h"
 #include "kit/files.h"
 #include "kit/pictures/png.h"
+#include "kit/run/explain.h"
 #include "kit/run/pagerun.h"
 #include "kit/run/stdoutaside.h"
 #include "kit/source/pagecut.h"
@@ -26,7 +27,7 @@ struct ShotOptions : PageRunOptions {
 struct Shot {
   bool loaded = false;
   std::string log, stopped;
-  std::vector<std::string> complaints, inputs;
+  std::vector<std::string> complaints, inputs, unusableFonts;
   PagePicture picture;
 };
 
@@ -81,6 +82,7 @@ Shot play(const ShotOptions& options) {
   shot.stopped = run.stopped();
   shot.inputs = run.inputs();
   for (const std::string_view complaint : run.complaints()) shot.complaints.push_back(cutInTheMiddle(complaint));
+  shot.unusableFonts = run.unusableFonts();
   shot.picture = run.take();
   return shot;
 }
@@ -129,10 +131,12 @@ void shoot(ShotOptions options) {
   const bool cut = isCutShort(options.page);
   if (cut) std::cerr << KitMessage{options.page, 0, kPageIsCutShort}.whole() << "\n";
   const Shot shot = playAside(options);
+  const std::vector<KitMessage> explained = explainRun(options.page, shot.unusableFonts, shot.inputs);
+  for (const KitMessage& message : explained) std::cerr << message.whole() << "\n";
   save(options, shot);
   if (!options.strict) return;
   for (const std::string& complaint : shot.complaints) std::cerr << complaint;
-  if (cut || !shot.complaints.empty()) throw KitError("");
+  if (cut || !explained.empty() || !shot.complaints.empty()) throw KitError("");
 }
 
 }  // namespace

@@ -1,4 +1,6 @@
 // The program as its users call it: exit statuses, streams, and the rules of a shot.
+#include <algorithm>
+
 #include "kpgfixture.h"
 #include "support/blockfont.h"
 
@@ -33,7 +35,7 @@ TEST_F(CommandsTest, ErrorsGoToTheErrorStreamWithStatusOne) {
   EXPECT_EQ(err, "none.yaml: No such file or directory\n");
   writeText("p.yaml", "page:\n  x: 1\n  x: 2\n");
   EXPECT_EQ(kpg("build p.yaml -o p.kpg"), 1);
-  EXPECT_EQ(err, "p.yaml:3: 'x' is given twice\n");
+  EXPECT_EQ(err, "p.yaml:3: x of page: is given twice, first in line 2\n");
 }
 
 TEST_F(CommandsTest, CompletionsKnowWhichOptionsTakeAValue) {
@@ -104,6 +106,18 @@ TEST_F(CommandsTest, PrintsWhatAFontHolds) {
   EXPECT_TRUE(out.ends_with("opens: yes\n"));
   EXPECT_EQ(text("specimen.png").substr(1, 3), "PNG");
 
+  std::vector<uint8_t> headless = font;
+  headless[size_t(std::search(font.begin(), font.end(), std::begin("head"), std::end("head") - 1) - font.begin())] =
+      'H';
+  WriteFile("headless.ttf", headless);
+  EXPECT_EQ(kpg("font headless.ttf"), 1);
+  EXPECT_EQ(err, "headless.ttf: the player can't draw with it: it has no 'head' table (error 10030)\n");
+  // The system says nothing of a font that is there.
+  writeText("p.yaml", "page: {textStyles: [{font: headless.ttf}, {font: headless.ttf}, {font: none.ttf}]}");
+  EXPECT_EQ(kpg("shot p.yaml -o p.png --log -"), 0);
+  EXPECT_EQ(out, "Error loading font 'none.ttf'\n");
+  EXPECT_TRUE(err.ends_with("\nheadless.ttf: the player can't draw with it: it has no 'head' table (error 10030)\n"));
+
   font.resize(200);
   WriteFile("cut.ttf", font);
   EXPECT_EQ(kpg("font cut.ttf --out none.png"), 1);
@@ -129,7 +143,11 @@ TEST_F(CommandsTest, ScriptFilesAreCompiledBesideThePage) {
   writeText("source/tools.bob", "define twice(x) { return 2 * x; }\n");
   writeText("source/p.yaml", "page: {scripts: [tools.bob], onLoad: 'stdout.Display(twice(4), \"\\n\");'}");
   EXPECT_EQ(kpg("build source/p.yaml -o out/p.kpg"), 0) << err;
+  EXPECT_EQ(kpg("compile --names source/tools.bob -o t.bobo"), 0);
+  EXPECT_EQ(text("out/tools.bobo"), text("t.bobo"));
   EXPECT_EQ(kpg("compile source/tools.bob -o t.bobo"), 0);
+  EXPECT_NE(text("out/tools.bobo"), text("t.bobo"));
+  EXPECT_EQ(kpg("build --strip source/p.yaml -o out/p.kpg"), 0) << err;
   EXPECT_EQ(text("out/tools.bobo"), text("t.bobo"));
   EXPECT_EQ(kpg("shot out/p.kpg --log -"), 0);
   EXPECT_EQ(out, "8\n");
@@ -139,6 +157,20 @@ TEST_F(CommandsTest, ScriptFilesAreCompiledBesideThePage) {
   EXPECT_EQ(kpg("build source/p.yaml -o bad.kpg"), 1);
   EXPECT_TRUE(err.starts_with("source/tools.bob:3: Syntax error - ")) << err;
   EXPECT_FALSE(std::filesystem::exists("bad.kpg"));
+}
+
+TEST_F(CommandsTest, ATreeIsOfAPageOrOfASource) {
+  writeText("p.yaml", "page:\n  type: group\n  children:\n    - {name: a, x: 5, nothing: 1}\n");
+  ASSERT_EQ(kpg("tree p.yaml"), 0) << err;
+  EXPECT_EQ(out, "16-bit page, widgets: 2\npage  group  0  0  0x0  p.yaml:2\n  a   box    5  0  0x0  p.yaml:4\n");
+  EXPECT_EQ(err, "");
+  ASSERT_EQ(kpg("build p.yaml -o p.kpg"), 0) << err;
+  ASSERT_EQ(kpg("tree p.kpg"), 0) << err;
+  EXPECT_EQ(out, "16-bit page, widgets: 2\npage  group  0  0  0x0\n  a   box    5  0  0x0\n");
+  ASSERT_EQ(kpg("tree --json p.kpg"), 0) << err;
+  EXPECT_NE(out.find("\"name\": \"a\",\n        \"x\": 5,\n"), std::string::npos) << out;
+  EXPECT_EQ(kpg("tree out.txt"), 1);
+  EXPECT_EQ(err, "out.txt: not a page file\n");
 }
 
 TEST_F(CommandsTest, ADumpListsScriptsAndBuildsBack) {

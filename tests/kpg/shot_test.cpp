@@ -29,7 +29,7 @@ TEST_F(ShotTest, ASourceIsShotAsThePageThatItBuilds) {
 
   writeText("pages/m.yaml", "page:\n  x: 1\n  x: 2\n");
   EXPECT_EQ(kpg("shot pages/m.yaml -o bad.png"), 1);
-  EXPECT_EQ(err, "pages/m.yaml:3: 'x' is given twice\n");
+  EXPECT_EQ(err, "pages/m.yaml:3: x of page: is given twice, first in line 2\n");
   EXPECT_FALSE(fs::exists("bad.png"));
 }
 

@@ -30,7 +30,7 @@ std::vector<const char*> othersFor(const AttributeRow& row) {
     case AttributeKind::integer: return {"2", row.owner == style ? "200000" : "90"};
     case AttributeKind::boolean: return {"true"};
     case AttributeKind::color: return {"0x60E00000"};
-    default: return {"right", "bottom", "ascii"};
+    default: return {"!string right", "!string bottom", "!string ascii", "!string both"};
   }
 }
 

@@ -91,7 +91,7 @@ TEST_F(PaintTest, APictureBehindHiddenContentHasItShown) {
   ASSERT_TRUE(
       loadChildren("x: 0",
                    "{name: a, hidden: content, background: none.gif}, {name: b, hidden: both, background: x.gif}, "
-                   "{name: c, hidden: content}, {name: d, hidden: maybe}"));
+                   "{name: c, hidden: content}, {name: d, hidden: !string maybe}"));
   const auto hidden = [this](const char* name) { return (widget(name)->flags & kWidgetContentHidden) != 0; };
   EXPECT_FALSE(hidden("a"));
   EXPECT_TRUE(hidden("b"));

@@ -35,9 +35,9 @@ TEST_F(TextTest, IsAlignedInsideAndStartsAtTheCornerWhenTooLarge) {
       {"left", "top", "aa", {101, 102, 111, 109}},
       {"center", "center", "aa", {145, 112, 155, 119}},
       {"right", "bottom", "aa", {189, 122, 199, 129}},
-      {"middle", "middle", "aa", {101, 102, 111, 109}},             // no such words
-      {"right", "center", "bbbbbbbbbbb", {100, 112, 209, 119}},     // 110 wide
-      {"center", "top", "aaaaaaaaaaaaaaaa", {103, 102, 197, 109}},  // 96 wide: 4 / 2 to the right
+      {"!string middle", "!string middle", "aa", {101, 102, 111, 109}},  // no such words
+      {"right", "center", "bbbbbbbbbbb", {100, 112, 209, 119}},          // 110 wide
+      {"center", "top", "aaaaaaaaaaaaaaaa", {103, 102, 197, 109}},       // 96 wide: 4 / 2 to the right
       {"center",
        "top",
        "\xC3\xA9"

@@ -35,7 +35,7 @@ TEST_F(TextStyleTest, AttributesAreReadInOrder) {
   ASSERT_TRUE(loadStyles(
       "{}, {name: one, font: blocks.ttf, size: 10, tracking: 16, letterExtra: 16, encoding: utf16, underline: true},"
       "{name: two, font: BLOCKS.ttf, letterExtra: 16, tracking: 16, encoding: ascii, antialias: true, gridfit: false},"
-      "{name: two, size: 7, encoding: latin}, {name: none, font: nowhere.ttf}"));
+      "{name: two, size: 7, encoding: !string latin}, {name: none, font: nowhere.ttf}"));
   EXPECT_EQ(style("default").size, 24);
   EXPECT_EQ(style("default").encoding, 1);
   EXPECT_EQ(style("one").letterExtra, 16);
@@ -104,9 +104,7 @@ TEST_F(TextStyleTest, WhatHasNoFontAndWhatIsTooFarOrTooLargeDrawsNothing) {
   draw(style("body"), "a", 8001, 10);
   draw(style("body"), "a", -70000, 10);
   EXPECT_EQ(inked(), kNothing);
-  const size_t first = desktop.log.find("Error loading font");
-  EXPECT_NE(first, std::string::npos);
-  EXPECT_EQ(desktop.log.find("Error loading font", first + 1), std::string::npos);
+  EXPECT_EQ(desktop.log.find("Error loading font"), std::string::npos) << "the file is there";
 }
 
 }  // namespace

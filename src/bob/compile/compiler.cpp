@@ -35,7 +35,7 @@ BobValue BobCompiler::compileStatement(BobValue scopeObject) {
     const int token = scanner.next();
     if (token == kTokenEof) return 0;
     scanner.unread(token);
-    emit.addLiteral(kBobNil);
+    nameCode();
     emit.op(kOpAframe, 2, 0);
     statement();
     emit.op(kOpReturn);

@@ -13,6 +13,7 @@
 #include "bob/compile/emitter.h"
 #include "bob/compile/names.h"
 #include "bob/compile/scanner.h"
+#include "bob/compile/statementreader.h"
 #include "bob/heap/interp.h"
 #include "bob/heap/raise.h"
 
@@ -23,6 +24,7 @@ struct BobCompiler {
   BobValue compileStatement(BobValue scopeObject);
 
   BobScanner scanner;
+  BobCodeNames codeNames;
 
  private:
   static constexpr size_t kControlDepth = 20;
@@ -66,6 +68,7 @@ struct BobCompiler {
   bool accept(int token);
 
   // functions.cpp
+  void nameCode();
   void function(const char* name);
   void parameters(int* required, int* optional, int opcodeAt);
   void define();

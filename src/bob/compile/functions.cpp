@@ -1,6 +1,14 @@
 // Functions and definitions.
 #include "bob/compile/compiler.h"
 
+// The first literal of code that has no name of its own.
+void BobCompiler::nameCode() {
+  if (codeNames)
+    emit.addString(codeNames(scanner.lineNumber));
+  else
+    emit.addLiteral(kBobNil);
+}
+
 // Compiles parameters and body, and leaves a closure in val. `name` may be null.
 void BobCompiler::function(const char* name) {
   const Nested nested(this);
@@ -16,7 +24,7 @@ void BobCompiler::function(const char* name) {
   if (name)
     emit.addString(name);
   else
-    emit.addLiteral(kBobNil);
+    nameCode();
   names.add("this");
   names.add("_next");
   const int opcodeAt = emit.here();

@@ -5,17 +5,23 @@
 // the one outside then goes on after the statement that it is at.
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <string>
 
 #include "bob/base/stream.h"
 #include "bob/base/value.h"
 
 struct BobScope;
 
+// What code without a name of its own is called in tracebacks and listings, by the line on which it begins: that is
+// top-level statements and functions without a name.
+using BobCodeNames = std::function<std::string(int line)>;
+
 class BobStatementReader {
  public:
-  // The source must outlive the reader.
-  BobStatementReader(BobScope* scope, BobStream* source);
+  // The source must outlive the reader. Without `names` such code is anonymous.
+  BobStatementReader(BobScope* scope, BobStream* source, BobCodeNames names = {});
   ~BobStatementReader();
   BobStatementReader(const BobStatementReader&) = delete;
   BobStatementReader& operator=(const BobStatementReader&) = delete;

@@ -48,7 +48,7 @@ inline constexpr AttributeRow kRows[] = {
     {widget, "", "bgColor", color, "colour", "", "fills the widget's rectangle"},
     {widget, "", "background", string, "image file", "", "drawn over the colour"},
     {widget, "", "tileBackground", boolean, "boolean", "false", "repeats the image over the rectangle"},
-    {widget, "", "hidden", string, "`content`, `background`, `both`, `yes`, `true`", "",
+    {widget, "", "hidden", string, "`content`, `background`, `both`, `yes`, `true`, `none`, `no`, `false`", "none",
      "what is hidden at first; see below"},
     {widget, "", "timeout", integer, "milliseconds", "", "hides the widget that long after it is shown"},
     {widget, "", "highlightFrame", boolean, "boolean", "false", "a frame around the widget while it has the focus"},

@@ -6,7 +6,6 @@
 
 namespace {
 
-constexpr uint32_t kMaxPageWidgets = 65536;
 constexpr uint32_t kMaxLoadWidgets = 4 * kMaxPageWidgets;  // with the pages nested in the page
 
 bool runScript(Frame* frame, ScriptAttribute script, Widget* widget) {

@@ -22,6 +22,8 @@ struct LoadCount {
 
 LoadCount& currentLoadCount();  // of the engine that is current on this thread
 
+inline constexpr uint32_t kMaxPageWidgets = 65536;  // a page with more doesn't load
+
 struct Frame : Widget, WidgetOwner {
   using Widget::Widget;
 

@@ -3,7 +3,6 @@
 #include "engine/base/hostfile.h"
 #include "gfx/foundation/hsascii.h"
 #include "gfx/text/hsgfontregistry.h"
-#include "gfx/text/hsgscalercontextt2k.h"
 
 FontEntry* FontShelf::load(const char* fileName) {
   for (FontEntry& entry : fonts)
@@ -21,9 +20,7 @@ FontEntry* FontShelf::load(const char* fileName) {
     fonts.pop_front();
     return nullptr;
   }
-  // A file that holds no font is kept, so that it is read and logged once; it draws nothing.
-  if (!hsFontOpens(entry.scalerFont)) hostLog("Error loading font '%s'\n", fileName);
-  return &entry;
+  return &entry;  // a file that holds no font is kept like any other; it draws nothing
 }
 
 FontEntry* fontLoad(const char* fileName) { return currentFonts().load(fileName); }

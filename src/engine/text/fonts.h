@@ -16,6 +16,7 @@ struct FontEntry {
 class FontShelf {
  public:
   FontEntry* load(const char* fileName);
+  const std::list<FontEntry>& all() const { return fonts; }
 
  private:
   std::list<FontEntry> fonts;

@@ -6,15 +6,13 @@
 
 namespace {
 
-constexpr int kMaxDepth = 256;  // a child nested deeper counts as absent
-
 // False when a child fails, or when a nested page's script has taken the frame away meanwhile.
 bool createChildren(Widget* group, const PageTable& children) {
   Frame* frame = frameOf(group);
   const uint32_t generation = frame->generation;
   for (uint32_t i = 0; i < children.count(); ++i) {
     const PageObject record = children.object(i);
-    if (!record || group->depth >= kMaxDepth || engineStackSpent()) continue;
+    if (!record || group->depth >= kMaxWidgetDepth || engineStackSpent()) continue;
     Widget* child = widgetFromRecord(group->owner, group, record);
     if (!child) return false;
     if (frame->gone || frame->generation != generation) {

@@ -3,5 +3,7 @@
 
 #include "engine/page/widget.h"
 
+inline constexpr int kMaxWidgetDepth = 256;  // a child nested deeper counts as absent
+
 // Null on failure, a child's included.
 Widget* groupCreate(WidgetOwner* owner, Widget* parent, PageObject record);

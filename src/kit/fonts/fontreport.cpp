@@ -84,6 +84,15 @@ void printTables(hsSfntBytes directory, std::ostream& out) {
   out << "\n";
 }
 
+// The first of the tables without which the engine opens no font that isn't there.
+std::string missingTable(hsSfntBytes bytes) {
+  for (const uint32_t tag : {hsTag("head"), hsTag("hhea"), hsTag("maxp")}) {
+    uint32_t length = 0;
+    if (hsSfnt::FindTable(bytes, tag, &length) == 0) return tagText(tag);
+  }
+  return "";
+}
+
 void printCharacterMaps(hsSfntBytes bytes, std::ostream& out) {
   uint32_t length = 0;
   const uint32_t offset = hsSfnt::FindTable(bytes, hsTag("cmap"), &length);
@@ -140,5 +149,7 @@ FontReport reportFont(const std::string& path) {
   if (opened.scaler) printMeasures(opened, out);
   out << "opens: " << (opened.scaler ? "yes" : "no") << "\n";
   if (opened.scaler) return {out.str(), ""};
-  return {out.str(), "the player can't draw with it (error " + std::to_string(opened.error) + ")"};
+  const std::string missing = kind == FontKind::sfnt ? missingTable(bytes) : "";
+  return {out.str(), "the player can't draw with it" + (missing.empty() ? "" : ": it has no '" + missing + "' table") +
+                         " (error " + std::to_string(opened.error) + ")"};
 }

@@ -1,8 +1,8 @@
 #include "kit/run/bobtools.h"
 
+#include <filesystem>
 #include <memory>
 
-#include "bob/compile/statementreader.h"
 #include "kit/errors.h"
 #include "kit/files.h"
 
@@ -35,19 +35,25 @@ bool runBobFile(BobRuntime& runtime, const std::string& path) {
   return bobTry(interp, [&] { bobRunSource(bobRootScope(interp), source.get(), nullptr); });
 }
 
-bool compileBobFile(BobRuntime& runtime, const std::string& source, const std::string& object) {
+bool compileBobFile(BobRuntime& runtime, const std::string& source, const std::string& object,
+                    const BobCodeNames& names) {
   refuseInput(object, {source});
   BobInterp* interp = runtime.interp;
   const std::unique_ptr<BobStream> input = open(interp, source, "r");
   BobTextStream output;
   const bool compiled = bobTry(interp, [&] {
     bobWriteHeader(&output);
-    BobStatementReader statements(bobRootScope(interp), input.get());
+    BobStatementReader statements(bobRootScope(interp), input.get(), names);
     while (const BobValue method = statements.next())
       if (!bobWriteValue(interp, bobMethodCode(interp, method), &output)) bobRaise(interp, kBobWritingFile);
   });
   if (compiled) writeFile(object, output.text.data(), output.text.size());
   return compiled;
+}
+
+BobCodeNames codeNamesByLine(const std::string& path) {
+  return
+      [name = std::filesystem::path(path).filename().string()](int line) { return name + ":" + std::to_string(line); };
 }
 
 bool listBobFile(BobRuntime& runtime, const std::string& path) {

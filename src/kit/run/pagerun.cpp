@@ -2,19 +2,10 @@
 
 #include <filesystem>
 
-#include "gfx/foundation/hsascii.h"
+#include "gfx/text/hsgscalercontextt2k.h"
 #include "kit/source/pagebuild.h"
 
 namespace fs = std::filesystem;
-
-namespace {
-
-bool isPageSource(const std::string& path) {
-  const std::string extension = fs::path(path).extension().string();
-  return hsAsciiEqualIgnoringCase(extension.c_str(), ".yaml") || hsAsciiEqualIgnoringCase(extension.c_str(), ".yml");
-}
-
-}  // namespace
 
 PageRun::PageRun(const PageRunOptions& options) : desktop(options.limitSeconds) {
   desktop.shell.engine.scriptsMayWriteFiles = !options.readOnly;
@@ -63,6 +54,14 @@ std::vector<std::string> PageRun::inputs() const {
   std::vector<std::string> all = sources;
   for (const fs::path& path : desktop.filesRead()) all.push_back(path.string());
   return all;
+}
+
+std::vector<std::string> PageRun::unusableFonts() {
+  const EngineScope here(desktop.shell.engine);
+  std::vector<std::string> names;
+  for (const FontEntry& font : desktop.shell.engine.fonts.all())
+    if (!hsFontOpens(font.scalerFont)) names.push_back(font.name);
+  return names;
 }
 
 PagePicture PageRun::take() {

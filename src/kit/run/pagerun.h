@@ -50,6 +50,9 @@ class PageRun {
   // All files that were read so far.
   std::vector<std::string> inputs() const;
 
+  // Fonts that were read and that the player can't draw with, by the names that the page or a script gave.
+  std::vector<std::string> unusableFonts();
+
   // What the window would show. The run is over then: the picture takes its pixels.
   PagePicture take();
 

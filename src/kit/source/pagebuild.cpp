@@ -3,18 +3,22 @@
 #include <filesystem>
 #include <utility>
 
+#include "gfx/foundation/hsascii.h"
 #include "kit/files.h"
 #include "kit/run/bobruntime.h"
-#include "kit/source/pagesource.h"
-#include "kit/source/pagewriter.h"
 
 namespace fs = std::filesystem;
 
-BuiltPage compilePage(const std::string& source, const KitWarn& warn) {
-  PageTree page = readPageSource(source, warn);
-  BuiltPage built{{}, {}, {source}};
+bool isPageSource(const std::string& path) {
+  const std::string extension = fs::path(path).extension().string();
+  return hsAsciiEqualIgnoringCase(extension.c_str(), ".yaml") || hsAsciiEqualIgnoringCase(extension.c_str(), ".yml");
+}
+
+BuiltPage compilePage(const std::string& source, const KitWarn& warn, const PageSourceOptions& options) {
+  PageTree page = readPageSource(source, warn, options);
+  BuiltPage built{{}, {}, {source}, {}};
   try {
-    built.bytes = writePage(page);
+    built.bytes = writePage(page, &built.places);
   } catch (const std::length_error& e) {
     throw KitError(source, e.what());
   }
@@ -26,8 +30,9 @@ BuiltPage compilePage(const std::string& source, const KitWarn& warn) {
   return built;
 }
 
-void buildPage(const std::string& source, const std::string& output, const KitWarn& warn) {
-  const BuiltPage page = compilePage(source, warn);
+void buildPage(const std::string& source, const std::string& output, const KitWarn& warn,
+               const PageSourceOptions& options) {
+  const BuiltPage page = compilePage(source, warn, options);
   if (isStandardOutput(output) && !page.scriptFiles.empty())
     throw KitError(source, "its script files go beside the page, so the page needs a name; say -o PAGE.kpg");
   refuseInput(output, page.sources);

@@ -6,17 +6,24 @@
 #include <vector>
 
 #include "kit/errors.h"
+#include "kit/source/pagesource.h"
 #include "kit/source/pagetree.h"
+#include "kit/source/pagewriter.h"
 
 struct BuiltPage {
   std::vector<uint8_t> bytes;
   std::vector<ScriptFile> scriptFiles;  // to lie beside the page
   std::vector<std::string> sources;     // all that was read
+  PagePlaces places;
 };
 
+// By its name: .yaml or .yml.
+bool isPageSource(const std::string& path);
+
 // Throws KitError.
-BuiltPage compilePage(const std::string& source, const KitWarn& warn = {});
+BuiltPage compilePage(const std::string& source, const KitWarn& warn = {}, const PageSourceOptions& options = {});
 
 // Compiles the source to `output`, and the script files that it names to object files beside that; all are written, or
 // none. Throws KitError.
-void buildPage(const std::string& source, const std::string& output, const KitWarn& warn = {});
+void buildPage(const std::string& source, const std::string& output, const KitWarn& warn = {},
+               const PageSourceOptions& options = {});

@@ -88,10 +88,11 @@ class Dumper {
       line(indent, "# and so on");
     } else {
       const std::string type = typeOf(record);
+      const bool hasType = attrFind(record, "type").has_value();
       for (uint32_t i = 0; i < record.attributeCount(); ++i) {
         const PageAttribute a = pageAttribute(record, i);
         if (a.name) {
-          attribute(a, attributeForm(kind, type, a.name), indent);
+          attribute(a, {attributeForm(kind, type, a.name), isRefused(a, kind, type, hasType)}, indent);
         } else {
           line(indent, "# an attribute whose name lies outside the file");
         }
@@ -120,32 +121,45 @@ class Dumper {
     return type;
   }
 
-  void attribute(const PageAttribute& a, AttributeForm form, int indent) {
+  // How build reads an attribute without a tag.
+  struct Reading {
+    AttributeForm form;
+    bool isRefused;  // it does not take the value that the page has
+  };
+
+  static bool isRefused(const PageAttribute& a, ObjectKind kind, std::string_view type, bool hasType) {
+    const char* text;
+    if (isChildrenOfPlainBox(kind, type, a.name)) return true;
+    if (!hasType && isMisspeltType(kind, a.name)) return true;
+    return PageTag(a.tag) == PageTag::string && attrString(a, &text) && !isAttributeWord(kind, type, a.name, text);
+  }
+
+  void attribute(const PageAttribute& a, Reading reading, int indent) {
     const std::string key = keyText(a.name) + ":";
     switch (PageTag(a.tag)) {
       case PageTag::integer:
-        return line(indent, key + tagUnless(form, AttributeKind::integer, true, "!int") + integer(a));
-      case PageTag::boolean: return line(indent, key + boolean(a, form));
+        return line(indent, key + tagUnless(reading, AttributeKind::integer, true, "!int") + integer(a));
+      case PageTag::boolean: return line(indent, key + boolean(a, reading));
       case PageTag::color:
-        return line(indent, key + tagUnless(form, AttributeKind::color, false, "!color") + hex(a.value));
-      case PageTag::string: return string(a, form, indent, key);
+        return line(indent, key + tagUnless(reading, AttributeKind::color, false, "!color") + hex(a.value));
+      case PageTag::string: return string(a, reading, indent, key);
       case PageTag::script: return script(a, indent, key);
       case PageTag::object: return nested(a, indent, key);
-      case PageTag::table: return table(a, form, indent, key);
+      case PageTag::table: return table(a, reading, indent, key);
       default: line(indent, "# " + key + " unknown type " + std::to_string(a.tag));
     }
   }
 
   // A tag where the builder would not choose that type by itself.
-  static std::string tagUnless(AttributeForm form, AttributeKind wanted, bool byLooks, const char* tag) {
-    const bool chosen = form == wanted || (byLooks && !form);
+  static std::string tagUnless(Reading reading, AttributeKind wanted, bool byLooks, const char* tag) {
+    const bool chosen = !reading.isRefused && (reading.form == wanted || (byLooks && !reading.form));
     return chosen ? " " : std::string(" ") + tag + " ";
   }
 
   static std::string integer(const PageAttribute& a) { return std::to_string(int32_t(a.value)); }
 
-  static std::string boolean(const PageAttribute& a, AttributeForm form) {
-    const std::string tag = tagUnless(form, AttributeKind::boolean, true, "!bool");
+  static std::string boolean(const PageAttribute& a, Reading reading) {
+    const std::string tag = tagUnless(reading, AttributeKind::boolean, true, "!bool");
     if (a.value > 1) return " !bool " + std::to_string(a.value);
     return tag + (a.value ? "true" : "false");
   }
@@ -156,11 +170,11 @@ class Dumper {
     return text;
   }
 
-  void string(const PageAttribute& a, AttributeForm form, int indent, const std::string& key) {
+  void string(const PageAttribute& a, Reading reading, int indent, const std::string& key) {
     const char* text;
     if (!attrString(a, &text)) return line(indent, "# " + key + " a string outside the file");
     line(indent,
-         key + tagUnless(form, AttributeKind::string, true, "!string") + (isPlainWord(text) ? text : quoted(text)));
+         key + tagUnless(reading, AttributeKind::string, true, "!string") + (isPlainWord(text) ? text : quoted(text)));
   }
 
   void script(const PageAttribute& a, int indent, const std::string& key) {
@@ -190,12 +204,13 @@ class Dumper {
     if (record) object(record, ObjectKind::other, indent + 2);
   }
 
-  void table(const PageAttribute& a, AttributeForm form, int indent, const std::string& key) {
+  void table(const PageAttribute& a, Reading reading, int indent, const std::string& key) {
+    const AttributeForm form = reading.form;
     PageTable table;
     if (!attrTable(a, &table)) return line(indent, "# " + key + " a table outside the file");
     const ObjectKind kind = tableObjectKind(form);
     const uint32_t count = table.count();
-    bool expected = kind != ObjectKind::other || form == AttributeKind::files || !form;
+    bool expected = !reading.isRefused && (kind != ObjectKind::other || form == AttributeKind::files || !form);
     for (uint32_t i = 0; i < count; ++i) {
       const bool asText = isText(table, i, kind);
       const bool asIs = form == AttributeKind::files
@@ -219,7 +234,7 @@ class Dumper {
   bool isText(const PageTable& table, uint32_t i, ObjectKind kind) const {
     const char* text = table.string(i);
     if (!text || looksLikeObject(table.object(i))) return false;
-    return kind == ObjectKind::other || std::all_of(text, text + std::strlen(text), [](char c) { return c >= ' '; });
+    return kind == ObjectKind::other || std::all_of(text, text + std::strlen(text), [](uint8_t c) { return c >= ' '; });
   }
 
   // Nothing in the file says what a table of unknown use leads to. What reads as a record with good attributes is one:

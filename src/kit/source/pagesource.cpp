@@ -1,41 +1,29 @@
 #include "kit/source/pagesource.h"
 
-#include <cctype>
-#include <charconv>
+#include <algorithm>
 #include <filesystem>
+#include <map>
 #include <memory>
-#include <optional>
-#include <set>
+#include <utility>
 
-#include "engine/screen/display.h"
-#include "engine/screen/standardcolor.h"
-#include "host/color.h"
-#include "kit/errors.h"
+#include "engine/page/frame.h"
+#include "engine/widgets/group.h"
 #include "kit/files.h"
-#include "kit/source/base64.h"
+#include "kit/run/bobtools.h"
 #include "kit/source/schema.h"
 #include "kit/source/scripts.h"
+#include "kit/source/sourcevalue.h"
+#include "kit/suggest.h"
 #include "kit/yaml/readyaml.h"
+
+namespace fs = std::filesystem;
 
 namespace {
 
 constexpr int kMaxObjects = 500'000;  // far beyond what a page may hold
 
-std::optional<int64_t> parseInteger(std::string_view text) {
-  const bool negative = text.starts_with('-');
-  if (negative || text.starts_with('+')) text.remove_prefix(1);
-  const bool hex = text.starts_with("0x") || text.starts_with("0X");
-  if (hex) text.remove_prefix(2);
-  uint64_t value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, hex ? 16 : 10);
-  if (error != std::errc() || end != text.data() + text.size() || value > 0xFFFFFFFF) return std::nullopt;
-  return negative ? -int64_t(value) : int64_t(value);
-}
-
-std::optional<bool> parseBoolean(std::string_view text) {
-  if (text == "true" || text == "yes" || text == "1") return true;
-  if (text == "false" || text == "no" || text == "0") return false;
-  return std::nullopt;
+std::vector<std::string> tagNames() {
+  return {"!int", "!bool", "!color", "!string", "!script", "!scriptdata", "!object", "!table"};
 }
 
 bool isText(const YamlNode& node) {
@@ -44,197 +32,311 @@ bool isText(const YamlNode& node) {
 
 bool isPlain(const YamlNode& node) { return node.tag.empty() || node.tag.starts_with("!!"); }
 
+[[noreturn]] void fail(const YamlPlace& place, const std::string& text) { throw SourceFault{place, text}; }
+[[noreturn]] void fail(const YamlNode& node, const std::string& text) { fail(node.place, text); }
+
+// The source as YAML; what authors give by mistake gets a sentence of its own.
+YamlNode readPageYaml(const std::string& file) {
+  const std::vector<uint8_t> bytes = readFile(file);
+  const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+  if (text.starts_with("KPGF")) throw KitError(file, "is a compiled page, no source; kpg dump prints a page as source");
+  if (text.find('\0') != std::string_view::npos) throw KitError(file, "is no text in UTF-8; a page source is YAML");
+  YamlNode top = parseYaml(file, std::string(text));
+  if (top.isNull()) throw KitError(file, "is empty; a page source is a map with 'flags' and 'page'");
+  if (!top.isMap())
+    throw KitError(messageAt(top.place, "a page source is a map with 'flags' and 'page', not " + shownNode(top)));
+  return top;
+}
+
+// The source's own first, then those of each other file; what is reported of a node and its copies is reported once.
+std::vector<KitMessage> inOrder(std::vector<KitMessage> messages, const std::string& source) {
+  std::map<std::string, size_t> files{{source, 0}};
+  for (const KitMessage& message : messages) files.emplace(message.file, files.size());
+  const auto key = [&](const KitMessage& m) { return std::pair(files.at(m.file), m.line); };
+  std::stable_sort(messages.begin(), messages.end(), [&](const auto& a, const auto& b) { return key(a) < key(b); });
+  const auto same = [](const KitMessage& a, const KitMessage& b) { return a.whole() == b.whole(); };
+  messages.erase(std::unique(messages.begin(), messages.end(), same), messages.end());
+  return messages;
+}
+
+// Where the form is settled there is no choice for a tag.
+void expectNoTag(const YamlNode& node) {
+  if (!isPlain(node)) fail(node, "no tag can be used here: " + node.tag);
+}
+
 class SourceReader {
  public:
-  SourceReader(std::string f, const KitWarn& w) : file(std::move(f)), warn(w) {}
+  SourceReader(std::string f, const KitWarn& w, const PageSourceOptions& o) : file(std::move(f)), warn(w), options(o) {}
 
   PageTree read() {
-    const YamlNode top = readYaml(file);
-    expectMap(top, "a page source");
+    const YamlNode top = readPageYaml(file);
     PageTree page;
-    bool hasPage = false;
-    eachPair(top, [&](const std::string& key, const YamlNode& value, const YamlPlace& keyPlace) {
-      if (key == "flags") {
-        page.flags = flags(value);
+    eachPair(top, [&](const YamlPair& pair) {
+      if (pair.key == "flags") {
+        page.flags = flags(pair.value);
         indexed = page.flags & kPageIs8Bit;
-      } else if (key == "page") {
-        hasPage = true;
-      } else {
-        fail(keyPlace, "unknown key '" + key + "'; a page source has 'flags' and 'page'");
+      } else if (pair.key != "page") {
+        fail(pair.place, "is unknown; a page source has 'flags' and 'page'" + suggestion(pair.key, {"flags", "page"}));
       }
     });
-    if (!hasPage) fail(top, "there is no 'page'");
-    expectNoTag(*top.find("page"));
-    page.root = node(*top.find("page"), ObjectKind::root);
+    object.key = "page";
+    guarded([&] {
+      const YamlNode* root = top.find("page");
+      if (!root) fail(top, "there is none");
+      expectNoTag(*root);
+      page.root = node(*root, ObjectKind::root, 1);
+    });
+    if (!errors.empty()) throw KitError(inOrder(std::move(errors), file));
     page.scriptFiles = std::move(scriptFiles);
     return page;
   }
 
  private:
-  [[noreturn]] void fail(const YamlNode& node, const std::string& message) const {
-    throw KitError(messageAt(node.place, message));
+  // The object that is being read.
+  struct Object {
+    ObjectKind kind = ObjectKind::other;
+    std::string type, label;
+    std::string key;           // of the attribute that is being read
+    bool hasType = false;      // whatever it says
+    bool typeIsWrong = false;  // then nothing is said of what it lacks
+    int depth = 0;             // of a widget
+  };
+
+  // Keeps a fault of what `work` reads, and goes on.
+  template <class F>
+  void guarded(F&& work) {
+    try {
+      work();
+    } catch (const SourceFault& fault) {
+      report(fault);
+    }
   }
 
-  void expectMap(const YamlNode& node, const std::string& what) const {
-    if (!node.isMap()) fail(node, what + " must be a map");
-  }
+  void report(const SourceFault& fault) { errors.push_back(messageAt(fault.at, whatIsRead() + ": " + fault.text)); }
 
-  // Where the form is settled there is no choice for a tag.
-  void expectNoTag(const YamlNode& node) const {
-    if (!isPlain(node)) fail(node, "no tag can be used here: " + node.tag);
-  }
-
-  [[noreturn]] void fail(const YamlPlace& place, const std::string& message) const {
-    throw KitError(messageAt(place, message));
-  }
+  std::string whatIsRead() const { return object.label.empty() ? object.key : object.key + " of " + object.label; }
 
   // Calls back with each pair in source order; a repeated key is an error.
   template <class F>
-  void eachPair(const YamlNode& map, F&& f) const {
-    std::set<std::string> seen;
+  void eachPair(const YamlNode& map, F&& work) {
+    std::map<std::string_view, int> seen;
     for (const YamlPair& pair : map.map) {
-      if (!seen.insert(pair.key).second) fail(pair.place, "'" + pair.key + "' is given twice");
-      f(pair.key, pair.value, pair.place);
+      object.key = pair.key;
+      guarded([&] {
+        const auto [first, isNew] = seen.emplace(pair.key, pair.place.line);
+        if (!isNew) fail(pair.place, "is given twice, first in line " + std::to_string(first->second));
+        work(pair);
+      });
     }
   }
 
   uint32_t flags(const YamlNode& value) const {
     expectNoTag(value);
-    if (value.isScalar()) {
-      if (value.text == "8bit") return kPageIs8Bit;
-      if (value.text == "16bit") return 0;
-      if (const auto number = parseInteger(value.text)) return uint32_t(*number);
-    }
-    fail(value, "'flags' is 8bit or 16bit");
+    const std::string& text = scalarText(value, "8bit or 16bit");
+    if (text == "8bit") return kPageIs8Bit;
+    if (text == "16bit") return 0;
+    if (const auto number = parseInteger(text)) return uint32_t(*number);
+    fail(value, shownNode(value) + " is neither 8bit nor 16bit");
   }
 
-  const std::string& scalar(const YamlNode& value, const char* what) const {
-    if (!value.isScalar()) fail(value, std::string("expecting ") + what);
-    return value.text;
-  }
+  // -- objects
 
-  uint16_t position(const YamlNode& value) const {
-    expectNoTag(value);
-    const auto number = parseInteger(scalar(value, "a number of pixels"));
-    if (!number || *number < 0 || *number > 65535) fail(value, "a position or size goes from 0 to 65535");
-    return uint16_t(*number);
-  }
-
-  PageNode node(const YamlNode& source, ObjectKind kind) {
-    expectMap(source, "an object");
-    if (++objectCount > kMaxObjects) fail(source, "there are too many objects");
-    const std::string type = typeOf(source);
+  PageNode node(const YamlNode& source, ObjectKind kind, size_t number) {
+    if (!source.isMap()) fail(source, "expecting a map of attributes, found " + shownNode(source));
     PageNode result;
-    eachPair(source, [&](const std::string& key, const YamlNode& value, const YamlPlace& keyPlace) {
-      if (key == "x") return void(result.x = position(value));
-      if (key == "y") return void(result.y = position(value));
-      if (key == "width") return void(result.width = position(value));
-      if (key == "height") return void(result.height = position(value));
-      if (key.find('\0') != std::string::npos) fail(keyPlace, "a name can't hold a zero byte");
-      const AttributeForm form = attributeForm(kind, type, key);
-      if (!form && kind != ObjectKind::other) warnAt(keyPlace, "nothing reads '" + key + "'");
-      result.attributes.push_back({key, attribute(value, form)});
+    result.place = source.place;
+    if (!countObject(source, kind)) return result;
+    Object outer = std::exchange(object, describe(source, kind, number));
+    checkDepth(source);
+    eachPair(source, [&](const YamlPair& pair) {
+      if (pair.key == "x") return void(result.x = position(pair.value));
+      if (pair.key == "y") return void(result.y = position(pair.value));
+      if (pair.key == "width") return void(result.width = position(pair.value));
+      if (pair.key == "height") return void(result.height = position(pair.value));
+      if (pair.key.find('\0') != std::string::npos) fail(pair.place, "a name can't hold a zero byte");
+      result.attributes.push_back({pair.key, attribute(pair)});
     });
+    object = std::move(outer);
     return result;
   }
 
-  static std::string typeOf(const YamlNode& source) {
-    const YamlNode* type = source.find("type");
-    return type && type->isScalar() ? type->text : "";
+  static uint16_t position(const YamlNode& value) {
+    expectNoTag(value);
+    return positionValue(value);
   }
 
-  void warnAt(const YamlPlace& place, const std::string& message) const {
-    if (warn) warn(messageAt(place, "warning: " + message));
+  // A type that is misspelt is read as the one that was meant, so that it alone is at fault.
+  Object describe(const YamlNode& source, ObjectKind kind, size_t number) const {
+    const bool isWidget = kind == ObjectKind::root || kind == ObjectKind::widget;
+    Object result;
+    result.kind = kind;
+    if (kind == ObjectKind::widget) result.depth = object.depth + 1;
+    const YamlNode* type = isWidget ? source.find("type") : nullptr;
+    result.hasType = type;
+    if (type && type->isScalar()) {
+      result.type = type->text;
+      if (!isWidgetType(result.type) && isPlain(*type)) {
+        result.type = nearestWord(type->text, attributeWords(kind, "", "type"));
+        result.typeIsWrong = true;
+      }
+    }
+    const YamlNode* name = isWidget || kind == ObjectKind::style ? source.find("name") : nullptr;
+    const bool isNamed = name && name->isScalar() && (isPlain(*name) || name->tag == "!string");
+    result.label = objectLabel(kind, result.type, isNamed ? name->text : "", number);
+    return result;
   }
+
+  // False beyond the bounds, which is reported once.
+  bool countObject(const YamlNode& source, ObjectKind kind) {
+    const bool isWidget = kind == ObjectKind::root || kind == ObjectKind::widget;
+    ++objectCount;
+    widgetCount += isWidget;
+    if (isWidget && widgetCount == kMaxPageWidgets + 1)
+      fail(source, "the page holds more than 65,536 widgets, and the player doesn't load such a page");
+    if (objectCount == kMaxObjects + 1) fail(source, "there are too many objects");
+    return widgetCount <= kMaxPageWidgets && objectCount <= kMaxObjects;
+  }
+
+  void checkDepth(const YamlNode& source) {
+    if (object.depth == kMaxWidgetDepth + 1)
+      errors.push_back(
+          messageAt(source.place, object.label + " lies in more than 256 widgets; the player leaves it out"));
+  }
+
+  void warnAt(const YamlPlace& place, const std::string& text) const {
+    if (warn) warn(messageAt(place, "warning: " + text));
+  }
+
+  void warnOfUnread(const YamlPair& pair) const {
+    const std::string owners = whatHas(pair.key);
+    warnAt(pair.place, whatIsRead() + ": nothing reads it" +
+                           (owners.empty() ? suggestion(pair.key, attributeNames(object.kind, object.type))
+                                           : "; " + owners + " has one"));
+  }
+
+  // -- values
 
   // A YAML tag decides over the form that the reader wants.
-  PageValue attribute(const YamlNode& value, AttributeForm form) {
-    const std::string& tag = value.tag;
-    if (tag == "!int") return integer(value);
-    if (tag == "!bool") return boolean(value);
-    if (tag == "!color") return color(value);
-    if (tag == "!string") return string(value);
-    if (tag == "!script") return script(value);
-    if (tag == "!scriptdata") return scriptData(value);
-    if (tag == "!object") return object(value);
-    if (tag == "!table") return table(value, tableObjectKind(form));
-    if (!isPlain(value)) fail(value, "unknown tag " + tag);
+  PageValue attribute(const YamlPair& pair) {
+    const YamlNode& value = pair.value;
+    AttributeForm form = attributeForm(object.kind, object.type, pair.key);
+    if (isPlain(value) && isChildrenOfPlainBox(object.kind, object.type, pair.key)) {
+      if (!object.typeIsWrong) report({pair.place, "a plain box shows none; say 'type: group'"});
+      form = AttributeKind::widgets;  // so that what is wrong with them is reported, too
+    }
+    if (!form && !object.hasType && isPlain(value) && isMisspeltType(object.kind, pair.key))
+      fail(pair.place, "nothing reads it; did you mean 'type'?");
+    if (!form && object.kind != ObjectKind::other && !object.typeIsWrong) warnOfUnread(pair);
+    if (isPlain(value)) return form ? byForm(pair, *form) : byLooks(value);
+    return byTag(pair, form);
+  }
 
-    if (!form) return byLooks(value);
-    switch (*form) {
-      case AttributeKind::integer: return integer(value);
-      case AttributeKind::boolean: return boolean(value);
-      case AttributeKind::color: return color(value);
-      case AttributeKind::string: return string(value);
-      case AttributeKind::script: return script(value);
+  PageValue byTag(const YamlPair& pair, AttributeForm form) {
+    const YamlNode& value = pair.value;
+    const std::string& tag = value.tag;
+    if (tag == "!int") return integerValue(value);
+    if (tag == "!bool") return booleanValue(value);
+    if (tag == "!color") return colorValue(value, indexed);
+    if (tag == "!string") return stringValue(value);
+    if (tag == "!script") return script(pair);
+    if (tag == "!scriptdata") return scriptDataValue(value);
+    if (tag == "!object") return nested(value);
+    if (tag == "!table") return table(value, tableObjectKind(form));
+    fail(value, "unknown tag " + tag + "; there are " + listOfWords(tagNames()) + suggestion(tag, tagNames()));
+  }
+
+  PageValue byForm(const YamlPair& pair, AttributeKind kind) {
+    const YamlNode& value = pair.value;
+    switch (kind) {
+      case AttributeKind::integer: return integerValue(value);
+      case AttributeKind::boolean: return booleanValue(value);
+      case AttributeKind::color: return colorValue(value, indexed);
+      case AttributeKind::string: return word(pair);
+      case AttributeKind::script: return script(pair);
+      case AttributeKind::files: return files(value);
       case AttributeKind::widgets:
       case AttributeKind::styles:
-      case AttributeKind::lines: return objects(value, form);
-      case AttributeKind::files: return files(value);
+      case AttributeKind::lines: break;
     }
-    return byLooks(value);
+    if (!value.isList()) fail(value, "expecting a list, found " + shownNode(value));
+    return table(value, tableObjectKind(kind), true);
   }
 
-  PageValue number(PageTag tag, uint32_t n) const {
+  PageValue byLooks(const YamlNode& value) {
+    if (value.isMap()) return nested(value);
+    if (value.isList()) return table(value, ObjectKind::other);
+    if (value.isNull() || isText(value)) return stringValue(value);
+    const auto n = parseInteger(value.text);
+    if (n && *n >= INT32_MIN) return integerValue(value);
+    if (value.text == "true" || value.text == "false") return booleanValue(value);
+    return stringValue(value);
+  }
+
+  // A text; where the player knows some words only, it must be one of them.
+  PageValue word(const YamlPair& pair) const {
+    PageValue value = stringValue(pair.value);
+    if (isAttributeWord(object.kind, object.type, pair.key, value.bytes)) return value;
+    const std::vector<std::string> words = attributeWords(object.kind, object.type, pair.key);
+    fail(pair.value, shownNode(pair.value) + " is not " + (words.size() > 1 ? "one of " : "") +
+                         listOfWords(words, "and") + suggestion(value.bytes, words));
+  }
+
+  PageValue nested(const YamlNode& value) {
     PageValue result;
-    result.tag = tag;
-    result.number = n;
+    result.tag = PageTag::object;
+    if (!value.isNull() && !(value.isScalar() && value.text.empty()))
+      result.object.push_back(node(value, ObjectKind::other, 1));
     return result;
   }
 
-  PageValue integer(const YamlNode& value) const {
-    const auto n = parseInteger(scalar(value, "a whole number"));
-    if (!n || *n < INT32_MIN) fail(value, "'" + value.text + "' is no whole number of 32 bits");
-    return number(PageTag::integer, uint32_t(*n));
-  }
-
-  PageValue boolean(const YamlNode& value) const {
-    const std::string& text = scalar(value, "true or false");
-    const auto flag = parseBoolean(text);
-    // Any word is a number to the engine, so the tag's own values come back as they were.
-    if (!flag && value.tag == "!bool")
-      if (const auto n = parseInteger(text)) return number(PageTag::boolean, uint32_t(*n));
-    if (!flag) fail(value, "'" + text + "' is neither true nor false");
-    return number(PageTag::boolean, *flag);
-  }
-
-  PageValue color(const YamlNode& value) const {
-    const std::string& text = scalar(value, "a colour");
-    const int depth = indexed ? 8 : 16;
-    if (text == "black") return number(PageTag::color, standardColorFor(kColorBlack, depth));
-    if (text == "white") return number(PageTag::color, standardColorFor(kColorWhite, depth));
-    if (text == "transparent") return number(PageTag::color, standardColorFor(kColorTransparent, depth));
-    if (text.starts_with('#')) return rgb(value, text.substr(1));
-    const auto n = parseInteger(text);
-    if (!n || *n < 0) fail(value, "'" + text + "' is no colour");
-    return number(PageTag::color, uint32_t(*n));
-  }
-
-  PageValue rgb(const YamlNode& value, const std::string& digits) const {
-    if (indexed) fail(value, "\"#RRGGBB\" is for 16-bit pages; an 8-bit page takes an index of its colour table");
-    const auto n = digits.size() == 6 ? parseInteger("0x" + digits) : std::nullopt;
-    if (!n) fail(value, "'#" + digits + "' is no colour of the form #RRGGBB");
-    return number(PageTag::color, rgbToYCrCb(uint32_t(*n) << 8));
-  }
-
-  PageValue string(const YamlNode& value) const {
+  PageValue table(const YamlNode& value, ObjectKind kind, bool objectsOnly = false) {
     PageValue result;
-    result.tag = PageTag::string;
-    result.bytes = value.isNull() ? "" : scalar(value, "text");
-    if (result.bytes.find('\0') != std::string::npos) fail(value, "a text can't hold a zero byte");
+    result.tag = PageTag::table;
+    if (value.isNull() || (value.isScalar() && value.text.empty())) return result;
+    if (!value.isList()) fail(value, "expecting a list, found " + shownNode(value));
+    for (size_t i = 0; i < value.list.size(); ++i)
+      guarded([&] { result.table.push_back(entry(value.list[i], kind, i + 1, objectsOnly)); });
     return result;
   }
 
-  PageValue script(const YamlNode& value) {
+  PageValue entry(const YamlNode& item, ObjectKind kind, size_t number, bool objectsOnly) {
+    expectNoTag(item);
+    if (!item.isMap() && objectsOnly) fail(item, "an entry is a map of attributes, not " + shownNode(item));
+    if (!item.isMap()) return stringValue(item);
+    PageValue result;
+    result.tag = PageTag::object;
+    result.object.push_back(node(item, kind, number));
+    return result;
+  }
+
+  // -- scripts
+
+  PageValue script(const YamlPair& pair) {
+    const YamlNode& value = pair.value;
     PageValue result;
     result.tag = PageTag::script;
-    const std::string source = value.isNull() ? "" : scalar(value, "a script");
+    const std::string source = value.isNull() ? "" : scalarText(value, "a script");
     try {
-      result.bytes = compiler().compile(source);
+      result.bytes = compiler().compile(source, codeNames(pair));
     } catch (const ScriptError& e) {
-      throw KitError(*value.place.file, value.textLine + e.line - 1, e.what());
+      YamlPlace place = value.place;
+      place.line = lineInSource(value, e.line);
+      fail(place, e.what());
     }
     return result;
+  }
+
+  // FILE:LINE WIDGET.HOOK
+  BobCodeNames codeNames(const YamlPair& pair) const {
+    if (options.strip) return nullptr;
+    const YamlNode& value = pair.value;
+    return [&value, name = fs::path(*value.place.file).filename().string(), hook = object.label + "." + pair.key](
+               int line) { return name + ":" + std::to_string(lineInSource(value, line)) + " " + hook; };
+  }
+
+  // Only after a bar do the lines of a script lie in the source as they are.
+  static int lineInSource(const YamlNode& script, int line) {
+    return script.style == YamlNode::Style::block ? script.textLine + line - 1 : script.textLine;
   }
 
   // Made when there is something to compile.
@@ -243,98 +345,54 @@ class SourceReader {
     return *scripts;
   }
 
-  PageValue scriptData(const YamlNode& value) const {
-    const auto bytes = base64Decode(value.isNull() ? "" : scalar(value, "base64"));
-    if (!bytes) fail(value, "this is no base64");
-    PageValue result;
-    result.tag = PageTag::script;
-    result.bytes = *bytes;
-    return result;
-  }
-
-  PageValue object(const YamlNode& value) {
-    PageValue result;
-    result.tag = PageTag::object;
-    if (!value.isNull() && !(value.isScalar() && value.text.empty()))
-      result.object.push_back(node(value, ObjectKind::other));
-    return result;
-  }
-
-  PageValue objects(const YamlNode& value, AttributeForm form) {
-    if (!value.isList()) fail(value, "expecting a list of objects");
-    for (const YamlNode& item : value.list) expectMap(item, "an entry of this list");
-    return table(value, tableObjectKind(form));
-  }
-
   PageValue files(const YamlNode& value) {
-    if (!value.isList()) fail(value, "expecting a list of file names");
+    if (!value.isList()) fail(value, "expecting a list of file names, found " + shownNode(value));
     PageValue result;
     result.tag = PageTag::table;
-    for (const YamlNode& item : value.list) {
-      expectNoTag(item);
-      PageValue name = string(item);
-      if (name.bytes.ends_with(".bob")) name.bytes = compileFile(item);
-      result.table.push_back(std::move(name));
-    }
+    for (const YamlNode& item : value.list)
+      guarded([&] {
+        expectNoTag(item);
+        PageValue name = stringValue(item);
+        if (name.bytes.ends_with(".bob")) name.bytes = compileFile(item);
+        result.table.push_back(std::move(name));
+      });
     return result;
   }
 
   // Compiles the script file of that name, beside the page source, and returns the object file's name.
   std::string compileFile(const YamlNode& item) {
     const std::string& name = item.text;
-    const std::string path = (std::filesystem::path(file).parent_path() / name).string();
+    const std::string path = (fs::path(file).parent_path() / name).string();
     std::vector<uint8_t> source;
     try {
       source = readFile(path);
-    } catch (const KitError&) {
-      fail(item, "can't read '" + name + "'");
+    } catch (const KitError& e) {
+      fail(item, "can't read '" + name + "': " + e.messages.front().text);
     }
     try {
-      scriptFiles.push_back(
-          {name + "o", compiler().compileFile({reinterpret_cast<char*>(source.data()), source.size()})});
+      const BobCodeNames names = options.strip ? nullptr : codeNamesByLine(path);
+      const std::string_view text(reinterpret_cast<char*>(source.data()), source.size());
+      scriptFiles.push_back({name + "o", compiler().compileFile(text, names)});
     } catch (const ScriptError& e) {
-      throw KitError(path, e.line, e.what());
+      errors.push_back({path, e.line, e.what()});
     }
-    return scriptFiles.back().name;
-  }
-
-  PageValue table(const YamlNode& value, ObjectKind kind) {
-    PageValue result;
-    result.tag = PageTag::table;
-    if (value.isNull() || (value.isScalar() && value.text.empty())) return result;
-    if (!value.isList()) fail(value, "expecting a list");
-    for (const YamlNode& item : value.list) {
-      expectNoTag(item);
-      if (!item.isMap()) {
-        result.table.push_back(string(item));
-        continue;
-      }
-      PageValue entry;
-      entry.tag = PageTag::object;
-      entry.object.push_back(node(item, kind));
-      result.table.push_back(std::move(entry));
-    }
-    return result;
-  }
-
-  PageValue byLooks(const YamlNode& value) {
-    if (value.isMap()) return object(value);
-    if (value.isList()) return table(value, ObjectKind::other);
-    if (value.isNull() || isText(value)) return string(value);
-    const auto n = parseInteger(value.text);
-    if (n && *n >= INT32_MIN) return integer(value);
-    if (value.text == "true" || value.text == "false") return boolean(value);
-    return string(value);
+    return name + "o";
   }
 
   std::string file;
+  const KitWarn& warn;
+  const PageSourceOptions options;
+  std::vector<KitMessage> errors;
   std::unique_ptr<ScriptCompiler> scripts;
   std::vector<ScriptFile> scriptFiles;
-  const KitWarn& warn;
+  Object object;
   bool indexed = false;  // an 8-bit page
   int objectCount = 0;
+  uint32_t widgetCount = 0;
 };
 
 }  // namespace
 
-PageTree readPageSource(const std::string& path, const KitWarn& warn) { return SourceReader(path, warn).read(); }
+PageTree readPageSource(const std::string& path, const KitWarn& warn, const PageSourceOptions& options) {
+  return SourceReader(path, warn, options).read();
+}

@@ -1,4 +1,6 @@
 // Page sources: YAML to a page tree.
+//
+// All that is wrong with a source is reported at once, in the order of its lines.
 #pragma once
 
 #include <string>
@@ -6,5 +8,11 @@
 #include "kit/errors.h"
 #include "kit/source/pagetree.h"
 
+struct PageSourceOptions {
+  // Leaves out the names of scripts, FILE:LINE WIDGET.HOOK, by which a traceback says where a fault is. They take some
+  // of the player's memory while a script runs.
+  bool strip = false;
+};
+
 // Reads the source at `path` and compiles its scripts. Throws KitError.
-PageTree readPageSource(const std::string& path, const KitWarn& warn = {});
+PageTree readPageSource(const std::string& path, const KitWarn& warn = {}, const PageSourceOptions& options = {});

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "engine/format/pagefile.h"
+#include "kit/yaml/yamlnode.h"
 
 struct PageNode;
 
@@ -26,6 +27,7 @@ struct PageEntry {
 struct PageNode {
   uint16_t x = 0, y = 0, width = 0, height = 0;
   std::vector<PageEntry> attributes;
+  YamlPlace place{};  // where its source begins; nowhere for one that no source was read for
 };
 
 // An object file that goes beside the page.

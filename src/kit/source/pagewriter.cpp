@@ -9,6 +9,8 @@ constexpr size_t kMaxNameOffset = 0xFFFFFF;
 
 class PageWriter {
  public:
+  explicit PageWriter(PagePlaces* p) : places(p) {}
+
   std::vector<uint8_t> write(const PageTree& page) {
     for (char c : {'K', 'P', 'G', 'F'}) bytes.push_back(uint8_t(c));
     put32(kVersion);
@@ -60,6 +62,7 @@ class PageWriter {
   // The record with its attributes, then what they lead to. Returns its offset.
   uint32_t node(const PageNode& node) {
     const uint32_t start = uint32_t(bytes.size());
+    if (places) places->emplace(start, node.place);
     for (uint16_t word : {node.x, node.y, node.width, node.height}) put16(word);
     put32(uint32_t(node.attributes.size()));
     const size_t entries = reserve(8 * node.attributes.size());
@@ -112,6 +115,7 @@ class PageWriter {
     std::string text;
   };
 
+  PagePlaces* places;
   std::vector<uint8_t> bytes;
   std::map<std::string, size_t> names;
   std::vector<PendingString> strings;
@@ -119,4 +123,4 @@ class PageWriter {
 
 }  // namespace
 
-std::vector<uint8_t> writePage(const PageTree& page) { return PageWriter().write(page); }
+std::vector<uint8_t> writePage(const PageTree& page, PagePlaces* places) { return PageWriter(places).write(page); }

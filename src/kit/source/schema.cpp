@@ -1,5 +1,9 @@
 #include "kit/source/schema.h"
 
+#include <algorithm>
+
+#include "kit/suggest.h"
+
 namespace {
 
 std::optional<AttributeOwner> ownerOf(ObjectKind kind) {
@@ -13,12 +17,98 @@ std::optional<AttributeOwner> ownerOf(ObjectKind kind) {
   return std::nullopt;
 }
 
+const AttributeRow* rowOf(ObjectKind kind, std::string_view type, std::string_view name) {
+  const auto owner = ownerOf(kind);
+  return owner ? attributeRow(*owner, type, name) : nullptr;
+}
+
+// "`a`, `b`" has the words a and b; whatever else there is in a cell is for people.
+std::vector<std::string> wordsIn(std::string_view cell) {
+  std::vector<std::string> words;
+  while (cell.starts_with('`')) {
+    const size_t end = cell.find('`', 1);
+    words.emplace_back(cell.substr(1, end - 1));
+    cell.remove_prefix(end + 1);
+    if (cell.starts_with(", ")) cell.remove_prefix(2);
+  }
+  return cell.empty() ? words : std::vector<std::string>();
+}
+
+std::string ownerName(const AttributeRow& row) {
+  switch (row.owner) {
+    case AttributeOwner::root: return "the page";
+    case AttributeOwner::style: return "a text style";
+    case AttributeOwner::line: return "a line of a textContainer";
+    case AttributeOwner::widget: break;
+  }
+  if (row.type.empty()) return "any widget";
+  return (row.type == "image" ? "an " : "a ") + std::string(row.type);
+}
+
+// No longer than a line of a traceback can be read, and on one line.
+std::string shortened(std::string_view name) {
+  constexpr size_t kMost = 40;
+  std::string text(name.substr(0, kMost));
+  if (name.size() > kMost) {
+    while (!text.empty() && (uint8_t(name[text.size()]) & 0xC0) == 0x80) text.pop_back();  // whole letters of UTF-8
+    text += "...";
+  }
+  for (char& c : text)
+    if (uint8_t(c) < ' ' || c == 0x7F) c = '?';
+  return text;
+}
+
 }  // namespace
 
 AttributeForm attributeForm(ObjectKind kind, std::string_view type, std::string_view name) {
-  const auto owner = ownerOf(kind);
-  const AttributeRow* row = owner ? attributeRow(*owner, type, name) : nullptr;
+  const AttributeRow* row = rowOf(kind, type, name);
   return row ? AttributeForm(row->kind) : std::nullopt;
+}
+
+std::vector<std::string> attributeWords(ObjectKind kind, std::string_view type, std::string_view name) {
+  const AttributeRow* row = rowOf(kind, type, name);
+  return row ? wordsIn(row->value) : std::vector<std::string>();
+}
+
+bool isAttributeWord(ObjectKind kind, std::string_view type, std::string_view name, std::string_view text) {
+  const std::vector<std::string> words = attributeWords(kind, type, name);
+  return words.empty() || std::find(words.begin(), words.end(), text) != words.end();
+}
+
+std::vector<std::string> attributeNames(ObjectKind kind, std::string_view type) {
+  std::vector<std::string> names = {"x", "y", "width", "height"};
+  for (const AttributeRow& row : attributeRows())
+    if (rowOf(kind, type, row.name)) names.emplace_back(row.name);
+  return names;
+}
+
+NamedThing namedBy(ObjectKind kind, std::string_view type, std::string_view name) {
+  const AttributeRow* row = rowOf(kind, type, name);
+  if (!row) return NamedThing::nothing;
+  if (row->value == "widget name") return NamedThing::widget;
+  if (row->value == "style name") return NamedThing::style;
+  return row->value.ends_with("file") || row->kind == AttributeKind::files ? NamedThing::file : NamedThing::nothing;
+}
+
+std::string whatHas(std::string_view name) {
+  std::vector<std::string> owners;
+  for (const AttributeRow& row : attributeRows())
+    if (row.name == name) owners.push_back(ownerName(row));
+  return listOfWords(owners, "or");
+}
+
+bool isWidgetType(std::string_view type) {
+  const auto isOfType = [type](const AttributeRow& row) { return row.type == type; };
+  return !type.empty() && std::any_of(attributeRows().begin(), attributeRows().end(), isOfType);
+}
+
+bool isChildrenOfPlainBox(ObjectKind kind, std::string_view type, std::string_view name) {
+  return (kind == ObjectKind::root || kind == ObjectKind::widget) && name == "children" && !isWidgetType(type);
+}
+
+bool isMisspeltType(ObjectKind kind, std::string_view name) {
+  const bool isWidget = kind == ObjectKind::root || kind == ObjectKind::widget;
+  return isWidget && whatHas(name).empty() && nearestWord(name, attributeNames(kind, "")) == "type";
 }
 
 ObjectKind tableObjectKind(AttributeForm form) {
@@ -26,4 +116,16 @@ ObjectKind tableObjectKind(AttributeForm form) {
   if (form == AttributeKind::styles) return ObjectKind::style;
   if (form == AttributeKind::lines) return ObjectKind::line;
   return ObjectKind::other;
+}
+
+std::string objectLabel(ObjectKind kind, std::string_view type, std::string_view name, size_t number) {
+  if (!name.empty()) return shortened(name);
+  switch (kind) {
+    case ObjectKind::root: return "page";
+    case ObjectKind::style: return "style" + std::to_string(number);
+    case ObjectKind::line: return "line" + std::to_string(number);
+    case ObjectKind::other: return "object" + std::to_string(number);
+    case ObjectKind::widget: break;
+  }
+  return (isWidgetType(type) ? std::string(type) : "box") + std::to_string(number);
 }

@@ -1,7 +1,5 @@
 #include "kit/source/scripts.h"
 
-#include "bob/compile/statementreader.h"
-
 ScriptCompiler::ScriptCompiler() {
   bobSetStderr(runtime.interp, &errors);
   bobSetErrorHandler(runtime.interp, keepError);
@@ -15,12 +13,12 @@ void ScriptCompiler::keepError(BobInterp* interp, int code, const BobErrorArgume
   bobPrintError(interp, code, argument);
 }
 
-std::string ScriptCompiler::compile(std::string_view source) {
+std::string ScriptCompiler::compile(std::string_view source, const BobCodeNames& names) {
   BobInterp* interp = runtime.interp;
   BobTextStream records;
   const bool compiled = bobTry(interp, [&] {
     BobStringInput input(source);
-    BobStatementReader statements(bobRootScope(interp), &input);
+    BobStatementReader statements(bobRootScope(interp), &input, names);
     while (const BobValue method = statements.next())
       if (!bobWriteValue(interp, bobMethodCode(interp, method), &records)) bobRaise(interp, kBobWritingFile);
   });
@@ -31,10 +29,10 @@ std::string ScriptCompiler::compile(std::string_view source) {
   throw ScriptError(errors.line, message);
 }
 
-std::string ScriptCompiler::compileFile(std::string_view source) {
+std::string ScriptCompiler::compileFile(std::string_view source, const BobCodeNames& names) {
   BobTextStream header;
   bobWriteHeader(&header);
-  return header.text + compile(source);
+  return header.text + compile(source, names);
 }
 
 std::string listScript(std::string_view records) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "bob/compile/statementreader.h"
 #include "kit/run/bobruntime.h"
 
 // An error in a script; `line` counts from 1 inside the script.
@@ -18,9 +19,9 @@ class ScriptCompiler {
   ScriptCompiler();
 
   // The records of all statements, as a page keeps them. Throws ScriptError.
-  std::string compile(std::string_view source);
+  std::string compile(std::string_view source, const BobCodeNames& names = {});
   // A whole object file.
-  std::string compileFile(std::string_view source);
+  std::string compileFile(std::string_view source, const BobCodeNames& names = {});
 
  private:
   // Keeps the first error's message and line.

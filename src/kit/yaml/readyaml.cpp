@@ -40,11 +40,12 @@ class TreeBuilder : public YAML::EventHandler {
     node.kind = YamlNode::Kind::scalar;
     node.text = value;
     const char indicator = indicatorAt(mark);
-    node.style = indicator == '|' || indicator == '>'    ? YamlNode::Style::block
+    node.style = indicator == '|'                        ? YamlNode::Style::block
+                 : indicator == '>'                      ? YamlNode::Style::folded
                  : indicator == '"' || indicator == '\'' ? YamlNode::Style::quoted
                                                          : YamlNode::Style::plain;
     node.tag = shortTag(tag);
-    if (node.style == YamlNode::Style::block) ++node.textLine;
+    if (indicator == '|' || indicator == '>') ++node.textLine;
     leaf(std::move(node), anchor);
   }
 
@@ -136,10 +137,13 @@ class TreeBuilder : public YAML::EventHandler {
     if (around.node.isList()) {
       around.node.list.push_back(std::move(node));
     } else if (around.hasKey) {
+      if (node.isNull()) node.place = around.keyPlace;  // what isn't there has been missed further down
       around.node.map.push_back({std::move(around.key), std::move(around.keyPlace), std::move(node)});
       around.hasKey = false;
     } else {
       if (!node.isScalar()) throw KitError(*file, node.place.line, "a key must be a name");
+      if (node.text == "<<" && node.style == YamlNode::Style::plain)
+        throw KitError(*file, node.place.line, "'<<' can't merge maps here; write the pairs out");
       around.key = std::move(node.text);
       around.keyPlace = std::move(node.place);
       around.hasKey = true;

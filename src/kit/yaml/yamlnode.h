@@ -30,7 +30,7 @@ struct YamlPair;
 
 struct YamlNode {
   enum class Kind { null, scalar, list, map };
-  enum class Style { plain, quoted, block };  // of a scalar; block: after | or >
+  enum class Style { plain, quoted, block, folded };  // of a scalar; block: after |, folded: after >
 
   Kind kind = Kind::null;
   Style style = Style::plain;

@@ -35,9 +35,9 @@ class RandomPages {
   uint32_t pick(uint32_t n) { return uint32_t(random() % n); }
 
   PageNode node(int depth) {
-    static const char* const names[] = {"name",     "bgColor", "timeout", "hidden",     "tileBackground",
-                                        "children", "onClick", "type",    "textStyles", "scripts",
-                                        "x y",      "1st",     "true",    "start",      "value"};
+    static const char* const names[] = {
+        "name",    "bgColor", "timeout", "hidden", "tileBackground", "children", "onClick", "type", "textStyles",
+        "scripts", "x y",     "1st",     "true",   "start",          "value",    "types",   "align"};
     PageNode node;
     node.x = uint16_t(pick(3) * 400);
     node.width = uint16_t(random());
@@ -88,6 +88,8 @@ class RandomPages {
         item.object.push_back(node(depth - 1));
       } else {
         item.tag = PageTag::string;
+        // Where the engine reads objects, dump takes a text with control characters for one.
+        std::erase_if(item.bytes, [](uint8_t c) { return c < ' '; });
       }
       table.table.push_back(std::move(item));
     }

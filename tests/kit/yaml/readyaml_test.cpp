@@ -12,7 +12,7 @@ std::string shown(const YamlNode& node) {
   std::string out = node.tag;
   if (node.isNull()) return out + "null@" + place;
   if (node.isScalar())
-    return out + "pqb"[int(node.style)] + "'" + node.text + "'@" + place + "+" + std::to_string(node.textLine);
+    return out + "pqbf"[int(node.style)] + "'" + node.text + "'@" + place + "+" + std::to_string(node.textLine);
   for (const YamlNode& item : node.list) out += (&item == &node.list[0] ? "" : " ") + shown(item);
   for (const YamlPair& pair : node.map) out += (&pair == &node.map[0] ? "" : " ") + pair.key + "=" + shown(pair.value);
   return node.isList() ? "[" + out + "]" : "{" + out + "}";
@@ -28,7 +28,7 @@ std::string errorOf(const std::string& text) {
 
 TEST(ReadYaml, NodesKnowWhereTheyWereWrittenAndHow) {
   EXPECT_EQ(shown(parseYaml("f", "a: 1\nb: '1'\nc: |\n  x\n  y\nd: !color   &n >\n  z\n\ne: [~, !!str 5, ]\n")),
-            "{a=p'1'@1:4+1 b=q'1'@2:4+2 c=b'x\ny\n'@3:4+4 d=!colorb'z\n'@6:4+7 e=[null@9:5 !!strp'5'@9:8+9]}");
+            "{a=p'1'@1:4+1 b=q'1'@2:4+2 c=b'x\ny\n'@3:4+4 d=!colorf'z\n'@6:4+7 e=[null@9:5 !!strp'5'@9:8+9]}");
   // After a mark of byte order and with the line ends of other systems.
   EXPECT_EQ(shown(parseYaml("f",
                             "\xEF\xBB\xBF"
@@ -56,6 +56,8 @@ TEST(ReadYaml, WhatIsNoTreeIsRefusedAtItsLine) {
       {"a:\n\tb: 1\n", "f.yaml:2: a tab can't indent a line; use spaces"},
       {"a:\n  b: 1\n \tc: 2\n", "f.yaml:3: a tab can't indent a line; use spaces"},
       {"a: 1\n---\nb: 2\n", "f.yaml:3: a second document begins here; a file holds one"},
+      {"a:\n  <<: {b: 1}\n", "f.yaml:2: '<<' can't merge maps here; write the pairs out"},
+      {"'<<': 1\n", "{<<=p'1'@1:7+1}"},
       {"[a, b]: 1\n", "f.yaml:1: a key must be a name"},
       {"? {a: 1}\n: 1\n", "f.yaml:1: a key must be a name"},
       {"a: &x\n  b: [*x]\n", "f.yaml:2: an anchor can't be used inside of itself"},

@@ -1,0 +1,18 @@
+// Page sources: what builds is dumped, and has an outline.
+#include "folder.h"
+#include "kit/errors.h"
+#include "kit/source/pagebuild.h"
+#include "kit/source/pagedump.h"
+#include "kit/source/pageoutline.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  enterFolder();
+  writeBytes("p.yaml", data, size);
+  try {
+    const BuiltPage built = compilePage("p.yaml");
+    outlineJson(outlinePage("p.yaml", built.bytes, built.places));
+    dumpPage("p.kpg", built.bytes);
+  } catch (const KitError&) {
+  }
+  return 0;
+}
