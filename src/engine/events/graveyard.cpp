@@ -6,7 +6,11 @@ namespace {
 
 // Half of the usual stack of a program's first thread. The deepest pages need a third of it in an ordinary build, and
 // the language, which counts its own runs, finds enough left.
+#ifdef __SANITIZE_THREAD__
+constexpr uintptr_t kStackForPages = 2 << 20;  // bytes; the thread sanitizer keeps no more than 65,536 calls in mind
+#else
 constexpr uintptr_t kStackForPages = 4 << 20;  // bytes
+#endif
 
 uintptr_t stackPosition() {
   const char here = 0;
