@@ -120,7 +120,13 @@ std::vector<uint8_t> readFile(const std::string& path) {
   if (fs::is_directory(path, error)) throw KitError(path, "is a folder; name a file in it");
   std::ifstream in(path, std::ios::binary);
   if (!in) throw KitError(path, std::strerror(errno));
-  std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(in), {}};
+  std::vector<uint8_t> bytes;
+  for (constexpr size_t kBlock = 64 << 10; in;) {
+    const size_t before = bytes.size();
+    bytes.resize(before + kBlock);
+    in.read(reinterpret_cast<char*>(bytes.data() + before), kBlock);
+    bytes.resize(before + size_t(in.gcount()));
+  }
   if (in.bad()) throw KitError(path, "can't be read");
   return bytes;
 }
