@@ -1,0 +1,18 @@
+// From what an author writes to a plain source: constants, includes, templates and repetitions are replaced by what
+// they stand for.
+//
+// A source that has none of them is returned as it is.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "kit/yaml/yamlnode.h"
+
+struct ExpandedSource {
+  YamlNode plain;
+  std::vector<std::string> files;  // that were read: includes and data
+};
+
+// What is wrong is added to `errors`, and left out of the result.
+ExpandedSource expandSource(YamlNode source, std::vector<KitMessage>& errors);
