@@ -7,6 +7,8 @@
 #include "kit/expand/directions.h"
 #include "kit/expand/expression.h"
 #include "kit/expand/instantiate.h"
+#include "kit/expand/styles.h"
+#include "kit/yaml/writeyaml.h"
 
 namespace {
 
@@ -23,9 +25,7 @@ bool isPlain(const YamlNode& node) {
          std::all_of(node.map.begin(), node.map.end(), pairIsPlain);
 }
 
-}  // namespace
-
-ExpandedSource expandSource(YamlNode source, std::vector<KitMessage>& errors) {
+ExpandedSource instantiated(YamlNode source, std::vector<KitMessage>& errors) {
   ExpandedSource result;
   if (isPlain(source) && std::none_of(source.map.begin(), source.map.end(), isDefinition)) {
     result.plain = std::move(source);
@@ -37,4 +37,24 @@ ExpandedSource expandSource(YamlNode source, std::vector<KitMessage>& errors) {
   result.plain = instantiate(source, definitions, files, errors);
   result.files = files.paths();
   return result;
+}
+
+void escape(YamlNode& node) {
+  if (hasExpression(node.text)) node.text = escapeExpressions(node.text);
+  for (YamlNode& item : node.list) escape(item);
+  for (YamlPair& pair : node.map) escape(pair.value);
+}
+
+}  // namespace
+
+ExpandedSource expandSource(YamlNode source, std::vector<KitMessage>& errors) {
+  ExpandedSource result = instantiated(std::move(source), errors);
+  inheritStyles(result.plain, errors);
+  return result;
+}
+
+std::string expandedText(const YamlNode& plain) {
+  YamlNode escaped = plain;
+  escape(escaped);
+  return writeYaml(escaped);
 }

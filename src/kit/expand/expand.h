@@ -14,5 +14,8 @@ struct ExpandedSource {
   std::vector<std::string> files;  // that were read: includes and data
 };
 
-// What is wrong is added to `errors`, and left out of the result.
+// What is wrong is added to `errors`, and left out of the result. That is null if nothing is left.
 ExpandedSource expandSource(YamlNode source, std::vector<KitMessage>& errors);
+
+// The text of an expanded source, which expands to the same again.
+std::string expandedText(const YamlNode& plain);

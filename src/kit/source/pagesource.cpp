@@ -402,3 +402,12 @@ class SourceReader {
 PageTree readPageSource(const std::string& path, const KitWarn& warn, const PageSourceOptions& options) {
   return SourceReader(path, warn, options).read();
 }
+
+PlainSource plainPageSource(const std::string& path) {
+  std::vector<KitMessage> errors;
+  const ExpandedSource expanded = expandSource(readPageYaml(path), errors);
+  if (!errors.empty()) throw KitError(inOrder(std::move(errors), path));
+  PlainSource result{expandedText(expanded.plain), {path}};
+  result.sources.insert(result.sources.end(), expanded.files.begin(), expanded.files.end());
+  return result;
+}

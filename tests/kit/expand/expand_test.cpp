@@ -1,6 +1,10 @@
 #include "kit/expand/expand.h"
 
+#include <filesystem>
+
 #include "kit/files.h"
+#include "kit/source/pagebuild.h"
+#include "kit/source/pagesource.h"
 #include "kit/yaml/readyaml.h"
 #include "kit/yaml/writeyaml.h"
 #include "support/pagefixture.h"
@@ -165,6 +169,51 @@ TEST_F(ExpandTest, WhatHasATagIsNoDirectionAndWhatMultipliesHasBounds) {
   }
   EXPECT_NE(expanded(source + "page: $(c8)\n").find("is too large"), std::string::npos);
   EXPECT_NE(expanded("page: [{repeat: 2000, c: [{repeat: 2000, x: 1}]}]\n").find("is too large"), std::string::npos);
+}
+
+TEST_F(ExpandTest, StylesTakeFromOthers) {
+  EXPECT_EQ(expanded("page:\n"
+                     "  textStyles:\n"
+                     "    - {name: big, style: red, size: 40}\n"
+                     "    - {name: red, style: body, color: 3}\n"
+                     "    - {name: body, font: a.ttf, size: 20, color: 1}\n"),
+            "page:\n"
+            "  textStyles:\n"
+            "    - name: big\n      size: 40\n      color: 3\n      font: a.ttf\n"
+            "    - name: red\n      color: 3\n      font: a.ttf\n      size: 20\n"
+            "    - name: body\n      font: a.ttf\n      size: 20\n      color: 1\n");
+  EXPECT_EQ(expanded("page:\n  textStyles:\n    - {name: a, style: b}\n    - {name: b, style: a}\n"
+                     "    - {name: body, style: bdoy}\n"),
+            "p.yaml:3: style: text style 'a' takes from itself\n"
+            "p.yaml:5: style: there is no text style 'bdoy'; did you mean 'body'?\n");
+}
+
+// What --expand prints builds to the same bytes.
+TEST_F(ExpandTest, ThePlainSourceIsTheSamePage) {
+  const auto builtOf = [](const std::string& source) { return compilePage(source, {}, {.strip = true}).bytes; };
+  const auto expectSame = [&](const std::string& source) {
+    const PlainSource plain = plainPageSource(source);
+    writeText("plain.yaml", plain.text);
+    EXPECT_EQ(builtOf("plain.yaml"), builtOf(source)) << source << "\n" << plain.text;
+    EXPECT_EQ(plainPageSource("plain.yaml").text, plain.text);
+  };
+  for (const auto& file : std::filesystem::directory_iterator(VISTREL_DEMO))
+    std::filesystem::copy_file(file.path(), file.path().filename());
+  size_t pages = 0;
+  for (const auto& file : std::filesystem::directory_iterator(VISTREL_DEMO)) {
+    if (file.path().extension() != ".yaml") continue;
+    expectSame(file.path().filename().string());
+    ++pages;
+  }
+  EXPECT_GT(pages, 3u);
+  writeText(
+      "all.yaml",
+      "constants: {w: 40, text: 'costs $$(5) and \"more\"', code: \"x = 1;\\n\\n  y = 2;\\n\"}\n"
+      "templates: {t: {parameters: {n: }, type: group, name: t$(n), onFocus: $(code), children: [{x: $(n * w)}]}}\n"
+      "page:\n  type: group\n  onLoad: !script $(code)\n  layers: !table [$(text), 'null', '~', '- a']\n"
+      "  textStyles: [{name: a, font: a.ttf}, {name: b, style: a}]\n"
+      "  children: [{repeat: 3, template: t, with: {n: $(index)}}, {type: text, value: $(text)}]\n");
+  expectSame("all.yaml");
 }
 
 }  // namespace
