@@ -123,6 +123,8 @@ KpgOption KpgCommand::each(const char* name, std::function<void(const std::strin
 
 void KpgCommand::runs(std::function<void()> work) { command->callback(std::move(work)); }
 
+void KpgCommand::refuse(const std::string& problem) { throw CLI::ValidationError(problem); }
+
 CommandLine::CommandLine(const char* name, const char* version, const char* about)
     : app(std::make_unique<CLI::App>(about, name)) {
   app->set_version_flag("--version", std::string(name) + " " + version, "Print the version and exit");

@@ -51,6 +51,9 @@ class KpgCommand {
 
   void runs(std::function<void()> work);
 
+  // For `work`: ends the command as one whose words are wrong.
+  [[noreturn]] static void refuse(const std::string& problem);
+
  private:
   CLI::App* command;
 };

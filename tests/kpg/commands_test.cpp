@@ -23,6 +23,7 @@ TEST_F(CommandsTest, ErrorsGoToTheErrorStreamWithStatusOne) {
       {"shot p.kpg --stict",
        "kpg shot: there is no option '--stict'; did you mean '--strict'?\nkpg shot --help lists its options\n"},
       {"build --colours=3", "kpg build: there is no option '--colours'\nkpg build --help lists its options\n"},
+      {"build p.yaml", "kpg build: --out is required\nkpg build --help lists its options\n"},
       {"dump a.kpg b.kpg", "kpg dump: there is one word too many, 'b.kpg'\nkpg dump --help lists its options\n"},
   };
   for (const auto& [arguments, message] : wrong) {
@@ -135,6 +136,14 @@ TEST_F(CommandsTest, APageThatDoesNotLoadLeavesALogAndNoPicture) {
   EXPECT_FALSE(std::filesystem::exists("p.png"));
   EXPECT_TRUE(text("log.txt").starts_with("Not a page file\nFailed to load page file: '"));
   EXPECT_TRUE(err.starts_with("Failed to load page file: '"));
+}
+
+TEST_F(CommandsTest, ThePlainSourceIsPrinted) {
+  writeText("p.yaml", "constants: {w: 4}\npage: {width: $(w * 2)}\n");
+  EXPECT_EQ(kpg("build --expand p.yaml"), 0) << err;
+  EXPECT_EQ(out, "page:\n  width: 8\n");
+  EXPECT_EQ(kpg("build --expand p.yaml -o p.yaml"), 1);
+  EXPECT_EQ(err, "p.yaml: is an input, and would be written over\n");
 }
 
 TEST_F(CommandsTest, ScriptFilesAreCompiledBesideThePage) {

@@ -22,6 +22,7 @@ BuiltPage compilePage(const std::string& source, const KitWarn& warn, const Page
   } catch (const std::length_error& e) {
     throw KitError(source, e.what());
   }
+  built.sources.insert(built.sources.end(), page.sourceFiles.begin(), page.sourceFiles.end());
   built.scriptFiles = std::move(page.scriptFiles);
   for (const ScriptFile& script : built.scriptFiles) {
     const std::string name = script.name.substr(0, script.name.size() - 1);  // tools.bobo is made of tools.bob

@@ -8,6 +8,8 @@
 #include "engine/format/pagefile.h"
 #include "gfx/foundation/hsbytes.h"
 #include "kit/errors.h"
+#include "kit/expand/directions.h"
+#include "kit/expand/expression.h"
 #include "kit/source/base64.h"
 #include "kit/source/schema.h"
 #include "kit/source/scripts.h"
@@ -47,6 +49,8 @@ std::string quoted(const char* text) {
   }
   return out + '"';
 }
+
+std::string quotedText(const char* text) { return quoted(escapeExpressions(text).c_str()); }
 
 bool isPlainWord(const char* text) {
   if (!std::strchr("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ", *text) || !*text) return false;
@@ -129,6 +133,7 @@ class Dumper {
 
   static bool isRefused(const PageAttribute& a, ObjectKind kind, std::string_view type, bool hasType) {
     const char* text;
+    if (isDirectionName(a.name) || (kind == ObjectKind::style && std::strcmp(a.name, "style") == 0)) return true;
     if (isChildrenOfPlainBox(kind, type, a.name)) return true;
     if (!hasType && isMisspeltType(kind, a.name)) return true;
     return PageTag(a.tag) == PageTag::string && attrString(a, &text) && !isAttributeWord(kind, type, a.name, text);
@@ -173,8 +178,8 @@ class Dumper {
   void string(const PageAttribute& a, Reading reading, int indent, const std::string& key) {
     const char* text;
     if (!attrString(a, &text)) return line(indent, "# " + key + " a string outside the file");
-    line(indent,
-         key + tagUnless(reading, AttributeKind::string, true, "!string") + (isPlainWord(text) ? text : quoted(text)));
+    line(indent, key + tagUnless(reading, AttributeKind::string, true, "!string") +
+                     (isPlainWord(text) ? text : quotedText(text)));
   }
 
   void script(const PageAttribute& a, int indent, const std::string& key) {
@@ -221,7 +226,7 @@ class Dumper {
     line(indent, key + (expected ? "" : " !table") + (count ? "" : " []"));
     for (uint32_t i = 0; i < count; ++i) {
       if (isText(table, i, kind)) {
-        line(indent + 2, "- " + quoted(table.string(i)));
+        line(indent + 2, "- " + quotedText(table.string(i)));
       } else if (const PageObject record = table.object(i)) {
         listedObject(record, kind, indent + 2);
       } else {

@@ -8,6 +8,7 @@
 
 #include "engine/page/frame.h"
 #include "engine/widgets/group.h"
+#include "kit/expand/expand.h"
 #include "kit/files.h"
 #include "kit/run/bobtools.h"
 #include "kit/source/schema.h"
@@ -25,6 +26,8 @@ constexpr int kMaxObjects = 500'000;  // far beyond what a page may hold
 std::vector<std::string> tagNames() {
   return {"!int", "!bool", "!color", "!string", "!script", "!scriptdata", "!object", "!table"};
 }
+
+std::vector<std::string> topKeys() { return {"flags", "page", "include", "constants", "templates"}; }
 
 bool isText(const YamlNode& node) {
   return node.isScalar() && (node.style != YamlNode::Style::plain || node.tag == "!!str");
@@ -69,14 +72,17 @@ class SourceReader {
   SourceReader(std::string f, const KitWarn& w, const PageSourceOptions& o) : file(std::move(f)), warn(w), options(o) {}
 
   PageTree read() {
-    const YamlNode top = readPageYaml(file);
     PageTree page;
+    ExpandedSource source = expandSource(readPageYaml(file), errors);
+    const YamlNode& top = source.plain;
+    if (top.isNull()) throw KitError(inOrder(std::move(errors), file));
+    page.sourceFiles = std::move(source.files);
     eachPair(top, [&](const YamlPair& pair) {
       if (pair.key == "flags") {
         page.flags = flags(pair.value);
         indexed = page.flags & kPageIs8Bit;
       } else if (pair.key != "page") {
-        fail(pair.place, "is unknown; a page source has 'flags' and 'page'" + suggestion(pair.key, {"flags", "page"}));
+        fail(pair.place, "is unknown; a page source has 'flags' and 'page'" + suggestion(pair.key, topKeys()));
       }
     });
     object.key = "page";
@@ -395,4 +401,13 @@ class SourceReader {
 
 PageTree readPageSource(const std::string& path, const KitWarn& warn, const PageSourceOptions& options) {
   return SourceReader(path, warn, options).read();
+}
+
+PlainSource plainPageSource(const std::string& path) {
+  std::vector<KitMessage> errors;
+  const ExpandedSource expanded = expandSource(readPageYaml(path), errors);
+  if (!errors.empty()) throw KitError(inOrder(std::move(errors), path));
+  PlainSource result{expandedText(expanded.plain), {path}};
+  result.sources.insert(result.sources.end(), expanded.files.begin(), expanded.files.end());
+  return result;
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "kit/errors.h"
 #include "kit/source/pagetree.h"
@@ -16,3 +17,12 @@ struct PageSourceOptions {
 
 // Reads the source at `path` and compiles its scripts. Throws KitError.
 PageTree readPageSource(const std::string& path, const KitWarn& warn = {}, const PageSourceOptions& options = {});
+
+// A source as the page's reader sees it: without constants, templates and the like.
+struct PlainSource {
+  std::string text;
+  std::vector<std::string> sources;  // all that was read
+};
+
+// Throws KitError.
+PlainSource plainPageSource(const std::string& path);

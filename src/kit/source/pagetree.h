@@ -40,4 +40,5 @@ struct PageTree {
   uint32_t flags = 0;
   PageNode root;
   std::vector<ScriptFile> scriptFiles{};
+  std::vector<std::string> sourceFiles{};  // that were read for it, besides its source and its scripts
 };

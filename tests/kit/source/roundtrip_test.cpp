@@ -36,8 +36,9 @@ class RandomPages {
 
   PageNode node(int depth) {
     static const char* const names[] = {
-        "name",    "bgColor", "timeout", "hidden", "tileBackground", "children", "onClick", "type", "textStyles",
-        "scripts", "x y",     "1st",     "true",   "start",          "value",    "types",   "align"};
+        "name",       "bgColor", "timeout", "hidden",   "tileBackground", "children", "onClick", "type",
+        "textStyles", "scripts", "x y",     "1st",      "true",           "start",    "value",   "types",
+        "align",      "repeat",  "include", "template", "layout",         "links",    "style",   "with"};
     PageNode node;
     node.x = uint16_t(pick(3) * 400);
     node.width = uint16_t(random());
@@ -63,7 +64,9 @@ class RandomPages {
                                         "\xC3\xA9",
                                         "!x",
                                         "0x10",
-                                        "a.bob"};
+                                        "a.bob",
+                                        "$(x) $$(",
+                                        "$"};
     PageValue v;
     v.tag = PageTag(1 + pick(depth > 0 ? 7 : 5));
     switch (v.tag) {

@@ -1,0 +1,16 @@
+// The keys by which a source says what is to be made of it. They are not written into the page.
+//
+// One whose value has a tag is an attribute like any other: `layout: !string row`.
+#pragma once
+
+#include <string_view>
+
+#include "kit/yaml/yamlnode.h"
+
+// Whether an attribute of that name has to have a tag, on whatever object.
+bool isDirectionName(std::string_view key);
+
+bool isDirection(const YamlPair& pair, std::string_view key);
+
+// The value of that direction; null if the map doesn't have it.
+const YamlNode* findDirection(const YamlNode& map, std::string_view key);

@@ -1,0 +1,27 @@
+#include "kit/expand/files.h"
+
+#include <filesystem>
+
+#include "kit/expand/csv.h"
+#include "kit/files.h"
+#include "kit/source/sourcevalue.h"
+#include "kit/yaml/readyaml.h"
+
+std::string SourceFiles::pathOf(const std::string& name, const YamlPlace& from) {
+  return (std::filesystem::path(*from.file).parent_path() / name).lexically_normal().string();
+}
+
+const YamlNode& SourceFiles::read(const std::string& name, const YamlPlace& from) {
+  const std::string path = pathOf(name, from);
+  const auto found = parsed.find(path);
+  if (found != parsed.end()) return found->second;
+  std::vector<uint8_t> bytes;
+  try {
+    bytes = readFile(path);
+  } catch (const KitError& e) {
+    throw SourceFault{from, "can't read '" + name + "': " + e.messages.front().text};
+  }
+  order.push_back(path);
+  const std::string text(bytes.begin(), bytes.end());
+  return parsed[path] = path.ends_with(".csv") ? parseCsv(path, text) : parseYaml(path, text);
+}

@@ -1,0 +1,219 @@
+#include "kit/expand/expand.h"
+
+#include <filesystem>
+
+#include "kit/files.h"
+#include "kit/source/pagebuild.h"
+#include "kit/source/pagesource.h"
+#include "kit/yaml/readyaml.h"
+#include "kit/yaml/writeyaml.h"
+#include "support/pagefixture.h"
+
+namespace {
+
+class ExpandTest : public PageTest {
+ protected:
+  // The plain source of a page that has these lines, or the errors.
+  std::string expanded(const std::string& source) {
+    std::vector<KitMessage> errors;
+    const ExpandedSource result = expandSource(parseYaml("p.yaml", source), errors);
+    files = result.files;
+    std::string text;
+    for (const KitMessage& message : errors) text += message.whole() + "\n";
+    return text.empty() ? writeYaml(result.plain) : text;
+  }
+  // The value of `a` there.
+  std::string valueOf(const std::string& value) {
+    const std::string text = expanded(kConstants + "a: " + value + "\n");
+    return text.starts_with("a: ") ? text.substr(3, text.size() - 4) : text;
+  }
+  const std::string kConstants = "constants: {n: 7, word: blue, text: '7', list: [a, {b: 5}], map: {x: 1, 'a b': 2}}\n";
+  std::vector<std::string> files;
+};
+
+TEST_F(ExpandTest, ExpressionsComputeAndJoin) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"$(2 + 3 * 4)", "14"},
+      {"$((2 + 3) * 4)", "20"},
+      {"$(n - 1 - 1)", "5"},
+      {"$(-n / 2)", "-3"},
+      {"$(n % 4)", "3"},
+      {"$(0x10)", "0x10"},
+      {"'$(n)'", "7"},
+      {"$(text)", "\"7\""},
+      {"$(word + n)", "\"blue7\""},
+      {"$(text + 1)", "\"71\""},
+      {"light $(word)$(n + 1).kpx", "light blue8.kpx"},
+      {"$(list.1.b)", "5"},
+      {"$(map.'a b')", "2"},
+      {"cost: $$(n) or $", "\"cost: $(n) or $\""},
+      {"!string $(n)", "!string 7"},
+      {"|\n  x = $(n);\n  y = $$;\n", "|\n  x = 7;\n  y = $$;"},
+  };
+  for (const auto& [source, result] : cases)
+    EXPECT_EQ(valueOf(std::string(source).starts_with("cost") ? '"' + std::string(source) + '"' : source), result)
+        << source;
+  EXPECT_EQ(expanded("constants: {a: $(b + 1), b: $(c), c: 4}\nx: {y: $(a), z: $(c)}\n"), "x:\n  y: 5\n  z: 4\n");
+}
+
+TEST_F(ExpandTest, WhatIsWrongInAnExpressionIsNamed) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"$(wrod)", "there is no 'wrod'; did you mean 'word'?"},
+      {"$(map.y)", "there is no 'y' in map, which has x and a b"},
+      {"$(list.2)", "there is no entry '2' in list, which has 2"},
+      {"$(n.x)", "n is '7' and has no parts"},
+      {"$(word * 2)", "'blue' is no whole number to compute with"},
+      {"$(text * 2)", "'7' is no whole number to compute with"},
+      {"$(n / 0)", "a division by 0"},
+      {"$(65536 * 65536)", "the result doesn't fit 32 bits"},
+      {"$(n", "an expression ends with ')'"},
+      {"$(n n)", "an expression ends with ')'; found 'n)'"},
+      {"$()", "expecting a number, a name, a text in quotes or a bracket, found ')'"},
+      {"x$(list)", "only one text or number can be part of a text, not a list"},
+      {"$(word + list)", "can't join a list to a text"},
+  };
+  for (const auto& [source, error] : cases) EXPECT_EQ(valueOf(source), std::string("p.yaml:2: ") + error + "\n");
+  EXPECT_EQ(expanded("constants:\n  a: $(b)\n  b: $(a)\nx: $(a)\n"), "p.yaml:2: constant a needs itself\n");
+}
+
+TEST_F(ExpandTest, TemplatesTakeParametersAndWhatTheirUseSays) {
+  const std::string templates =
+      "constants: {w: 10}\n"
+      "templates:\n"
+      "  tile: {parameters: {label: , size: $(w * 2)}, type: group, width: $(size), children: [{value: $(label)}]}\n"
+      "  large: {template: tile, with: {label: L, size: 99}, name: big}\n";
+  EXPECT_EQ(expanded(templates + "page:\n"
+                                 "  - {template: tile, with: {label: A}, x: 5, width: 30}\n"
+                                 "  - {template: large, name: n}\n"),
+            "page:\n"
+            "  - type: group\n    width: 30\n    children:\n      - value: A\n    x: 5\n"
+            "  - type: group\n    width: 99\n    children:\n      - value: L\n    name: n\n");
+  const std::pair<const char*, const char*> errors[] = {
+      {"{template: tiel}", "p.yaml:5: there is no template 'tiel'; did you mean 'tile'?\n"},
+      {"{template: tile}", "p.yaml:5: template 'tile' needs label\n"},
+      {"{template: tile, with: {lable: 1, label: 2}}",
+       "p.yaml:5: template 'tile' has no parameter 'lable'; it has label and size; did you mean 'label'?\n"},
+      {"{template: tile, with: {label: [1]}, x: $(label)}", "p.yaml:5: there is no 'label'\n"},
+      {"{repeat: 3}", "p.yaml:5: repeat: only an entry of a list can be repeated\n"},
+  };
+  for (const auto& [use, error] : errors) EXPECT_EQ(expanded(templates + "page: " + use + "\n"), error);
+  // A fault inside says both places.
+  EXPECT_EQ(expanded("templates:\n  t:\n    x: $(no)\npage:\n  - {template: t}\n"),
+            "p.yaml:3: there is no 'no'\n  p.yaml:5: used here: template 't'\n");
+  EXPECT_EQ(expanded("templates: {t: {children: [{template: t}]}}\npage: {template: t}\n"),
+            "p.yaml:1: template 't' uses itself\n  p.yaml:2: used here: template 't'\n");
+}
+
+TEST_F(ExpandTest, EntriesRepeatOverListsCountsAndFiles) {
+  writeText("rows.csv", "name,rank\r\n\"a, \"\"b\"\"\",1\r\nc,\r\n");
+  writeText("rows.yaml", "- {k: 1}\n- {k: 2}\n");
+  const std::pair<const char*, const char*> cases[] = {
+      {"{repeat: 2, n: $(item), x: $(index * 10), of: $(count)}",
+       "  - n: 1\n    x: 0\n    of: 2\n  - n: 2\n    x: 10\n    of: 2\n"},
+      {"{repeat: {over: [u, v], as: l, index: i}, name: $(l)$(i), next: $(l)$((i + 1) % count)}",
+       "  - name: u0\n    next: u1\n  - name: v1\n    next: v0\n"},
+      {"{repeat: {over: rows.csv}, v: $(item.name), r: $(item.rank)}",
+       "  - v: \"a, \\\"b\\\"\"\n    r: 1\n  - v: c\n    r: \"\"\n"},
+      {"{repeat: rows.yaml, v: $(item.k), c: [{repeat: 1, w: $(item)}]}",
+       "  - v: 1\n    c:\n      - w: 1\n  - v: 2\n    c:\n      - w: 1\n"},
+      {"{repeat: 0, x: 1}", ""},
+  };
+  for (const auto& [entry, result] : cases)
+    EXPECT_EQ(expanded(std::string("page:\n  - ") + entry + "\n"),
+              *result ? "page:\n" + std::string(result) : "page: []\n");
+  const std::pair<const char*, const char*> errors[] = {
+      {"{repeat: -1}", "repeat: -1 is no possible count"},
+      {"{repeat: {ovr: 3}}", "repeat has no 'ovr'; it has over, as, index and count; did you mean 'over'?"},
+      {"{repeat: {as: x}}", "repeat: needs 'over', what to repeat over"},
+      {"{repeat: {over: 1, as: 1x}}", "'1x' is no name for expressions"},
+      {"{repeat: none.csv}", "can't read 'none.csv': No such file or directory"},
+  };
+  for (const auto& [entry, error] : errors)
+    EXPECT_EQ(expanded(std::string("page:\n  - ") + entry + "\n"), std::string("p.yaml:2: ") + error + "\n");
+}
+
+TEST_F(ExpandTest, FilesAreIncluded) {
+  writeText("theme.yaml", "include: more.yaml\nconstants: {dark: 1, light: $(dark + 1)}\n");
+  writeText("more.yaml", "constants: {dark: 0, deep: 5}\ntemplates: {t: {bgColor: $(light)}}\n");
+  writeText("list.yaml", "- {x: $(deep)}\n- {x: 2}\n");
+  writeText("map.yaml", "x: 1\ny: 2\n");
+  EXPECT_EQ(expanded("include: [theme.yaml]\nconstants: {dark: 8}\n"
+                     "page:\n  - {include: list.yaml}\n  - {include: map.yaml, y: 3}\n  - {template: t}\n"),
+            "page:\n  - x: 5\n  - x: 2\n  - x: 1\n    y: 3\n  - bgColor: 9\n");
+  EXPECT_EQ(files, (std::vector<std::string>{"theme.yaml", "more.yaml", "list.yaml", "map.yaml"}));
+
+  writeText("a.yaml", "include: b.yaml\n");
+  writeText("b.yaml", "include: a.yaml\n");
+  EXPECT_EQ(expanded("include: a.yaml\n"),
+            "b.yaml:1: include: a.yaml includes itself\n  a.yaml:1: used here: include: b.yaml\n"
+            "  p.yaml:1: used here: include: a.yaml\n");
+  writeText("c.yaml", "- {include: d.yaml}\n");
+  writeText("d.yaml", "- {include: c.yaml}\n");
+  EXPECT_EQ(expanded("page:\n  - include: c.yaml\n"),
+            "d.yaml:1: c.yaml includes itself\n  c.yaml:1: used here: include: d.yaml\n"
+            "  p.yaml:2: used here: include: c.yaml\n");
+  writeText("broken.yaml", "a: [\n");
+  EXPECT_NE(expanded("page:\n  - include: broken.yaml\n  - x: $(no)\n").find("p.yaml:3: there is no 'no'"),
+            std::string::npos);
+}
+
+TEST_F(ExpandTest, WhatHasATagIsNoDirectionAndWhatMultipliesHasBounds) {
+  const char* const plain = "page:\n  repeat: !string x\n  template: !int 3\n  include: !table\n    - a\n";
+  EXPECT_EQ(expanded(plain), plain);
+  std::string source = "constants:\n  c0: [1, 2, 3, 4, 5, 6, 7, 8, 9, 10]\n";
+  for (int i = 1; i < 9; ++i) {
+    const std::string before = "$(c" + std::to_string(i - 1) + ")";
+    source += "  c" + std::to_string(i) + ": [" + before;
+    for (int k = 1; k < 10; ++k) source += ", " + before;
+    source += "]\n";
+  }
+  EXPECT_NE(expanded(source + "page: $(c8)\n").find("is too large"), std::string::npos);
+  EXPECT_NE(expanded("page: [{repeat: 2000, c: [{repeat: 2000, x: 1}]}]\n").find("is too large"), std::string::npos);
+}
+
+TEST_F(ExpandTest, StylesTakeFromOthers) {
+  EXPECT_EQ(expanded("page:\n"
+                     "  textStyles:\n"
+                     "    - {name: big, style: red, size: 40}\n"
+                     "    - {name: red, style: body, color: 3}\n"
+                     "    - {name: body, font: a.ttf, size: 20, color: 1}\n"),
+            "page:\n"
+            "  textStyles:\n"
+            "    - name: big\n      size: 40\n      color: 3\n      font: a.ttf\n"
+            "    - name: red\n      color: 3\n      font: a.ttf\n      size: 20\n"
+            "    - name: body\n      font: a.ttf\n      size: 20\n      color: 1\n");
+  EXPECT_EQ(expanded("page:\n  textStyles:\n    - {name: a, style: b}\n    - {name: b, style: a}\n"
+                     "    - {name: body, style: bdoy}\n"),
+            "p.yaml:3: style: text style 'a' takes from itself\n"
+            "p.yaml:5: style: there is no text style 'bdoy'; did you mean 'body'?\n");
+}
+
+// What --expand prints builds to the same bytes.
+TEST_F(ExpandTest, ThePlainSourceIsTheSamePage) {
+  const auto builtOf = [](const std::string& source) { return compilePage(source, {}, {.strip = true}).bytes; };
+  const auto expectSame = [&](const std::string& source) {
+    const PlainSource plain = plainPageSource(source);
+    writeText("plain.yaml", plain.text);
+    EXPECT_EQ(builtOf("plain.yaml"), builtOf(source)) << source << "\n" << plain.text;
+    EXPECT_EQ(plainPageSource("plain.yaml").text, plain.text);
+  };
+  for (const auto& file : std::filesystem::directory_iterator(VISTREL_DEMO))
+    std::filesystem::copy_file(file.path(), file.path().filename());
+  size_t pages = 0;
+  for (const auto& file : std::filesystem::directory_iterator(VISTREL_DEMO)) {
+    if (file.path().extension() != ".yaml") continue;
+    expectSame(file.path().filename().string());
+    ++pages;
+  }
+  EXPECT_GT(pages, 3u);
+  writeText(
+      "all.yaml",
+      "constants: {w: 40, text: 'costs $$(5) and \"more\"', code: \"x = 1;\\n\\n  y = 2;\\n\"}\n"
+      "templates: {t: {parameters: {n: }, type: group, name: t$(n), onFocus: $(code), children: [{x: $(n * w)}]}}\n"
+      "page:\n  type: group\n  onLoad: !script $(code)\n  layers: !table [$(text), 'null', '~', '- a']\n"
+      "  textStyles: [{name: a, font: a.ttf}, {name: b, style: a}]\n"
+      "  children: [{repeat: 3, template: t, with: {n: $(index)}}, {type: text, value: $(text)}]\n");
+  expectSame("all.yaml");
+}
+
+}  // namespace
