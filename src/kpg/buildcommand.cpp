@@ -1,12 +1,50 @@
-// kpg build: a page source becomes a page.
+// kpg build: a page source becomes a page, or a project everything that it describes.
+#include <filesystem>
 #include <iostream>
 #include <memory>
 
 #include "kit/files.h"
+#include "kit/project/build.h"
+#include "kit/project/depfile.h"
 #include "kit/source/pagebuild.h"
 #include "kpg/commands.h"
+#include "kpg/projectbuild.h"
+
+namespace fs = std::filesystem;
 
 namespace {
+
+struct BuildCommandOptions {
+  std::string source, output, depfile;
+  size_t jobs = 0;
+  bool all = false, expand = false;
+  PageSourceOptions page;
+};
+
+bool isProject(const std::string& source) {
+  std::error_code error;
+  return source.empty() || fs::is_directory(source, error) || fs::path(source).filename() == kProjectFileName;
+}
+
+void buildOnePage(const BuildCommandOptions& options) {
+  if (options.output.empty()) KpgCommand::refuse("--out is required");
+  buildPage(
+      options.source, options.output, [](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; },
+      options.page);
+  if (options.depfile.empty()) return;
+  const std::string text = depfileText(options.output, compilePage(options.source, {}, options.page).sources);
+  writeFile(options.depfile, text.data(), text.size());
+}
+
+void buildWholeProject(const BuildCommandOptions& options) {
+  if (options.expand) KpgCommand::refuse("--expand takes a page source");
+  Project project = openProject(options.source, options.output);
+  if (options.page.strip) project.strip = true;
+  const BuildReport report = buildOnTerminal(project, options.all, options.jobs);
+  if (options.depfile.empty()) return;
+  const std::string text = depfileText(outputPath(project, kManifestName), report.inputs);
+  writeFile(options.depfile, text.data(), text.size());
+}
 
 void printPlain(const std::string& source, const std::string& output) {
   const PlainSource plain = plainPageSource(source);
@@ -17,22 +55,21 @@ void printPlain(const std::string& source, const std::string& output) {
 }  // namespace
 
 void addBuildCommand(CommandLine& line) {
-  struct Options {
-    std::string source, output;
-    bool expand = false;
-    PageSourceOptions page;
-  };
-  auto options = std::make_shared<Options>();
-  KpgCommand command = line.command("build", "Compile a page source");
-  command.add("source", options->source, "The page source, YAML").required().type("PAGE.yaml");
-  command.add("-o,--out", options->output, "The page to write; - for the standard output").type("PAGE.kpg");
+  auto options = std::make_shared<BuildCommandOptions>();
+  KpgCommand command = line.command("build", "Compile a page source, or build a project: whatever has changed");
+  command.add("source", options->source, "A page source, or the folder of a project; by default the project around")
+      .type("PAGE.yaml|FOLDER");
+  command.add("-o,--out", options->output, "The page to write; - for the standard output. Of a project: the folder")
+      .type("PAGE.kpg|FOLDER");
+  command.add("--depfile", options->depfile, "Write what was read as a rule for make, for other build systems")
+      .type("FILE");
+  command.flag("--all", options->all, "Build all of a project, whether or not it has changed");
+  command.add("--jobs", options->jobs, "This number of threads; by default as many as the machine runs at once")
+      .between(1, 1024);
   command.flag("--strip", options->page.strip, "Leave out the names of scripts, by which an error says where it is");
   command.flag("--expand", options->expand, "Print the source without constants, templates and the like instead");
   command.runs([options] {
-    if (options->expand) return printPlain(options->source, options->output);
-    if (options->output.empty()) KpgCommand::refuse("--out is required");
-    buildPage(
-        options->source, options->output, [](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; },
-        options->page);
+    if (isProject(options->source)) return buildWholeProject(*options);
+    options->expand ? printPlain(options->source, options->output) : buildOnePage(*options);
   });
 }

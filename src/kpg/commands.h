@@ -4,6 +4,7 @@
 #include "kpg/commandline.h"
 
 void addBuildCommand(CommandLine& line);
+void addCleanCommand(CommandLine& line);
 void addDumpCommand(CommandLine& line);
 void addTreeCommand(CommandLine& line);
 void addShotCommand(CommandLine& line);

@@ -40,6 +40,7 @@ int main(int argc, char** argv) {
   });
   CommandLine line("kpg", VISTREL_VERSION, "Makes pages for the player's on-screen interface, and pictures of them.");
   addBuildCommand(line);
+  addCleanCommand(line);
   addDumpCommand(line);
   addTreeCommand(line);
   addShotCommand(line);

@@ -50,30 +50,38 @@ std::vector<uint8_t> indicesOf(const std::vector<uint32_t>& pixels, uint32_t wid
 
 }  // namespace
 
-void convertPicture(const std::string& input, const std::string& output, const PictureOptions& options) {
+ConvertedPicture pictureForPlayer(const std::string& input, const std::string& output, const PictureOptions& options) {
   const Picture picture = readPicture(input);
   checkMemory(input, picture, output);
-  const bool ownTable = options.clut.empty();
-  if (ownTable && isStandardOutput(output))
-    throw KitError(input, "its colour table goes beside the picture, so the picture needs a name; or say --clut FILE");
-  const std::string clut = ownTable ? fs::path(output).replace_extension(".clut").string() : options.clut;
+  const std::string clut = options.clut.empty() ? ownClutName(output) : options.clut;
   const std::string clutName = options.clutName.value_or(fs::path(clut).filename().string());
   if (clutName.size() > UINT8_MAX) throw KitError(clutName, "this name is too long for a picture to hold");
 
   const std::vector<uint32_t> pixels = toEngineColors(picture, options.background);
   const std::vector<uint32_t> table = tableOf(options, pixels);
-  const std::vector<uint8_t> bytes =
+  ConvertedPicture converted;
+  converted.kpx =
       kpxBytes({picture.width, picture.height, clutName, indicesOf(pixels, picture.width, table, options.dither)});
+  if (options.clut.empty()) converted.ownClut = clutBytes(table);
+  return converted;
+}
 
+std::string ownClutName(const std::string& output) { return fs::path(output).replace_extension(".clut").string(); }
+
+void convertPicture(const std::string& input, const std::string& output, const PictureOptions& options) {
+  const bool ownTable = options.clut.empty();
+  if (ownTable && isStandardOutput(output))
+    throw KitError(input, "its colour table goes beside the picture, so the picture needs a name; or say --clut FILE");
+  const std::string clut = ownTable ? ownClutName(output) : options.clut;
+  const ConvertedPicture converted = pictureForPlayer(input, output, options);
   OutputFiles files;
   refuseInput(output, {input, clut});
-  files.add(output, bytes.data(), bytes.size());
+  files.add(output, converted.kpx.data(), converted.kpx.size());
   if (ownTable) {
     if (clut == output) throw KitError(output, "is the name of the picture's colour table");
     refuseInput(clut, {input, output});
     refuseForeign(clut, isKitClut, "say --clut to use its colours, or give the picture another name");
-    const std::vector<uint8_t> tableBytes = clutBytes(table);
-    files.add(clut, tableBytes.data(), tableBytes.size());
+    files.add(clut, converted.ownClut.data(), converted.ownClut.size());
   }
   files.finish();
 }

@@ -16,6 +16,16 @@ struct PictureOptions {
   bool dither = false;
 };
 
+struct ConvertedPicture {
+  std::vector<uint8_t> kpx, ownClut;  // no table when the options have one
+};
+
+// `output` is the file that the picture is for. Throws KitError.
+ConvertedPicture pictureForPlayer(const std::string& input, const std::string& output, const PictureOptions& options);
+
+// The file of the table that a picture gets for itself.
+std::string ownClutName(const std::string& output);
+
 // Writes the picture, and its table when it gets its own. Throws KitError.
 void convertPicture(const std::string& input, const std::string& output, const PictureOptions& options);
 

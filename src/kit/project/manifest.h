@@ -1,0 +1,41 @@
+// What a build wrote and from what, kept in the output folder between builds.
+//
+// It is how a build knows which steps are due, and which files are its own: only those are written over or removed.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "kit/errors.h"
+
+inline constexpr char kManifestName[] = ".vistrel-build.json";
+
+struct FileRecord {
+  std::string name, hash;
+};
+
+// A file that a page names.
+struct FileUse {
+  std::string target;  // in the output folder, a plain path
+  std::string name;    // as the page has it
+  KitMessage at;       // where; the text says which attribute of what
+};
+
+struct StepRecord {
+  std::string options;              // all but the inputs that the outputs depend on
+  std::vector<FileRecord> inputs;   // relative to the project's folder, or absolute
+  std::vector<FileRecord> outputs;  // relative to the output folder
+  std::vector<FileUse> uses;        // of a page
+};
+
+struct Manifest {
+  std::map<std::string, StepRecord> steps;  // by the names of steps
+
+  // The hash of a built file as it was last written; empty for a file that no build made.
+  std::string hashOf(const std::string& output) const;
+};
+
+// Empty when there is none, or when it was written by another version of the kit.
+Manifest readManifest(const std::string& file);
+std::string manifestText(const Manifest& manifest);

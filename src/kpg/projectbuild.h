@@ -1,0 +1,12 @@
+// What the commands that build a project share.
+#pragma once
+
+#include <string>
+
+#include "kit/project/build.h"
+
+// The project in a folder, or around the current one for an empty name; `output`, if given, is where its files go.
+Project openProject(const std::string& folder, const std::string& output = {});
+
+// Builds it, with a bar on a terminal and a line for each file elsewhere.
+BuildReport buildOnTerminal(const Project& project, bool all = false, size_t jobs = 0);
