@@ -3,12 +3,14 @@
 
 #include "kpg/commandline.h"
 
+void addNewCommand(CommandLine& line);
 void addBuildCommand(CommandLine& line);
 void addCleanCommand(CommandLine& line);
 void addDumpCommand(CommandLine& line);
 void addTreeCommand(CommandLine& line);
 void addShotCommand(CommandLine& line);
 void addClutCommand(CommandLine& line);
+void addColorCommand(CommandLine& line);
 void addFontCommand(CommandLine& line);
 void addImageCommand(CommandLine& line);
 void addRunCommand(CommandLine& line);

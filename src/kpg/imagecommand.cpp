@@ -8,6 +8,7 @@
 #include "kit/errors.h"
 #include "kit/pictures/convertpicture.h"
 #include "kit/pictures/picturelist.h"
+#include "kpg/colorword.h"
 #include "kpg/commands.h"
 
 namespace {
@@ -18,18 +19,6 @@ struct ImageOptions : PictureOptions {
   bool list = false;
 };
 
-// What "#RRGGBB" says.
-std::optional<uint32_t> backgroundColor(const std::string& text) {
-  if (text.empty()) return {};
-  return uint32_t(std::stoul(text.substr(1), nullptr, 16));
-}
-
-std::string checkColor(const std::string& text) {
-  const bool good =
-      text.size() == 7 && text[0] == '#' && text.find_first_not_of("0123456789abcdefABCDEF", 1) == std::string::npos;
-  return good ? "" : "'" + text + "' is no colour #RRGGBB";
-}
-
 void run(ImageOptions& options) {
   if (options.list) {
     const bool swatches = isatty(STDOUT_FILENO) && !std::getenv("NO_COLOR");
@@ -38,7 +27,7 @@ void run(ImageOptions& options) {
   }
   if (options.inputs.size() != 1 || options.output.empty())
     throw KitError("kpg image: takes one picture and -o, or --list");
-  options.background = backgroundColor(options.backgroundText);
+  options.background = colorFromWord(options.backgroundText);
   convertPicture(options.inputs[0], options.output, options);
 }
 
@@ -62,7 +51,7 @@ void addImageCommand(CommandLine& line) {
       .between(3, kMaxClutColors - 1)
       .excludes(clut);
   command.add("--background", options->backgroundText, "Blend the picture over a colour; nothing stays transparent")
-      .check(checkColor)
+      .check(problemOfColor)
       .type("#RRGGBB");
   command.flag("--dither", options->dither, "Scatter what a colour misses over its neighbours");
   command.flag("--list", options->list,

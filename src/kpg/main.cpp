@@ -39,12 +39,14 @@ int main(int argc, char** argv) {
     std::_Exit(2);
   });
   CommandLine line("kpg", VISTREL_VERSION, "Makes pages for the player's on-screen interface, and pictures of them.");
+  addNewCommand(line);
   addBuildCommand(line);
   addCleanCommand(line);
   addDumpCommand(line);
   addTreeCommand(line);
   addShotCommand(line);
   addClutCommand(line);
+  addColorCommand(line);
   addFontCommand(line);
   addImageCommand(line);
   addRunCommand(line);

@@ -1,0 +1,78 @@
+// Projects and colours as their authors call them.
+#include "kpgfixture.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using ProjectCommandsTest = KpgTest;
+
+TEST_F(ProjectCommandsTest, ANewProjectBuildsAndItsPageAnswersAKey) {
+  ASSERT_EQ(kpg("new 'my \"first\"'"), 0) << err;
+  EXPECT_NE(out.find("kpg build\n"), std::string::npos);
+  EXPECT_EQ(shell("cd 'my \"first\"' && kpg build >../out.txt 2>../err.txt"), 0);
+  EXPECT_EQ(text("err.txt"), "");
+  EXPECT_NE(text("out.txt").find("build/main.kpg\n"), std::string::npos);
+  EXPECT_EQ(
+      kpg("shot 'my \"first\"/build/main.kpg' --strict --key Right --key Select --eval 'widgets.said.value;' --log -"),
+      0)
+      << err;
+  EXPECT_NE(out.find("You have chosen films"), std::string::npos) << out;
+  EXPECT_EQ(kpg("new 'my \"first\"'"), 1);
+  EXPECT_EQ(err, "my \"first\": is there and not empty\n");
+}
+
+TEST_F(ProjectCommandsTest, TheProjectAroundIsBuiltAndCleaned) {
+  fs::create_directories("p/sub");
+  writeText("p/vistrel.yaml", "pages: [a.yaml, b.yaml]\n");
+  writeText("p/a.yaml", "page: {type: group, scripts: [s.bob]}\n");
+  writeText("p/b.yaml", "page: {type: group}\n");
+  writeText("p/s.bob", "x = 1;\n");
+  EXPECT_EQ(shell("cd p/sub && kpg build --depfile d.mk >out.txt"), 0);
+  EXPECT_EQ(text("p/sub/out.txt"), "../build/a.kpg\n../build/s.bobo\n../build/b.kpg\n");
+  EXPECT_EQ(text("p/sub/d.mk"),
+            "../build/.vistrel-build.json: \\\n  ../a.yaml \\\n  ../b.yaml \\\n  ../s.bob \\\n  "
+            "../vistrel.yaml\n");
+  EXPECT_EQ(kpg("build p"), 0);
+  EXPECT_EQ(out, "nothing has changed, 3 in p/build/\n");
+  EXPECT_EQ(kpg("build p --all -o elsewhere"), 0) << err;
+  EXPECT_TRUE(fs::exists("elsewhere/b.kpg"));
+  EXPECT_EQ(kpg("build p/vistrel.yaml -o elsewhere"), 0);
+  EXPECT_TRUE(out.starts_with("nothing has changed")) << out;
+
+  writeText("p/a.yaml", "page: {type: group, x: -1}\n");
+  writeText("p/b.yaml", "page: {type: group, y: -1}\n");
+  EXPECT_EQ(kpg("build p --jobs 4"), 1);
+  EXPECT_EQ(err,
+            "p/a.yaml:1: x of page: -1 lies outside 0 to 65535\np/b.yaml:1: y of page: -1 lies outside 0 to 65535\n");
+  EXPECT_EQ(kpg("clean p"), 0);
+  EXPECT_EQ(out, "3 files removed\n");
+  EXPECT_FALSE(fs::exists("p/build"));
+  EXPECT_EQ(kpg("build"), 1);
+  EXPECT_EQ(err, "there is no vistrel.yaml here or in a folder around; kpg new NAME begins a project\n");
+}
+
+TEST_F(ProjectCommandsTest, OnePageHasADepfileToo) {
+  fs::create_directory("my pages");
+  writeText("my pages/a.yaml", "page: {type: group, scripts: [s.bob]}\n");
+  writeText("my pages/s.bob", "x = 1;\n");
+  ASSERT_EQ(kpg("build 'my pages/a.yaml' -o a.kpg --depfile a.d"), 0) << err;
+  EXPECT_EQ(text("a.d"), "a.kpg: \\\n  my\\ pages/a.yaml \\\n  my\\ pages/s.bob\n");
+  EXPECT_EQ(kpg("build 'my pages/a.yaml'"), 1);
+  EXPECT_EQ(err, "my pages/a.yaml: say where its page goes: -o PAGE.kpg\n");
+}
+
+TEST_F(ProjectCommandsTest, AColorShowsAsThePageShowsIt) {
+  for (const char* color : {"#101830", "#F0C040", "#808080", "#00FF80"}) {
+    ASSERT_TRUE(
+        load(std::string("flags: 16bit\npage: {type: group, width: 720, height: 480, bgColor: \"") + color + "\"}\n"));
+    char shown[16];
+    std::snprintf(shown, sizeof shown, "#%06X", pixel(300, 200));
+    EXPECT_EQ(kpg(std::string("color '") + color + "'"), 0);
+    EXPECT_NE(out.find(std::string("it shows as          ") + shown), std::string::npos)
+        << color << " " << shown << out;
+  }
+  EXPECT_EQ(kpg("color red"), 1);
+}
+
+}  // namespace
