@@ -6,6 +6,7 @@
 void addNewCommand(CommandLine& line);
 void addBuildCommand(CommandLine& line);
 void addCleanCommand(CommandLine& line);
+void addPackCommand(CommandLine& line);
 void addDumpCommand(CommandLine& line);
 void addTreeCommand(CommandLine& line);
 void addShotCommand(CommandLine& line);

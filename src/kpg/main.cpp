@@ -42,6 +42,7 @@ int main(int argc, char** argv) {
   addNewCommand(line);
   addBuildCommand(line);
   addCleanCommand(line);
+  addPackCommand(line);
   addDumpCommand(line);
   addTreeCommand(line);
   addShotCommand(line);

@@ -62,6 +62,33 @@ TEST_F(ProjectCommandsTest, OnePageHasADepfileToo) {
   EXPECT_EQ(err, "my pages/a.yaml: say where its page goes: -o PAGE.kpg\n");
 }
 
+// Other programs read what is packed.
+TEST_F(ProjectCommandsTest, PacksAreTheSameEachTimeAndOthersReadThem) {
+  ASSERT_EQ(kpg("new p"), 0) << err;
+  ASSERT_EQ(kpg("pack p -o a.zip"), 0) << err;
+  EXPECT_NE(out.find("5 files"), std::string::npos) << out;
+  ASSERT_EQ(kpg("pack p -o a.tar.gz"), 0) << err;
+  ASSERT_EQ(kpg("pack p -o folder"), 0) << err;
+  writeText("compare.py", R"(
+import pathlib, tarfile, zipfile
+folder = {p.name: p.read_bytes() for p in pathlib.Path('folder').iterdir()}
+z = zipfile.ZipFile('a.zip')
+t = tarfile.open('a.tar.gz')
+assert z.testzip() is None
+assert {n: z.read(n) for n in z.namelist()} == folder
+assert {m.name: t.extractfile(m).read() for m in t} == folder
+)");
+  EXPECT_EQ(shell("python3 compare.py"), 0);
+  ASSERT_EQ(kpg("build p --all"), 0);
+  EXPECT_EQ(shell("cp a.zip b.zip && kpg pack p -o a.zip >out.txt && cmp a.zip b.zip"), 0);
+  ASSERT_EQ(kpg("pack p"), 0) << err;
+  ASSERT_EQ(kpg("pack p"), 0) << err;
+  EXPECT_EQ(text("p/p.zip"), text("a.zip"));
+  writeText("p/p.zip", "mine");
+  EXPECT_EQ(kpg("pack p"), 1);
+  EXPECT_EQ(err, "p/p.zip: is there and was not made by kpg; say -o FILE.zip\n");
+}
+
 TEST_F(ProjectCommandsTest, AColorShowsAsThePageShowsIt) {
   for (const char* color : {"#101830", "#F0C040", "#808080", "#00FF80"}) {
     ASSERT_TRUE(

@@ -238,6 +238,7 @@ std::vector<std::string> cleanProject(const Project& project, const KitWarn& war
       folders.insert(fs::path(output.name).parent_path().string());
     }
   fs::remove(manifestFile, error);
+  fs::remove(outputPath(project, kPackRecordName), error);
   // The deepest first; a folder with anything in it stays.
   for (auto folder = folders.rbegin(); folder != folders.rend(); ++folder)
     for (fs::path at = *folder; !at.empty(); at = at.parent_path()) fs::remove(outputPath(project, at.string()), error);

@@ -10,6 +10,8 @@
 #include "kit/errors.h"
 
 inline constexpr char kManifestName[] = ".vistrel-build.json";
+// The same for what packs have put into folders, which is nothing for the player.
+inline constexpr char kPackRecordName[] = ".vistrel-pack.json";
 
 struct FileRecord {
   std::string name, hash;

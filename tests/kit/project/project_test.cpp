@@ -8,8 +8,10 @@
 #include "kit/files.h"
 #include "kit/pictures/kpxfile.h"
 #include "kit/pictures/png.h"
+#include "kit/project/archive.h"
 #include "kit/project/build.h"
 #include "kit/project/depfile.h"
+#include "kit/project/pack.h"
 #include "kit/project/runsteps.h"
 #include "support/pagefixture.h"
 
@@ -237,6 +239,78 @@ TEST_F(ProjectTest, OutputsStayInTheirFolder) {
   fs::remove("../evil.bob");
   EXPECT_EQ(errors, Files{"vistrel.yaml:1: page sub/page.yaml would write ../evil.bobo, outside of the output folder"});
   EXPECT_FALSE(fs::exists("build/../../evil.bobo"));
+}
+
+class PackTest : public ProjectTest {
+ protected:
+  PackTest() {
+    for (const char* name : {"one", "two", "three", "spare"}) picture(std::string(name) + ".png", 0x2040C0);
+    writeText("list.txt", "1");
+    writeText("menu.yaml", R"(flags: 16bit
+page:
+  type: group
+  scripts: [tools.bob]
+  children:
+    - {type: image, name: one, src: one.kpx}
+    - {type: image, src: one.kpx}
+)");
+    writeText("tools.bob", "define f(n) { widgets.one.src = \"art/logo.kpx\"; }\n");
+    project(
+        "pages: [menu.yaml]\nfiles: [list.txt]\ntables: {all.clut: pictures}\n"
+        "pictures: [{files: ['*.png'], table: all.clut}, art/logo.png]\n");
+  }
+
+  Pack pack() {
+    make();
+    return planPack(readProject(kProjectFileName), report);
+  }
+  static std::string write(const Pack& pack, const std::string& output) try {
+    writePack(readProject(kProjectFileName), pack, output);
+    return "";
+  } catch (const KitError& e) {
+    return e.what();
+  }
+};
+
+TEST_F(PackTest, WhatIsUsedGoesAndNothingElse) {
+  Pack packed = pack();
+  Files names;
+  for (const PackedFile& file : packed.files) names.push_back(file.name);
+  EXPECT_EQ(names,
+            (Files{"all.clut", "art/logo.clut", "art/logo.kpx", "list.txt", "menu.kpg", "one.kpx", "tools.bobo"}));
+  EXPECT_EQ(packed.unused, (Files{"spare.kpx", "three.kpx", "two.kpx"}));
+  ASSERT_EQ(packed.pages.size(), 1u);
+  EXPECT_EQ(packed.pages[0].pictures, 1u);
+  EXPECT_EQ(packed.pages[0].memory, 4 * 3 + 7 + 33u + 12u);  // pixels, name and record, in a block of the memory
+
+  writeText("tools.bob", "define f(n) { widgets.one.src = n + \".kpx\"; }\ndefine g() { f(\"two\"); }\n");
+  EXPECT_EQ(pack().unused, (Files{"art/logo.clut", "art/logo.kpx", "spare.kpx", "three.kpx"}));
+  std::ofstream(kProjectFileName, std::ios::app) << "keep: [s*.kpx]\n";
+  EXPECT_EQ(pack().unused, (Files{"art/logo.clut", "art/logo.kpx", "three.kpx"}));
+}
+
+TEST_F(PackTest, AFolderIsReplacedIfAPackFilledIt) {
+  EXPECT_EQ(write(pack(), "out"), "");
+  EXPECT_EQ(readFile("out/art/logo.kpx"), readFile("build/art/logo.kpx"));
+  writeText("tools.bob", "define f() { return 3; }\n");
+  EXPECT_EQ(write(pack(), "out"), "");
+  EXPECT_EQ(readFile("out/tools.bobo"), readFile("build/tools.bobo"));
+  EXPECT_FALSE(fs::exists("out/art/logo.kpx"));
+  writeText("out/mine.txt", "mine");
+  EXPECT_EQ(write(pack(), "out"),
+            "out/mine.txt: is there and no pack put it there; name a folder that is empty or new");
+  fs::create_directory("other");
+  writeText("other/menu.kpg", "mine");
+  EXPECT_TRUE(write(pack(), "other").starts_with("other/menu.kpg: is there"));
+}
+
+TEST(Archive, LongNamesAreCutAtASlashOrRefused) {
+  const std::string folder(120, 'f'), file(90, 'n');
+  EXPECT_EQ(tarGzArchive({{folder + "/" + file, {1}}}), tarGzArchive({{folder + "/" + file, {1}}}));
+  EXPECT_THROW(tarGzArchive({{std::string(101, 'n'), {1}}}), KitError);
+  EXPECT_THROW(zipArchive({{std::string(256, 'n'), {1}}}), KitError);
+  EXPECT_TRUE(isKitZip(zipArchive({})));
+  EXPECT_FALSE(isKitZip({'P', 'K'}));
 }
 
 TEST(Depfile, NamesAreEscapedForMake) {

@@ -1,0 +1,188 @@
+#include "kit/project/pack.h"
+
+#include <fnmatch.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <set>
+#include <string_view>
+
+#include "engine/images/imagecache.h"
+#include "gfx/foundation/hsascii.h"
+#include "kit/files.h"
+#include "kit/pictures/gifpicture.h"
+#include "kit/pictures/kpxfile.h"
+#include "kit/project/archive.h"
+#include "kit/project/contenthash.h"
+#include "kit/project/manifest.h"
+#include "kit/project/missingfiles.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool contains(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }
+
+bool isNameCharacter(char c) {
+  const char lower = hsAsciiLower(c);
+  return (lower >= 'a' && lower <= 'z') || hsAsciiIsDigit(c) || c == '_' || c == '-' || c == '.';
+}
+
+// Whether a text of its own begins with the extension, as in `name + ".kpx"`.
+bool hasBareExtension(std::string_view text, std::string_view extension) {
+  for (size_t at = text.find(extension); at != std::string_view::npos; at = text.find(extension, at + 1))
+    if (at == 0 || !isNameCharacter(text[at - 1])) return true;
+  return false;
+}
+
+class Packer {
+ public:
+  Packer(const Project& p, const BuildReport& b) : project(p), built(b) {}
+
+  Pack run() {
+    for (const PageBuildRecord& page : built.pages) {
+      take(page.page);
+      for (const FileUse& use : page.uses)
+        if (const std::string* file = findBuilt(built.files, use.target)) take(*file);
+      pack.pages.push_back(picturesOf(page));
+    }
+    takeListed();
+    while (!toSearch.empty()) {
+      const std::string file = std::move(toSearch.back());
+      toSearch.pop_back();
+      takeMentioned(file);
+    }
+    for (const std::string& file : built.files) {
+      if (taken.contains(file)) {
+        pack.files.push_back({file, fs::file_size(outputPath(project, file))});
+      } else {
+        pack.unused.push_back(file);
+      }
+    }
+    return std::move(pack);
+  }
+
+ private:
+  void take(const std::string& file) {
+    if (!taken.insert(file).second) return;
+    toSearch.push_back(file);
+  }
+
+  void takeListed() {
+    for (const ProjectName& listed : project.files)
+      if (const std::string* file = findBuilt(built.files, fs::path(listed.text).lexically_normal().string()))
+        take(*file);
+    for (const std::string& pattern : project.keep)
+      for (const std::string& file : built.files)
+        if (fnmatch(pattern.c_str(), file.c_str(), 0) == 0) take(file);
+  }
+
+  // A picture mentions its table, a page or a script whatever it may open.
+  void takeMentioned(const std::string& file) {
+    const std::vector<uint8_t> bytes = readFile(outputPath(project, file));
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    const std::string kind = fs::path(file).extension().string();
+    if (kind != ".kpg" && kind != ".bobo" && kind != ".kpx") return;
+    for (const std::string& other : built.files) {
+      const fs::path name = fs::path(other).filename();
+      const bool isPut =
+          kind != ".kpx" && contains(text, name.stem().string()) && hasBareExtension(text, name.extension().string());
+      if (contains(text, name.string()) || isPut) take(other);
+    }
+  }
+
+  PagePictures picturesOf(const PageBuildRecord& page) const {
+    PagePictures result{page.page};
+    std::set<std::string> met;
+    for (const FileUse& use : page.uses) {
+      const std::string* file = findBuilt(built.files, use.target);
+      if (!file || !met.insert(*file).second) continue;
+      const uint64_t pixels = pixelsOf(outputPath(project, *file));
+      if (pixels == 0) continue;
+      ++result.pictures;
+      result.memory += imageMemory(pixels, use.name.size());
+    }
+    return result;
+  }
+
+  // 0 for what is no picture.
+  static uint64_t pixelsOf(const std::string& path) try {
+    const std::string extension = fs::path(path).extension().string();
+    const bool isOurs = hsAsciiEqualIgnoringCase(extension.c_str(), ".kpx");
+    if (!isOurs && !hsAsciiEqualIgnoringCase(extension.c_str(), ".gif")) return 0;
+    const std::vector<uint8_t> bytes = readFile(path);
+    if (isOurs) return parseKpx(path, bytes).pixels.size();
+    const GifSummary gif = summarizeGif(path, bytes);
+    return uint64_t{gif.width} * gif.height;
+  } catch (const KitError&) {
+    return 0;
+  }
+
+  const Project& project;
+  const BuildReport& built;
+  std::set<std::string> taken;
+  std::vector<std::string> toSearch;
+  Pack pack;
+};
+
+std::vector<ArchivedFile> filesOf(const Project& project, const Pack& pack) {
+  std::vector<ArchivedFile> files;
+  for (const PackedFile& file : pack.files) files.push_back({file.name, readFile(outputPath(project, file.name))});
+  return files;
+}
+
+void writeFolder(const Project& project, const std::vector<ArchivedFile>& files, const std::string& folder) {
+  std::error_code error;
+  const std::string recordFile = outputPath(project, kPackRecordName);
+  Manifest record = readManifest(recordFile);
+  StepRecord& before = record.steps[fs::weakly_canonical(fs::absolute(folder, error), error).string()];
+  std::map<std::string, std::string> ours;
+  for (const FileRecord& file : before.outputs) ours[file.name] = file.hash;
+  std::vector<std::string> stale;
+  if (fs::exists(folder, error))
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+      if (entry.is_directory(error)) continue;
+      const std::string name = entry.path().lexically_relative(folder).string();
+      const auto known = ours.find(name);
+      if (known == ours.end() || known->second != fileHash(entry.path().string()))
+        throw KitError(entry.path().string(), "is there and no pack put it there; name a folder that is empty or new");
+      if (std::none_of(files.begin(), files.end(), [&](const auto& file) { return file.name == name; }))
+        stale.push_back(entry.path().string());
+    }
+  OutputFiles outputs;
+  before.outputs.clear();
+  for (const ArchivedFile& file : files) {
+    const fs::path path = fs::path(folder) / file.name;
+    fs::create_directories(path.parent_path(), error);
+    outputs.add(path.string(), file.bytes.data(), file.bytes.size());
+    before.outputs.push_back({file.name, contentHash(file.bytes)});
+  }
+  outputs.finish();
+  for (const std::string& file : stale) fs::remove(file, error);
+  const std::string text = manifestText(record);
+  writeFile(recordFile, text.data(), text.size());
+}
+
+}  // namespace
+
+Pack planPack(const Project& project, const BuildReport& built) { return Packer(project, built).run(); }
+
+size_t writePack(const Project& project, const Pack& pack, const std::string& output) {
+  const std::vector<ArchivedFile> files = filesOf(project, pack);
+  const bool isTar = output.ends_with(".tar.gz") || output.ends_with(".tgz");
+  if (!isTar && !output.ends_with(".zip")) {
+    writeFolder(project, files, output);
+    return 0;
+  }
+  const std::vector<uint8_t> bytes = isTar ? tarGzArchive(files) : zipArchive(files);
+  writeFile(output, bytes.data(), bytes.size());
+  return bytes.size();
+}
+
+std::string defaultPackName(const Project& project) {
+  std::error_code error;
+  const fs::path folder =
+      fs::weakly_canonical(fs::absolute(project.folder.empty() ? "." : project.folder, error), error);
+  return project.pathOf(folder.filename().string() + ".zip");
+}
