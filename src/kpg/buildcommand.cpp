@@ -28,11 +28,11 @@ bool isProject(const std::string& source) {
 
 void buildOnePage(const BuildCommandOptions& options) {
   if (options.output.empty()) KpgCommand::refuse("--out is required");
-  buildPage(
+  const BuiltPage page = buildPage(
       options.source, options.output, [](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; },
       options.page);
   if (options.depfile.empty()) return;
-  const std::string text = depfileText(options.output, compilePage(options.source, {}, options.page).sources);
+  const std::string text = depfileText(options.output, page.sources);
   writeFile(options.depfile, text.data(), text.size());
 }
 

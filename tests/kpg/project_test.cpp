@@ -59,7 +59,7 @@ TEST_F(ProjectCommandsTest, OnePageHasADepfileToo) {
   ASSERT_EQ(kpg("build 'my pages/a.yaml' -o a.kpg --depfile a.d"), 0) << err;
   EXPECT_EQ(text("a.d"), "a.kpg: \\\n  my\\ pages/a.yaml \\\n  my\\ pages/s.bob\n");
   EXPECT_EQ(kpg("build 'my pages/a.yaml'"), 1);
-  EXPECT_EQ(err, "my pages/a.yaml: say where its page goes: -o PAGE.kpg\n");
+  EXPECT_EQ(err, "kpg build: --out is required\nkpg build --help lists its options\n");
 }
 
 // Other programs read what is packed.

@@ -24,16 +24,13 @@ BuiltPage compilePage(const std::string& source, const KitWarn& warn, const Page
   }
   built.sources.insert(built.sources.end(), page.sourceFiles.begin(), page.sourceFiles.end());
   built.scriptFiles = std::move(page.scriptFiles);
-  for (const ScriptFile& script : built.scriptFiles) {
-    const std::string name = script.name.substr(0, script.name.size() - 1);  // tools.bobo is made of tools.bob
-    built.sources.push_back((fs::path(source).parent_path() / name).string());
-  }
+  for (const ScriptFile& script : built.scriptFiles) built.sources.push_back(script.source);
   return built;
 }
 
-void buildPage(const std::string& source, const std::string& output, const KitWarn& warn,
-               const PageSourceOptions& options) {
-  const BuiltPage page = compilePage(source, warn, options);
+BuiltPage buildPage(const std::string& source, const std::string& output, const KitWarn& warn,
+                    const PageSourceOptions& options) {
+  BuiltPage page = compilePage(source, warn, options);
   if (isStandardOutput(output) && !page.scriptFiles.empty())
     throw KitError(source, "its script files go beside the page, so the page needs a name; say -o PAGE.kpg");
   refuseInput(output, page.sources);
@@ -46,4 +43,5 @@ void buildPage(const std::string& source, const std::string& output, const KitWa
     files.add(path, script.bytes.data(), script.bytes.size());
   }
   files.finish();
+  return page;
 }

@@ -24,6 +24,6 @@ bool isPageSource(const std::string& path);
 BuiltPage compilePage(const std::string& source, const KitWarn& warn = {}, const PageSourceOptions& options = {});
 
 // Compiles the source to `output`, and the script files that it names to object files beside that; all are written, or
-// none. Throws KitError.
-void buildPage(const std::string& source, const std::string& output, const KitWarn& warn = {},
-               const PageSourceOptions& options = {});
+// none. Returns what was written. Throws KitError.
+BuiltPage buildPage(const std::string& source, const std::string& output, const KitWarn& warn = {},
+                    const PageSourceOptions& options = {});

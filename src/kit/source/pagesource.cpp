@@ -378,7 +378,7 @@ class SourceReader {
     try {
       const BobCodeNames names = options.strip ? nullptr : codeNamesByLine(path);
       const std::string_view text(reinterpret_cast<char*>(source.data()), source.size());
-      scriptFiles.push_back({name + "o", compiler().compileFile(text, names)});
+      scriptFiles.push_back({name + "o", path, compiler().compileFile(text, names)});
     } catch (const ScriptError& e) {
       errors.push_back({path, e.line, e.what()});
     }

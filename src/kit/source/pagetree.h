@@ -32,7 +32,8 @@ struct PageNode {
 
 // An object file that goes beside the page.
 struct ScriptFile {
-  std::string name;  // as the page names it
+  std::string name;    // as the page names it
+  std::string source;  // the path of the file that it is made of
   std::string bytes;
 };
 
