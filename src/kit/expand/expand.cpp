@@ -8,6 +8,7 @@
 #include "kit/expand/expression.h"
 #include "kit/expand/instantiate.h"
 #include "kit/expand/layout.h"
+#include "kit/expand/links.h"
 #include "kit/expand/styles.h"
 #include "kit/yaml/writeyaml.h"
 
@@ -52,6 +53,7 @@ ExpandedSource expandSource(YamlNode source, std::vector<KitMessage>& errors) {
   ExpandedSource result = instantiated(std::move(source), errors);
   inheritStyles(result.plain, errors);
   layOut(result.plain, errors);
+  linkNeighbours(result.plain, errors);
   return result;
 }
 

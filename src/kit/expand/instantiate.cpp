@@ -15,7 +15,7 @@ namespace {
 
 constexpr size_t kMaxNodes = 1'000'000;
 constexpr size_t kBytesOfNode = 100;  // of text that count as one more
-constexpr int kMaxDepth = 1000;       // of maps and lists; twice what the player follows
+constexpr int kMaxDepth = 600;        // of maps and lists: two for each of the 256 widgets that may nest, and more
 
 // Ends everything.
 struct TooLarge {

@@ -243,6 +243,60 @@ TEST_F(ExpandTest, LayoutsPlaceWhatLiesInThem) {
   for (const auto& [page, result] : cases) EXPECT_EQ(placed(page), result) << page;
 }
 
+TEST_F(ExpandTest, NeighboursAreLinked) {
+  // NAME: up down left right, of widgets with a name.
+  const auto linked = [&](const std::string& page) {
+    std::vector<KitMessage> errors;
+    const YamlNode plain = expandSource(parseYaml("p.yaml", "page: " + page), errors).plain;
+    std::string text;
+    for (const KitMessage& message : errors) text += message.whole();
+    const auto show = [&](const auto& self, const YamlNode& widget) -> void {
+      EXPECT_FALSE(widget.find("links"));
+      if (const YamlNode* name = widget.find("name")) {
+        text += name->text + ":";
+        for (const char* key : {"up", "down", "left", "right"}) {
+          const YamlNode* link = widget.find(key);
+          text += " " + (link ? link->text : "-");
+        }
+        text += "; ";
+      }
+      if (const YamlNode* children = widget.find("children"))
+        for (const YamlNode& child : children->list) self(self, child);
+    };
+    show(show, *plain.find("page"));
+    return text;
+  };
+  const std::string grid =
+      "layout: grid, columns: 2, width: 20, height: 20, children: [{name: a, onClick: x}, {name: b, onClick: x}, "
+      "{name: c, onClick: x}, {name: d, onClick: x}]}";
+  const std::pair<std::string, const char*> cases[] = {
+      {"{links: auto, " + grid, "a: - c - b; b: - d a -; c: a - - d; d: b - c -; "},
+      {"{links: wrap, " + grid, "a: c c b b; b: d d a a; c: a a d d; d: b b c c; "},
+      {"{" + grid, "a: - - - -; b: - - - -; c: - - - -; d: - - - -; "},
+      // In the same row first, however far; else the nearest, and the first of two alike.
+      {"{links: auto, children: [{name: a, width: 5, height: 5, onClick: x}, {name: b, x: 6, y: 6, width: 5, height: "
+       "5, "
+       "onClick: x}, {name: c, x: 90, width: 5, height: 5, onClick: x}]}",
+       "a: - b - c; b: a - a c; c: - b a -; "},
+      // Positions nest; what can't show the focus, is hidden or says no is left out; names are made.
+      {"{links: auto, start: s, children: [{name: link1, x: 5}, {x: 10, children: [{x: 10, width: 5, height: 5, "
+       "highlightFrame: true}]}, {name: s, width: 5, height: 5}, {name: h, hidden: true, x: 6, onClick: x}, "
+       "{name: n, links: none, x: 7, onClick: x}, {name: l, links: auto, x: 30, width: 5, height: 5}]}",
+       "link1: - - - -; link2: - - s l; s: - - - link2; h: - - - -; n: - - - -; l: - - link2 -; "},
+      // What is written stays, and a script is in place of a link.
+      {"{links: auto, children: [{name: a, width: 5, height: 5, right: ''}, {name: b, x: 6, width: 5, height: 5, "
+       "onLeft: y},"
+       " {name: c, x: 12, width: 5, height: 5, left: a}]}",
+       "a: - - - ; b: - - - c; c: - - a -; "},
+      // A group with a word of its own is linked by itself.
+      {"{links: auto, children: [{name: a, width: 5, height: 5, onClick: x}, {links: wrap, x: 6, children: [{name: b, "
+       "width: 5, height: 5, onClick: x}, {name: c, x: 6, width: 5, height: 5, onClick: x}]}]}",
+       "a: - - - -; b: - - c c; c: - - b b; "},
+      {"{links: warp}", "p.yaml:1: links: 'warp' is not one of auto, wrap and none; did you mean 'wrap'?"},
+  };
+  for (const auto& [page, result] : cases) EXPECT_EQ(linked(page), result) << page;
+}
+
 // What --expand prints builds to the same bytes.
 TEST_F(ExpandTest, ThePlainSourceIsTheSamePage) {
   const auto builtOf = [](const std::string& source) { return compilePage(source, {}, {.strip = true}).bytes; };
