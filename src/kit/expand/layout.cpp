@@ -1,9 +1,11 @@
 #include "kit/expand/layout.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "kit/expand/directions.h"
@@ -86,10 +88,14 @@ std::optional<int64_t> numberOf(const YamlNode& widget, const char* key) {
   return std::clamp<int64_t>(parseInteger(node->text).value_or(0), 0, 65535);
 }
 
-// In front, where an author would have written it.
-void setNumber(YamlNode& widget, const char* key, int64_t n) {
-  addPair(widget, key, std::to_string(n));
-  std::rotate(widget.map.begin(), widget.map.end() - 1, widget.map.end());
+// In front, in the order in which authors write them.
+void setNumber(YamlNode& widget, std::string_view key, int64_t n) {
+  constexpr std::array<std::string_view, 4> kOrder{"x", "y", "width", "height"};
+  const auto place = [&](std::string_view k) { return std::find(kOrder.begin(), kOrder.end(), k); };
+  addPair(widget, std::string(key), std::to_string(n));
+  const auto last = widget.map.end() - 1;
+  const auto at = std::find_if(widget.map.begin(), last, [&](const YamlPair& p) { return place(p.key) > place(key); });
+  std::rotate(at, last, widget.map.end());
 }
 
 // The children that the layout places.
