@@ -7,6 +7,8 @@
 #include "kit/expand/directions.h"
 #include "kit/expand/expression.h"
 #include "kit/expand/instantiate.h"
+#include "kit/expand/layout.h"
+#include "kit/expand/links.h"
 #include "kit/expand/styles.h"
 #include "kit/yaml/writeyaml.h"
 
@@ -50,6 +52,8 @@ void escape(YamlNode& node) {
 ExpandedSource expandSource(YamlNode source, std::vector<KitMessage>& errors) {
   ExpandedSource result = instantiated(std::move(source), errors);
   inheritStyles(result.plain, errors);
+  layOut(result.plain, errors);
+  linkNeighbours(result.plain, errors);
   return result;
 }
 

@@ -15,7 +15,7 @@ namespace {
 
 constexpr size_t kMaxNodes = 1'000'000;
 constexpr size_t kBytesOfNode = 100;  // of text that count as one more
-constexpr int kMaxDepth = 1000;       // of maps and lists; twice what the player follows
+constexpr int kMaxDepth = 600;        // of maps and lists: two for each of the 256 widgets that may nest, and more
 
 // Ends everything.
 struct TooLarge {
@@ -161,9 +161,10 @@ class Instantiator {
 
   void takeParameters(Scope& inside, const Template& source, const std::string& name, const YamlNode& node,
                       const Scope& scope) {
+    const YamlNode nothing;
     const YamlNode* with = node.find("with");
     if (with && !with->isMap()) fail(with->place, "with: expecting a map of parameters, found " + shownNode(*with));
-    const std::vector<YamlPair> given = with ? with->map : std::vector<YamlPair>{};
+    const std::vector<YamlPair>& given = with ? with->map : nothing.map;
     std::vector<std::string> names, missing;
     for (const YamlPair& parameter : source.parameters) names.push_back(parameter.key);
     for (const YamlPair& pair : given) {

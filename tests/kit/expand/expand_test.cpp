@@ -188,6 +188,115 @@ TEST_F(ExpandTest, StylesTakeFromOthers) {
             "p.yaml:5: style: there is no text style 'bdoy'; did you mean 'body'?\n");
 }
 
+TEST_F(ExpandTest, LayoutsPlaceWhatLiesInThem) {
+  const auto placed = [&](const std::string& page) {
+    std::vector<KitMessage> errors;
+    const YamlNode plain = expandSource(parseYaml("p.yaml", "page: " + page), errors).plain;
+    std::string text;
+    for (const KitMessage& message : errors) text += message.whole();
+    const auto show = [&](const auto& self, const YamlNode& widget) -> void {
+      const char* between = "";
+      for (const char* key : {"x", "y", "width", "height"}) {
+        const YamlNode* value = widget.find(key);
+        text += between + (value ? value->text : "-");
+        between = " ";
+      }
+      for (const char* key : {"layout", "gap", "padding", "columns"}) EXPECT_FALSE(widget.find(key)) << key;
+      if (const YamlNode* children = widget.find("children"))
+        for (const YamlNode& child : children->list) {
+          text += "; ";
+          self(self, child);
+        }
+    };
+    if (errors.empty()) show(show, *plain.find("page"));
+    return text;
+  };
+  const std::pair<const char*, const char*> cases[] = {
+      // What has no size shares what is left; the first get the odd pixels.
+      {"{width: 101, height: 20, layout: row, gap: 2, padding: [1, 2, 3, 4], children: [{}, {width: 30}, {height: 5}, "
+       "{}]}",
+       "- - 101 20; 4 1 20 16; 26 1 30 16; 58 1 20 5; 80 1 19 16"},
+      {"{width: 10, height: 20, layout: column, children: [{}, {}, {x: 7}, {y: 7}]}",
+       "- - 10 20; 0 0 10 10; 0 10 10 10; 7 - - -; - 7 - -"},
+      {"{width: 110, height: 50, layout: grid, columns: 2, gap: [10, 4], children: [{}, {width: 20}, {height: 6}]}",
+       "- - 110 50; 0 0 80 40; 90 0 20 40; 0 44 80 6"},
+      // A size that isn't said is what the entries need.
+      {"{layout: row, padding: 1, children: [{width: 5, height: 6}, {width: 7}]}", "- - 14 8; 1 1 5 6; 6 1 7 6"},
+      {"{layout: row, children: [{layout: column, children: [{width: 9, height: 2}]}, {layout: column, gap: 1, "
+       "children: [{width: 3, height: 2}, {width: 2, height: 4}]}]}",
+       "- - 12 7; 0 0 9 7; 0 0 9 2; 9 0 3 7; 0 0 3 2; 0 3 2 4"},
+      {"{width: 30, height: 9, layout: row, children: [{layout: row, children: [{}, {}]}]}",
+       "- - 30 9; 0 0 30 9; 0 0 15 9; 15 0 15 9"},
+      {"{type: textContainer, layout: column, gap: 3, padding: 5, children: [{style: a}, {}, {y: 9}, {x: 8}],\n"
+       "textStyles: [{name: a, size: 10}]}",
+       "- - - -; 5 15 - -; 5 44 - -; - 9 - -; 8 77 - -"},
+      {"{width: 9, height: 9, layout: row}", "- - 9 9"},
+      {"{layout: row, children: [{height: 2}]}", "p.yaml:1: layout: a width is needed, here or for what it lies in"},
+      {"{width: 5, height: 5, layout: row, gap: 6, children: [{}, {}]}",
+       "p.yaml:1: layout: there is no width left for it"},
+      {"{layout: rwo}", "p.yaml:1: layout: 'rwo' is not one of row, column and grid; did you mean 'row'?"},
+      {"{layout: grid}", "p.yaml:1: layout: a grid needs 'columns'"},
+      {"{layout: row, columns: 3}", "p.yaml:1: layout: columns are for a grid"},
+      {"{layout: row, padding: [1, 2]}", "p.yaml:1: layout: padding is a number or a list of 4"},
+      {"{layout: row, gap: -1}", "p.yaml:1: layout: gap: -1 lies outside 0 to 65535"},
+  };
+  for (const auto& [page, result] : cases) EXPECT_EQ(placed(page), result) << page;
+}
+
+TEST_F(ExpandTest, NeighboursAreLinked) {
+  // NAME: up down left right, of widgets with a name.
+  const auto linked = [&](const std::string& page) {
+    std::vector<KitMessage> errors;
+    const YamlNode plain = expandSource(parseYaml("p.yaml", "page: " + page), errors).plain;
+    std::string text;
+    for (const KitMessage& message : errors) text += message.whole();
+    const auto show = [&](const auto& self, const YamlNode& widget) -> void {
+      EXPECT_FALSE(widget.find("links"));
+      if (const YamlNode* name = widget.find("name")) {
+        text += name->text + ":";
+        for (const char* key : {"up", "down", "left", "right"}) {
+          const YamlNode* link = widget.find(key);
+          text += " " + (link ? link->text : "-");
+        }
+        text += "; ";
+      }
+      if (const YamlNode* children = widget.find("children"))
+        for (const YamlNode& child : children->list) self(self, child);
+    };
+    show(show, *plain.find("page"));
+    return text;
+  };
+  const std::string grid =
+      "layout: grid, columns: 2, width: 20, height: 20, children: [{name: a, onClick: x}, {name: b, onClick: x}, "
+      "{name: c, onClick: x}, {name: d, onClick: x}]}";
+  const std::pair<std::string, const char*> cases[] = {
+      {"{links: auto, " + grid, "a: - c - b; b: - d a -; c: a - - d; d: b - c -; "},
+      {"{links: wrap, " + grid, "a: c c b b; b: d d a a; c: a a d d; d: b b c c; "},
+      {"{" + grid, "a: - - - -; b: - - - -; c: - - - -; d: - - - -; "},
+      // In the same row first, however far; else the nearest, and the first of two alike.
+      {"{links: auto, children: [{name: a, width: 5, height: 5, onClick: x}, {name: b, x: 6, y: 6, width: 5, height: "
+       "5, "
+       "onClick: x}, {name: c, x: 90, width: 5, height: 5, onClick: x}]}",
+       "a: - b - c; b: a - a c; c: - b a -; "},
+      // Positions nest; what can't show the focus, is hidden or says no is left out; names are made.
+      {"{links: auto, start: s, children: [{name: link1, x: 5}, {x: 10, children: [{x: 10, width: 5, height: 5, "
+       "highlightFrame: true}]}, {name: s, width: 5, height: 5}, {name: h, hidden: true, x: 6, onClick: x}, "
+       "{name: n, links: none, x: 7, onClick: x}, {name: l, links: auto, x: 30, width: 5, height: 5}]}",
+       "link1: - - - -; link2: - - s l; s: - - - link2; h: - - - -; n: - - - -; l: - - link2 -; "},
+      // What is written stays, and a script is in place of a link.
+      {"{links: auto, children: [{name: a, width: 5, height: 5, right: ''}, {name: b, x: 6, width: 5, height: 5, "
+       "onLeft: y},"
+       " {name: c, x: 12, width: 5, height: 5, left: a}]}",
+       "a: - - - ; b: - - - c; c: - - a -; "},
+      // A group with a word of its own is linked by itself.
+      {"{links: auto, children: [{name: a, width: 5, height: 5, onClick: x}, {links: wrap, x: 6, children: [{name: b, "
+       "width: 5, height: 5, onClick: x}, {name: c, x: 6, width: 5, height: 5, onClick: x}]}]}",
+       "a: - - - -; b: - - c c; c: - - b b; "},
+      {"{links: warp}", "p.yaml:1: links: 'warp' is not one of auto, wrap and none; did you mean 'wrap'?"},
+  };
+  for (const auto& [page, result] : cases) EXPECT_EQ(linked(page), result) << page;
+}
+
 // What --expand prints builds to the same bytes.
 TEST_F(ExpandTest, ThePlainSourceIsTheSamePage) {
   const auto builtOf = [](const std::string& source) { return compilePage(source, {}, {.strip = true}).bytes; };
