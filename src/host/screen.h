@@ -19,7 +19,7 @@ class ScreenSurface {
   // Palette entry i becomes the desktop form of colors[i] for each i below count, at most 256.
   void setPalette(const uint32_t* colors, int count);
 
-  // Gives the pixels away; what is left is a screen of no size.
+  // Moves the pixels out; what is left is a screen of no size.
   std::vector<uint32_t> take();
 
   int screenWidth = 0;   // pixels

@@ -91,7 +91,7 @@ uint16_t ReadComponentEntries(InputStream& in, GlyphClass* glyph);
 // Moves the outline so that its left edge obeys the side bearing, and sets the phantoms.
 void AlignToSideBearing(GlyphClass* glyph, GlyphMetrics metrics);
 
-// Room for the scaled points, phantoms included.
+// Space for the scaled points, phantoms included.
 void AllocScaledPoints(GlyphClass* glyph);
 
 // Joins a scaled component to the scaled result so far, which is null at first. With kArgsAreOffset the arguments are

@@ -133,7 +133,7 @@ class tsiBlock {
   T* data_;
 };
 
-// Room for count plain elements for the length of a scope: kInline of them in place, more in a block.
+// Space for count plain elements for the length of a scope: kInline of them in place, more in a block.
 template <class T, uint32_t kInline>
 class tsiBuffer {
  public:

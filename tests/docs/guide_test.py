@@ -53,7 +53,7 @@ def examples(guide):
 
 
 def contains(source, example):
-    """Whether the lines of the example stand in the source, one after the other, at some indentation."""
+    """Whether the lines of the example are in the source, one after the other, at some indentation."""
     lines = [line for line in example.split('\n') if line.strip()]
     indents = {len(line) - len(line.lstrip()) for line in source.split('\n')}
     return any('\n'.join(' ' * n + line for line in lines) + '\n' in source for n in indents)

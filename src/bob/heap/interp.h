@@ -61,7 +61,7 @@ struct BobSavedRegisters {
   BobSavedRegisters* next;
 };
 
-// What a static row's arena object stands for: one of the two.
+// What a static row's arena object represents: one of the two.
 struct BobStaticRow {
   const BobMethodRow* method = nullptr;
   const BobPropertyRow* property = nullptr;

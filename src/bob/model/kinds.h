@@ -29,7 +29,7 @@ bool bobIsOfKind(BobInterp* interp, BobValue value, uint32_t kind);
 
 // A new instance of the kind, its extra bytes zero.
 BobValue bobMakeNative(BobInterp* interp, uint32_t kind);
-// The handle word of an instance, and the pointer that it stands for: null if none was set or it has been released.
+// The handle word of an instance, and the pointer that it represents: null if none was set or it has been released.
 uint32_t& bobHandleOf(BobInterp* interp, BobValue object);
 void* bobNativePointer(BobInterp* interp, BobValue object);
 // The extra bytes of an instance; they move with it.

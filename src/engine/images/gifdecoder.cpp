@@ -80,7 +80,7 @@ class Dictionary {
     previous = -1;
   }
 
-  // Gives the indices of the code to the sink, and defines the next code. False for a code that can't be.
+  // Passes the indices of the code to the sink, and defines the next code. False for a code that can't be.
   bool expand(int code, RowSink* sink) {
     if (previous < 0) {  // the first after a clear means itself
       if (code >= clear) return false;

@@ -32,7 +32,7 @@ struct GifImage {
 
 class GifDecoder {
  public:
-  // Gives up to `size` more bytes of the file; fewer mean that it has ended.
+  // Reads up to `size` more bytes of the file; fewer mean that it has ended.
   using Source = std::function<size_t(uint8_t* buffer, size_t size)>;
   // The picture's size and its global table, 0xRRGGBB00 with zeros beyond its true size, null when there is none. False
   // for no memory.

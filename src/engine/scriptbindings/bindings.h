@@ -128,7 +128,7 @@ Widget* scriptWidgetOf(void* pointer);
 Widget* scriptWidgetOf(BobInterp* interp, BobValue value);
 Frame* scriptFrameOf(void* pointer);
 
-// Gives up the target that a script made for this wrapper, if it has one. A target that still hears events lives on
+// Releases the target that a script made for this wrapper, if it has one. A target that still hears events lives on
 // until it is taken off the active list.
 void scriptReleaseTarget(BobInterp* interp, BobValue wrapper);
 

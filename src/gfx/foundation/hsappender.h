@@ -19,7 +19,7 @@ class hsAppender {
   int32_t Count() const { return fCount; }
   int32_t ElemSize() const { return fElemSize; }
 
-  // One element more at an end, copied from data unless that is null. Gives its address, good until it is popped.
+  // One element more at an end, copied from data unless that is null. Returns its address, valid until it is popped.
   void* Prepend(const void* data = nullptr);
   void* Append(const void* data = nullptr);
   void Append(int32_t count, const void* data);

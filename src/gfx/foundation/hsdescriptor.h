@@ -22,7 +22,7 @@ struct hsDescriptor {
   static hsDescriptor* New(int32_t size);
   static void Init(hsDescriptor* desc);
   static void Delete(hsDescriptor* desc);
-  // Into dst, or into a new block when dst is null. Gives where it went.
+  // Into dst, or into a new block when dst is null. Returns where it went.
   static hsDescriptor* Copy(const hsDescriptor* src, hsDescriptor* dst);
   static bool Equal(const hsDescriptor* a, const hsDescriptor* b);
 

@@ -12,7 +12,7 @@
 
 constexpr hsFixed hsIntToFixed(int32_t x) { return hsWrapShl(x, 16); }
 
-// Halves go up, also for negative x: -0.5 gives 0.
+// Halves go up, also for negative x: -0.5 becomes 0.
 constexpr int32_t hsFixedRound(hsFixed x) { return hsWrapAdd(x, kFixedHalf) >> 16; }
 // Within 0xFFFF of either end of the range these two wrap and come out with the wrong sign.
 constexpr int32_t hsFixedFloor(hsFixed x) { return x >= 0 ? x >> 16 : -(hsWrapSub(0xFFFF, x) >> 16); }
@@ -47,7 +47,7 @@ constexpr hsFixed hsFixMulSat(hsFixed a, hsFixed b) { return hsSaturate((int64_t
 // The product shifted down by 30, so of two fracts a fract, and of a fract and a fixed a fixed.
 inline int32_t hsFracMul(int32_t a, int32_t b) { return hsAsLong((int64_t{a} * b + (1 << 29)) >> 30); }
 
-// a / b. Division by zero gives infinity of a's sign. Only the high word is judged for saturation, and as a signed
+// a / b. Division by zero yields infinity of a's sign. Only the high word is judged for saturation, and as a signed
 // number: a quotient from 0x80000000 up to 0xFFFFFFFF passes and wraps, and a divisor of 0x80000000 always saturates.
 inline hsFixed hsFixDiv(hsFixed a, hsFixed b) {
   const bool negative = (a ^ b) < 0;

@@ -48,8 +48,8 @@ class hsMatrix {
 
   // The homogeneous scale doesn't enter.
   hsFixed Determinant() const;
-  // False, and no change of result, for a singular matrix. Scales alone are not looked at: a scale of 0 gives infinity.
-  // result may be this.
+  // False, and no change of result, for a singular matrix. Scales alone are not looked at: a scale of 0 becomes
+  // infinity. result may be this.
   bool Invert(hsMatrix* result) const;
 
   // src and dst may be the same array. A type other than kUnknownType must be the true one ("bad matType"). Under

@@ -22,7 +22,7 @@ class hsRef {
   template <typename U>
   requires std::convertible_to<U*, T*> hsRef(hsRef<U> other)
   noexcept : fObject(other.release()) {}
-  // Gives up the old reference last, so that an object may be assigned to the pointer that keeps it alive.
+  // Drops the old reference last, so that an object may be assigned to the pointer that keeps it alive.
   hsRef& operator=(hsRef other) noexcept {
     std::swap(fObject, other.fObject);
     return *this;

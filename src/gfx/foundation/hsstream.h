@@ -25,7 +25,7 @@ class hsInputStream {
   void ReadLongs(int32_t count, uint32_t buffer[]);
   hsFixed ReadFixed() { return hsFixed(ReadLong()); }
   void ReadPoint(hsPoint* value);
-  // A length byte and as many characters, into a buffer of up to 256: a zero follows them. Gives the length.
+  // A length byte and as many characters, into a buffer of up to 256: a zero follows them. Returns the length.
   int32_t ReadPString(char buffer[]);
 };
 

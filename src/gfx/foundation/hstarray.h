@@ -78,7 +78,7 @@ class hsTArray {
     }
     fCount = count;
   }
-  // Room for capacity elements in all; never shrinks.
+  // Space for capacity elements in all; never shrinks.
   void SetCapacity(int32_t capacity) {
     if (capacity > fCapacity) Reallocate(capacity);
   }

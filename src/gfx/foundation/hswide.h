@@ -19,7 +19,7 @@ struct hsWide {
 
   constexpr hsWide& Set(int32_t value) { return Put(value); }
   constexpr hsWide& Mul(int32_t a, int32_t b) { return Put(int64_t{a} * b); }
-  // Times value; a product of more than 63 bits gives the infinity of its sign, without a report.
+  // Times value; a product of more than 63 bits becomes the infinity of its sign, without a report.
   hsWide& Mul(int32_t value);
 
   constexpr hsWide& Add(const hsWide& other) { return PutBits(Bits() + other.Bits()); }

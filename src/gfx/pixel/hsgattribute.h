@@ -58,7 +58,7 @@ class hsGAttribute : public hsRefCnt {
   hsGAttribute* MakeCopyForScale(int32_t size) const;
 
   // The number of the effect's create procedure ("need create-proc") and the effect's own bytes, into buffer if that is
-  // given. Gives the bytes that it takes.
+  // given. Returns the number of bytes that it takes.
   static int32_t FlattenEffect(const hsGSizedFlattenable& effect, void* buffer);
 
   uint32_t Flags() const { return fFlags; }

@@ -35,7 +35,7 @@ class hsGCursor : public hsRefCnt {
   int32_t fShowCount = 0;
 };
 
-// Stands in front of a device's bounder for the length of one draw: the first bound that touches the cursor takes it
+// Takes the place of a device's bounder for the length of one draw: the first bound that touches the cursor takes it
 // off the screen, and the end of the scope puts it back. Without a cursor it changes nothing.
 class hsGCursorHider : public hsGBounder {
  public:

@@ -34,7 +34,7 @@ class hsGDevice : public hsRefCnt {
   virtual void Save();
   virtual void SaveLayer(const hsRect* bounds, hsGAttribute* attr);
   virtual void Restore();  // with nothing saved, "nil param" and a throw
-  // Gives another device this one's clips and matrix; null is ignored.
+  // Sets another device's clips and matrix to this one's; null is ignored.
   virtual void Replay(hsGDevice* other) const;
   // A path that clips this state already adds nothing.
   virtual void ClipPath(const hsPath& path);

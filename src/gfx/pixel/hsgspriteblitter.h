@@ -20,7 +20,7 @@ class hsGSpriteBlitter : public hsGDeviceBlitter {
   virtual bool Retarget(const hsGBitmap& source, int32_t left, int32_t top);
 
  protected:
-  // Told before the rows of one blit, how many pixels they have.
+  // Called before the rows of one blit, with the number of pixels in each of them.
   virtual void BeginRows(int64_t) {}
   virtual void DrawRow(const void* source, void* device, int32_t width) = 0;
 

@@ -68,7 +68,7 @@ hsGColor32 hsFilteredTexel(const Texels& texels, hsFixed x, hsFixed y, int32_t i
                   kBilerpWeights[(y >> 14 & 3) * 4 + (x >> 14 & 3)]);
 }
 
-// ---- Sources. At gives the colour of a pixel inside, IsKey whether it counts as no pixel.
+// ---- Sources. At returns the colour of a pixel inside, IsKey whether it counts as no pixel.
 
 struct hsTexels {
   explicit hsTexels(const hsGBitmap& source)

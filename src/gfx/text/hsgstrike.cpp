@@ -26,7 +26,7 @@ int64_t Reach(int64_t a, int64_t b) {
   return ((high + 0xFFFF) >> 16) - (low >> 16);
 }
 
-// Room for some images of the strike's glyphs.
+// Space for some images of the strike's glyphs.
 int32_t ChunkSize(const hsGScalerRecord& record) {
   const auto& m = record.fMatrix.fMap;
   int64_t size = Reach(m[0][0], m[0][1]) * Reach(m[1][0], m[1][1]) * 8;

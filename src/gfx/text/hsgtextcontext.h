@@ -31,7 +31,7 @@ class hsGTextContext : public hsRefCnt {
   // The positions of the run's characters relative to its origin, on the device, and after them its end; the glyphs
   // go to outGlyphs. Null outGlyphs and null spacing are good.
   const hsPoint* GetPositions(hsGGlyph** outGlyphs, const hsGTextSpacing* spacing);
-  // Measures without making a run: one advance a character, stride bytes apart. Gives the number of characters.
+  // Measures without making a run: one advance a character, stride bytes apart. Returns the number of characters.
   uint32_t GetWidths(uint32_t length, const void* text, const hsGTextSpacing* spacing, hsFixed out[], uint32_t stride);
   void GetMetrics(hsPoint* ascent, hsPoint* descent, hsPoint* baseline) const;
 

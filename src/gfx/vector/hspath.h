@@ -45,7 +45,7 @@ class hsPath {
 
   // Empties the path; the fill type stays.
   void Rewind();
-  // Room for count points and count verbs.
+  // Space for count points and count verbs.
   void Reserve(int32_t count);
   bool IsEmpty() const { return fPoints.IsEmpty(); }
   uint32_t FillType() const { return fFlags; }

@@ -13,7 +13,7 @@ class StandardOutputAside {
   StandardOutputAside(const StandardOutputAside&) = delete;
   StandardOutputAside& operator=(const StandardOutputAside&) = delete;
 
-  // Gives the standard output back and returns what was written meanwhile.
+  // Restores the standard output and returns what was written meanwhile.
   std::string end();
 
  private:

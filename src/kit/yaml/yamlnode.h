@@ -1,6 +1,6 @@
 // A YAML document as a tree of plain values, for everything that the kit reads in YAML: page sources, projects, tests.
 //
-// Every node knows where it was written, also when it was copied: a name behind an asterisk is a copy of the node that
+// Every node knows where it was written, also when it was copied: a name after an asterisk is a copy of the node that
 // the anchor names, and a node that an include or a template brought in says by whom it was used. Keys are texts and
 // stay in the order of the file; whoever reads a map decides what a repeated one means.
 #pragma once
@@ -20,7 +20,7 @@ struct YamlPlace {
   std::shared_ptr<const YamlUse> use;  // null for what the file says itself
 };
 
-// Why a node appears where it doesn't stand: "template 'button'", say, used at a place.
+// Why a node appears where it wasn't written: "template 'button'", say, used at a place.
 struct YamlUse {
   std::string what;
   YamlPlace at;
