@@ -189,12 +189,12 @@ void Delete_GlyphClass(GlyphClass* glyph) {
 }
 
 GlyphClass* NewGlyph(tsiMemObject* mem) {
-  auto* room = static_cast<RoomyGlyph*>(tsi_AllocMem(mem, sizeof(RoomyGlyph)));
-  room->glyph = GlyphClass{};
-  room->glyph.mem = mem;
-  room->glyph.curveType = 2;
-  room->glyph.pointCountMax = -1;
-  return &room->glyph;
+  auto* roomy = static_cast<RoomyGlyph*>(tsi_AllocMem(mem, sizeof(RoomyGlyph)));
+  roomy->glyph = GlyphClass{};
+  roomy->glyph.mem = mem;
+  roomy->glyph.curveType = 2;
+  roomy->glyph.pointCountMax = -1;
+  return &roomy->glyph;
 }
 
 GlyphClass* NewEmptyGlyph(tsiMemObject* mem, GlyphMetrics metrics) {

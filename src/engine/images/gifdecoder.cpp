@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "gfx/foundation/hsbytes.h"
+
 namespace {
 
 constexpr int kMaxBits = 12;
@@ -14,8 +16,6 @@ struct Pass {
 };
 constexpr Pass kInterlaced[] = {{0, 8}, {4, 8}, {2, 4}, {1, 2}};
 constexpr Pass kPlain[] = {{0, 1}};
-
-uint32_t little16(const uint8_t* p) { return uint32_t(p[0] | p[1] << 8); }
 
 int tableSize(uint8_t packed) { return 2 << (packed & 7); }
 
@@ -153,7 +153,7 @@ GifError GifDecoder::decode(const Begin& begin, const Row& row) {
     if (const GifError error = readColors(screen[4], &global); error != GifError::none) return error;
     globalCount = tableSize(screen[4]);
   }
-  if (!begin(little16(screen), little16(screen + 2), globalCount ? &global : nullptr)) return GifError::outOfMemory;
+  if (!begin(hsLittle16(screen), hsLittle16(screen + 2), globalCount ? &global : nullptr)) return GifError::outOfMemory;
 
   for (;;) {
     GifError error = GifError::none;
@@ -206,10 +206,10 @@ GifError GifDecoder::readImage(const Row& row) {
   if (!read(descriptor, sizeof descriptor)) return GifError::truncatedDescriptor;
   const uint8_t packed = descriptor[8];
   current = {current.number + 1,
-             little16(descriptor),
-             little16(descriptor + 2),
-             little16(descriptor + 4),
-             little16(descriptor + 6),
+             hsLittle16(descriptor),
+             hsLittle16(descriptor + 2),
+             hsLittle16(descriptor + 4),
+             hsLittle16(descriptor + 6),
              (packed & 0x40) != 0,
              globalCount,
              global,

@@ -4,6 +4,7 @@
 
 #include "engine/text/stylepaint.h"
 #include "engine/text/utf8.h"
+#include "gfx/foundation/hsbytes.h"
 #include "gfx/foundation/hsfixed.h"
 
 namespace {
@@ -15,7 +16,7 @@ struct Character {
 // The first of a text that decodes.
 Character firstCharacter(uint32_t encoding, const char* text, uint32_t length) {
   const auto* bytes = reinterpret_cast<const uint8_t*>(text);
-  if (encoding == hsGAttribute::kUTF16) return {bytes[0] | uint32_t{bytes[1]} << 8, 2};
+  if (encoding == hsGAttribute::kUTF16) return {hsLittle16(bytes), 2};
   if (encoding != hsGAttribute::kUTF8) return {bytes[0], 1};
   int used = 1;
   const int32_t code = utf8Decode(bytes, length, &used);

@@ -49,11 +49,11 @@ bool hsAppender::Block::PopTail(int32_t elemSize, void* data) {
 }
 
 hsAppender::Block* hsAppender::NewBlock() const {
-  const int64_t room = std::max<int64_t>(0, int64_t{fElemSize} * fElemCount);
-  Block* block = static_cast<Block*>(::operator new(sizeof(Block) + size_t(room)));
+  const int64_t space = std::max<int64_t>(0, int64_t{fElemSize} * fElemCount);
+  Block* block = static_cast<Block*>(::operator new(sizeof(Block) + size_t(space)));
   block->fNext = block->fPrev = nullptr;
   block->fBegin = block->fEnd = block->Storage();
-  block->fStop = block->Storage() + room;
+  block->fStop = block->Storage() + space;
   return block;
 }
 
@@ -105,8 +105,8 @@ void hsAppender::Append(int32_t count, const void* data) {
   while (bytes > 0) {
     if (!hsAssert(fElemSize > 0 && fElemCount > 0, "bad appendsize")) return;
     if (!fLastBlock || !fLastBlock->CanAppend(fElemSize)) ChainAtTail(NewBlock());
-    const int64_t room = (fLastBlock->fStop - fLastBlock->fEnd) / fElemSize * fElemSize;
-    const int64_t size = std::min(bytes, room);
+    const int64_t space = (fLastBlock->fStop - fLastBlock->fEnd) / fElemSize * fElemSize;
+    const int64_t size = std::min(bytes, space);
     if (from) {
       std::memcpy(fLastBlock->fEnd, from, size_t(size));
       from += size;

@@ -83,8 +83,8 @@ void hsGFontT2K::ReadDirectory() {
   if (!fDirectory.empty() || GetDataSize() < hsSfnt::kDirectoryHeader) return;
   uint8_t header[hsSfnt::kDirectoryHeader];
   if (!ReadData(0, sizeof header, header)) return;
-  const uint32_t stated = hsSfntU16(header, 4) * hsSfnt::kDirectoryEntry + hsSfnt::kDirectoryHeader;
-  fDirectory.resize(std::min(stated, GetDataSize()));
+  const uint32_t declared = hsSfntU16(header, 4) * hsSfnt::kDirectoryEntry + hsSfnt::kDirectoryHeader;
+  fDirectory.resize(std::min(declared, GetDataSize()));
   ReadData(0, uint32_t(fDirectory.size()), fDirectory.data());
 }
 

@@ -21,9 +21,9 @@ struct NameFilter {
 };
 
 uint32_t CountNames(hsSfntBytes table) {
-  const uint32_t stated = hsSfntU16(table, 2);
-  const size_t room = table.size() < kNameHeader ? 0 : (table.size() - kNameHeader) / kNameRecord;
-  return stated < room ? stated : uint32_t(room);
+  const uint32_t declared = hsSfntU16(table, 2);
+  const size_t fitting = table.size() < kNameHeader ? 0 : (table.size() - kNameHeader) / kNameRecord;
+  return declared < fitting ? declared : uint32_t(fitting);
 }
 
 // The string of a record, cut to the table.
