@@ -37,7 +37,7 @@ constexpr Operator kCompound[] = {
     {kTokenAndEq, kOpBand}, {kTokenOrEq, kOpBor},  {kTokenXorEq, kOpXor}, {kTokenShlEq, kOpShl}, {kTokenShrEq, kOpShr},
 };
 
-const Operator* FindOperator(const Operator* operators, size_t count, int token) {
+const Operator* findOperator(const Operator* operators, size_t count, int token) {
   for (size_t i = 0; i < count; ++i)
     if (operators[i].token == token) return &operators[i];
   return nullptr;
@@ -76,7 +76,7 @@ BobCompiler::Place BobCompiler::assignment() {
     store(place);
     return {};
   }
-  const Operator* compound = FindOperator(kCompound, std::size(kCompound), token);
+  const Operator* compound = findOperator(kCompound, std::size(kCompound), token);
   if (!compound) {
     scanner.unread(token);
     return place;
@@ -138,7 +138,7 @@ BobCompiler::Place BobCompiler::binary(int level) {
   Place place = binary(level + 1);
   for (;;) {
     const int token = scanner.next();
-    const Operator* found = FindOperator(kLevels[level].operators, kLevels[level].count, token);
+    const Operator* found = findOperator(kLevels[level].operators, kLevels[level].count, token);
     if (!found) {
       scanner.unread(token);
       return place;

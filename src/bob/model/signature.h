@@ -37,7 +37,7 @@ enum class Slot { kKind, kInt8, kInt16, kInt32, kValue, kPointer, kText, kDouble
 
 // A kind and a BobValue are both a uint32_t; a kind is passed by value, and where to put a value by a pointer.
 template <typename T>
-constexpr Slot SlotOf() {
+constexpr Slot slotOf() {
   if constexpr (std::is_same_v<T, uint32_t> || std::is_same_v<T, BobType>) return Slot::kKind;
   if constexpr (std::is_same_v<T, int8_t*>) return Slot::kInt8;
   if constexpr (std::is_same_v<T, int16_t*>) return Slot::kInt16;
@@ -50,7 +50,7 @@ constexpr Slot SlotOf() {
   return Slot::kOther;
 }
 
-constexpr bool Suits(const char* text, const Slot* slots, int count) {
+constexpr bool suits(const char* text, const Slot* slots, int count) {
   int at = 0;
   const auto take = [&](Slot slot) { return at < count && slots[at++] == slot; };
   for (; *text; ++text) {
@@ -90,9 +90,9 @@ inline void signatureDoesNotSuitItsOutputs() {}  // not constexpr: naming it end
 template <typename... Slots>
 struct BobSignature {
   consteval BobSignature(const char* text) : text(text) {
-    constexpr BobSignatureCheck::Slot slots[] = {BobSignatureCheck::SlotOf<Slots>()...,
+    constexpr BobSignatureCheck::Slot slots[] = {BobSignatureCheck::slotOf<Slots>()...,
                                                  BobSignatureCheck::Slot::kOther};
-    if (!BobSignatureCheck::Suits(text, slots, sizeof...(Slots))) BobSignatureCheck::signatureDoesNotSuitItsOutputs();
+    if (!BobSignatureCheck::suits(text, slots, sizeof...(Slots))) BobSignatureCheck::signatureDoesNotSuitItsOutputs();
   }
   const char* text;
 };
