@@ -3,16 +3,15 @@
 #include "engine/base/hostfile.h"
 #include "engine/base/log.h"
 #include "engine/screen/display.h"
+#include "engine/screen/standardcolor.h"
 #include "gfx/foundation/hsascii.h"
 #include "gfx/foundation/hsbytes.h"
 
 namespace {
 
-constexpr size_t kMaxColors = 240;
-
 // One byte without a meaning, then four a colour, big-endian. What follows the last colour is ignored.
 void readColors(HostFile* file, Clut* clut) {
-  std::array<uint8_t, 1 + 4 * kMaxColors> bytes;
+  std::array<uint8_t, 1 + 4 * kMaxClutColors> bytes;
   const size_t size = hostRead(file, bytes.data(), bytes.size());
   clut->count = size == 0 ? 0 : int((size - 1) / 4);
   for (size_t i = 0; i < size_t(clut->count); ++i) clut->colors[i] = hsBig32(bytes.data() + 1 + i * 4);

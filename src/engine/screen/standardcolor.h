@@ -1,9 +1,12 @@
 // The colours that mean the same on every screen.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 inline constexpr int kColorBlack = 1, kColorWhite = 2, kColorTransparent = 3;
+
+inline constexpr size_t kMaxClutColors = 240;  // that a file of a colour table holds
 
 // Their palette indices on an 8-bit screen.
 inline constexpr uint8_t kIndexBlack = 235, kIndexWhite = 236, kIndexTransparent = 237;

@@ -32,7 +32,6 @@ uint32_t RegisterMemory(uint32_t size, const void* data, bool owned, uint32_t fo
 void UnregisterFont(uint32_t id);
 
 // Lists for the next load; they stay the caller's. A count of all ones: up to a null entry.
-inline constexpr uint32_t kToNil = 0xFFFFFFFF;
 void SetFontFiles(const hsGFontFileEntry* list, uint32_t count);
 void SetFontMemory(const hsGFontMemoryEntry* list, uint32_t count);
 // Names of fonts, up to null, any of which is to be the default.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "engine/screen/display.h"
 #include "gfx/pixel/hsgrasterdevice.h"
 #include "kit/files.h"
 #include "kit/fonts/registeredfont.h"
@@ -11,7 +12,7 @@ namespace {
 
 constexpr char kPangram[] = "The quick brown fox jumps over the lazy dog. 0123456789";
 constexpr int kSizes[] = {12, 16, 20, 24, 32, 48};
-constexpr int kSpecimenWidth = 720, kMargin = 12, kBetweenSizes = 12;
+constexpr int kMargin = 12, kBetweenSizes = 12;
 
 // How a page's style asks for it: neither antialias nor gridfit, gridfit, antialias, both.
 constexpr uint32_t kUnfitted = hsGAttribute::kLinearText | hsGAttribute::kNoGridFit;
@@ -44,10 +45,10 @@ Picture fontSpecimen(const std::string& font) {
   const RegisteredFont registered(bytes);
   const uint32_t id = registered.id;
   const int height = layOut(id, [](hsGAttribute*, int) {});
-  std::vector<uint8_t> coverage(size_t(kSpecimenWidth) * size_t(height));
+  std::vector<uint8_t> coverage(size_t(kScreenWidth) * size_t(height));
   hsGBitmap bitmap;
   bitmap.SetConfig(hsGBitmap::kConfig_Alpha8);
-  bitmap.fWidth = bitmap.fRowBytes = kSpecimenWidth;
+  bitmap.fWidth = bitmap.fRowBytes = kScreenWidth;
   bitmap.fHeight = uint32_t(height);
   bitmap.fImage = coverage.data();
   hsGRasterDevice device;
@@ -56,7 +57,7 @@ Picture fontSpecimen(const std::string& font) {
     device.DrawText(sizeof kPangram - 1, kPangram, hsIntToFixed(kMargin), hsIntToFixed(baseline), paint);
   });
   device.SetBitmap(nullptr);
-  Picture specimen{kSpecimenWidth, uint32_t(height), {}};
+  Picture specimen{kScreenWidth, uint32_t(height), {}};
   specimen.pixels.reserve(coverage.size());
   for (uint8_t c : coverage) specimen.pixels.push_back(0xFF000000 | (255u - c) * 0x010101);
   return specimen;

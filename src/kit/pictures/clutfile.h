@@ -11,7 +11,6 @@
 
 #include "engine/screen/standardcolor.h"
 
-inline constexpr size_t kMaxClutColors = 240;
 inline constexpr size_t kMostChosenColors = kMaxClutColors - 3;
 
 // Colours 0xYYRRBB00 in the order of their indices, as the player takes them. Throws KitError.

@@ -19,11 +19,11 @@ uint32_t grey(int n) {
 
 }  // namespace
 
-std::array<uint32_t, kStandardClutSize> standardClut() {
-  std::array<uint32_t, kStandardClutSize> colors{};
+std::array<uint32_t, kMaxClutColors> standardClut() {
+  std::array<uint32_t, kMaxClutColors> colors{};
   for (int i = 0; i < kCube; ++i) colors[size_t(i)] = color(i / 36 * 51, i / 6 % 6 * 51, i % 6 * 51);
   int greys = 0;
-  for (int i = kCube; i < kStandardClutSize; ++i) {
+  for (int i = kCube; i < int(kMaxClutColors); ++i) {
     if (i < kIndexBlack || i > kIndexTransparent) colors[size_t(i)] = grey(greys++);
   }
   colors[kIndexBlack] = color(0, 0, 0);
