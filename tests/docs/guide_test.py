@@ -45,7 +45,7 @@ def pixels(path):
 
 def examples(guide):
     """(example, name) for each example of a page source that a picture follows."""
-    block = r'(?:```yaml\n(?P<fenced>.*?)```|(?P<indented>(?:    [^\n]*\n|\n)+))'
+    block = r'(?:```yaml\n(?P<fenced>(?:(?!```).)*)```|(?P<indented>(?:    [^\n]*\n|\n)+))'
     for match in re.finditer(block + r'\n*!\[[^\]]*\]\(pictures/(?P<name>\w+)\.png\)', guide, re.S):
         example = match['fenced'] or re.sub('^    ', '', match['indented'], flags=re.M)
         if ':' in example:

@@ -161,10 +161,10 @@ class Instantiator {
 
   void takeParameters(Scope& inside, const Template& source, const std::string& name, const YamlNode& node,
                       const Scope& scope) {
-    static const YamlNode kNothing;
+    const std::vector<YamlPair> nothing;
     const YamlNode* with = node.find("with");
     if (with && !with->isMap()) fail(with->place, "with: expecting a map of parameters, found " + shownNode(*with));
-    const std::vector<YamlPair>& given = with ? with->map : kNothing.map;
+    const std::vector<YamlPair>& given = with ? with->map : nothing;
     std::vector<std::string> names, missing;
     for (const YamlPair& parameter : source.parameters) names.push_back(parameter.key);
     for (const YamlPair& pair : given) {
