@@ -1,5 +1,5 @@
-// Draws the demo's pictures: three landscapes with their thumbnails, a tile of woven cloth and a round badge with a
-// hole in it. Each is a plain function from a place to a colour.
+// Draws the pictures in demo/artwork: three landscapes with their thumbnails, a tile of woven cloth and a round badge
+// with a hole in it. Each is a plain function from a place to a colour.
 #include <algorithm>
 #include <array>
 #include <cmath>

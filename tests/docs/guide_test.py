@@ -45,7 +45,7 @@ def pixels(path):
 
 def examples(guide):
     """(example, name) for each example of a page source that a picture follows."""
-    block = r'(?:```yaml\n(?P<fenced>.*?)```|(?P<indented>(?:    [^\n]*\n|\n)+))'
+    block = r'(?:```yaml\n(?P<fenced>(?:(?!```).)*)```|(?P<indented>(?:    [^\n]*\n|\n)+))'
     for match in re.finditer(block + r'\n*!\[[^\]]*\]\(pictures/(?P<name>\w+)\.png\)', guide, re.S):
         example = match['fenced'] or re.sub('^    ', '', match['indented'], flags=re.M)
         if ':' in example:
@@ -68,9 +68,9 @@ def blocks(guide):
             yield '', re.sub('^    ', '', match[3], flags=re.M).strip('\n') + '\n'
 
 
-def failures(guide, build, fonts, folder):
+def failures(guide, root, build, fonts, folder):
     """Tries what the guide says in a folder with the demo's files, its artwork and the fonts."""
-    for source in [*(build / 'demo').iterdir(), *(build / 'demo-targets/artwork').glob('*.png'), *fonts.glob('*.ttf')]:
+    for source in [*(build / 'demo').iterdir(), *(root / 'demo/artwork').glob('*.png'), *fonts.glob('*.ttf')]:
         shutil.copy(source, folder)
     shutil.copy(folder / 'guide.kpg', folder / 'menu.kpg')
 
@@ -107,7 +107,7 @@ def main():
     if count < 4:
         faults.append(f'docs/authoring.md: only {count} examples found')
     with tempfile.TemporaryDirectory() as folder:
-        faults += failures(guide, build, fonts, pathlib.Path(folder))
+        faults += failures(guide, root, build, fonts, pathlib.Path(folder))
     with tempfile.TemporaryDirectory() as made:
         subprocess.run([kept / 'make', build, fonts, made], check=True, stderr=subprocess.DEVNULL)
         for picture in sorted(pathlib.Path(made).glob('*.png')):

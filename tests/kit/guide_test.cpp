@@ -4,8 +4,11 @@
 #include <fstream>
 #include <iterator>
 #include <set>
+#include <sstream>
 
 #include "engine/format/attributes.h"
+#include "kit/project/project.h"
+#include "support/pagefixture.h"
 
 namespace {
 
@@ -21,15 +24,55 @@ std::string tableOf(AttributeOwner owner, std::string_view type) {
   return table + "\n";
 }
 
-TEST(Guide, HasATableForEachKindOfObject) {
+std::string guideText() {
   std::ifstream in(VISTREL_GUIDE);
-  const std::string guide{std::istreambuf_iterator<char>(in), {}};
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+TEST(Guide, HasATableForEachKindOfObject) {
+  const std::string guide = guideText();
   std::set<std::pair<AttributeOwner, std::string_view>> objects;
   for (const AttributeRow& row : attributeRows()) objects.emplace(row.owner, row.type);
   for (const auto& [owner, type] : objects) {
     const std::string table = tableOf(owner, type);
     EXPECT_NE(guide.find(table), std::string::npos) << "docs/authoring.md needs this table:\n" << table;
   }
+}
+
+class GuideProject : public PageTest {};
+
+TEST_F(GuideProject, IsReadAsItSays) {
+  const std::string guide = guideText();
+  const size_t begin = guide.find("```yaml\npages:") + 8, end = guide.find("```", begin);
+  std::filesystem::create_directory("art");
+  writeText("art/dawn.png", "");
+  writeText(kProjectFileName, guide.substr(begin, end - begin));
+  const Project project = readProject(kProjectFileName);
+  EXPECT_EQ(project.pages.size(), 2u);
+  EXPECT_EQ(project.tables.size(), 3u);
+  EXPECT_EQ(project.pictures.size(), 2u);
+  EXPECT_EQ(project.fonts.size(), 3u);
+}
+
+// A key that is unknown is answered by all that are known.
+TEST_F(GuideProject, HasALineForEachKey) {
+  writeText(kProjectFileName, "zzzzzzzz: 1\n");
+  std::string known;
+  try {
+    readProject(kProjectFileName);
+  } catch (const KitError& e) {
+    known = e.what();
+  }
+  const std::string guide = guideText();
+  std::istringstream words(known.substr(known.rfind("it has ") + 7));
+  int count = 0;
+  for (std::string word; words >> word;) {
+    if (word == "and") continue;
+    if (word.back() == ',') word.pop_back();
+    EXPECT_NE(guide.find("\n| `" + word + "` |"), std::string::npos) << word;
+    ++count;
+  }
+  EXPECT_GE(count, 9);
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 // Projects and colours as their authors call them.
+#include "kit/pictures/png.h"
 #include "kpgfixture.h"
 
 namespace fs = std::filesystem;
@@ -24,17 +25,20 @@ TEST_F(ProjectCommandsTest, ANewProjectBuildsAndItsPageAnswersAKey) {
 
 TEST_F(ProjectCommandsTest, TheProjectAroundIsBuiltAndCleaned) {
   fs::create_directories("p/sub");
-  writeText("p/vistrel.yaml", "pages: [a.yaml, b.yaml]\n");
+  writePng("p/c.png", 1, 1, {0xC04040});
+  writeText("p/vistrel.yaml",
+            "pages: [a.yaml, b.yaml]\ntables: {t.clut: pictures}\npictures: {files: c.png, table: t.clut}\n");
   writeText("p/a.yaml", "page: {type: group, scripts: [s.bob]}\n");
   writeText("p/b.yaml", "page: {type: group}\n");
   writeText("p/s.bob", "x = 1;\n");
   EXPECT_EQ(shell("cd p/sub && kpg build --depfile d.mk >out.txt"), 0);
-  EXPECT_EQ(text("p/sub/out.txt"), "../build/a.kpg\n../build/s.bobo\n../build/b.kpg\n");
+  EXPECT_EQ(text("p/sub/out.txt"),
+            "../build/t.clut\n../build/c.kpx\n../build/a.kpg\n../build/s.bobo\n../build/b.kpg\n");
   EXPECT_EQ(text("p/sub/d.mk"),
-            "../build/.vistrel-build.json: \\\n  ../a.yaml \\\n  ../b.yaml \\\n  ../s.bob \\\n  "
+            "../build/.vistrel-build.json: \\\n  ../a.yaml \\\n  ../b.yaml \\\n  ../c.png \\\n  ../s.bob \\\n  "
             "../vistrel.yaml\n");
   EXPECT_EQ(kpg("build p"), 0);
-  EXPECT_EQ(out, "nothing has changed, 3 in p/build/\n");
+  EXPECT_EQ(out, "nothing has changed, 5 in p/build/\n");
   EXPECT_EQ(kpg("build p --all -o elsewhere"), 0) << err;
   EXPECT_TRUE(fs::exists("elsewhere/b.kpg"));
   EXPECT_EQ(kpg("build p/vistrel.yaml -o elsewhere"), 0);
@@ -46,7 +50,7 @@ TEST_F(ProjectCommandsTest, TheProjectAroundIsBuiltAndCleaned) {
   EXPECT_EQ(err,
             "p/a.yaml:1: x of page: -1 lies outside 0 to 65535\np/b.yaml:1: y of page: -1 lies outside 0 to 65535\n");
   EXPECT_EQ(kpg("clean p"), 0);
-  EXPECT_EQ(out, "3 files removed\n");
+  EXPECT_EQ(out, "5 files removed\n");
   EXPECT_FALSE(fs::exists("p/build"));
   EXPECT_EQ(kpg("build"), 1);
   EXPECT_EQ(err, "there is no vistrel.yaml here or in a folder around; kpg new NAME begins a project\n");

@@ -23,6 +23,9 @@ std::string manifestName(const Project& project, const std::string& path) {
              : fs::path(path).lexically_proximate(project.folder.empty() ? "." : project.folder).string();
 }
 
+// The step of files that a build means to make, and their hash.
+constexpr char kBegunStep[] = "begun";
+
 class ProjectBuild {
  public:
   ProjectBuild(const Project& p, const BuildOptions& o)
@@ -31,6 +34,7 @@ class ProjectBuild {
   BuildReport run() {
     BuildPlan plan = planProject(project);
     errors = std::move(plan.errors);
+    claim(plan.steps);
     runAll(plan.steps);
     runAll(stepsForNamedFiles());
     for (KitMessage& missing : missingFiles(project, now)) errors.push_back(std::move(missing));
@@ -39,7 +43,7 @@ class ProjectBuild {
     } else {
       keepOldRecords();
     }
-    saveManifest();
+    saveManifest(now);
     if (!errors.empty()) throw KitError(std::move(errors));
     return finishReport();
   }
@@ -50,6 +54,17 @@ class ProjectBuild {
     std::vector<std::string> made;
     std::vector<KitMessage> warnings, errors;
   };
+
+  // A build may be interrupted, and the next one must know which files are its own.
+  void claim(const std::vector<BuildStep>& steps) const {
+    Manifest claimed = before;
+    std::vector<FileRecord>& begun = claimed.steps[kBegunStep].outputs;
+    std::error_code error;
+    for (const BuildStep& step : steps)
+      for (const std::string& output : step.outputs)
+        if (!fs::exists(outputPath(project, output), error)) begun.push_back({output, kBegunStep});
+    if (!begun.empty()) saveManifest(claimed);
+  }
 
   void runAll(const std::vector<BuildStep>& steps) {
     outcomes.assign(steps.size(), {});
@@ -174,14 +189,15 @@ class ProjectBuild {
 
   // After an error the files of steps that didn't run are still the build's own.
   void keepOldRecords() {
-    for (const auto& [name, step] : before.steps) now.steps.try_emplace(name, step);
+    for (const auto& [name, step] : before.steps)
+      if (name != kBegunStep) now.steps.try_emplace(name, step);
   }
 
   // Always, so that its time says when the project was built.
-  void saveManifest() const {
-    const std::string path = outputPath(project, kManifestName), text = manifestText(now);
+  void saveManifest(const Manifest& manifest) const {
+    const std::string path = outputPath(project, kManifestName), text = manifestText(manifest);
     std::error_code error;
-    if (now.steps.empty() && !fs::exists(path, error)) return;
+    if (manifest.steps.empty() && !fs::exists(path, error)) return;
     fs::create_directories(fs::path(path).parent_path(), error);
     writeFile(path, text.data(), text.size());
   }

@@ -3,9 +3,20 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "gfx/foundation/hsascii.h"
 #include "kit/source/pageoutline.h"
 
+namespace fs = std::filesystem;
+
 namespace {
+
+// To the player a picture with any other ending is the .kpx of that name.
+std::string pictureFile(const std::string& name) {
+  const std::string extension = fs::path(name).extension().string();
+  const bool isItself = extension.empty() || hsAsciiEqualIgnoringCase(extension.c_str(), ".gif") ||
+                        hsAsciiEqualIgnoringCase(extension.c_str(), ".kpx");
+  return isItself ? name : fs::path(name).replace_extension(".kpx").string();
+}
 
 class UseFinder {
  public:
@@ -21,14 +32,18 @@ class UseFinder {
 
  private:
   void addWidget(const OutlineWidget& widget) {
-    for (const OutlineAttribute& file : widget.files) add(file.value, widget.place, file.key + " of " + widget.label);
+    for (const OutlineAttribute& file : widget.files) {
+      const bool isPicture = file.key != "colorTable" && widget.type != "frame";
+      const std::string what = file.key + " of " + widget.label;
+      add(file.value, widget.place, what, isPicture || file.key == "background");
+    }
     for (const OutlineWidget& child : widget.children) addWidget(child);
   }
 
-  void add(const std::string& name, const YamlPlace& place, const std::string& what) {
-    std::string path = name;
+  void add(const std::string& name, const YamlPlace& place, const std::string& what, bool isPicture = false) {
+    std::string path = isPicture ? pictureFile(name) : name;
     std::replace(path.begin(), path.end(), '\\', '/');
-    path = (std::filesystem::path(folder) / path).lexically_normal().string();
+    path = (fs::path(folder) / path).lexically_normal().string();
     const std::string file = place.file ? *place.file : source;
     uses.push_back({path, name, {file, place.line, what}});
   }

@@ -84,15 +84,18 @@ class Planner {
       return add(std::move(step));
     }
     std::vector<std::string> pictures;
+    step.options = "colors " + std::to_string(table.most);
+    const auto take = [&](const ProjectName& picture) {
+      pictures.push_back(project.pathOf(picture.text));
+      step.options += ", " + picture.text;
+    };
     for (const ProjectName& picture : table.pictures)
-      if (isThere(picture)) pictures.push_back(project.pathOf(picture.text));
+      if (isThere(picture)) take(picture);
     if (table.pictures.empty())
       for (const ProjectPicture& picture : project.pictures)
-        if (picture.table.text == table.name.text) pictures.push_back(project.pathOf(picture.file.text));
+        if (picture.table.text == table.name.text) take(picture.file);
     if (pictures.empty() && table.pictures.empty())
       fail(table.name.place, "no picture uses the table " + table.name.text + ", so it has no colours");
-    step.options = "colors " + std::to_string(table.most);
-    for (const std::string& picture : pictures) step.options += "\n" + picture;
     step.run = [name = table.name.text, pictures, most = table.most](const KitWarn&) {
       return StepResult{{{name, clutBytes(clutOfPictures(pictures, most))}}, pictures, {}};
     };
@@ -133,8 +136,9 @@ class Planner {
     options.most = picture.most;
     options.background = picture.background;
     options.dither = picture.dither;
-    step.options = "table " + *options.clutName + " of " + options.clut + ", colors " + std::to_string(options.most) +
-                   ", background " + (options.background ? std::to_string(*options.background) : "none") +
+    step.options = "table " + *options.clutName + " of " + picture.table.text + ", colors " +
+                   std::to_string(options.most) + ", background " +
+                   (options.background ? std::to_string(*options.background) : "none") +
                    (options.dither ? ", dithered" : "");
     step.run = [input = project.pathOf(picture.file.text), output, clut, options](const KitWarn&) {
       ConvertedPicture made = pictureForPlayer(input, output, options);
@@ -167,7 +171,7 @@ class Planner {
     const std::string output = !font.as.empty() ? font.as
                                : isOwn          ? outputName(font.font.text)
                                                 : fs::path(file).filename().string();
-    BuildStep step{"font " + font.font.text, font.font.place, file, {output}, {}, {}};
+    BuildStep step{"font " + font.font.text, font.font.place, isOwn ? "" : file, {output}, {}, {}};
     step.run = [file, output](const KitWarn&) {
       const FontReport report = reportFont(file);
       if (!report.problem.empty()) throw KitError(file, report.problem);

@@ -307,10 +307,10 @@ TEST_F(ExpandTest, ThePlainSourceIsTheSamePage) {
     EXPECT_EQ(plainPageSource("plain.yaml").text, plain.text);
   };
   for (const auto& file : std::filesystem::directory_iterator(VISTREL_DEMO))
-    std::filesystem::copy_file(file.path(), file.path().filename());
+    if (file.is_regular_file()) std::filesystem::copy_file(file.path(), file.path().filename());
   size_t pages = 0;
   for (const auto& file : std::filesystem::directory_iterator(VISTREL_DEMO)) {
-    if (file.path().extension() != ".yaml") continue;
+    if (file.path().extension() != ".yaml" || file.path().filename() == "vistrel.yaml") continue;
     expectSame(file.path().filename().string());
     ++pages;
   }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <atomic>
 #include <fstream>
+#include <functional>
 
 #include "kit/files.h"
 #include "kit/pictures/kpxfile.h"
@@ -26,6 +27,7 @@ page:
   children:
     - {type: image, name: logo, src: art/logo.kpx}
     - {type: image, src: ready.gif}
+    - {type: image, src: art/logo.png}
 )";
 
 class ProjectTest : public PageTest {
@@ -45,9 +47,12 @@ class ProjectTest : public PageTest {
   void project(const std::string& text) { writeText(kProjectFileName, text); }
 
   // The files made, or the errors.
-  std::vector<std::string> make(size_t jobs = 2) {
+  std::vector<std::string> make(size_t jobs = 2, const std::function<void()>& meanwhile = {}) {
     std::vector<std::string> made;
     BuildOptions options;
+    options.progress = [&](size_t, size_t, const std::string&) {
+      if (meanwhile) meanwhile();
+    };
     options.jobs = jobs;
     options.made = [&](const std::string& file) { made.push_back(file); };
     try {
@@ -211,6 +216,15 @@ TEST_F(ProjectTest, NothingThatNoBuildMadeIsLost) {
   make();
   clean();
   EXPECT_FALSE(fs::exists("build"));
+}
+
+TEST_F(ProjectTest, AnInterruptedBuildKnowsItsFilesAgain) {
+  make(2, [] { fs::copy_file("build/.vistrel-build.json", "then", fs::copy_options::overwrite_existing); });
+  fs::rename("then", "build/.vistrel-build.json");
+  writeText("menu.yaml", std::string(kPage) + "    - {type: group}\n");
+  picture("art/logo.png", 0x40C040);
+  EXPECT_EQ(make(), (Files{"art/logo.clut", "menu.kpg"}));
+  EXPECT_EQ(make(), Files{});
 }
 
 TEST_F(ProjectTest, WhatIsNoLongerNamedGoesWithTheNextGoodBuild) {
