@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "kit/expand/expression.h"
+#include "kit/expand/mapedit.h"
 #include "kit/source/sourcevalue.h"
 #include "kit/suggest.h"
 
@@ -10,12 +11,15 @@ namespace {
 
 [[noreturn]] void fail(const YamlPlace& place, const std::string& text) { throw SourceFault{place, text}; }
 
+std::vector<std::string> definitionKeys() { return {"include", "constants", "templates"}; }
+
 class DefinitionReader {
  public:
   DefinitionReader(Definitions& i, SourceFiles& f, std::vector<KitMessage>& e) : into(i), files(f), errors(e) {}
 
   void read(const YamlNode& top) {
     reading.push_back(*top.place.file);
+    guarded([&] { refuseRepeatedKeys(top, definitionKeys()); });
     if (const YamlNode* names = top.find("include")) guarded([&] { includeAll(*names); });
     if (const YamlNode* all = top.find("constants")) guarded([&] { constants(*all); });
     if (const YamlNode* all = top.find("templates")) guarded([&] { templates(*all); });
@@ -48,7 +52,7 @@ class DefinitionReader {
     YamlNode top = files.read(name.text, name.place);
     if (!top.isMap()) fail(name.place, "include: " + path + " has neither constants nor templates");
     for (YamlPair& pair : top.map) {
-      const std::vector<std::string> keys{"include", "constants", "templates"};
+      const std::vector<std::string> keys = definitionKeys();
       if (std::find(keys.begin(), keys.end(), pair.key) == keys.end())
         guarded([&] {
           fail(pair.place, pair.key +
@@ -68,6 +72,7 @@ class DefinitionReader {
 
   void constants(const YamlNode& all) {
     if (!all.isMap()) fail(all.place, "constants: expecting a map of names and values, found " + shownNode(all));
+    guarded([&] { refuseRepeatedKeys(all); });
     for (const YamlPair& pair : all.map)
       guarded([&] {
         checkName(pair, "a constant");
@@ -77,6 +82,7 @@ class DefinitionReader {
 
   void templates(const YamlNode& all) {
     if (!all.isMap()) fail(all.place, "templates: expecting a map of names and templates, found " + shownNode(all));
+    guarded([&] { refuseRepeatedKeys(all); });
     for (const YamlPair& pair : all.map)
       guarded([&] {
         if (!pair.value.isMap())
@@ -94,6 +100,7 @@ class DefinitionReader {
     if (!parameters) return result;
     if (!parameters->isMap())
       fail(parameters->place, "parameters: expecting a map of names and defaults, found " + shownNode(*parameters));
+    refuseRepeatedKeys(*parameters);
     for (const YamlPair& pair : parameters->map) checkName(pair, "a parameter");
     result.parameters = parameters->map;
     return result;

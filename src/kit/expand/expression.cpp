@@ -41,8 +41,9 @@ class ExpressionReader {
     return result;
   }
 
-  size_t end() const { return at; }         // after the bracket
-  bool isOneName() const { return !sums; }  // no more than a name, or a value written out
+  size_t end() const { return at; }  // after the bracket
+  // Whether a value comes from elsewhere as it is.
+  bool isOneName() const { return hasName && !isComputed; }
 
  private:
   [[noreturn]] void fail(const std::string& text) const { throw SourceFault{scalar.place, text}; }
@@ -125,6 +126,7 @@ class ExpressionReader {
 
   // A name, and what follows it after dots: keys of a map, or numbers of a list's entries, from 0.
   YamlNode named() {
+    hasName = true;
     std::string path = word();
     const YamlNode* value = names.find(path);
     if (!value) fail("there is no '" + path + "'" + suggestion(path, names.names()));
@@ -160,7 +162,7 @@ class ExpressionReader {
   }
 
   YamlNode computed(const YamlNode& left, char sign, const YamlNode& right) {
-    sums = true;
+    isComputed = true;
     const int64_t a = numberOf(left), b = numberOf(right);
     if ((sign == '/' || sign == '%') && b == 0) fail("a division by 0");
     int64_t result = 0;
@@ -178,7 +180,7 @@ class ExpressionReader {
   }
 
   YamlNode joined(const YamlNode& left, const YamlNode& right) {
-    sums = true;
+    isComputed = true;
     for (const YamlNode* node : {&left, &right})
       if (!node->isScalar()) fail("can't join " + shownNode(*node) + " to a text");
     if (left.text.size() + right.text.size() > kMaxText) fail("the text is too long");
@@ -189,7 +191,7 @@ class ExpressionReader {
   const Scope& names;
   size_t at;
   int brackets = 0;
-  bool sums = false;
+  bool hasName = false, isComputed = false;
 };
 
 // A chain of uses with one more at its end.

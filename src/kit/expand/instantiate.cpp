@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
-#include <set>
 #include <utility>
 
 #include "kit/expand/directions.h"
 #include "kit/expand/expression.h"
+#include "kit/expand/mapedit.h"
 #include "kit/source/sourcevalue.h"
 #include "kit/suggest.h"
 
@@ -108,29 +108,31 @@ class Instantiator {
     if (const YamlNode* file = findDirection(node, "include"))
       putAll(result, included(*file, scope, YamlNode::Kind::map));
     if (const YamlNode* name = findDirection(node, "template")) putAll(result, instance(*name, node, scope));
-    std::set<std::string> own;
+    const size_t given = result.map.size();
+    if (given > 0) refuseRepeatedKeys(node);  // which the reader would see no more
     for (const YamlPair& pair : node.map) {
       if (isDirection(pair, "include") || isDirection(pair, "template") || isDirection(pair, "repeat")) continue;
       if (pair.key == "with" && findDirection(node, "template")) continue;
-      guarded([&] { put(result, {pair.key, pair.place, value(pair.value, scope)}, own); });
+      guarded([&] { put(result, given, {pair.key, pair.place, value(pair.value, scope)}); });
     }
     return result;
   }
 
-  // Puts a pair of the node itself in place of the one of that key that a template or a file gave.
-  static void put(YamlNode& map, YamlPair pair, std::set<std::string>& own) {
-    const auto old = std::find_if(map.map.begin(), map.map.end(), [&](const YamlPair& p) { return p.key == pair.key; });
-    const bool isFirst = own.insert(pair.key).second;  // a repeated key is for the reader to refuse
-    if (isFirst && old != map.map.end()) {
-      *old = std::move(pair);
-    } else {
+  // Puts a pair in place of the one of that key among the first `given`, which a template or a file gave, or at the
+  // end.
+  static void put(YamlNode& map, size_t given, YamlPair pair) {
+    const auto isSame = [&](const YamlPair& p) { return p.key == pair.key; };
+    const auto end = map.map.begin() + long(given), old = std::find_if(map.map.begin(), end, isSame);
+    if (old == end) {
       map.map.push_back(std::move(pair));
+    } else {
+      *old = std::move(pair);
     }
   }
 
   static void putAll(YamlNode& map, YamlNode more) {
-    std::set<std::string> own;
-    for (YamlPair& pair : more.map) put(map, std::move(pair), own);
+    const size_t given = map.map.size();
+    for (YamlPair& pair : more.map) put(map, given, std::move(pair));
   }
 
   YamlNode instance(const YamlNode& source, const YamlNode& node, const Scope& scope) {

@@ -1,8 +1,9 @@
-// Changes to the maps of a source.
+// What the steps do with the maps of a source.
 #pragma once
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "kit/yaml/yamlnode.h"
 
@@ -13,3 +14,6 @@ YamlNode* findValue(YamlNode& map, std::string_view key);
 void addPair(YamlNode& map, const std::string& key, const std::string& text);
 
 void removeDirection(YamlNode& map, std::string_view key);
+
+// Throws a SourceFault at the first key that the map has had before; only one of those keys, if any are given.
+void refuseRepeatedKeys(const YamlNode& map, const std::vector<std::string>& keys = {});

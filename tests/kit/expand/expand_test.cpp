@@ -73,6 +73,7 @@ TEST_F(ExpandTest, WhatIsWrongInAnExpressionIsNamed) {
       {"$(word + list)", "can't join a list to a text"},
   };
   for (const auto& [source, error] : cases) EXPECT_EQ(valueOf(source), std::string("p.yaml:2: ") + error + "\n");
+  EXPECT_EQ(expanded("constants:\n  a: 1\n  a: 2\nx: $(a)\n"), "p.yaml:3: 'a' is given twice, first in line 2\n");
   EXPECT_EQ(expanded("constants:\n  a: $(b)\n  b: $(a)\nx: $(a)\n"), "p.yaml:2: constant a needs itself\n");
 }
 
@@ -94,6 +95,7 @@ TEST_F(ExpandTest, TemplatesTakeParametersAndWhatTheirUseSays) {
       {"{template: tile, with: {lable: 1, label: 2}}",
        "p.yaml:5: template 'tile' has no parameter 'lable'; it has label and size; did you mean 'label'?\n"},
       {"{template: tile, with: {label: [1]}, x: $(label)}", "p.yaml:5: there is no 'label'\n"},
+      {"{template: large, x: 1, x: 2}", "p.yaml:5: 'x' is given twice, first in line 5\n"},
       {"{repeat: 3}", "p.yaml:5: repeat: only an entry of a list can be repeated\n"},
   };
   for (const auto& [use, error] : errors) EXPECT_EQ(expanded(templates + "page: " + use + "\n"), error);
