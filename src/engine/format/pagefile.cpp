@@ -52,7 +52,7 @@ PageData::PageData(std::vector<uint8_t> file) : bytes(std::move(file)) {
 }
 
 int pageCheck(const uint8_t* bytes, size_t size) {
-  if (size < kHeaderSize || std::memcmp(bytes, "KPGF", 4) != 0) {
+  if (size < kHeaderSize || std::memcmp(bytes, kPageMagic.data(), kPageMagic.size()) != 0) {
     hostLog("Not a page file\n");
     return 0;
   }

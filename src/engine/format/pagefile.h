@@ -8,9 +8,12 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "engine/format/attributes.h"
+
+inline constexpr std::string_view kPageMagic = "KPGF";  // how a page file begins
 
 struct PageData {
   explicit PageData(std::vector<uint8_t> file);

@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+#include "engine/format/pagefile.h"
+
 namespace {
 
 using namespace std::string_view_literals;
@@ -28,7 +30,7 @@ constexpr FileKind kKinds[] = {
     {0, "gimp xcf"sv, "a picture with layers (XCF)"},
     {0, "%PDF"sv, "a PDF document"},
     {0, "<!DOCTYPE html"sv, "an HTML page"},
-    {0, "KPGF"sv, "a page"},
+    {0, kPageMagic, "a page"},
 };
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <string_view>
 
+#include "engine/format/pagefile.h"
 #include "kit/files.h"
 #include "kit/fonts/fontreport.h"
 #include "kit/source/pagelimits.h"
@@ -15,9 +16,9 @@ namespace {
 bool isPageFile(const std::string& path) {
   std::error_code error;
   if (!fs::is_regular_file(path, error)) return false;
-  char magic[4] = {};
+  char magic[kPageMagic.size()] = {};
   std::ifstream(path, std::ios::binary).read(magic, sizeof magic);
-  return std::string_view(magic, sizeof magic) == "KPGF";
+  return std::string_view(magic, sizeof magic) == kPageMagic;
 }
 
 KitMessage problemOf(const std::string& font) try {

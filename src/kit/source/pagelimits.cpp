@@ -1,6 +1,7 @@
 #include "kit/source/pagelimits.h"
 
 #include <cstring>
+#include <string_view>
 #include <utility>
 
 #include "engine/format/pagefile.h"
@@ -40,8 +41,8 @@ class WidgetCount {
 }  // namespace
 
 bool pageHasTooManyWidgets(std::vector<uint8_t> bytes) {
-  constexpr char kMagic[] = {'K', 'P', 'G', 'F'};
-  if (bytes.size() < sizeof kMagic || std::memcmp(bytes.data(), kMagic, sizeof kMagic) != 0) return false;
+  const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+  if (!text.starts_with(kPageMagic)) return false;  // the check would log it
   if (!pageCheck(bytes.data(), bytes.size())) return false;
   const PageData page(std::move(bytes));
   WidgetCount widgets;

@@ -12,7 +12,7 @@ class PageWriter {
   explicit PageWriter(PagePlaces* p) : places(p) {}
 
   std::vector<uint8_t> write(const PageTree& page) {
-    for (char c : {'K', 'P', 'G', 'F'}) bytes.push_back(uint8_t(c));
+    for (char c : kPageMagic) bytes.push_back(uint8_t(c));
     put32(kVersion);
     put32(page.flags);
     const size_t rootLink = reserve(4);
