@@ -11,7 +11,7 @@ void addCleanCommand(CommandLine& line) {
   };
   auto options = std::make_shared<Options>();
   KpgCommand command = line.command("clean", "Remove what builds of a project have written, and nothing else");
-  command.add("project", options->project, "The folder of the project; by default the one around").type("FOLDER");
+  addProjectFolder(command, options->project);
   command.add("-o,--out", options->output, "Where its files were built, if not where it says").type("FOLDER");
   command.runs([options] {
     const Project project = openProject(options->project, options->output);

@@ -45,7 +45,7 @@ void addPackCommand(CommandLine& line) {
   };
   auto options = std::make_shared<Options>();
   KpgCommand command = line.command("pack", "Build a project, and make the folder or archive that goes to the player");
-  command.add("project", options->project, "The folder of the project; by default the one around").type("FOLDER");
+  addProjectFolder(command, options->project);
   command
       .add("-o,--out", options->output, "A folder, a .zip or a .tar.gz; by default a .zip of the project's name in it")
       .type("FOLDER|FILE");

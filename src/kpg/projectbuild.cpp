@@ -8,6 +8,10 @@
 
 namespace fs = std::filesystem;
 
+void addProjectFolder(KpgCommand& command, std::string& folder) {
+  command.add("project", folder, "The folder of the project; by default the one around").type("FOLDER");
+}
+
 Project openProject(const std::string& folder, const std::string& output) {
   std::error_code error;
   std::string file = folder;

@@ -4,6 +4,10 @@
 #include <string>
 
 #include "kit/project/build.h"
+#include "kpg/commandline.h"
+
+// The argument by which a command takes the folder of a project.
+void addProjectFolder(KpgCommand& command, std::string& folder);
 
 // The project in a folder, or around the current one for an empty name; `output`, if given, is where its files go.
 Project openProject(const std::string& folder, const std::string& output = {});
