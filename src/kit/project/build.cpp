@@ -158,9 +158,8 @@ class ProjectBuild {
 
   // Files that a page names, that nothing makes and that lie among the sources are copied.
   std::vector<BuildStep> stepsForNamedFiles() {
-    std::set<std::string> known;
-    for (const auto& [name, step] : now.steps)
-      for (const FileRecord& output : step.outputs) known.insert(output.name);
+    const std::vector<std::string> built = builtFiles(now);
+    std::set<std::string> known(built.begin(), built.end());
     std::vector<BuildStep> steps;
     for (const FileUse& use : usesInProject(project, now)) {
       std::error_code error;
@@ -176,14 +175,13 @@ class ProjectBuild {
 
   // What earlier builds wrote and this one has no use for.
   void dropStale() {
-    std::set<std::string> kept;
-    for (const auto& [name, step] : now.steps)
-      for (const FileRecord& output : step.outputs) kept.insert(output.name);
+    const std::vector<std::string> kept = builtFiles(now);
     for (const auto& [name, step] : before.steps)
       for (const FileRecord& output : step.outputs) {
         const std::string path = outputPath(project, output.name);
         std::error_code error;
-        if (!kept.contains(output.name) && fileHash(path) == output.hash) fs::remove(path, error);
+        if (!std::binary_search(kept.begin(), kept.end(), output.name) && fileHash(path) == output.hash)
+          fs::remove(path, error);
       }
   }
 
@@ -203,16 +201,16 @@ class ProjectBuild {
   }
 
   BuildReport finishReport() {
-    std::set<std::string> files, inputs = {project.file};
+    report.files = builtFiles(now);
+    std::set<std::string> inputs = {project.file};
     for (const auto& [name, step] : now.steps) {
-      for (const FileRecord& output : step.outputs) files.insert(output.name);
       for (const FileRecord& input : step.inputs) inputs.insert(project.pathOf(input.name));
       if (name.starts_with(kPageStep)) report.pages.push_back({step.outputs.front().name, step.uses});
     }
-    report.files.assign(files.begin(), files.end());
-    for (const std::string& input : inputs)
-      if (!files.contains(fs::path(input).lexically_relative(outputPath(project, "")).string()))
-        report.inputs.push_back(input);
+    for (const std::string& input : inputs) {
+      const std::string name = fs::path(input).lexically_relative(outputPath(project, "")).string();
+      if (!std::binary_search(report.files.begin(), report.files.end(), name)) report.inputs.push_back(input);
+    }
     return std::move(report);
   }
 
