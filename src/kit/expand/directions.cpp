@@ -8,9 +8,7 @@ bool isDirectionName(std::string_view key) {
   return std::find(kNames.begin(), kNames.end(), key) != kNames.end();
 }
 
-bool isDirection(const YamlPair& pair, std::string_view key) {
-  return pair.key == key && (pair.value.tag.empty() || pair.value.tag.starts_with("!!"));
-}
+bool isDirection(const YamlPair& pair, std::string_view key) { return pair.key == key && pair.value.isUntagged(); }
 
 const YamlNode* findDirection(const YamlNode& map, std::string_view key) {
   for (const YamlPair& pair : map.map)

@@ -48,13 +48,8 @@ int64_t numberOf(const YamlNode& widget, const char* key) {
   return node ? parseInteger(node->text).value_or(0) : 0;
 }
 
-std::string textOf(const YamlNode& widget, const char* key) {
-  const YamlNode* node = widget.find(key);
-  return node && node->isScalar() ? node->text : "";
-}
-
 bool isHiddenAtFirst(const YamlNode& widget) {
-  const std::string hidden = textOf(widget, "hidden");
+  const std::string hidden = widget.textOf("hidden");
   return hidden == "content" || hidden == "both" || hidden == "yes" || hidden == "true";
 }
 
@@ -112,7 +107,7 @@ class LinkWriter {
 
   void run() {
     readNames(page);
-    leads.insert(textOf(page, "start"));
+    leads.insert(page.textOf("start"));
     leads.erase("");
     Links outside;
     visit(page, 0, 0, outside);
@@ -144,7 +139,7 @@ class LinkWriter {
     const Word word = wordOf(widget);
     x += numberOf(widget, "x");
     y += numberOf(widget, "y");
-    YamlNode* children = textOf(widget, "type") == "textContainer" ? nullptr : findValue(widget, "children");
+    YamlNode* children = widget.textOf("type") == "textContainer" ? nullptr : findValue(widget, "children");
     if (around.on && takesPart(widget, word, children != nullptr))
       around.widgets.push_back({&widget, {x, y, x + numberOf(widget, "width"), y + numberOf(widget, "height")}});
     if (!children) return;
@@ -163,7 +158,7 @@ class LinkWriter {
   bool takesPart(const YamlNode& widget, Word word, bool isGroup) const {
     if (isHiddenAtFirst(widget) || word == Word::none) return false;
     if (word != Word::nothingSaid && !isGroup) return true;
-    return showsOrAnswersFocus(widget) || leads.contains(textOf(widget, "name"));
+    return showsOrAnswersFocus(widget) || leads.contains(widget.textOf("name"));
   }
 
   void addLinks(Links& links, const YamlPlace& place) {
@@ -191,8 +186,8 @@ class LinkWriter {
   }
 
   void readNames(const YamlNode& widget) {
-    names.insert(textOf(widget, "name"));
-    leads.insert(textOf(widget, "master"));
+    names.insert(widget.textOf("name"));
+    leads.insert(widget.textOf("master"));
     if (const YamlNode* children = widget.find("children"))
       for (const YamlNode& child : children->list) readNames(child);
   }

@@ -19,15 +19,10 @@ void writeFiles(JsonWriter* json, const char* key, const std::vector<FileRecord>
   json->endArray();
 }
 
-std::string textOf(const YamlNode& node, const char* key) {
-  const YamlNode* value = node.find(key);
-  return value ? value->text : "";
-}
-
 std::vector<FileRecord> readFiles(const YamlNode& node, const char* key) {
   std::vector<FileRecord> files;
   if (const YamlNode* list = node.find(key))
-    for (const YamlNode& item : list->list) files.push_back({textOf(item, "file"), textOf(item, "hash")});
+    for (const YamlNode& item : list->list) files.push_back({item.textOf("file"), item.textOf("hash")});
   return files;
 }
 
@@ -49,16 +44,16 @@ Manifest readManifest(const std::string& file) try {
   const YamlNode* steps = root.find("steps");
   if (!steps) return manifest;
   for (const YamlNode& step : steps->list) {
-    StepRecord& record = manifest.steps[textOf(step, "name")];
-    record.options = textOf(step, "options");
+    StepRecord& record = manifest.steps[step.textOf("name")];
+    record.options = step.textOf("options");
     record.inputs = readFiles(step, "inputs");
     record.outputs = readFiles(step, "outputs");
     const YamlNode* uses = step.find("uses");
     for (const YamlNode& use : uses ? uses->list : std::vector<YamlNode>())
       record.uses.push_back(
-          {textOf(use, "target"),
-           textOf(use, "name"),
-           {textOf(use, "file"), int(parseInteger(textOf(use, "line")).value_or(0)), textOf(use, "what")}});
+          {use.textOf("target"),
+           use.textOf("name"),
+           {use.textOf("file"), int(parseInteger(use.textOf("line")).value_or(0)), use.textOf("what")}});
   }
   return manifest;
 } catch (const KitError&) {

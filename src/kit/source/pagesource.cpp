@@ -6,6 +6,7 @@
 #include <memory>
 #include <utility>
 
+#include "engine/format/pagefile.h"
 #include "engine/page/frame.h"
 #include "engine/widgets/group.h"
 #include "kit/expand/expand.h"
@@ -33,8 +34,6 @@ bool isText(const YamlNode& node) {
   return node.isScalar() && (node.style != YamlNode::Style::plain || node.tag == "!!str");
 }
 
-bool isPlain(const YamlNode& node) { return node.tag.empty() || node.tag.starts_with("!!"); }
-
 [[noreturn]] void fail(const YamlPlace& place, const std::string& text) { throw SourceFault{place, text}; }
 [[noreturn]] void fail(const YamlNode& node, const std::string& text) { fail(node.place, text); }
 
@@ -42,7 +41,8 @@ bool isPlain(const YamlNode& node) { return node.tag.empty() || node.tag.starts_
 YamlNode readPageYaml(const std::string& file) {
   const std::vector<uint8_t> bytes = readFile(file);
   const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-  if (text.starts_with("KPGF")) throw KitError(file, "is a compiled page, no source; kpg dump prints a page as source");
+  if (text.starts_with(kPageMagic))
+    throw KitError(file, "is a compiled page, no source; kpg dump prints a page as source");
   if (text.find('\0') != std::string_view::npos) throw KitError(file, "is no text in UTF-8; a page source is YAML");
   YamlNode top = parseYaml(file, std::string(text));
   if (top.isNull()) throw KitError(file, "is empty; a page source is a map with 'flags' and 'page'");
@@ -64,7 +64,7 @@ std::vector<KitMessage> inOrder(std::vector<KitMessage> messages, const std::str
 
 // Where the form is settled there is no choice for a tag.
 void expectNoTag(const YamlNode& node) {
-  if (!isPlain(node)) fail(node, "no tag can be used here: " + node.tag);
+  if (!node.isUntagged()) fail(node, "no tag can be used here: " + node.tag);
 }
 
 class SourceReader {
@@ -181,13 +181,13 @@ class SourceReader {
     result.hasType = type;
     if (type && type->isScalar()) {
       result.type = type->text;
-      if (!isWidgetType(result.type) && isPlain(*type)) {
+      if (!isWidgetType(result.type) && type->isUntagged()) {
         result.type = nearestWord(type->text, attributeWords(kind, "", "type"));
         result.typeIsWrong = true;
       }
     }
     const YamlNode* name = isWidget || kind == ObjectKind::style ? source.find("name") : nullptr;
-    const bool isNamed = name && name->isScalar() && (isPlain(*name) || name->tag == "!string");
+    const bool isNamed = name && name->isScalar() && (name->isUntagged() || name->tag == "!string");
     result.label = objectLabel(kind, result.type, isNamed ? name->text : "", number);
     return result;
   }
@@ -226,14 +226,14 @@ class SourceReader {
   PageValue attribute(const YamlPair& pair) {
     const YamlNode& value = pair.value;
     AttributeForm form = attributeForm(object.kind, object.type, pair.key);
-    if (isPlain(value) && isChildrenOfPlainBox(object.kind, object.type, pair.key)) {
+    if (value.isUntagged() && isChildrenOfPlainBox(object.kind, object.type, pair.key)) {
       if (!object.typeIsWrong) report({pair.place, "a plain box shows none; say 'type: group'"});
       form = AttributeKind::widgets;  // so that what is wrong with them is reported, too
     }
-    if (!form && !object.hasType && isPlain(value) && isMisspeltType(object.kind, pair.key))
+    if (!form && !object.hasType && value.isUntagged() && isMisspeltType(object.kind, pair.key))
       fail(pair.place, "nothing reads it; did you mean 'type'?");
     if (!form && object.kind != ObjectKind::other && !object.typeIsWrong) warnOfUnread(pair);
-    if (isPlain(value)) return form ? byForm(pair, *form) : byLooks(value);
+    if (value.isUntagged()) return form ? byForm(pair, *form) : byLooks(value);
     return byTag(pair, form);
   }
 

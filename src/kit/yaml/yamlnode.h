@@ -46,8 +46,13 @@ struct YamlNode {
   bool isList() const { return kind == Kind::list; }
   bool isMap() const { return kind == Kind::map; }
 
+  bool isUntagged() const { return tag.empty() || tag.starts_with("!!"); }  // but for YAML's own tags
+
   // The value of the first pair of that name; null if there is none or this is no map.
   const YamlNode* find(std::string_view key) const;
+
+  // Its text, if it is a scalar; else empty.
+  std::string textOf(std::string_view key) const;
 };
 
 struct YamlPair {

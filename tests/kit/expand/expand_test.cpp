@@ -290,7 +290,7 @@ TEST_F(ExpandTest, NeighboursAreLinked) {
        "onLeft: y},"
        " {name: c, x: 12, width: 5, height: 5, left: a}]}",
        "a: - - - ; b: - - - c; c: - - a -; "},
-      // A group with a word of its own is linked by itself.
+      // A group that has `links` of its own is linked by itself.
       {"{links: auto, children: [{name: a, width: 5, height: 5, onClick: x}, {links: wrap, x: 6, children: [{name: b, "
        "width: 5, height: 5, onClick: x}, {name: c, x: 6, width: 5, height: 5, onClick: x}]}]}",
        "a: - - - -; b: - - c c; c: - - b b; "},
