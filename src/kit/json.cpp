@@ -4,7 +4,8 @@
 
 namespace {
 
-// How many bytes from the start make one code point of UTF-8; 0 if they make none.
+// How many bytes from the start make one code point of UTF-8; 0 if they make none. The player's own decoder takes what
+// no reader of JSON would.
 size_t utf8Length(std::string_view text) {
   const auto byte = [&](size_t i) { return i < text.size() ? uint8_t(text[i]) : 0; };
   const auto follows = [&](size_t i) { return (byte(i) & 0xC0) == 0x80; };

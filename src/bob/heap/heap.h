@@ -2,6 +2,12 @@
 //
 // One native block holds everything, so that an object is an offset: type records and the first symbols, the two
 // spaces, the stack, and a part that grows. Only what lies in a space moves.
+//
+// So whoever needs an object after an allocation keeps it where a collection finds it:
+//
+//   const BobLocal from(interp->locals, object);
+//   const BobValue copy = bobMakeObject(interp, parent);  // may collect: `object` can be a stale offset from here on
+//   interp->words(from) ...                               // where the object lies now
 #pragma once
 
 #include "bob/heap/interp.h"

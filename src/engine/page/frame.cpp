@@ -51,12 +51,11 @@ int navigate(Frame* frame, const Event& event) {
 }
 
 // Digit 3 focuses the third widget of the list, which is in post-order; 0 and 1 both mean the first.
-int focusByPosition(Frame* frame, const Event& event) {
-  if (!(event.data & kDigitFlag)) return 1;
+void focusByPosition(Frame* frame, const Event& event) {
+  if (!(event.data & kDigitFlag)) return;
   Widget* widget = frame->widgets;
   for (uint32_t left = event.data & 0xFFFF; left > 1 && widget; --left) widget = widget->nextInFrame;
   if (widget) widgetFocus(frame, widget);
-  return 1;
 }
 
 }  // namespace
@@ -120,8 +119,9 @@ int frameEvent(Frame* frame, const Event& event) {
       runScript(frame, "onClick", frame->focus);
       return 1;
     case kDigitKey:
-      if (frame->focus) return focusByPosition(frame, event);
-      break;
+      if (!frame->focus) break;
+      focusByPosition(frame, event);
+      return 1;
     case kFullRedraw:
     case kContentRedraw: widgetPaint(frame); return 1;
   }

@@ -1,5 +1,7 @@
 #include "engine/text/fonts.h"
 
+#include <new>
+
 #include "engine/base/hostfile.h"
 #include "gfx/foundation/hsascii.h"
 #include "gfx/text/hsgfontregistry.h"
@@ -9,13 +11,15 @@ FontEntry* FontShelf::load(const char* fileName) {
     if (hsAsciiEqualIgnoringCase(entry.name.c_str(), fileName)) return &entry;
   const HostFilePtr file = openHostFile(fileName);
   if (!file) return nullptr;
-  auto bytes = readWhole(file.get());
-  if (!bytes || bytes->size() > INT32_MAX) return nullptr;
-  bytes->reserve(1);  // so that an empty file has an address, too: it is kept like any that holds no font
-  FontEntry& entry = fonts.emplace_front(FontEntry{fileName, std::move(*bytes), 0});
+  const size_t size = hostFileSize(file.get());
+  if (size > INT32_MAX) return nullptr;
+  // Not a vector, which would fill megabytes with zeros first. An empty file has an address here, too: it is kept like
+  // any that holds no font.
+  std::unique_ptr<uint8_t[]> bytes(new (std::nothrow) uint8_t[size]);
+  if (!bytes || hostRead(file.get(), bytes.get(), size) != size) return nullptr;
+  FontEntry& entry = fonts.emplace_front(FontEntry{fileName, std::move(bytes), 0});
   // The entry keeps the bytes, so the registry doesn't own them.
-  entry.scalerFont =
-      hsGFontRegistry::RegisterMemory(uint32_t(entry.bytes.size()), entry.bytes.data(), false, kFontFormat_TrueType);
+  entry.scalerFont = hsGFontRegistry::RegisterMemory(uint32_t(size), entry.bytes.get(), false, kFontFormat_TrueType);
   if (entry.scalerFont == 0) {
     fonts.pop_front();
     return nullptr;

@@ -3,12 +3,12 @@
 
 #include <cstdint>
 #include <list>
+#include <memory>
 #include <string>
-#include <vector>
 
 struct FontEntry {
   std::string name;
-  std::vector<uint8_t> bytes;
+  std::unique_ptr<uint8_t[]> bytes;
   uint32_t scalerFont;  // the graphics library's identifier of the font
 };
 

@@ -45,13 +45,15 @@ std::vector<uint8_t> encode(const std::string& path, int width, int height, cons
   software.text = const_cast<char*>(kSoftware);
   png_set_text(png, info, &software, 1);
   png_write_info(png, info);
-  std::vector<uint8_t> row;
+  std::vector<uint8_t> row(size_t(width) * 4);
+  const uint32_t* in = pixels.data();
   for (int y = 0; y < height; ++y) {
-    const uint32_t* in = pixels.data() + size_t(y) * size_t(width);
-    row.clear();
-    for (size_t x = 0; x < size_t(width); ++x) {
-      for (int shift : {16, 8, 0}) row.push_back(uint8_t(in[x] >> shift));
-      if (alpha) row.push_back(uint8_t(in[x] >> 24));
+    uint8_t* out = row.data();
+    for (const uint32_t* end = in + width; in != end; ++in) {
+      *out++ = uint8_t(*in >> 16);
+      *out++ = uint8_t(*in >> 8);
+      *out++ = uint8_t(*in);
+      if (alpha) *out++ = uint8_t(*in >> 24);
     }
     png_write_row(png, row.data());
   }
