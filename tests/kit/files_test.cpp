@@ -9,6 +9,7 @@
 #include <fstream>
 
 #include "kit/errors.h"
+#include "support/temporaryfolder.h"
 
 namespace {
 
@@ -16,12 +17,6 @@ namespace fs = std::filesystem;
 
 class FilesTest : public testing::Test {
  protected:
-  FilesTest() {
-    std::string name = (fs::temp_directory_path() / "vistrel-test-XXXXXX").string();
-    folder = mkdtemp(name.data());
-  }
-  ~FilesTest() override { fs::remove_all(folder); }
-
   std::string at(const char* name) const { return (folder / name).string(); }
   static std::string read(const std::string& path) {
     const auto bytes = readFile(path);
@@ -29,7 +24,8 @@ class FilesTest : public testing::Test {
   }
   size_t count() const { return size_t(std::distance(fs::directory_iterator(folder), {})); }
 
-  fs::path folder;
+  const TemporaryFolder temporary;
+  const fs::path& folder = temporary.path();
 };
 
 TEST_F(FilesTest, AReaderNeverSeesHalfAFile) {

@@ -1,7 +1,5 @@
 #include "support/pagefixture.h"
 
-#include <unistd.h>
-
 #include <fstream>
 
 #include "engine/engine.h"
@@ -11,18 +9,13 @@
 namespace fs = std::filesystem;
 
 PageTest::PageTest() : before(fs::current_path()) {
-  std::string name = (fs::temp_directory_path() / "vistrel-test-XXXXXX").string();
-  folder = mkdtemp(name.data());
   fs::current_path(folder);
   desktop.start();
   desktop.settle();
   desktop.log.clear();
 }
 
-PageTest::~PageTest() {
-  fs::current_path(before);
-  fs::remove_all(folder);
-}
+PageTest::~PageTest() { fs::current_path(before); }
 
 void PageTest::writeText(const std::string& name, const std::string& text) {
   writeFile(name, text.data(), text.size());

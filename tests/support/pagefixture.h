@@ -8,6 +8,7 @@
 
 #include "engine/page/pageload.h"
 #include "host/headless/headlessdesktop.h"
+#include "support/temporaryfolder.h"
 
 // Every test gets a folder of its own as the current directory, and an engine that has started and drawn nothing yet.
 class PageTest : public testing::Test {
@@ -37,5 +38,7 @@ class PageTest : public testing::Test {
   EngineScope here{desktop.shell.engine};
 
  private:
-  std::filesystem::path before, folder;
+  const std::filesystem::path before;
+  const TemporaryFolder temporary;
+  const std::filesystem::path& folder = temporary.path();
 };

@@ -12,20 +12,9 @@
 #include "gfx/foundation/hsfolderiterator.h"
 #include "gfx/foundation/hsstrings.h"
 #include "gfx/halt.h"
+#include "support/temporaryfolder.h"
 
 namespace {
-
-class TemporaryFolder {
- public:
-  TemporaryFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "gfx_XXXXXX").string();
-    path = mkdtemp(pattern.data());
-  }
-  ~TemporaryFolder() { std::filesystem::remove_all(path); }
-  std::string Path(const std::string& name) const { return path + "/" + name; }
-
-  std::string path;
-};
 
 void WriteAll(hsOutputStream& out) {
   out.WriteBool(true);
@@ -70,17 +59,17 @@ TEST(Stream, WhatIsWrittenIsRead) {
 
   TemporaryFolder folder;
   hsFileStream file;
-  ASSERT_TRUE(file.Open(folder.Path("f").c_str(), "wb"));
+  ASSERT_TRUE(file.Open((folder.path() / "f").string().c_str(), "wb"));
   WriteAll(file);
   file.Close();
   file.Close();
-  ASSERT_TRUE(file.Open(folder.Path("f").c_str()));
+  ASSERT_TRUE(file.Open((folder.path() / "f").string().c_str()));
   EXPECT_EQ(file.GetEOF(), 29);
   ReadAll(file);
   file.Seek(1);
   file.Skip(2);
   EXPECT_EQ(file.ReadLong(), 0x89ABCDEFu);
-  EXPECT_FALSE(file.Open(folder.Path("none").c_str()));
+  EXPECT_FALSE(file.Open((folder.path() / "none").string().c_str()));
 }
 
 TEST(Stream, AShortReadIsReportedAndTakesNothing) {
@@ -184,8 +173,8 @@ TEST(Strings, SubstringsAreFoundWithoutBackingUp) {
 
 TEST(FolderIterator, WalksAFolderInOrder) {
   TemporaryFolder folder;
-  for (const char* name : {"b.ttf", "a.ttf", "c.TTF", "d.ttf.bak", "ttf"}) std::ofstream(folder.Path(name)) << "x";
-  hsFolderIterator it(folder.path.c_str());
+  for (const char* name : {"b.ttf", "a.ttf", "c.TTF", "d.ttf.bak", "ttf"}) std::ofstream(folder.path() / name) << "x";
+  hsFolderIterator it(folder.path().c_str());
   EXPECT_THROW(it.GetFileName(), const char*);
   std::string names;
   while (it.NextFileSuffix("ttf")) names += it.GetFileName() + std::string(" ");
@@ -194,19 +183,19 @@ TEST(FolderIterator, WalksAFolderInOrder) {
   it.Reset();
   EXPECT_TRUE(it.NextFile());
   char buffer[kFolderIterator_MaxPath];
-  EXPECT_EQ(it.GetPathAndName(buffer), int(folder.path.size()) + 7);
-  EXPECT_EQ(buffer, folder.Path("a.ttf"));
-  hsFolderIterator none(folder.Path("none").c_str());
+  EXPECT_EQ(it.GetPathAndName(buffer), int(folder.path().string().size()) + 7);
+  EXPECT_EQ(buffer, (folder.path() / "a.ttf").string());
+  hsFolderIterator none((folder.path() / "none").string().c_str());
   EXPECT_FALSE(none.NextFile());
 }
 
 TEST(FolderIterator, APathTooLongIsReported) {
   TemporaryFolder folder;
-  const std::string inner(240 - folder.path.size(), 'd');  // with the '/' a path of 241 characters
-  std::filesystem::create_directory(folder.Path(inner));
+  const std::string inner(240 - folder.path().string().size(), 'd');  // with the '/' a path of 241 characters
+  std::filesystem::create_directory(folder.path() / inner);
   for (const char* name : {"12345678901234567", "123456789012345678"})
-    std::ofstream(folder.Path(inner + "/" + name)) << "x";
-  hsFolderIterator it(folder.Path(inner).c_str());
+    std::ofstream(folder.path() / inner / name) << "x";
+  hsFolderIterator it((folder.path() / inner).string().c_str());
   ASSERT_TRUE(it.NextFile());
   EXPECT_EQ(it.GetPathAndName(nullptr), 260);
   ASSERT_TRUE(it.NextFile());

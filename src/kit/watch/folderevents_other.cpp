@@ -1,0 +1,3 @@
+#include "kit/watch/folderevents.h"
+
+std::unique_ptr<FolderEvents> openFolderEvents() { return openFolderPolling(); }
