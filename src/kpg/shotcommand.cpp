@@ -10,6 +10,7 @@
 #include "kit/pictures/png.h"
 #include "kit/run/explain.h"
 #include "kit/run/pagerun.h"
+#include "kit/run/recording.h"
 #include "kit/run/stdoutaside.h"
 #include "kit/source/pagecut.h"
 #include "kpg/commands.h"
@@ -169,7 +170,11 @@ void addShotCommand(CommandLine& line) {
   addAction("--key", PageAction::key,
             "Press Up Down Left Right Select Clear Backspace UpLeft UpRight DownLeft DownRight 0..9 or S", "NAME")
       .oneOf(keyNames(), "key");
-  addAction("--wait", PageAction::wait, "Let MS milliseconds pass", "MS").between(0, 1'000'000'000);
+  addAction("--wait", PageAction::wait, "Let MS milliseconds pass", "MS").between(0, kLongestWait);
   addAction("--eval", PageAction::eval, "Type TEXT at the console and press Enter", "TEXT");
+  const auto play = [options](const std::string& file) {
+    for (PageAction& action : readRecording(file).actions) options->actions.push_back(std::move(action));
+  };
+  command.each("--play", play, "Do the steps of a recording").type("RECORDING.yaml").group("Actions");
   command.runs([options] { shoot(*options); });
 }

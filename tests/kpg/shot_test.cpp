@@ -33,6 +33,20 @@ TEST_F(ShotTest, ASourceIsShotAsThePageThatItBuilds) {
   EXPECT_FALSE(fs::exists("bad.png"));
 }
 
+TEST_F(ShotTest, ARecordingIsPlayedInTheOrderOfTheOtherActions) {
+  writeText("m.yaml", "page: {}");
+  writeText("r.yaml", "steps:\n- {eval: 'stdout.Display(\"b\");', repeat: 2}\n- key: Up\n");
+  ASSERT_EQ(kpg("shot m.yaml -o m.png --log - --eval 'stdout.Display(\"a\");' --play r.yaml --eval "
+                "'stdout.Display(\"c\");'"),
+            0)
+      << err;
+  std::erase_if(out, [](char c) { return c < 'a' || c > 'c'; });
+  EXPECT_EQ(out, "abbc");
+  writeText("r.yaml", "steps:\n- key: Rigth\n");
+  EXPECT_EQ(kpg("shot m.yaml -o n.png --play r.yaml"), 1);
+  EXPECT_EQ(err, "r.yaml:2: there is no key 'Rigth'; did you mean 'Right'?\n");
+}
+
 TEST_F(ShotTest, StrictEndsWithOneWhenSomethingIsWrong) {
   build("p.kpg", "page: {width: 720, height: 480}");
   struct Case {

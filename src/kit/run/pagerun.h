@@ -10,16 +10,8 @@
 #include <vector>
 
 #include "kit/errors.h"
+#include "kit/run/pageaction.h"
 #include "kit/run/rundesktop.h"
-
-struct PageAction {
-  enum Kind {
-    key,   // press the key of that name, until all is drawn
-    wait,  // let so many milliseconds pass
-    eval,  // type the text at the console and press Enter, until all is drawn
-  } kind;
-  std::string argument;
-};
 
 struct PagePicture {
   int width, height;
