@@ -8,23 +8,6 @@ namespace {
 
 bool isControl(char c) { return uint8_t(c) < ' ' || c == '\x7F'; }
 
-std::string quoted(const std::string& text) {
-  std::string out = "\"";
-  for (const char c : text) {
-    if (c == '"' || c == '\\') out += '\\';
-    if (c == '\n') {
-      out += "\\n";
-    } else if (isControl(c)) {
-      char code[8];
-      std::snprintf(code, sizeof code, "\\x%02x", unsigned(uint8_t(c)));
-      out += code;
-    } else {
-      out += c;
-    }
-  }
-  return out + '"';
-}
-
 // Whether the text can do without quotes anywhere. Not every such text is found: quotes do no harm.
 bool isPlainText(const std::string& text) {
   constexpr std::array kOtherThings{"null", "Null", "NULL"};
@@ -66,7 +49,7 @@ class YamlWriter {
     for (const YamlPair& pair : node.map) {
       if (!firstFollowsDash) out += std::string(size_t(indent), ' ');
       firstFollowsDash = false;
-      out += (isPlainText(pair.key) ? pair.key : quoted(pair.key)) + ":";
+      out += (isPlainText(pair.key) ? pair.key : quotedYaml(pair.key)) + ":";
       value(pair.value, indent + 2);
     }
   }
@@ -91,7 +74,7 @@ class YamlWriter {
     } else if (node.style == YamlNode::Style::plain && (isPlainText(text) || (text.empty() && !tag.empty()))) {
       out += tag + (text.empty() ? "" : " ") + text + "\n";
     } else {
-      out += tag + " " + quoted(text) + "\n";
+      out += tag + " " + quotedYaml(text) + "\n";
     }
   }
 
@@ -126,4 +109,32 @@ std::string writeYaml(const YamlNode& node) {
     writer.out.erase(0, writer.out.find_first_not_of(" \n"));
   }
   return writer.out;
+}
+
+std::string quotedYaml(const std::string& text) {
+  std::string out = "\"";
+  for (const char c : text) {
+    if (c == '"' || c == '\\') out += '\\';
+    if (c == '\n') {
+      out += "\\n";
+    } else if (isControl(c)) {
+      char code[8];
+      std::snprintf(code, sizeof code, "\\x%02x", unsigned(uint8_t(c)));
+      out += code;
+    } else {
+      out += c;
+    }
+  }
+  return out + '"';
+}
+
+std::string yamlOnOneLine(const std::string& text) { return isPlainText(text) ? text : quotedYaml(text); }
+
+std::string yamlScalar(const std::string& text, int indent) {
+  YamlNode node;
+  node.kind = YamlNode::Kind::scalar;
+  node.text = text;
+  YamlWriter writer;
+  writer.value(node, indent);
+  return writer.out.substr(1, writer.out.size() - 2);  // without the space before and the line end after
 }
