@@ -1,6 +1,8 @@
 #include "kit/expand/expand.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <random>
 
 #include "kit/files.h"
 #include "kit/source/pagebuild.h"
@@ -375,6 +377,97 @@ TEST_F(ExpandTest, NeighboursAreLinked) {
       {"{links: warp}", "p.yaml:1: links: 'warp' is not one of auto, wrap and none; did you mean 'wrap'?"},
   };
   for (const auto& [page, result] : cases) EXPECT_EQ(linked(page), result) << page;
+}
+
+// A layout leaves nothing over and nothing out: what shares what is left differs by a pixel at most.
+TEST_F(ExpandTest, RandomRowsFillTheirWidgetExactly) {
+  std::mt19937 random(17);
+  const auto below = [&](int n) { return int(random() % unsigned(n)); };
+  for (int round = 0; round < 300; ++round) {
+    const int count = 1 + below(8), gap = below(9), left = below(20), right = below(20), width = 300 + below(400);
+    std::string page = "page: {width: " + std::to_string(width) +
+                       ", height: 9, layout: row, gap: " + std::to_string(gap) + ", padding: [0, " +
+                       std::to_string(right) + ", 0, " + std::to_string(left) + "], children: [";
+    std::vector<int> given;
+    for (int i = 0; i < count; ++i) {
+      given.push_back(i > 0 && below(2) ? below(25) : -1);  // the first takes what is left
+      page += given.back() < 0 ? "{}, " : "{width: " + std::to_string(given.back()) + "}, ";
+    }
+    std::vector<KitMessage> errors;
+    const YamlNode plain = expandSource(parseYaml("p.yaml", page + "]}"), errors).plain;
+    ASSERT_TRUE(errors.empty()) << page;
+    int at = left, least = width, most = 0;
+    const std::vector<YamlNode>& children = plain.find("page")->find("children")->list;
+    for (size_t i = 0; i < children.size(); ++i) {
+      const int size = std::stoi(children[i].textOf("width"));
+      ASSERT_EQ(children[i].textOf("x"), std::to_string(at)) << page;
+      at += size + gap;
+      if (given[i] >= 0) {
+        EXPECT_EQ(size, given[i]) << page;
+      } else {
+        least = std::min(least, size);
+        most = std::max(most, size);
+      }
+    }
+    EXPECT_EQ(at - gap + right, width) << page;
+    EXPECT_LE(most - least, 1) << page;
+  }
+}
+
+TEST_F(ExpandTest, GridsOfAllSizesLinkAsTheyLie) {
+  for (int columns = 1; columns <= 4; ++columns)
+    for (int rows = 1; rows <= 4; ++rows) {
+      std::vector<KitMessage> errors;
+      const std::string text =
+          "page: {width: 400, height: 400, links: wrap, layout: grid, gap: 3, columns: " + std::to_string(columns) +
+          ", children: [{repeat: " + std::to_string(rows * columns) + ", name: n$(index), onClick: x}]}";
+      const YamlNode plain = expandSource(parseYaml("p.yaml", text), errors).plain;
+      // A row of one has nowhere to go in its direction.
+      const auto name = [&](int row, int column) {
+        return "n" + std::to_string((row + rows) % rows * columns + (column + columns) % columns);
+      };
+      for (int row = 0; row < rows; ++row)
+        for (int column = 0; column < columns; ++column) {
+          const YamlNode& widget = plain.find("page")->find("children")->list.at(size_t(row * columns + column));
+          EXPECT_EQ(widget.textOf("up"), rows > 1 ? name(row - 1, column) : "");
+          EXPECT_EQ(widget.textOf("down"), rows > 1 ? name(row + 1, column) : "");
+          EXPECT_EQ(widget.textOf("left"), columns > 1 ? name(row, column - 1) : "");
+          EXPECT_EQ(widget.textOf("right"), columns > 1 ? name(row, column + 1) : "");
+        }
+    }
+  EXPECT_EQ(expanded("page: {links: auto, children: [{repeat: 4097, onClick: x}]}\n"),
+            "p.yaml:1: links: there are more than 4,096 widgets to link\n");
+}
+
+TEST_F(ExpandTest, TablesAsTextAreReadToTheirLastLine) {
+  const auto names = [&](const std::string& csv) {
+    writeText("t.csv", csv);
+    return expanded("page:\n  - {repeat: t.csv, v: $(item.a)/$(item.b)}\n");
+  };
+  EXPECT_EQ(names("\xEF\xBB\xBF"
+                  "a,b\n1,2"),
+            "page:\n  - v: 1/2\n");
+  EXPECT_EQ(names("a,b\r1,2\r\r3,4\r"), "page:\n  - v: 1/2\n  - v: 3/4\n");
+  EXPECT_EQ(names("b,a\n\"x,\ny\",\n"), "page:\n  - v: |-\n      /x,\n      y\n");
+  EXPECT_EQ(names("a,b\n"), "page: []\n");
+  EXPECT_EQ(names("a,b\n\"1\n\",2\n3\n"), "t.csv:4: the row has 1 field, and the first one 2\n");
+  EXPECT_EQ(names("a,b\n1,\"2\n3,4\n"), "t.csv:2: a quoted field has no end\n");
+  EXPECT_EQ(names("a,b\n\"1\"x,2\n"), "t.csv:2: a quoted field goes on after its quotes\n");
+}
+
+TEST_F(ExpandTest, WhatUsesItselfTooDeepIsRefused) {
+  const auto chain = [](int length) {
+    std::string text = "templates:\n  t0: {x: 1}\n";
+    for (int i = 1; i < length; ++i)
+      text += "  t" + std::to_string(i) + ": {template: t" + std::to_string(i - 1) + "}\n";
+    return text + "page: {template: t" + std::to_string(length - 1) + "}\n";
+  };
+  EXPECT_EQ(expanded(chain(64)), "page:\n  x: 1\n");
+  EXPECT_NE(expanded(chain(65)).find("templates and includes are nested more than 64 deep"), std::string::npos);
+  std::string constants = "constants:\n  c0: 1\n";
+  for (int i = 1; i < 300; ++i) constants += "  c" + std::to_string(i) + ": $(c" + std::to_string(i - 1) + ")\n";
+  EXPECT_EQ(expanded(constants + "x: $(c200)\n"), "x: 1\n");
+  EXPECT_NE(expanded(constants + "x: $(c299)\n").find("constants need each other too deep"), std::string::npos);
 }
 
 // What --expand prints builds to the same bytes.
