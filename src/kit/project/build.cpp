@@ -208,7 +208,7 @@ class ProjectBuild {
     now.steps[name] = std::move(record);
   }
 
-  bool isCurrent(const BuildStep& step, const StepRecord& record) const {
+  bool isCurrent(const BuildStep& step, const StepRecord& record) {
     if (record.kit != kitVersion() || record.options != step.options) return false;
     for (const std::string& output : step.outputs)
       if (std::none_of(record.outputs.begin(), record.outputs.end(), [&](const auto& o) { return o.name == output; }))
@@ -217,15 +217,24 @@ class ProjectBuild {
       return fileHash(project.pathOf(input.name)) == input.hash;
     };
     const auto outputIsSame = [&](const FileRecord& output) {
-      return fileHash(outputPath(project, output.name)) == output.hash;
+      const std::lock_guard lock(writing);
+      return hashBefore(output.name) == output.hash;
     };
     return std::all_of(record.inputs.begin(), record.inputs.end(), inputIsSame) &&
            std::all_of(record.outputs.begin(), record.outputs.end(), outputIsSame);
   }
 
+  // Of a file as it was before this build: two pages may have the same script, and which of them is due must not depend
+  // on which comes first. For whoever has `writing`.
+  const std::string& hashBefore(const std::string& output) {
+    const auto [known, isNew] = hashesBefore.try_emplace(output);
+    if (isNew) known->second = fileHash(outputPath(project, output));
+    return known->second;
+  }
+
   // Writes what is not there as it should be, and returns the names of what was not there before the build.
   std::vector<std::string> write(const BuildStep& step, const StepResult& result) {
-    const std::lock_guard lock(writing);  // two pages may have the same script
+    const std::lock_guard lock(writing);
     std::vector<std::string> written;
     OutputFiles files;
     for (const BuiltFile& file : result.outputs) {
@@ -234,10 +243,10 @@ class ProjectBuild {
         throw KitError(
             messageAt(step.place, step.name + " would write " + file.name + ", outside of the output folder"));
       refuseInput(path, result.inputs);
-      const std::string hash = contentHash(file.bytes), there = fileHash(path);
-      if (hashesBefore.try_emplace(file.name, there).first->second != hash) written.push_back(file.name);
-      if (there == hash) continue;
-      if (!hashesBefore[file.name].empty() && before.hashOf(file.name).empty())
+      const std::string hash = contentHash(file.bytes);
+      if (hashBefore(file.name) != hash) written.push_back(file.name);
+      if (fileHash(path) == hash) continue;
+      if (!hashBefore(file.name).empty() && before.hashOf(file.name).empty())
         throw KitError(path, "is there and no build made it; move it, or give its source another name");
       std::error_code error;
       fs::create_directories(fs::path(path).parent_path(), error);
@@ -337,9 +346,9 @@ class ProjectBuild {
   const Project& project;
   const BuildOptions& options;
   const Manifest before;
-  std::vector<std::string> planned;  // outputs
-  std::mutex writing;
-  std::map<std::string, std::string> hashesBefore;  // of outputs, before this build
+  std::vector<std::string> planned;                 // outputs
+  std::mutex writing;                               // for files, and what follows
+  std::map<std::string, std::string> hashesBefore;  // of outputs
   std::mutex mutex;                                 // for what follows, while steps run
   Manifest now;
   std::set<std::string> inputs;  // as they can be opened
