@@ -42,5 +42,13 @@ struct KitError : std::runtime_error {
   }
 };
 
+// What a failed build throws. Whoever waits for the mended files has to watch these.
+struct BuildError : KitError {
+  BuildError(std::vector<KitMessage> all, std::vector<std::string> i)
+      : KitError(std::move(all)), inputs(std::move(i)) {}
+
+  std::vector<std::string> inputs;  // that were read or looked for until then, as they were opened
+};
+
 // Takes what is odd but no error. An empty one is not called.
 using KitWarn = std::function<void(const KitMessage&)>;

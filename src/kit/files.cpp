@@ -56,7 +56,7 @@ class Descriptor {
   int descriptor;
 };
 
-// The open file that a name stands for. To open /dev/stdout anew would begin a file again that a shell has redirected
+// The open file that a name means. To open /dev/stdout anew would begin a file again that a shell has redirected
 // the output to.
 std::optional<int> openFileNamed(std::string_view path) {
   if (path == "-" || path == "/dev/stdout") return STDOUT_FILENO;

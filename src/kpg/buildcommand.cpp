@@ -16,9 +16,9 @@ namespace {
 
 struct BuildCommandOptions {
   std::string source, output, depfile;
-  size_t jobs = 0;
-  bool all = false, expand = false;
+  BuildOptions project;
   PageSourceOptions page;
+  bool expand = false;
 };
 
 bool isProject(const std::string& source) {
@@ -26,24 +26,39 @@ bool isProject(const std::string& source) {
   return source.empty() || fs::is_directory(source, error) || fs::path(source).filename() == kProjectFileName;
 }
 
+void writeDepfile(const BuildCommandOptions& options, const std::string& target,
+                  const std::vector<std::string>& inputs) {
+  if (options.depfile.empty()) return;
+  const std::string text = depfileText(target, inputs);
+  writeFile(options.depfile, text.data(), text.size());
+}
+
 void buildOnePage(const BuildCommandOptions& options) {
-  if (options.output.empty()) KpgCommand::refuse("--out is required");
   const BuiltPage page = buildPage(
       options.source, options.output, [](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; },
       options.page);
-  if (options.depfile.empty()) return;
-  const std::string text = depfileText(options.output, page.sources);
-  writeFile(options.depfile, text.data(), text.size());
+  writeDepfile(options, options.output, page.sources);
+}
+
+// A page of the project around it, into the project's folder of built files.
+void buildPageOfProject(BuildCommandOptions options) {
+  const std::string file = findProject(fs::path(options.source).parent_path().string());
+  if (file.empty()) KpgCommand::refuse("--out is required");
+  Project project = readProject(file);
+  options.project.page = pageOfProject(project, options.source);
+  if (options.project.page.empty())
+    throw KitError(options.source, "is none of the pages of " + file + "; add it there, or say -o PAGE.kpg");
+  if (options.page.strip) project.strip = true;
+  const BuildReport report = buildOnTerminal(project, options.project);
+  writeDepfile(options, outputPath(project, kManifestName), report.inputs);
 }
 
 void buildWholeProject(const BuildCommandOptions& options) {
   if (options.expand) KpgCommand::refuse("--expand takes a page source");
   Project project = openProject(options.source, options.output);
   if (options.page.strip) project.strip = true;
-  const BuildReport report = buildOnTerminal(project, options.all, options.jobs);
-  if (options.depfile.empty()) return;
-  const std::string text = depfileText(outputPath(project, kManifestName), report.inputs);
-  writeFile(options.depfile, text.data(), text.size());
+  const BuildReport report = buildOnTerminal(project, options.project);
+  writeDepfile(options, outputPath(project, kManifestName), report.inputs);
 }
 
 void printPlain(const std::string& source, const std::string& output) {
@@ -59,17 +74,20 @@ void addBuildCommand(CommandLine& line) {
   KpgCommand command = line.command("build", "Compile a page source, or build a project: whatever has changed");
   command.add("source", options->source, "A page source, or the folder of a project; by default the project around")
       .type("PAGE.yaml|FOLDER");
-  command.add("-o,--out", options->output, "The page to write; - for the standard output. Of a project: the folder")
+  command
+      .add("-o,--out", options->output,
+           "The page to write; - for the standard output. Of a project: the folder. A page of a project needs none")
       .type("PAGE.kpg|FOLDER");
   command.add("--depfile", options->depfile, "Write what was read as a rule for make, for other build systems")
       .type("FILE");
-  command.flag("--all", options->all, "Build all of a project, whether or not it has changed");
-  command.add("--jobs", options->jobs, "This number of threads; by default as many as the machine runs at once")
+  command.flag("--all", options->project.all, "Build all of a project, whether or not it has changed");
+  command.add("--jobs", options->project.jobs, "This number of threads; by default as many as the machine runs at once")
       .between(1, 1024);
   command.flag("--strip", options->page.strip, "Leave out the names of scripts, by which an error says where it is");
   command.flag("--expand", options->expand, "Print the source without constants, templates and the like instead");
   command.runs([options] {
     if (isProject(options->source)) return buildWholeProject(*options);
-    options->expand ? printPlain(options->source, options->output) : buildOnePage(*options);
+    if (options->expand) return printPlain(options->source, options->output);
+    options->output.empty() ? buildPageOfProject(*options) : buildOnePage(*options);
   });
 }

@@ -30,7 +30,7 @@ std::vector<std::string> namesOf(const std::vector<CommandSummary>& commands) {
 }
 
 // What is wrong with the words of a command.
-std::string problem(const CLI::App& command, const CommandSummary& summary, const CLI::ParseError& error) {
+std::string problem(CLI::App& command, const CommandSummary& summary, const CLI::ParseError& error) {
   for (const std::string& word : command.remaining()) {
     if (word.size() < 2 || word[0] != '-') continue;
     std::vector<std::string> names;
@@ -39,6 +39,10 @@ std::string problem(const CLI::App& command, const CommandSummary& summary, cons
     return "there is no option '" + name + "'" + suggestion(name, names);
   }
   if (!command.remaining().empty()) return "there is one word too many, '" + command.remaining().front() + "'";
+  if (dynamic_cast<const CLI::RequiredError*>(&error))
+    for (const CLI::Option* option : command.get_options())
+      if (option->get_positional() && option->get_required() && option->empty())
+        return "a word is missing, " + option->get_type_name();
   return error.what();
 }
 

@@ -19,6 +19,6 @@ void addEvalCommand(CommandLine& line) {
   auto texts = std::make_shared<std::vector<std::string>>();
   KpgCommand command =
       line.command("eval", "Evaluate each TEXT as a console line, in one interpreter; exit status 1 after an error");
-  command.add("TEXT", *texts, "one statement each").required();
+  command.add("text", *texts, "One statement each").required().type("TEXT");
   command.runs([texts] { eval(*texts); });
 }

@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "gfx/foundation/hsdebug.h"
+#include "kit/version.h"
 #include "kpg/commands.h"
 
 namespace {
@@ -38,7 +39,7 @@ int main(int argc, char** argv) {
     if (*hsReportText()) std::fprintf(stderr, "%s\n", hsReportText());
     std::_Exit(2);
   });
-  CommandLine line("kpg", VISTREL_VERSION, "Makes pages for the player's on-screen interface, and pictures of them.");
+  CommandLine line("kpg", kitVersion(), "Makes pages for the player's on-screen interface, and pictures of them.");
   addNewCommand(line);
   addBuildCommand(line);
   addCleanCommand(line);

@@ -29,11 +29,8 @@ Project openProject(const std::string& folder, const std::string& output) {
   return project;
 }
 
-BuildReport buildOnTerminal(const Project& project, bool all, size_t jobs) {
+BuildReport buildOnTerminal(const Project& project, BuildOptions options) {
   ProgressBar bar;
-  BuildOptions options;
-  options.all = all;
-  options.jobs = jobs;
   options.warn = [&](const KitMessage& warning) {
     bar.clear();
     std::cerr << warning.whole() << "\n";

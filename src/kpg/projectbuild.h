@@ -13,4 +13,4 @@ void addProjectFolder(KpgCommand& command, std::string& folder);
 Project openProject(const std::string& folder, const std::string& output = {});
 
 // Builds it, with a bar on a terminal and a line for each file elsewhere.
-BuildReport buildOnTerminal(const Project& project, bool all = false, size_t jobs = 0);
+BuildReport buildOnTerminal(const Project& project, BuildOptions options = {});

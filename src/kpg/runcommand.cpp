@@ -18,6 +18,6 @@ void run(const std::vector<std::string>& paths) {
 void addRunCommand(CommandLine& line) {
   auto paths = std::make_shared<std::vector<std::string>>();
   KpgCommand command = line.command("run", "Run source files, statement by statement; exit status 1 after an error");
-  command.add("FILE", *paths, "source files, run one after the other in one interpreter").required();
+  command.add("files", *paths, "Source files, run one after the other in one interpreter").required().type("FILE");
   command.runs([paths] { run(*paths); });
 }

@@ -60,13 +60,15 @@ std::string cutInTheMiddle(std::string_view text) {
   return out;
 }
 
-// What the system reports apart from its console: nobody waits to hear that it has ended well.
-void forward(const std::string& aside, bool all, std::vector<std::string>* complaints) {
+// What the system reports apart from its console. Nobody waits to hear that it has ended well.
+bool forward(const std::string& aside) {
+  bool complained = false;
   for (const std::string& line : linesOf(aside)) {
-    const bool isStatus = line == "deleting glyph cache";
-    if (!isStatus || all) std::cerr << line << "\n";
-    if (!isStatus) complaints->push_back(line);
+    if (line == "deleting glyph cache") continue;
+    std::cerr << line << "\n";
+    complained = true;
   }
+  return complained;
 }
 
 bool isCutShort(const std::string& page) try { return pageIsCutShort(readFile(page)); } catch (const KitError&) {
@@ -91,10 +93,7 @@ Shot play(const ShotOptions& options) {
 Shot playAside(const ShotOptions& options) {
   StandardOutputAside aside;
   Shot shot = play(options);
-  std::vector<std::string> reports;
-  forward(aside.end(), !options.log.empty(), &reports);
-  // These are on the error stream already, so only their number counts.
-  if (options.strict && !reports.empty()) shot.complaints.push_back("");
+  if (forward(aside.end())) shot.complaints.push_back("");  // which is on the error stream already
   return shot;
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "bob/session.h"
+#include "bob/tools/textcalls.h"
 
 namespace {
 
@@ -97,6 +98,23 @@ TEST(Scanner, LinesOfAnyLengthCountOnce) {
   EXPECT_NE(session.err.text.find("in line 3\n"), std::string::npos);
   session.answer();
   EXPECT_EQ(session.eval("x + y;"), "--> 3\n");
+}
+
+TEST(TextCalls, AreFoundAsTheSourceSpellsThem) {
+  Session session;
+  constexpr char kSource[] = R"--(// Open("no")
+f = frame.Open; Open ( "a\x62" ); /* Open("no") */ s = "Open(\"no\")";
+if (!frame
+    .Open(
+      "two.kpg")) Open(x); Open("no" + x); Open("no", 1); Open(Open("in"));
+Opened("no"); Open("last"); x =; Open("after what doesn't parse"); "no end
+Open("after what can't be read");)--";
+  std::string found;
+  for (const BobTextCall& call : bobTextCalls(session.interp, kSource, "Open"))
+    found += std::to_string(call.line) + " " + call.text + "; ";
+  EXPECT_EQ(found, "2 ab; 5 two.kpg; 5 in; 6 last; 6 after what doesn't parse; ");
+  EXPECT_NE(session.answer().find("Syntax error"), std::string::npos);
+  EXPECT_EQ(session.eval("1 + 1;"), "--> 2\n");  // the interpreter is as it was
 }
 
 }  // namespace

@@ -24,6 +24,7 @@ TEST_F(CommandsTest, ErrorsGoToTheErrorStreamWithStatusOne) {
        "kpg shot: there is no option '--stict'; did you mean '--strict'?\nkpg shot --help lists its options\n"},
       {"build --colours=3", "kpg build: there is no option '--colours'\nkpg build --help lists its options\n"},
       {"build p.yaml", "kpg build: --out is required\nkpg build --help lists its options\n"},
+      {"image -o p.kpx", "kpg image: a word is missing, IN.png|IN.gif\nkpg image --help lists its options\n"},
       {"dump a.kpg b.kpg", "kpg dump: there is one word too many, 'b.kpg'\nkpg dump --help lists its options\n"},
   };
   for (const auto& [arguments, message] : wrong) {

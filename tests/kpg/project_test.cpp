@@ -66,6 +66,26 @@ TEST_F(ProjectCommandsTest, OnePageHasADepfileToo) {
   EXPECT_EQ(err, "kpg build: --out is required\nkpg build --help lists its options\n");
 }
 
+TEST_F(ProjectCommandsTest, APageOfAProjectIsBuiltWhereTheProjectBuildsIt) {
+  fs::create_directories("p/pages");
+  writePng("p/pages/c.png", 1, 1, {0xC04040});
+  writeText("p/vistrel.yaml", "pages: [pages/a.yaml, pages/b.yaml]\npictures: pages/c.png\n");
+  writeText("p/pages/a.yaml", "page: {background: c.kpx, onLoad: x = 1;}\n");
+  writeText("p/pages/b.yaml", "page: {x: -1}\n");  // which is no fault of the other page
+  writeText("p/none.yaml", "page: {}\n");
+  ASSERT_EQ(kpg("build p/pages/a.yaml --depfile a.d"), 0) << err;
+  EXPECT_EQ(out, "p/build/pages/a.kpg\np/build/pages/c.kpx\np/build/pages/c.clut\n");
+  EXPECT_EQ(text("a.d"),
+            "p/build/.vistrel-build.json: \\\n  p/pages/a.yaml \\\n  p/pages/c.png \\\n  p/vistrel.yaml\n");
+  EXPECT_EQ(shell("cd p/pages && kpg build a.yaml >../../out.txt"), 0);
+  EXPECT_EQ(text("out.txt"), "nothing has changed, 3 in ../build/\n");
+  EXPECT_EQ(kpg("build p/pages/a.yaml --strip"), 0);
+  EXPECT_EQ(out, "p/build/pages/a.kpg\n");
+  EXPECT_EQ(kpg("build p/none.yaml"), 1);
+  EXPECT_EQ(err, "p/none.yaml: is none of the pages of p/vistrel.yaml; add it there, or say -o PAGE.kpg\n");
+  EXPECT_EQ(kpg("build p/none.yaml -o none.kpg"), 0);
+}
+
 // Other programs read what is packed.
 TEST_F(ProjectCommandsTest, PacksAreTheSameEachTimeAndOthersReadThem) {
   ASSERT_EQ(kpg("new p"), 0) << err;

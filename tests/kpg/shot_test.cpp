@@ -136,10 +136,13 @@ TEST_F(ShotTest, ACutPageIsSaidToBeOne) {
   }
 }
 
-TEST_F(ShotTest, TheErrorStreamHasNoStatusUnlessTheLogIsAskedFor) {
-  build("p.kpg", "page: {}");
-  EXPECT_EQ(kpg("shot p.kpg"), 0);
-  EXPECT_EQ(err, "");
+TEST_F(ShotTest, TheErrorStreamHasNoStatusAndTheLogIsTheConsoles) {
+  writeText("p.yaml", "page: {}");
+  for (const char* options : {"", "--log -", "--strict", "--strict --log log.txt"}) {
+    EXPECT_EQ(kpg(std::string("shot p.yaml -o p.png ") + options), 0);
+    EXPECT_EQ(err, "") << options;
+    EXPECT_EQ(out, "") << options;
+  }
 }
 
 }  // namespace

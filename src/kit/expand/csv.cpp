@@ -19,8 +19,8 @@ class CsvReader {
       if (fields.size() == 1 && fields[0].text.empty() && names.size() > 1) continue;  // an empty line
       if (fields.size() != names.size())
         throw KitError(*file, one.place.line,
-                       "the row has " + std::to_string(fields.size()) + " fields, and the first one " +
-                           std::to_string(names.size()));
+                       "the row has " + std::to_string(fields.size()) + (fields.size() == 1 ? " field" : " fields") +
+                           ", and the first one " + std::to_string(names.size()));
       for (size_t i = 0; i < fields.size(); ++i)
         one.map.push_back({names[i].text, names[i].place, std::move(fields[i])});
       all.list.push_back(std::move(one));

@@ -1,5 +1,5 @@
 // From what an author writes to a plain source: constants, includes, templates and repetitions are replaced by what
-// they stand for.
+// they produce.
 //
 // A source that has none of them is returned as it is.
 #pragma once
@@ -11,7 +11,7 @@
 
 struct ExpandedSource {
   YamlNode plain;
-  std::vector<std::string> files;  // that were read: includes and data
+  std::vector<std::string> files;  // that were read or looked for: includes and data
 };
 
 // What is wrong is added to `errors`, and left out of the result. That is null if nothing is left.

@@ -15,7 +15,7 @@ bool hasExpression(std::string_view text);
 bool isExpressionName(std::string_view text);  // letters, digits and _, a digit not first
 
 // The scalar with all of its expressions replaced. One that is a single expression becomes whatever that is: a number
-// stays a number, a name can stand for a list or a map. Throws a SourceFault.
+// stays a number, a name can be that of a list or a map. Throws a SourceFault.
 YamlNode evaluateScalar(const YamlNode& scalar, const Scope& scope);
 
 // The text with "$$(" for each "$(", so that evaluating it returns it.

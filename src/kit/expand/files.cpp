@@ -1,5 +1,6 @@
 #include "kit/expand/files.h"
 
+#include <algorithm>
 #include <filesystem>
 
 #include "kit/expand/csv.h"
@@ -15,13 +16,13 @@ const YamlNode& SourceFiles::read(const std::string& name, const YamlPlace& from
   const std::string path = pathOf(name, from);
   const auto found = parsed.find(path);
   if (found != parsed.end()) return found->second;
+  if (std::find(order.begin(), order.end(), path) == order.end()) order.push_back(path);
   std::vector<uint8_t> bytes;
   try {
     bytes = readFile(path);
   } catch (const KitError& e) {
     throw SourceFault{from, "can't read '" + name + "': " + e.messages.front().text};
   }
-  order.push_back(path);
   const std::string text(bytes.begin(), bytes.end());
   return parsed[path] = path.ends_with(".csv") ? parseCsv(path, text) : parseYaml(path, text);
 }

@@ -16,7 +16,7 @@ class SourceFiles {
   // Where read looks for it.
   static std::string pathOf(const std::string& name, const YamlPlace& from);
 
-  // All that were read, in order.
+  // All that were read or looked for, in order.
   const std::vector<std::string>& paths() const { return order; }
 
  private:

@@ -320,7 +320,7 @@ class Instantiator {
   void count(const YamlNode& node) {
     nodes += 1 + node.text.size() / kBytesOfNode;
     if (nodes > kMaxNodes)
-      throw TooLarge{messageAt(node.place, "what this source stands for is too large: more than 1,000,000 values")};
+      throw TooLarge{messageAt(node.place, "the source expands to more than 1,000,000 values, which is too large")};
   }
 
   void countAll(const YamlNode& node) {

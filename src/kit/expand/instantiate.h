@@ -1,4 +1,4 @@
-// A source without its expressions, includes, templates and repetitions: each is replaced by what it stands for.
+// A source without its expressions, includes, templates and repetitions: each is replaced by what it produces.
 #pragma once
 
 #include <vector>

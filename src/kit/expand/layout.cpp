@@ -30,7 +30,9 @@ constexpr Axis kAcross{"x", "width", 0, 3, 1}, kDown{"y", "height", 1, 0, 2};
 // A layout as its widget says it.
 struct Layout {
   enum class Kind { row, column, grid };
+  enum class Align { stretch, start, center, end };
   Kind kind = Kind::row;
+  Align align = Align::stretch;  // across a row or column
   int columns = 1;
   int gaps[2] = {0, 0};            // across, down
   int paddings[4] = {0, 0, 0, 0};  // top, right, bottom, left
@@ -57,6 +59,20 @@ void readNumbers(const YamlNode* node, const std::string& what, int (&into)[n]) 
   for (size_t i = 0; i < n; ++i) into[i] = pixels(node->list[i], what);
 }
 
+// Of a group: texts and selects have an attribute of that name.
+const YamlNode* findAlign(const YamlNode& widget) {
+  return widget.textOf("type") == "group" ? findDirection(widget, "align") : nullptr;
+}
+
+Layout::Align alignOf(const YamlNode& node) {
+  const std::vector<std::string> words{"stretch", "start", "center", "end"};
+  const auto found = std::find(words.begin(), words.end(), scalarText(node, "a word"));
+  if (found == words.end())
+    fail(node.place,
+         "align: " + shownNode(node) + " is not one of " + listOfWords(words) + suggestion(node.text, words));
+  return Layout::Align(found - words.begin());
+}
+
 Layout readLayout(const YamlNode& widget, size_t entries) {
   const YamlNode& kind = *findDirection(widget, "layout");
   const std::string& text = scalarText(kind, "row, column or grid");
@@ -65,6 +81,9 @@ Layout readLayout(const YamlNode& widget, size_t entries) {
   readNumbers(widget.find("padding"), "padding", result.paddings);
   const YamlNode* columns = widget.find("columns");
   if (columns && text != "grid") fail(columns->place, "columns are for a grid");
+  const YamlNode* align = findAlign(widget);
+  if (align && text == "grid") fail(align->place, "align is for a row or a column");
+  if (align) result.align = alignOf(*align);
   if (text == "row") {
     result.columns = int(std::max<size_t>(entries, 1));
   } else if (text == "column") {
@@ -132,6 +151,11 @@ std::vector<Track> tracksOf(const std::vector<const YamlNode*>& children, const 
   return tracks;
 }
 
+// Whether the layout has one track only in that direction.
+bool isCross(const Layout& layout, const Axis& axis) {
+  return layout.kind == (&axis == &kAcross ? Layout::Kind::column : Layout::Kind::row);
+}
+
 int paddingOf(const Layout& layout, const Axis& axis) {
   return layout.paddings[axis.before] + layout.paddings[axis.after];
 }
@@ -169,6 +193,7 @@ class LayoutWriter {
       } catch (const SourceFault& fault) {
         errors.push_back(messageAt(fault.at, fault.text));
       }
+      if (findAlign(widget)) removeDirection(widget, "align");
       for (const char* key : {"layout", "gap", "padding", "columns"}) removeDirection(widget, key);
     }
     if (YamlNode* children = findValue(widget, "children"); children && !isList(widget))
@@ -204,16 +229,29 @@ class LayoutWriter {
     }
     for (size_t i = 0; i < children.size(); ++i) {
       const size_t columns = size_t(layout.columns), track = &axis == &kAcross ? i % columns : i / columns;
-      if (!children[i]->find(axis.size)) setNumber(*children[i], axis.size, sizes[track]);
-      setNumber(*children[i], axis.position, starts[track]);
+      const int64_t own = sizeIn(*children[i], layout, axis, sizes[track]);
+      if (!children[i]->find(axis.size)) setNumber(*children[i], axis.size, own);
+      setNumber(*children[i], axis.position, starts[track] + offsetIn(layout, axis, sizes[track] - own));
     }
+  }
+
+  // What has a size of its own keeps it, unless a layout in it says that and the row stretches it.
+  static int64_t sizeIn(const YamlNode& child, const Layout& layout, const Axis& axis, int64_t track) {
+    const bool stretches = !isCross(layout, axis) || layout.align == Layout::Align::stretch;
+    return (stretches ? numberOf(child, axis.size) : sizeWithin(child, axis)).value_or(track);
+  }
+
+  // What is too large begins where the row does.
+  static int64_t offsetIn(const Layout& layout, const Axis& axis, int64_t left) {
+    if (!isCross(layout, axis) || left <= 0) return 0;
+    if (layout.align == Layout::Align::center) return left / 2;
+    return layout.align == Layout::Align::end ? left : 0;
   }
 
   // The sizes of rows or columns: what they say, and equal shares of what is left.
   static std::vector<int64_t> settled(std::vector<Track> tracks, const Layout& layout, const Axis& axis,
                                       std::optional<int64_t> size) {
-    const bool isCross = layout.kind == (&axis == &kAcross ? Layout::Kind::column : Layout::Kind::row);
-    if (isCross && size)
+    if (isCross(layout, axis) && size)
       for (Track& track : tracks) track.size.reset();  // a row is as high as what it lies in
     int64_t left = size.value_or(0) - paddingOf(layout, axis), open = 0;
     for (const Track& track : tracks) {

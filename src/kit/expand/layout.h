@@ -1,5 +1,5 @@
-// Widgets and lines placed by what lies around them: `layout: row`, `column` or `grid`, with `gap`, `padding` and
-// `columns`.
+// Widgets and lines placed by what lies around them: `layout: row`, `column` or `grid`, with `gap`, `padding`,
+// `columns` and `align`.
 //
 // Entries without a size share what is left, so sizes are settled from the outside in. An entry that says where it lies
 // is no part of the layout.

@@ -158,6 +158,7 @@ class LinkWriter {
   bool takesPart(const YamlNode& widget, Word word, bool isGroup) const {
     if (isHiddenAtFirst(widget) || word == Word::none) return false;
     if (word != Word::nothingSaid && !isGroup) return true;
+    if (!widget.textOf("master").empty()) return false;  // it shows the focus of another
     return showsOrAnswersFocus(widget) || leads.contains(widget.textOf("name"));
   }
 

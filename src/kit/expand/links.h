@@ -1,6 +1,7 @@
 // Links made from where widgets lie: `links: auto` for the page or a group, `links: wrap` to lead round its edges too.
 //
-// Widgets that show or answer the focus take part. What an author has written, a link or a script for the key, stays.
+// Widgets that show or answer the focus take part, but for those that only share the highlight of a master. What an
+// author has written, a link or a script for the key, stays.
 #pragma once
 
 #include <vector>

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -9,8 +10,10 @@
 
 #include "kit/files.h"
 #include "kit/project/contenthash.h"
+#include "kit/project/mentions.h"
 #include "kit/project/missingfiles.h"
 #include "kit/project/runsteps.h"
+#include "kit/version.h"
 
 namespace fs = std::filesystem;
 
@@ -23,8 +26,15 @@ std::string manifestName(const Project& project, const std::string& path) {
              : fs::path(path).lexically_proximate(project.folder.empty() ? "." : project.folder).string();
 }
 
-// The step of files that a build means to make, and their hash.
-constexpr char kBegunStep[] = "begun";
+void nameForManifest(const Project& project, KitMessage* at) {
+  at->file = manifestName(project, at->file);
+  for (KitMessage& use : at->uses) nameForManifest(project, &use);
+}
+
+// The record of files that are the build's own although no step has made them: those that it means to make, whose hash
+// isn't known, and after an error those of earlier builds that may be stale.
+constexpr char kOwnFiles[] = "own";
+constexpr char kUnknownHash[] = "unknown";
 
 class ProjectBuild {
  public:
@@ -32,20 +42,29 @@ class ProjectBuild {
       : project(p), options(o), before(readManifest(outputPath(p, kManifestName))) {}
 
   BuildReport run() {
-    BuildPlan plan = planProject(project);
-    errors = std::move(plan.errors);
+    const BuildPlan plan = planProject(project);
+    errors = plan.errors;
+    inputs.insert(plan.missing.begin(), plan.missing.end());
+    for (const BuildStep& step : plan.steps) planned.insert(planned.end(), step.outputs.begin(), step.outputs.end());
     claim(plan.steps);
-    runAll(plan.steps);
+    if (options.page.empty()) {
+      runAll(plan.steps);
+    } else {
+      runPage(plan.steps);
+    }
+    refuseTwoMakers(plan.steps);
     runAll(stepsForNamedFiles());
-    for (KitMessage& missing : missingFiles(project, now)) errors.push_back(std::move(missing));
-    if (errors.empty()) {
+    for (KitMessage& missing : missingFiles(project, now, planned)) errors.push_back(std::move(missing));
+    finishReport();
+    if (errors.empty() && options.page.empty()) {
+      warnOfStrays();
       dropStale();
     } else {
       keepOldRecords();
     }
     saveManifest(now);
-    if (!errors.empty()) throw KitError(std::move(errors));
-    return finishReport();
+    if (!errors.empty()) throw BuildError(std::move(errors), std::move(report.inputs));
+    return std::move(report);
   }
 
  private:
@@ -53,21 +72,75 @@ class ProjectBuild {
     bool failed = false;
     std::vector<std::string> made;
     std::vector<KitMessage> warnings, errors;
+    std::vector<std::string> inputs;  // of a step that has failed
   };
 
   // A build may be interrupted, and the next one must know which files are its own.
   void claim(const std::vector<BuildStep>& steps) const {
     Manifest claimed = before;
-    std::vector<FileRecord>& begun = claimed.steps[kBegunStep].outputs;
+    std::vector<FileRecord>& own = claimed.steps[kOwnFiles].outputs;
+    const size_t known = own.size();
     std::error_code error;
     for (const BuildStep& step : steps)
       for (const std::string& output : step.outputs)
-        if (!fs::exists(outputPath(project, output), error)) begun.push_back({output, kBegunStep});
-    if (!begun.empty()) saveManifest(claimed);
+        if (!fs::exists(outputPath(project, output), error)) own.push_back({output, kUnknownHash});
+    if (own.size() > known) saveManifest(claimed);
   }
 
   void runAll(const std::vector<BuildStep>& steps) {
     outcomes.assign(steps.size(), {});
+    runSome(steps, std::vector<bool>(steps.size(), true));
+  }
+
+  // The page's own step, and then, as long as there are any, those that make what the files just made name.
+  void runPage(const std::vector<BuildStep>& steps) {
+    outcomes.assign(steps.size(), {});
+    std::vector<bool> chosen(steps.size()), next(steps.size());
+    for (size_t i = 0; i < steps.size(); ++i) next[i] = steps[i].name == pageStepName(options.page);
+    while (std::find(next.begin(), next.end(), true) != next.end()) {
+      runSome(steps, next);
+      for (size_t i = 0; i < steps.size(); ++i) chosen[i] = chosen[i] || next[i];
+      next = stepsNamedBy(steps, next, chosen);
+    }
+  }
+
+  // The steps, of those that aren't chosen yet, that make files which the files of `made` name, and the steps before
+  // them.
+  std::vector<bool> stepsNamedBy(const std::vector<BuildStep>& steps, const std::vector<bool>& made,
+                                 const std::vector<bool>& chosen) const {
+    std::vector<bool> named(steps.size());
+    for (size_t i = 0; i < steps.size(); ++i) {
+      const auto record = now.steps.find(steps[i].name);
+      if (!made[i] || record == now.steps.end()) continue;
+      const std::string scripts = bytesWithScripts(record->second);
+      for (size_t k = 0; k < steps.size(); ++k)
+        if (!chosen[k] && !named[k]) named[k] = names(record->second.uses, scripts, steps[k]);
+    }
+    for (size_t i = steps.size(); i-- > 0;)
+      for (const size_t before : steps[i].after) named[before] = named[before] || (named[i] && !chosen[before]);
+    return named;
+  }
+
+  std::string bytesWithScripts(const StepRecord& record) const {
+    std::string all;
+    for (const FileRecord& file : record.outputs) {
+      if (!file.name.ends_with(".kpg") && !file.name.ends_with(".bobo")) continue;
+      const std::vector<uint8_t> bytes = readFile(outputPath(project, file.name));
+      all.append(bytes.begin(), bytes.end());
+    }
+    return all;
+  }
+
+  // Another page is needed inside of this one, but not to go on to.
+  static bool names(const std::vector<FileUse>& uses, std::string_view scripts, const BuildStep& step) {
+    for (const FileUse& use : uses)
+      if (!use.isLoaded && findBuilt(step.outputs, use.target)) return true;
+    const auto isMentioned = [&](const std::string& output) { return scriptMentions(scripts, output); };
+    return !step.name.starts_with(kPageStep) && std::any_of(step.outputs.begin(), step.outputs.end(), isMentioned);
+  }
+
+  void runSome(const std::vector<BuildStep>& steps, const std::vector<bool>& due) {
+    const size_t count = size_t(std::count(due.begin(), due.end(), true));
     size_t done = 0, reported = 0;
     std::vector<bool> finished(steps.size());
     runSteps(steps, options.jobs, [&](size_t i) {
@@ -76,35 +149,52 @@ class ProjectBuild {
         const std::lock_guard lock(mutex);
         return outcomes[before].failed;
       };
-      outcome.failed = std::any_of(steps[i].after.begin(), steps[i].after.end(), failed);
-      if (!outcome.failed) runOne(steps[i], &outcome);
+      if (due[i]) {
+        outcome.failed = std::any_of(steps[i].after.begin(), steps[i].after.end(), failed);
+        if (!outcome.failed) runOne(steps[i], &outcome);
+      }
       const std::lock_guard lock(mutex);
-      outcomes[i] = std::move(outcome);
       finished[i] = true;
-      if (options.progress) options.progress(++done, steps.size(), steps[i].name);
-      for (; reported < steps.size() && finished[reported]; ++reported) deliver(outcomes[reported]);
+      if (due[i]) {
+        outcomes[i] = std::move(outcome);
+        if (options.progress) options.progress(++done, count, steps[i].name);
+      }
+      for (; reported < steps.size() && finished[reported]; ++reported)
+        if (due[reported]) deliver(outcomes[reported]);
     });
-    for (Outcome& outcome : outcomes) errors.insert(errors.end(), outcome.errors.begin(), outcome.errors.end());
+    for (size_t i = 0; i < steps.size(); ++i) {
+      if (!due[i]) continue;
+      inputs.insert(steps[i].inputs.begin(), steps[i].inputs.end());
+      inputs.insert(outcomes[i].inputs.begin(), outcomes[i].inputs.end());
+      errors.insert(errors.end(), outcomes[i].errors.begin(), outcomes[i].errors.end());
+    }
   }
 
   void deliver(const Outcome& outcome) {
     for (const KitMessage& warning : outcome.warnings)
       if (options.warn) options.warn(warning);
-    for (const std::string& file : outcome.made)
+    for (const std::string& file : outcome.made) {
+      if (!made.insert(file).second) continue;  // two pages have the same script
       if (options.made) options.made(file);
-    report.made += outcome.made.size();
+      ++report.made;
+    }
   }
 
   void runOne(const BuildStep& step, Outcome* outcome) try {
     const auto old = before.steps.find(step.name);
     if (!options.all && old != before.steps.end() && isCurrent(step, old->second)) return keep(step.name, old->second);
     StepResult result = step.run([&](const KitMessage& warning) { outcome->warnings.push_back(warning); });
-    StepRecord record{step.options, {}, {}, std::move(result.uses)};
+    for (FileUse& use : result.uses) nameForManifest(project, &use.at);
+    StepRecord record{step.options, {}, {}, std::move(result.uses), kitVersion()};
     for (const std::string& input : result.inputs)
       record.inputs.push_back({manifestName(project, input), fileHash(input)});
     outcome->made = write(step, result);
     for (const BuiltFile& file : result.outputs) record.outputs.push_back({file.name, contentHash(file.bytes)});
     keep(step.name, std::move(record));
+  } catch (const BuildError& e) {
+    outcome->failed = true;
+    outcome->errors = e.messages;
+    outcome->inputs = e.inputs;
   } catch (const KitError& e) {
     outcome->failed = true;
     outcome->errors = e.messages;
@@ -118,8 +208,8 @@ class ProjectBuild {
     now.steps[name] = std::move(record);
   }
 
-  bool isCurrent(const BuildStep& step, const StepRecord& record) const {
-    if (record.options != step.options) return false;
+  bool isCurrent(const BuildStep& step, const StepRecord& record) {
+    if (record.kit != kitVersion() || record.options != step.options) return false;
     for (const std::string& output : step.outputs)
       if (std::none_of(record.outputs.begin(), record.outputs.end(), [&](const auto& o) { return o.name == output; }))
         return false;
@@ -127,14 +217,24 @@ class ProjectBuild {
       return fileHash(project.pathOf(input.name)) == input.hash;
     };
     const auto outputIsSame = [&](const FileRecord& output) {
-      return fileHash(outputPath(project, output.name)) == output.hash;
+      const std::lock_guard lock(writing);
+      return hashBefore(output.name) == output.hash;
     };
     return std::all_of(record.inputs.begin(), record.inputs.end(), inputIsSame) &&
            std::all_of(record.outputs.begin(), record.outputs.end(), outputIsSame);
   }
 
-  // Writes what is not there as it should be, and returns its names.
+  // Of a file as it was before this build: two pages may have the same script, and which of them is due must not depend
+  // on which comes first. For whoever has `writing`.
+  const std::string& hashBefore(const std::string& output) {
+    const auto [known, isNew] = hashesBefore.try_emplace(output);
+    if (isNew) known->second = fileHash(outputPath(project, output));
+    return known->second;
+  }
+
+  // Writes what is not there as it should be, and returns the names of what was not there before the build.
   std::vector<std::string> write(const BuildStep& step, const StepResult& result) {
+    const std::lock_guard lock(writing);
     std::vector<std::string> written;
     OutputFiles files;
     for (const BuiltFile& file : result.outputs) {
@@ -143,17 +243,32 @@ class ProjectBuild {
         throw KitError(
             messageAt(step.place, step.name + " would write " + file.name + ", outside of the output folder"));
       refuseInput(path, result.inputs);
-      const std::string there = fileHash(path);
-      if (there == contentHash(file.bytes)) continue;
-      if (!there.empty() && before.hashOf(file.name).empty())
+      const std::string hash = contentHash(file.bytes);
+      if (hashBefore(file.name) != hash) written.push_back(file.name);
+      if (fileHash(path) == hash) continue;
+      if (!hashBefore(file.name).empty() && before.hashOf(file.name).empty())
         throw KitError(path, "is there and no build made it; move it, or give its source another name");
       std::error_code error;
       fs::create_directories(fs::path(path).parent_path(), error);
       files.add(path, file.bytes.data(), file.bytes.size());
-      written.push_back(file.name);
     }
     files.finish();
     return written;
+  }
+
+  // What only running the steps has shown: the plan has refused what the project says twice.
+  void refuseTwoMakers(const std::vector<BuildStep>& steps) {
+    std::map<std::string, std::pair<const BuildStep*, std::string>> makers;
+    for (const BuildStep& step : steps) {
+      const auto record = now.steps.find(step.name);
+      if (record == now.steps.end()) continue;
+      for (const FileRecord& output : record->second.outputs) {
+        const auto [first, isNew] = makers.try_emplace(output.name, &step, output.hash);
+        if (!isNew && first->second.second != output.hash)
+          errors.push_back(messageAt(
+              step.place, output.name + " is made twice: of " + first->second.first->name + " and of " + step.name));
+      }
+    }
   }
 
   // Files that a page names, that nothing makes and that lie among the sources are copied.
@@ -163,7 +278,7 @@ class ProjectBuild {
     std::vector<BuildStep> steps;
     for (const FileUse& use : usesInProject(project, now)) {
       std::error_code error;
-      if (use.target.starts_with("../") || !known.insert(use.target).second) continue;
+      if (use.target.starts_with("../") || findBuilt(planned, use.target) || !known.insert(use.target).second) continue;
       if (!fs::is_regular_file(project.pathOf(use.target), error)) continue;
       YamlPlace place;
       place.file = std::make_shared<std::string>(use.at.file);
@@ -185,10 +300,18 @@ class ProjectBuild {
       }
   }
 
-  // After an error the files of steps that didn't run are still the build's own.
+  // After an error the files of steps that didn't run are still the build's own, and what others no longer make may be
+  // needed once all is well.
   void keepOldRecords() {
     for (const auto& [name, step] : before.steps)
-      if (name != kBegunStep) now.steps.try_emplace(name, step);
+      if (name != kOwnFiles) now.steps.try_emplace(name, step);
+    const std::vector<std::string> kept = builtFiles(now);
+    std::vector<FileRecord> left;
+    for (const auto& [name, step] : before.steps)
+      for (const FileRecord& output : step.outputs)
+        if (!std::binary_search(kept.begin(), kept.end(), output.name) && output.hash != kUnknownHash)
+          left.push_back(output);
+    if (!left.empty()) now.steps[kOwnFiles].outputs = std::move(left);
   }
 
   // Always, so that its time says when the project was built.
@@ -200,25 +323,36 @@ class ProjectBuild {
     writeFile(path, text.data(), text.size());
   }
 
-  BuildReport finishReport() {
+  // A file that a pattern for pages has found and that is none is read by a page, or nobody knows what it is for.
+  void warnOfStrays() const {
+    for (const ProjectName& stray : project.noPages)
+      if (!inputs.contains(project.pathOf(stray.text)) && options.warn)
+        options.warn(messageAt(stray.place, "warning: " + stray.text + " has no 'page', and no page reads it"));
+  }
+
+  void finishReport() {
     report.files = builtFiles(now);
-    std::set<std::string> inputs = {project.file};
+    inputs.insert(project.file);
     for (const auto& [name, step] : now.steps) {
       for (const FileRecord& input : step.inputs) inputs.insert(project.pathOf(input.name));
       if (name.starts_with(kPageStep)) report.pages.push_back({step.outputs.front().name, step.uses});
     }
     for (const std::string& input : inputs) {
       const std::string name = fs::path(input).lexically_relative(outputPath(project, "")).string();
-      if (!std::binary_search(report.files.begin(), report.files.end(), name)) report.inputs.push_back(input);
+      if (!findBuilt(report.files, name) && !findBuilt(planned, name)) report.inputs.push_back(input);
     }
-    return std::move(report);
   }
 
   const Project& project;
   const BuildOptions& options;
   const Manifest before;
-  std::mutex mutex;  // for what follows, while steps run
+  std::vector<std::string> planned;                 // outputs
+  std::mutex writing;                               // for files, and what follows
+  std::map<std::string, std::string> hashesBefore;  // of outputs
+  std::mutex mutex;                                 // for what follows, while steps run
   Manifest now;
+  std::set<std::string> inputs;  // as they can be opened
+  std::set<std::string> made;
   std::vector<Outcome> outcomes;
   std::vector<KitMessage> errors;
   BuildReport report;

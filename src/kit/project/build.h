@@ -13,6 +13,7 @@
 #include "kit/project/project.h"
 
 struct BuildOptions {
+  std::string page;  // only that page, as the project calls it, and what it needs; empty for all
   bool all = false;  // also what isn't due
   size_t jobs = 0;   // threads; 0 for as many as the machine runs at once
   KitWarn warn;
@@ -28,12 +29,12 @@ struct PageBuildRecord {
 
 struct BuildReport {
   std::vector<std::string> files;   // in the output folder, sorted
-  std::vector<std::string> inputs;  // all that was read, as it is opened from here, sorted
+  std::vector<std::string> inputs;  // all that was read, as it can be opened from here, sorted
   std::vector<PageBuildRecord> pages;
   size_t made = 0;  // files written
 };
 
-// Throws KitError with all errors; whatever could be built has been.
+// Throws BuildError with all errors; whatever could be built has been.
 BuildReport buildProject(const Project& project, const BuildOptions& options);
 
 // Removes what builds of the project have written, and folders that are then empty; returns the files. A file that was

@@ -19,6 +19,39 @@ void writeFiles(JsonWriter* json, const char* key, const std::vector<FileRecord>
   json->endArray();
 }
 
+void writePlace(JsonWriter* json, const KitMessage& at) {
+  json->string("file", at.file);
+  json->number("line", at.line);
+  json->string("what", at.text);
+}
+
+void writeUse(JsonWriter* json, const FileUse& use) {
+  json->beginObject();
+  json->string("target", use.target);
+  json->string("name", use.name);
+  if (use.isLoaded) json->string("loaded", "true");
+  writePlace(json, use.at);
+  json->beginArray("usedBy");
+  for (const KitMessage& user : use.at.uses) {
+    json->beginObject();
+    writePlace(json, user);
+    json->endObject();
+  }
+  json->endArray();
+  json->endObject();
+}
+
+KitMessage readPlace(const YamlNode& node) {
+  return {node.textOf("file"), int(parseInteger(node.textOf("line")).value_or(0)), node.textOf("what")};
+}
+
+FileUse readUse(const YamlNode& node) {
+  FileUse use{node.textOf("target"), node.textOf("name"), readPlace(node), node.textOf("loaded") == "true"};
+  if (const YamlNode* users = node.find("usedBy"))
+    for (const YamlNode& user : users->list) use.at.uses.push_back(readPlace(user));
+  return use;
+}
+
 std::vector<FileRecord> readFiles(const YamlNode& node, const char* key) {
   std::vector<FileRecord> files;
   if (const YamlNode* list = node.find(key))
@@ -45,15 +78,12 @@ Manifest readManifest(const std::string& file) try {
   if (!steps) return manifest;
   for (const YamlNode& step : steps->list) {
     StepRecord& record = manifest.steps[step.textOf("name")];
+    record.kit = step.textOf("kit");
     record.options = step.textOf("options");
     record.inputs = readFiles(step, "inputs");
     record.outputs = readFiles(step, "outputs");
     const YamlNode* uses = step.find("uses");
-    for (const YamlNode& use : uses ? uses->list : std::vector<YamlNode>())
-      record.uses.push_back(
-          {use.textOf("target"),
-           use.textOf("name"),
-           {use.textOf("file"), int(parseInteger(use.textOf("line")).value_or(0)), use.textOf("what")}});
+    for (const YamlNode& use : uses ? uses->list : std::vector<YamlNode>()) record.uses.push_back(readUse(use));
   }
   return manifest;
 } catch (const KitError&) {
@@ -67,19 +97,12 @@ std::string manifestText(const Manifest& manifest) {
   for (const auto& [name, step] : manifest.steps) {
     json.beginObject();
     json.string("name", name);
+    json.string("kit", step.kit);
     json.string("options", step.options);
     writeFiles(&json, "inputs", step.inputs);
     writeFiles(&json, "outputs", step.outputs);
     json.beginArray("uses");
-    for (const FileUse& use : step.uses) {
-      json.beginObject();
-      json.string("target", use.target);
-      json.string("name", use.name);
-      json.string("file", use.at.file);
-      json.number("line", use.at.line);
-      json.string("what", use.at.text);
-      json.endObject();
-    }
+    for (const FileUse& use : step.uses) writeUse(&json, use);
     json.endArray();
     json.endObject();
   }

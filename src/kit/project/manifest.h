@@ -19,9 +19,10 @@ struct FileRecord {
 
 // A file that a page names.
 struct FileUse {
-  std::string target;  // in the output folder, a plain path
-  std::string name;    // as the page has it
-  KitMessage at;       // where; the text says which attribute of what
+  std::string target;     // in the output folder, a plain path
+  std::string name;       // as the page has it
+  KitMessage at;          // where, relative to the project's folder; the text says which attribute of what
+  bool isLoaded = false;  // a script loads it as a page, in place of this one
 };
 
 struct StepRecord {
@@ -29,6 +30,7 @@ struct StepRecord {
   std::vector<FileRecord> inputs;   // relative to the project's folder, or absolute
   std::vector<FileRecord> outputs;  // relative to the output folder
   std::vector<FileUse> uses;        // of a page
+  std::string kit{};                // the version of the kit that made the outputs
 };
 
 struct Manifest {
@@ -38,6 +40,6 @@ struct Manifest {
   std::string hashOf(const std::string& output) const;
 };
 
-// Empty when there is none, or when it was written by another version of the kit.
+// Empty when there is none, or when it can't be read.
 Manifest readManifest(const std::string& file);
 std::string manifestText(const Manifest& manifest);

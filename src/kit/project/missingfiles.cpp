@@ -25,6 +25,11 @@ std::string tableOf(const std::string& path) try {
   return "";
 }
 
+void openFrom(const Project& project, KitMessage* at) {
+  at->file = project.pathOf(at->file);
+  for (KitMessage& use : at->uses) openFrom(project, &use);
+}
+
 // What an author has to do to have the file.
 std::string advice(const Project& project, const std::vector<std::string>& files, const FileUse& use) {
   struct Source {
@@ -70,10 +75,11 @@ std::vector<FileUse> usesInProject(const Project& project, const Manifest& built
     const fs::path folder = fs::path(step.outputs.front().name).parent_path();
     for (const FileUse& use : step.uses) {
       uses.push_back(use);
+      openFrom(project, &uses.back().at);
       const std::string* picture = hasExtension(use.target, ".kpx") ? findBuilt(files, use.target) : nullptr;
       const std::string table = picture ? tableOf(outputPath(project, *picture)) : "";
       if (table.empty()) continue;
-      KitMessage at = use.at;
+      KitMessage at = uses.back().at;
       at.text = "the colour table of " + use.name;
       uses.push_back({(folder / table).lexically_normal().string(), table, at});
     }
@@ -81,8 +87,10 @@ std::vector<FileUse> usesInProject(const Project& project, const Manifest& built
   return uses;
 }
 
-std::vector<KitMessage> missingFiles(const Project& project, const Manifest& built) {
-  const std::vector<std::string> files = builtFiles(built);
+std::vector<KitMessage> missingFiles(const Project& project, const Manifest& built,
+                                     const std::vector<std::string>& planned) {
+  std::vector<std::string> files = builtFiles(built);
+  files.insert(files.end(), planned.begin(), planned.end());
   std::vector<KitMessage> missing;
   for (const FileUse& use : usesInProject(project, built)) {
     if (findBuilt(files, use.target)) continue;

@@ -16,25 +16,12 @@
 #include "kit/project/archive.h"
 #include "kit/project/contenthash.h"
 #include "kit/project/manifest.h"
+#include "kit/project/mentions.h"
 #include "kit/project/missingfiles.h"
 
 namespace fs = std::filesystem;
 
 namespace {
-
-bool contains(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }
-
-bool isNameCharacter(char c) {
-  const char lower = hsAsciiLower(c);
-  return (lower >= 'a' && lower <= 'z') || hsAsciiIsDigit(c) || c == '_' || c == '-' || c == '.';
-}
-
-// Whether a text of its own begins with the extension, as in `name + ".kpx"`.
-bool hasBareExtension(std::string_view text, std::string_view extension) {
-  for (size_t at = text.find(extension); at != std::string_view::npos; at = text.find(extension, at + 1))
-    if (at == 0 || !isNameCharacter(text[at - 1])) return true;
-  return false;
-}
 
 class Packer {
  public:
@@ -83,13 +70,10 @@ class Packer {
     const std::vector<uint8_t> bytes = readFile(outputPath(project, file));
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     const std::string kind = fs::path(file).extension().string();
-    if (kind != ".kpg" && kind != ".bobo" && kind != ".kpx") return;
-    for (const std::string& other : built.files) {
-      const fs::path name = fs::path(other).filename();
-      const bool isPut =
-          kind != ".kpx" && contains(text, name.stem().string()) && hasBareExtension(text, name.extension().string());
-      if (contains(text, name.string()) || isPut) take(other);
-    }
+    const bool hasScripts = kind == ".kpg" || kind == ".bobo";
+    if (!hasScripts && kind != ".kpx") return;
+    for (const std::string& other : built.files)
+      if (hasScripts ? scriptMentions(text, other) : mentions(text, other)) take(other);
   }
 
   PagePictures picturesOf(const PageBuildRecord& page) const {

@@ -22,11 +22,15 @@ class UseFinder {
  public:
   UseFinder(const std::string& s, const std::string& f) : source(s), folder(f) {}
 
-  std::vector<FileUse> run(const PageOutline& page) {
+  std::vector<FileUse> run(const PageOutline& page, const std::vector<LoadedPage>& loaded) {
     for (const std::string& script : page.scripts) add(script, page.root.place, "scripts of the page");
     for (const OutlineStyle& style : page.styles)
       if (!style.font.empty()) add(style.font, style.place, "font of the text style '" + style.name + "'");
     addWidget(page.root);
+    for (const LoadedPage& each : loaded) {
+      add(each.name, each.place, each.what.empty() ? "LoadPage" : "LoadPage in " + each.what);
+      uses.back().isLoaded = true;
+    }
     return std::move(uses);
   }
 
@@ -44,8 +48,7 @@ class UseFinder {
     std::string path = isPicture ? pictureFile(name) : name;
     std::replace(path.begin(), path.end(), '\\', '/');
     path = (fs::path(folder) / path).lexically_normal().string();
-    const std::string file = place.file ? *place.file : source;
-    uses.push_back({path, name, {file, place.line, what}});
+    uses.push_back({path, name, place.file ? messageAt(place, what) : KitMessage{source, place.line, what}});
   }
 
   const std::string& source;
@@ -56,5 +59,5 @@ class UseFinder {
 }  // namespace
 
 std::vector<FileUse> pageUses(const std::string& source, const std::string& folder, const BuiltPage& page) {
-  return UseFinder(source, folder).run(outlinePage(source, page.bytes, page.places));
+  return UseFinder(source, folder).run(outlinePage(source, page.bytes, page.places), page.loadedPages);
 }

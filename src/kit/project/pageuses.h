@@ -1,6 +1,7 @@
 // Which files a page names, and where.
 //
-// Only attributes are looked at. What a script opens by itself can't be known.
+// Attributes are looked at, and the pages that scripts load by names that they spell out. What else a script opens
+// can't be known.
 #pragma once
 
 #include <string>

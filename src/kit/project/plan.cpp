@@ -51,7 +51,7 @@ class Planner {
     for (const ProjectName& script : project.scripts) planScript(script);
     for (const ProjectName& file : project.files) add(copyStep(project, file));
     for (const ProjectName& page : project.pages) planPage(page);
-    return {std::move(steps), std::move(errors)};
+    return {std::move(steps), std::move(errors), std::move(missing)};
   }
 
  private:
@@ -69,12 +69,13 @@ class Planner {
   bool isThere(const ProjectName& file) {
     std::error_code error;
     if (fs::is_regular_file(project.pathOf(file.text), error)) return true;
+    missing.push_back(project.pathOf(file.text));
     fail(file.place, file.text + (fs::exists(project.pathOf(file.text), error) ? " is no file" : " is not there"));
     return false;
   }
 
   void planTable(const ProjectTable& table) {
-    BuildStep step{"table " + table.name.text, table.name.place, {}, {table.name.text}, {}, {}};
+    BuildStep step{"table " + table.name.text, table.name.place, {}, {}, {table.name.text}, {}, {}};
     if (table.standard) {
       step.options = "standard";
       step.run = [name = table.name.text](const KitWarn&) {
@@ -96,6 +97,7 @@ class Planner {
         if (picture.table.text == table.name.text) take(picture.file);
     if (pictures.empty() && table.pictures.empty())
       fail(table.name.place, "no picture uses the table " + table.name.text + ", so it has no colours");
+    step.inputs = pictures;
     step.run = [name = table.name.text, pictures, most = table.most](const KitWarn&) {
       return StepResult{{{name, clutBytes(clutOfPictures(pictures, most))}}, pictures, {}};
     };
@@ -117,7 +119,8 @@ class Planner {
     if (!isThere(picture.file)) return;
     std::string output = outputName(picture.file.text, ".kpx");
     if (picture.to) output = (fs::path(*picture.to) / fs::path(output).filename()).lexically_normal().string();
-    BuildStep step{"picture " + picture.file.text, picture.file.place, {}, {output}, {}, {}};
+    BuildStep step{"picture " + picture.file.text, picture.file.place, {}, {}, {output}, {}, {}};
+    step.inputs = {project.pathOf(picture.file.text)};
     PictureOptions options;
     std::string clut = picture.table.text;
     if (clut.empty()) {
@@ -128,6 +131,7 @@ class Planner {
       options.clut = project.pathOf((fs::path(project.output) / clut).string());
     } else if (isThere(picture.table)) {
       options.clut = project.pathOf(clut);
+      step.inputs.push_back(options.clut);
       clut = outputName(clut);
     } else {
       return;
@@ -171,7 +175,7 @@ class Planner {
     const std::string output = !font.as.empty() ? font.as
                                : isOwn          ? outputName(font.font.text)
                                                 : fs::path(file).filename().string();
-    BuildStep step{"font " + font.font.text, font.font.place, isOwn ? "" : file, {output}, {}, {}};
+    BuildStep step{"font " + font.font.text, font.font.place, isOwn ? "" : file, {file}, {output}, {}, {}};
     step.run = [file, output](const KitWarn&) {
       const FontReport report = reportFont(file);
       if (!report.problem.empty()) throw KitError(file, report.problem);
@@ -183,8 +187,9 @@ class Planner {
   void planScript(const ProjectName& script) {
     if (!isThere(script)) return;
     const std::string output = outputName(script.text, ".bobo");
-    BuildStep step{"script " + script.text, script.place, project.strip ? "stripped" : "", {output}, {}, {}};
-    step.run = [path = project.pathOf(script.text), output, strip = project.strip](const KitWarn&) {
+    const std::string path = project.pathOf(script.text);
+    BuildStep step{"script " + script.text, script.place, project.strip ? "stripped" : "", {path}, {output}, {}, {}};
+    step.run = [path, output, strip = project.strip](const KitWarn&) {
       return StepResult{{{output, compileScript(path, strip)}}, {path}, {}};
     };
     add(std::move(step));
@@ -193,8 +198,9 @@ class Planner {
   void planPage(const ProjectName& page) {
     if (!isThere(page)) return;
     const std::string output = outputName(page.text, ".kpg");
-    BuildStep step{std::string(kPageStep) + page.text, page.place, project.strip ? "stripped" : "", {output}, {}, {}};
-    step.run = [path = project.pathOf(page.text), output, strip = project.strip](const KitWarn& warn) {
+    const std::string path = project.pathOf(page.text);
+    BuildStep step{pageStepName(page.text), page.place, project.strip ? "stripped" : "", {path}, {output}, {}, {}};
+    step.run = [path, output, strip = project.strip](const KitWarn& warn) {
       PageSourceOptions options;
       options.strip = strip;
       BuiltPage built = compilePage(path, warn, options);
@@ -217,17 +223,18 @@ class Planner {
   std::map<std::string, size_t> makers;  // the first step for each built file
   std::unique_ptr<MachineFonts> fonts;
   std::vector<KitMessage> errors;
+  std::vector<std::string> missing;
 };
 
 }  // namespace
 
 BuildPlan planProject(const Project& project) { return Planner(project).plan(); }
 
+std::string pageStepName(const std::string& page) { return std::string(kPageStep) + page; }
+
 BuildStep copyStep(const Project& project, const ProjectName& file) {
-  const std::string output = outputName(file.text);
-  BuildStep step{"file " + file.text, file.place, {}, {output}, {}, {}};
-  step.run = [path = project.pathOf(file.text), output](const KitWarn&) {
-    return StepResult{{{output, readFile(path)}}, {path}, {}};
-  };
+  const std::string output = outputName(file.text), path = project.pathOf(file.text);
+  BuildStep step{"file " + file.text, file.place, {}, {path}, {output}, {}, {}};
+  step.run = [path, output](const KitWarn&) { return StepResult{{{output, readFile(path)}}, {path}, {}}; };
   return step;
 }

@@ -27,11 +27,13 @@ struct StepResult {
 
 // How the names of steps that make pages begin.
 inline constexpr std::string_view kPageStep = "page ";
+std::string pageStepName(const std::string& page);  // a page as the project calls it
 
 struct BuildStep {
-  std::string name;     // "page menu.yaml"
-  YamlPlace place;      // in the project file
-  std::string options;  // all but the inputs' contents that the outputs depend on
+  std::string name;                 // "page menu.yaml"
+  YamlPlace place;                  // in the project file
+  std::string options;              // all but the inputs' contents that the outputs depend on
+  std::vector<std::string> inputs;  // as they can be opened; running it may find more
   std::vector<std::string> outputs;
   std::vector<size_t> after;                      // steps, by their numbers; earlier ones only
   std::function<StepResult(const KitWarn&)> run;  // on any thread; throws KitError
@@ -41,6 +43,7 @@ struct BuildStep {
 struct BuildPlan {
   std::vector<BuildStep> steps;  // in the order in which people are to hear of them
   std::vector<KitMessage> errors;
+  std::vector<std::string> missing;  // files that are not there
 };
 
 BuildPlan planProject(const Project& project);

@@ -38,7 +38,7 @@ class ProjectReader {
     eachKey(root, "a project",
             {{"output", [&](const YamlNode& n) { readOutput(n); }},
              {"strip", [&](const YamlNode& n) { project.strip = boolean(n); }},
-             {"pages", [&](const YamlNode& n) { project.pages = files(n); }},
+             {"pages", [&](const YamlNode& n) { project.pages = pages(n); }},
              {"tables", [&](const YamlNode& n) { readTables(n); }},
              {"pictures", [&](const YamlNode& n) { eachItem(n, [&](const YamlNode& i) { readPicture(i); }); }},
              {"fonts", [&](const YamlNode& n) { eachItem(n, [&](const YamlNode& i) { readFont(i); }); }},
@@ -114,6 +114,24 @@ class ProjectReader {
       for (ProjectName& each : matching(name(item))) all.push_back(std::move(each));
     });
     return all;
+  }
+
+  // Of what a pattern finds, the sources that have a page; what isn't YAML is for the build to refuse.
+  std::vector<ProjectName> pages(const YamlNode& node) {
+    std::vector<ProjectName> all;
+    eachItem(node, [&](const YamlNode& item) {
+      const ProjectName pattern = name(item);
+      const size_t before = all.size();
+      for (ProjectName& each : matching(pattern))
+        (each.text == pattern.text || hasPage(project.pathOf(each.text)) ? all : project.noPages)
+            .push_back(std::move(each));
+      if (all.size() == before) throw SourceFault{pattern.place, "no file called '" + pattern.text + "' has a 'page'"};
+    });
+    return all;
+  }
+
+  static bool hasPage(const std::string& path) try { return readYaml(path).find("page"); } catch (const KitError&) {
+    return true;
   }
 
   std::vector<ProjectName> matching(const ProjectName& pattern) {
@@ -236,11 +254,19 @@ std::string findProject(const std::string& folder) {
   fs::path at = folder;
   for (fs::path full = fs::canonical(folder.empty() ? "." : folder, error); !error; full = full.parent_path()) {
     const fs::path file = at / kProjectFileName;
-    if (fs::is_regular_file(file, error)) return file.string();
+    const fs::path plain = file.lexically_normal();
+    if (fs::is_regular_file(file, error)) return (fs::equivalent(plain, file, error) ? plain : file).string();
     if (full == full.root_path()) break;
     at /= "..";
     error.clear();
   }
+  return "";
+}
+
+std::string pageOfProject(const Project& project, const std::string& source) {
+  std::error_code error;
+  for (const ProjectName& page : project.pages)
+    if (fs::equivalent(project.pathOf(page.text), source, error)) return page.text;
   return "";
 }
 

@@ -48,7 +48,8 @@ struct Project {
   std::string output = "build";
   bool strip = false;  // scripts without their names
   std::vector<ProjectName> pages, scripts, files;
-  std::vector<std::string> keep;  // built files to ship although nothing seems to use them; may be patterns
+  std::vector<ProjectName> noPages;  // found by a pattern for pages, and none: what pages include
+  std::vector<std::string> keep;     // built files to ship although nothing seems to use them; may be patterns
   std::vector<ProjectTable> tables;
   std::vector<ProjectPicture> pictures;
   std::vector<ProjectFont> fonts;
@@ -62,6 +63,9 @@ Project readProject(const std::string& file);
 
 // The project file in the folder or in the nearest one around it; empty if there is none.
 std::string findProject(const std::string& folder);
+
+// What the project calls the page with that source; empty if that is none of its pages.
+std::string pageOfProject(const Project& project, const std::string& source);
 
 // Whether a name means a font file rather than a font of the machine.
 bool isFontFileName(const std::string& name);

@@ -16,21 +16,21 @@ bool isPageSource(const std::string& path) {
 
 BuiltPage compilePage(const std::string& source, const KitWarn& warn, const PageSourceOptions& options) {
   PageTree page = readPageSource(source, warn, options);
-  BuiltPage built{{}, {}, {source}, {}};
+  BuiltPage built;
   try {
     built.bytes = writePage(page, &built.places);
   } catch (const std::length_error& e) {
-    throw KitError(source, e.what());
+    throw BuildError({{source, 0, e.what()}}, std::move(page.sources));
   }
-  built.sources.insert(built.sources.end(), page.sourceFiles.begin(), page.sourceFiles.end());
   built.scriptFiles = std::move(page.scriptFiles);
-  for (const ScriptFile& script : built.scriptFiles) built.sources.push_back(script.source);
+  built.sources = std::move(page.sources);
+  built.loadedPages = std::move(page.loadedPages);
   return built;
 }
 
-BuiltPage buildPage(const std::string& source, const std::string& output, const KitWarn& warn,
-                    const PageSourceOptions& options) {
-  BuiltPage page = compilePage(source, warn, options);
+namespace {
+
+void writeBuilt(const BuiltPage& page, const std::string& source, const std::string& output) {
   if (isStandardOutput(output) && !page.scriptFiles.empty())
     throw KitError(source, "its script files go beside the page, so the page needs a name; say -o PAGE.kpg");
   refuseInput(output, page.sources);
@@ -43,5 +43,17 @@ BuiltPage buildPage(const std::string& source, const std::string& output, const 
     files.add(path, script.bytes.data(), script.bytes.size());
   }
   files.finish();
+}
+
+}  // namespace
+
+BuiltPage buildPage(const std::string& source, const std::string& output, const KitWarn& warn,
+                    const PageSourceOptions& options) {
+  BuiltPage page = compilePage(source, warn, options);
+  try {
+    writeBuilt(page, source, output);
+  } catch (const KitError& e) {
+    throw BuildError(e.messages, std::move(page.sources));
+  }
   return page;
 }

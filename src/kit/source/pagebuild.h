@@ -13,17 +13,18 @@
 struct BuiltPage {
   std::vector<uint8_t> bytes;
   std::vector<ScriptFile> scriptFiles;  // to lie beside the page
-  std::vector<std::string> sources;     // all that was read
+  std::vector<std::string> sources;     // all that was read, the page source first
+  std::vector<LoadedPage> loadedPages;
   PagePlaces places;
 };
 
 // By its name: .yaml or .yml.
 bool isPageSource(const std::string& path);
 
-// Throws KitError.
+// Throws BuildError.
 BuiltPage compilePage(const std::string& source, const KitWarn& warn = {}, const PageSourceOptions& options = {});
 
 // Compiles the source to `output`, and the script files that it names to object files beside that; all are written, or
-// none. Returns what was written. Throws KitError.
+// none. Returns what was written. Throws BuildError.
 BuiltPage buildPage(const std::string& source, const std::string& output, const KitWarn& warn = {},
                     const PageSourceOptions& options = {});

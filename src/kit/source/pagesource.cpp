@@ -71,12 +71,20 @@ class SourceReader {
  public:
   SourceReader(std::string f, const KitWarn& w, const PageSourceOptions& o) : file(std::move(f)), warn(w), options(o) {}
 
-  PageTree read() {
-    PageTree page;
+  PageTree read() try {
+    readAll();
+    return std::move(page);
+  } catch (const KitError& e) {
+    throw BuildError(e.messages, std::move(page.sources));
+  }
+
+ private:
+  void readAll() {
+    page.sources.push_back(file);
     ExpandedSource source = expandSource(readPageYaml(file), errors);
     const YamlNode& top = source.plain;
+    page.sources.insert(page.sources.end(), source.files.begin(), source.files.end());
     if (top.isNull()) throw KitError(inOrder(std::move(errors), file));
-    page.sourceFiles = std::move(source.files);
     eachPair(top, [&](const YamlPair& pair) {
       if (pair.key == "flags") {
         page.flags = flags(pair.value);
@@ -93,11 +101,8 @@ class SourceReader {
       page.root = node(*root, ObjectKind::root, 1);
     });
     if (!errors.empty()) throw KitError(inOrder(std::move(errors), file));
-    page.scriptFiles = std::move(scriptFiles);
-    return page;
   }
 
- private:
   // The object that is being read.
   struct Object {
     ObjectKind kind = ObjectKind::other;
@@ -161,6 +166,7 @@ class SourceReader {
       if (pair.key == "height") return void(result.height = position(pair.value));
       if (pair.key.find('\0') != std::string::npos) fail(pair.place, "a name can't hold a zero byte");
       result.attributes.push_back({pair.key, attribute(pair)});
+      warnOfUnseen(pair, result.attributes.back().value);
     });
     object = std::move(outer);
     return result;
@@ -218,6 +224,11 @@ class SourceReader {
     warnAt(pair.place, whatIsRead() + ": nothing reads it" +
                            (owners.empty() ? suggestion(pair.key, attributeNames(object.kind, object.type))
                                            : "; " + owners + " has one"));
+  }
+
+  void warnOfUnseen(const YamlPair& pair, const PageValue& value) const {
+    if (isNeverSeen(object.type, pair.key) && (value.number != 0 || !value.bytes.empty()))
+      warnAt(pair.place, whatIsRead() + ": a " + object.type + " doesn't show it");
   }
 
   // -- values
@@ -324,6 +335,11 @@ class SourceReader {
     const std::string source = value.isNull() ? "" : scalarText(value, "a script");
     try {
       result.bytes = compiler().compile(source, codeNames(pair));
+      for (const BobTextCall& call : compiler().pagesLoaded(source)) {
+        YamlPlace place = value.place;
+        place.line = lineInSource(value, call.line);
+        page.loadedPages.push_back({call.text, place, whatIsRead()});
+      }
     } catch (const ScriptError& e) {
       YamlPlace place = value.place;
       place.line = lineInSource(value, e.line);
@@ -369,6 +385,7 @@ class SourceReader {
   std::string compileFile(const YamlNode& item) {
     const std::string& name = item.text;
     const std::string path = (fs::path(file).parent_path() / name).string();
+    page.sources.push_back(path);
     std::vector<uint8_t> source;
     try {
       source = readFile(path);
@@ -378,7 +395,10 @@ class SourceReader {
     try {
       const BobCodeNames names = options.strip ? nullptr : codeNamesByLine(path);
       const std::string_view text(reinterpret_cast<char*>(source.data()), source.size());
-      scriptFiles.push_back({name + "o", path, compiler().compileFile(text, names)});
+      page.scriptFiles.push_back({name + "o", path, compiler().compileFile(text, names)});
+      const auto script = std::make_shared<const std::string>(path);
+      for (const BobTextCall& call : compiler().pagesLoaded(text))
+        page.loadedPages.push_back({call.text, {script, call.line, 1, nullptr}, ""});
     } catch (const ScriptError& e) {
       errors.push_back({path, e.line, e.what()});
     }
@@ -390,7 +410,7 @@ class SourceReader {
   const PageSourceOptions options;
   std::vector<KitMessage> errors;
   std::unique_ptr<ScriptCompiler> scripts;
-  std::vector<ScriptFile> scriptFiles;
+  PageTree page;
   Object object;
   bool indexed = false;  // an 8-bit page
   int objectCount = 0;
@@ -404,10 +424,15 @@ PageTree readPageSource(const std::string& path, const KitWarn& warn, const Page
 }
 
 PlainSource plainPageSource(const std::string& path) {
-  std::vector<KitMessage> errors;
-  const ExpandedSource expanded = expandSource(readPageYaml(path), errors);
-  if (!errors.empty()) throw KitError(inOrder(std::move(errors), path));
-  PlainSource result{expandedText(expanded.plain), {path}};
-  result.sources.insert(result.sources.end(), expanded.files.begin(), expanded.files.end());
+  PlainSource result{"", {path}};
+  try {
+    std::vector<KitMessage> errors;
+    const ExpandedSource expanded = expandSource(readPageYaml(path), errors);
+    result.sources.insert(result.sources.end(), expanded.files.begin(), expanded.files.end());
+    if (!errors.empty()) throw KitError(inOrder(std::move(errors), path));
+    result.text = expandedText(expanded.plain);
+  } catch (const KitError& e) {
+    throw BuildError(e.messages, std::move(result.sources));
+  }
   return result;
 }

@@ -15,7 +15,7 @@ struct PageSourceOptions {
   bool strip = false;
 };
 
-// Reads the source at `path` and compiles its scripts. Throws KitError.
+// Reads the source at `path` and compiles its scripts. Throws BuildError.
 PageTree readPageSource(const std::string& path, const KitWarn& warn = {}, const PageSourceOptions& options = {});
 
 // A source as the page's reader sees it: without constants, templates and the like.
@@ -24,5 +24,5 @@ struct PlainSource {
   std::vector<std::string> sources;  // all that was read
 };
 
-// Throws KitError.
+// Throws BuildError.
 PlainSource plainPageSource(const std::string& path);

@@ -37,9 +37,17 @@ struct ScriptFile {
   std::string bytes;
 };
 
+// A page that a script opens by a name that the script spells out: LoadPage("menu.kpg").
+struct LoadedPage {
+  std::string name;
+  YamlPlace place;
+  std::string what;  // which script does it: "onClick of start"
+};
+
 struct PageTree {
   uint32_t flags = 0;
   PageNode root;
   std::vector<ScriptFile> scriptFiles{};
-  std::vector<std::string> sourceFiles{};  // that were read for it, besides its source and its scripts
+  std::vector<std::string> sources{};  // all that was read, the page source first
+  std::vector<LoadedPage> loadedPages{};
 };

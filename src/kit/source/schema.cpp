@@ -97,6 +97,10 @@ std::string whatHas(std::string_view name) {
   return listOfWords(owners, "or");
 }
 
+bool isNeverSeen(std::string_view type, std::string_view name) {
+  return type == "slider" && (name == "highlightFrame" || name == "background");
+}
+
 bool isWidgetType(std::string_view type) {
   const auto isOfType = [type](const AttributeRow& row) { return row.type == type; };
   return !type.empty() && std::any_of(attributeRows().begin(), attributeRows().end(), isOfType);

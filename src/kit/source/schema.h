@@ -34,6 +34,9 @@ NamedThing namedBy(ObjectKind kind, std::string_view type, std::string_view name
 // nothing has.
 std::string whatHas(std::string_view name);
 
+// Whether the player reads the attribute and such a widget shows nothing of it: a slider draws its bar and no more.
+bool isNeverSeen(std::string_view type, std::string_view name);
+
 bool isWidgetType(std::string_view type);
 
 // Whether the text is one of the attribute's words, or the attribute takes any.

@@ -35,6 +35,10 @@ std::string ScriptCompiler::compileFile(std::string_view source, const BobCodeNa
   return header.text + compile(source, names);
 }
 
+std::vector<BobTextCall> ScriptCompiler::pagesLoaded(std::string_view source) {
+  return bobTextCalls(runtime.interp, source, "LoadPage");
+}
+
 std::string listScript(std::string_view records) {
   BobRuntime runtime;
   BobTextStream listing;

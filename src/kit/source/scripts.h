@@ -4,8 +4,10 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "bob/compile/statementreader.h"
+#include "bob/tools/textcalls.h"
 #include "kit/run/bobruntime.h"
 
 // An error in a script; `line` counts from 1 inside the script.
@@ -22,6 +24,8 @@ class ScriptCompiler {
   std::string compile(std::string_view source, const BobCodeNames& names = {});
   // A whole object file.
   std::string compileFile(std::string_view source, const BobCodeNames& names = {});
+  // The pages that a script which compiles opens by names that it spells out; a computed name can't be known.
+  std::vector<BobTextCall> pagesLoaded(std::string_view source);
 
  private:
   // Keeps the first error's message and line.

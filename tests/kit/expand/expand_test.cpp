@@ -1,6 +1,8 @@
 #include "kit/expand/expand.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <random>
 
 #include "kit/files.h"
 #include "kit/source/pagebuild.h"
@@ -75,6 +77,47 @@ TEST_F(ExpandTest, WhatIsWrongInAnExpressionIsNamed) {
   for (const auto& [source, error] : cases) EXPECT_EQ(valueOf(source), std::string("p.yaml:2: ") + error + "\n");
   EXPECT_EQ(expanded("constants:\n  a: 1\n  a: 2\nx: $(a)\n"), "p.yaml:3: 'a' is given twice, first in line 2\n");
   EXPECT_EQ(expanded("constants:\n  a: $(b)\n  b: $(a)\nx: $(a)\n"), "p.yaml:2: constant a needs itself\n");
+}
+
+TEST_F(ExpandTest, ExpressionsHoldAtTheirExtremes) {
+  const std::string deep(60, '('), closed(60, ')'), tooDeep(120, '('), text(1000, 'x');
+  const std::pair<std::string, std::string> cases[] = {
+      {"$(4294967295)", "4294967295"},
+      {"$(4294967294 + 1)", "4294967295"},
+      {"$(-4294967295)", "-4294967295"},
+      {"$(65535 * 65537)", "4294967295"},
+      {"$(0x7FFFFFFF + 1)", "2147483648"},
+      {"$(-7 / 2)", "-3"},
+      {"$(-7 % 2)", "-1"},
+      {"$(- - 3)", "3"},
+      {"$(2 - -3)", "5"},
+      {"$(7 - 2 - 1)", "4"},
+      {"$(100 / 10 / 5)", "2"},
+      {"$(" + deep + "n" + closed + ")", "7"},
+      {"$('a' + 1 + 2)", "\"a12\""},
+      {"$(1 + 2 + 'a')", "\"3a\""},
+      {"$('' + n)", "\"7\""},
+      {"$(')' + word)", "\")blue\""},
+      {"$(n)$(n)", "77"},
+      {"$$$(n)", "\"$$(n)\""},
+      {"$(4294967296)", "p.yaml:2: '4294967296' is no whole number of 32 bits\n"},
+      {"$(4294967295 + 1)", "p.yaml:2: the result doesn't fit 32 bits\n"},
+      {"$(-4294967295 - 1)", "p.yaml:2: the result doesn't fit 32 bits\n"},
+      {"$(4294967295 * 4294967295)", "p.yaml:2: the result doesn't fit 32 bits\n"},
+      {"$(n % 0)", "p.yaml:2: a division by 0\n"},
+      {"$(" + tooDeep + "n)", "p.yaml:2: an expression is nested too deep\n"},
+      {"$('a)", "p.yaml:2: a text in an expression has no end: 'a)\n"},
+      {"$(3x)", "p.yaml:2: '3x' is no whole number of 32 bits\n"},
+      {"$(list.-1)", "p.yaml:2: there is no entry '' in list, which has 2\n"},
+  };
+  for (const auto& [source, result] : cases) EXPECT_EQ(valueOf(source), result) << source;
+  // Each doubles the one before.
+  std::string doubling = "constants:\n  t0: " + text + "\n";
+  for (int i = 1; i < 30; ++i) {
+    const std::string before = "t" + std::to_string(i - 1);
+    doubling += "  t" + std::to_string(i) + ": $(" + before + " + " + before + ")\n";
+  }
+  EXPECT_NE(expanded(doubling + "a: $(t29)\n").find("the text is too long"), std::string::npos);
 }
 
 TEST_F(ExpandTest, TemplatesTakeParametersAndWhatTheirUseSays) {
@@ -233,6 +276,30 @@ TEST_F(ExpandTest, LayoutsPlaceWhatLiesInThem) {
        "textStyles: [{name: a, size: 10}]}",
        "- - - -; 5 15 - -; 5 44 - -; - 9 - -; 8 77 - -"},
       {"{width: 9, height: 9, layout: row}", "- - 9 9"},
+      // Across it a size of one's own is kept, and a layout's need counts as one unless the row stretches it.
+      {"{type: group, width: 40, height: 21, layout: row, padding: [3, 0, 1, 0], align: center, children: [{width: 5, "
+       "height: 4}, {}, {height: 30}, {type: group, layout: column, children: [{height: 6, width: 8}]}]}",
+       "- - 40 21; 0 9 5 4; 5 3 12 17; 17 3 12 30; 29 8 11 6; 0 0 8 6"},
+      {"{type: group, width: 40, height: 20, layout: column, align: end, children: [{width: 5, height: 4}, {height: 4, "
+       "type: text, align: right}]}",
+       "- - 40 20; 35 0 5 4; 0 4 40 4"},
+      {"{type: group, width: 40, height: 20, layout: column, align: start, children: [{type: group, layout: row, "
+       "children: [{width: 3, height: 2}]}, {layout: row, children: [{}]}]}",
+       "- - 40 20; 0 0 3 10; 0 0 3 2; 0 10 40 10; 0 0 40 10"},
+      {"{type: group, width: 40, height: 20, layout: column, align: stretch, children: [{width: 5}, {layout: row, "
+       "children: [{width: 3}]}]}",
+       "- - 40 20; 0 0 5 10; 0 10 40 10; 0 0 3 10"},
+      // As large as can be, and a size beyond it, which the reader refuses.
+      {"{width: 65535, height: 1, layout: row, children: [{}, {width: 65534}]}", "- - 65535 1; 0 0 1 1; 1 0 65534 1"},
+      {"{layout: row, children: [{width: 65535, height: 1}, {width: 65535}]}",
+       "- - 131070 1; 0 0 65535 1; 65535 0 65535 1"},
+      {"{width: 5, height: 5, layout: grid, columns: 65535, children: [{}, {}]}", "- - 5 5; 0 0 3 5; 3 0 2 5"},
+      {"{type: group, layout: row, align: middle}",
+       "p.yaml:1: layout: align: 'middle' is not one of stretch, start, center and end"},
+      {"{type: group, layout: grid, columns: 1, align: end}", "p.yaml:1: layout: align is for a row or a column"},
+      {"{layout: grid, columns: 0}", "p.yaml:1: layout: a grid has a column at least"},
+      {"{type: textContainer, layout: row, children: [{}]}",
+       "p.yaml:1: layout: lines of a text container can only be a column"},
       {"{layout: row, children: [{height: 2}]}", "p.yaml:1: layout: a width is needed, here or for what it lies in"},
       {"{width: 5, height: 5, layout: row, gap: 6, children: [{}, {}]}",
        "p.yaml:1: layout: there is no width left for it"},
@@ -294,9 +361,113 @@ TEST_F(ExpandTest, NeighboursAreLinked) {
       {"{links: auto, children: [{name: a, width: 5, height: 5, onClick: x}, {links: wrap, x: 6, children: [{name: b, "
        "width: 5, height: 5, onClick: x}, {name: c, x: 6, width: 5, height: 5, onClick: x}]}]}",
        "a: - - - -; b: - - c c; c: - - b b; "},
+      // What follows a master shows the focus of that, and the master takes part.
+      {"{links: auto, children: [{name: a, width: 5, height: 5}, {name: s, x: 6, width: 5, height: 5, master: a, "
+       "highlightFrame: true}, {name: b, x: 12, width: 5, height: 5, onClick: x}, {name: m, x: 18, width: 5, height: "
+       "5, master: '', onClick: x}, {name: l, x: 24, width: 5, height: 5, master: a, links: auto}]}",
+       "a: - - - b; s: - - - -; b: - - a m; m: - - b l; l: - - m -; "},
+      // Two that overlap lie in no direction of each other; two at the edge of a row wrap to its ends.
+      {"{links: wrap, children: [{name: a, width: 9, height: 9, onClick: x}, {name: b, x: 4, y: 4, width: 9, height: "
+       "9, onClick: x}]}",
+       "a: - - - -; b: - - - -; "},
+      {"{links: wrap, children: [{name: a, x: 20, width: 9, height: 9, onClick: x}, {name: b, x: 9, width: 9, height: "
+       "9, onClick: x}, {name: c, x: 31, y: 8, width: 9, height: 9, onClick: x}, {name: d, x: 60, y: 50, width: 9, "
+       "height: 9, onClick: x}]}",
+       "a: - d b c; b: - d c a; c: - d a b; d: c - c -; "},
       {"{links: warp}", "p.yaml:1: links: 'warp' is not one of auto, wrap and none; did you mean 'wrap'?"},
   };
   for (const auto& [page, result] : cases) EXPECT_EQ(linked(page), result) << page;
+}
+
+// A layout leaves nothing over and nothing out: what shares what is left differs by a pixel at most.
+TEST_F(ExpandTest, RandomRowsFillTheirWidgetExactly) {
+  std::mt19937 random(17);
+  const auto below = [&](int n) { return int(random() % unsigned(n)); };
+  for (int round = 0; round < 300; ++round) {
+    const int count = 1 + below(8), gap = below(9), left = below(20), right = below(20), width = 300 + below(400);
+    std::string page = "page: {width: " + std::to_string(width) +
+                       ", height: 9, layout: row, gap: " + std::to_string(gap) + ", padding: [0, " +
+                       std::to_string(right) + ", 0, " + std::to_string(left) + "], children: [";
+    std::vector<int> given;
+    for (int i = 0; i < count; ++i) {
+      given.push_back(i > 0 && below(2) ? below(25) : -1);  // the first takes what is left
+      page += given.back() < 0 ? "{}, " : "{width: " + std::to_string(given.back()) + "}, ";
+    }
+    std::vector<KitMessage> errors;
+    const YamlNode plain = expandSource(parseYaml("p.yaml", page + "]}"), errors).plain;
+    ASSERT_TRUE(errors.empty()) << page;
+    int at = left, least = width, most = 0;
+    const std::vector<YamlNode>& children = plain.find("page")->find("children")->list;
+    for (size_t i = 0; i < children.size(); ++i) {
+      const int size = std::stoi(children[i].textOf("width"));
+      ASSERT_EQ(children[i].textOf("x"), std::to_string(at)) << page;
+      at += size + gap;
+      if (given[i] >= 0) {
+        EXPECT_EQ(size, given[i]) << page;
+      } else {
+        least = std::min(least, size);
+        most = std::max(most, size);
+      }
+    }
+    EXPECT_EQ(at - gap + right, width) << page;
+    EXPECT_LE(most - least, 1) << page;
+  }
+}
+
+TEST_F(ExpandTest, GridsOfAllSizesLinkAsTheyLie) {
+  for (int columns = 1; columns <= 4; ++columns)
+    for (int rows = 1; rows <= 4; ++rows) {
+      std::vector<KitMessage> errors;
+      const std::string text =
+          "page: {width: 400, height: 400, links: wrap, layout: grid, gap: 3, columns: " + std::to_string(columns) +
+          ", children: [{repeat: " + std::to_string(rows * columns) + ", name: n$(index), onClick: x}]}";
+      const YamlNode plain = expandSource(parseYaml("p.yaml", text), errors).plain;
+      // A row of one has nowhere to go in its direction.
+      const auto name = [&](int row, int column) {
+        return "n" + std::to_string((row + rows) % rows * columns + (column + columns) % columns);
+      };
+      for (int row = 0; row < rows; ++row)
+        for (int column = 0; column < columns; ++column) {
+          const YamlNode& widget = plain.find("page")->find("children")->list.at(size_t(row * columns + column));
+          EXPECT_EQ(widget.textOf("up"), rows > 1 ? name(row - 1, column) : "");
+          EXPECT_EQ(widget.textOf("down"), rows > 1 ? name(row + 1, column) : "");
+          EXPECT_EQ(widget.textOf("left"), columns > 1 ? name(row, column - 1) : "");
+          EXPECT_EQ(widget.textOf("right"), columns > 1 ? name(row, column + 1) : "");
+        }
+    }
+  EXPECT_EQ(expanded("page: {links: auto, children: [{repeat: 4097, onClick: x}]}\n"),
+            "p.yaml:1: links: there are more than 4,096 widgets to link\n");
+}
+
+TEST_F(ExpandTest, TablesAsTextAreReadToTheirLastLine) {
+  const auto names = [&](const std::string& csv) {
+    writeText("t.csv", csv);
+    return expanded("page:\n  - {repeat: t.csv, v: $(item.a)/$(item.b)}\n");
+  };
+  EXPECT_EQ(names("\xEF\xBB\xBF"
+                  "a,b\n1,2"),
+            "page:\n  - v: 1/2\n");
+  EXPECT_EQ(names("a,b\r1,2\r\r3,4\r"), "page:\n  - v: 1/2\n  - v: 3/4\n");
+  EXPECT_EQ(names("b,a\n\"x,\ny\",\n"), "page:\n  - v: |-\n      /x,\n      y\n");
+  EXPECT_EQ(names("a,b\n"), "page: []\n");
+  EXPECT_EQ(names("a,b\n\"1\n\",2\n3\n"), "t.csv:4: the row has 1 field, and the first one 2\n");
+  EXPECT_EQ(names("a,b\n1,\"2\n3,4\n"), "t.csv:2: a quoted field has no end\n");
+  EXPECT_EQ(names("a,b\n\"1\"x,2\n"), "t.csv:2: a quoted field goes on after its quotes\n");
+}
+
+TEST_F(ExpandTest, WhatUsesItselfTooDeepIsRefused) {
+  const auto chain = [](int length) {
+    std::string text = "templates:\n  t0: {x: 1}\n";
+    for (int i = 1; i < length; ++i)
+      text += "  t" + std::to_string(i) + ": {template: t" + std::to_string(i - 1) + "}\n";
+    return text + "page: {template: t" + std::to_string(length - 1) + "}\n";
+  };
+  EXPECT_EQ(expanded(chain(64)), "page:\n  x: 1\n");
+  EXPECT_NE(expanded(chain(65)).find("templates and includes are nested more than 64 deep"), std::string::npos);
+  std::string constants = "constants:\n  c0: 1\n";
+  for (int i = 1; i < 300; ++i) constants += "  c" + std::to_string(i) + ": $(c" + std::to_string(i - 1) + ")\n";
+  EXPECT_EQ(expanded(constants + "x: $(c200)\n"), "x: 1\n");
+  EXPECT_NE(expanded(constants + "x: $(c299)\n").find("constants need each other too deep"), std::string::npos);
 }
 
 // What --expand prints builds to the same bytes.

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <fstream>
 #include <functional>
+#include <map>
 
 #include "kit/files.h"
 #include "kit/pictures/kpxfile.h"
@@ -14,6 +15,7 @@
 #include "kit/project/depfile.h"
 #include "kit/project/pack.h"
 #include "kit/project/runsteps.h"
+#include "kit/version.h"
 #include "support/pagefixture.h"
 
 namespace fs = std::filesystem;
@@ -47,9 +49,12 @@ class ProjectTest : public PageTest {
   void project(const std::string& text) { writeText(kProjectFileName, text); }
 
   // The files made, or the errors.
-  std::vector<std::string> make(size_t jobs = 2, const std::function<void()>& meanwhile = {}) {
+  std::vector<std::string> make(size_t jobs = 2, const std::function<void()>& meanwhile = {},
+                                const std::string& page = {}) {
     std::vector<std::string> made;
     BuildOptions options;
+    options.page = page;
+    options.warn = [&](const KitMessage& warning) { warnings += warning.whole() + "\n"; };
     options.progress = [&](size_t, size_t, const std::string&) {
       if (meanwhile) meanwhile();
     };
@@ -57,9 +62,10 @@ class ProjectTest : public PageTest {
     options.made = [&](const std::string& file) { made.push_back(file); };
     try {
       report = buildProject(readProject(kProjectFileName), options);
-    } catch (const KitError& e) {
+    } catch (const BuildError& e) {
       made.clear();
       for (const KitMessage& message : e.messages) made.push_back(message.whole());
+      report.inputs = e.inputs;
     }
     return made;
   }
@@ -76,7 +82,18 @@ class ProjectTest : public PageTest {
     return "";
   }
 
+  std::vector<std::string> makePage(const std::string& page) { return make(2, {}, page); }
+
+  // All files in a folder, with their bytes.
+  static std::map<std::string, std::vector<uint8_t>> contents(const std::string& folder) {
+    std::map<std::string, std::vector<uint8_t>> all;
+    for (const auto& entry : fs::recursive_directory_iterator(folder))
+      if (entry.is_regular_file()) all[entry.path().lexically_relative(folder).string()] = readFile(entry.path());
+    return all;
+  }
+
   BuildReport report;
+  std::string warnings;
 };
 
 using Files = std::vector<std::string>;
@@ -235,6 +252,227 @@ TEST_F(ProjectTest, WhatIsNoLongerNamedGoesWithTheNextGoodBuild) {
   writeText("menu.yaml", "flags: 16bit\npage: {type: group}\n");
   EXPECT_EQ(make(), Files{"menu.kpg"});
   EXPECT_FALSE(fs::exists("build/ready.gif") || fs::exists("build/tools.bobo"));
+}
+
+// Two pages have a script in common, and each a hook, whose name is what --strip leaves out.
+TEST_F(ProjectTest, StrippingAndNotStrippingAlternateInOneFolder) {
+  for (const char* page : {"menu", "other"})
+    writeText(std::string(page) + ".yaml", "page: {type: group, scripts: [tools.bob], onLoad: f();}\n");
+  writeText("plain.yaml", "page: {type: group}\n");
+  const std::string pages = "pages: [menu.yaml, other.yaml, plain.yaml]\n";
+  const Files differing = {"menu.kpg", "tools.bobo", "other.kpg"};
+  std::map<std::string, std::vector<uint8_t>> folders[2];
+  for (const bool strip : {false, true}) {
+    project(pages + "output: fresh" + (strip ? "1\nstrip: true\n" : "0\n"));
+    make();
+    folders[strip] = contents(strip ? "fresh1" : "fresh0");
+    folders[strip].erase(".vistrel-build.json");
+  }
+  for (const bool strip : {false, true, false, true}) {
+    const bool isFirst = !fs::exists("build");
+    project(pages + (strip ? "strip: true\n" : ""));
+    EXPECT_EQ(make(4), isFirst ? (Files{"menu.kpg", "tools.bobo", "other.kpg", "plain.kpg"}) : differing);
+    auto built = contents("build");
+    built.erase(".vistrel-build.json");
+    EXPECT_TRUE(built == folders[strip]);
+    EXPECT_EQ(make(4), Files{});
+  }
+}
+
+TEST_F(ProjectTest, WhatAnotherKitBuiltIsBuiltAgain) {
+  make();
+  const auto bytes = contents("build");
+  const auto& manifest = bytes.at(".vistrel-build.json");
+  std::string text(manifest.begin(), manifest.end());
+  const std::string now = std::string("\"kit\": \"") + kitVersion() + "\"";
+  size_t steps = 0;
+  for (size_t at = text.find(now); at != std::string::npos; at = text.find(now, at), ++steps)
+    text.replace(at, now.size(), "\"kit\": \"0.0.1\"");
+  EXPECT_EQ(steps, 3u);  // the page, the picture and the GIF
+
+  // One that fails now must not pass for built the next time.
+  writeText("build/.vistrel-build.json", text);
+  fs::remove("art/logo.png");
+  EXPECT_NE(make(), Files{});
+  picture("art/logo.png", 0xC04040);
+  EXPECT_EQ(make(), Files{});
+  EXPECT_TRUE(contents("build") == bytes);
+}
+
+TEST_F(ProjectTest, AParallelBuildIsTheSerialOne) {
+  std::string pages = "[menu.yaml";
+  for (int i = 0; i < 24; ++i) {
+    const std::string n = std::to_string(i);
+    picture("art/p" + n + ".png", uint32_t(0x0A0500 * i + 0x40));
+    writeText("page" + n + ".yaml", "page: {type: group, scripts: [tools.bob], onLoad: x = " + n +
+                                        "; , children: [{type: image, src: art/p" + n + ".kpx}, {odd: " + n + "}]}\n");
+    pages += ", page" + n + ".yaml";
+  }
+  const std::string rest = pages +
+                           "]\ntables: {all.clut: pictures, standard.clut: standard}\n"
+                           "pictures: [{files: [art/p*.png], table: all.clut, dither: yes}, art/logo.png]\n";
+  Files made[2];
+  std::string warned[2];
+  std::map<std::string, std::vector<uint8_t>> folders[2];
+  for (const size_t jobs : {1, 8}) {
+    project("pages: " + rest);
+    warnings.clear();
+    made[jobs > 1] = make(jobs);
+    warned[jobs > 1] = warnings;
+    folders[jobs > 1] = contents("build");
+    fs::remove_all("build");
+  }
+  EXPECT_EQ(made[0].size(), 2 + 24 + 2 + 1 + 1 + 24 + 1u);
+  EXPECT_EQ(made[0], made[1]);
+  EXPECT_NE(warned[0], "");
+  EXPECT_EQ(warned[0], warned[1]);
+  EXPECT_TRUE(folders[0] == folders[1]);  // the record of the build included
+}
+
+TEST_F(ProjectTest, OnePageIsBuiltWithWhatItNeeds) {
+  for (const char* name : {"art/shown.png", "art/named.png", "art/pieced.png", "art/spare.png"}) picture(name, 1);
+  writeText("menu.yaml", R"(flags: 16bit
+page:
+  type: group
+  onClick: 'topFrame.LoadPage("other.kpg");'
+  children: [{type: frame, src: inner.kpg}, {type: image, src: ready.gif}]
+)");
+  writeText("inner.yaml", R"(flags: 16bit
+page: {type: group, scripts: [tools.bob], children: [{type: image, src: art/shown.kpx}]}
+)");
+  writeText("tools.bob", "define f(w) { w.src = \"art/named.kpx\"; w.src = \"art/\" + \"pieced\" + \".kpx\"; }\n");
+  writeText("other.yaml", "page: {type: gruop}\n");
+  project(
+      "pages: [other.yaml, menu.yaml, inner.yaml]\ntables: {t.clut: pictures}\n"
+      "pictures: {files: art/*.png, table: t.clut}\n");
+  const Files needed = {"menu.kpg",   "t.clut",        "art/shown.kpx",  "inner.kpg",
+                        "tools.bobo", "art/named.kpx", "art/pieced.kpx", "ready.gif"};
+  Files made = makePage("menu.yaml");
+  std::sort(made.begin(), made.end());
+  Files sorted = needed;
+  std::sort(sorted.begin(), sorted.end());
+  EXPECT_EQ(made, sorted);
+  EXPECT_EQ(report.files, sorted);
+  EXPECT_EQ(makePage("menu.yaml"), Files{});
+
+  // The whole project goes on from there, and what it has built outlives the building of one page.
+  writeText("other.yaml", "page: {type: group}\n");
+  EXPECT_EQ(make(), (Files{"art/logo.kpx", "art/spare.kpx", "other.kpg"}));
+  writeText("menu.yaml", "page: {type: group}\n");
+  EXPECT_EQ(makePage("menu.yaml"), Files{"menu.kpg"});
+  EXPECT_TRUE(fs::exists("build/ready.gif"));
+  EXPECT_EQ(make(), Files{});
+  EXPECT_FALSE(fs::exists("build/ready.gif"));
+}
+
+TEST_F(ProjectTest, PagesThatScriptsLoadMustBeThere) {
+  writeText("other.yaml", "page: {type: group}\n");
+  writeText("beside.kpg", "a page from elsewhere");
+  writeText("tools.bob", "// LoadPage(\"a.kpg\")\ndefine f() {\n  topFrame.LoadPage(\"b.kpg\");\n}\n");
+  writeText("menu.yaml", R"--(templates:
+  go: {parameters: {to: }, onClick: 'topFrame.LoadPage("$(to).kpg");'}
+  picture: {type: image, src: gone.kpx}
+page:
+  type: group
+  scripts: [tools.bob]
+  onLoad: |
+    stdout.Display("LoadPage(\"c.kpg\")");
+
+    if (!frame.LoadPage("other.kpg")) frame.LoadPage("d" + ".kpg");
+  children:
+    - {template: go, with: {to: menu}}
+    - {template: go, with: {to: beside}}
+    - {template: go, with: {to: nowhere}, name: last}
+    - {template: picture}
+)--");
+  project("pages: [menu.yaml]\n");
+  const Files missing = {
+      "menu.yaml:15: src of image4: 'gone.kpx' is not in the project",
+      "tools.bob:3: LoadPage: 'b.kpg' is not in the project",
+      "menu.yaml:10: LoadPage in onLoad of page: 'other.kpg' is not in the project; add other.yaml to pages",
+      "menu.yaml:2: LoadPage in onClick of last: 'nowhere.kpg' is not in the project\n"
+      "  menu.yaml:14: used here: template 'go'"};
+  Files found = make();
+  EXPECT_EQ(found, missing);
+  EXPECT_EQ(readFile("build/beside.kpg"), readFile("beside.kpg"));
+  // From the outside, where nothing is due and yet all names are others.
+  try {
+    BuildOptions options;
+    fs::create_directory("sub");
+    fs::current_path("sub");
+    buildProject(readProject("../vistrel.yaml"), options);
+    ADD_FAILURE();
+  } catch (const KitError& e) {
+    EXPECT_EQ(e.messages.back().whole(),
+              "../menu.yaml:2: LoadPage in onClick of last: 'nowhere.kpg' is not in the project\n"
+              "  ../menu.yaml:14: used here: template 'go'");
+  }
+  fs::current_path("..");
+  // A page that is in the project and fails is not missing.
+  writeText("other.yaml", "page: {type: gruop}\n");
+  project("pages: [menu.yaml, other.yaml]\n");
+  found = make();
+  EXPECT_EQ(std::count_if(found.begin(), found.end(), [](auto& m) { return m.find("other.kpg") != m.npos; }), 0);
+}
+
+TEST_F(ProjectTest, PatternsForPagesPassOverWhatPagesInclude) {
+  writeText("menu.yaml", "include: theme.yaml\npage: {type: group, children: [{repeat: rows.yaml, x: $(item)}]}\n");
+  writeText("theme.yaml", "constants: {a: 1}\n");
+  writeText("rows.yaml", "[1, 2]\n");
+  project("pages: '*.yaml'\n");
+  EXPECT_EQ(make(), Files{"menu.kpg"});
+  EXPECT_EQ(warnings, "");
+  writeText("settings.yaml", "flags: 16bit\npgae: {type: group}\n");
+  make();
+  EXPECT_EQ(warnings, "vistrel.yaml:1: warning: settings.yaml has no 'page', and no page reads it\n");
+  writeText("settings.yaml", "page: [\n");
+  EXPECT_TRUE(make().front().starts_with("settings.yaml:2: ")) << make().front();
+  EXPECT_EQ(problems("pages: '[rt]*.yaml'\n"), "vistrel.yaml:1: pages: no file called '[rt]*.yaml' has a 'page'");
+}
+
+// Whoever waits for the project to be mended knows what to watch.
+TEST_F(ProjectTest, AFailedBuildSaysWhatItHasReadAndLookedFor) {
+  writeText("menu.yaml",
+            "page:\n  type: group\n  scripts: [tools.bob, gone.bob]\n"
+            "  children: [{repeat: {over: rows.csv}, x: -1}, {include: gone.yaml}]\n");
+  writeText("rows.csv", "a\n1\n");
+  project("pages: [menu.yaml, missing.yaml]\npictures: [art/logo.png]\nfonts: [art/none.ttf]\n");
+  EXPECT_EQ(make().size(), 5u);
+  EXPECT_EQ(report.inputs, (Files{"art/logo.png", "art/none.ttf", "gone.bob", "gone.yaml", "menu.yaml", "missing.yaml",
+                                  "rows.csv", "tools.bob", "vistrel.yaml"}));
+}
+
+TEST_F(ProjectTest, WhatAFailedBuildLeavesIsStillTheBuildsOwn) {
+  make();
+  // The page is built again without its script, and another fails.
+  writeText("menu.yaml", "page: {type: group}\n");
+  writeText("bad.yaml", "page: {x: -1}\n");
+  project("pages: [menu.yaml, bad.yaml]\n");
+  EXPECT_EQ(make().size(), 1u);
+  EXPECT_EQ(make().size(), 1u);
+  EXPECT_TRUE(fs::exists("build/tools.bobo"));
+  writeText("tools.bob", "define f() { return 9; }\n");
+  writeText("menu.yaml", kPage);
+  project("pages: [menu.yaml]\npictures: [art/logo.png]\n");
+  EXPECT_EQ(make(), (Files{"menu.kpg", "tools.bobo"}));  // not "is there and no build made it"
+  writeText("menu.yaml", "page: {type: group}\n");
+  project("pages: [menu.yaml, bad.yaml]\n");
+  make();
+  project("pages: [menu.yaml]\n");
+  EXPECT_EQ(make(), Files{});
+  EXPECT_EQ(contents("build").size(), 2u);  // the page and the record
+}
+
+TEST_F(ProjectTest, TwoStepsMustNotMakeOneFileUnlike) {
+  writeText("tools.bobo", "mine");
+  project("pages: [menu.yaml]\npictures: [art/logo.png]\nfiles: [tools.bobo]\n");
+  const Files error = {"vistrel.yaml:1: tools.bobo is made twice: of file tools.bobo and of page menu.yaml"};
+  EXPECT_EQ(make(), error);
+  EXPECT_EQ(make(), error);
+  // A script that the project lists, too, is the same file.
+  project("pages: [menu.yaml]\npictures: [art/logo.png]\nscripts: [tools.bob]\n");
+  make();
+  EXPECT_EQ(make(), Files{});
 }
 
 TEST_F(ProjectTest, TwoSourcesOfOneFileAreAnError) {

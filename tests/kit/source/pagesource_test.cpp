@@ -68,6 +68,51 @@ TEST_F(SourceTest, WhatNothingReadsIsTaggedByItsLooksAndATagOverridesAll) {
   EXPECT_TRUE(attribute(page, 10).object.empty());
 }
 
+TEST_F(SourceTest, WhatASliderDoesNotShowIsWarnedOf) {
+  read(
+      "page:\n  type: group\n  children:\n"
+      "    - {type: slider, highlightFrame: true, background: a.gif, bgColor: 1}\n"
+      "    - {type: slider, highlightFrame: false}\n"
+      "    - {type: number, highlightFrame: true, background: a.gif}\n");
+  EXPECT_EQ(warnings,
+            "p.yaml:4: warning: highlightFrame of slider1: a slider doesn't show it\n"
+            "p.yaml:4: warning: background of slider1: a slider doesn't show it\n");
+  // It is so: with the focus the picture is the same.
+  const char* const page =
+      "flags: 16bit\npage: {type: group, width: 720, height: 480, start: s, children: [{type: slider, name: s, x: 99,\n"
+      "  y: 99, width: 200, height: 30, bgColor: black, fgColor: white, frameColor: white, highlightFrame: ";
+  ASSERT_TRUE(load(std::string(page) + "true}]}\n"));
+  const uint32_t beside = pixel(97, 110);
+  ASSERT_TRUE(load(std::string(page) + "false}]}\n"));
+  EXPECT_EQ(pixel(97, 110), beside);
+}
+
+// Whoever waits for a source to be mended has to watch what it was read from.
+TEST_F(SourceTest, AFailedBuildSaysWhatItHasRead) {
+  const auto inputsOf = [&](const std::string& source, bool expands = false) {
+    writeText("p.yaml", source);
+    try {
+      if (expands)
+        plainPageSource("p.yaml");
+      else
+        buildPage("p.yaml", "p.kpg");
+    } catch (const BuildError& e) {
+      return e.inputs;
+    }
+    return std::vector<std::string>();
+  };
+  using Files = std::vector<std::string>;
+  writeText("theme.yaml", "include: gone.yaml\n");
+  writeText("a.bob", "x =;\n");
+  const char* const broken = "include: theme.yaml\npage: {scripts: [a.bob, b.bob]}\n";
+  EXPECT_EQ(inputsOf(broken), (Files{"p.yaml", "theme.yaml", "gone.yaml", "a.bob", "b.bob"}));
+  EXPECT_EQ(inputsOf(broken, true), (Files{"p.yaml", "theme.yaml", "gone.yaml"}));
+  EXPECT_EQ(inputsOf("page: ["), Files{"p.yaml"});
+  writeText("a.bob", "x = 1;\n");
+  writeText("a.bobo", "mine");  // all is well but for what would be written over
+  EXPECT_EQ(inputsOf("page: {scripts: [a.bob]}\n"), (Files{"p.yaml", "a.bob"}));
+}
+
 TEST_F(SourceTest, ErrorsNameFileLineKeyAndWidget) {
   const std::pair<const char*, const char*> cases[] = {
       {"page:\n  x: 65536\n", "p.yaml:2: x of page: 65536 lies outside 0 to 65535"},

@@ -1,0 +1,3 @@
+#include "kit/version.h"
+
+const char* kitVersion() { return VISTREL_VERSION; }
