@@ -1,5 +1,6 @@
 #include "engine/engine.h"
 
+#include "engine/base/watch.h"
 #include "engine/page/pageload.h"
 #include "engine/widgets/widgetkinds.h"
 
@@ -25,6 +26,7 @@ Engine::Engine(Host& h)
           {0, 0, 0, 0, kScreenWidth >> 8, kScreenWidth & 255, kScreenHeight >> 8, kScreenHeight & 255, 0, 0, 0, 0}) {}
 
 Engine::~Engine() {
+  observer = nullptr;
   const EngineScope here(*this);
   if (topFrame) widgetDestroy(topFrame);
   topFrame = nullptr;
@@ -46,6 +48,13 @@ bool Engine::start(void* cacheMemory, size_t cacheSize) {
 
 void Engine::step() {
   const EngineScope here(*this);
+  if (beingTold()) return;
+  if (const Telling told; told) told->stepBegun(hostMilliseconds());
+  work();
+  if (observer) tellStepEnd();
+}
+
+void Engine::work() {
   EngineCall call;
   timers.fire();
   redraws.drain();
@@ -55,6 +64,17 @@ void Engine::step() {
   }
 }
 
+void Engine::tellStepEnd() {
+  EngineNotes& notes = notesOf(*observer);
+  const DrawCost cost = notes.cost - notes.costAtStep;
+  notes.costAtStep = notes.cost;
+  const Telling told;
+  const uint32_t before = notes.glyphPurges.value_or(graphics.fGlyphPurges);
+  notes.glyphPurges = graphics.fGlyphPurges;
+  if (before != graphics.fGlyphPurges) told->glyphsCleared();
+  told->stepEnded(hostMilliseconds(), cost);
+}
+
 bool Engine::busy() const { return redraws.pending() || (display && display->swapAtStepEnd); }
 
 int engineInit(void* cacheMemory, size_t cacheSize) { return theEngine->start(cacheMemory, cacheSize); }
@@ -62,6 +82,9 @@ void engineStep() { theEngine->step(); }
 Frame* topFrame() { return theEngine->topFrame; }
 
 // ---- what the engine's parts find of the current one
+
+EngineObserver* currentObserver() { return theEngine ? theEngine->observer : nullptr; }
+WidgetId newWidgetId() { return theEngine ? ++theEngine->widgetsEver : 0; }
 
 ClutShelf& currentCluts() { return theEngine->cluts; }
 DisplaySurface& currentDisplay() { return *theEngine->display; }

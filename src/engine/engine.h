@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <memory>
 
+#include "engine/base/observer.h"
 #include "engine/events/eventtarget.h"
 #include "engine/events/graveyard.h"
 #include "engine/events/redrawqueue.h"
@@ -46,7 +47,9 @@ class Engine {
   bool busy() const;
 
   Host& host;
-  bool scriptsMayWriteFiles = true;  // read at the start
+  bool scriptsMayWriteFiles = true;    // read at the start
+  EngineObserver* observer = nullptr;  // is told what happens, but for the engine's end; changed between two calls
+  WidgetId widgetsEver = 0;            // the number that the last target got
 
   Graveyard graveyard;
   TimerQueue timers;
@@ -66,6 +69,9 @@ class Engine {
   Frame* topFrame = nullptr;  // fills the screen; null before the start
 
  private:
+  void work();
+  void tellStepEnd();
+
   PageData topFrameRecord;
 };
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "engine/base/watch.h"
 #include "engine/engine.h"
 #include "gfx/foundation/hsascii.h"
 #include "host/color.h"
@@ -59,6 +60,7 @@ int hostLog(const char* format, ...) {
 void hostPutChar(char c) {
   Shell* shell = currentShell();
   if (!shell || !shell->console) return;
+  if (EngineObserver* observer = currentObserver()) tellCharacter(*observer, c);
   shell->desktop.consoleOutput(c);
   shell->console->consolePutChar(c);
 }
@@ -155,9 +157,13 @@ HostFile* hostOpen(const char* name) {
 }
 
 size_t hostRead(HostFile* file, void* buffer, size_t size) {
-  if (file->disk) return std::fread(buffer, 1, size, file->disk.get());
-  size = file->memory.copy(static_cast<char*>(buffer), size, file->position);
-  file->position += size;
+  if (file->disk) {
+    size = std::fread(buffer, 1, size, file->disk.get());
+  } else {
+    size = file->memory.copy(static_cast<char*>(buffer), size, file->position);
+    file->position += size;
+  }
+  if (DrawCost* cost = currentCost()) cost->bytesRead += size;
   return size;
 }
 

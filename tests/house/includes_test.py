@@ -35,7 +35,10 @@ FLOORS = {
     'engine/page/pageload.cpp': ['engine/page', 'engine/scriptbindings'],  # a new frame's scope
     'engine/widgets': ['engine/page'],
     'engine/scriptbindings': ['engine/page'],
-    'engine': ['engine/widgets', 'engine/scriptbindings'],
+    'engine/engine.h': ['engine/widgets', 'engine/scriptbindings'],
+    'engine/inspect': ['engine/engine.h', 'engine/inspect.h'],
+    'engine/inspect.h': ['engine/format'],
+    'engine': ['engine/engine.h', 'engine/inspect'],
     'host': ['engine'],
     'kit': ['host'],
     'kpg': ['kit'],

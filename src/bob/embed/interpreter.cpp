@@ -110,8 +110,14 @@ void bobKeepOnStack(BobInterp* interp, BobValue value) {
 }
 
 BobMemory bobMemory(const BobInterp* interp) {
-  return {interp->newSpace.free - interp->newSpace.base, interp->arenaFree, interp->totalMemory,
-          interp->handles.size()};
+  return {interp->newSpace.free - interp->newSpace.base,
+          interp->arenaFree,
+          interp->totalMemory,
+          interp->handles.size(),
+          interp->newSpace.top - interp->newSpace.base,
+          uint32_t(interp->stackTop - interp->stackBase),
+          uint32_t(interp->stackTop - interp->sp),
+          interp->collections};
 }
 
 void bobCollectAlways(BobInterp* interp) {

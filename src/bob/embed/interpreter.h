@@ -50,6 +50,9 @@ struct BobMemory {
   uint32_t arenaBytes;   // of the whole arena, up to the end of its growing part
   uint32_t nativeBytes;  // as the collector reports it
   size_t handles;        // ever in use at the same time
+  uint32_t spaceBytes;   // of a space
+  uint32_t stackWords, stackUsed;
+  uint32_t collections;  // so far
 };
 BobMemory bobMemory(const BobInterp* interp);
 

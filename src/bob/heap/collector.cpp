@@ -36,6 +36,7 @@ void bobCollect(BobInterp* interp) {
   space.free = space.base;
   interp->allocationLimit = interp->collectAlways || interp->failAllocation >= 0 ? 0 : space.top;
   ++interp->cacheEpoch;
+  ++interp->collections;
 
   bobCopyRoots(interp);
   bobCopyStack(interp);

@@ -132,6 +132,7 @@ struct BobInterp {
   std::vector<std::unique_ptr<BobProtectedBlock>> protectedBlocks;  // the newest last
   BobHeapBlock oldSpace{}, newSpace{};
   uint32_t allocationLimit = 0;                   // newSpace.top, or 0 while every allocation must take the slow path
+  uint32_t collections = 0;                       // so far
   uint32_t expansionSize = 0;                     // as the interpreter was made with; spaces don't grow
   uint32_t totalMemory = 0, allocationCount = 0;  // what the collector reports of native memory
 

@@ -96,6 +96,14 @@ std::string bobRunningName(BobInterp* interp) {
   return {text, name.count()};
 }
 
+std::string bobFunctionName(BobInterp* interp, BobValue function) {
+  if (!interp->isA(function, kBobMethod)) return "";
+  const BobValue name = bobCodeName(interp, bobMethodCode(interp, function));
+  if (name == kBobNil) return "";
+  if (interp->isA(name, kBobSymbol)) return std::string(interp->symbolOf(name));
+  return interp->isA(name, kBobString) ? std::string(interp->stringOf(name)) : "";
+}
+
 void bobPrintTraceback(BobInterp* interp) {
   if (!interp->code) return;
   BobStream* stream = interp->stdoutStream;

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "bob/base/value.h"
 #include "bob/heap/errorcodes.h"
 
 // The message of a code; "Unknown error" for a code that is not in the table.
@@ -12,6 +13,8 @@ const char* bobErrorMessage(int code);
 void bobPrintError(BobInterp* interp, int code, const BobErrorArgument& argument);
 // The name of the running code, as a traceback prints it; empty while nothing runs.
 std::string bobRunningName(BobInterp* interp);
+// The name of a function that scripts define; empty for one without a name, and for anything else. Touches no object.
+std::string bobFunctionName(BobInterp* interp, BobValue function);
 // Prints where the running code is and who called it on stdoutStream.
 void bobPrintTraceback(BobInterp* interp);
 // The handler that an interpreter starts with: both of the above, except for kBobRestart.

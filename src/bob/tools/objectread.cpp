@@ -183,3 +183,24 @@ bool bobLoadObjectFile(BobScope* scope, const char* path) {
     bobRaiseNumber(interp, kBobWrongVersion, int32_t(version));
   return bobLoadObjectStream(scope, stream.get());
 }
+
+std::string bobObjectStreamName(std::string_view records) {
+  BobStringInput stream(records);
+  const auto word = [&stream] {
+    uint32_t n = 0;
+    for (int i = 0; i < 4; ++i) n = n << 8 | uint32_t(stream.GetC() & 0xFF);
+    return n;
+  };
+  if (stream.GetC() != kBobTagCode || word() < 2 || stream.GetC() != kBobTagString) return "";
+  for (uint32_t left = word(); left > 0; --left)
+    if (stream.GetC() == -1) return "";
+  const int tag = stream.GetC();
+  if (tag != kBobTagSymbol && tag != kBobTagString) return "";
+  std::string name;
+  for (uint32_t left = word(); left > 0; --left) {
+    const int c = stream.GetC();
+    if (c == -1) return "";
+    name += char(c);
+  }
+  return name;
+}

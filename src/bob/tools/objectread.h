@@ -2,6 +2,9 @@
 // the file does.
 #pragma once
 
+#include <string>
+#include <string_view>
+
 #include "bob/base/stream.h"
 #include "bob/base/value.h"
 
@@ -11,5 +14,7 @@ struct BobScope;
 bool bobLoadObjectFile(BobScope* scope, const char* path);
 // The same over a stream that is at its first record.
 bool bobLoadObjectStream(BobScope* scope, BobStream* stream);
+// The name of the code in the first record of such a stream; empty for none. Makes nothing.
+std::string bobObjectStreamName(std::string_view records);
 // Reads one value: false when the stream ends too early or holds something unknown.
 bool bobReadValue(BobScope* scope, BobStream* stream, BobValue* value);

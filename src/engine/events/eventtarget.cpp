@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "engine/events/eventtrail.h"
 #include "engine/events/graveyard.h"
 #include "host/host.h"
 
@@ -46,6 +47,8 @@ int EventTarget::handleEvent(const Event* event) {
 
 int EventTargets::post(const Event& event) {
   EngineCall call;
+  if (beingTold()) return 0;
+  const EventTrail trail(event, true);
   for (EventTarget* target = active; target; target = nextActive(target)) callObservers(target, event);
   for (EventTarget* target = active; target; target = nextActive(target))
     if (eventSend(target, event)) return 1;
@@ -90,12 +93,19 @@ int eventPostSimple(uint32_t code, uint32_t data, uint32_t data2) {
 
 int eventSend(EventTarget* target, const Event& event) {
   EngineCall call;
-  if (target->gone || engineStackSpent()) return 0;
+  if (target->gone || engineStackSpent() || beingTold()) return 0;
+  EventTrail* trail = EventTrail::of(event);
+  if (trail) trail->seen.push_back(target->id);
   if (EventHandler* handler = findCode(target->handlers, event.code)) {
-    if (handler->fn(&event)) return 1;
+    if (handler->fn(&event)) {
+      if (trail) trail->consumed(target->id, true);
+      return 1;
+    }
     if (target->gone) return 0;
   }
-  return target->handleEvent(&event);
+  const int answer = target->handleEvent(&event);
+  if (trail && answer) trail->consumed(target->id, false);
+  return answer;
 }
 
 int eventSendSimple(EventTarget* target, uint32_t code, uint32_t data, EventPointer pointer) {

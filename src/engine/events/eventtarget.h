@@ -7,10 +7,13 @@
 #include <cstdint>
 
 #include "engine/base/bounds.h"
+#include "engine/base/observer.h"
 #include "engine/events/event.h"
 #include "engine/events/scripthandle.h"
 
 struct EventTarget;
+
+WidgetId newWidgetId();  // of the current engine; 0 without one
 
 // A hook for one event code. `fn` is also called with a null event when its target goes; the hook is freed after that.
 struct EventHandler {
@@ -34,6 +37,7 @@ struct EventTarget {
   // the target leaves the active list or the default place, and is answered with 1. By default the parent decides.
   virtual int handleEvent(const Event* event);
 
+  const WidgetId id = newWidgetId();
   EventHandler* observers = nullptr;  // all that match hear every posted event
   EventHandler* handlers = nullptr;   // at most one for a code; asked first
   EventTarget* parent;

@@ -1,5 +1,6 @@
 #include "engine/events/timer.h"
 
+#include "engine/base/watch.h"
 #include "engine/events/graveyard.h"
 #include "host/host.h"
 
@@ -62,6 +63,7 @@ bool TimerQueue::lists(const Timer* timer) const {
 }
 
 void TimerQueue::fire(Timer* timer, uint32_t now) {
+  if (const Telling told; told) told->timerFired(timer->identity());
   timer->callback(timer, TimerReason::fired);
   if (timer->gone) return;
   if (timer->timerFlags & kTimerRepeating) {

@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "engine/base/observer.h"
+
 enum class TimerReason { fired = 1, stopped = 2 };
 
 struct Timer {
@@ -15,6 +17,7 @@ struct Timer {
 
   explicit Timer(Callback c) : callback(c) {}
   virtual ~Timer() = default;
+  virtual TimerIdentity identity() const { return {}; }
 
   uint32_t timerFlags = 0;
   uint32_t interval = 0;  // milliseconds
@@ -41,6 +44,7 @@ class TimerQueue {
   void fire();
 
   std::optional<uint32_t> nextDue() const;  // nothing when no timer waits
+  const Timer* first() const { return head; }
 
  private:
   void unlink(Timer* timer);

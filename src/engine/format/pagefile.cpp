@@ -174,5 +174,10 @@ int attrInt(const PageObject& r, IntegerAttribute name, int32_t* out) { return b
 int attrColor(const PageObject& r, ColorAttribute name, uint32_t* out) { return byName(r, name, out, attrColor); }
 int attrBool(const PageObject& r, BooleanAttribute name, bool* out) { return byName(r, name, out, attrBool); }
 int attrString(const PageObject& r, StringAttribute name, const char** out) { return byName(r, name, out, attrString); }
+const char* attrPlainString(const PageObject& record, StringAttribute name) {
+  const auto attribute = attrFind(record, name);
+  return attribute && PageTag(attribute->tag) == PageTag::string ? stringAt(*record.page, attribute->value) : nullptr;
+}
+
 int attrTable(const PageObject& r, TableAttribute name, PageTable* out) { return byName(r, name, out, attrTable); }
 int attrScript(const PageObject& r, ScriptAttribute name, PageScript* out) { return byName(r, name, out, attrScript); }

@@ -87,5 +87,6 @@ int attrInt(const PageObject& record, IntegerAttribute name, int32_t* out);
 int attrColor(const PageObject& record, ColorAttribute name, uint32_t* out);
 int attrBool(const PageObject& record, BooleanAttribute name, bool* out);
 int attrString(const PageObject& record, StringAttribute name, const char** out);
+const char* attrPlainString(const PageObject& record, StringAttribute name);  // null, without a message, for all others
 int attrTable(const PageObject& record, TableAttribute name, PageTable* out);
 int attrScript(const PageObject& record, ScriptAttribute name, PageScript* out);

@@ -21,6 +21,7 @@ std::unique_ptr<Clut> clutOf(const std::array<uint32_t, 256>& rgb) {
 HeapHandle gifRead(ImageCache& images, const char* name) {
   const HostFilePtr file = openHostFile(name);
   if (!file) {
+    images.refuse(ImageRefusal::missing);
     if (logVerbose) hostLog("Can't find: %s\n", name);
     return 0;
   }
@@ -38,6 +39,7 @@ HeapHandle gifRead(ImageCache& images, const char* name) {
         std::copy_n(indices, std::min(count, target.width), images.writablePixels(image) + size_t{y} * target.rowBytes);
       });
   if (error == GifError::none) return image;
+  images.refuse(image ? ImageRefusal::badData : ImageRefusal::badHeader);
   if (image) images.free(image);
   return 0;
 }

@@ -37,6 +37,11 @@ uint32_t HandleHeap::relocatorNumber(HeapRelocator relocator) {
   return uint32_t(relocators.size() - 1);
 }
 
+HandleHeap::Extent HandleHeap::extent() const {
+  if (!base) return {};
+  return {word(kHeapEnd), word(kTableEnd), word(kHeapEnd) - word(kHeapBottom)};
+}
+
 HeapHandle HandleHeap::findFreeHandle() const {
   for (uint32_t slot = word(kHandles); slot < word(kTableEnd); slot += 4)
     if (word(slot) == 0) return slot;

@@ -28,6 +28,12 @@ class HandleHeap {
   HeapHandle heapAlloc(HeapRelocator relocator, uint64_t size);
   void heapFree(HeapHandle handle);  // its space comes back with the next compaction
 
+  // What the memory is used for, in bytes: the table grows up from its start, blocks grow down from its end.
+  struct Extent {
+    uint32_t size = 0, table = 0, blocks = 0;
+  };
+  Extent extent() const;  // freed blocks count until they are moved over
+
   uint8_t* payload(HeapHandle handle) const { return base + word(handle); }
   uint8_t* at(uint32_t offset) const { return base + offset; }
   uint32_t offsetOf(const uint8_t* address) const { return uint32_t(address - base); }

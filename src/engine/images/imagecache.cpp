@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "engine/base/log.h"
+#include "engine/base/watch.h"
 #include "gfx/foundation/hsascii.h"
 #include "host/host.h"
 
@@ -14,6 +15,8 @@ void relocate(uint8_t* payload, int32_t distance) {
   moved->name += uint32_t(distance);
   moved->pixels += uint32_t(distance);
 }
+
+constexpr size_t kMostRefused = 64;
 
 uint64_t payloadSize(uint64_t pixels, size_t nameLength) { return pixels + nameLength + sizeof(CachedImage) + 1; }
 
@@ -74,8 +77,33 @@ void ImageCache::touch(HeapHandle handle) {
 void ImageCache::evict(int64_t need) {
   for (int64_t left = need; left >= 1 && lruHead;) {
     left -= image(lruHead).totalSize;
+    if (const Telling told; told) told->imageThrownOut(nameOf(image(lruHead)), image(lruHead).totalSize);
     free(lruHead);
   }
+}
+
+// ---- for who looks
+
+std::vector<ImageCache::Entry> ImageCache::entries() const {
+  std::vector<Entry> list;
+  for (HeapHandle h = lruHead; h; h = image(h).nextLru)
+    list.push_back({nameOf(image(h)), &image(h), heap.offsetOf(heap.payload(h))});
+  return list;
+}
+
+ImageRefusal ImageCache::refusalOf(const char* name) const {
+  for (const Refused& r : refused)
+    if (hsAsciiEqualIgnoringCase(r.name.c_str(), name)) return r.reason;
+  return ImageRefusal::none;
+}
+
+void ImageCache::noteAsked(const char* name, bool found) {
+  const ImageRefusal reason = std::exchange(refusal, ImageRefusal::none);
+  if (found && refused.empty()) return;
+  refused.remove_if([name](const Refused& r) { return hsAsciiEqualIgnoringCase(r.name.c_str(), name); });
+  if (found) return;
+  refused.push_front({name, reason});
+  if (refused.size() > kMostRefused) refused.pop_back();
 }
 
 // ---- allocating
@@ -97,6 +125,7 @@ HeapHandle ImageCache::place(const char* name, uint64_t pixelBytes) {
     }
     if (!lruHead) {
       if (logVerbose) hostLog("Image '%s' too big for image cache\n", name);
+      refuse(ImageRefusal::tooBig);
       return 0;
     }
     evict(int64_t(need));

@@ -5,9 +5,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <list>
 #include <memory>
+#include <string>
 #include <vector>
 
+#include "engine/base/observer.h"
 #include "engine/images/handleheap.h"
 #include "engine/screen/clut.h"
 
@@ -45,6 +48,21 @@ class ImageCache {
   Clut* clut(const CachedImage& image) const;  // or null
   void dump() const;                           // logs name and size of each
 
+  // ---- for who looks
+
+  struct Entry {
+    const char* name;
+    const CachedImage* image;
+    uint32_t offset;  // of the picture in the block
+  };
+  std::vector<Entry> entries() const;  // the one used longest ago first
+  HandleHeap::Extent extent() const { return heap.extent(); }
+
+  // Why the picture of that name could not be read when it was last asked for; of the latest 64 such names.
+  ImageRefusal refusalOf(const char* name) const;
+  void noteAsked(const char* name, bool found);  // for imageGet: what the reader refused with, or that it is there
+  void refuse(ImageRefusal reason) { refusal = reason; }  // for readers: why the one under way ends
+
   // ---- for readers of picture files
 
   // Space for a picture of that size, its pixels zero, under a name; whatever is in the way is evicted. A handle, or 0
@@ -71,6 +89,13 @@ class ImageCache {
   HandleHeap heap;
   HeapHandle lruHead = 0, lruTail = 0;  // the head was used longest ago
   std::vector<ClutSlot> cluts;          // by the number in an image, less 1
+
+  struct Refused {
+    std::string name;
+    ImageRefusal reason;
+  };
+  std::list<Refused> refused;  // the latest first
+  ImageRefusal refusal = ImageRefusal::none;
 };
 
 ImageCache& currentImages();  // of the engine that is current on this thread

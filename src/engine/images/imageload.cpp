@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string>
 
+#include "engine/base/watch.h"
 #include "engine/images/imagefiles.h"
 #include "gfx/foundation/hsascii.h"
 #include "host/host.h"
@@ -31,6 +32,12 @@ CachedImage* imageGet(const char* name) {
   } else {
     hostLog("Loading image '%s'\n", name);
     handle = read(images, name);
+    images.noteAsked(name, handle != 0);
+    if (const Telling told; told) {
+      const CachedImage* image = handle ? &images.image(handle) : nullptr;
+      if (image) told->imageLoaded(name, image->width, image->height, image->totalSize);
+      if (!image) told->imageRefused(name, images.refusalOf(name));
+    }
   }
   return handle ? &images.image(handle) : nullptr;
 }

@@ -35,27 +35,31 @@ bool skipTo(HostFile* file, uint32_t offset) {
 }
 
 // Always false.
-bool complain(const char* message) {
+bool complain(ImageCache& images, ImageRefusal reason, const char* message) {
+  images.refuse(reason);
   if (logVerbose) hostLog("%s\n", message);
   return false;
 }
 
 // Whether the picture could be filled from what follows the header.
 bool fill(ImageCache& images, HeapHandle image, HostFile* file, const KpxHeader& header) {
-  if (header.format() != kFormat8Bit) return complain("Invalid image format");
+  if (header.format() != kFormat8Bit) return complain(images, ImageRefusal::badFormat, "Invalid image format");
   if (header.clutNameExtra()) {
     std::string name(1 + size_t{header.clutNameExtra()}, header.clutNameFirst());
-    if (!readAll(file, name.data() + 1, header.clutNameExtra())) return complain("Failed to read clut name");
+    if (!readAll(file, name.data() + 1, header.clutNameExtra()))
+      return complain(images, ImageRefusal::badColorTable, "Failed to read clut name");
     Clut* clut = clutLoad(name.c_str());  // up to the zero byte that ends it
     if (!clut) {
+      images.refuse(ImageRefusal::badColorTable);
       if (logVerbose) hostLog("Can't load CLUT '%s'\n", name.c_str());
       return false;
     }
     images.setClut(image, clut);
   }
-  if (!skipTo(file, header.pixelOffset())) return complain("Error seeking pixels");
+  if (!skipTo(file, header.pixelOffset())) return complain(images, ImageRefusal::cutShort, "Error seeking pixels");
   const size_t size = size_t{header.width()} * header.height();
-  return readAll(file, images.writablePixels(image), size) || complain("Error reading pixel data");
+  return readAll(file, images.writablePixels(image), size) ||
+         complain(images, ImageRefusal::cutShort, "Error reading pixel data");
 }
 
 }  // namespace
@@ -63,12 +67,13 @@ bool fill(ImageCache& images, HeapHandle image, HostFile* file, const KpxHeader&
 HeapHandle kpxRead(ImageCache& images, const char* name) {
   const HostFilePtr file = openHostFile(name);
   if (!file) {
+    images.refuse(ImageRefusal::missing);
     if (logVerbose) hostLog("Can't find: %s\n", name);
     return 0;
   }
   KpxHeader header;
   if (!readAll(file.get(), header.bytes.data(), header.bytes.size())) {
-    complain("Failed to read header");
+    complain(images, ImageRefusal::badHeader, "Failed to read header");
     return 0;
   }
   const HeapHandle image = images.allocate(name, header.width(), header.height());

@@ -2,7 +2,10 @@
 
 #include <cstring>
 
+#include "bob/bob.h"
+#include "engine/events/eventtrail.h"
 #include "engine/events/graveyard.h"
+#include "engine/page/directions.h"
 
 namespace {
 
@@ -21,23 +24,6 @@ bool moveFocus(Frame* frame, StringAttribute link) {
   widgetFocus(frame, target);
   return true;
 }
-
-struct Direction {
-  uint32_t data;
-  ScriptAttribute script;    // run in place of a move; diagonals run none
-  StringAttribute links[3];  // tried in order
-};
-
-constexpr Direction kDirections[] = {
-    {kDirectionUp, "onUp", {"up"}},
-    {kDirectionDown, "onDown", {"down"}},
-    {kDirectionLeft, "onLeft", {"left"}},
-    {kDirectionRight, "onRight", {"right"}},
-    {kDirectionUp | kDirectionLeft, nullptr, {"upLeft", "up", "left"}},
-    {kDirectionDown | kDirectionLeft, nullptr, {"downLeft", "down", "left"}},
-    {kDirectionUp | kDirectionRight, nullptr, {"upRight", "up", "right"}},
-    {kDirectionDown | kDirectionRight, nullptr, {"downRight", "down", "right"}},
-};
 
 int navigate(Frame* frame, const Event& event) {
   for (const Direction& direction : kDirections) {
@@ -62,7 +48,13 @@ void focusByPosition(Frame* frame, const Event& event) {
 
 int Frame::handleEvent(const Event* event) { return frameHandleEvent(this, event); }
 
-int Frame::ownerEvent(const Event& event) { return frameEvent(this, event); }
+int Frame::ownerEvent(const Event& event) {
+  EventTrail* trail = EventTrail::of(event);
+  if (trail) trail->seen.push_back(id);
+  const int answer = frameEvent(this, event);
+  if (trail && answer) trail->consumed(id, false);
+  return answer;
+}
 
 Widget* Frame::findWidget(const char* wanted) const {
   for (Widget* widget = widgets; widget; widget = widget->nextInFrame)
@@ -74,9 +66,15 @@ bool Frame::countWidget() {
   return widgetsMade++ < kMaxPageWidgets && currentLoadCount().widgetsMade++ < kMaxLoadWidgets;
 }
 
-void Frame::runScript(PageScript script) {
+void Frame::runScript(const EventTarget* widget, ScriptAttribute hook, PageScript script) {
   EngineCall call;
-  if (language) language->run(this, script.data(), uint32_t(script.size()));
+  if (!language || beingTold()) return;
+  ScriptWatch watch([&] {
+    const std::string_view bytes(reinterpret_cast<const char*>(script.data()), script.size());
+    const char* attribute = hook;
+    return ScriptRun{ScriptKind::hook, widget->id, attribute, 0, bobObjectStreamName(bytes)};
+  });
+  watch.ended(language->run(this, script.data(), uint32_t(script.size())));
 }
 
 void Frame::append(Widget* widget) {
@@ -99,6 +97,7 @@ void Frame::dropPage() {
 void Frame::abandonPage() {
   ++generation;
   while (widgets) widgetDestroy(takeFirst());
+  if (const Telling told; told && pageData) told->pageUnloaded(id, pageName);
   textStyles.clear();
   dropPage();
 }
@@ -132,12 +131,14 @@ void widgetFocus(Frame* frame, Widget* widget) {
   EngineCall call;
   if (!frame || frame->gone || widget == frame->focus) return;
   const uint32_t generation = frame->generation;
+  const WidgetId from = frame->focus ? frame->focus->id : 0;
   if (Widget* old = frame->focus) {
     eventSendSimple(old, kFocusChange, 0);
     runScript(frame, "onBlur", old);
   }
   if (frame->gone || frame->generation != generation || (widget && widget->gone)) return;
   frame->focus = widget;
+  if (const Telling told; told) told->focusMoved(frame->id, from, widget ? widget->id : 0);
   if (!widget) return;
   eventSendSimple(widget, kFocusChange, 1);
   runScript(frame, "onFocus", widget);
@@ -153,6 +154,6 @@ int frameRunScript(Frame* frame, ScriptAttribute name) {
   PageScript script;
   if (!frame->pageData) return 0;
   if (!attrScript(frame->rootObject, name, &script)) return 0;
-  frame->runScript(script);
+  frame->runScript(frame, name, script);
   return 1;
 }

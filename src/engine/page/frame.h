@@ -31,15 +31,17 @@ struct Frame : Widget, WidgetOwner {
   void abandonPage() override;
 
   Widget* findWidget(const char* name) const override;
+  WidgetId ownerId() const override { return id; }
   bool countWidget() override;
-  int ownerEvent(const Event& event) override;  // frameEvent
-  void runScript(PageScript script) override;   // in the frame's language
+  int ownerEvent(const Event& event) override;                                                  // frameEvent
+  void runScript(const EventTarget* widget, ScriptAttribute hook, PageScript script) override;  // in its language
 
   void append(Widget* widget);  // to the list of the page's widgets
   Widget* takeFirst();          // off the list, and out of the focus
   void dropPage();              // its bytes, which stay until the outermost engine call returns
 
   std::unique_ptr<PageData> pageData;  // null when no page is loaded
+  std::string pageName;                // of the file that was loaded last
   PageObject rootObject;               // like language, stale after an unload until the next load
   Widget* widgets = nullptr;           // all the page's widgets; children come before their parent, the root last
   Widget** widgetsTail = &widgets;

@@ -5,6 +5,7 @@
 
 #include "engine/base/hostfile.h"
 #include "engine/base/log.h"
+#include "engine/base/watch.h"
 #include "engine/events/graveyard.h"
 #include "engine/page/widgettypes.h"
 #include "engine/screen/clut.h"
@@ -141,6 +142,29 @@ class PageLoad {
   uint32_t generation;
 };
 
+int load(Frame* frame, const char* path) {
+  const LoadUnderWay underWay;
+  if (frame->gone || frame->unloading) return 0;
+  if (frame->pageData) frameUnload(frame);
+  if (frame->gone) return 0;
+  if (frame->nesting > kMaxFrameNesting || engineStackSpent() || !hostBreathe()) {
+    hostLog(" -- '%s' not found\n", path);
+    return 0;
+  }
+
+  std::unique_ptr<PageData> page = readPage(path);
+  if (!page) return 0;
+  frame->pageData = std::move(page);
+  frame->pageName = path;
+  frame->rootObject = pageRoot(*frame->pageData);
+  frame->widgetsMade = 0;
+  frame->widgets = nullptr;
+  frame->widgetsTail = &frame->widgets;
+  frame->textStyles.clear();
+  ++frame->generation;
+  return PageLoad(frame).run();
+}
+
 }  // namespace
 
 Frame* frameCreate(WidgetOwner* owner, Widget* parentWidget, PageObject record) {
@@ -159,30 +183,16 @@ Frame* frameCreate(WidgetOwner* owner, Widget* parentWidget, PageObject record) 
 
 int frameLoad(Frame* frame, const char* path) {
   EngineCall call;
-  const LoadUnderWay load;
-  if (frame->gone || frame->unloading) return 0;
-  if (frame->pageData) frameUnload(frame);
-  if (frame->gone) return 0;
-  if (frame->nesting > kMaxFrameNesting || engineStackSpent() || !hostBreathe()) {
-    hostLog(" -- '%s' not found\n", path);
-    return 0;
-  }
-
-  std::unique_ptr<PageData> page = readPage(path);
-  if (!page) return 0;
-  frame->pageData = std::move(page);
-  frame->rootObject = pageRoot(*frame->pageData);
-  frame->widgetsMade = 0;
-  frame->widgets = nullptr;
-  frame->widgetsTail = &frame->widgets;
-  frame->textStyles.clear();
-  ++frame->generation;
-  return PageLoad(frame).run();
+  if (beingTold()) return 0;
+  if (const Telling told; told) told->pageLoading(frame->id, path);
+  const int loaded = load(frame, path);
+  if (const Telling told; told) told->pageLoaded(frame->id, path, loaded != 0);
+  return loaded;
 }
 
 void frameUnload(Frame* frame) {
   EngineCall call;
-  if (frame->gone || frame->unloading || !frame->pageData) return;
+  if (frame->gone || frame->unloading || !frame->pageData || beingTold()) return;
   frame->unloading = true;
   ++frame->generation;
   while (Widget* widget = frame->widgets) {
@@ -194,6 +204,7 @@ void frameUnload(Frame* frame) {
   frameRunScript(frame, "onUnload");
   if (frame->language) frame->language->detach(frame);
   targetDestroyLists(frame);
+  if (const Telling told; told) told->pageUnloaded(frame->id, frame->pageName);
   frame->dropPage();
   frame->unloading = false;
 }

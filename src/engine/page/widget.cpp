@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "engine/base/watch.h"
 #include "engine/events/graveyard.h"
 #include "gfx/foundation/hstypes.h"
 #include "host/host.h"
@@ -101,6 +102,18 @@ Widget* widgetAround(const Widget* widget) {
   return parent && parent->owner == widget->owner ? parent : nullptr;
 }
 
+std::string_view orNothing(const char* text) { return text ? text : ""; }
+
+WidgetMade describe(const Widget& widget) {
+  const EventTarget* around = widget.parentWidget;
+  return {widget.id,
+          around ? around->id : 0,
+          widget.owner ? widget.owner->ownerId() : 0,
+          orNothing(attrPlainString(widget.record, "type")),
+          orNothing(attrPlainString(widget.record, "name")),
+          widget.bounds};
+}
+
 ScriptAttribute scriptForEvent(uint32_t code) {
   switch (code) {
     case kRunOnChange: return "onChange";
@@ -113,6 +126,8 @@ ScriptAttribute scriptForEvent(uint32_t code) {
 }
 
 }  // namespace
+
+TimerIdentity TimeoutTimer::identity() const { return {TimerKind::timeout, widget->id}; }
 
 Widget::Widget(WidgetOwner* o, Widget* p, PageObject r) : EventTarget(p), owner(o), parentWidget(p), record(r) {
   bounds = {r.x(), r.y(), r.width(), r.height()};
@@ -130,8 +145,11 @@ int Widget::handleEvent(const Event* event) {
 }
 
 void Widget::redraw() {
+  const DrawingWatch watch(id);
+  if (DrawCost* cost = currentCost()) ++cost->redraws;
   if (flags & kWidgetFullRedraw) {
     flags &= ~(kWidgetFullRedraw | kWidgetContentRedraw);
+    drawnAs = currentRedraws().nextRedraw();
     if (flags & kWidgetContentHidden) {
       widgetPaint(this);
     } else {
@@ -140,11 +158,14 @@ void Widget::redraw() {
   }
   if (flags & kWidgetContentRedraw && !gone) {
     flags &= ~kWidgetContentRedraw;
-    if (!(flags & kWidgetContentHidden)) eventSendSimple(this, kContentRedraw, 0);
+    if (flags & kWidgetContentHidden) return;
+    drawnAs = currentRedraws().nextRedraw();
+    eventSendSimple(this, kContentRedraw, 0);
   }
 }
 
 bool widgetInitialize(Widget* widget) {
+  if (const Telling told; told) told->widgetMade(describe(*widget));
   if (widget->owner && !widget->owner->countWidget()) return false;
   widget->name = widgetAttrString(widget, "name");
   readBackground(widget);
@@ -161,6 +182,7 @@ void widgetDestroy(Widget* widget) {
   EngineCall call;
   if (widget->gone) return;
   widget->gone = true;
+  if (const Telling told; told) told->widgetGone(widget->id);
   widget->scriptHandle.release();
   if (widget->timeoutTimer) timerDestroy(widget->timeoutTimer);
   currentRedraws().remove(widget);
@@ -187,7 +209,7 @@ int widgetBaseEvent(Widget* widget, const Event& event) {
 int widgetRunScript(Widget* widget, ScriptAttribute name) {
   PageScript script;
   if (!widgetAttrScript(widget, name, &script)) return 0;
-  widget->owner->runScript(script);
+  widget->owner->runScript(widget, name, script);
   return 1;
 }
 

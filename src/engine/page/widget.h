@@ -23,12 +23,15 @@ struct Widget;
 // What a widget asks of the frame that owns it.
 struct WidgetOwner {
   virtual Widget* findWidget(const char* name) const = 0;  // the first of that name; null if none
+  virtual WidgetId ownerId() const = 0;
 
   // Counts one more widget against what the page being loaded, and all the pages in it, may hold; false when full.
   virtual bool countWidget() = 0;
 
   virtual int ownerEvent(const Event& event) = 0;  // an event that none of its widgets wanted
-  virtual void runScript(PageScript script) = 0;
+
+  // A script of the widget's page, from the attribute `hook`.
+  virtual void runScript(const EventTarget* widget, ScriptAttribute hook, PageScript script) = 0;
 
  protected:
   ~WidgetOwner() = default;
@@ -37,6 +40,8 @@ struct WidgetOwner {
 // The timer that hides a widget some time after it was shown.
 struct TimeoutTimer : Timer {
   using Timer::Timer;
+  TimerIdentity identity() const override;
+
   Widget* widget = nullptr;
 };
 

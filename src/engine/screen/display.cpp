@@ -4,6 +4,7 @@
 #include <new>
 #include <utility>
 
+#include "engine/base/watch.h"
 #include "gfx/foundation/hsdebug.h"
 #include "host/host.h"
 
@@ -14,6 +15,12 @@ bool isNumber(hsScalar v) { return v != INT32_MIN && v != INT32_MAX; }
 
 // The pixel edge as 16.16, wrapping in 32 bits.
 hsScalar edge(int32_t start, int32_t length = 0) { return hsIntToFixed(hsWrapAdd(start, length)); }
+
+uint64_t areaOnScreen(int64_t left, int64_t top, int64_t right, int64_t bottom) {
+  const int64_t w = std::min<int64_t>(right, kScreenWidth) - std::max<int64_t>(left, 0);
+  const int64_t h = std::min<int64_t>(bottom, kScreenHeight) - std::max<int64_t>(top, 0);
+  return w > 0 && h > 0 ? uint64_t(w * h) : 0;
+}
 
 }  // namespace
 
@@ -60,6 +67,7 @@ void DisplaySurface::flush() {
   const int left = std::clamp(r.fLeft, 0, screen.fRight), right = std::clamp(r.fRight, 0, screen.fRight);
   const int top = std::clamp(r.fTop, 0, screen.fBottom), bottom = std::clamp(r.fBottom, 0, screen.fBottom);
   hostPresentRect(pixels.data(), left, top, right - left, bottom - top);
+  if (EngineObserver* observer = currentObserver()) tellDrawing(*observer, {left, top, right - left, bottom - top});
   tracker->clear();
 }
 
@@ -71,6 +79,8 @@ void DisplaySurface::setColor(hsGAttribute* attribute, uint32_t color) const {
 
 void DisplaySurface::fill(const hsRect& rect, uint32_t color) {
   if (!isNumber(rect.fLeft) || !isNumber(rect.fTop) || !isNumber(rect.fRight) || !isNumber(rect.fBottom)) return;
+  if (DrawCost* cost = currentCost())
+    cost->pixelsFilled += areaOnScreen(rect.fLeft >> 16, rect.fTop >> 16, rect.fRight >> 16, rect.fBottom >> 16);
   setColor(&fillPaint, color);
   fillPath.Rewind();
   fillPath.AddRect(&rect);
@@ -78,6 +88,8 @@ void DisplaySurface::fill(const hsRect& rect, uint32_t color) {
 }
 
 void DisplaySurface::copy(const hsGBitmap& source, int32_t x, int32_t y) {
+  if (DrawCost* cost = currentCost())
+    cost->pixelsCopied += areaOnScreen(x, y, int64_t{x} + source.fWidth, int64_t{y} + source.fHeight);
   device->CopyBitmap(&source, edge(x), edge(y), &copyPaint);
   flush();
 }
@@ -103,7 +115,10 @@ int displaySetDepth(int depth) { return currentDisplay().setDepth(depth); }
 
 void displayFlush() { currentDisplay().flush(); }
 
-void displaySwap(int) { currentDisplay().swapPending = true; }
+void displaySwap(int) {
+  currentDisplay().swapPending = true;
+  if (const Telling told; told) told->swapped();
+}
 
 int displayTakeSwap() { return std::exchange(currentDisplay().swapPending, false); }
 

@@ -25,6 +25,8 @@ struct ScriptHandler : EventHandler {
   int fn(const Event* event) override;
 
   BobValue callback = kBobNil;
+  WidgetId target = 0;
+  ScriptKind kind = ScriptKind::handler;
   std::list<ScriptHandler*>::iterator place{};  // in the runtime's list
 };
 
@@ -39,6 +41,8 @@ struct ScriptTarget : EventTarget {
 // While it waits or fires, the timer keeps its callback alive; otherwise its wrapper does, and `callback` is unset.
 struct ScriptTimer : Timer {
   using Timer::Timer;
+  TimerIdentity identity() const override { return {TimerKind::script}; }
+
   BobValue callback = kBobNil;
   bool hasWrapper = true;
   int firing = 0;

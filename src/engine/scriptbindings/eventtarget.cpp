@@ -1,4 +1,5 @@
 // The class EventTarget, and the delivery of events to script functions.
+#include "engine/base/watch.h"
 #include "engine/events/graveyard.h"
 #include "engine/scriptbindings/bindings.h"
 #include "engine/scriptbindings/scriptbindings.h"
@@ -44,6 +45,8 @@ BobValue addHook(BobInterp* interp, bool (*add)(EventTarget*, EventHandler*)) {
   bobParse(interp, "P=*iV", currentScripts().targetKind, &pointer, &code, &callback);
   if (!pointer) return kBobFalse;
   ScriptHandler* handler = newHandler(code, callback);
+  handler->target = static_cast<EventTarget*>(pointer)->id;
+  handler->kind = add == observerAdd ? ScriptKind::observer : ScriptKind::handler;
   if (!add(static_cast<EventTarget*>(pointer), handler)) {
     handler->fn(nullptr);
     delete handler;
@@ -92,10 +95,12 @@ int ScriptHandler::fn(const Event* event) {
   }
   BobInterp* interp = currentScripts().interp;
   BobValue result = kBobNil;
-  bobTry(interp, [&] {
+  if (beingTold()) return 0;
+  ScriptWatch watch([&] { return ScriptRun{kind, target, "", code, bobFunctionName(interp, callback)}; });
+  watch.ended(bobTry(interp, [&] {
     const BobValue wrapper = scriptWrapEvent(interp, *event);  // before the callback is read, which it can move
     result = bobCall(bobRootScope(interp), callback, {wrapper});
-  });
+  }));
   return result != kBobNil;
 }
 

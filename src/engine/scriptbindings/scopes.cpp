@@ -1,4 +1,5 @@
 // Frames in the language: their scopes, what a page publishes there, and running its scripts.
+#include "engine/base/watch.h"
 #include "engine/events/graveyard.h"
 #include "engine/page/frame.h"
 #include "engine/scriptbindings/bindings.h"
@@ -77,7 +78,11 @@ int scriptLoadFile(Frame* frame, const char* path) {
   EngineCall call;
   BobScope* scope = frame->scriptEnv->scope;
   bool loaded = false;
-  return bobTry(bobScopeInterp(scope), [&] { loaded = bobLoadObjectFile(scope, path); }) && loaded;
+  if (beingTold()) return 0;
+  ScriptWatch watch([&] { return ScriptRun{ScriptKind::file, frame->id, "", 0, path}; });
+  loaded = bobTry(bobScopeInterp(scope), [&] { loaded = bobLoadObjectFile(scope, path); }) && loaded;
+  watch.ended(loaded);
+  return loaded;
 }
 
 int scriptRun(Frame* frame, const uint8_t* bytes, uint32_t length) {
@@ -97,6 +102,7 @@ int scriptLoadStartupFile(const char* path) {
 
 void consoleEvaluate(Frame* frame, const char* text, uint32_t length) {
   EngineCall call;
-  if (!frame || !scriptInterp() || !bobHasCompiler(currentScripts().interp)) return;
-  bobConsoleEvaluate(frame->scriptEnv->scope, {text, length});
+  if (!frame || !scriptInterp() || !bobHasCompiler(currentScripts().interp) || beingTold()) return;
+  ScriptWatch watch([&] { return ScriptRun{ScriptKind::console, frame->id, "", 0, {text, length}}; });
+  watch.ended(bobConsoleEvaluate(frame->scriptEnv->scope, {text, length}));
 }

@@ -3,6 +3,7 @@
 // The callback of a timer lies in two places. The wrapper has it in its parent word, which nothing else uses, so that
 // a timer at rest keeps it only as long as a script can still start it. While the timer waits or fires, it has the
 // callback itself, as a root of the collector: it then runs on without its wrapper.
+#include "engine/base/watch.h"
 #include "engine/scriptbindings/bindings.h"
 
 namespace {
@@ -18,8 +19,10 @@ void destroyTimer(ScriptTimer* timer) {
 }
 
 void fired(ScriptTimer* timer) {
+  BobInterp* interp = currentScripts().interp;
   ++timer->firing;
-  bobTry(currentScripts().interp, [&] { bobCall(bobRootScope(currentScripts().interp), timer->callback, {}); });
+  ScriptWatch watch([&] { return ScriptRun{ScriptKind::timer, 0, "", 0, bobFunctionName(interp, timer->callback)}; });
+  watch.ended(bobTry(interp, [&] { bobCall(bobRootScope(interp), timer->callback, {}); }));
   --timer->firing;
 }
 

@@ -9,9 +9,7 @@ namespace {
 
 // By the page's word for the widget. One of a wrong type has been complained about when the widget was made.
 uint32_t kindFor(const Widget* widget) {
-  const auto type = attrFind(widget->record, "type");
-  const char* text;
-  if (type && type->tag == uint8_t(PageTag::string) && attrString(*type, &text))
+  if (const char* text = attrPlainString(widget->record, "type"))
     for (const auto& [name, kind] : currentScripts().widgetTypes)
       if (name == text) return kind;
   return currentScripts().widgetKind;

@@ -1,6 +1,7 @@
 // The methods of class Widget.
 #include "engine/page/widget.h"
 
+#include "engine/events/eventtrail.h"
 #include "engine/page/frame.h"
 #include "engine/scriptbindings/bindings.h"
 #include "host/host.h"
@@ -77,6 +78,7 @@ BobValue handleEvent(BobInterp* interp) {
   if (!widget) return kBobFalse;
   const auto code = uint32_t(id);
   const Event event{kEventSize, hostMilliseconds(), code >> 16, code, 0, uint32_t(param0), uint32_t(param1)};
+  const EventTrail trail(event, false);
   return bobBoolean(eventSend(widget, event));
 }
 

@@ -3,12 +3,19 @@
 #include <new>
 
 #include "engine/base/hostfile.h"
+#include "engine/base/watch.h"
 #include "gfx/foundation/hsascii.h"
 #include "gfx/text/hsgfontregistry.h"
 
 FontEntry* FontShelf::load(const char* fileName) {
   for (FontEntry& entry : fonts)
     if (hsAsciiEqualIgnoringCase(entry.name.c_str(), fileName)) return &entry;
+  FontEntry* entry = read(fileName);
+  if (const Telling told; told) told->fontOpened(fileName, entry != nullptr);
+  return entry;
+}
+
+FontEntry* FontShelf::read(const char* fileName) {
   const HostFilePtr file = openHostFile(fileName);
   if (!file) return nullptr;
   const size_t size = hostFileSize(file.get());

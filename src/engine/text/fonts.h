@@ -19,6 +19,8 @@ class FontShelf {
   const std::list<FontEntry>& all() const { return fonts; }
 
  private:
+  FontEntry* read(const char* fileName);
+
   std::list<FontEntry> fonts;
 };
 

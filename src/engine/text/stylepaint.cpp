@@ -1,5 +1,7 @@
 #include "engine/text/stylepaint.h"
 
+#include <algorithm>
+
 #include "engine/text/utf8.h"
 #include "gfx/foundation/hsfixed.h"
 
@@ -35,4 +37,10 @@ uint32_t usableLength(uint32_t encoding, const char* text, uint32_t length) {
   int step = 0;
   while (used < length && utf8Decode(bytes + used, length - used, &step) >= 0) used += uint32_t(step);
   return used;
+}
+
+uint32_t characterCount(uint32_t encoding, const char* text, uint32_t length) {
+  if (encoding == hsGAttribute::kUTF16) return length / 2;
+  if (encoding != hsGAttribute::kUTF8) return length;
+  return uint32_t(std::count_if(text, text + length, [](char c) { return (c & 0xC0) != 0x80; }));
 }

@@ -14,3 +14,6 @@ void styleToAttribute(hsGAttribute* attribute, const TextStyle& style);
 
 // How many bytes at the beginning of the text decode.
 uint32_t usableLength(uint32_t encoding, const char* text, uint32_t length);
+
+// Of a text that decodes.
+uint32_t characterCount(uint32_t encoding, const char* text, uint32_t length);

@@ -1,5 +1,6 @@
 #include "engine/text/textdraw.h"
 
+#include "engine/base/watch.h"
 #include "engine/screen/display.h"
 #include "engine/text/stylepaint.h"
 #include "engine/text/textmeasure.h"
@@ -38,6 +39,7 @@ void textDraw(const char* text, uint32_t length, int32_t x, int32_t y) {
     display.fill({left, hsWrapAdd(baseline, top.fY), hsWrapAdd(left, width), hsWrapAdd(baseline, bottom.fY)},
                  style.bgColor);
   }
+  if (DrawCost* cost = currentCost()) cost->glyphs += characterCount(style.encoding, text, length);
   if (length != 0) display.rasterDevice()->DrawText(length, text, left, baseline, paint);
   display.flush();
 }

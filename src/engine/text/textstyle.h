@@ -28,6 +28,8 @@ struct TextStyle {
   uint16_t size = 24;          // pixels
   uint16_t encoding = 1;       // an hsGAttribute::TextEncoding: single bytes, UTF-8, or UTF-16, little-endian
   uint32_t bgColor = 0;
+
+  bool operator==(const TextStyle&) const = default;
 };
 
 struct NamedStyle {

@@ -14,11 +14,8 @@ void draw(NumberWidget* widget) {
   widgetPaint(widget);
   const auto& style = widget->flags & kWidgetHighlighted ? widget->styles.highlighted : widget->styles.plain;
   if (!style) return;
-  // Widths from twice the buffer's on show the same zeros or blanks.
-  const int width = std::clamp(widget->digits, -2 * kMostCharacters, 2 * kMostCharacters);
-  char text[kMostCharacters + 1];
-  const int length = std::snprintf(text, sizeof text, "%0*d", width, widget->value);
-  textDrawAt(*style, text, uint32_t(std::min(length, kMostCharacters)), widget->bounds.x, widget->bounds.y);
+  const std::string text = numberFigures(*widget);
+  textDrawAt(*style, text.data(), uint32_t(text.size()), widget->bounds.x, widget->bounds.y);
 }
 
 }  // namespace
@@ -28,6 +25,14 @@ int NumberWidget::handleEvent(const Event* event) {
   if (event->code != kFullRedraw && event->code != kContentRedraw) return rangeEvent(this, *event);
   draw(this);
   return 1;
+}
+
+std::string numberFigures(const NumberWidget& widget) {
+  // Widths from twice the buffer's on show the same zeros or blanks.
+  const int width = std::clamp(widget.digits, -2 * kMostCharacters, 2 * kMostCharacters);
+  char text[kMostCharacters + 1];
+  const int length = std::snprintf(text, sizeof text, "%0*d", width, widget.value);
+  return {text, size_t(std::min(length, kMostCharacters))};
 }
 
 Widget* numberCreate(WidgetOwner* owner, Widget* parent, PageObject record) {

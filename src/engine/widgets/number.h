@@ -14,4 +14,7 @@ struct NumberWidget : RangeWidget {
   int32_t digits = 0;  // at least so many, with zeros in front; a negative count appends spaces instead
 };
 
+// What it shows.
+std::string numberFigures(const NumberWidget& widget);
+
 Widget* numberCreate(WidgetOwner* owner, Widget* parent, PageObject record);

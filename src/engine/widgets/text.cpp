@@ -44,11 +44,15 @@ void drawLines(const TextWidget* widget, const TextStyle& style, const char* tex
   }
 }
 
+const std::optional<TextStyle>& currentStyle(const TextWidget& widget) {
+  const bool highlighted = widget.flags & kWidgetHighlighted && widget.styles.highlighted;
+  return highlighted ? widget.styles.highlighted : widget.styles.plain;
+}
+
 void draw(TextWidget* widget) {
   widgetPaint(widget);
-  const bool highlighted = widget->flags & kWidgetHighlighted && widget->styles.highlighted;
-  const auto& style = highlighted ? widget->styles.highlighted : widget->styles.plain;
-  const char* text = widget->hidesValue() ? widget->echoBuffer.data() : widget->value;
+  const auto& style = currentStyle(*widget);
+  const char* text = widget->shownText();
   if (!style || !text || widget->length < 1) return;
   if (widget->multiline) {
     drawLines(widget, *style, text);
@@ -191,6 +195,17 @@ int TextWidget::handleEvent(const Event* event) {
     case kSetHighlightStyle: return setStyle(styles.highlighted, *event);
     default: return widgetBaseEvent(this, *event);
   }
+}
+
+std::vector<std::string> textLines(const TextWidget& widget) {
+  const auto& style = currentStyle(widget);
+  const char* text = widget.shownText();
+  if (!style || !text || widget.length < 1) return {};
+  const std::string_view whole(text, widget.length);
+  if (!widget.multiline) return {std::string(whole)};
+  std::vector<std::string> lines;
+  for (const TextLine& line : breakLines(*style, whole, widget.bounds.w)) lines.emplace_back(line.text);
+  return lines;
 }
 
 Widget* textCreate(WidgetOwner* owner, Widget* parent, PageObject record) {

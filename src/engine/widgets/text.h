@@ -5,6 +5,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "engine/widgets/textparts.h"
 
@@ -28,7 +29,11 @@ struct TextWidget : Widget {
   std::string readBack;  // what a script has got that reads from the right
 
   bool hidesValue() const { return editable && echoChar; }
+  const char* shownText() const { return hidesValue() ? echoBuffer.data() : value; }  // `length` bytes, or null
 };
+
+// The lines as they are drawn; none without a style or a text.
+std::vector<std::string> textLines(const TextWidget& widget);
 
 // Null on failure, a negative maxLength included.
 Widget* textCreate(WidgetOwner* owner, Widget* parent, PageObject record);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "engine/base/watch.h"
 #include "engine/events/value.h"
 #include "engine/page/frame.h"
 #include "engine/text/textdraw.h"
@@ -20,6 +21,7 @@ bool lineVisible(const ContainerLine& line, const TextStyle& style, int32_t top,
 
 // The line's own style says whether it shows, whichever style draws it.
 void draw(TextContainerWidget* widget) {
+  const DrawingWatch watch(widget->id);
   widgetPaint(widget);
   const Bounds& bounds = widget->bounds;
   const int32_t top = widget->scrollOffset, bottom = hsWrapAdd(top, bounds.h);

@@ -31,6 +31,7 @@ class hsGLibrary {
   // For the library's own files, each of which keeps one field.
   std::unique_ptr<hsGFontSet> fFonts;          // hsgfontregistry.h
   std::unique_ptr<hsGGlyphCache> fGlyphCache;  // hsgglyphcache.h; null until it is asked for
+  uint32_t fGlyphPurges = 0;                   // hsgglyphcache.h: how often strikes were deleted from a cache
   uint32_t fGlyphBytes = 0;                    // hsgglyphcache.h: of images since the cache was made
   std::vector<hsGT2KRef*> fT2KRefs;            // hsgt2kref.h; each leaves the list with its last reference
   std::vector<hsGSizedFlattenable* (*)(const void** cursor, int32_t size)> fCreateProcs;  // hsgcreateproc.h

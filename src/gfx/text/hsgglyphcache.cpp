@@ -84,6 +84,7 @@ bool hsGGlyphCache::Purge() {
     }
     strike = previous;
   }
+  if (any) ++hsGLibrary::Current().fGlyphPurges;
   return any;
 }
 

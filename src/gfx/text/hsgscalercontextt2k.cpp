@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "gfx/foundation/hsdebug.h"
+#include "gfx/foundation/hsglibrary.h"
 #include "gfx/pixel/hsgmask.h"
 #include "gfx/text/hsgfontregistry.h"
 #include "gfx/text/hsgt2kref.h"
@@ -58,6 +59,15 @@ void AddContours(const GlyphClass& outline, hsPath* path) {
 
 bool hsFontOpens(uint32_t fontID) {
   return hsGT2KRef::Find(hsGFontRegistry::GetFontByID(fontID), kFixed1, true)->Open() != nullptr;
+}
+
+hsFontState hsFontKnownState(uint32_t fontID) {
+  for (const hsGT2KRef* ref : hsGLibrary::Current().fT2KRefs) {
+    if (ref->FontID() != fontID) continue;
+    if (ref->IsOpen()) return hsFontState::opens;
+    if (ref->CannotOpen()) return hsFontState::fails;
+  }
+  return hsFontState::notTried;
 }
 
 hsGScalerContextT2K::hsGScalerContextT2K(const hsDescriptor* desc)

@@ -15,6 +15,10 @@ class hsGT2KRef;
 // Whether the engine can open a font of the registry.
 bool hsFontOpens(uint32_t fontID);
 
+// What has come of it so far, without trying. A font that nothing uses any more is as one that was not tried.
+enum class hsFontState { notTried, opens, fails };
+hsFontState hsFontKnownState(uint32_t fontID);
+
 class hsGScalerContextT2K : public hsGScalerContext {
  public:
   explicit hsGScalerContextT2K(const hsDescriptor* desc);

@@ -16,6 +16,9 @@ class hsGT2KRef : public hsRefCnt {
   T2K* Open();
   void Close();
 
+  uint32_t FontID() const { return fFont->FontID(); }
+  bool IsOpen() const { return fScaler != nullptr; }
+  bool CannotOpen() const { return fCannotOpen; }
   bool NeedsTranslation() const { return fNeedsTranslation; }
 
  private:

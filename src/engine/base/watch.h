@@ -1,0 +1,97 @@
+// How the parts of an engine tell its observer what happens. Each of these is one test of a null pointer when nobody
+// looks:
+//
+//   if (const Telling told; told) told->widgetGone(widget->id);
+//
+// Whatever could run a script asks beingTold first, which is the case while an observer hears something.
+#pragma once
+
+#include <optional>
+
+#include "engine/base/observer.h"
+
+EngineObserver* currentObserver();  // of the engine that is current on this thread; null when nobody looks
+
+inline EngineNotes& notesOf(EngineObserver& observer) { return observer.notes; }
+
+inline bool beingTold() {
+  EngineObserver* observer = currentObserver();
+  return observer && notesOf(*observer).telling;
+}
+
+// The observer for the length of a statement; none when nobody looks, or when it is being told something already.
+class Telling {
+ public:
+  Telling() : observer(currentObserver()) {
+    if (!observer) return;
+    if (notesOf(*observer).telling) {
+      observer = nullptr;
+    } else {
+      notesOf(*observer).telling = true;
+    }
+  }
+  ~Telling() {
+    if (observer) notesOf(*observer).telling = false;
+  }
+  Telling(const Telling&) = delete;
+  Telling& operator=(const Telling&) = delete;
+
+  explicit operator bool() const { return observer != nullptr; }
+  EngineObserver* operator->() const { return observer; }
+
+ private:
+  EngineObserver* observer;
+};
+
+// Where the cost is counted; null when nobody looks.
+inline DrawCost* currentCost() {
+  EngineObserver* observer = currentObserver();
+  return observer ? &notesOf(*observer).cost : nullptr;
+}
+
+// The widget whose drawing is under way until the end of the scope.
+class DrawingWatch {
+ public:
+  explicit DrawingWatch(WidgetId widget) : observer(currentObserver()) {
+    if (!observer) return;
+    before = notesOf(*observer).drawing;
+    notesOf(*observer).drawing = widget;
+  }
+  ~DrawingWatch() {
+    if (observer) notesOf(*observer).drawing = before;
+  }
+  DrawingWatch(const DrawingWatch&) = delete;
+  DrawingWatch& operator=(const DrawingWatch&) = delete;
+
+ private:
+  EngineObserver* observer;
+  WidgetId before = 0;
+};
+
+// A script that runs until the end of the scope. `describe` returns its ScriptRun, and is called when somebody looks.
+class ScriptWatch {
+ public:
+  template <class Describe>
+  explicit ScriptWatch(Describe&& describe) {
+    const Telling told;
+    if (!told) return;
+    run = describe();
+    told->scriptEntered(*run);
+  }
+  ~ScriptWatch() {
+    if (!run) return;
+    if (const Telling told; told) told->scriptLeft(*run, failed);
+  }
+  ScriptWatch(const ScriptWatch&) = delete;
+  ScriptWatch& operator=(const ScriptWatch&) = delete;
+
+  void ended(bool well) { failed = !well; }
+
+ private:
+  std::optional<ScriptRun> run;
+  bool failed = false;
+};
+
+// For what only an engine that is watched does; the observer is not null.
+void tellDrawing(EngineObserver& observer, const Bounds& rect);
+void tellCharacter(EngineObserver& observer, char c);  // the line, at its end

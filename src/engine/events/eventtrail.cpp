@@ -1,0 +1,23 @@
+#include "engine/events/eventtrail.h"
+
+EventTrail::EventTrail(const Event& e, bool p) : observer(currentObserver()), event(e), posted(p) {
+  if (!observer) return;
+  outer = notesOf(*observer).trail;
+  notesOf(*observer).trail = this;
+  if (const Telling told; told) told->eventBegun(event.code, event.data, posted);
+}
+
+EventTrail::~EventTrail() {
+  if (!observer) return;
+  notesOf(*observer).trail = outer;
+  if (const Telling told; told)
+    told->eventDelivered({event.code, event.data, event.data2, posted, seen, consumer, byHandler});
+}
+
+EventTrail* EventTrail::of(const Event& event) {
+  EngineObserver* observer = currentObserver();
+  if (!observer) return nullptr;
+  EventTrail* trail = notesOf(*observer).trail;
+  while (trail && &trail->event != &event) trail = trail->outer;
+  return trail;
+}

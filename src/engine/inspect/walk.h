@@ -1,0 +1,24 @@
+// The widgets of an engine in the order of its pages, for the views. Nothing is kept between two looks.
+#pragma once
+
+#include <vector>
+
+#include "engine/inspect.h"
+#include "engine/page/frame.h"
+
+struct WalkedWidget {
+  Widget* widget;
+  int level;  // below the top frame
+};
+
+// All, each before what lies in it. A widget whose parent is still being made comes under their frame.
+std::vector<WalkedWidget> walkWidgets(const Engine& engine);
+
+Widget* widgetById(const Engine& engine, WidgetId id);  // null for one that has gone
+
+WidgetKind kindOf(const Widget* widget);
+
+inline bool isRootWidget(const Widget* widget) {
+  const Frame* frame = frameOf(widget);
+  return frame && widget->record == frame->rootObject;
+}
