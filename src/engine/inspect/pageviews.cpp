@@ -88,7 +88,7 @@ std::vector<StyleView> inspectStyles(Engine& engine) {
 std::vector<FontView> inspectFonts(Engine& engine) {
   const EngineScope here(engine);
   std::vector<FontView> views;
-  for (const FontEntry& font : engine.fonts.all()) views.push_back({font.name, font.bytes.size(), fontStateOf(&font)});
+  for (const FontEntry& font : engine.fonts.all()) views.push_back({font.name, font.size, fontStateOf(&font)});
   return views;
 }
 

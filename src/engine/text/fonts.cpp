@@ -24,7 +24,7 @@ FontEntry* FontShelf::read(const char* fileName) {
   // any that holds no font.
   std::unique_ptr<uint8_t[]> bytes(new (std::nothrow) uint8_t[size]);
   if (!bytes || hostRead(file.get(), bytes.get(), size) != size) return nullptr;
-  FontEntry& entry = fonts.emplace_front(FontEntry{fileName, std::move(bytes), 0});
+  FontEntry& entry = fonts.emplace_front(FontEntry{fileName, std::move(bytes), size, 0});
   // The entry keeps the bytes, so the registry doesn't own them.
   entry.scalerFont = hsGFontRegistry::RegisterMemory(uint32_t(size), entry.bytes.get(), false, kFontFormat_TrueType);
   if (entry.scalerFont == 0) {

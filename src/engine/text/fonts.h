@@ -9,6 +9,7 @@
 struct FontEntry {
   std::string name;
   std::unique_ptr<uint8_t[]> bytes;
+  size_t size;
   uint32_t scalerFont;  // the graphics library's identifier of the font
 };
 
