@@ -39,6 +39,9 @@ class Desktop {
   // A file of the disk has been opened for reading.
   virtual void fileOpened(const std::filesystem::path&) {}
 
+  // A file that was to be read doesn't exist, under this path or one that differs from it in case.
+  virtual void fileMissing(const std::filesystem::path&) {}
+
   virtual uint32_t milliseconds() = 0;  // since the program started
 
   // Called now and then while a script or a chain of timers runs on and on: a chance to paint the windows and to close

@@ -109,10 +109,14 @@ fs::path folder() {
   return shell ? shell->folder : fs::path();
 }
 
-fs::path resolve(const char* name) {
+// With the separators of this desktop, which take a page's backslashes for characters of the name.
+fs::path plainPath(const char* name) {
   std::string text = name;
   std::replace(text.begin(), text.end(), '\\', '/');
-  const fs::path path = text;
+  return text;
+}
+
+fs::path resolve(const fs::path& path) {
   const fs::path asItStands = folder() / path;
   if (isRegular(asItStands)) return asItStands;
 
@@ -127,12 +131,10 @@ fs::path resolve(const char* name) {
 }
 
 // The bytes of a file in memory, found by the same rules as one of the disk; null when there is none.
-const std::string* findInMemory(const char* name) {
+const std::string* findInMemory(const fs::path& name) {
   const Shell* shell = currentShell();
   if (!shell || shell->filesInMemory.empty()) return nullptr;
-  std::string text = name;
-  std::replace(text.begin(), text.end(), '\\', '/');
-  const fs::path path = fs::absolute(shell->folder / text).lexically_normal();
+  const fs::path path = fs::absolute(shell->folder / name).lexically_normal();
   if (const auto file = shell->filesInMemory.find(path); file != shell->filesInMemory.end()) return &file->second;
   if (isRegular(path)) return nullptr;
   for (const auto& [known, bytes] : shell->filesInMemory)
@@ -144,15 +146,19 @@ const std::string* findInMemory(const char* name) {
 
 HostFile* hostOpen(const char* name) {
   auto file = std::make_unique<HostFile>();
-  if (const std::string* bytes = findInMemory(name)) {
+  Shell* shell = currentShell();
+  const fs::path wanted = plainPath(name);
+  if (const std::string* bytes = findInMemory(wanted)) {
     file->memory = *bytes;
     return file.release();
   }
-  const fs::path path = resolve(name);
-  if (path.empty()) return nullptr;
-  file->disk.reset(std::fopen(path.c_str(), "rb"));
-  if (!file->disk) return nullptr;
-  if (Shell* shell = currentShell()) shell->desktop.fileOpened(path);
+  const fs::path path = resolve(wanted);
+  if (!path.empty()) file->disk.reset(std::fopen(path.c_str(), "rb"));
+  if (!file->disk) {
+    if (shell) shell->desktop.fileMissing(folder() / wanted);
+    return nullptr;
+  }
+  if (shell) shell->desktop.fileOpened(path);
   return file.release();
 }
 

@@ -41,6 +41,7 @@ FLOORS = {
     'engine': ['engine/engine.h', 'engine/inspect'],
     'host': ['engine'],
     'kit': ['host'],
+    'studio': ['kit'],
     'kpg': ['kit'],
 }
 

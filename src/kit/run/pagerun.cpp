@@ -24,7 +24,13 @@ bool PageRun::load(const std::string& path, const KitWarn& warn) {
 
 // The name that the page would have if it were built beside its source.
 std::string PageRun::compile(const std::string& source, const KitWarn& warn) {
-  BuiltPage built = compilePage(source, warn);
+  BuiltPage built;
+  try {
+    built = compilePage(source, warn);
+  } catch (const BuildError& e) {
+    sources = e.inputs;
+    throw;
+  }
   const auto keep = [&](const fs::path& path, std::string bytes) {
     desktop.shell.filesInMemory[fs::absolute(path).lexically_normal()] = std::move(bytes);
   };
@@ -53,6 +59,12 @@ void PageRun::act(const PageAction& action) {
 std::vector<std::string> PageRun::inputs() const {
   std::vector<std::string> all = sources;
   for (const fs::path& path : desktop.filesRead()) all.push_back(path.string());
+  return all;
+}
+
+std::vector<std::string> PageRun::dependencies() const {
+  std::vector<std::string> all = inputs();
+  for (const fs::path& path : desktop.filesMissing()) all.push_back(path.string());
   return all;
 }
 

@@ -39,8 +39,13 @@ class PageRun {
   const std::string& stopped() const { return desktop.stopped(); }
   // Parts of the log: errors of scripts with their tracebacks, and what the system missed or refused.
   std::vector<std::string_view> complaints() const { return desktop.complaints(); }
-  // All files that were read so far.
+  // All files that were read so far, and with those that were not there; also after a load that threw.
   std::vector<std::string> inputs() const;
+  std::vector<std::string> dependencies() const;
+
+  // For whoever looks at the page, or drives it in steps of his own.
+  RunDesktop& player() { return desktop; }
+  Engine& engine() { return desktop.shell.engine; }
 
   // Fonts that were read and that the player can't draw with, by the names that the page or a script gave.
   std::vector<std::string> unusableFonts();

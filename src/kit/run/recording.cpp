@@ -1,7 +1,7 @@
 #include "kit/run/recording.h"
 
 #include <algorithm>
-#include <array>
+#include <iterator>
 #include <optional>
 
 #include "host/keytable.h"
@@ -20,8 +20,8 @@ struct ActionName {
   const char* name;
   PageAction::Kind kind;
 };
-constexpr std::array kActionNames{ActionName{"key", PageAction::key}, ActionName{"wait", PageAction::wait},
-                                  ActionName{"eval", PageAction::eval}};
+constexpr ActionName kActionNames[] = {
+    {"key", PageAction::key}, {"wait", PageAction::wait}, {"eval", PageAction::eval}};
 
 class RecordingReader {
  public:
@@ -69,9 +69,9 @@ class RecordingReader {
     std::optional<PageAction> action;
     for (const YamlPair& pair : step.map) {
       if (pair.key == "repeat") continue;
-      const auto known = std::find_if(kActionNames.begin(), kActionNames.end(),
+      const auto known = std::find_if(std::begin(kActionNames), std::end(kActionNames),
                                       [&](const ActionName& a) { return pair.key == a.name; });
-      if (known == kActionNames.end()) {
+      if (known == std::end(kActionNames)) {
         const std::vector<std::string> words{"key", "wait", "eval", "repeat"};
         const std::string meant = suggestion(pair.key, words);
         fail(pair.place,

@@ -75,7 +75,9 @@ std::vector<std::string_view> RunDesktop::complaints() const {
 
 bool RunDesktop::mayGoOn(BobInterp* running) {
   if (!reason.empty()) return false;
-  if (limit == 0) return true;
+  if (whileBusy) whileBusy();
+  if (interrupted.exchange(false)) stop("stopped", running);
+  if (limit == 0) return reason.empty();
   const double now = processorTime();
   if (!begun) begun = now;
   if (log.size() > kMostLog) stop(double(kMostLog >> 20), " megabytes of log", running);
@@ -84,13 +86,24 @@ bool RunDesktop::mayGoOn(BobInterp* running) {
   return reason.empty();
 }
 
-void RunDesktop::stop(double count, const char* unit, BobInterp* running) {
+void RunDesktop::goOn() {
   const EngineScope here(shell.engine);
-  if (BobInterp* interp = scriptInterp()) bobRestOften(interp, 1);  // all other scripts end at once
-  reason = "stopped after ";
+  if (BobInterp* interp = scriptInterp()) bobRestOften(interp, kStepsBetweenLooks);
+  reason.clear();
+  interrupted = false;
+  beginActivity();
+}
+
+void RunDesktop::stop(double count, const char* unit, BobInterp* running) {
   char number[32];
   std::snprintf(number, sizeof number, "%g", count);
-  reason.append(number).append(unit);
+  stop(std::string("stopped after ") + number + unit, running);
+}
+
+void RunDesktop::stop(const std::string& why, BobInterp* running) {
+  const EngineScope here(shell.engine);
+  if (BobInterp* interp = scriptInterp()) bobRestOften(interp, 1);  // all other scripts end at once
+  reason = why;
   const std::string name = running ? bobRunningName(running) : "";
   if (!name.empty()) reason.append(" in ").append(name);
 }

@@ -1,9 +1,11 @@
 // The headless desktop of a page run: it ends what runs for too long, and keeps what the system complained about.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <set>
 #include <string>
@@ -34,12 +36,24 @@ class RunDesktop : public HeadlessDesktop {
   // Parts of the log, in order: errors of scripts with their tracebacks, and what the system refused.
   std::vector<std::string_view> complaints() const;
 
-  // The files of the disk that were read, by their paths.
+  // The files of the disk that were read, by their paths, and those that were not there.
   const std::set<std::filesystem::path>& filesRead() const { return read; }
+  const std::set<std::filesystem::path>& filesMissing() const { return missing; }
+
+  // Ends what runs, as the limit does; from any thread.
+  void interrupt() { interrupted = true; }
+
+  // Lets scripts run again after something was ended.
+  void goOn();
+
+  // Called now and then while something runs on and on, for whoever has windows to serve. Nothing that is called there
+  // may use the engine, but to look at it.
+  std::function<void()> whileBusy;
 
   bool breathe() override { return mayGoOn(nullptr); }
   void systemMessage(std::string_view text) override;
   void fileOpened(const std::filesystem::path& path) override { read.insert(path); }
+  void fileMissing(const std::filesystem::path& path) override { missing.insert(path); }
 
  private:
   struct Range {
@@ -48,6 +62,7 @@ class RunDesktop : public HeadlessDesktop {
 
   static RunDesktop& ofThisThread();
   bool mayGoOn(BobInterp* running);
+  void stop(const std::string& why, BobInterp* running);
   void stop(double count, const char* unit, BobInterp* running);
   void scriptFailed(BobInterp* interp, int code, const BobErrorArgument& argument);
 
@@ -56,5 +71,6 @@ class RunDesktop : public HeadlessDesktop {
   std::string reason;
   std::vector<Range> complained;  // in the log
   size_t lastMessage = 0, lastMessageEnd = 0;
-  std::set<std::filesystem::path> read;
+  std::set<std::filesystem::path> read, missing;
+  std::atomic<bool> interrupted = false;
 };
