@@ -8,6 +8,7 @@
 #include "kit/source/pagedump.h"
 #include "kit/source/pagelimits.h"
 #include "kit/source/pageoutline.h"
+#include "support/looking.h"
 
 namespace {
 
@@ -33,7 +34,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   desktop.start();
   desktop.settle();
   if (desktop.shell.loadPage("p")) desktop.settle();
+  lookAtAll(desktop.shell.engine);
   for (size_t i = 0; i < data[0]; ++i) act(desktop, actions[i]);
+  lookAtAll(desktop.shell.engine);
   try {
     dumpPage("p", {page, data + size});
     outlineJson(outlinePage("p", {page, data + size}));

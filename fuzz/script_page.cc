@@ -8,6 +8,7 @@
 #include "host/headless/headlessdesktop.h"
 #include "kit/files.h"
 #include "kit/source/pagebuild.h"
+#include "support/looking.h"
 
 namespace {
 
@@ -110,6 +111,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   buildPages();
   Input input(data, size);
   HeadlessDesktop desktop;
+  const LookingObserver observer(desktop.shell.engine);
   desktop.start();
   desktop.settle();
   desktop.typeLine("KOVA.f = function (e) { return nil; };");

@@ -3,44 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "bob/bob.h"
-#include "engine/inspect.h"
 #include "host/headless/headlessdesktop.h"
+#include "support/looking.h"
 
 namespace {
-
-// Looks at all that there is whenever it hears something.
-class Watcher : public EngineObserver {
- public:
-  explicit Watcher(Engine& e) : engine(e) { engine.observer = this; }
-  ~Watcher() override { engine.observer = nullptr; }
-
-  void stepEnded(uint32_t, const DrawCost&) override { look(); }
-  void widgetMade(const WidgetMade&) override { look(); }
-  void focusMoved(WidgetId, WidgetId, WidgetId) override { look(); }
-  void eventDelivered(const EventDelivery&) override { look(); }
-  void scriptLeft(const ScriptRun&, bool) override { look(); }
-  void lineLogged(std::string_view) override { look(); }  // in the middle of a collection, too
-
-  size_t seen = 0;
-
- private:
-  void look() {
-    if (++looks % 8 == 0) lookClosely();
-    seen += inspectWidgets(engine).size() + inspectFrames(engine).size() + inspectTimers(engine).size() +
-            inspectHeap(engine).collections + inspectImageCache(engine).entries.size();
-  }
-
-  void lookClosely() {
-    for (const WidgetView& view : inspectWidgets(engine))
-      seen += inspectAttributes(engine, view.id).size() + inspectLinks(engine, view.id).size() +
-              whyNotSeen(engine, view.id).size();
-    seen += widgetsAt(engine, 360, 240).size() + inspectStyles(engine).size() + inspectFonts(engine).size() +
-            size_t(inspectGlyphCache(engine).strikes);
-  }
-
-  Engine& engine;
-  size_t looks = 0;
-};
 
 struct Outcome {
   std::string log;
@@ -50,8 +16,8 @@ struct Outcome {
 
 Outcome play(const std::string& page, bool watched) {
   HeadlessDesktop desktop;
-  std::unique_ptr<Watcher> watcher;
-  if (watched) watcher = std::make_unique<Watcher>(desktop.shell.engine);
+  std::unique_ptr<LookingObserver> observer;
+  if (watched) observer = std::make_unique<LookingObserver>(desktop.shell.engine);
   desktop.start();
   desktop.settle();
   EXPECT_TRUE(desktop.shell.loadPage(DEMO_FOLDER "/" + page)) << desktop.log;
@@ -65,7 +31,7 @@ Outcome play(const std::string& page, bool watched) {
     }
   desktop.typeLine("frame.Nothing();");
   desktop.settle();
-  EXPECT_EQ(watcher && watcher->seen > 1000, watched);
+  EXPECT_EQ(observer && observer->seen > 1000, watched);
   const EngineScope here(desktop.shell.engine);
   const BobMemory memory = bobMemory(scriptInterp());
   return {desktop.log, desktop.window(), memory.heapBytes, memory.collections};

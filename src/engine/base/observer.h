@@ -60,7 +60,7 @@ struct DrawCost {
   uint64_t pixelsFilled = 0, pixelsCopied = 0;  // on the screen
   uint64_t glyphs = 0;                          // drawn, spaces included
   uint64_t bytesRead = 0;                       // from files
-  uint64_t redraws = 0;                         // widgets taken from the redraw queue
+  uint64_t redraws = 0;                         // of widgets
 
   DrawCost operator-(const DrawCost& before) const {
     return {pixelsFilled - before.pixelsFilled, pixelsCopied - before.pixelsCopied, glyphs - before.glyphs,

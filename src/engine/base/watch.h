@@ -49,13 +49,14 @@ inline DrawCost* currentCost() {
   return observer ? &notesOf(*observer).cost : nullptr;
 }
 
-// The widget whose drawing is under way until the end of the scope.
+// A widget that is drawn from here to the end of the scope.
 class DrawingWatch {
  public:
   explicit DrawingWatch(WidgetId widget) : observer(currentObserver()) {
     if (!observer) return;
     before = notesOf(*observer).drawing;
     notesOf(*observer).drawing = widget;
+    ++notesOf(*observer).cost.redraws;
   }
   ~DrawingWatch() {
     if (observer) notesOf(*observer).drawing = before;

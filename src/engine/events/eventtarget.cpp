@@ -93,8 +93,10 @@ int eventPostSimple(uint32_t code, uint32_t data, uint32_t data2) {
 
 int eventSend(EventTarget* target, const Event& event) {
   EngineCall call;
-  if (target->gone || engineStackSpent() || beingTold()) return 0;
-  EventTrail* trail = EventTrail::of(event);
+  if (target->gone || engineStackSpent()) return 0;
+  EngineObserver* observer = currentObserver();
+  if (observer && notesOf(*observer).telling) return 0;
+  EventTrail* trail = observer ? EventTrail::find(*observer, event) : nullptr;
   if (trail) trail->seen.push_back(target->id);
   if (EventHandler* handler = findCode(target->handlers, event.code)) {
     if (handler->fn(&event)) {

@@ -14,10 +14,8 @@ EventTrail::~EventTrail() {
     told->eventDelivered({event.code, event.data, event.data2, posted, seen, consumer, byHandler});
 }
 
-EventTrail* EventTrail::of(const Event& event) {
-  EngineObserver* observer = currentObserver();
-  if (!observer) return nullptr;
-  EventTrail* trail = notesOf(*observer).trail;
+EventTrail* EventTrail::find(EngineObserver& observer, const Event& event) {
+  EventTrail* trail = notesOf(observer).trail;
   while (trail && &trail->event != &event) trail = trail->outer;
   return trail;
 }

@@ -14,7 +14,11 @@ struct EventTrail {
   EventTrail& operator=(const EventTrail&) = delete;
 
   // The trail of this very event; null when nobody looks, and for what the engine's parts ask each other.
-  static EventTrail* of(const Event& event);
+  static EventTrail* of(const Event& event) {
+    EngineObserver* observer = currentObserver();
+    return observer ? find(*observer, event) : nullptr;
+  }
+  static EventTrail* find(EngineObserver& observer, const Event& event);
 
   // The innermost target that took the event is the one that consumed it.
   void consumed(WidgetId target, bool handler) {

@@ -61,7 +61,6 @@ class ImageCache {
   // Why the picture of that name could not be read when it was last asked for; of the latest 64 such names.
   ImageRefusal refusalOf(const char* name) const;
   void noteAsked(const char* name, bool found);  // for imageGet: what the reader refused with, or that it is there
-  void refuse(ImageRefusal reason) { refusal = reason; }  // for readers: why the one under way ends
 
   // ---- for readers of picture files
 
@@ -73,6 +72,11 @@ class ImageCache {
   void setClut(HeapHandle handle, Clut* shared);
   void setClut(HeapHandle handle, std::unique_ptr<Clut> own);
   void free(HeapHandle handle);
+
+  // Why the picture under way can't be read, the first reason being the one that counts.
+  void refuse(ImageRefusal reason) {
+    if (refusal == ImageRefusal::none) refusal = reason;
+  }
 
  private:
   struct ClutSlot {

@@ -10,8 +10,8 @@ std::string orNothing(const char* text) { return text ? text : ""; }
 
 std::vector<Frame*> framesOf(const Engine& engine) {
   std::vector<Frame*> frames;
-  for (const WalkedWidget& walked : walkWidgets(engine))
-    if (auto* frame = dynamic_cast<Frame*>(walked.widget)) frames.push_back(frame);
+  for (Widget* widget : walkWidgets(engine))
+    if (auto* frame = dynamic_cast<Frame*>(widget)) frames.push_back(frame);
   return frames;
 }
 

@@ -114,13 +114,13 @@ class Reasons {
   void findCover(const hsIntRect& seen) {
     hsRegion left(seen);
     std::vector<WidgetId> by;
-    for (const WalkedWidget& other : walkWidgets(engine)) {
-      if (other.widget->drawnAs <= widget->drawnAs) continue;
-      const hsRegion painted = paintedBy(other.widget);
+    for (const Widget* other : walkWidgets(engine)) {
+      if (other->drawnAs <= widget->drawnAs) continue;
+      const hsRegion painted = paintedBy(other);
       hsRegion common;
       common.Intersect(painted, seen);
       if (common.IsEmpty()) continue;
-      by.push_back(other.widget->id);
+      by.push_back(other->id);
       left.Difference(left, painted);
     }
     if (left.IsEmpty()) reasons.push_back({Unseen::covered, std::move(by), ""});
@@ -194,16 +194,16 @@ class Reasons {
 
 std::vector<WidgetId> widgetsAt(Engine& engine, int32_t x, int32_t y) {
   const EngineScope here(engine);
-  std::vector<WalkedWidget> found;
-  for (const WalkedWidget& walked : walkWidgets(engine))
-    if (hasPoint(walked.widget->bounds, x, y)) found.push_back(walked);
+  std::vector<const Widget*> found;
+  for (const Widget* widget : walkWidgets(engine))
+    if (hasPoint(widget->bounds, x, y)) found.push_back(widget);
   std::reverse(found.begin(), found.end());  // of those that were not drawn, the innermost first
-  std::stable_sort(found.begin(), found.end(), [](const WalkedWidget& a, const WalkedWidget& b) {
-    if (isHidden(a.widget) != isHidden(b.widget)) return isHidden(b.widget);
-    return a.widget->drawnAs > b.widget->drawnAs;
+  std::stable_sort(found.begin(), found.end(), [](const Widget* a, const Widget* b) {
+    if (isHidden(a) != isHidden(b)) return isHidden(b);
+    return a->drawnAs > b->drawnAs;
   });
   std::vector<WidgetId> ids;
-  for (const WalkedWidget& walked : found) ids.push_back(walked.widget->id);
+  for (const Widget* widget : found) ids.push_back(widget->id);
   return ids;
 }
 

@@ -27,28 +27,42 @@ Children childrenOf(Frame* frame) {
   return children;
 }
 
+// On the frame's page or one inside it. Frames are not nested deep.
+Widget* findOnPage(const Frame* frame, WidgetId id) {
+  for (Widget* widget = frame->widgets; widget; widget = widget->nextInFrame) {
+    if (widget->id == id) return widget;
+    const auto* inner = dynamic_cast<const Frame*>(widget);
+    if (Widget* found = inner ? findOnPage(inner, id) : nullptr) return found;
+  }
+  return nullptr;
+}
+
 }  // namespace
 
-std::vector<WalkedWidget> walkWidgets(const Engine& engine) {
-  std::vector<WalkedWidget> found, waiting;
-  if (engine.topFrame) waiting.push_back({engine.topFrame, 0});
+std::vector<Widget*> walkWidgets(const Engine& engine) {
+  std::vector<Widget*> found, waiting;
+  if (engine.topFrame) waiting.push_back(engine.topFrame);
   Children children;
   while (!waiting.empty()) {
-    const WalkedWidget next = waiting.back();
+    Widget* next = waiting.back();
     waiting.pop_back();
     found.push_back(next);
-    if (auto* frame = dynamic_cast<Frame*>(next.widget)) children.merge(childrenOf(frame));
-    if (const auto inside = children.find(next.widget); inside != children.end())
-      for (Widget* child : inside->second) waiting.push_back({child, next.level + 1});
+    if (auto* frame = dynamic_cast<Frame*>(next)) children.merge(childrenOf(frame));
+    if (const auto inside = children.find(next); inside != children.end())
+      waiting.insert(waiting.end(), inside->second.begin(), inside->second.end());
   }
   return found;
 }
 
 Widget* widgetById(const Engine& engine, WidgetId id) {
-  if (id == 0) return nullptr;
-  for (const WalkedWidget& walked : walkWidgets(engine))
-    if (walked.widget->id == id) return walked.widget;
-  return nullptr;
+  if (id == 0 || !engine.topFrame) return nullptr;
+  return engine.topFrame->id == id ? engine.topFrame : findOnPage(engine.topFrame, id);
+}
+
+int levelOf(const Widget* widget) {
+  int level = 0;
+  while ((widget = widget->parentWidget)) ++level;
+  return level;
 }
 
 WidgetKind kindOf(const Widget* widget) {

@@ -6,15 +6,12 @@
 #include "engine/inspect.h"
 #include "engine/page/frame.h"
 
-struct WalkedWidget {
-  Widget* widget;
-  int level;  // below the top frame
-};
-
 // All, each before what lies in it. A widget whose parent is still being made comes under their frame.
-std::vector<WalkedWidget> walkWidgets(const Engine& engine);
+std::vector<Widget*> walkWidgets(const Engine& engine);
 
 Widget* widgetById(const Engine& engine, WidgetId id);  // null for one that has gone
+
+int levelOf(const Widget* widget);  // below the top frame
 
 WidgetKind kindOf(const Widget* widget);
 

@@ -49,14 +49,13 @@ void readContent(const Widget* widget, WidgetView* view) {
   }
 }
 
-WidgetView viewOf(const WalkedWidget& walked) {
-  const Widget* widget = walked.widget;
+WidgetView viewOf(const Widget* widget) {
   const Frame* frame = frameOf(widget);
   WidgetView view;
   view.id = widget->id;
   view.parent = idOf(widget->parentWidget);
   view.frame = idOf(frame);
-  view.level = walked.level;
+  view.level = levelOf(widget);
   view.kind = kindOf(widget);
   view.name = widget->name ? widget->name : "";
   view.place = placeOf(widget);
@@ -89,15 +88,14 @@ LinkView linkOf(const Widget* widget, const Direction& direction) {
 std::vector<WidgetView> inspectWidgets(Engine& engine) {
   const EngineScope here(engine);
   std::vector<WidgetView> views;
-  for (const WalkedWidget& walked : walkWidgets(engine)) views.push_back(viewOf(walked));
+  for (const Widget* widget : walkWidgets(engine)) views.push_back(viewOf(widget));
   return views;
 }
 
 std::optional<WidgetView> inspectWidget(Engine& engine, WidgetId id) {
   const EngineScope here(engine);
-  for (const WalkedWidget& walked : walkWidgets(engine))
-    if (walked.widget->id == id) return viewOf(walked);
-  return std::nullopt;
+  const Widget* widget = widgetById(engine, id);
+  return widget ? std::optional(viewOf(widget)) : std::nullopt;
 }
 
 std::vector<LinkView> inspectLinks(Engine& engine, WidgetId id) {

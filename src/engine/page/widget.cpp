@@ -146,7 +146,6 @@ int Widget::handleEvent(const Event* event) {
 
 void Widget::redraw() {
   const DrawingWatch watch(id);
-  if (DrawCost* cost = currentCost()) ++cost->redraws;
   if (flags & kWidgetFullRedraw) {
     flags &= ~(kWidgetFullRedraw | kWidgetContentRedraw);
     drawnAs = currentRedraws().nextRedraw();

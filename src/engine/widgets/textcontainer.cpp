@@ -21,7 +21,6 @@ bool lineVisible(const ContainerLine& line, const TextStyle& style, int32_t top,
 
 // The line's own style says whether it shows, whichever style draws it.
 void draw(TextContainerWidget* widget) {
-  const DrawingWatch watch(widget->id);
   widgetPaint(widget);
   const Bounds& bounds = widget->bounds;
   const int32_t top = widget->scrollOffset, bottom = hsWrapAdd(top, bounds.h);
@@ -38,11 +37,17 @@ void draw(TextContainerWidget* widget) {
 
 // ---- scrolling and the selection; both draw at once
 
+void drawAtOnce(TextContainerWidget* widget) {
+  const DrawingWatch watch(widget->id);
+  widget->drawnAs = currentRedraws().nextRedraw();
+  draw(widget);
+}
+
 // Without a bound: blank space can be scrolled to.
 int scroll(TextContainerWidget* widget, int32_t steps) {
   const auto distance = hsWrapMul(int32_t(steps), widget->scrollDelta);
   widget->scrollOffset = hsWrapAdd(widget->scrollOffset, distance);
-  draw(widget);
+  drawAtOnce(widget);
   return 1;
 }
 
@@ -67,7 +72,7 @@ int moveSelection(TextContainerWidget* widget, int32_t delta) {
     widget->scrollOffset = pagedOffset(widget, leaving, delta);
   }
   widget->selectedLine = int32_t(target + 1);
-  draw(widget);
+  drawAtOnce(widget);
   return 1;
 }
 
