@@ -42,6 +42,9 @@ class DisplaySurface {
   // Puts an engine colour into a paint, as the screen's depth wants it.
   void setColor(hsGAttribute* attribute, uint32_t color) const;
 
+  // The pixels as the player stores them: indices, or words of video colour.
+  const hsGBitmap& frameBuffer() const { return bitmap; }
+
   // For text: the screen's device, and the one paint that draws all text on it, which keeps what no style resets.
   hsGRasterDevice* rasterDevice() { return device.get(); }
   hsGAttribute* textPaint() { return &paintOfText; }

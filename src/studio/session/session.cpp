@@ -20,6 +20,7 @@ std::unique_ptr<PageRun> Session::open() {
   problems.clear();
   remarks.clear();
   auto run = std::make_unique<PageRun>(options);
+  if (options.prepare) options.prepare(*run);
   bool loaded = false;
   try {
     loaded = run->load(page, [&](const KitMessage& warning) { remarks.push_back(warning); });
@@ -62,6 +63,10 @@ bool Session::replay(PageRun& run) const {
     if (action.kind != PageAction::wait) {
       if (processorTime() > end) return false;
       run.act(action);
+      if (!run.stopped().empty()) {
+        run.player().goOn();
+        return false;
+      }
       continue;
     }
     for (int64_t left = std::stoll(action.argument); left > 0; left -= kPiece) {
@@ -74,8 +79,9 @@ bool Session::replay(PageRun& run) const {
 
 void Session::act(const PageAction& action) {
   if (!current) return;
-  done.add(action);
   current->act(action);
+  // What had to be ended would have to be ended at each replay.
+  if (current->stopped().empty()) done.add(action);
 }
 
 void Session::pass(uint32_t milliseconds) { act({PageAction::wait, std::to_string(milliseconds)}); }

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -16,6 +17,7 @@
 #include "studio/session/keptstate.h"
 
 struct SessionOptions : PageRunOptions {
+  std::function<void(PageRun&)> prepare;  // called with each new run before it loads anything; may be empty
   double replaySeconds = 0.05;  // of processor time: a replay that takes longer is left, and the state set by name
 };
 

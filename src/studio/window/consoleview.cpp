@@ -1,0 +1,140 @@
+#include "studio/window/consoleview.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QRegularExpression>
+#include <QScrollBar>
+#include <QTextBlock>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "studio/window/look.h"
+
+namespace {
+
+constexpr int kMostLines = 20000;
+constexpr size_t kMostHistory = 500;
+
+// The console's characters are bytes, and are shown as such.
+QString textOf(std::string_view bytes) { return QString::fromLatin1(bytes.data(), qsizetype(bytes.size())); }
+
+}  // namespace
+
+ConsoleView::ConsoleView() : output(new QPlainTextEdit), input(new QLineEdit), filter(new QLineEdit) {
+  auto* column = new QVBoxLayout(this);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(0);
+  output->setReadOnly(true);
+  output->setMaximumBlockCount(kMostLines);
+  output->setFont(fixedFont());
+  output->setFrameStyle(0);
+  output->setAccessibleName("Messages");
+  column->addWidget(output, 1);
+
+  auto* row = new QHBoxLayout;
+  row->setContentsMargins(0, 1, 0, 0);
+  row->setSpacing(1);
+  for (QLineEdit* edit : {input, filter}) {
+    edit->setFont(fixedFont());
+    edit->setTextMargins(6, 4, 6, 4);
+  }
+  input->setPlaceholderText("A statement, run in the page (Tab completes, \u2191 brings back)");
+  input->setAccessibleName("Statement");
+  filter->setPlaceholderText("Filter");
+  filter->setClearButtonEnabled(true);
+  filter->setMaximumWidth(180);
+  filter->setToolTip("Show the lines that have this");
+  row->addWidget(input, 1);
+  row->addWidget(filter);
+  column->addLayout(row);
+
+  input->installEventFilter(this);
+  QObject::connect(input, &QLineEdit::returnPressed, this, [this] {
+    const QString line = input->text();
+    if (!line.isEmpty() && (history.isEmpty() || history.back() != line)) history.push_back(line);
+    if (history.size() > qsizetype(kMostHistory)) history.removeFirst();
+    recalled = int(history.size());
+    input->clear();
+    append("> " + line + "\n", look().faint);
+    if (entered) entered(line);
+  });
+  QObject::connect(filter, &QLineEdit::textChanged, this, [this] { applyFilter(); });
+}
+
+void ConsoleView::setWords(const QStringList& w) { words = w; }
+
+void ConsoleView::setLog(const std::string& log, const std::vector<std::string_view>& complaints) {
+  if (log.size() == seen.size() && log == seen) return;
+  if (!std::string_view(log).starts_with(seen)) {
+    if (!seen.empty()) append(QString(24, QChar(0x2500)) + "\n", look().faint);
+    seen.clear();
+  }
+  size_t at = seen.size();
+  for (const std::string_view complaint : complaints) {
+    const size_t begin = size_t(complaint.data() - log.data()), end = begin + complaint.size();
+    if (end <= at) continue;
+    if (begin > at) append(textOf(std::string_view(log).substr(at, begin - at)), look().text);
+    at = std::max(at, begin);
+    append(textOf(std::string_view(log).substr(at, end - at)), look().error);
+    at = end;
+  }
+  append(textOf(std::string_view(log).substr(at)), look().text);
+  seen = log;
+  if (!filter->text().isEmpty()) applyFilter();
+}
+
+void ConsoleView::append(const QString& text, const QColor& color) {
+  if (text.isEmpty()) return;
+  QScrollBar* bar = output->verticalScrollBar();
+  const bool follows = bar->value() >= bar->maximum() - 1;
+  QTextCursor cursor(output->document());
+  cursor.movePosition(QTextCursor::End);
+  QTextCharFormat format;
+  format.setForeground(color);
+  cursor.insertText(text, format);
+  if (follows) bar->setValue(bar->maximum());
+}
+
+void ConsoleView::applyFilter() {
+  for (QTextBlock block = output->document()->begin(); block.isValid(); block = block.next())
+    block.setVisible(block.text().contains(filter->text(), Qt::CaseInsensitive));
+  output->document()->markContentsDirty(0, output->document()->characterCount());
+  output->viewport()->update();
+}
+
+bool ConsoleView::eventFilter(QObject* watched, QEvent* event) {
+  if (watched != input || event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
+  switch (static_cast<QKeyEvent*>(event)->key()) {
+    case Qt::Key_Up: recall(-1); return true;
+    case Qt::Key_Down: recall(1); return true;
+    case Qt::Key_Tab: complete(); return true;
+    default: return QWidget::eventFilter(watched, event);
+  }
+}
+
+void ConsoleView::recall(int step) {
+  if (recalled == history.size()) typed = input->text();
+  recalled = std::clamp(recalled + step, 0, int(history.size()));
+  input->setText(recalled == history.size() ? typed : history[recalled]);
+}
+
+// To as much as all words that begin so have in common; further presses go through them.
+void ConsoleView::complete() {
+  static const QRegularExpression kWord("[A-Za-z_][A-Za-z0-9_]*$");
+  const QString before = input->text().left(input->cursorPosition());
+  const QString begun = kWord.match(before).captured();
+  QStringList fitting;
+  for (const QString& word : words)
+    if (word.startsWith(begun) && word != begun) fitting.push_back(word);
+  if (begun.isEmpty() || fitting.isEmpty()) return;
+  QString common = fitting.front();
+  for (const QString& word : fitting)
+    while (!word.startsWith(common)) common.chop(1);
+  if (common.size() > begun.size()) {
+    input->insert(common.mid(begun.size()));
+  } else {
+    append("  " + fitting.join("  ") + "\n", look().faint);
+  }
+}

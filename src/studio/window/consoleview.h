@@ -1,0 +1,39 @@
+// The message console: what the system writes, and a line to type, with the lines before it on the arrow keys.
+#pragma once
+
+#include <QWidget>
+#include <functional>
+#include <string_view>
+#include <vector>
+
+class QLineEdit;
+class QPlainTextEdit;
+
+class ConsoleView : public QWidget {
+ public:
+  ConsoleView();
+
+  // The log as it is now, and the parts of it that say that something is wrong. Only what is new is added; a log that
+  // doesn't go on from the last one is another page's, and begins below a line.
+  void setLog(const std::string& log, const std::vector<std::string_view>& complaints);
+  void setWords(const QStringList& words);  // for completion
+
+  std::function<void(const QString& line)> entered;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void append(const QString& text, const QColor& color);
+  void applyFilter();
+  void recall(int step);
+  void complete();
+
+  QPlainTextEdit* output;
+  QLineEdit* input;
+  QLineEdit* filter;
+  std::string seen;  // of the log
+  QStringList history, words;
+  int recalled = 0;  // in the history; its size for the line that is being typed
+  QString typed;
+};

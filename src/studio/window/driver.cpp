@@ -1,0 +1,144 @@
+#include "studio/window/driver.h"
+
+#include <QCoreApplication>
+#include <algorithm>
+
+namespace {
+
+constexpr int kTick = 15;           // milliseconds
+constexpr qint64 kServeAfter = 50;  // milliseconds of running on, until the windows are served
+constexpr double kMostOwed = 250;   // of the page; what a slow machine can't do is not made up for
+
+}  // namespace
+
+PageDriver::PageDriver(const std::string& p) : page(p, sessionOptions()), watcher([this] { watchSaves(); }) {
+  timer.setTimerType(Qt::PreciseTimer);
+  timer.setInterval(kTick);
+  QObject::connect(&timer, &QTimer::timeout, &context, [this] { letTimePass(); });
+}
+
+SessionOptions PageDriver::sessionOptions() {
+  SessionOptions options;
+  options.prepare = [this](PageRun& run) {
+    player = &run.player();
+    player->whileBusy = [this] { serveWindows(); };
+  };
+  return options;
+}
+
+void PageDriver::serveWindows() {
+  if (sinceServed.elapsed() < kServeAfter) return;
+  if (!wasLong && busy) {
+    wasLong = true;
+    busy();
+  }
+  QCoreApplication::processEvents();
+  sinceServed.start();
+}
+
+PageDriver::~PageDriver() {
+  ends = true;
+  watch.interrupt();
+  watcher.join();
+}
+
+// All that reaches the engine goes through here.
+void PageDriver::run(const std::function<void()>& work) {
+  if (running) return;
+  running = true;
+  stoppedBy.clear();
+  sinceServed.start();
+  work();
+  running = false;
+  if (wasLong) {
+    wasLong = false;
+    if (busy) busy();
+  }
+  if (PageRun* now = page.run()) {
+    player = &now->player();
+    if (!now->stopped().empty()) {
+      stoppedBy = now->stopped();
+      player->goOn();
+    }
+  }
+  if (wantsReload) {
+    wantsReload = false;
+    return reload();
+  }
+  if (changed) changed();
+}
+
+void PageDriver::restart() { open(true); }
+
+void PageDriver::reload() {
+  if (running) {
+    wantsReload = true;
+    return stop();
+  }
+  open(!keepsState);
+}
+
+void PageDriver::open(bool anew) {
+  QElapsedTimer time;
+  time.start();
+  readSince = FileWatch::Time::clock::now();
+  run([&] { anew ? page.restart() : page.reload(); });
+  watchFiles();
+  reloadMilliseconds = double(time.nsecsElapsed()) / 1e6;
+  owed = 0;
+  sinceTick.start();
+  if (!paused) timer.start();
+  if (opened) opened();
+}
+
+void PageDriver::key(const std::string& name) {
+  run([&] { page.act({PageAction::key, name}); });
+}
+
+void PageDriver::type(const std::string& line) {
+  run([&] { page.act({PageAction::eval, line}); });
+}
+
+void PageDriver::setPaused(bool on) {
+  paused = on;
+  owed = 0;
+  sinceTick.start();
+  paused ? timer.stop() : timer.start();
+}
+
+void PageDriver::step() {
+  run([&] { page.pass(1); });
+}
+
+void PageDriver::stop() {
+  if (running) player->interrupt();
+}
+
+void PageDriver::letTimePass() {
+  owed = std::min(owed + speed * double(sinceTick.nsecsElapsed()) / 1e6, kMostOwed * std::max(speed, 1.0));
+  sinceTick.start();
+  const auto whole = uint32_t(owed);
+  if (running || whole == 0) return;
+  owed -= whole;
+  run([&] { page.pass(whole); });
+}
+
+void PageDriver::watchFiles() {
+  const std::lock_guard lock(mutex);
+  toWatch.emplace(page.dependencies(), readSince);
+  watch.interrupt();
+}
+
+void PageDriver::watchSaves() {
+  constexpr std::chrono::milliseconds kWait{1000};
+  while (!ends) {
+    {
+      const std::lock_guard lock(mutex);
+      if (toWatch) watch.watch(toWatch->first, toWatch->second);
+      toWatch.reset();
+    }
+    if (!watch.wait(kWait).empty())
+      QMetaObject::invokeMethod(
+          &context, [this] { reload(); }, Qt::QueuedConnection);
+  }
+}

@@ -1,0 +1,24 @@
+// The signs on the studio's buttons, drawn by the program so that they are sharp at every scale and follow the look.
+#pragma once
+
+#include <QIcon>
+
+enum class Sign {
+  reload,
+  restart,
+  pause,
+  play,
+  step,
+  stop,
+  record,
+  picture,
+  pick,
+  focus,
+  grid,
+  safe,
+  zoomIn,
+  zoomOut,
+  fit
+};
+
+QIcon signIcon(Sign sign);

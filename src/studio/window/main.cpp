@@ -1,0 +1,34 @@
+// vistrel-studio: the author's window.
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QTimer>
+#include <cstdio>
+
+#include "kit/version.h"
+#include "studio/window/look.h"
+#include "studio/window/studiowindow.h"
+
+int main(int argc, char** argv) {
+  QApplication application(argc, argv);
+  QApplication::setApplicationName("vistrel-studio");
+  QApplication::setApplicationVersion(kitVersion());
+  QCommandLineParser words;
+  words.setApplicationDescription("Shows a page while its author works on it: each save is on the screen at once.");
+  words.addHelpOption();
+  words.addVersionOption();
+  words.addPositionalArgument("PAGE", "A page source (.yaml) or a page (.kpg)");
+  const QCommandLineOption dark("dark", "Light on dark, whatever the desktop does"),
+      light("light", "Dark on light, whatever the desktop does");
+  words.addOptions({dark, light});
+  words.process(application);
+  if (words.positionalArguments().size() != 1) {
+    std::fputs("vistrel-studio: name one page to open, vistrel-studio PAGE.yaml\n", stderr);
+    return 1;
+  }
+  applyLook(application, words.isSet(dark) || (desktopIsDark() && !words.isSet(light)));
+  StudioWindow window(words.positionalArguments().front().toStdString());
+  window.resize(1180, 800);
+  window.show();
+  QTimer::singleShot(0, &window, [&] { window.pageDriver().restart(); });
+  return QApplication::exec();
+}

@@ -1,0 +1,317 @@
+#include "studio/window/studiowindow.h"
+
+#include <QActionGroup>
+#include <QApplication>
+#include <QFileDialog>
+#include <QLabel>
+#include <QMenu>
+#include <QMessageBox>
+#include <QProcess>
+#include <QScrollArea>
+#include <QSplitter>
+#include <QStandardPaths>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <filesystem>
+
+#include "engine/screen/display.h"
+#include "kit/files.h"
+#include "kit/pictures/png.h"
+#include "studio/editor/openplace.h"
+#include "studio/window/icons.h"
+#include "studio/window/look.h"
+
+namespace {
+
+// The pixel as the player stores it.
+QString storedPixel(Engine& engine, QPoint at) {
+  const hsGBitmap* bitmap = engine.display ? &engine.display->frameBuffer() : nullptr;
+  if (!bitmap) return {};
+  if (engine.display->depth() == 8) return QString("index %1").arg(bitmap->Row<uint8_t>(at.y())[at.x()]);
+  const uint16_t word = bitmap->Row<uint16_t>(at.y())[at.x()];
+  return QString("word %1").arg(word, 4, 16, QChar('0'));
+}
+
+}  // namespace
+
+StudioWindow::StudioWindow(const std::string& p) : page(p), driver(p) {
+  setWindowTitle(QString::fromStdString(std::filesystem::path(page).filename().string()) + " \u2013 Vistrel Studio");
+  buildViews();
+  buildTools();
+  driver.changed = [this] { showPage(); };
+  driver.opened = [this] {
+    showErrors();
+    showPage();
+    state->setText(driver.session().errors().empty()
+                       ? QString("Opened in %1 ms").arg(driver.lastReload(), 0, 'f', driver.lastReload() < 10 ? 1 : 0)
+                       : QString("Not opened: the page before stays"));
+  };
+  driver.busy = [this] { stopAction->setEnabled(driver.isBusy()); };
+}
+
+void StudioWindow::buildViews() {
+  screen = new ScreenView;
+  surround = new QScrollArea;
+  surround->setWidget(screen);
+  surround->setAlignment(Qt::AlignCenter);
+  surround->setFrameStyle(0);
+  surround->setObjectName("surround");
+  errors = new ErrorBar;
+  console = new ConsoleView;
+  remote = new RemoteView;
+  loupe = new LoupeView;
+
+  auto* middle = new QWidget;
+  auto* column = new QVBoxLayout(middle);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(0);
+  column->addWidget(errors);
+  column->addWidget(surround, 1);
+
+  auto* side = new QWidget;
+  auto* sideColumn = new QVBoxLayout(side);
+  sideColumn->setContentsMargins(kGap + 2, kGap + 2, kGap + 2, kGap + 2);
+  sideColumn->setSpacing(kGap + 6);
+  sideColumn->addWidget(remote);
+  sideColumn->addWidget(loupe);
+  sideColumn->addStretch(1);
+  auto* sideScroll = new QScrollArea;
+  sideScroll->setWidget(side);
+  sideScroll->setWidgetResizable(true);
+  sideScroll->setFrameStyle(0);
+  sideScroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  sideScroll->setFixedWidth(remote->sizeHint().width() + 2 * kGap + 24);
+
+  auto* rows = new QSplitter(Qt::Vertical);
+  rows->addWidget(middle);
+  rows->addWidget(console);
+  rows->setStretchFactor(0, 1);
+  rows->setSizes({500, 190});
+  rows->setHandleWidth(1);
+
+  auto* columns = new QSplitter(Qt::Horizontal);
+  columns->addWidget(sideScroll);
+  columns->addWidget(rows);
+  columns->setStretchFactor(1, 1);
+  columns->setHandleWidth(1);
+  columns->setChildrenCollapsible(false);
+  setCentralWidget(columns);
+
+  state = new QLabel;
+  statusBar()->addWidget(state, 1);
+  statusBar()->setSizeGripEnabled(false);
+
+  screen->pressed = [this](const QString& name) { press(name); };
+  screen->pointed = [this](std::optional<QPoint> pixel) { showPointed(pixel); };
+  remote->pressed = [this](const QString& name) { press(name); };
+  console->entered = [this](const QString& line) { driver.type(line.toLatin1().toStdString()); };
+  errors->clicked = [this](const KitMessage& message) { openPlace(message); };
+}
+
+QAction* StudioWindow::tool(QToolBar* bar, const QString& text, const char* keys, const QIcon& icon,
+                            std::function<void(bool)> work, bool isSwitch) {
+  QAction* action = bar->addAction(icon, text);
+  action->setCheckable(isSwitch);
+  if (*keys) {
+    action->setShortcut(QKeySequence(keys));
+    action->setToolTip(QString("%1 (%2)").arg(text, action->shortcut().toString(QKeySequence::NativeText)));
+  }
+  QObject::connect(action, &QAction::triggered, this, std::move(work));
+  return action;
+}
+
+void StudioWindow::buildTools() {
+  QToolBar* bar = addToolBar("Tools");
+  bar->setMovable(false);
+  bar->setIconSize(QSize(20, 20));
+  tool(bar, "Open again, with what was done so far", "F5", signIcon(Sign::reload), [this](bool) { driver.reload(); });
+  tool(bar, "Start afresh", "Ctrl+R", signIcon(Sign::restart), [this](bool) { driver.restart(); });
+  bar->addSeparator();
+  pauseAction = tool(
+      bar, "Pause", "Ctrl+P", signIcon(Sign::pause), [this](bool on) { driver.setPaused(on); }, true);
+  tool(bar, "One step: a millisecond", "Ctrl+T", signIcon(Sign::step), [this](bool) {
+    pauseAction->setChecked(true);
+    driver.setPaused(true);
+    driver.step();
+  });
+  stopAction = tool(bar, "End the script that runs", "Ctrl+.", signIcon(Sign::stop), [this](bool) { driver.stop(); });
+  stopAction->setEnabled(false);
+  auto* speed = new QToolButton;
+  speed->setText("1\u00d7");
+  speed->setToolTip("How fast time passes");
+  speed->setPopupMode(QToolButton::InstantPopup);
+  auto* speeds = new QMenu(speed);
+  auto* oneSpeed = new QActionGroup(speeds);
+  for (const auto& [label, factor] :
+       {std::pair("0.1\u00d7", 0.1), std::pair("0.5\u00d7", 0.5), std::pair("1\u00d7", 1.0), std::pair("2\u00d7", 2.0),
+        std::pair("10\u00d7", 10.0)}) {
+    QAction* action = speeds->addAction(QString::fromUtf8(label));
+    action->setCheckable(true);
+    action->setChecked(factor == 1);
+    oneSpeed->addAction(action);
+    QObject::connect(action, &QAction::triggered, this, [this, speed, action, factor = factor] {
+      driver.setSpeed(factor);
+      speed->setText(action->text());
+    });
+  }
+  speed->setMenu(speeds);
+  bar->addWidget(speed);
+  bar->addSeparator();
+  tool(
+      bar, "Record: start afresh, and keep what is done", "Ctrl+Shift+R", signIcon(Sign::record),
+      [this](bool on) { setRecording(on); }, true);
+  tool(bar, "Save the picture", "Ctrl+S", signIcon(Sign::picture), [this](bool) { savePicture(); });
+  bar->addSeparator();
+  tool(
+      bar, "Pixel grid, from 4\u00d7 on", "Ctrl+G", signIcon(Sign::grid), [this](bool on) { screen->setGrid(on); },
+      true)
+      ->setChecked(true);
+
+  auto* shape = new QToolButton;
+  shape->setIcon(signIcon(Sign::safe));
+  shape->setToolTip("The set: its shape, safe areas, what it cuts off");
+  shape->setPopupMode(QToolButton::InstantPopup);
+  auto* shapes = new QMenu(shape);
+  auto* oneShape = new QActionGroup(shapes);
+  for (const auto& [label, value] :
+       {std::pair("Square pixels", ScreenShape::square), std::pair("A set of 4:3", ScreenShape::standard),
+        std::pair("A set of 16:9", ScreenShape::wide)}) {
+    QAction* action = shapes->addAction(label);
+    action->setCheckable(true);
+    action->setChecked(value == ScreenShape::square);
+    oneShape->addAction(action);
+    QObject::connect(action, &QAction::triggered, this, [this, value = value] { screen->setShape(value); });
+  }
+  shapes->addSeparator();
+  const auto addSwitch = [&](const char* label, const char* keys, void (ScreenView::*set)(bool)) {
+    QAction* action = shapes->addAction(label);
+    action->setCheckable(true);
+    action->setShortcut(QKeySequence(keys));
+    addAction(action);
+    QObject::connect(action, &QAction::triggered, this, [this, set](bool on) { (screen->*set)(on); });
+  };
+  addSwitch("Safe areas: 90 % and 80 %", "Ctrl+A", &ScreenView::setSafeAreas);
+  addSwitch("Hide what a set cuts off", "Ctrl+O", &ScreenView::setOverscan);
+  shape->setMenu(shapes);
+  bar->addWidget(shape);
+  bar->addSeparator();
+  tool(bar, "Smaller", "Ctrl+-", signIcon(Sign::zoomOut), [this](bool) { setZoom(screen->zoom() - 1); });
+  zoomText = new QLabel("1\u00d7");
+  zoomText->setMinimumWidth(28);
+  zoomText->setAlignment(Qt::AlignCenter);
+  bar->addWidget(zoomText);
+  tool(bar, "Larger", "Ctrl++", signIcon(Sign::zoomIn), [this](bool) { setZoom(screen->zoom() + 1); });
+  tool(bar, "As large as fits", "Ctrl+0", signIcon(Sign::fit), [this](bool) { fitZoom(); });
+
+  auto* room = new QWidget;
+  room->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+  bar->addWidget(room);
+  auto* more = new QToolButton;
+  more->setText("\u2261");
+  more->setToolTip("More");
+  more->setPopupMode(QToolButton::InstantPopup);
+  auto* menu = new QMenu(more);
+  QAction* keeps = menu->addAction("Keep what was done over a save");
+  keeps->setCheckable(true);
+  keeps->setChecked(true);
+  QObject::connect(keeps, &QAction::triggered, this, [this](bool on) { driver.setKeepsState(on); });
+  QAction* dark = menu->addAction("Dark");
+  dark->setCheckable(true);
+  dark->setChecked(lookIsDark());
+  QObject::connect(dark, &QAction::triggered, this, [](bool on) { applyLook(*qApp, on); });
+  more->setMenu(menu);
+  bar->addWidget(more);
+}
+
+void StudioWindow::press(const QString& key) {
+  driver.key(key.toStdString());
+  remote->flash(key, true);
+}
+
+void StudioWindow::showPage() {
+  PageRun* run = driver.session().run();
+  if (!run) return screen->show(nullptr);
+  screen->show(run->player().window().data());
+  console->setLog(run->log(), run->complaints());
+  if (pointedAt) showPointed(pointedAt);
+  if (!driver.stopped().empty()) state->setText(QString::fromStdString("A script was " + driver.stopped()));
+}
+
+void StudioWindow::showErrors() { errors->setMessages(driver.session().errors()); }
+
+void StudioWindow::showPointed(std::optional<QPoint> pixel) {
+  pointedAt = pixel;
+  PageRun* run = driver.session().run();
+  if (!run || driver.isBusy()) return loupe->point(nullptr, std::nullopt, {});
+  loupe->point(run->player().window().data(), pixel, pixel ? storedPixel(run->engine(), *pixel) : QString());
+}
+
+void StudioWindow::setZoom(int factor) {
+  screen->setZoom(factor);
+  zoomText->setText(QString("%1\u00d7").arg(screen->zoom()));
+}
+
+void StudioWindow::fitZoom() {
+  int factor = 1;
+  const QSize room = surround->viewport()->size();
+  for (setZoom(factor); factor <= ScreenView::kMostZoom; ++factor) {
+    setZoom(factor);
+    if (screen->width() > room.width() || screen->height() > room.height()) break;
+  }
+  setZoom(factor - 1);
+}
+
+void StudioWindow::openPlace(const KitMessage& message) {
+  if (message.file.empty()) return;
+  EditorChoice choice{qEnvironmentVariable("VISUAL", qEnvironmentVariable("EDITOR")).toStdString(), {}};
+  for (const char* program : {"code", "codium", "xdg-open"})
+    if (!QStandardPaths::findExecutable(program).isEmpty()) choice.programs.push_back(program);
+  const auto command = editorCommand(choice, std::filesystem::absolute(message.file).string(), message.line);
+  QStringList arguments;
+  if (command)
+    for (size_t i = 1; i < command->size(); ++i) arguments.push_back(QString::fromStdString((*command)[i]));
+  if (!command || !QProcess::startDetached(QString::fromStdString(command->front()), arguments))
+    state->setText("There is no editor to open it with; set VISUAL to yours");
+}
+
+void StudioWindow::savePicture() {
+  PageRun* run = driver.session().run();
+  if (!run) return;
+  // The pixels of the moment, not those when the dialog ends.
+  const std::vector<uint32_t> pixels = run->player().window();
+  const QString name = QString::fromStdString(std::filesystem::path(page).stem().string()) + ".png";
+  const QString file = QFileDialog::getSaveFileName(this, "Save the picture", name, "Pictures (*.png)");
+  if (file.isEmpty()) return;
+  try {
+    writePng(file.toStdString(), ScreenView::kWidth, ScreenView::kHeight, pixels);
+  } catch (const KitError& e) {
+    QMessageBox::warning(this, "The picture can't be saved", QString::fromStdString(e.what()));
+  }
+}
+
+void StudioWindow::setRecording(bool on) {
+  recording = on;
+  if (on) return driver.restart();
+  Recording done = driver.session().recording();
+  const QString name = QString::fromStdString(std::filesystem::path(page).stem().string()) + ".recording.yaml";
+  const QString file = QFileDialog::getSaveFileName(this, "Save the recording", name, "Recordings (*.yaml)");
+  if (file.isEmpty()) return;
+  const std::string path = file.toStdString();
+  std::error_code error;
+  const auto relative = std::filesystem::relative(page, std::filesystem::path(path).parent_path(), error);
+  if (!error && !relative.empty()) done.page = relative.generic_string();
+  try {
+    const std::string text = recordingText(done);
+    writeFile(path, text.data(), text.size());
+  } catch (const KitError& e) {
+    QMessageBox::warning(this, "The recording can't be saved", QString::fromStdString(e.what()));
+  }
+}
+
+void StudioWindow::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::PaletteChange && errors) showErrors();
+  QMainWindow::changeEvent(event);
+}

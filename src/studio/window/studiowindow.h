@@ -1,0 +1,59 @@
+// The author's window: the screen with a remote control beside it, the inspector, and the console below.
+#pragma once
+
+#include <QElapsedTimer>
+#include <QMainWindow>
+#include <memory>
+
+#include "studio/window/consoleview.h"
+#include "studio/window/driver.h"
+#include "studio/window/errorbar.h"
+#include "studio/window/loupeview.h"
+#include "studio/window/remoteview.h"
+#include "studio/window/screenview.h"
+
+class QLabel;
+class QScrollArea;
+class QToolBar;
+
+class StudioWindow : public QMainWindow {
+ public:
+  explicit StudioWindow(const std::string& page);
+
+  PageDriver& pageDriver() { return driver; }
+  ScreenView& screenView() { return *screen; }
+  RemoteView& remoteView() { return *remote; }
+  ConsoleView& consoleView() { return *console; }
+  ErrorBar& errorBar() { return *errors; }
+
+ protected:
+  void changeEvent(QEvent* event) override;
+
+ private:
+  void buildViews();
+  void buildTools();
+  QAction* tool(QToolBar* bar, const QString& text, const char* keys, const QIcon& icon, std::function<void(bool)> work,
+                bool isSwitch = false);
+  void press(const QString& key);
+  void showPage();
+  void showErrors();
+  void showPointed(std::optional<QPoint> pixel);
+  void setZoom(int factor);
+  void fitZoom();
+  void openPlace(const KitMessage& message);
+  void savePicture();
+  void setRecording(bool on);
+
+  const std::string page;
+  PageDriver driver;
+  ScreenView* screen;
+  QScrollArea* surround;
+  RemoteView* remote;
+  LoupeView* loupe;
+  ConsoleView* console;
+  ErrorBar* errors = nullptr;
+  QLabel *state, *zoomText;
+  QAction *pauseAction, *stopAction;
+  std::optional<QPoint> pointedAt;
+  bool recording = false;
+};

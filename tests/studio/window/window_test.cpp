@@ -1,0 +1,135 @@
+// The real window: what an author does with it, and what is to be seen then.
+#include "studio/window/studiowindow.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QTest>
+
+#include "kit/files.h"
+#include "studio/window/look.h"
+#include "support/temporaryfolder.h"
+
+namespace {
+
+constexpr int kLong = 20000;  // milliseconds, for what comes
+
+class WindowTest : public testing::Test {
+ protected:
+  void write(const std::string& text) { writeFile(page, text.data(), text.size()); }
+
+  static std::string source(const std::string& color) {
+    return "flags: 16bit\npage: {type: group, width: 720, height: 480, bgColor: '" + color +
+           "', start: n, children: [\n"
+           "  {type: number, name: n, width: 90, height: 20, value: 1, navigate: leftRight}]}\n";
+  }
+
+  void open() {
+    window = std::make_unique<StudioWindow>(page);
+    window->resize(1180, 800);
+    window->show();
+    window->pageDriver().restart();
+  }
+
+  // As the desktop shows it, in the middle of the screen's lower right corner.
+  QColor shown() {
+    QImage image = window->screenView().grab().toImage();
+    return image.pixelColor(image.width() - 10, image.height() - 10);
+  }
+
+  std::string value() {
+    return std::to_string(
+        std::get<int32_t>(readKeptState(window->pageDriver().session().run()->engine()).values.at("n")));
+  }
+
+  const TemporaryFolder folder;
+  const std::string page = (folder.path() / "p.yaml").string();
+  std::unique_ptr<StudioWindow> window;
+};
+
+TEST_F(WindowTest, ASaveIsOnTheScreenWithWhatWasDone) {
+  write(source("#000000"));
+  open();
+  EXPECT_EQ(shown(), QColor(Qt::black));
+  QTest::keyClick(&window->screenView(), Qt::Key_Right);
+  QTest::keyClick(&window->screenView(), Qt::Key_L);
+  EXPECT_EQ(value(), "3");
+  write(source("#FFFFFF"));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return shown().lightness() > 240; }, kLong));
+  EXPECT_EQ(value(), "3");
+  EXPECT_FALSE(window->errorBar().isVisible());
+}
+
+TEST_F(WindowTest, AnErrorShowsOverTheLastGoodPageUntilItIsMended) {
+  write(source("#FFFFFF"));
+  open();
+  std::vector<KitMessage> clicked;
+  window->errorBar().clicked = [&](const KitMessage& message) { clicked.push_back(message); };
+  write("page: {type: gruop}\n");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return window->errorBar().isVisible(); }, kLong));
+  EXPECT_GT(shown().lightness(), 240);
+  QTest::mouseClick(&window->errorBar(), Qt::LeftButton);
+  ASSERT_EQ(clicked.size(), 1u);
+  EXPECT_EQ(clicked[0].line, 1);
+  write(source("#000000"));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !window->errorBar().isVisible(); }, kLong));
+  EXPECT_EQ(shown(), QColor(Qt::black));
+}
+
+TEST_F(WindowTest, TheRemoteControlAndTheConsoleDriveThePage) {
+  write(source("#000000"));
+  open();
+  RemoteView& remote = window->remoteView();
+  QTest::mouseClick(&remote, Qt::LeftButton, Qt::NoModifier, QPoint(remote.width() - 40, 14 + 48 + 20));  // right
+  EXPECT_EQ(value(), "2");
+  window->consoleView().entered("widgets.n.value = 7;");
+  EXPECT_EQ(value(), "7");
+  EXPECT_EQ(window->pageDriver().session().recording().actions.size(), 2u);
+}
+
+// The window goes on while a script runs for ever; a save ends it, and shows the page without the mistake.
+TEST_F(WindowTest, AnEndlessScriptHoldsUpNothing) {
+  write(source("#000000"));
+  open();
+  bool wasBusy = false, saved = false;
+  PageDriver& driver = window->pageDriver();
+  const auto busy = driver.busy;
+  driver.busy = [&] {
+    busy();
+    wasBusy |= driver.isBusy();
+    if (!saved) write(source("#FFFFFF"));
+    saved = true;
+  };
+  window->consoleView().entered("for (;;);");
+  EXPECT_TRUE(wasBusy);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return shown().lightness() > 240; }, kLong));
+  EXPECT_FALSE(driver.isBusy());
+}
+
+TEST_F(WindowTest, PixelsAreMagnifiedWithoutSmoothing) {
+  write(
+      "flags: 16bit\npage: {type: group, width: 720, height: 480, bgColor: '#000000', children: [\n"
+      "  {x: 10, y: 10, width: 1, height: 1, bgColor: '#FFFFFF'}]}\n");
+  open();
+  window->screenView().setGrid(false);
+  for (const int zoom : {1, 3, 8}) {
+    window->screenView().setZoom(zoom);
+    const QImage image = window->screenView().grab().toImage();
+    ASSERT_EQ(image.size(), QSize(720 * zoom, 480 * zoom));
+    int light = 0;
+    for (int y = 0; y < 30 * zoom; ++y)
+      for (int x = 0; x < 30 * zoom; ++x) light += image.pixelColor(x, y).lightness() > 240;
+    EXPECT_EQ(light, zoom * zoom);
+    EXPECT_GT(image.pixelColor(10 * zoom, 10 * zoom).lightness(), 240);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (qEnvironmentVariableIsEmpty("DISPLAY")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  QApplication application(argc, argv);
+  applyLook(application, false);
+  testing::InitGoogleTest(&argc, argv);
+  return RUN_ALL_TESTS();
+}
