@@ -3,9 +3,9 @@
 #include <iostream>
 #include <memory>
 
+#include "kit/depfile.h"
 #include "kit/files.h"
 #include "kit/project/build.h"
-#include "kit/project/depfile.h"
 #include "kit/source/pagebuild.h"
 #include "kpg/commands.h"
 #include "kpg/projectbuild.h"
@@ -26,18 +26,22 @@ bool isProject(const std::string& source) {
   return source.empty() || fs::is_directory(source, error) || fs::path(source).filename() == kProjectFileName;
 }
 
-void writeDepfile(const BuildCommandOptions& options, const std::string& target,
-                  const std::vector<std::string>& inputs) {
-  if (options.depfile.empty()) return;
-  const std::string text = depfileText(target, inputs);
-  writeFile(options.depfile, text.data(), text.size());
+void buildOnePage(const BuildCommandOptions& options) {
+  buildPage(
+      options.source, options.output, [](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; },
+      options.page, options.depfile);
 }
 
-void buildOnePage(const BuildCommandOptions& options) {
-  const BuiltPage page = buildPage(
-      options.source, options.output, [](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; },
-      options.page);
-  writeDepfile(options, options.output, page.sources);
+// It must be neither an input nor what the build itself has written.
+void writeDepfile(const std::string& depfile, const Project& project, const BuildReport& report) {
+  if (depfile.empty()) return;
+  const std::string target = outputPath(project, kManifestName);
+  std::vector<std::string> files = report.inputs;
+  for (const std::string& file : report.files) files.push_back(outputPath(project, file));
+  files.push_back(target);
+  refuseClashes({depfile}, files);
+  const std::string text = depfileText(target, report.inputs);
+  writeFile(depfile, text.data(), text.size());
 }
 
 // A page of the project around it, into the project's folder of built files.
@@ -50,7 +54,7 @@ void buildPageOfProject(BuildCommandOptions options) {
     throw KitError(options.source, "is none of the pages of " + file + "; add it there, or say -o PAGE.kpg");
   if (options.page.strip) project.strip = true;
   const BuildReport report = buildOnTerminal(project, options.project);
-  writeDepfile(options, outputPath(project, kManifestName), report.inputs);
+  writeDepfile(options.depfile, project, report);
 }
 
 void buildWholeProject(const BuildCommandOptions& options) {
@@ -58,12 +62,12 @@ void buildWholeProject(const BuildCommandOptions& options) {
   Project project = openProject(options.source, options.output);
   if (options.page.strip) project.strip = true;
   const BuildReport report = buildOnTerminal(project, options.project);
-  writeDepfile(options, outputPath(project, kManifestName), report.inputs);
+  writeDepfile(options.depfile, project, report);
 }
 
 void printPlain(const std::string& source, const std::string& output) {
   const PlainSource plain = plainPageSource(source);
-  refuseInput(output, plain.sources);
+  refuseClashes({output}, plain.sources);
   writeFile(output.empty() ? "-" : output, plain.text.data(), plain.text.size());
 }
 

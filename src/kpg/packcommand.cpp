@@ -58,7 +58,7 @@ void addPackCommand(CommandLine& line) {
       output = defaultPackName(project);
       refuseForeign(output, isKitZip, "say -o FILE.zip");
     }
-    refuseInput(output, built.inputs);
+    refuseClashes({output}, built.inputs);
     const size_t size = writePack(project, pack, output);
     print(pack, output, size);
   });

@@ -98,10 +98,7 @@ Shot playAside(const ShotOptions& options) {
 }
 
 void checkOutputs(const ShotOptions& options, bool named) {
-  if (!options.log.empty() && options.log == options.output)
-    throw KitError("kpg shot: the picture and the log can't both go to '" + options.log + "'");
-  refuseInput(options.output, {options.page});
-  refuseInput(options.log, {options.page});
+  refuseClashes({options.output, options.log}, {options.page});
   if (!named) refuseForeign(options.output, isKitPng, "say -o to write over it, or to use another name");
 }
 
@@ -109,7 +106,7 @@ void checkOutputs(const ShotOptions& options, bool named) {
 void save(const ShotOptions& options, const Shot& shot) {
   std::string problem;
   if (!options.log.empty()) try {
-      refuseInput(options.log, shot.inputs);
+      refuseClashes({options.log}, shot.inputs);
       writeFile(options.log, shot.log.data(), shot.log.size());
     } catch (const KitError& e) {
       problem = e.what();
@@ -119,7 +116,7 @@ void save(const ShotOptions& options, const Shot& shot) {
     if (!problem.empty()) std::cerr << problem << "\n";
     throw KitError(shot.stopped.empty() ? lastLine(shot.log) : "");
   }
-  refuseInput(options.output, shot.inputs);
+  refuseClashes({options.output}, shot.inputs);
   writePng(options.output, shot.picture.width, shot.picture.height, shot.picture.pixels);
   if (!problem.empty()) throw KitError(problem);
 }

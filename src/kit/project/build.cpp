@@ -242,7 +242,7 @@ class ProjectBuild {
       if (file.name.starts_with("../") || fs::path(file.name).is_absolute())
         throw KitError(
             messageAt(step.place, step.name + " would write " + file.name + ", outside of the output folder"));
-      refuseInput(path, result.inputs);
+      refuseClashes({path}, result.inputs);
       const std::string hash = contentHash(file.bytes);
       if (hashBefore(file.name) != hash) written.push_back(file.name);
       if (fileHash(path) == hash) continue;

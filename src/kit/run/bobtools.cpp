@@ -37,7 +37,7 @@ bool runBobFile(BobRuntime& runtime, const std::string& path) {
 
 bool compileBobFile(BobRuntime& runtime, const std::string& source, const std::string& object,
                     const BobCodeNames& names) {
-  refuseInput(object, {source});
+  refuseClashes({object}, {source});
   BobInterp* interp = runtime.interp;
   const std::unique_ptr<BobStream> input = open(interp, source, "r");
   BobTextStream output;

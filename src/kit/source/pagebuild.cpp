@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "gfx/foundation/hsascii.h"
+#include "kit/depfile.h"
 #include "kit/files.h"
 #include "kit/run/bobruntime.h"
 
@@ -30,17 +31,23 @@ BuiltPage compilePage(const std::string& source, const KitWarn& warn, const Page
 
 namespace {
 
-void writeBuilt(const BuiltPage& page, const std::string& source, const std::string& output) {
+void writeBuilt(const BuiltPage& page, const std::string& source, const std::string& output,
+                const std::string& depfile) {
   if (isStandardOutput(output) && !page.scriptFiles.empty())
     throw KitError(source, "its script files go beside the page, so the page needs a name; say -o PAGE.kpg");
-  refuseInput(output, page.sources);
+  std::vector<std::string> outputs{output, depfile};
   OutputFiles files;
   files.add(output, page.bytes.data(), page.bytes.size());
   for (const ScriptFile& script : page.scriptFiles) {
-    const std::string path = (fs::path(output).parent_path() / script.name).string();
-    refuseInput(path, page.sources);
+    const std::string& path = outputs.emplace_back((fs::path(output).parent_path() / script.name).string());
+    refuseClashes(outputs, page.sources);
     refuseForeign(path, isObjectFile, "rename the script file, or move what is there");
     files.add(path, script.bytes.data(), script.bytes.size());
+  }
+  refuseClashes(outputs, page.sources);
+  if (!depfile.empty()) {
+    const std::string rule = depfileText(output, page.sources);
+    files.add(depfile, rule.data(), rule.size());
   }
   files.finish();
 }
@@ -48,10 +55,10 @@ void writeBuilt(const BuiltPage& page, const std::string& source, const std::str
 }  // namespace
 
 BuiltPage buildPage(const std::string& source, const std::string& output, const KitWarn& warn,
-                    const PageSourceOptions& options) {
+                    const PageSourceOptions& options, const std::string& depfile) {
   BuiltPage page = compilePage(source, warn, options);
   try {
-    writeBuilt(page, source, output);
+    writeBuilt(page, source, output, depfile);
   } catch (const KitError& e) {
     throw BuildError(e.messages, std::move(page.sources));
   }

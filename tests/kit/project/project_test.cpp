@@ -12,7 +12,7 @@
 #include "kit/pictures/png.h"
 #include "kit/project/archive.h"
 #include "kit/project/build.h"
-#include "kit/project/depfile.h"
+#include "kit/depfile.h"
 #include "kit/project/pack.h"
 #include "kit/project/runsteps.h"
 #include "kit/version.h"
