@@ -1,18 +1,39 @@
 #include "kit/source/pagebuild.h"
 
 #include <filesystem>
+#include <string_view>
 #include <utility>
 
+#include "engine/format/pagefile.h"
 #include "gfx/foundation/hsascii.h"
 #include "kit/depfile.h"
 #include "kit/files.h"
 #include "kit/run/bobruntime.h"
+#include "kit/utf8.h"
 
 namespace fs = std::filesystem;
 
+namespace {
+
+// A damaged page stays one, whatever it holds.
+bool isTextFile(const std::string& path) try {
+  std::error_code error;
+  if (!fs::is_regular_file(path, error) || hsAsciiEqualIgnoringCase(fs::path(path).extension().c_str(), ".kpg"))
+    return false;
+  const std::vector<uint8_t> bytes = readFile(path);
+  const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+  return !text.empty() && !text.starts_with(kPageMagic) && text.find('\0') == std::string_view::npos &&
+         firstBadUtf8(text) == std::string_view::npos;
+} catch (const KitError&) {
+  return false;  // whoever opens it will say why
+}
+
+}  // namespace
+
 bool isPageSource(const std::string& path) {
   const std::string extension = fs::path(path).extension().string();
-  return hsAsciiEqualIgnoringCase(extension.c_str(), ".yaml") || hsAsciiEqualIgnoringCase(extension.c_str(), ".yml");
+  return hsAsciiEqualIgnoringCase(extension.c_str(), ".yaml") || hsAsciiEqualIgnoringCase(extension.c_str(), ".yml") ||
+         isTextFile(path);
 }
 
 BuiltPage compilePage(const std::string& source, const KitWarn& warn, const PageSourceOptions& options) {

@@ -18,7 +18,7 @@ struct BuiltPage {
   PagePlaces places;
 };
 
-// By its name: .yaml or .yml.
+// By its name, .yaml or .yml, or for want of that by its contents: a text.
 bool isPageSource(const std::string& path);
 
 // Throws BuildError.
