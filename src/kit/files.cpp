@@ -162,7 +162,7 @@ OutputFiles::~OutputFiles() {
 void OutputFiles::add(const std::string& path, const void* bytes, size_t size) {
   struct stat before;
   const bool exists = stat(path.c_str(), &before) == 0;
-  if (exists && S_ISDIR(before.st_mode)) failWriting(path, EISDIR);
+  if (exists && S_ISDIR(before.st_mode) && !openFileNamed(path)) failWriting(path, EISDIR);
   if (openFileNamed(path) || (exists && !S_ISREG(before.st_mode))) {
     into.push_back({path, std::string(static_cast<const char*>(bytes), size)});
     return;

@@ -1,4 +1,6 @@
 // kpg build: a page source becomes a page, or a project everything that it describes.
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -90,6 +92,9 @@ void addBuildCommand(CommandLine& line) {
   command.flag("--strip", options->page.strip, "Leave out the names of scripts, by which an error says where it is");
   command.flag("--expand", options->expand, "Print the source without constants, templates and the like instead");
   command.runs([options] {
+    std::error_code error;
+    if (!options->source.empty() && !fs::exists(options->source, error))
+      throw KitError(options->source, std::strerror(ENOENT));
     if (isProject(options->source)) return buildWholeProject(*options);
     if (options->expand) return printPlain(options->source, options->output);
     options->output.empty() ? buildPageOfProject(*options) : buildOnePage(*options);
