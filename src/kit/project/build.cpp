@@ -259,7 +259,7 @@ class ProjectBuild {
   }
 
   bool wasChangedByHand(const std::string& output) {
-    const std::string there = hashesBefore[output];
+    const std::string& there = hashBefore(output);
     bool wasBuilt = false;
     for (const auto& [name, step] : before.steps)
       for (const FileRecord& file : step.outputs) {
