@@ -113,6 +113,22 @@ std::string writeBeside(const std::string& path, const fs::path& target, const s
   failWriting(path, error);
 }
 
+bool isSameRegularFile(const std::string& a, const std::string& b) {
+  std::error_code error;
+  return !isStandardOutput(a) && fs::is_regular_file(b, error) && fs::equivalent(a, b, error);
+}
+
+// Neither file needs to be there yet. A device takes as many outputs as it is given.
+bool isSameOutput(const std::string& a, const std::string& b) {
+  if (isStandardOutput(a) || isStandardOutput(b)) return isStandardOutput(a) && isStandardOutput(b);
+  std::error_code error;
+  if (fs::exists(a, error) || fs::exists(b, error)) return isSameRegularFile(a, b);
+  const auto place = [&](const std::string& path) {
+    return fs::weakly_canonical(fs::absolute(followLinks(path), error), error);
+  };
+  return place(a) == place(b);
+}
+
 }  // namespace
 
 std::vector<uint8_t> readFile(const std::string& path) {
@@ -146,7 +162,7 @@ OutputFiles::~OutputFiles() {
 void OutputFiles::add(const std::string& path, const void* bytes, size_t size) {
   struct stat before;
   const bool exists = stat(path.c_str(), &before) == 0;
-  if (exists && S_ISDIR(before.st_mode)) failWriting(path, EISDIR);
+  if (exists && S_ISDIR(before.st_mode) && !openFileNamed(path)) failWriting(path, EISDIR);
   if (openFileNamed(path) || (exists && !S_ISREG(before.st_mode))) {
     into.push_back({path, std::string(static_cast<const char*>(bytes), size)});
     return;
@@ -168,14 +184,20 @@ void OutputFiles::finish() {
   }
 }
 
-void refuseInput(const std::string& output, const std::vector<std::string>& inputs) {
-  std::error_code error;
-  if (isStandardOutput(output)) return;
-  for (const std::string& input : inputs)
-    if (fs::is_regular_file(input, error) && fs::equivalent(output, input, error))
-      throw KitError(output, output == input
-                                 ? "is an input, and would be written over"
-                                 : "is the same file as the input '" + input + "', and would be written over");
+void refuseClashes(const std::vector<std::string>& outputs, const std::vector<std::string>& inputs) {
+  for (size_t i = 0; i < outputs.size(); ++i) {
+    const std::string& output = outputs[i];
+    if (output.empty()) continue;
+    for (const std::string& input : inputs)
+      if (isSameRegularFile(output, input))
+        throw KitError(output, output == input
+                                   ? "is an input, and would be written over"
+                                   : "is the same file as the input '" + input + "', and would be written over");
+    for (size_t k = 0; k < i; ++k)
+      if (isSameOutput(output, outputs[k]))
+        throw KitError((isStandardOutput(output) ? "the standard output" : "'" + output + "'") +
+                       std::string(" can't take two outputs; give each a name of its own"));
+  }
 }
 
 void refuseForeign(const std::string& path, bool (*isOurs)(const std::vector<uint8_t>& bytes),

@@ -37,8 +37,9 @@ class OutputFiles {
   std::vector<Into> into;
 };
 
-// Throws if `output` is one of the inputs, under whatever name, or leads to one.
-void refuseInput(const std::string& output, const std::vector<std::string>& inputs);
+// Throws if one of the outputs of a command is one of its inputs, under whatever name, or another of its outputs. An
+// empty name is no file.
+void refuseClashes(const std::vector<std::string>& outputs, const std::vector<std::string>& inputs);
 
 // For an output whose name nobody gave: throws if there is a file of that name which `isOurs` doesn't recognise.
 // `advice` says what to do then.

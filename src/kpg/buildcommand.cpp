@@ -1,11 +1,13 @@
 // kpg build: a page source becomes a page, or a project everything that it describes.
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <iostream>
 #include <memory>
 
+#include "kit/depfile.h"
 #include "kit/files.h"
 #include "kit/project/build.h"
-#include "kit/project/depfile.h"
 #include "kit/source/pagebuild.h"
 #include "kpg/commands.h"
 #include "kpg/projectbuild.h"
@@ -26,18 +28,22 @@ bool isProject(const std::string& source) {
   return source.empty() || fs::is_directory(source, error) || fs::path(source).filename() == kProjectFileName;
 }
 
-void writeDepfile(const BuildCommandOptions& options, const std::string& target,
-                  const std::vector<std::string>& inputs) {
-  if (options.depfile.empty()) return;
-  const std::string text = depfileText(target, inputs);
-  writeFile(options.depfile, text.data(), text.size());
+void buildOnePage(const BuildCommandOptions& options) {
+  buildPage(
+      options.source, options.output, [](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; },
+      options.page, options.depfile);
 }
 
-void buildOnePage(const BuildCommandOptions& options) {
-  const BuiltPage page = buildPage(
-      options.source, options.output, [](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; },
-      options.page);
-  writeDepfile(options, options.output, page.sources);
+// It must be neither an input nor what the build itself has written.
+void writeDepfile(const std::string& depfile, const Project& project, const BuildReport& report) {
+  if (depfile.empty()) return;
+  const std::string target = outputPath(project, kManifestName);
+  std::vector<std::string> files = report.inputs;
+  for (const std::string& file : report.files) files.push_back(outputPath(project, file));
+  files.push_back(target);
+  refuseClashes({depfile}, files);
+  const std::string text = depfileText(target, report.inputs);
+  writeFile(depfile, text.data(), text.size());
 }
 
 // A page of the project around it, into the project's folder of built files.
@@ -50,7 +56,7 @@ void buildPageOfProject(BuildCommandOptions options) {
     throw KitError(options.source, "is none of the pages of " + file + "; add it there, or say -o PAGE.kpg");
   if (options.page.strip) project.strip = true;
   const BuildReport report = buildOnTerminal(project, options.project);
-  writeDepfile(options, outputPath(project, kManifestName), report.inputs);
+  writeDepfile(options.depfile, project, report);
 }
 
 void buildWholeProject(const BuildCommandOptions& options) {
@@ -58,12 +64,12 @@ void buildWholeProject(const BuildCommandOptions& options) {
   Project project = openProject(options.source, options.output);
   if (options.page.strip) project.strip = true;
   const BuildReport report = buildOnTerminal(project, options.project);
-  writeDepfile(options, outputPath(project, kManifestName), report.inputs);
+  writeDepfile(options.depfile, project, report);
 }
 
 void printPlain(const std::string& source, const std::string& output) {
   const PlainSource plain = plainPageSource(source);
-  refuseInput(output, plain.sources);
+  refuseClashes({output}, plain.sources);
   writeFile(output.empty() ? "-" : output, plain.text.data(), plain.text.size());
 }
 
@@ -86,6 +92,9 @@ void addBuildCommand(CommandLine& line) {
   command.flag("--strip", options->page.strip, "Leave out the names of scripts, by which an error says where it is");
   command.flag("--expand", options->expand, "Print the source without constants, templates and the like instead");
   command.runs([options] {
+    std::error_code error;
+    if (!options->source.empty() && !fs::exists(options->source, error))
+      throw KitError(options->source, std::strerror(ENOENT));
     if (isProject(options->source)) return buildWholeProject(*options);
     if (options->expand) return printPlain(options->source, options->output);
     options->output.empty() ? buildPageOfProject(*options) : buildOnePage(*options);

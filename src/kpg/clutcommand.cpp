@@ -22,7 +22,7 @@ void makeTable(const ClutOptions& options) {
     const auto colors = standardClut();
     return writeClutFile(options.output, {colors.begin(), colors.end()});
   }
-  refuseInput(options.output, options.pictures);
+  refuseClashes({options.output}, options.pictures);
   writeClutFile(options.output, clutOfPictures(options.pictures, options.most));
 }
 

@@ -47,7 +47,10 @@ void addColorCommand(CommandLine& line) {
   auto colors = std::make_shared<std::vector<std::string>>();
   KpgCommand command =
       line.command("color", "Print what a 16-bit page shows for a colour, and what to write to keep its hue");
-  command.add("color", *colors, "The colour").required().check(problemOfColor).type("#RRGGBB");
+  command.add("color", *colors, "The colour; a # needs quotes in a shell, and can be left out")
+      .required()
+      .check(problemOfColor)
+      .type("#RRGGBB");
   command.runs([colors] {
     for (const std::string& color : *colors) tell(color);
   });

@@ -1,4 +1,4 @@
-// Colours on the command line, #RRGGBB.
+// Colours on the command line, #RRGGBB, or RRGGBB since a shell takes a bare # for a comment.
 #pragma once
 
 #include <cstdint>
@@ -7,9 +7,9 @@
 
 // 0x00RRGGBB, or nothing for what is no colour.
 inline std::optional<uint32_t> colorFromWord(const std::string& text) {
-  const bool good =
-      text.size() == 7 && text[0] == '#' && text.find_first_not_of("0123456789abcdefABCDEF", 1) == std::string::npos;
-  return good ? std::optional(uint32_t(std::stoul(text.substr(1), nullptr, 16))) : std::nullopt;
+  const std::string digits = text.starts_with('#') ? text.substr(1) : text;
+  const bool good = digits.size() == 6 && digits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
+  return good ? std::optional(uint32_t(std::stoul(digits, nullptr, 16))) : std::nullopt;
 }
 
 // For KpgOption::check.

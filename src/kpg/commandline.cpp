@@ -43,7 +43,11 @@ std::string problem(CLI::App& command, const CommandSummary& summary, const CLI:
     for (const CLI::Option* option : command.get_options())
       if (option->get_positional() && option->get_required() && option->empty())
         return "a word is missing, " + option->get_type_name();
-  return error.what();
+  std::string text = error.what();
+  for (const CLI::Option* option : command.get_options())
+    if (option->get_positional() && text.starts_with(option->get_name() + ": "))
+      text.erase(0, option->get_name().size() + 2);
+  return text;
 }
 
 }  // namespace
@@ -69,7 +73,12 @@ KpgOption& KpgOption::between(size_t least, size_t most) {
 }
 
 KpgOption& KpgOption::notNegative() {
-  option->check(CLI::NonNegativeNumber);
+  option->check(CLI::Validator(
+      [](const std::string& value) {
+        double number;
+        return CLI::detail::lexical_cast(value, number) && number >= 0 ? "" : "'" + value + "' is no number from 0 up";
+      },
+      ""));
   return *this;
 }
 

@@ -14,7 +14,7 @@ struct CompileOptions {
 void compile(const CompileOptions& options) {
   StandardRuntime runtime;
   const BobCodeNames names = options.names ? codeNamesByLine(options.source) : nullptr;
-  failUnless(compileBobFile(runtime, options.source, options.object, names));
+  runtime.failUnless(compileBobFile(runtime, options.source, options.object, names));
 }
 
 }  // namespace

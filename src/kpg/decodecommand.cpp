@@ -8,7 +8,7 @@ namespace {
 
 void decode(const std::string& path) {
   StandardRuntime runtime;
-  failUnless(listBobFile(runtime, path));
+  runtime.failUnless(listBobFile(runtime, path));
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ void show(const std::string& path, const std::string& picture) {
   (isStandardOutput(picture) ? std::cerr : std::cout) << report.text << std::flush;
   if (!report.problem.empty()) throw KitError(path, report.problem);
   if (picture.empty()) return;
-  refuseInput(picture, {path});
+  refuseClashes({picture}, {path});
   const Picture specimen = drawSpecimen(path);
   writePng(picture, int(specimen.width), int(specimen.height), specimen.pixels);
 }

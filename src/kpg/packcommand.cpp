@@ -50,15 +50,16 @@ void addPackCommand(CommandLine& line) {
       .add("-o,--out", options->output, "A folder, a .zip or a .tar.gz; by default a .zip of the project's name in it")
       .type("FOLDER|FILE");
   command.runs([options] {
+    if (!options->output.empty()) checkPackName(options->output);
     const Project project = openProject(options->project);
     const BuildReport built = buildOnTerminal(project);
     const Pack pack = planPack(project, built);
     std::string output = options->output;
     if (output.empty()) {
       output = defaultPackName(project);
-      refuseForeign(output, isKitZip, "say -o FILE.zip");
+      refuseForeign(output, isKitZip, "say -o NAME.zip to pack into another file");
     }
-    refuseInput(output, built.inputs);
+    refuseClashes({output}, built.inputs);
     const size_t size = writePack(project, pack, output);
     print(pack, output, size);
   });

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "kit/errors.h"
+#include "kit/files.h"
 #include "kpg/progressbar.h"
 
 namespace fs = std::filesystem;
@@ -25,7 +26,11 @@ Project openProject(const std::string& folder, const std::string& output) {
     if (!fs::exists(file, error)) throw KitError(folder, std::string("has no ") + kProjectFileName);
   }
   Project project = readProject(file);
-  if (!output.empty()) project.output = fs::absolute(output).lexically_normal().string();
+  if (output.empty()) return project;
+  if (isStandardOutput(output)) throw KitError("a project is built into a folder; -o names that");
+  project.output = fs::absolute(output).lexically_normal().string();
+  if (fs::equivalent(project.output, project.folder.empty() ? "." : project.folder, error))
+    throw KitError(output, "is the project's own folder; built files need one of their own");
   return project;
 }
 
@@ -42,8 +47,13 @@ BuildReport buildOnTerminal(const Project& project, BuildOptions options) {
   }
   const BuildReport report = buildProject(project, options);
   bar.clear();
-  if (bar.isShown() || report.made == 0)
-    std::cout << (report.made == 0 ? "nothing has changed" : std::to_string(report.made) + " files made") << ", "
-              << report.files.size() << " in " << outputPath(project, "") << "\n";
+  const auto files = [](size_t n) { return std::to_string(n) + (n == 1 ? " file" : " files"); };
+  if (report.removed > 0) std::cout << files(report.removed) << " removed, which the project no longer makes\n";
+  if (!bar.isShown() && report.made > 0) return report;
+  const char* const unchanged = options.all ? "all built again, and nothing has changed" : "nothing has changed";
+  std::cout << (report.made > 0      ? files(report.made) + " made"
+                : report.removed > 0 ? "nothing made"
+                                     : unchanged)
+            << ", " << report.files.size() << " in " << outputPath(project, "") << "\n";
   return report;
 }

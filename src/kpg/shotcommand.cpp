@@ -2,18 +2,21 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
-#include <sstream>
 
 #include "host/keytable.h"
 #include "kit/errors.h"
 #include "kit/files.h"
 #include "kit/pictures/png.h"
+#include "kit/project/plan.h"
 #include "kit/run/explain.h"
+#include "kit/run/longtext.h"
 #include "kit/run/pagerun.h"
 #include "kit/run/recording.h"
 #include "kit/run/stdoutaside.h"
+#include "kit/source/pagebuild.h"
 #include "kit/source/pagecut.h"
 #include "kpg/commands.h"
+#include "kpg/projectbuild.h"
 
 namespace {
 
@@ -32,39 +35,11 @@ struct Shot {
   PagePicture picture;
 };
 
-std::string lastLine(std::string log) {
-  while (!log.empty() && log.back() == '\n') log.pop_back();
-  return log.substr(log.rfind('\n') + 1);
-}
-
-std::vector<std::string> linesOf(std::string_view text) {
-  std::istringstream in{std::string(text)};
-  std::vector<std::string> lines;
-  for (std::string line; std::getline(in, line);) lines.push_back(line);
-  return lines;
-}
-
-// A traceback of thousands of lines hides what is above it.
-std::string cutInTheMiddle(std::string_view text) {
-  constexpr size_t kFirst = 12, kLast = 4;
-  const std::vector<std::string> lines = linesOf(text);
-  std::string out;
-  for (size_t i = 0; i < lines.size(); ++i) {
-    if (i == kFirst && lines.size() > kFirst + kLast + 1) {
-      const size_t left = lines.size() - kFirst - kLast;
-      out += "  ... " + std::to_string(left) + " more lines, which --log has ...\n";
-      i += left;
-    }
-    out += lines[i] + "\n";
-  }
-  return out;
-}
-
-// What the system reports apart from its console. Nobody waits to hear that it has ended well.
+// What the system reports apart from its console. Nobody waits to hear how it manages its memory.
 bool forward(const std::string& aside) {
   bool complained = false;
   for (const std::string& line : linesOf(aside)) {
-    if (line == "deleting glyph cache") continue;
+    if (line == "deleting glyph cache" || line.starts_with("glyph cache exceeded ")) continue;
     std::cerr << line << "\n";
     complained = true;
   }
@@ -84,7 +59,8 @@ Shot play(const ShotOptions& options) {
   shot.log = run.log();
   shot.stopped = run.stopped();
   shot.inputs = run.inputs();
-  for (const std::string_view complaint : run.complaints()) shot.complaints.push_back(cutInTheMiddle(complaint));
+  for (const std::string_view complaint : run.complaints())
+    shot.complaints.push_back(cutInTheMiddle(complaint, ", which --log has"));
   shot.unusableFonts = run.unusableFonts();
   shot.picture = run.take();
   return shot;
@@ -98,18 +74,23 @@ Shot playAside(const ShotOptions& options) {
 }
 
 void checkOutputs(const ShotOptions& options, bool named) {
-  if (!options.log.empty() && options.log == options.output)
-    throw KitError("kpg shot: the picture and the log can't both go to '" + options.log + "'");
-  refuseInput(options.output, {options.page});
-  refuseInput(options.log, {options.page});
+  refuseClashes({options.output, options.log}, {options.page});
   if (!named) refuseForeign(options.output, isKitPng, "say -o to write over it, or to use another name");
+}
+
+// All that the system has complained of, as far as it did.
+std::string whyNotLoaded(const std::string& page, const Shot& shot) {
+  std::string all;
+  for (const std::string& complaint : shot.complaints) all += complaint;
+  while (all.ends_with('\n')) all.pop_back();
+  return all.empty() ? KitMessage{page, 0, "the player doesn't load it, and doesn't say why"}.whole() : all;
 }
 
 // The picture is saved even where the log can't be, as when whoever reads it has read enough.
 void save(const ShotOptions& options, const Shot& shot) {
   std::string problem;
   if (!options.log.empty()) try {
-      refuseInput(options.log, shot.inputs);
+      refuseClashes({options.log}, shot.inputs);
       writeFile(options.log, shot.log.data(), shot.log.size());
     } catch (const KitError& e) {
       problem = e.what();
@@ -117,17 +98,36 @@ void save(const ShotOptions& options, const Shot& shot) {
   if (!shot.stopped.empty()) std::cerr << options.page << ": " << shot.stopped << "\n";
   if (!shot.stopped.empty() || !shot.loaded) {
     if (!problem.empty()) std::cerr << problem << "\n";
-    throw KitError(shot.stopped.empty() ? lastLine(shot.log) : "");
+    if (!shot.stopped.empty()) throw KitError("");
+    throw KitError(whyNotLoaded(options.page, shot));
   }
-  refuseInput(options.output, shot.inputs);
+  refuseClashes({options.output}, shot.inputs);
   writePng(options.output, shot.picture.width, shot.picture.height, shot.picture.pixels);
   if (!problem.empty()) throw KitError(problem);
+}
+
+// A page of a project shows pictures and fonts that have to be built, so the project builds it, as far as that is due.
+// Any other source is compiled in memory.
+std::string builtPage(const std::string& source) {
+  const std::string file = findProject(fs::path(source).parent_path().string());
+  if (file.empty()) return source;
+  const Project project = readProject(file);
+  BuildOptions options;
+  options.page = pageOfProject(project, source);
+  if (options.page.empty()) return source;
+  options.warn = [](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; };
+  buildProject(project, options);
+  for (const BuildStep& step : planProject(project).steps)
+    if (step.name == pageStepName(options.page)) return outputPath(project, step.outputs.front());
+  return source;
 }
 
 void shoot(ShotOptions options) {
   const bool named = !options.output.empty();
   if (!named) options.output = fs::path(options.page).stem().string() + ".png";
   checkOutputs(options, named);
+  if (fs::is_directory(options.page)) throw KitError(options.page, "is a folder; name a page in it");
+  if (isPageSource(options.page)) options.page = builtPage(options.page);
   const bool cut = isCutShort(options.page);
   if (cut) std::cerr << KitMessage{options.page, 0, kPageIsCutShort}.whole() << "\n";
   const Shot shot = playAside(options);
@@ -145,7 +145,9 @@ void addShotCommand(CommandLine& line) {
   auto options = std::make_shared<ShotOptions>();
   options->limitSeconds = 10;
   KpgCommand command = line.command("shot", "Open a page or a page source, do the actions in order, save the screen");
-  command.add("page", options->page, "The page, or its source, which is compiled in memory")
+  command
+      .add("page", options->page,
+           "The page, or its source: a page of a project is built, any other is compiled in memory")
       .required()
       .type("PAGE.kpg|PAGE.yaml");
   command

@@ -115,11 +115,19 @@ TEST_F(FilesTest, AnInputIsKnownUnderAnyName) {
   writeFile(at("a"), "x", 1);
   fs::create_symlink("a", at("link"));
   fs::create_hard_link(at("a"), at("other"));
-  for (const char* name : {"a", "link", "other"}) EXPECT_THROW(refuseInput(at(name), {at("a")}), KitError) << name;
+  for (const char* name : {"a", "link", "other"}) EXPECT_THROW(refuseClashes({at(name)}, {at("a")}), KitError) << name;
   writeFile(at("b"), "x", 1);
-  EXPECT_NO_THROW(refuseInput(at("b"), {at("a")}));
-  EXPECT_NO_THROW(refuseInput(at("none"), {at("a"), at("none")}));
-  EXPECT_NO_THROW(refuseInput("-", {at("a")}));
+  EXPECT_NO_THROW(refuseClashes({at("b"), at("c"), ""}, {at("a")}));
+  EXPECT_NO_THROW(refuseClashes({at("none")}, {at("a"), at("none")}));
+  EXPECT_NO_THROW(refuseClashes({"-", "/dev/null", "/dev/null"}, {at("a")}));
+}
+
+TEST_F(FilesTest, TwoOutputsAreTwoFiles) {
+  writeFile(at("b"), "x", 1);
+  fs::create_symlink("none", at("link"));
+  const std::pair<std::string, std::string> cases[] = {
+      {at("b"), at("b")}, {at("none"), at("./none")}, {at("none"), at("link")}, {"-", "/dev/stdout"}};
+  for (const auto& [one, two] : cases) EXPECT_THROW(refuseClashes({one, two}, {}), KitError) << one;
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // The program as its users call it: exit statuses, streams, and the rules of a shot.
 #include <algorithm>
 
+#include "kit/pictures/png.h"
 #include "kpgfixture.h"
 #include "support/blockfont.h"
 
@@ -23,7 +24,10 @@ TEST_F(CommandsTest, ErrorsGoToTheErrorStreamWithStatusOne) {
       {"shot p.kpg --stict",
        "kpg shot: there is no option '--stict'; did you mean '--strict'?\nkpg shot --help lists its options\n"},
       {"build --colours=3", "kpg build: there is no option '--colours'\nkpg build --help lists its options\n"},
-      {"build p.yaml", "kpg build: --out is required\nkpg build --help lists its options\n"},
+      {"build p.yaml", "p.yaml: No such file or directory\n"},
+      {"color zz", "kpg color: 'zz' is no colour #RRGGBB\nkpg color --help lists its options\n"},
+      {"eval --timeout -1 '1;'",
+       "kpg eval: --timeout: '-1' is no number from 0 up\nkpg eval --help lists its options\n"},
       {"image -o p.kpx", "kpg image: a word is missing, IN.png|IN.gif\nkpg image --help lists its options\n"},
       {"dump a.kpg b.kpg", "kpg dump: there is one word too many, 'b.kpg'\nkpg dump --help lists its options\n"},
   };
@@ -136,7 +140,48 @@ TEST_F(CommandsTest, APageThatDoesNotLoadLeavesALogAndNoPicture) {
   EXPECT_EQ(kpg("shot p.kpg -o p.png --log log.txt"), 1);
   EXPECT_FALSE(std::filesystem::exists("p.png"));
   EXPECT_TRUE(text("log.txt").starts_with("Not a page file\nFailed to load page file: '"));
-  EXPECT_TRUE(err.starts_with("Failed to load page file: '"));
+  EXPECT_EQ(err, text("log.txt"));
+
+  // A text with nothing to say: the page is refused without a message.
+  writeText("p.yaml", "page: {type: text, maxLength: !int -1}");
+  ASSERT_EQ(kpg("build p.yaml -o p.kpg"), 0) << err;
+  EXPECT_EQ(kpg("shot p.kpg -o p.png"), 1);
+  EXPECT_EQ(err, "p.kpg: the player doesn't load it, and doesn't say why\n");
+}
+
+TEST_F(CommandsTest, WhatIsNoFileOfThatKindIsNamed) {
+  std::filesystem::create_directory("d");
+  for (const char* command : {"run d", "decode d", "compile d -o x.bobo", "shot d", "tree d", "dump d"}) {
+    EXPECT_EQ(kpg(command), 1) << command;
+    EXPECT_TRUE(err.starts_with("d: is a folder")) << command << err;
+  }
+  EXPECT_FALSE(std::filesystem::exists("x.bobo"));
+  build("o.kpg", "page: {}");
+  writePng("a.png", 1, 1, {0});
+  EXPECT_EQ(kpg("image a.png -o x.kpx --clut o.kpg"), 1);
+  EXPECT_EQ(err, "o.kpg: is a page, no colour table\n");
+  writeText("j.png", "\xFF\xD8\xFF");
+  EXPECT_EQ(kpg("image --list j.png"), 1);
+  EXPECT_EQ(err, "j.png: is a JPEG picture, no picture that the player or the kit reads\n");
+  // A source by another name is one, for all commands.
+  writeText("p.txt", "page: {width: 9, height: 9}\n");
+  for (const char* command : {"shot p.txt -o p.png", "tree p.txt", "build p.txt -o p.kpg"})
+    EXPECT_EQ(kpg(command), 0) << command << err;
+}
+
+TEST_F(CommandsTest, TheLanguageAloneIsEnded) {
+  EXPECT_EQ(kpg("eval --timeout 0.2 'for (;;) ;' 'for (;;) ;'"), 1);
+  EXPECT_TRUE(err.starts_with("stopped after 0.2 seconds of processor time")) << err;
+  writeText("spin.bob", "define spin() { while (true) ; }\nspin();\n");
+  EXPECT_EQ(kpg("run --timeout 0.2 spin.bob"), 1);
+  EXPECT_NE(err.find(" in spin"), std::string::npos) << err;
+}
+
+TEST_F(CommandsTest, AColourNeedsNoSignThatAShellTakesForAComment) {
+  ASSERT_EQ(kpg("color '#101830'"), 0);
+  const std::string quoted = out;
+  EXPECT_EQ(kpg("color 101830"), 0);
+  EXPECT_EQ(out, quoted);
 }
 
 TEST_F(CommandsTest, ThePlainSourceIsPrinted) {

@@ -43,13 +43,30 @@ TEST_F(OutputTest, NoCommandWritesOverItsInputs) {
   ASSERT_EQ(kpg("clut --standard -o a.clut"), 0);
   WriteFile("blocks.ttf", BlockFontFile());
   fs::create_symlink("a.png", "link.png");
-  for (const char* arguments : {"build m.yaml -o m.yaml", "build m.yaml -o tools.bob", "image a.png -o a.png",
-                                "image a.png -o link.png", "image a.png -o a.clut --clut a.clut", "clut a.png -o a.png",
-                                "font blocks.ttf -o blocks.ttf", "compile tools.bob -o tools.bob",
-                                "shot c.kpg -o c.kpg", "shot c.kpg -o x.png --log c.kpg", "shot m.yaml -o tools.bob"})
+  for (const char* arguments :
+       {"build m.yaml -o m.yaml", "build m.yaml -o tools.bob", "image a.png -o a.png", "image a.png -o link.png",
+        "image a.png -o a.clut --clut a.clut", "clut a.png -o a.png", "font blocks.ttf -o blocks.ttf",
+        "compile tools.bob -o tools.bob", "shot c.kpg -o c.kpg", "shot c.kpg -o x.png --log c.kpg",
+        "shot m.yaml -o tools.bob", "build m.yaml -o new.kpg --depfile m.yaml",
+        "build m.yaml -o new.kpg --depfile tools.bob"})
     expectNothingLost(arguments, "written over");
   expectNothingLost("image a.png -o b.clut", "is the name of the picture's colour table");
-  expectNothingLost("shot c.kpg -o x.png --log x.png", "can't both go to ");
+  expectNothingLost("shot c.kpg -o x.png --log x.png", "'x.png' can't take two outputs");
+}
+
+TEST_F(OutputTest, TheOutputsOfABuildAreFilesOfTheirOwn) {
+  for (const char* arguments : {"build c.yaml -o q.kpg --depfile q.kpg", "build c.yaml -o q.kpg --depfile ./q.kpg",
+                                "build c.yaml -o - --depfile -", "build m.yaml -o q.kpg --depfile tools.bobo"})
+    expectNothingLost(arguments, "can't take two outputs");
+  fs::create_directory("p");
+  writeText("p/vistrel.yaml", "pages: [a.yaml]\n");
+  writeText("p/a.yaml", "page: {}\n");
+  for (const char* name : {"vistrel.yaml", "a.yaml", "build/a.kpg", "build/.vistrel-build.json"}) {
+    EXPECT_EQ(kpg("build p --depfile p/" + std::string(name)), 1) << name;
+    EXPECT_NE(err.find("written over"), std::string::npos) << err;
+  }
+  EXPECT_EQ(text("p/vistrel.yaml"), "pages: [a.yaml]\n");
+  EXPECT_TRUE(text("p/build/a.kpg").starts_with("KPGF"));
 }
 
 TEST_F(OutputTest, AFileThatNobodyNamedIsWrittenOverOnlyIfKpgMadeIt) {
@@ -98,7 +115,7 @@ TEST_F(OutputTest, ADashIsTheStandardOutput) {
   EXPECT_FALSE(fs::exists("-"));
   expectNothingLost("build m.yaml -o -", "script files go beside the page");
   expectNothingLost("image a.png -o -", "colour table goes beside the picture");
-  expectNothingLost("shot c.kpg -o - --log -", "can't both go to '-'");
+  expectNothingLost("shot c.kpg -o - --log -", "the standard output can't take two outputs");
   // What a shell has opened to append to is appended to.
   EXPECT_EQ(shell("echo first >all; kpg compile tools.bob -o /dev/stdout >>all"), 0);
   EXPECT_TRUE(text("all").starts_with("first\nBOBO"));

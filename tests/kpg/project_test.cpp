@@ -87,6 +87,30 @@ TEST_F(ProjectCommandsTest, APageOfAProjectIsBuiltWhereTheProjectBuildsIt) {
 }
 
 // Other programs read what is packed.
+TEST_F(ProjectCommandsTest, OutputsThatAProjectCantHaveAreRefused) {
+  ASSERT_EQ(kpg("new p"), 0) << err;
+  writeText("file", "x");
+  const std::pair<const char*, const char*> cases[] = {{"build p -o -", "a project is built into a folder"},
+                                                       {"build p -o p", "is the project's own folder"},
+                                                       {"build p -o p/.", "is the project's own folder"},
+                                                       {"pack p -o -", "a pack is a folder or a file"},
+                                                       {"pack p -o x.rar", "x.rar: is no kind of archive"},
+                                                       {"pack p -o file", "file: is a file; name a folder"},
+                                                       {"pack p -o /dev/full", "/dev/full: is a file; name a folder"}};
+  for (const auto& [arguments, message] : cases) {
+    EXPECT_EQ(kpg(arguments), 1) << arguments;
+    EXPECT_NE(err.find(message), std::string::npos) << arguments << "\n" << err;
+  }
+  EXPECT_FALSE(fs::exists("-") || fs::exists("x.rar") || fs::exists("p/build") || fs::exists("p/main.kpg"));
+  EXPECT_EQ(kpg("pack p -o X.ZIP"), 0) << err;
+  EXPECT_TRUE(text("X.ZIP").starts_with("PK"));
+
+  writeText("p/vistrel.yaml", "pages: []\n");
+  EXPECT_EQ(kpg("build p"), 0) << err;
+  EXPECT_NE(out.find(" removed, which the project no longer makes\nnothing made, 0 in p/build/\n"), std::string::npos)
+      << out;
+}
+
 TEST_F(ProjectCommandsTest, PacksAreTheSameEachTimeAndOthersReadThem) {
   ASSERT_EQ(kpg("new p"), 0) << err;
   ASSERT_EQ(kpg("pack p -o a.zip"), 0) << err;
@@ -110,7 +134,7 @@ assert {m.name: t.extractfile(m).read() for m in t} == folder
   EXPECT_EQ(text("p/p.zip"), text("a.zip"));
   writeText("p/p.zip", "mine");
   EXPECT_EQ(kpg("pack p"), 1);
-  EXPECT_EQ(err, "p/p.zip: is there and was not made by kpg; say -o FILE.zip\n");
+  EXPECT_EQ(err, "p/p.zip: is there and was not made by kpg; say -o NAME.zip to pack into another file\n");
 }
 
 TEST_F(ProjectCommandsTest, AColorShowsAsThePageShowsIt) {

@@ -47,6 +47,17 @@ TEST_F(ShotTest, ARecordingIsPlayedInTheOrderOfTheOtherActions) {
   EXPECT_EQ(err, "r.yaml:2: there is no key 'Rigth'; did you mean 'Right'?\n");
 }
 
+TEST_F(ShotTest, APageOfAProjectIsShotWithWhatTheProjectMakes) {
+  ASSERT_EQ(kpg("new p"), 0) << err;
+  ASSERT_EQ(kpg("shot p/main.yaml -o source.png --strict"), 0) << err;
+  ASSERT_EQ(kpg("build p"), 0) << err;
+  ASSERT_EQ(kpg("shot p/build/main.kpg -o page.png"), 0) << err;
+  EXPECT_EQ(text("source.png"), text("page.png"));
+  writeText("p/other.yaml", "page: {}");  // none of its pages
+  EXPECT_EQ(kpg("shot p/other.yaml -o other.png"), 0) << err;
+  EXPECT_FALSE(fs::exists("p/build/other.kpg"));
+}
+
 TEST_F(ShotTest, StrictEndsWithOneWhenSomethingIsWrong) {
   build("p.kpg", "page: {width: 720, height: 480}");
   struct Case {

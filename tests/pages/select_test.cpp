@@ -113,7 +113,7 @@ TEST_F(SelectTest, AColumnIsPlacedByItsFirstChoice) {
 TEST_F(SelectTest, AllChoicesNeedBothStyles) {
   for (const char* styles :
        {"textStyle: plain", "highlightTextStyle: plain", "textStyle: plain, highlightTextStyle: x"})
-    EXPECT_FALSE(loadTexts(std::string("{name: w, type: select, showAll: true, choices: '|a', ") + styles + "}"));
+    EXPECT_FALSE(loadTexts(std::string("{name: w, type: select, showAll: !bool true, choices: '|a', ") + styles + "}"));
   EXPECT_EQ(log().find("Both 'textStyle' and 'highlightTextStyle' must be present when 'showAll' is true\n"), 0u);
   EXPECT_TRUE(loadTexts("{name: w, type: select, showAll: true, " + std::string(kBoth) + "vertical: true}"));
   EXPECT_EQ(inked(), kNothing);

@@ -108,7 +108,7 @@ TEST_F(TextTest, AWidgetFitsTheValueThatIsSet) {
 }
 
 TEST_F(TextTest, AnyLengthThatIsNotNegativeCanBeTypedInto) {
-  EXPECT_FALSE(loadTexts("{name: w, type: text, maxLength: -1}"));
+  EXPECT_FALSE(loadTexts("{name: w, type: text, maxLength: !int -1}"));
   TextWidget* w = text("textStyle: plain, maxLength: 2147483647, fromRight: true");
   key("7");
   EXPECT_EQ(valueOf(w), std::string(1, '\0'));  // the last byte of the buffer was never written

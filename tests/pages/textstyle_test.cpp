@@ -91,7 +91,7 @@ TEST_F(TextStyleTest, TextIsCutToWhatDecodes) {
   EXPECT_EQ(width(style("utf16"), std::string("a\0\xFF\xFF\xE9", 5)), 12);
 }
 
-TEST_F(TextStyleTest, WhatHasNoFontAndWhatIsTooFarOrTooLargeDrawsNothing) {
+TEST_F(TextStyleTest, WhatHasNoFontAndWhatLiesOffTheScreenDrawsNothing) {
   ASSERT_TRUE(
       loadStyles("{name: broken, font: broken.ttf}, {name: again, font: Broken.ttf}, {name: none},"
                  "{name: body, font: blocks.ttf, size: 10}, {name: huge, font: blocks.ttf, size: 30000},"

@@ -13,6 +13,9 @@ class CsvReader {
   YamlNode table() {
     YamlNode all = node(YamlNode::Kind::list);
     const std::vector<YamlNode> names = row();
+    for (size_t i = 0; i < names.size(); ++i)
+      for (size_t k = 0; k < i; ++k)
+        if (names[i].text == names[k].text) throw KitError(*file, 1, "two columns are called '" + names[i].text + "'");
     while (at < text.size()) {
       YamlNode one = node(YamlNode::Kind::map);
       std::vector<YamlNode> fields = row();

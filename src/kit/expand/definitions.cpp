@@ -46,6 +46,8 @@ class DefinitionReader {
 
   void include(const YamlNode& name) {
     const std::string path = SourceFiles::pathOf(scalarText(name, "a file name"), name.place);
+    if (hasExpression(name.text))
+      fail(name.place, "include: files of constants and templates are named without $(...), which needs them");
     if (std::find(reading.begin(), reading.end(), path) != reading.end())
       fail(name.place, "include: " + path + " includes itself");
     if (reading.size() > kMaxUses) fail(name.place, "include: files are nested too deep");
@@ -85,6 +87,7 @@ class DefinitionReader {
     guarded([&] { refuseRepeatedKeys(all); });
     for (const YamlPair& pair : all.map)
       guarded([&] {
+        into.templates[pair.key].isBroken = true;
         if (!pair.value.isMap())
           fail(pair.place,
                "template '" + pair.key + "': expecting a map of attributes, found " + shownNode(pair.value));

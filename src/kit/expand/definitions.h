@@ -15,6 +15,7 @@
 struct Template {
   std::vector<YamlPair> parameters;  // without a value: must be given
   YamlNode body;                     // a map
+  bool isBroken = false;             // for a reason that has been reported
 };
 
 struct Definitions {

@@ -8,6 +8,15 @@ bool isDirectionName(std::string_view key) {
   return std::find(kNames.begin(), kNames.end(), key) != kNames.end();
 }
 
+std::vector<std::string> directionNames() {
+  return {"include", "layout", "links", "repeat", "template", "with", "gap", "padding", "columns"};
+}
+
+std::string directionNeededBy(std::string_view key) {
+  if (key == "with") return "template";
+  return key == "gap" || key == "padding" || key == "columns" ? "layout" : "";
+}
+
 bool isDirection(const YamlPair& pair, std::string_view key) { return pair.key == key && pair.value.isUntagged(); }
 
 const YamlNode* findDirection(const YamlNode& map, std::string_view key) {

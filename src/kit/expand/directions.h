@@ -3,12 +3,20 @@
 // One whose value has a tag is an attribute like any other: `layout: !string row`.
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "kit/yaml/yamlnode.h"
 
 // Whether an attribute of that name has to have a tag, on whatever object.
 bool isDirectionName(std::string_view key);
+
+// Those and the keys that say more of them.
+std::vector<std::string> directionNames();
+
+// The direction without which that key means nothing; empty for any other.
+std::string directionNeededBy(std::string_view key);
 
 bool isDirection(const YamlPair& pair, std::string_view key);
 

@@ -37,7 +37,7 @@ class ExpressionReader {
 
   YamlNode read() {
     YamlNode result = sum();
-    expect(')', "an expression ends with ')'");
+    expect(')', "expecting ')' or an operator");
     return result;
   }
 
@@ -54,7 +54,8 @@ class ExpressionReader {
   }
 
   void expect(char c, const char* problem) {
-    if (next() != c) fail(std::string(problem) + (at < scalar.text.size() ? "; found '" + rest() + "'" : ""));
+    if (next() != c)
+      fail(std::string(problem) + (at < scalar.text.size() ? ", found '" + rest() + "'" : ", found the end"));
     ++at;
   }
 
@@ -89,7 +90,7 @@ class ExpressionReader {
     } else if (c == '(') {
       ++at;
       result = sum();
-      expect(')', "a bracket is not closed");
+      expect(')', "expecting ')' or an operator");
     } else if (c == '"' || c == '\'') {
       result = scalarAt(scalar, quotedText(), YamlNode::Style::quoted);
     } else if (isDigit(c)) {
@@ -151,7 +152,8 @@ class ExpressionReader {
     if (!whole.isList()) fail(path + " is " + shownNode(whole) + " and has no parts");
     const auto index = parseInteger(key);
     if (!index || *index < 0 || size_t(*index) >= whole.list.size())
-      fail("there is no entry '" + key + "' in " + path + ", which has " + std::to_string(whole.list.size()));
+      fail("there is no entry '" + key + "' in " + path + ", which has " +
+           (whole.list.empty() ? "none" : "0 to " + std::to_string(whole.list.size() - 1)));
     return whole.list[size_t(*index)];
   }
 
@@ -241,7 +243,7 @@ YamlNode evaluateScalar(const YamlNode& scalar, const Scope& scope) {
       return value;
     }
     if (!value.isScalar())
-      throw SourceFault{scalar.place, "only one text or number can be part of a text, not " + shownNode(value)};
+      throw SourceFault{scalar.place, "a text can have a text or a number in it, but not " + shownNode(value)};
     result.text += value.text;
     if (result.text.size() > kMaxText) throw SourceFault{scalar.place, "the text is too long"};
     at = reader.end();

@@ -6,6 +6,7 @@
 #include "kit/expand/csv.h"
 #include "kit/files.h"
 #include "kit/source/sourcevalue.h"
+#include "kit/utf8.h"
 #include "kit/yaml/readyaml.h"
 
 std::string SourceFiles::pathOf(const std::string& name, const YamlPlace& from) {
@@ -24,5 +25,6 @@ const YamlNode& SourceFiles::read(const std::string& name, const YamlPlace& from
     throw SourceFault{from, "can't read '" + name + "': " + e.messages.front().text};
   }
   const std::string text(bytes.begin(), bytes.end());
+  requireUtf8(path, text);
   return parsed[path] = path.ends_with(".csv") ? parseCsv(path, text) : parseYaml(path, text);
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
+#include <set>
 #include <utility>
 
 #include "kit/expand/directions.h"
@@ -21,6 +22,9 @@ constexpr int kMaxDepth = 600;        // of maps and lists: two for each of the 
 struct TooLarge {
   KitMessage message;
 };
+
+// What can't be made for a reason that has been reported.
+struct KnownFault {};
 
 [[noreturn]] void fail(const YamlPlace& place, const std::string& text) { throw SourceFault{place, text}; }
 
@@ -63,6 +67,7 @@ class Instantiator {
     YamlNode result;
     try {
       guarded([&] { result = value(node, constants); });
+      for (const auto& [name, unused] : definitions.constants) guarded([&] { constant(name); });
     } catch (const TooLarge& e) {
       errors.push_back(e.message);
     }
@@ -78,6 +83,8 @@ class Instantiator {
       work();
     } catch (const SourceFault& fault) {
       errors.push_back(messageAt(fault.at, fault.text));
+      depth = depthBefore;
+    } catch (const KnownFault&) {
       depth = depthBefore;
     } catch (const KitError& e) {  // of a file
       errors.insert(errors.end(), e.messages.begin(), e.messages.end());
@@ -141,6 +148,7 @@ class Instantiator {
     const auto found = definitions.templates.find(text);
     if (found == definitions.templates.end())
       fail(source.place, "there is no template '" + text + "'" + suggestion(text, definitions.templateNames()));
+    if (found->second.isBroken) throw KnownFault();
     Scope inside(constants);
     takeParameters(inside, found->second, text, node, scope);
     YamlNode body = found->second.body;
@@ -286,7 +294,8 @@ class Instantiator {
     if (over.isList()) return std::move(over.list);
     const std::string& text = scalarText(over, "a list, a file or a count");
     if (const auto n = parseInteger(text)) {
-      if (*n < 0 || size_t(*n) > kMaxNodes) fail(source.place, "repeat: " + text + " is no possible count");
+      if (*n < 0 || size_t(*n) > kMaxNodes)
+        fail(source.place, "repeat: expecting a count from 0 to 1000000, found " + text);
       std::vector<YamlNode> numbers;
       for (size_t i = 0; i < size_t(*n); ++i) numbers.push_back(integerNode(i + 1, over));
       return numbers;
@@ -306,13 +315,17 @@ class Instantiator {
     const std::string what = "constant " + name;
     if (std::find(uses.begin(), uses.end(), what) != uses.end())
       fail(found->second.place, "constant " + name + " needs itself");
+    if (broken.contains(name)) throw KnownFault();
     if (uses.size() >= 4 * kMaxUses) fail(found->second.place, "constants need each other too deep");
     uses.push_back(what);
     struct Leave {
       std::vector<std::string>& uses;
       ~Leave() { uses.pop_back(); }
     } leave{uses};
-    return &(evaluated[name] = value(found->second, constants));
+    broken.insert(name);  // until it has a value, so that what is wrong with it is reported once
+    YamlNode node = value(found->second, constants);
+    broken.erase(name);
+    return &(evaluated[name] = std::move(node));
   }
 
   // -- bounds
@@ -334,6 +347,7 @@ class Instantiator {
   std::vector<KitMessage>& errors;
   Scope constants;
   std::map<std::string, YamlNode> evaluated;  // constants
+  std::set<std::string> broken;               // constants
   std::vector<std::string> uses;              // that are being evaluated
   const YamlNode* repeatedEntry = nullptr;
   int depth = 0;

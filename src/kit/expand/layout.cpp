@@ -185,6 +185,10 @@ class LayoutWriter {
   void visit(YamlNode& widget) {
     if (findDirection(widget, "layout")) {
       try {
+        const std::string type = widget.textOf("type");
+        if (&widget != &page && type != "group" && type != "textContainer" && !widget.find("children"))
+          fail(findDirection(widget, "layout")->place, "places what lies in a group or a textContainer, and this is " +
+                                                           (type.empty() ? "a plain box" : "a " + type));
         if (isList(widget)) {
           placeLines(widget);
         } else {
@@ -262,9 +266,9 @@ class LayoutWriter {
     int64_t shares = 0;
     for (const Track& track : tracks) {
       if (!track.size && !size)
-        fail(track.first->place, std::string("a ") + axis.size + " is needed, here or for what it lies in");
+        fail(track.first->place, std::string("a ") + axis.size + " is needed, of this or of what lies around it");
       if (!track.size && left < open)
-        fail(track.first->place, std::string("there is no ") + axis.size + " left for it");
+        fail(track.first->place, std::string("what lies around leaves no ") + axis.size + " for this");
       sizes.push_back(track.size ? *track.size : left / open + (shares++ < left % open));
     }
     return sizes;

@@ -21,7 +21,8 @@ class StyleReader {
       std::vector<size_t> chain;
       for (size_t at = i; at < styles.size() && states[at] != State::finished; at = baseOf(at)) {
         if (states[at] == State::begun) {
-          report(*findDirection(styles[at], "style"), "text style '" + nameOf(styles[at]) + "' takes from itself");
+          report(*findDirection(styles[at], "style"),
+                 "text style '" + nameOf(styles[at]) + "' has itself as its style, directly or by way of others");
           break;
         }
         states[at] = State::begun;

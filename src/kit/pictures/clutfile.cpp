@@ -3,7 +3,10 @@
 #include <algorithm>
 
 #include "host/color.h"
+#include "kit/errors.h"
 #include "kit/files.h"
+#include "kit/pictures/picturekind.h"
+#include "kit/pictures/png.h"
 #include "kit/pictures/quantize.h"
 
 std::vector<uint32_t> parseClut(const std::vector<uint8_t>& bytes) {
@@ -14,7 +17,13 @@ std::vector<uint32_t> parseClut(const std::vector<uint8_t>& bytes) {
   return colors;
 }
 
-std::vector<uint32_t> readClutFile(const std::string& path) { return parseClut(readFile(path)); }
+std::vector<uint32_t> readClutFile(const std::string& path) {
+  const std::vector<uint8_t> bytes = readFile(path);
+  std::string kind = describePictureFile(bytes);
+  if (kind.empty() && isPng(bytes)) kind = "a PNG picture";
+  if (!kind.empty() && !isKitClut(bytes)) throw KitError(path, "is " + kind + ", no colour table");
+  return parseClut(bytes);
+}
 
 std::vector<uint8_t> clutBytes(const std::vector<uint32_t>& colors) {
   std::vector<uint8_t> bytes = {0};

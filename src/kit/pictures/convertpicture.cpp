@@ -75,11 +75,10 @@ void convertPicture(const std::string& input, const std::string& output, const P
   const std::string clut = ownTable ? ownClutName(output) : options.clut;
   const ConvertedPicture converted = pictureForPlayer(input, output, options);
   OutputFiles files;
-  refuseInput(output, {input, clut});
+  if (ownTable && clut == output) throw KitError(output, "is the name of the picture's colour table");
+  ownTable ? refuseClashes({output, clut}, {input}) : refuseClashes({output}, {input, clut});
   files.add(output, converted.kpx.data(), converted.kpx.size());
   if (ownTable) {
-    if (clut == output) throw KitError(output, "is the name of the picture's colour table");
-    refuseInput(clut, {input, output});
     refuseForeign(clut, isKitClut, "say --clut to use its colours, or give the picture another name");
     files.add(clut, converted.ownClut.data(), converted.ownClut.size());
   }

@@ -9,11 +9,13 @@
 #include "engine/images/imagecache.h"
 #include "gfx/foundation/hsascii.h"
 #include "host/color.h"
+#include "kit/errors.h"
 #include "kit/files.h"
 #include "kit/pictures/clutfile.h"
 #include "kit/pictures/enginecolors.h"
 #include "kit/pictures/gifpicture.h"
 #include "kit/pictures/kpxfile.h"
+#include "kit/pictures/picturekind.h"
 #include "kit/pictures/png.h"
 #include "kit/pictures/quantize.h"
 
@@ -93,6 +95,8 @@ std::string listPictureFile(const std::string& path, bool swatches) {
   } else if (hsAsciiEqualIgnoringCase(fs::path(path).extension().string().c_str(), ".clut")) {
     listClut(bytes, swatches, list);
   } else {
+    const std::string kind = describePictureFile(bytes);
+    if (!kind.empty()) throw KitError(path, "is " + kind + ", no picture that the player or the kit reads");
     listKpx(path, bytes, list);
   }
   return path + ": " + list.str();

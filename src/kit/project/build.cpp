@@ -242,18 +242,32 @@ class ProjectBuild {
       if (file.name.starts_with("../") || fs::path(file.name).is_absolute())
         throw KitError(
             messageAt(step.place, step.name + " would write " + file.name + ", outside of the output folder"));
-      refuseInput(path, result.inputs);
+      refuseClashes({path}, result.inputs);
       const std::string hash = contentHash(file.bytes);
       if (hashBefore(file.name) != hash) written.push_back(file.name);
       if (fileHash(path) == hash) continue;
       if (!hashBefore(file.name).empty() && before.hashOf(file.name).empty())
         throw KitError(path, "is there and no build made it; move it, or give its source another name");
+      if (wasChangedByHand(file.name) && !options.all)
+        throw KitError(path, "was changed after it was built; move it, or say --all to write over it");
       std::error_code error;
       fs::create_directories(fs::path(path).parent_path(), error);
       files.add(path, file.bytes.data(), file.bytes.size());
     }
     files.finish();
     return written;
+  }
+
+  bool wasChangedByHand(const std::string& output) {
+    const std::string& there = hashBefore(output);
+    bool wasBuilt = false;
+    for (const auto& [name, step] : before.steps)
+      for (const FileRecord& file : step.outputs) {
+        if (file.name != output) continue;
+        if (file.hash == there || file.hash == kUnknownHash) return false;
+        wasBuilt = true;
+      }
+    return wasBuilt && !there.empty();
   }
 
   // What only running the steps has shown: the plan has refused what the project says twice.
@@ -296,7 +310,7 @@ class ProjectBuild {
         const std::string path = outputPath(project, output.name);
         std::error_code error;
         if (!std::binary_search(kept.begin(), kept.end(), output.name) && fileHash(path) == output.hash)
-          fs::remove(path, error);
+          report.removed += fs::remove(path, error);
       }
   }
 

@@ -31,7 +31,8 @@ struct BuildReport {
   std::vector<std::string> files;   // in the output folder, sorted
   std::vector<std::string> inputs;  // all that was read, as it can be opened from here, sorted
   std::vector<PageBuildRecord> pages;
-  size_t made = 0;  // files written
+  size_t made = 0;     // files written
+  size_t removed = 0;  // files that the project no longer makes
 };
 
 // Throws BuildError with all errors; whatever could be built has been.

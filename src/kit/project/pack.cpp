@@ -148,14 +148,30 @@ void writeFolder(const Project& project, const std::vector<ArchivedFile>& files,
   writeFile(recordFile, text.data(), text.size());
 }
 
+bool endsWith(const std::string& name, std::string_view ending) {
+  return name.size() >= ending.size() &&
+         hsAsciiEqualIgnoringCase(name.c_str() + (name.size() - ending.size()), ending.data());
+}
+
 }  // namespace
+
+void checkPackName(const std::string& output) {
+  if (isStandardOutput(output)) throw KitError("a pack is a folder or a file; -o names that");
+  for (const char* ours : {".zip", ".tar.gz", ".tgz"})
+    if (endsWith(output, ours)) return;
+  for (const char* other : {".rar", ".7z", ".gz", ".tar", ".bz2", ".xz", ".zst", ".lz", ".cab", ".jar", ".iso"})
+    if (endsWith(output, other)) throw KitError(output, "is no kind of archive that pack makes; say .zip or .tar.gz");
+  std::error_code error;
+  if (fs::exists(output, error) && !fs::is_directory(output, error))
+    throw KitError(output, "is a file; name a folder, or an archive .zip or .tar.gz");
+}
 
 Pack planPack(const Project& project, const BuildReport& built) { return Packer(project, built).run(); }
 
 size_t writePack(const Project& project, const Pack& pack, const std::string& output) {
   const std::vector<ArchivedFile> files = filesOf(project, pack);
-  const bool isTar = output.ends_with(".tar.gz") || output.ends_with(".tgz");
-  if (!isTar && !output.ends_with(".zip")) {
+  const bool isTar = endsWith(output, ".tar.gz") || endsWith(output, ".tgz");
+  if (!isTar && !endsWith(output, ".zip")) {
     writeFolder(project, files, output);
     return 0;
   }

@@ -31,7 +31,11 @@ Pack planPack(const Project& project, const BuildReport& built);
 
 // To a file .zip, .tar.gz or .tgz, or to a folder, in which only what an earlier pack put there is replaced. Returns
 // the size of the archive, or 0. Throws KitError.
+// A name that is neither a folder's nor an archive's is for checkPackName to refuse.
 size_t writePack(const Project& project, const Pack& pack, const std::string& output);
+
+// Throws KitError for a name that no pack can have: that of a file, or of an archive of another kind.
+void checkPackName(const std::string& output);
 
 // The name of the archive when nobody gives one: that of the project's folder, beside it.
 std::string defaultPackName(const Project& project);

@@ -9,6 +9,7 @@
 
 #include "gfx/foundation/hsascii.h"
 #include "kit/files.h"
+#include "kit/pictures/png.h"
 #include "kit/source/sourcevalue.h"
 #include "kit/suggest.h"
 #include "kit/yaml/readyaml.h"
@@ -48,11 +49,26 @@ class ProjectReader {
                 eachItem(n, [&](const YamlNode& i) { project.keep.push_back(name(i).text); });
               }}});
     if (!errors.empty()) throw KitError(std::move(errors));
+    dropShots();
     return std::move(project);
   }
 
  private:
   using Readers = std::vector<std::pair<std::string, std::function<void(const YamlNode&)>>>;
+
+  // The pictures that kpg shot makes of pages, by the names that it gives them, aren't meant by a pattern.
+  void dropShots() {
+    std::erase_if(project.pictures, [&](const ProjectPicture& picture) { return isShot(picture.file); });
+    for (ProjectTable& table : project.tables)
+      std::erase_if(table.pictures, [&](const ProjectName& picture) { return isShot(picture); });
+  }
+
+  bool isShot(const ProjectName& picture) const {
+    const fs::path stem = fs::path(picture.text).stem();
+    const auto isOfPage = [&](const ProjectName& page) { return fs::path(page.text).stem() == stem; };
+    return picture.byPattern && std::any_of(project.pages.begin(), project.pages.end(), isOfPage) &&
+           isKitPng(readFile(project.pathOf(picture.text)));
+  }
 
   void fail(const YamlPlace& place, const std::string& text) { errors.push_back(messageAt(place, text)); }
 
@@ -145,7 +161,7 @@ class ProjectReader {
       const std::string file = at->path().filename().string();
       if (file == kProjectFileName || file.ends_with(".test.yaml") || !at->is_regular_file(error)) continue;
       if (fnmatch(path.filename().c_str(), file.c_str(), FNM_PERIOD) == 0)
-        found.push_back({(path.parent_path() / file).string(), pattern.place});
+        found.push_back({(path.parent_path() / file).string(), pattern.place, true});
     }
     std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.text < b.text; });
     if (found.empty()) throw SourceFault{pattern.place, "no file is called '" + pattern.text + "'"};

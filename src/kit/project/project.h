@@ -18,6 +18,7 @@ inline constexpr char kProjectFileName[] = "vistrel.yaml";
 struct ProjectName {
   std::string text;
   YamlPlace place;
+  bool byPattern = false;  // found, not named
 };
 
 struct ProjectTable {

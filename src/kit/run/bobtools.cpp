@@ -9,6 +9,8 @@
 namespace {
 
 std::unique_ptr<BobStream> open(BobInterp* interp, const std::string& path, const char* mode) {
+  std::error_code error;
+  if (std::filesystem::is_directory(path, error)) throw KitError(path, "is a folder; name a file in it");
   std::unique_ptr<BobStream> stream = bobOpenFile(interp, path.c_str(), mode);
   if (!stream) throw KitError(path, "can't be opened");
   return stream;
@@ -37,7 +39,7 @@ bool runBobFile(BobRuntime& runtime, const std::string& path) {
 
 bool compileBobFile(BobRuntime& runtime, const std::string& source, const std::string& object,
                     const BobCodeNames& names) {
-  refuseInput(object, {source});
+  refuseClashes({object}, {source});
   BobInterp* interp = runtime.interp;
   const std::unique_ptr<BobStream> input = open(interp, source, "r");
   BobTextStream output;

@@ -1,17 +1,39 @@
 #include "kit/source/pagebuild.h"
 
 #include <filesystem>
+#include <string_view>
 #include <utility>
 
+#include "engine/format/pagefile.h"
 #include "gfx/foundation/hsascii.h"
+#include "kit/depfile.h"
 #include "kit/files.h"
 #include "kit/run/bobruntime.h"
+#include "kit/utf8.h"
 
 namespace fs = std::filesystem;
 
+namespace {
+
+// A damaged page stays one, whatever it holds.
+bool isTextFile(const std::string& path) try {
+  std::error_code error;
+  if (!fs::is_regular_file(path, error) || hsAsciiEqualIgnoringCase(fs::path(path).extension().c_str(), ".kpg"))
+    return false;
+  const std::vector<uint8_t> bytes = readFile(path);
+  const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+  return !text.empty() && !text.starts_with(kPageMagic) && text.find('\0') == std::string_view::npos &&
+         firstBadUtf8(text) == std::string_view::npos;
+} catch (const KitError&) {
+  return false;  // whoever opens it will say why
+}
+
+}  // namespace
+
 bool isPageSource(const std::string& path) {
   const std::string extension = fs::path(path).extension().string();
-  return hsAsciiEqualIgnoringCase(extension.c_str(), ".yaml") || hsAsciiEqualIgnoringCase(extension.c_str(), ".yml");
+  return hsAsciiEqualIgnoringCase(extension.c_str(), ".yaml") || hsAsciiEqualIgnoringCase(extension.c_str(), ".yml") ||
+         isTextFile(path);
 }
 
 BuiltPage compilePage(const std::string& source, const KitWarn& warn, const PageSourceOptions& options) {
@@ -30,17 +52,23 @@ BuiltPage compilePage(const std::string& source, const KitWarn& warn, const Page
 
 namespace {
 
-void writeBuilt(const BuiltPage& page, const std::string& source, const std::string& output) {
+void writeBuilt(const BuiltPage& page, const std::string& source, const std::string& output,
+                const std::string& depfile) {
   if (isStandardOutput(output) && !page.scriptFiles.empty())
     throw KitError(source, "its script files go beside the page, so the page needs a name; say -o PAGE.kpg");
-  refuseInput(output, page.sources);
+  std::vector<std::string> outputs{output, depfile};
   OutputFiles files;
   files.add(output, page.bytes.data(), page.bytes.size());
   for (const ScriptFile& script : page.scriptFiles) {
-    const std::string path = (fs::path(output).parent_path() / script.name).string();
-    refuseInput(path, page.sources);
+    const std::string& path = outputs.emplace_back((fs::path(output).parent_path() / script.name).string());
+    refuseClashes(outputs, page.sources);
     refuseForeign(path, isObjectFile, "rename the script file, or move what is there");
     files.add(path, script.bytes.data(), script.bytes.size());
+  }
+  refuseClashes(outputs, page.sources);
+  if (!depfile.empty()) {
+    const std::string rule = depfileText(output, page.sources);
+    files.add(depfile, rule.data(), rule.size());
   }
   files.finish();
 }
@@ -48,10 +76,10 @@ void writeBuilt(const BuiltPage& page, const std::string& source, const std::str
 }  // namespace
 
 BuiltPage buildPage(const std::string& source, const std::string& output, const KitWarn& warn,
-                    const PageSourceOptions& options) {
+                    const PageSourceOptions& options, const std::string& depfile) {
   BuiltPage page = compilePage(source, warn, options);
   try {
-    writeBuilt(page, source, output);
+    writeBuilt(page, source, output, depfile);
   } catch (const KitError& e) {
     throw BuildError(e.messages, std::move(page.sources));
   }

@@ -18,13 +18,13 @@ struct BuiltPage {
   PagePlaces places;
 };
 
-// By its name: .yaml or .yml.
+// By its name, .yaml or .yml, or for want of that by its contents: a text.
 bool isPageSource(const std::string& path);
 
 // Throws BuildError.
 BuiltPage compilePage(const std::string& source, const KitWarn& warn = {}, const PageSourceOptions& options = {});
 
-// Compiles the source to `output`, and the script files that it names to object files beside that; all are written, or
-// none. Returns what was written. Throws BuildError.
+// Compiles the source to `output`, and the script files that it names to object files beside that. `depfile`, if it has
+// a name, gets what was read as a rule for make. All are written, or none. Returns what was written. Throws BuildError.
 BuiltPage buildPage(const std::string& source, const std::string& output, const KitWarn& warn = {},
-                    const PageSourceOptions& options = {});
+                    const PageSourceOptions& options = {}, const std::string& depfile = {});

@@ -96,7 +96,10 @@ class Dumper {
       for (uint32_t i = 0; i < record.attributeCount(); ++i) {
         const PageAttribute a = pageAttribute(record, i);
         if (a.name) {
-          attribute(a, {attributeForm(kind, type, a.name), isRefused(a, kind, type, hasType)}, indent);
+          attribute(a,
+                    {attributeForm(kind, type, a.name),
+                     isRefused(a, kind, type, hasType) || lacksStyles(record, type, a.name)},
+                    indent);
         } else {
           line(indent, "# an attribute whose name lies outside the file");
         }
@@ -136,7 +139,14 @@ class Dumper {
     if (isDirectionName(a.name) || (kind == ObjectKind::style && std::strcmp(a.name, "style") == 0)) return true;
     if (isChildrenOfPlainBox(kind, type, a.name)) return true;
     if (!hasType && isMisspeltType(kind, a.name)) return true;
+    if (PageTag(a.tag) == PageTag::integer && !whyNumberIsRefused(kind, type, a.name, int32_t(a.value)).empty())
+      return true;
     return PageTag(a.tag) == PageTag::string && attrString(a, &text) && !isAttributeWord(kind, type, a.name, text);
+  }
+
+  static bool lacksStyles(const PageObject& record, std::string_view type, std::string_view name) {
+    if (type != "select" || name != "showAll") return false;
+    return !attrFind(record, "textStyle") || !attrFind(record, "highlightTextStyle");
   }
 
   void attribute(const PageAttribute& a, Reading reading, int indent) {

@@ -4,25 +4,31 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <set>
+#include <tuple>
 #include <utility>
 
 #include "engine/format/pagefile.h"
 #include "engine/page/frame.h"
 #include "engine/widgets/group.h"
+#include "kit/expand/directions.h"
 #include "kit/expand/expand.h"
 #include "kit/files.h"
 #include "kit/run/bobtools.h"
+#include "kit/source/pagenames.h"
 #include "kit/source/schema.h"
 #include "kit/source/scripts.h"
 #include "kit/source/sourcevalue.h"
 #include "kit/suggest.h"
+#include "kit/utf8.h"
 #include "kit/yaml/readyaml.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int kMaxObjects = 500'000;  // far beyond what a page may hold
+constexpr uint32_t kMaxTextSize = 0x7FFF;  // whole units of 16.16
+constexpr int kMaxObjects = 500'000;       // far beyond what a page may hold
 
 std::vector<std::string> tagNames() {
   return {"!int", "!bool", "!color", "!string", "!script", "!scriptdata", "!object", "!table"};
@@ -38,12 +44,15 @@ bool isText(const YamlNode& node) {
 [[noreturn]] void fail(const YamlNode& node, const std::string& text) { fail(node.place, text); }
 
 // The source as YAML; what authors give by mistake gets a sentence of its own.
-YamlNode readPageYaml(const std::string& file) {
+YamlNode readPageYaml(const std::string& file, const KitWarn& warn = {}) {
   const std::vector<uint8_t> bytes = readFile(file);
   const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
   if (text.starts_with(kPageMagic))
     throw KitError(file, "is a compiled page, no source; kpg dump prints a page as source");
   if (text.find('\0') != std::string_view::npos) throw KitError(file, "is no text in UTF-8; a page source is YAML");
+  // No error: a page that holds other bytes, and its dump, have to come back as they were.
+  if (warn && firstBadUtf8(text) != std::string_view::npos)
+    warn({file, lineOfBadUtf8(text), std::string("warning: ") + kIsNoUtf8});
   YamlNode top = parseYaml(file, std::string(text));
   if (top.isNull()) throw KitError(file, "is empty; a page source is a map with 'flags' and 'page'");
   if (!top.isMap())
@@ -51,15 +60,38 @@ YamlNode readPageYaml(const std::string& file) {
   return top;
 }
 
+// A message that is printed once for all uses of its place.
+struct Repeats {
+  size_t first;     // its number among those printed
+  size_t more = 0;  // uses
+};
+
 // The source's own first, then those of each other file; what is reported of a node and its copies is reported once.
 std::vector<KitMessage> inOrder(std::vector<KitMessage> messages, const std::string& source) {
   std::map<std::string, size_t> files{{source, 0}};
   for (const KitMessage& message : messages) files.emplace(message.file, files.size());
   const auto key = [&](const KitMessage& m) { return std::pair(files.at(m.file), m.line); };
   std::stable_sort(messages.begin(), messages.end(), [&](const auto& a, const auto& b) { return key(a) < key(b); });
-  const auto same = [](const KitMessage& a, const KitMessage& b) { return a.whole() == b.whole(); };
-  messages.erase(std::unique(messages.begin(), messages.end(), same), messages.end());
-  return messages;
+  std::vector<KitMessage> once;
+  std::map<std::tuple<std::string, int, std::string>, Repeats> used;  // what is wrong at a place that others use
+  std::set<std::string> seen;
+  for (KitMessage& message : messages) {
+    if (!seen.insert(message.whole()).second) continue;
+    if (!message.uses.empty()) {
+      const std::string problem = message.text.substr(message.text.find(": ") + 1);
+      const auto [first, isNew] = used.try_emplace({message.file, message.line, problem}, Repeats{once.size()});
+      if (!isNew) {
+        ++first->second.more;
+        continue;
+      }
+    }
+    once.push_back(std::move(message));
+  }
+  for (const auto& [place, repeats] : used)
+    if (repeats.more > 0)
+      once[repeats.first].uses.push_back(
+          {"", 0, "and in " + std::to_string(repeats.more) + (repeats.more == 1 ? " more use" : " more uses")});
+  return once;
 }
 
 // Where the form is settled there is no choice for a tag.
@@ -81,7 +113,7 @@ class SourceReader {
  private:
   void readAll() {
     page.sources.push_back(file);
-    ExpandedSource source = expandSource(readPageYaml(file), errors);
+    ExpandedSource source = expandSource(readPageYaml(file, warn), errors);
     const YamlNode& top = source.plain;
     page.sources.insert(page.sources.end(), source.files.begin(), source.files.end());
     if (top.isNull()) throw KitError(inOrder(std::move(errors), file));
@@ -101,6 +133,8 @@ class SourceReader {
       page.root = node(*root, ObjectKind::root, 1);
     });
     if (!errors.empty()) throw KitError(inOrder(std::move(errors), file));
+    if (!warn) return;
+    for (const KitMessage& warning : inOrder(names.warnings(), file)) warn(warning);
   }
 
   // The object that is being read.
@@ -167,7 +201,9 @@ class SourceReader {
       if (pair.key.find('\0') != std::string::npos) fail(pair.place, "a name can't hold a zero byte");
       result.attributes.push_back({pair.key, attribute(pair)});
       warnOfUnseen(pair, result.attributes.back().value);
+      noteNames(pair, result.attributes.back().value);
     });
+    checkWhole(source);
     object = std::move(outer);
     return result;
   }
@@ -220,13 +256,50 @@ class SourceReader {
   }
 
   void warnOfUnread(const YamlPair& pair) const {
-    const std::string owners = whatHas(pair.key);
-    warnAt(pair.place, whatIsRead() + ": nothing reads it" +
-                           (owners.empty() ? suggestion(pair.key, attributeNames(object.kind, object.type))
-                                           : "; " + owners + " has one"));
+    const std::string owners = whatHas(pair.key), needed = directionNeededBy(pair.key);
+    std::vector<std::string> names = attributeNames(object.kind, object.type);
+    const std::vector<std::string> own = directionNames();
+    names.insert(names.end(), own.begin(), own.end());
+    const std::string hint = !needed.empty()  ? " without '" + needed + "'"
+                             : owners.empty() ? suggestion(pair.key, names)
+                                              : "; " + owners + " has one";
+    warnAt(pair.place, whatIsRead() + ": nothing reads it" + hint);
+  }
+
+  void noteNames(const YamlPair& pair, const PageValue& value) {
+    if (value.tag != PageTag::string) return;
+    const bool isWidget = object.kind == ObjectKind::root || object.kind == ObjectKind::widget;
+    if (pair.key == "name" && isWidget) names.define(NamedThing::widget, value.bytes, pair.place, whatIsRead());
+    if (pair.key == "name" && object.kind == ObjectKind::style)
+      names.define(NamedThing::style, value.bytes, pair.place, whatIsRead());
+    const NamedThing thing = namedBy(object.kind, object.type, pair.key);
+    if (thing == NamedThing::widget || thing == NamedThing::style)
+      names.use(thing, value.bytes, pair.value.place, whatIsRead());
+  }
+
+  // What only shows when all attributes of an object are there.
+  void checkWhole(const YamlNode& source) {
+    object.key.clear();
+    if (object.kind == ObjectKind::line)
+      for (const char* key : {"style", "content"})
+        if (!source.find(key)) warnAt(source.place, object.label + ": a line needs '" + key + "'");
+    const YamlNode* showAll = object.type == "select" ? source.find("showAll") : nullptr;
+    if (!showAll || !showAll->isUntagged() || !isTrue(*showAll)) return;
+    object.key = "showAll";
+    for (const char* key : {"textStyle", "highlightTextStyle"}) {
+      if (!source.find(key))
+        report({showAll->place, std::string("needs '") + key + "'; without it the player doesn't load the page"});
+    }
+  }
+
+  static bool isTrue(const YamlNode& node) try { return booleanValue(node).number != 0; } catch (const SourceFault&) {
+    return false;  // which has been reported
   }
 
   void warnOfUnseen(const YamlPair& pair, const PageValue& value) const {
+    if (object.kind == ObjectKind::style && pair.key == "size" && value.tag == PageTag::integer &&
+        (value.number < 1 || value.number > kMaxTextSize))
+      warnAt(pair.place, whatIsRead() + ": " + shownNode(pair.value) + " draws nothing; a size is 1 to 32767 pixels");
     if (isNeverSeen(object.type, pair.key) && (value.number != 0 || !value.bytes.empty()))
       warnAt(pair.place, whatIsRead() + ": a " + object.type + " doesn't show it");
   }
@@ -265,7 +338,7 @@ class SourceReader {
   PageValue byForm(const YamlPair& pair, AttributeKind kind) {
     const YamlNode& value = pair.value;
     switch (kind) {
-      case AttributeKind::integer: return integerValue(value);
+      case AttributeKind::integer: return integer(pair);
       case AttributeKind::boolean: return booleanValue(value);
       case AttributeKind::color: return colorValue(value, indexed);
       case AttributeKind::string: return word(pair);
@@ -277,6 +350,13 @@ class SourceReader {
     }
     if (!value.isList()) fail(value, "expecting a list, found " + shownNode(value));
     return table(value, tableObjectKind(kind), true);
+  }
+
+  PageValue integer(const YamlPair& pair) const {
+    PageValue value = integerValue(pair.value);
+    const std::string problem = whyNumberIsRefused(object.kind, object.type, pair.key, int32_t(value.number));
+    if (!problem.empty()) fail(pair.value, problem);
+    return value;
   }
 
   PageValue byLooks(const YamlNode& value) {
@@ -412,6 +492,7 @@ class SourceReader {
   std::unique_ptr<ScriptCompiler> scripts;
   PageTree page;
   Object object;
+  PageNames names;
   bool indexed = false;  // an 8-bit page
   int objectCount = 0;
   uint32_t widgetCount = 0;

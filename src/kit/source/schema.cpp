@@ -110,6 +110,12 @@ bool isChildrenOfPlainBox(ObjectKind kind, std::string_view type, std::string_vi
   return (kind == ObjectKind::root || kind == ObjectKind::widget) && name == "children" && !isWidgetType(type);
 }
 
+std::string whyNumberIsRefused(ObjectKind kind, std::string_view type, std::string_view name, int32_t number) {
+  const bool isWidget = kind == ObjectKind::root || kind == ObjectKind::widget;
+  if (!isWidget || type != "text" || name != "maxLength" || number >= 0) return "";
+  return std::to_string(number) + " is no number of bytes; the player doesn't load a page with a negative one";
+}
+
 bool isMisspeltType(ObjectKind kind, std::string_view name) {
   const bool isWidget = kind == ObjectKind::root || kind == ObjectKind::widget;
   return isWidget && whatHas(name).empty() && nearestWord(name, attributeNames(kind, "")) == "type";

@@ -45,6 +45,9 @@ bool isAttributeWord(ObjectKind kind, std::string_view type, std::string_view na
 // Whether the attribute is children that would never show, since only some kinds of widgets have any.
 bool isChildrenOfPlainBox(ObjectKind kind, std::string_view type, std::string_view name);
 
+// Whether the player loads no page with that value, which is what the sentence says; empty for any other.
+std::string whyNumberIsRefused(ObjectKind kind, std::string_view type, std::string_view name, int32_t number);
+
 // Whether an attribute that nothing reads is most likely a misspelt `type`, without which a widget is a plain box.
 bool isMisspeltType(ObjectKind kind, std::string_view name);
 

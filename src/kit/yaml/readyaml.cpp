@@ -9,6 +9,7 @@
 
 #include "kit/errors.h"
 #include "kit/files.h"
+#include "kit/utf8.h"
 
 namespace {
 
@@ -46,6 +47,8 @@ class TreeBuilder : public YAML::EventHandler {
                                                          : YamlNode::Style::plain;
     node.tag = shortTag(tag);
     if (indicator == '|' || indicator == '>') ++node.textLine;
+    if ((indicator == '"' || indicator == '\'') && !isClosed(mark, indicator))
+      fail(mark, std::string("the quote ") + indicator + " is never closed");
     leaf(std::move(node), anchor);
   }
 
@@ -107,6 +110,20 @@ class TreeBuilder : public YAML::EventHandler {
     return at < text.size() ? text[at] : '\0';
   }
 
+  // The parser takes the end of the file for the end of a quoted text.
+  bool isClosed(const YAML::Mark& mark, char quote) const {
+    size_t at = text.find(quote, size_t(mark.pos));
+    for (at = at == std::string::npos ? text.size() : at + 1; at < text.size(); ++at) {
+      if (quote == '"' && text[at] == '\\') {
+        ++at;
+      } else if (text[at] == quote) {
+        if (quote == '"' || at + 1 == text.size() || text[at + 1] != quote) return true;
+        ++at;
+      }
+    }
+    return false;
+  }
+
   void leaf(YamlNode node, YAML::anchor_t anchor) {
     if (anchor != YAML::NullAnchor) anchors[anchor] = node;
     put(std::move(node));
@@ -114,7 +131,8 @@ class TreeBuilder : public YAML::EventHandler {
 
   void open(const YAML::Mark& mark, const std::string& tag, YAML::anchor_t anchor, YamlNode::Kind kind) {
     // A flow list can be a key to the parser; only texts are to us.
-    if (!opened.empty() && opened.back().node.isMap() && !opened.back().hasKey) fail(mark, "a key must be a name");
+    if (!opened.empty() && opened.back().node.isMap() && !opened.back().hasKey)
+      fail(mark, "a key must be a name; a value that begins with { or [ needs quotes");
     YamlNode node = nodeAt(mark);
     node.kind = kind;
     node.tag = shortTag(tag);
@@ -141,7 +159,8 @@ class TreeBuilder : public YAML::EventHandler {
       around.node.map.push_back({std::move(around.key), std::move(around.keyPlace), std::move(node)});
       around.hasKey = false;
     } else {
-      if (!node.isScalar()) throw KitError(*file, node.place.line, "a key must be a name");
+      if (!node.isScalar())
+        throw KitError(*file, node.place.line, "a key must be a name; a value that begins with { or [ needs quotes");
       if (node.text == "<<" && node.style == YamlNode::Style::plain)
         throw KitError(*file, node.place.line, "'<<' can't merge maps here; write the pairs out");
       around.key = std::move(node.text);
@@ -164,6 +183,21 @@ std::string plainText(const std::string& text) {
   for (size_t i = text.starts_with("\xEF\xBB\xBF") ? 3 : 0; i < text.size(); ++i)
     if (text[i] != '\r' || i + 1 == text.size() || text[i + 1] != '\n') plain += text[i];
   return plain;
+}
+
+// What authors do by mistake, for the parser's words.
+std::string inOurWords(const std::string& message) {
+  const std::pair<const char*, const char*> kWords[] = {
+      {"illegal map value", "a value with ': ' in it needs quotes, or a | and the value below"},
+      {"end of map not found", "expecting a pair KEY: VALUE here, as far in as those above, or a '}' is missing"},
+      {"end of map flow not found", "a '{' is never closed"},
+      {"end of sequence not found", "expecting an entry that begins with '- ' here, as far in as those above"},
+      {"end of sequence flow not found", "a '[' is never closed"},
+      {"unknown token", "a value can't begin like this; put it in quotes"},
+  };
+  for (const auto& [parsers, ours] : kWords)
+    if (message == parsers) return ours;
+  return message;
 }
 
 // What the parser says of a tab is far from the tab.
@@ -197,11 +231,13 @@ YamlNode parseYaml(const std::string& file, const std::string& source) {
     for (const int line : {e.mark.line, e.mark.line - 1})
       if (line >= 0 && isIndentedByTab(text, line))
         throw KitError(file, line + 1, "a tab can't indent a line; use spaces");
-    throw KitError(file, e.mark.line + 1, e.msg);
+    throw KitError(file, e.mark.line + 1, inOurWords(e.msg));
   }
 }
 
 YamlNode readYaml(const std::string& file) {
   const std::vector<uint8_t> bytes = readFile(file);
-  return parseYaml(file, std::string(bytes.begin(), bytes.end()));
+  const std::string text(bytes.begin(), bytes.end());
+  requireUtf8(file, text);
+  return parseYaml(file, text);
 }

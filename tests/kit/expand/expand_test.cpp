@@ -62,16 +62,16 @@ TEST_F(ExpandTest, WhatIsWrongInAnExpressionIsNamed) {
   const std::pair<const char*, const char*> cases[] = {
       {"$(wrod)", "there is no 'wrod'; did you mean 'word'?"},
       {"$(map.y)", "there is no 'y' in map, which has x and a b"},
-      {"$(list.2)", "there is no entry '2' in list, which has 2"},
+      {"$(list.2)", "there is no entry '2' in list, which has 0 to 1"},
       {"$(n.x)", "n is '7' and has no parts"},
       {"$(word * 2)", "'blue' is no whole number to compute with"},
       {"$(text * 2)", "'7' is no whole number to compute with"},
       {"$(n / 0)", "a division by 0"},
       {"$(65536 * 65536)", "the result doesn't fit 32 bits"},
-      {"$(n", "an expression ends with ')'"},
-      {"$(n n)", "an expression ends with ')'; found 'n)'"},
+      {"$(n", "expecting ')' or an operator, found the end"},
+      {"$(n n)", "expecting ')' or an operator, found 'n)'"},
       {"$()", "expecting a number, a name, a text in quotes or a bracket, found ')'"},
-      {"x$(list)", "only one text or number can be part of a text, not a list"},
+      {"x$(list)", "a text can have a text or a number in it, but not a list"},
       {"$(word + list)", "can't join a list to a text"},
   };
   for (const auto& [source, error] : cases) EXPECT_EQ(valueOf(source), std::string("p.yaml:2: ") + error + "\n");
@@ -108,7 +108,7 @@ TEST_F(ExpandTest, ExpressionsHoldAtTheirExtremes) {
       {"$(" + tooDeep + "n)", "p.yaml:2: an expression is nested too deep\n"},
       {"$('a)", "p.yaml:2: a text in an expression has no end: 'a)\n"},
       {"$(3x)", "p.yaml:2: '3x' is no whole number of 32 bits\n"},
-      {"$(list.-1)", "p.yaml:2: there is no entry '' in list, which has 2\n"},
+      {"$(list.-1)", "p.yaml:2: there is no entry '' in list, which has 0 to 1\n"},
   };
   for (const auto& [source, result] : cases) EXPECT_EQ(valueOf(source), result) << source;
   // Each doubles the one before.
@@ -167,7 +167,7 @@ TEST_F(ExpandTest, EntriesRepeatOverListsCountsAndFiles) {
     EXPECT_EQ(expanded(std::string("page:\n  - ") + entry + "\n"),
               *result ? "page:\n" + std::string(result) : "page: []\n");
   const std::pair<const char*, const char*> errors[] = {
-      {"{repeat: -1}", "repeat: -1 is no possible count"},
+      {"{repeat: -1}", "repeat: expecting a count from 0 to 1000000, found -1"},
       {"{repeat: {ovr: 3}}", "repeat has no 'ovr'; it has over, as, index and count; did you mean 'over'?"},
       {"{repeat: {as: x}}", "repeat: needs 'over', what to repeat over"},
       {"{repeat: {over: 1, as: 1x}}", "'1x' is no name for expressions"},
@@ -229,7 +229,7 @@ TEST_F(ExpandTest, StylesTakeFromOthers) {
             "    - name: body\n      font: a.ttf\n      size: 20\n      color: 1\n");
   EXPECT_EQ(expanded("page:\n  textStyles:\n    - {name: a, style: b}\n    - {name: b, style: a}\n"
                      "    - {name: body, style: bdoy}\n"),
-            "p.yaml:3: style: text style 'a' takes from itself\n"
+            "p.yaml:3: style: text style 'a' has itself as its style, directly or by way of others\n"
             "p.yaml:5: style: there is no text style 'bdoy'; did you mean 'body'?\n");
 }
 
@@ -300,9 +300,10 @@ TEST_F(ExpandTest, LayoutsPlaceWhatLiesInThem) {
       {"{layout: grid, columns: 0}", "p.yaml:1: layout: a grid has a column at least"},
       {"{type: textContainer, layout: row, children: [{}]}",
        "p.yaml:1: layout: lines of a text container can only be a column"},
-      {"{layout: row, children: [{height: 2}]}", "p.yaml:1: layout: a width is needed, here or for what it lies in"},
+      {"{layout: row, children: [{height: 2}]}",
+       "p.yaml:1: layout: a width is needed, of this or of what lies around it"},
       {"{width: 5, height: 5, layout: row, gap: 6, children: [{}, {}]}",
-       "p.yaml:1: layout: there is no width left for it"},
+       "p.yaml:1: layout: what lies around leaves no width for this"},
       {"{layout: rwo}", "p.yaml:1: layout: 'rwo' is not one of row, column and grid; did you mean 'row'?"},
       {"{layout: grid}", "p.yaml:1: layout: a grid needs 'columns'"},
       {"{layout: row, columns: 3}", "p.yaml:1: layout: columns are for a grid"},

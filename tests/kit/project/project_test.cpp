@@ -7,12 +7,12 @@
 #include <functional>
 #include <map>
 
+#include "kit/depfile.h"
 #include "kit/files.h"
 #include "kit/pictures/kpxfile.h"
 #include "kit/pictures/png.h"
 #include "kit/project/archive.h"
 #include "kit/project/build.h"
-#include "kit/project/depfile.h"
 #include "kit/project/pack.h"
 #include "kit/project/runsteps.h"
 #include "kit/version.h"
@@ -142,12 +142,37 @@ TEST_F(ProjectTest, OnlyWhatChangedIsMade) {
   picture("art/logo.png", 0x40C040);
   EXPECT_EQ(make(), Files{"art/logo.clut"});  // all of one colour, and so the same picture
   fs::remove("build/ready.gif");
-  writeText("build/menu.kpg", "changed");
-  EXPECT_EQ(make(), (Files{"menu.kpg", "ready.gif"}));
+  EXPECT_EQ(make(), Files{"ready.gif"});
   project("pages: [menu.yaml]\nstrip: true\npictures: [art/logo.png]\n");
   EXPECT_EQ(make(), Files{"tools.bobo"});
   fs::last_write_time("menu.yaml", fs::file_time_type::clock::now());
   EXPECT_EQ(make(), Files{});
+}
+
+TEST_F(ProjectTest, WhatWasChangedByHandIsKeptUnlessAllIsBuilt) {
+  make();
+  const std::vector<uint8_t> built = readFile("build/menu.kpg");
+  writeText("build/menu.kpg", "changed");
+  const Files refused{"build/menu.kpg: was changed after it was built; move it, or say --all to write over it"};
+  EXPECT_EQ(make(), refused);
+  EXPECT_EQ(make(), refused);
+  EXPECT_EQ(readFile("build/menu.kpg").size(), 7u);
+  BuildOptions options;
+  options.all = true;
+  buildProject(readProject(kProjectFileName), options);
+  EXPECT_EQ(readFile("build/menu.kpg"), built);
+  EXPECT_EQ(make(), Files{});
+}
+
+TEST_F(ProjectTest, APatternDoesNotMeanShotsOfPages) {
+  picture("menu.png", 0x20C040);
+  picture("sun.png", 0x20C040);
+  project("pages: [menu.yaml]\npictures: '*.png'\n");
+  const Project read = readProject(kProjectFileName);
+  ASSERT_EQ(read.pictures.size(), 1u);
+  EXPECT_EQ(read.pictures[0].file.text, "sun.png");
+  project("pages: [menu.yaml]\npictures: [menu.png]\n");
+  EXPECT_EQ(readProject(kProjectFileName).pictures.size(), 1u);
 }
 
 TEST_F(ProjectTest, PicturesWaitForTheTableThatTheyShare) {

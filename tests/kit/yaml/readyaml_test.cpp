@@ -52,14 +52,17 @@ TEST(ReadYaml, WhatIsNoTreeIsRefusedAtItsLine) {
     laughs += "]\n";
   }
   const std::pair<std::string, const char*> cases[] = {
-      {"a: [\n", "f.yaml:2: end of sequence flow not found"},
+      {"a: \"b\nc: 'it''s'\n", "f.yaml:1: the quote \" is never closed"},
+      {"a: 'it''s\nb: 1\n", "f.yaml:1: the quote ' is never closed"},
+      {"a: x ? \"b\": c\n", "f.yaml:1: a value with ': ' in it needs quotes, or a | and the value below"},
+      {"a: [\n", "f.yaml:2: a '[' is never closed"},
       {"a:\n\tb: 1\n", "f.yaml:2: a tab can't indent a line; use spaces"},
       {"a:\n  b: 1\n \tc: 2\n", "f.yaml:3: a tab can't indent a line; use spaces"},
       {"a: 1\n---\nb: 2\n", "f.yaml:3: a second document begins here; a file holds one"},
       {"a:\n  <<: {b: 1}\n", "f.yaml:2: '<<' can't merge maps here; write the pairs out"},
       {"'<<': 1\n", "{<<=p'1'@1:7+1}"},
-      {"[a, b]: 1\n", "f.yaml:1: a key must be a name"},
-      {"? {a: 1}\n: 1\n", "f.yaml:1: a key must be a name"},
+      {"[a, b]: 1\n", "f.yaml:1: a key must be a name; a value that begins with { or [ needs quotes"},
+      {"? {a: 1}\n: 1\n", "f.yaml:1: a key must be a name; a value that begins with { or [ needs quotes"},
       {"a: &x\n  b: [*x]\n", "f.yaml:2: an anchor can't be used inside of itself"},
       {std::string(1500, '[') + std::string(1500, ']'), "f.yaml:1: nested too deep"},
       {laughs, "f.yaml:7: its aliases make this source too large"},

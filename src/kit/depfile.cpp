@@ -1,4 +1,4 @@
-#include "kit/project/depfile.h"
+#include "kit/depfile.h"
 
 namespace {
 
