@@ -4,7 +4,8 @@
     guide_test.py ROOT BUILD FONTS
 
 Makes the pictures again, which must come out pixel for pixel, and looks for each example that a picture follows in the
-source of that picture. Whole pages among the examples are built and opened, scripts are compiled, and the commands run in
+source of that picture. What the guide shows of a command's answer is what the command in docs/outputs/NAME answers there.
+Whole pages among the examples are built and opened, scripts are compiled, and the commands run in
 their order.
 """
 import pathlib
@@ -94,6 +95,28 @@ def failures(guide, root, build, fonts, folder):
                     yield from fails(command)
 
 
+def outputs(guide, root, build, fonts):
+    """Tries each folder of docs/outputs, whose answer must be in the guide as a block of its own."""
+    shown = [text for language, text in blocks(guide) if not language]
+    for example in sorted((root / 'docs/outputs').iterdir()):
+        with tempfile.TemporaryDirectory() as folder:
+            shutil.copytree(example, folder, dirs_exist_ok=True)
+            shutil.copy(fonts / 'DejaVuSans.ttf', folder)
+            command = (example / 'command').read_text().strip()
+            answer = subprocess.run(f'PATH={build}/src/kpg:$PATH; {command}', shell=True, cwd=folder, text=True,
+                                    stdout=subprocess.PIPE, stderr=subprocess.STDOUT).stdout
+        if not answer or answer not in shown:
+            yield f'docs/outputs/{example.name}: {command} answers what docs/authoring.md does not show:\n{answer}'
+
+
+def colors(guide, build):
+    """What the table of colours says that a 16-bit screen shows."""
+    for written, shown in re.findall(r'^\| `(#[0-9A-F]{6})` \| `(#[0-9A-F]{6})` \|$', guide, re.M):
+        answer = subprocess.run([build / 'src/kpg/kpg', 'color', written], capture_output=True, text=True).stdout
+        if not re.search('^it shows as .*' + shown, answer, re.M):
+            yield f'docs/authoring.md: {written} does not show as {shown}: {answer}'
+
+
 def main():
     root, build, fonts = (pathlib.Path(a).resolve() for a in sys.argv[1:4])
     kept, faults, count = root / 'docs/pictures', [], 0
@@ -108,6 +131,8 @@ def main():
         faults.append(f'docs/authoring.md: only {count} examples found')
     with tempfile.TemporaryDirectory() as folder:
         faults += failures(guide, root, build, fonts, pathlib.Path(folder))
+    faults += outputs(guide, root, build, fonts)
+    faults += colors(guide, build)
     with tempfile.TemporaryDirectory() as made:
         subprocess.run([kept / 'make', build, fonts, made], check=True, stderr=subprocess.DEVNULL)
         for picture in sorted(pathlib.Path(made).glob('*.png')):

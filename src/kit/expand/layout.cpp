@@ -17,7 +17,7 @@ namespace {
 
 constexpr int kDefaultTextSize = 24;
 
-[[noreturn]] void fail(const YamlPlace& place, const std::string& text) { throw SourceFault{place, "layout: " + text}; }
+[[noreturn]] void fail(const YamlPlace& place, const std::string& text) { throw SourceFault{place, text}; }
 
 // One of the two directions in which things are placed.
 struct Axis {
@@ -195,7 +195,8 @@ class LayoutWriter {
           placeChildren(widget);
         }
       } catch (const SourceFault& fault) {
-        errors.push_back(messageAt(fault.at, fault.text));
+        const std::string name = widget.textOf("name");
+        errors.push_back(messageAt(fault.at, "layout" + (name.empty() ? "" : " of " + name) + ": " + fault.text));
       }
       if (findAlign(widget)) removeDirection(widget, "align");
       for (const char* key : {"layout", "gap", "padding", "columns"}) removeDirection(widget, key);

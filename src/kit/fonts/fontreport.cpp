@@ -61,6 +61,16 @@ std::string tagText(uint32_t tag) {
   return text;
 }
 
+// What an error of the font engine means to whoever chose the font.
+std::string reasonOf(int error) {
+  switch (error) {
+    case kT2KDamagedFont: return "it is cut short, or breaks the rules of its format";
+    case kT2KBadCmapFormat: return "it has no character map of a format that the player reads";
+    case kT2KOutOfMemory: return "it is too large";
+    default: return "error " + std::to_string(error);
+  }
+}
+
 void printNames(uint32_t id, std::ostream& out) {
   constexpr const char* kNames[kFontNameKinds] = {"family", "style", "full name", "PostScript name"};
   for (uint32_t kind = 0; kind < kFontNameKinds; ++kind) {
@@ -150,6 +160,6 @@ FontReport reportFont(const std::string& path) {
   out << "opens: " << (opened.scaler ? "yes" : "no") << "\n";
   if (opened.scaler) return {out.str(), ""};
   const std::string missing = kind == FontKind::sfnt ? missingTable(bytes) : "";
-  return {out.str(), "the player can't draw with it" + (missing.empty() ? "" : ": it has no '" + missing + "' table") +
-                         " (error " + std::to_string(opened.error) + ")"};
+  return {out.str(), "the player can't draw with it: " +
+                         (missing.empty() ? reasonOf(opened.error) : "it has no '" + missing + "' table")};
 }

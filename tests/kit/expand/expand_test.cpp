@@ -297,7 +297,7 @@ TEST_F(ExpandTest, LayoutsPlaceWhatLiesInThem) {
       {"{type: group, layout: row, align: middle}",
        "p.yaml:1: layout: align: 'middle' is not one of stretch, start, center and end"},
       {"{type: group, layout: grid, columns: 1, align: end}", "p.yaml:1: layout: align is for a row or a column"},
-      {"{layout: grid, columns: 0}", "p.yaml:1: layout: a grid has a column at least"},
+      {"{layout: grid, columns: 0, name: board}", "p.yaml:1: layout of board: a grid has a column at least"},
       {"{type: textContainer, layout: row, children: [{}]}",
        "p.yaml:1: layout: lines of a text container can only be a column"},
       {"{layout: row, children: [{height: 2}]}",
@@ -453,6 +453,8 @@ TEST_F(ExpandTest, TablesAsTextAreReadToTheirLastLine) {
   EXPECT_EQ(names("a,b\n"), "page: []\n");
   EXPECT_EQ(names("a,b\n\"1\n\",2\n3\n"), "t.csv:4: the row has 1 field, and the first one 2\n");
   EXPECT_EQ(names("a,b\n1,\"2\n3,4\n"), "t.csv:2: a quoted field has no end\n");
+  EXPECT_EQ(names("a,b,a\n1,2,3\n"), "t.csv:1: two columns are called 'a'\n");
+  EXPECT_EQ(names("a,b\n1,2\n\xE4,3\n"), "t.csv:3: this is no UTF-8; save the file in that encoding\n");
   EXPECT_EQ(names("a,b\n\"1\"x,2\n"), "t.csv:2: a quoted field goes on after its quotes\n");
 }
 

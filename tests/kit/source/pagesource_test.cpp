@@ -210,6 +210,38 @@ TEST_F(SourceTest, UnknownKeysSuggestTheKeyThatWasMeantOrSayWhoHasIt) {
             "p.yaml:2: warning: start of box1: nothing reads it; the page has one\n");
 }
 
+TEST_F(SourceTest, NamesThatNothingHasAreWarnedOf) {
+  read(
+      "page: {type: group, start: gude, textStyles: [{name: title, font: a.ttf, size: 9}], children: [\n"
+      "  {type: text, name: guide, textStyle: titel, right: flims},\n"
+      "  {name: films},\n"
+      "  {name: films, master: guide}]}\n");
+  EXPECT_EQ(warnings,
+            "p.yaml:1: warning: start of page: there is no widget 'gude'; did you mean 'guide'?\n"
+            "p.yaml:2: warning: textStyle of guide: there is no text style 'titel'; did you mean 'title'?\n"
+            "p.yaml:2: warning: right of guide: there is no widget 'flims'; did you mean 'films'?\n"
+            "p.yaml:4: warning: name of films: another widget has the name 'films', in line 3; the player finds one of "
+            "them\n");
+}
+
+TEST_F(SourceTest, ASizeAtWhichNothingIsDrawnIsWarnedOf) {
+  for (const char* size : {"-5", "0", "1", "32767", "32768"}) {
+    read("page: {type: group, textStyles: [{name: a, font: a.ttf, size: " + std::string(size) + "}]}\n");
+    const bool draws = std::string_view(size) == "1" || std::string_view(size) == "32767";
+    EXPECT_EQ(warnings, draws ? ""
+                              : "p.yaml:1: warning: size of a: '" + std::string(size) +
+                                    "' draws nothing; a size is 1 to 32767 pixels\n");
+  }
+}
+
+TEST_F(SourceTest, AFaultThatIsUsedOftenIsSaidOnce) {
+  EXPECT_EQ(errorOf("constants: {bad: [1]}\n"
+                    "page: {type: group, children: [{x: $(bad)}, {x: $(bad)}, {x: $(bad)}]}\n"),
+            "p.yaml:1: x of box1: expecting a number of pixels, found a list\n"
+            "  p.yaml:2: used here: $(bad)\n"
+            "  and in 2 more uses");
+}
+
 TEST_F(SourceTest, AllErrorsAreReportedAtOnceInTheOrderOfTheirLines) {
   writeText("bad.bob", "x = 1;\n\ny = ;\n");
   EXPECT_EQ(errorOf("page:\n"
