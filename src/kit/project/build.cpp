@@ -314,7 +314,7 @@ class ProjectBuild {
         const std::string path = outputPath(project, output.name);
         std::error_code error;
         if (!std::binary_search(kept.begin(), kept.end(), output.name) && fileHash(path) == output.hash)
-          report.removed += fs::remove(path, error);
+          report.removed += fs::remove(path, error) && !isLineTable(path);
       }
   }
 
