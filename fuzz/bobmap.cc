@@ -1,6 +1,6 @@
 // Line tables: what is read is written as it was read.
-#include "kit/errors.h"
 #include "kit/lines/bobmap.h"
+#include "kit/errors.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   try {
