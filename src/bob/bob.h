@@ -31,6 +31,8 @@
 #include "bob/model/values.h"
 #include "bob/run/calls.h"
 #include "bob/run/report.h"
+#include "bob/run/runningcode.h"
 #include "bob/run/source.h"
+#include "bob/tools/codehash.h"
 #include "bob/tools/objectread.h"
 #include "bob/tools/objectwrite.h"

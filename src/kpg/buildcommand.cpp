@@ -89,6 +89,8 @@ void addBuildCommand(CommandLine& line) {
   command.flag("--all", options->project.all, "Build all of a project, whether or not it has changed");
   command.add("--jobs", options->project.jobs, "This number of threads; by default as many as the machine runs at once")
       .between(1, 1024);
+  command.flag("--lines", options->page.lines,
+               "Write line tables beside the page, PAGE.bobmap, by which errors name lines; a project always has them");
   command.flag("--strip", options->page.strip, "Leave out the names of scripts, by which an error says where it is");
   command.flag("--expand", options->expand, "Print the source without constants, templates and the like instead");
   command.runs([options] {

@@ -1,6 +1,7 @@
 // kpg compile: a source file of the language becomes an object file.
 #include <memory>
 
+#include "kit/files.h"
 #include "kpg/commands.h"
 #include "kpg/standardruntime.h"
 
@@ -8,13 +9,15 @@ namespace {
 
 struct CompileOptions {
   std::string source, object;
-  bool names = false;
+  bool names = false, lines = false;
 };
 
 void compile(const CompileOptions& options) {
   StandardRuntime runtime;
   const BobCodeNames names = options.names ? codeNamesByLine(options.source) : nullptr;
-  runtime.failUnless(compileBobFile(runtime, options.source, options.object, names));
+  if (options.lines && isStandardOutput(options.object))
+    throw KitError("kpg compile: the line table goes beside the object file, which needs a name");
+  runtime.failUnless(compileBobFile(runtime, options.source, options.object, {names, options.lines}));
 }
 
 }  // namespace
@@ -27,5 +30,7 @@ void addCompileCommand(CommandLine& line) {
       .required()
       .type("OUT.bobo");
   command.flag("--names", options->names, "Name the code FILE:LINE, for tracebacks, as the build of a page does");
+  command.flag("--lines", options->lines,
+               "Write a line table, OUT.bobo.bobmap, by which errors and listings name lines");
   command.runs([options] { compile(*options); });
 }

@@ -56,11 +56,12 @@ Shot play(const ShotOptions& options) {
   shot.loaded = run.load(options.page, [](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; });
   if (shot.loaded)
     for (const PageAction& action : options.actions) run.act(action);
-  shot.log = run.log();
+  shot.log = run.logWithPlaces();
   shot.stopped = run.stopped();
   shot.inputs = run.inputs();
-  for (const std::string_view complaint : run.complaints())
+  for (const std::string& complaint : run.complaintsWithPlaces())
     shot.complaints.push_back(cutInTheMiddle(complaint, ", which --log has"));
+  for (const KitMessage& warning : run.lineWarnings()) std::cerr << warning.whole() << "\n";
   shot.unusableFonts = run.unusableFonts();
   shot.picture = run.take();
   return shot;
@@ -155,6 +156,8 @@ void addShotCommand(CommandLine& line) {
            "The picture to write; - for the standard output; by default the page's name with .png, here")
       .type("OUT.png");
   command.add("--log", options->log, "Where to write what the console showed; - for the standard output").type("FILE");
+  command.flag("--lines", options->lines,
+               "Say where scripts were written, as FILE:LINE, after the lines of tracebacks in the log and in errors");
   command.flag("--read-only", options->readOnly, "Let no script write a file");
   command.flag("--strict", options->strict,
                "End with status 1 if a script failed, a file was missing or the system refused anything");

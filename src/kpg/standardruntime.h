@@ -38,6 +38,12 @@ class StandardRuntime : public BobRuntime {
     bobRestOften(interp, kStepsBetweenLooks);
   }
 
+  // From here on an error names the lines of the sources, too, on the error stream.
+  void namePlaces() {
+    namesPlaces = true;
+    places.listen(interp, [](const std::string& source) { return source; });
+  }
+
   // Ends a command with exit status 1 when the language has reported an error, or was ended.
   void failUnless(bool ok) const {
     if (!stopped.empty()) throw KitError(stopped);
@@ -60,8 +66,15 @@ class StandardRuntime : public BobRuntime {
     bobRaise(running, kBobRestart);
   }
 
-  // For people a traceback of thousands of lines is cut; programs get it whole.
   static void printError(BobInterp* interp, int code, const BobErrorArgument& argument) {
+    printTraceback(interp, code, argument);
+    if (!current->namesPlaces || code == kBobRestart) return;
+    const std::string lines = errorPlaces(interp, code, current->places);
+    bobPutText(&current->err, isatty(STDERR_FILENO) ? cutInTheMiddle(lines) : lines);
+  }
+
+  // For people a traceback of thousands of lines is cut; programs get it whole.
+  static void printTraceback(BobInterp* interp, int code, const BobErrorArgument& argument) {
     if (!isatty(STDOUT_FILENO)) return bobStandardErrorHandler(interp, code, argument);
     BobTextStream traceback;
     bobSetStdout(interp, &traceback);
@@ -76,4 +89,6 @@ class StandardRuntime : public BobRuntime {
   StandardOutput out{stdout}, err{stderr};
   double limit;
   std::string stopped;
+  bool namesPlaces = false;
+  ScriptPlaces places;
 };

@@ -59,7 +59,8 @@ def language(root, folder):
     (folder / 'loop.bob').write_text(block(root, 'docs/language-internals.md', '{ local i'))
     _, listing, errors = run('build/dev/src/kpg/kpg decode loop.bob', folder)
     told = block(root, 'docs/language-internals.md', '0000 ').strip().split('\n')
-    compiled = [line.partition(':')[2] for line in listing.strip().split('\n')]
+    instructions = [line for line in listing.strip().split('\n') if not line.startswith('; ')]  # lines of the source
+    compiled = [line.partition(':')[2] for line in instructions]
     if len(told) != len(compiled):
         yield f'docs/language-internals.md: {len(told)} instructions, and there are {len(compiled)} {errors.strip()}'
     for line, instruction in zip(told, compiled):

@@ -1,5 +1,7 @@
 // The program as its users call it: exit statuses, streams, and the rules of a shot.
 #include <algorithm>
+#include <cstring>
+#include <regex>
 
 #include "kit/pictures/png.h"
 #include "kpgfixture.h"
@@ -85,6 +87,52 @@ TEST_F(CommandsTest, TheLanguagesToolsKeepItsStreamsApart) {
   EXPECT_NE(out.find("; nosuch\n"), std::string::npos) << out;
   EXPECT_EQ(kpg("decode none.bob"), 1);
   EXPECT_EQ(err, "none.bob: can't be opened\n");
+}
+
+TEST_F(CommandsTest, LinesOfTheSourceAreNamedWhereTheyAreKnown) {
+  std::filesystem::create_directory("lib");
+  writeText("lib/inner.bob", "define inner(v) {\n  return v.nosuch;\n}\n");
+  writeText("outer.bob", "Load(\"lib/inner.bob\");\ndefine outer() {\n  inner(\n    1);\n}\nouter();\n");
+  EXPECT_EQ(kpg("run --lines outer.bob"), 1);
+  EXPECT_EQ(err,
+            "Error: No property - nosuch\nlib/inner.bob:2: in inner\nouter.bob:3: in outer\n"
+            "outer.bob:6: in a statement\n");
+  const std::string plain = out;
+  EXPECT_EQ(kpg("run outer.bob"), 1);
+  EXPECT_EQ(out, plain);
+  EXPECT_EQ(err, "Error: No property - nosuch\n");
+  writeText("lib/inner.bob", "x = 1;\n\ny = ;\n");
+  EXPECT_EQ(kpg("run --lines outer.bob"), 1);
+  EXPECT_EQ(err,
+            "Error: Syntax error - Expecting a primary expression\n  in line 3\n\nlib/inner.bob:3: is read here\n"
+            "outer.bob:1: in a statement\n");
+
+  // A listing has them from the source, or from a table that is as old as the source. Equal code is told apart.
+  writeText("s.bob", "x = 1;\n  f(x,\n    2);\nx = 1;\n");
+  ASSERT_EQ(kpg("decode s.bob"), 0);
+  std::string lines;
+  for (const char* c = out.c_str(); *c; c = std::strchr(c, '\n') + 1)
+    if (*c == ';') lines += std::string(c, std::strchr(c, '\n') + 1);
+  EXPECT_EQ(lines,
+            "; s.bob:1  x = 1;\n; s.bob:2    f(x,\n; s.bob:3      2);\n; s.bob:2    f(x,\n; s.bob:3      2);\n"
+            "; s.bob:4  x = 1;\n");
+  const auto withoutAddresses = [](const std::string& text) {
+    return std::regex_replace(text, std::regex("(^|\n)[0-9a-f]{8}:"), "$1");
+  };
+  const std::string fromSource = withoutAddresses(out);
+  ASSERT_EQ(kpg("compile s.bob -o s.bobo --lines"), 0);
+  ASSERT_EQ(kpg("decode s.bobo"), 0);
+  EXPECT_EQ(withoutAddresses(out), fromSource);
+  EXPECT_EQ(err, "");
+  const std::string object = text("s.bobo");
+  ASSERT_EQ(kpg("compile s.bob -o s.bobo"), 0);
+  EXPECT_EQ(text("s.bobo"), object);
+  writeText("s.bob", "x = 2;\n");
+  ASSERT_EQ(kpg("decode s.bobo"), 0);
+  EXPECT_FALSE(out.starts_with(";")) << out;
+  EXPECT_EQ(out.find("\n;"), std::string::npos) << out;
+  EXPECT_EQ(err, "s.bob: warning: was changed after s.bobo was made of it, so no lines are shown\n");
+  EXPECT_EQ(kpg("compile s.bob -o - --lines"), 1);
 }
 
 TEST_F(CommandsTest, AShotWritesPictureAndLogAgainstTheFolderOfTheCall) {

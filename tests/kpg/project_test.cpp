@@ -49,6 +49,8 @@ TEST_F(ProjectCommandsTest, TheProjectAroundIsBuiltAndCleaned) {
   EXPECT_EQ(kpg("build p --jobs 4"), 1);
   EXPECT_EQ(err,
             "p/a.yaml:1: x of page: -1 lies outside 0 to 65535\np/b.yaml:1: y of page: -1 lies outside 0 to 65535\n");
+  // Line tables are there, but are nothing to ship.
+  EXPECT_TRUE(fs::exists("p/build/a.bobmap") && fs::exists("p/build/s.bobo.bobmap"));
   EXPECT_EQ(kpg("clean p"), 0);
   EXPECT_EQ(out, "5 files removed\n");
   EXPECT_FALSE(fs::exists("p/build"));

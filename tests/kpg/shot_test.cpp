@@ -58,6 +58,28 @@ TEST_F(ShotTest, APageOfAProjectIsShotWithWhatTheProjectMakes) {
   EXPECT_FALSE(fs::exists("p/build/other.kpg"));
 }
 
+TEST_F(ShotTest, ErrorsNameTheLinesOfTheirScripts) {
+  writeText("p.yaml", "page:\n  onLoad: |\n    x = 1;\n    {\n      nosuch;\n    }\n");
+  const std::string log = "Error: Unbound variable - nosuch\nHappened in p.yaml:4 page.onLoad at p.yaml:5\n";
+  EXPECT_EQ(kpg("shot p.yaml --lines --strict --log - -o p.png"), 1);
+  EXPECT_EQ(out, log);
+  EXPECT_EQ(err, log);
+  ASSERT_EQ(kpg("build p.yaml -o built/p.kpg --lines"), 1);  // there is no such folder
+  fs::create_directory("built");
+  ASSERT_EQ(kpg("build p.yaml -o built/p.kpg --lines"), 0) << err;
+  EXPECT_EQ(kpg("shot built/p.kpg --lines --log -"), 0);
+  EXPECT_EQ(out, log);
+  EXPECT_EQ(kpg("shot built/p.kpg --log -"), 0);
+  EXPECT_EQ(out, "Error: Unbound variable - nosuch\nHappened in p.yaml:4 page.onLoad\n");
+  writeText("built/p.bobmap", "bobmap 1\n");
+  EXPECT_EQ(kpg("shot built/p.kpg --lines --log -"), 0);
+  EXPECT_EQ(err, "built/p.bobmap:2: is no line table that this kpg can read\n");
+  EXPECT_EQ(kpg("build p.yaml -o - --lines"), 1);
+  writeText("built/p.bobmap", "precious");
+  EXPECT_EQ(kpg("build p.yaml -o built/p.kpg --lines"), 1);
+  EXPECT_EQ(text("built/p.bobmap"), "precious");
+}
+
 TEST_F(ShotTest, StrictEndsWithOneWhenSomethingIsWrong) {
   build("p.kpg", "page: {width: 720, height: 480}");
   struct Case {

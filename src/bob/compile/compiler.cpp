@@ -13,7 +13,7 @@ constexpr uint32_t kCompilerSize = 14 * 4 + kControlRecords + kScannerRecord + 8
 
 }  // namespace
 
-BobCompiler::BobCompiler(BobInterp* interp) : interp(interp), names(interp), emit(interp) {
+BobCompiler::BobCompiler(BobInterp* interp) : interp(interp), names(interp), emit(interp, scanner.place) {
   interp->countNative(kCompilerSize);
   emit.makeBuffers();
 }
@@ -25,6 +25,7 @@ void BobCompiler::reset() {
   switches.clear();
   breakBase = continueBase = switchBase = 0;
   blockLevel = nesting = 0;
+  notes.clear();
   emit.reset();
 }
 
@@ -34,12 +35,16 @@ BobValue BobCompiler::compileStatement(BobValue scopeObject) {
   try {
     const int token = scanner.next();
     if (token == kTokenEof) return 0;
+    const BobSourcePlace at = scanner.place;
     scanner.unread(token);
+    beginNotes();
     nameCode();
+    emit.from(at);
     emit.op(kOpAframe, 2, 0);
     statement();
     emit.op(kOpReturn);
     const BobValue code = emit.makeCode();
+    endNotes(code);
     return bobMakeMethod(interp, code, kBobNil, scope);
   } catch (const BobUnwind&) {
     names.clear();
@@ -52,19 +57,20 @@ BobValue BobCompiler::compileStatement(BobValue scopeObject) {
 std::optional<BobCompiler::Place> BobCompiler::findVariable(std::string_view name) const {
   int depth, index;
   if (!names.find(name, &depth, &index)) return std::nullopt;
-  return Place{Place::kVariable, depth, index};
+  return Place{Place::kVariable, depth, index, scanner.place};
 }
 
 BobCompiler::Place BobCompiler::findName(std::string_view name) {
-  if (name == "true") return {Place::kConstant, kOpT};
-  if (name == "false" || name == "nil") return {Place::kConstant, kOpNil};
+  if (name == "true") return {Place::kConstant, kOpT, 0, scanner.place};
+  if (name == "false" || name == "nil") return {Place::kConstant, kOpNil, 0, scanner.place};
   if (const std::optional<Place> variable = findVariable(name)) return *variable;
-  return {Place::kGlobal, emit.addSymbol(name)};
+  return {Place::kGlobal, emit.addSymbol(name), 0, scanner.place};
 }
 
 // -- places
 
 void BobCompiler::load(Place& place) {
+  if (place.kind != Place::kValue) emit.from(place.at);
   switch (place.kind) {
     case Place::kValue: break;
     case Place::kConstant: emit.op(BobOpcode(place.a)); break;
@@ -77,6 +83,7 @@ void BobCompiler::load(Place& place) {
 }
 
 void BobCompiler::store(const Place& place) {
+  emit.from(place.at);
   switch (place.kind) {
     case Place::kValue: bobRaise(interp, kBobImpossible);
     case Place::kConstant: bobRaise(interp, kBobStoreIntoConstant);

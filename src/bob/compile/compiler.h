@@ -25,6 +25,8 @@ struct BobCompiler {
 
   BobScanner scanner;
   BobCodeNames codeNames;
+  std::string sourceName;  // of the file that is read; empty for a text
+  BobCodeListener listener;
 
  private:
   static constexpr size_t kControlDepth = 20;
@@ -33,7 +35,8 @@ struct BobCompiler {
   // What an expression parser has recognised. kValue: the value is in val; otherwise a place, whose value takes a load.
   struct Place {
     enum Kind { kValue, kConstant, kVariable, kGlobal, kProperty, kElement } kind = kValue;
-    int a = 0, b = 0;  // opcode; or depth and index; or literal
+    int a = 0, b = 0;   // opcode; or depth and index; or literal
+    BobSourcePlace at;  // of the token that names it
   };
   struct Break {
     int blockLevel;
@@ -69,6 +72,8 @@ struct BobCompiler {
 
   // functions.cpp
   void nameCode();
+  void beginNotes();
+  void endNotes(BobValue code);
   void function(const char* name);
   void parameters(int* required, int* optional, int opcodeAt);
   void define();
@@ -110,6 +115,8 @@ struct BobCompiler {
   void stepInPlace(const Place& place, BobOpcode step);
   Place postfix();
   void stepAfter(Place& place, BobOpcode step, BobOpcode back);
+  void call(BobOpcode opcode, const BobSourcePlace& at);
+  void send();
   int arguments();
   void selector();
 
@@ -127,7 +134,8 @@ struct BobCompiler {
   BobInterp* interp;
   BobNames names;
   BobEmitter emit;
-  int blockLevel = 0;  // block frames open in the current function
+  std::vector<BobCodeNotes> notes;  // of the functions that are being compiled; none when nobody listens
+  int blockLevel = 0;               // block frames open in the current function
   int nesting = 0;
   std::vector<Break> breaks;
   std::vector<Continue> continues;

@@ -1,5 +1,7 @@
 #include "bob/compile/emitter.h"
 
+#include <utility>
+
 #include "bob/compile/scanner.h"
 #include "bob/heap/interp.h"
 #include "bob/heap/local.h"
@@ -21,6 +23,8 @@ void BobEmitter::makeBuffers() {
 void BobEmitter::reset() {
   function = {};
   pointer = literalPointer = 0;
+  next = {};
+  notes = nullptr;
 }
 
 BobEmitter::Function BobEmitter::begin() {
@@ -55,31 +59,37 @@ void BobEmitter::byte(int value) {
   bytes[pointer++] = uint8_t(value);
 }
 
-void BobEmitter::op(BobOpcode opcode) { byte(opcode); }
+void BobEmitter::put(BobOpcode opcode) {
+  const BobSourcePlace place = std::exchange(next, {});
+  if (notes) notes->instructions.push_back({here(), place.line ? place : token});
+  byte(opcode);
+}
+
+void BobEmitter::op(BobOpcode opcode) { put(opcode); }
 
 void BobEmitter::op(BobOpcode opcode, int operand) {
-  byte(opcode);
+  put(opcode);
   byte(operand);
 }
 
 void BobEmitter::op(BobOpcode opcode, int first, int second) {
-  byte(opcode);
+  put(opcode);
   byte(first);
   byte(second);
 }
 
 void BobEmitter::literal(BobOpcode opcode, int number) {
-  byte(opcode);
+  put(opcode);
   word(number);
 }
 
 void BobEmitter::branchTo(BobOpcode opcode, int target) {
-  byte(opcode);
+  put(opcode);
   word(target);
 }
 
 int BobEmitter::branch(BobOpcode opcode, int chain) {
-  byte(opcode);
+  put(opcode);
   const int operand = here();
   word(chain);
   return operand;

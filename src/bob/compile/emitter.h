@@ -10,6 +10,7 @@
 
 #include "bob/base/opcodes.h"
 #include "bob/base/value.h"
+#include "bob/compile/codenotes.h"
 
 class BobEmitter {
  public:
@@ -18,7 +19,8 @@ class BobEmitter {
     int base = 0, literalBase = 0;
   };
 
-  explicit BobEmitter(BobInterp* interp) : interp(interp) {}
+  // Instructions come from `token`, the last one taken, unless `from` says otherwise.
+  BobEmitter(BobInterp* interp, const BobSourcePlace& token) : token(token), interp(interp) {}
   ~BobEmitter();
   BobEmitter(const BobEmitter&) = delete;
   BobEmitter& operator=(const BobEmitter&) = delete;
@@ -31,6 +33,11 @@ class BobEmitter {
   BobValue end(const Function& outer);
   // The current function's code so far.
   BobValue makeCode();
+
+  // Gets the places of the current function's instructions; null for none.
+  BobCodeNotes* notes = nullptr;
+  // The next instruction comes from there.
+  void from(const BobSourcePlace& place) { next = place; }
 
   // -- instructions; error "Too much code" when the buffer is full
 
@@ -59,9 +66,12 @@ class BobEmitter {
   static constexpr int kCodeSize = 4096;
   static constexpr int kLiteralCount = 256;
 
+  void put(BobOpcode opcode);
   void byte(int value);
   uint32_t* literalSlots();
 
+  const BobSourcePlace& token;
+  BobSourcePlace next;
   BobInterp* interp;
   uint8_t bytes[kCodeSize];
   BobValue literals = kBobNil;  // a Vector, protected

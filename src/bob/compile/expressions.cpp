@@ -81,12 +81,14 @@ BobCompiler::Place BobCompiler::assignment() {
     scanner.unread(token);
     return place;
   }
+  const BobSourcePlace at = scanner.place;
   needPlace(place);
   duplicate(place);
   Place old = place;
   load(old);
   emit.op(kOpPush);
   assignmentValue();
+  emit.from(at);
   emit.op(compound->op);
   store(place);
   return {};
@@ -143,10 +145,12 @@ BobCompiler::Place BobCompiler::binary(int level) {
       scanner.unread(token);
       return place;
     }
+    const BobSourcePlace at = scanner.place;
     load(place);
     emit.op(kOpPush);
     place = binary(level + 1);
     load(place);
+    emit.from(at);
     emit.op(found->op);
   }
 }
@@ -158,8 +162,10 @@ BobCompiler::Place BobCompiler::prefix() {
     case '!':
     case '-':
     case '~': {
+      const BobSourcePlace at = scanner.place;
       Place place = prefix();
       load(place);
+      emit.from(at);
       emit.op(token == '!' ? kOpNot : token == '-' ? kOpNeg : kOpBnot);
       return {};
     }
@@ -188,23 +194,22 @@ BobCompiler::Place BobCompiler::postfix() {
   Place place = primary();
   for (;;) {
     const int token = scanner.next();
+    const BobSourcePlace at = scanner.place;
     switch (token) {
       case '(':
         load(place);
         emit.op(kOpPush);
         emit.op(kOpPushScope);
-        emit.op(kOpCall, arguments());
+        call(kOpCall, at);
         break;
       case '.':
         load(place);
         emit.op(kOpPush);
         selector();
         if (accept('(')) {
-          emit.op(kOpPush);
-          emit.op(kOpOver);
-          emit.op(kOpSend, arguments());
+          send();
         } else {
-          place = {Place::kProperty};
+          place = {Place::kProperty, 0, 0, scanner.place};
         }
         break;
       case '[':
@@ -212,7 +217,7 @@ BobCompiler::Place BobCompiler::postfix() {
         emit.op(kOpPush);
         expression();
         expect(']');
-        place = {Place::kElement};
+        place = {Place::kElement, 0, 0, at};
         break;
       case kTokenInc: stepAfter(place, kOpInc, kOpDec); break;
       case kTokenDec: stepAfter(place, kOpDec, kOpInc); break;
@@ -226,6 +231,21 @@ void BobCompiler::stepAfter(Place& place, BobOpcode step, BobOpcode back) {
   stepInPlace(place, step);
   emit.op(back);
   place = {};
+}
+
+// After the opening parenthesis, which `at` is the place of.
+void BobCompiler::call(BobOpcode opcode, const BobSourcePlace& at) {
+  const int count = arguments();
+  emit.from(at);
+  emit.op(opcode, count);
+}
+
+// The same with the object on the stack and the selector in val.
+void BobCompiler::send() {
+  const BobSourcePlace at = scanner.place;
+  emit.op(kOpPush);
+  emit.op(kOpOver);
+  call(kOpSend, at);
 }
 
 // After the opening parenthesis: pushes the arguments and returns the number of slots, this and _next included.

@@ -9,14 +9,29 @@ void BobCompiler::nameCode() {
     emit.addLiteral(kBobNil);
 }
 
+void BobCompiler::beginNotes() {
+  if (!listener) return;
+  notes.push_back({sourceName, {}, {}, {}});
+  emit.notes = &notes.back();
+}
+
+void BobCompiler::endNotes(BobValue code) {
+  if (notes.empty()) return;
+  listener(interp, code, notes.back());
+  notes.pop_back();
+  emit.notes = notes.empty() ? nullptr : &notes.back();
+}
+
 // Compiles parameters and body, and leaves a closure in val. `name` may be null.
 void BobCompiler::function(const char* name) {
   const Nested nested(this);
+  const BobSourcePlace at = scanner.place;
   const int outerBlockLevel = blockLevel;
   const size_t outerBreakBase = breakBase, outerContinueBase = continueBase, outerSwitchBase = switchBase;
   names.push();
   blockLevel = 0;
   const BobEmitter::Function outer = emit.begin();
+  beginNotes();
   breakBase = breaks.size();
   continueBase = continues.size();
   switchBase = switches.size();
@@ -38,13 +53,18 @@ void BobCompiler::function(const char* name) {
   block();
   emit.op(kOpReturn);
 
+  if (emit.notes) emit.notes->arguments = names.innermost();
   const BobValue code = emit.end(outer);
+  endNotes(code);
   names.pop();
   blockLevel = outerBlockLevel;
   breakBase = outerBreakBase;
   continueBase = outerContinueBase;
   switchBase = outerSwitchBase;
-  emit.literal(kOpLit, emit.addLiteral(code));
+  const int number = emit.addLiteral(code);
+  emit.from(at);
+  emit.literal(kOpLit, number);
+  emit.from(at);
   emit.op(kOpClose);
 }
 
@@ -84,15 +104,19 @@ void BobCompiler::parameters(int* required, int* optional, int opcodeAt) {
 }
 
 void BobCompiler::define() {
+  const BobSourcePlace at = scanner.place;
   if (scanner.next() != kTokenIdentifier) fail("Expecting a function or a method definition");
   const std::string name = scanner.tokenText;
   if (accept('.')) return defineOnPath(name);
   function(name.c_str());
-  emit.literal(kOpGset, emit.addSymbol(name));
+  const int global = emit.addSymbol(name);
+  emit.from(at);
+  emit.literal(kOpGset, global);
 }
 
 // define a.b.c() {}: the last name is the method's, those before it lead to its object.
 void BobCompiler::defineOnPath(const std::string& first) {
+  const BobSourcePlace at = scanner.place;
   Place object = findName(first);
   load(object);
   emit.op(kOpPush);
@@ -108,6 +132,7 @@ void BobCompiler::defineOnPath(const std::string& first) {
     }
     emit.op(kOpPush);
     function(name.c_str());
+    emit.from(at);
     emit.op(kOpSetp);
     return;
   }

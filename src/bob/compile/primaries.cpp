@@ -24,11 +24,14 @@ BobCompiler::Place BobCompiler::primary() {
 
 // A name that is an identifier is bound as a global, too; one in quotes only names the code.
 void BobCompiler::functionLiteral() {
+  const BobSourcePlace at = scanner.place;
   const int token = scanner.next();
   const std::string name = scanner.tokenText;
   if (token == kTokenIdentifier) {
     function(name.c_str());
-    emit.literal(kOpGset, emit.addSymbol(name));
+    const int global = emit.addSymbol(name);
+    emit.from(at);
+    emit.literal(kOpGset, global);
   } else if (token == kTokenString) {
     function(name.c_str());
   } else {
@@ -46,14 +49,16 @@ void BobCompiler::superSend() {
   selector();
   emit.op(kOpPush);
   expect('(');
+  const BobSourcePlace at = scanner.place;
   std::optional<Place> next = findVariable("_next");  // there is one wherever there is a this
   load(*next);
   emit.op(kOpPush);
-  emit.op(kOpSend, arguments());
+  call(kOpSend, at);
 }
 
 // Without parentheses `initialize` is not sent; with them its result is the value.
 void BobCompiler::newObject() {
+  const BobSourcePlace at = scanner.place;
   const int token = scanner.next();
   if (token == kTokenIdentifier) {
     Place place = findName(scanner.tokenText);
@@ -64,13 +69,12 @@ void BobCompiler::newObject() {
   } else {
     fail("Expecting an object expression");
   }
+  emit.from(at);
   emit.op(kOpNewObject);
   if (!accept('(')) return;
   emit.op(kOpPush);
   emit.literal(kOpLit, emit.addSymbol("initialize"));
-  emit.op(kOpPush);
-  emit.op(kOpOver);
-  emit.op(kOpSend, arguments());
+  send();
 }
 
 void BobCompiler::literal() {
@@ -83,6 +87,7 @@ void BobCompiler::literal() {
 }
 
 void BobCompiler::vectorLiteral() {
+  const BobSourcePlace at = scanner.place;
   int count = 0;
   if (!accept(']')) {
     do {
@@ -92,7 +97,10 @@ void BobCompiler::vectorLiteral() {
     } while (accept(','));
     expect(']');
   }
-  emit.literal(kOpLit, emit.addLiteral(bobSmall(count)));
+  const int number = emit.addLiteral(bobSmall(count));
+  emit.from(at);
+  emit.literal(kOpLit, number);
+  emit.from(at);
   emit.op(kOpNewVector);
 }
 
@@ -130,11 +138,13 @@ void BobCompiler::pairs() {
 
 // After the key and its colon, with the object in val; leaves it there.
 void BobCompiler::pair(const std::string& key) {
+  const BobSourcePlace at = scanner.place;
   emit.op(kOpPush);
   emit.op(kOpPush);
   emit.literal(kOpLit, emit.addSymbol(key));
   emit.op(kOpPush);
   assignmentValue();
+  emit.from(at);
   emit.op(kOpSetp);
   emit.op(kOpDrop);
 }

@@ -52,8 +52,9 @@ void BobScanner::attach(BobInterp* owner, BobStream* stream) {
   interp = owner;
   input = stream;
   lineBuffer.clear();
-  linePointer = 0;
+  linePointer = pieceStart = 0;
   setLine(0);
+  place = {};
   savedToken = -1;
   savedChar = 0;
   atEof = false;
@@ -63,7 +64,11 @@ void BobScanner::setLine(int number) { interp->sourceLine = lineNumber = number;
 
 // A line that is longer than the buffer comes in pieces.
 void BobScanner::readLine() {
-  if (lineBuffer.empty() || lineBuffer.back() == '\n') setLine(lineNumber + 1);
+  pieceStart += lineBuffer.size();
+  if (lineBuffer.empty() || lineBuffer.back() == '\n') {
+    setLine(lineNumber + 1);
+    pieceStart = 0;
+  }
   lineBuffer.clear();
   linePointer = 0;
   while (lineBuffer.size() < kLineLimit) {
@@ -95,8 +100,10 @@ int BobScanner::skipSpaces() {
 }
 
 int BobScanner::next() {
-  if (savedToken != -1) return std::exchange(savedToken, -1);
-  return scan();
+  placeBefore = place;
+  if (savedToken == -1) return scan();
+  place = savedPlace;
+  return std::exchange(savedToken, -1);
 }
 
 int BobScanner::oneOf(int ifNone, std::initializer_list<std::pair<char, int>> list) {
@@ -116,6 +123,7 @@ int BobScanner::shift(char c, int ifEqual, int ifDouble, int ifDoubleEqual) {
 int BobScanner::scan() {
   for (;;) {
     const int c = skipSpaces();
+    place = {lineNumber, int(pieceStart + linePointer)};
     switch (c) {
       case -1: return kTokenEof;
       case '"': return string();

@@ -7,6 +7,7 @@
 
 #include "bob/base/stream.h"
 #include "bob/base/value.h"
+#include "bob/compile/codenotes.h"
 
 // Single characters are their own tokens; 0 is the end of the input.
 enum BobToken : int {
@@ -73,12 +74,17 @@ class BobScanner {
   void attach(BobInterp* interp, BobStream* input);
 
   int next();
-  void unread(int token) { savedToken = token; }
+  void unread(int token) {
+    savedToken = token;
+    savedPlace = place;
+    place = placeBefore;
+  }
 
   std::string tokenText;   // of identifiers and strings, at most 255 bytes
   int32_t tokenValue = 0;  // of integers
   double tokenFloat = 0;   // of floats
   int lineNumber = 0;      // of the line that is being read; the interpreter's sourceLine follows it
+  BobSourcePlace place;    // of the token that was taken last, and not pushed back
 
  private:
   static constexpr size_t kTextLimit = 255;
@@ -109,7 +115,9 @@ class BobScanner {
   BobStream* input = nullptr;
   std::string lineBuffer;
   size_t linePointer = 0;
+  size_t pieceStart = 0;  // of the line buffer in its line
   bool atEof = false;
   int savedToken = -1;
+  BobSourcePlace savedPlace, placeBefore;
   int savedChar = 0;
 };

@@ -11,6 +11,7 @@
 
 #include "bob/base/stream.h"
 #include "bob/base/value.h"
+#include "bob/compile/codenotes.h"
 
 struct BobScope;
 
@@ -20,8 +21,9 @@ using BobCodeNames = std::function<std::string(int line)>;
 
 class BobStatementReader {
  public:
-  // The source must outlive the reader. Without `names` such code is anonymous.
-  BobStatementReader(BobScope* scope, BobStream* source, BobCodeNames names = {});
+  // The source must outlive the reader. Without `names` such code is anonymous. `sourceName` is what notes call the
+  // source.
+  BobStatementReader(BobScope* scope, BobStream* source, BobCodeNames names = {}, std::string sourceName = {});
   ~BobStatementReader();
   BobStatementReader(const BobStatementReader&) = delete;
   BobStatementReader& operator=(const BobStatementReader&) = delete;
@@ -35,5 +37,9 @@ class BobStatementReader {
   std::unique_ptr<OuterInput> outer;
 };
 
-// The line of the source that is being read, for messages; 0 when there has been none.
+// Of all that is compiled from here on; an empty one ends it. The interpreter must have a compiler.
+void bobSetCodeListener(BobInterp* interp, BobCodeListener listener);
+
+// The line of the source that is being read, for messages; 0 when there has been none. And what its reader calls it.
 int bobCurrentLine(const BobInterp* interp);
+std::string bobCurrentSource(const BobInterp* interp);

@@ -50,6 +50,7 @@ void BobCompiler::block() {
   }
   if (!hasFrame) return;
   emit.op(kOpUnframe);
+  if (emit.notes) emit.notes->closeBlock(emit.here(), names.innermost());
   names.pop();
   --blockLevel;
 }
@@ -59,6 +60,7 @@ bool BobCompiler::localDeclarations() {
   names.push();
   emit.op(kOpCframe, 0);
   const int countAt = emit.here() - 1;
+  if (emit.notes) emit.notes->openBlock(emit.here());
   ++blockLevel;
   int count = 0;
   do {
@@ -117,10 +119,12 @@ void BobCompiler::loopBody(int chain, int address, int* endChain) {
 }
 
 void BobCompiler::whileStatement() {
+  const BobSourcePlace at = scanner.place;
   const int top = emit.here();
   parenthesised();
   int end = emit.branch(kOpBrf, 0);
   loopBody(end, top, &end);
+  emit.from(at);
   emit.branchTo(kOpBr, top);
   emit.patchHere(end);
 }
@@ -138,6 +142,7 @@ void BobCompiler::doStatement() {
 }
 
 void BobCompiler::forStatement() {
+  const BobSourcePlace at = scanner.place;
   expect('(');
   if (!accept(';')) {
     do assignmentValue();
@@ -161,11 +166,13 @@ void BobCompiler::forStatement() {
   emit.branchTo(kOpBr, test);
   emit.patchHere(body);
   loopBody(end, update, &end);
+  emit.from(at);
   emit.branchTo(kOpBr, update);
   emit.patchHere(end);
 }
 
 void BobCompiler::returnStatement() {
+  const BobSourcePlace at = scanner.place;
   if (accept(';')) {
     emit.op(kOpNil);
   } else {
@@ -173,6 +180,7 @@ void BobCompiler::returnStatement() {
     expect(';');
   }
   for (int i = 0; i < blockLevel; ++i) emit.op(kOpUnframe);
+  emit.from(at);
   emit.op(kOpReturn);
 }
 
@@ -193,6 +201,7 @@ void BobCompiler::continueStatement() {
 }
 
 void BobCompiler::switchStatement() {
+  const BobSourcePlace at = scanner.place;
   parenthesised();
   const int dispatch = emit.branch(kOpBr, 0);
   switches.emplace_back();
@@ -203,6 +212,7 @@ void BobCompiler::switchStatement() {
   breaks.pop_back();
   emit.patchHere(dispatch);
   const Switch& s = switches.back();
+  emit.from(at);
   emit.op(kOpSwitch);
   emit.word(int(s.cases.size()));
   for (const Case& c : s.cases) {

@@ -55,11 +55,6 @@ void putCodeName(BobInterp* interp, BobValue code, BobStream* stream) {
     bobPrint(interp, code, stream);
 }
 
-void printCodeName(BobInterp* interp, BobValue code, BobStream* stream) {
-  putCodeName(interp, code, stream);
-  bobPutText(stream, "\n");
-}
-
 }  // namespace
 
 const char* bobErrorMessage(int code) {
@@ -96,26 +91,33 @@ std::string bobRunningName(BobInterp* interp) {
   return {text, name.count()};
 }
 
-std::string bobFunctionName(BobInterp* interp, BobValue function) {
-  if (!interp->isA(function, kBobMethod)) return "";
-  const BobValue name = bobCodeName(interp, bobMethodCode(interp, function));
+std::string bobCodeText(BobInterp* interp, BobValue code) {
+  const BobValue name = bobCodeName(interp, code);
   if (name == kBobNil) return "";
   if (interp->isA(name, kBobSymbol)) return std::string(interp->symbolOf(name));
   return interp->isA(name, kBobString) ? std::string(interp->stringOf(name)) : "";
 }
 
-void bobPrintTraceback(BobInterp* interp) {
+std::string bobFunctionName(BobInterp* interp, BobValue function) {
+  return interp->isA(function, kBobMethod) ? bobCodeText(interp, bobMethodCode(interp, function)) : "";
+}
+
+void bobPrintTraceback(BobInterp* interp, const std::function<void()>& named) {
   if (!interp->code) return;
   BobStream* stream = interp->stdoutStream;
-  bobPutText(stream, "Happened in ");
-  printCodeName(interp, interp->code, stream);
+  const auto line = [&](const char* before, BobValue code) {
+    bobPutText(stream, before);
+    putCodeName(interp, code, stream);
+    if (named) named();
+    bobPutText(stream, "\n");
+  };
+  line("Happened in ", interp->code);
   bool first = true;
   for (const uint32_t* frame = interp->fp; frame < interp->stackTop; frame = interp->words(frame[kFramePrevious])) {
     if (frame[kFrameRecord] != kCallFrame || !frame[kFrameCode]) continue;
     if (first) bobPutText(stream, "Called from:\n");
     first = false;
-    bobPutText(stream, "  ");
-    printCodeName(interp, frame[kFrameCode], stream);
+    line("  ", frame[kFrameCode]);
   }
 }
 

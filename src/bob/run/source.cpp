@@ -1,7 +1,5 @@
 #include "bob/run/source.h"
 
-#include <string>
-
 #include "bob/compile/statementreader.h"
 #include "bob/heap/interp.h"
 #include "bob/heap/local.h"
@@ -10,9 +8,9 @@
 #include "bob/model/print.h"
 #include "bob/run/calls.h"
 
-void bobRunSource(BobScope* scope, BobStream* source, BobStream* echo) {
+void bobRunSource(BobScope* scope, BobStream* source, BobStream* echo, const std::string& name) {
   BobInterp* interp = scope->interp;
-  BobStatementReader statements(scope, source);
+  BobStatementReader statements(scope, source, {}, name);
   while (const BobValue method = statements.next()) {
     const BobValue value = bobCall(scope, method, {});
     if (!echo) continue;
@@ -25,7 +23,7 @@ void bobLoadSource(BobScope* scope, const char* path, BobStream* echo) {
   const std::string name = path;  // the path may lie in the heap
   const std::unique_ptr<BobStream> source = bobOpenFile(scope->interp, name.c_str(), "r");
   if (!source) bobRaiseText(scope->interp, kBobFileNotFound, name.c_str());
-  bobRunSource(scope, source.get(), echo);
+  bobRunSource(scope, source.get(), echo, name);
 }
 
 BobValue bobEvaluate(BobScope* scope, std::string_view text) {

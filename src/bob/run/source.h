@@ -1,6 +1,7 @@
 // Running source text, statement by statement, each one run before the next is read.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "bob/base/stream.h"
@@ -8,8 +9,8 @@
 
 struct BobScope;
 
-// `echo` gets each value and a newline, unless null.
-void bobRunSource(BobScope* scope, BobStream* source, BobStream* echo);
+// `echo` gets each value and a newline, unless null. `name` is what notes of the compiler call the source.
+void bobRunSource(BobScope* scope, BobStream* source, BobStream* echo, const std::string& name = {});
 // Raises error 17 if the file can't be opened.
 void bobLoadSource(BobScope* scope, const char* path, BobStream* echo);
 // The first statement of the text: its value, or nil if there is none.

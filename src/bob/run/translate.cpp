@@ -55,8 +55,10 @@ BobQuickOp plainForm(uint8_t opcode) {
 
 class Translator {
  public:
-  Translator(BobInterp* interp, BobValue code, const BobCodePaths& paths, BobQuickCode& quick)
-      : paths(paths), out(quick.words), combiner(interp, code, paths, out) {}
+  // `marks` may be null.
+  Translator(BobInterp* interp, BobValue code, const BobCodePaths& paths, std::vector<uint32_t>& words,
+             std::vector<BobQuickMark>* marks)
+      : paths(paths), out(words), combiner(interp, code, paths, out), marks(marks) {}
 
   void translate() {
     combines = paths.proven && !instructionsOverlap();
@@ -67,6 +69,7 @@ class Translator {
       if (!paths.isReached(at) || at < combinedUpTo) continue;
       if (open && next != at) emitJump(next);
       places[at] = out.here();
+      mark(out.here(), at);
       open = emit(at, next);
     }
     if (open) emitJump(next);
@@ -92,11 +95,35 @@ class Translator {
     return false;
   }
 
+  void mark(uint32_t at, uint32_t offset) {
+    if (marks) marks->push_back({at, offset});
+  }
+
+  // The last instruction of a sequence that can fail, but for want of stack: the others move values only.
+  static uint32_t failingPart(const BobCombiner::Sequence& s, int count) {
+    for (int i = count - 1; i > 0; --i) switch (s.opcode(i)) {
+        case kOpBrt:
+        case kOpBrf:
+        case kOpLit:
+        case kOpEref:
+        case kOpEset:
+        case kOpPush:
+        case kOpPushScope:
+        case kOpOver:
+        case kOpDup2:
+        case kOpReturn: break;
+        default: return s.at[i];
+      }
+    return s.at[0];
+  }
+
   // A jump to a test is replaced by the test, which saves a step in every loop.
   void emitJump(uint32_t target) {
     if (combines) {
       const BobCombiner::Sequence s = combiner.from(target);
+      const uint32_t at = out.here();
       const int taken = combiner.combineTest(s);
+      if (taken) mark(at, failingPart(s, taken));
       if (taken) target = s.at[taken];
     }
     out.put(kQJump);
@@ -133,6 +160,7 @@ class Translator {
     if (combines) {
       const BobCombiner::Sequence s = combiner.from(at);
       if (const int taken = combiner.combine(s)) {
+        if (marks) marks->back().offset = failingPart(s, taken);
         next = combinedUpTo = s.at[taken];
         return s.opcode(taken - 1) != kOpReturn;
       }
@@ -192,25 +220,40 @@ class Translator {
   const BobCodePaths& paths;
   BobQuickWriter out;
   BobCombiner combiner;
+  std::vector<BobQuickMark>* marks;
   std::vector<uint32_t> places;  // by offset: where its quick code begins
   bool combines = false;
   uint32_t combinedUpTo = 0;  // offsets below are part of what has been emitted
 };
 
+bool isTranslatable(BobInterp* interp, BobValue code) {
+  const uint32_t* w = interp->words(code);
+  return bobCodeCount(w[kCodeCount]) > 0 && interp->isA(w[kCodeElements], kBobString);
+}
+
+void translate(BobInterp* interp, BobValue code, BobQuickCode& quick, std::vector<BobQuickMark>* marks) {
+  const uint8_t* bytes = interp->bytes(interp->words(code)[kCodeElements]) + kStringBytes;  // three are always there
+  quick.hasRest = bytes[0] == kOpAframer;
+  quick.required = bytes[1];
+  quick.optional = bytes[2];
+  quick.plainSlots = quick.hasRest || quick.optional ? -1 : quick.required;
+  const uint32_t variables = uint32_t(quick.required + quick.optional + quick.hasRest);
+  const BobCodePaths paths(interp, code, variables);
+  Translator(interp, code, paths, quick.words, marks).translate();
+}
+
 }  // namespace
 
 BobQuickCode& bobTranslate(BobInterp* interp, BobValue code) {
-  const uint32_t* w = interp->words(code);
-  if (bobCodeCount(w[kCodeCount]) == 0 || !interp->isA(w[kCodeElements], kBobString)) bobRaise(interp, kBobBadOpcode);
-  const uint8_t* bytes = interp->bytes(w[kCodeElements]) + kStringBytes;  // three of them are always there
+  if (!isTranslatable(interp, code)) bobRaise(interp, kBobBadOpcode);
   auto quick = std::make_unique<BobQuickCode>();
-  quick->hasRest = bytes[0] == kOpAframer;
-  quick->required = bytes[1];
-  quick->optional = bytes[2];
-  quick->plainSlots = quick->hasRest || quick->optional ? -1 : quick->required;
-  const uint32_t variables = uint32_t(quick->required + quick->optional + quick->hasRest);
-  const BobCodePaths paths(interp, code, variables);
-  Translator(interp, code, paths, *quick).translate();
-
+  translate(interp, code, *quick, nullptr);
   return bobKeepQuickCode(interp, code, std::move(quick));
+}
+
+std::vector<BobQuickMark> bobQuickMarks(BobInterp* interp, BobValue code) {
+  std::vector<BobQuickMark> marks;
+  BobQuickCode quick;
+  if (isTranslatable(interp, code)) translate(interp, code, quick, &marks);
+  return marks;
 }

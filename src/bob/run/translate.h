@@ -23,6 +23,15 @@
 // Makes the quick code of code that has none. Raises error 9 if its first element is no String.
 BobQuickCode& bobTranslate(BobInterp* interp, BobValue code);
 
+// Where an instruction lies in the quick code of some code, and in its bytecode. Of a superinstruction the latter is
+// the part that an error would come from.
+struct BobQuickMark {
+  uint32_t at, offset;
+};
+// Those of all instructions, by `at`: quick code isn't made with them, so the code is translated once more. Code that
+// was never translated has none if it can't be.
+std::vector<BobQuickMark> bobQuickMarks(BobInterp* interp, BobValue code);
+
 inline BobQuickCode& bobQuickCodeOf(BobInterp* interp, BobValue code) {
   const uint32_t number = bobCodeQuickNumber(interp->words(code)[BobLayout::kCodeCount]);
   return number ? *interp->quickCodes[number - 1] : bobTranslate(interp, code);

@@ -21,8 +21,9 @@ class Lister {
     if (isNamed) prefix = interp->stringOf(name).substr(0, 32);
   }
 
-  void list() {
-    for (uint32_t at = 0; at < bytes.size();) at += instruction(at);
+  void list(const BobListingNote& note) {
+    for (uint32_t at = 0; at < bytes.size(); at += instruction(at))
+      if (note) note(code, at);
   }
 
  private:
@@ -83,15 +84,16 @@ class Lister {
 
 }  // namespace
 
-void bobDisassemble(BobInterp* interp, BobValue code, BobStream* stream) {
+void bobDisassemble(BobInterp* interp, BobValue code, BobStream* stream, const BobListingNote& note) {
   const uint32_t* w = interp->words(code);
   if (bobCodeCount(w[kCodeCount]) == 0 || !interp->isA(w[kCodeElements], kBobString)) return;
-  Lister(interp, code, stream).list();
+  Lister(interp, code, stream).list(note);
 }
 
-void bobDisassembleAll(BobInterp* interp, BobValue code, BobStream* stream) {
-  bobDisassemble(interp, code, stream);
+void bobDisassembleAll(BobInterp* interp, BobValue code, BobStream* stream, const BobListingNote& note) {
+  bobDisassemble(interp, code, stream, note);
   const uint32_t* w = interp->words(code);
   for (uint32_t i = 1; i < bobCodeCount(w[kCodeCount]); ++i)
-    if (interp->isA(w[kCodeElements + i], kBobCompiledCode)) bobDisassembleAll(interp, w[kCodeElements + i], stream);
+    if (interp->isA(w[kCodeElements + i], kBobCompiledCode))
+      bobDisassembleAll(interp, w[kCodeElements + i], stream, note);
 }

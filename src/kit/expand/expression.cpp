@@ -224,8 +224,14 @@ bool isExpressionName(std::string_view text) {
 YamlNode evaluateScalar(const YamlNode& scalar, const Scope& scope) {
   YamlNode result = scalar;
   result.text.clear();
+  result.textLines.clear();
   const std::string_view text = scalar.text;
+  const std::vector<YamlTextLine> lines = scalar.linesOfText();
+  const bool hasLines = lines.size() > 1 || scalar.style == YamlNode::Style::block;
+  size_t line = 0;
   for (size_t at = 0; at < text.size();) {
+    for (; hasLines && line < lines.size() && lines[line].at <= at; ++line)
+      result.textLines.push_back({result.text.size(), lines[line].line});
     if (text.substr(at).starts_with("$$(")) {
       result.text += "$(";
       at += 3;

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "kit/files.h"
+#include "kit/lines/bobmap.h"
 #include "kit/project/contenthash.h"
 #include "kit/project/mentions.h"
 #include "kit/project/missingfiles.h"
@@ -35,6 +36,8 @@ void nameForManifest(const Project& project, KitMessage* at) {
 // isn't known, and after an error those of earlier builds that may be stale.
 constexpr char kOwnFiles[] = "own";
 constexpr char kUnknownHash[] = "unknown";
+
+bool isLineTable(const std::string& file) { return file.ends_with(kBobMapExtension); }
 
 class ProjectBuild {
  public:
@@ -174,6 +177,7 @@ class ProjectBuild {
     for (const KitMessage& warning : outcome.warnings)
       if (options.warn) options.warn(warning);
     for (const std::string& file : outcome.made) {
+      if (isLineTable(file)) continue;
       if (!made.insert(file).second) continue;  // two pages have the same script
       if (options.made) options.made(file);
       ++report.made;
@@ -246,7 +250,7 @@ class ProjectBuild {
       const std::string hash = contentHash(file.bytes);
       if (hashBefore(file.name) != hash) written.push_back(file.name);
       if (fileHash(path) == hash) continue;
-      if (!hashBefore(file.name).empty() && before.hashOf(file.name).empty())
+      if (!hashBefore(file.name).empty() && before.hashOf(file.name).empty() && !isBobMap(readFile(path)))
         throw KitError(path, "is there and no build made it; move it, or give its source another name");
       if (wasChangedByHand(file.name) && !options.all)
         throw KitError(path, "was changed after it was built; move it, or say --all to write over it");
@@ -310,7 +314,7 @@ class ProjectBuild {
         const std::string path = outputPath(project, output.name);
         std::error_code error;
         if (!std::binary_search(kept.begin(), kept.end(), output.name) && fileHash(path) == output.hash)
-          report.removed += fs::remove(path, error);
+          report.removed += fs::remove(path, error) && !isLineTable(path);
       }
   }
 
@@ -346,6 +350,7 @@ class ProjectBuild {
 
   void finishReport() {
     report.files = builtFiles(now);
+    std::erase_if(report.files, isLineTable);
     inputs.insert(project.file);
     for (const auto& [name, step] : now.steps) {
       for (const FileRecord& input : step.inputs) inputs.insert(project.pathOf(input.name));
@@ -396,7 +401,7 @@ std::vector<std::string> cleanProject(const Project& project, const KitWarn& war
         continue;
       }
       fs::remove(path, error);
-      removed.insert(path);
+      if (!isLineTable(path)) removed.insert(path);
       folders.insert(fs::path(output.name).parent_path().string());
     }
   fs::remove(manifestFile, error);

@@ -27,6 +27,7 @@ struct PageBuildRecord {
   std::vector<FileUse> uses;
 };
 
+// Line tables are written and kept like all that is built, but nobody has to hear of them: they aren't for the player.
 struct BuildReport {
   std::vector<std::string> files;   // in the output folder, sorted
   std::vector<std::string> inputs;  // all that was read, as it can be opened from here, sorted

@@ -9,6 +9,7 @@
 #include "kit/files.h"
 #include "kit/fonts/fontreport.h"
 #include "kit/fonts/machinefonts.h"
+#include "kit/lines/bobmap.h"
 #include "kit/pictures/convertpicture.h"
 #include "kit/pictures/standardclut.h"
 #include "kit/project/pageuses.h"
@@ -30,14 +31,27 @@ std::string outputName(const std::string& source, const char* extension = nullpt
 
 std::vector<uint8_t> bytesOf(std::string_view text) { return {text.begin(), text.end()}; }
 
-std::vector<uint8_t> compileScript(const std::string& path, bool strip) {
+ScriptFile compileScript(const std::string& path, bool strip) {
   const std::vector<uint8_t> source = readFile(path);
   try {
     const std::string_view text(reinterpret_cast<const char*>(source.data()), source.size());
-    return bytesOf(ScriptCompiler().compileFile(text, strip ? BobCodeNames() : codeNamesByLine(path)));
+    ScriptFile made{"", path, ""};
+    const ScriptOrigin origin{path, {}, made.lines};
+    made.bytes = ScriptCompiler().compileFile(text, strip ? BobCodeNames() : codeNamesByLine(path), &origin);
+    return made;
   } catch (const ScriptError& e) {
     throw KitError(path, e.line, e.what());
   }
+}
+
+// The line table of the file that was added last. It costs the player nothing, so stripped code has one, too: then
+// nothing else says where an error is.
+void addLines(StepResult* result, const std::string& folder, const std::vector<CodeLines>& lines) {
+  const BuiltFile& built = result->outputs.back();
+  const std::string_view bytes(reinterpret_cast<const char*>(built.bytes.data()), built.bytes.size());
+  const std::string name = bobMapName(built.name);
+  const std::string text = bobMapText((fs::path(folder) / name).string(), makeBobMap(bytes, lines));
+  result->outputs.push_back({name, bytesOf(text)});
 }
 
 class Planner {
@@ -189,8 +203,12 @@ class Planner {
     const std::string output = outputName(script.text, ".bobo");
     const std::string path = project.pathOf(script.text);
     BuildStep step{"script " + script.text, script.place, project.strip ? "stripped" : "", {path}, {output}, {}, {}};
-    step.run = [path, output, strip = project.strip](const KitWarn&) {
-      return StepResult{{{output, compileScript(path, strip)}}, {path}, {}};
+    step.outputs.push_back(bobMapName(output));
+    step.run = [path, output, strip = project.strip, outputs = project.pathOf(project.output)](const KitWarn&) {
+      const ScriptFile made = compileScript(path, strip);
+      StepResult result{{{output, bytesOf(made.bytes)}}, {path}, {}};
+      addLines(&result, outputs, made.lines);
+      return result;
     };
     add(std::move(step));
   }
@@ -200,14 +218,19 @@ class Planner {
     const std::string output = outputName(page.text, ".kpg");
     const std::string path = project.pathOf(page.text);
     BuildStep step{pageStepName(page.text), page.place, project.strip ? "stripped" : "", {path}, {output}, {}, {}};
-    step.run = [path, output, strip = project.strip](const KitWarn& warn) {
+    step.outputs.push_back(bobMapName(output));
+    step.run = [path, output, strip = project.strip, outputs = project.pathOf(project.output)](const KitWarn& warn) {
       PageSourceOptions options;
       options.strip = strip;
+      options.lines = true;
       BuiltPage built = compilePage(path, warn, options);
       const fs::path folder = fs::path(output).parent_path();
       StepResult result{{{output, built.bytes}}, built.sources, pageUses(path, folder.string(), built)};
-      for (const ScriptFile& script : built.scriptFiles)
+      addLines(&result, outputs, built.lines);
+      for (const ScriptFile& script : built.scriptFiles) {
         result.outputs.push_back({(folder / script.name).lexically_normal().string(), bytesOf(script.bytes)});
+        addLines(&result, outputs, script.lines);
+      }
       return result;
     };
     add(std::move(step));

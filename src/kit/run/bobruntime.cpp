@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <iterator>
 
-#include "bob/tools/disassemble.h"
 #include "bob/tools/objectformat.h"
 #include "engine/scriptbindings/scriptbindings.h"
 #include "kit/errors.h"
@@ -18,12 +17,14 @@ bool isObjectFile(const std::vector<uint8_t>& bytes) {
   return bytes.size() >= sizeof kBobMagic && std::equal(std::begin(kBobMagic), std::end(kBobMagic), bytes.begin());
 }
 
-void bobListCode(BobInterp* interp, BobValue code) { bobDisassembleAll(interp, code, bobStdout(interp)); }
+void bobListCode(BobInterp* interp, BobValue code, const BobListingNote& note) {
+  bobDisassembleAll(interp, code, bobStdout(interp), note);
+}
 
-bool bobListRecords(BobInterp* interp, BobStream* stream) {
+bool bobListRecords(BobInterp* interp, BobStream* stream, const BobListingNote& note) {
   return bobTry(interp, [&] {
     BobValue code;
     while (bobReadValue(bobRootScope(interp), stream, &code) && bobIsA(interp, code, kBobCompiledCode))
-      bobListCode(interp, code);
+      bobListCode(interp, code, note);
   });
 }

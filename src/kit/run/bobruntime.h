@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "bob/bob.h"
+#include "bob/tools/disassemble.h"
 
 // Its streams are dropped until somebody sets others.
 struct BobRuntime {
@@ -30,8 +31,8 @@ class BobTextStream : public BobStream {
 };
 
 // Lists the code on the standard output stream, then the functions among its literals.
-void bobListCode(BobInterp* interp, BobValue code);
+void bobListCode(BobInterp* interp, BobValue code, const BobListingNote& note = {});
 // Whether the bytes begin as an object file of any version does.
 bool isObjectFile(const std::vector<uint8_t>& bytes);
 // Lists records up to the end or the first that is none; false after an error.
-bool bobListRecords(BobInterp* interp, BobStream* stream);
+bool bobListRecords(BobInterp* interp, BobStream* stream, const BobListingNote& note = {});

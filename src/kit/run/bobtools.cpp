@@ -5,6 +5,8 @@
 
 #include "kit/errors.h"
 #include "kit/files.h"
+#include "kit/lines/bobmap.h"
+#include "kit/run/sourcelisting.h"
 
 namespace {
 
@@ -16,11 +18,37 @@ std::unique_ptr<BobStream> open(BobInterp* interp, const std::string& path, cons
   return stream;
 }
 
-bool listSource(BobInterp* interp, BobStream* stream) {
-  return bobTry(interp, [&] {
-    BobStatementReader statements(bobRootScope(interp), stream);
-    while (const BobValue method = statements.next()) bobListCode(interp, bobMethodCode(interp, method));
+// Statement by statement, since later code may well be equal to earlier code.
+bool listSource(BobInterp* interp, BobStream* stream, const std::string& path) {
+  SourceListing source;
+  std::vector<CodeLines> compiled;
+  bobSetCodeListener(interp, [&](BobInterp* i, BobValue code, const BobCodeNotes& notes) {
+    compiled.push_back(codeLinesOf(i, code, notes, path));
   });
+  const bool listed = bobTry(interp, [&] {
+    BobStatementReader statements(bobRootScope(interp), stream);
+    while (const BobValue method = statements.next()) {
+      source.begin(std::move(compiled));
+      compiled.clear();
+      bobListCode(interp, bobMethodCode(interp, method),
+                  [&](BobValue code, uint32_t offset) { source.instruction(interp, code, offset); });
+    }
+  });
+  bobSetCodeListener(interp, {});
+  return listed;
+}
+
+bool listObjectFile(BobInterp* interp, BobStream* records, const std::string& path, const KitWarn& warn) {
+  BobMap map = bobMapBeside(path, readFile(path), warn);
+  for (const BobMap::Source& source : map.sources) {
+    if (map.isCurrent(source.file)) continue;
+    if (warn) warn({source.file, 0, "warning: was changed after " + path + " was made of it, so no lines are shown"});
+    map.codes.clear();
+  }
+  SourceListing source;
+  source.begin(std::move(map.codes));
+  return bobListRecords(interp, records,
+                        [&](BobValue code, uint32_t offset) { source.instruction(interp, code, offset); });
 }
 
 bool startsAsObjectFile(BobStream* stream) {
@@ -34,23 +62,49 @@ bool startsAsObjectFile(BobStream* stream) {
 bool runBobFile(BobRuntime& runtime, const std::string& path) {
   BobInterp* interp = runtime.interp;
   const std::unique_ptr<BobStream> source = open(interp, path, "r");
-  return bobTry(interp, [&] { bobRunSource(bobRootScope(interp), source.get(), nullptr); });
+  return bobTry(interp, [&] { bobRunSource(bobRootScope(interp), source.get(), nullptr, path); });
+}
+
+std::string errorPlaces(BobInterp* interp, int code, ScriptPlaces& places) {
+  std::string text;
+  if (code == kBobSyntaxError && !bobCurrentSource(interp).empty())
+    text = bobCurrentSource(interp) + ":" + std::to_string(bobCurrentLine(interp)) + ": is read here\n";
+  std::vector<std::string> names;
+  for (const auto& [running, offset] : bobRunningCode(interp)) names.push_back(bobCodeText(interp, running));
+  const std::vector<std::string> all = places.runningPlaces(interp, {});
+  for (size_t i = 0; i < all.size(); ++i)
+    if (!all[i].empty()) text += all[i] + ": in " + (names[i].empty() ? "a statement" : names[i]) + "\n";
+  return text;
 }
 
 bool compileBobFile(BobRuntime& runtime, const std::string& source, const std::string& object,
-                    const BobCodeNames& names) {
-  refuseClashes({object}, {source});
+                    const BobCompileOptions& options) {
+  refuseClashes({object, options.lines ? bobMapName(object) : ""}, {source});
   BobInterp* interp = runtime.interp;
   const std::unique_ptr<BobStream> input = open(interp, source, "r");
   BobTextStream output;
+  std::vector<CodeLines> lines;
+  if (options.lines)
+    bobSetCodeListener(interp, [&](BobInterp* i, BobValue code, const BobCodeNotes& notes) {
+      lines.push_back(codeLinesOf(i, code, notes, source));
+    });
   const bool compiled = bobTry(interp, [&] {
     bobWriteHeader(&output);
-    BobStatementReader statements(bobRootScope(interp), input.get(), names);
+    BobStatementReader statements(bobRootScope(interp), input.get(), options.names);
     while (const BobValue method = statements.next())
       if (!bobWriteValue(interp, bobMethodCode(interp, method), &output)) bobRaise(interp, kBobWritingFile);
   });
-  if (compiled) writeFile(object, output.text.data(), output.text.size());
-  return compiled;
+  bobSetCodeListener(interp, {});
+  if (!compiled) return false;
+  OutputFiles files;
+  files.add(object, output.text.data(), output.text.size());
+  if (options.lines) {
+    const std::string path = bobMapName(object), text = bobMapText(path, makeBobMap(output.text, std::move(lines)));
+    refuseForeign(path, isBobMap, "move what is there");
+    files.add(path, text.data(), text.size());
+  }
+  files.finish();
+  return true;
 }
 
 BobCodeNames codeNamesByLine(const std::string& path) {
@@ -58,9 +112,9 @@ BobCodeNames codeNamesByLine(const std::string& path) {
       [name = std::filesystem::path(path).filename().string()](int line) { return name + ":" + std::to_string(line); };
 }
 
-bool listBobFile(BobRuntime& runtime, const std::string& path) {
+bool listBobFile(BobRuntime& runtime, const std::string& path, const KitWarn& warn) {
   BobInterp* interp = runtime.interp;
   const std::unique_ptr<BobStream> records = open(interp, path, "rb");
-  if (startsAsObjectFile(records.get())) return bobListRecords(interp, records.get());
-  return listSource(interp, open(interp, path, "r").get());
+  if (startsAsObjectFile(records.get())) return listObjectFile(interp, records.get(), path, warn);
+  return listSource(interp, open(interp, path, "r").get(), path);
 }

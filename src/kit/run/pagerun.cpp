@@ -7,10 +7,10 @@
 
 namespace fs = std::filesystem;
 
-PageRun::PageRun(const PageRunOptions& options) : desktop(options.limitSeconds) {
+PageRun::PageRun(const PageRunOptions& options) : lines(options.lines), desktop(options.limitSeconds) {
   desktop.shell.engine.scriptsMayWriteFiles = !options.readOnly;
   desktop.start();
-  desktop.watchScripts();
+  desktop.watchScripts(lines ? &places : nullptr);
   desktop.settle();
 }
 
@@ -24,19 +24,25 @@ bool PageRun::load(const std::string& path, const KitWarn& warn) {
 
 // The name that the page would have if it were built beside its source.
 std::string PageRun::compile(const std::string& source, const KitWarn& warn) {
+  PageSourceOptions options;
+  options.lines = lines;
   BuiltPage built;
   try {
-    built = compilePage(source, warn);
+    built = compilePage(source, warn, options);
   } catch (const BuildError& e) {
     sources = e.inputs;
     throw;
   }
+  places.add(built.lines);
   const auto keep = [&](const fs::path& path, std::string bytes) {
     desktop.shell.filesInMemory[fs::absolute(path).lexically_normal()] = std::move(bytes);
   };
   const fs::path page = fs::path(source).replace_extension(".kpg");
   keep(page, {built.bytes.begin(), built.bytes.end()});
-  for (ScriptFile& script : built.scriptFiles) keep(page.parent_path() / script.name, std::move(script.bytes));
+  for (ScriptFile& script : built.scriptFiles) {
+    places.add(script.lines);
+    keep(page.parent_path() / script.name, std::move(script.bytes));
+  }
   sources = std::move(built.sources);
   return page.string();
 }
@@ -54,6 +60,12 @@ void PageRun::act(const PageAction& action) {
       return;
     case PageAction::eval: desktop.typeLine(action.argument); return desktop.settle();
   }
+}
+
+std::vector<std::string> PageRun::complaintsWithPlaces() const {
+  std::vector<std::string> texts;
+  for (const std::string_view complaint : complaints()) texts.push_back(desktop.withPlaces(complaint));
+  return texts;
 }
 
 std::vector<std::string> PageRun::inputs() const {

@@ -19,6 +19,7 @@ struct PagePicture {
 };
 
 struct PageRunOptions {
+  bool lines = false;       // tracebacks say where their code was written, as " at FILE:LINE"
   bool readOnly = false;    // every script's attempt to write a file fails
   double limitSeconds = 0;  // of processor time, for the load, a key, an evaluation or one millisecond of a wait;
                             // 0 for no limit. What takes longer is ended, and so is the run.
@@ -39,6 +40,11 @@ class PageRun {
   const std::string& stopped() const { return desktop.stopped(); }
   // Parts of the log: errors of scripts with their tracebacks, and what the system missed or refused.
   std::vector<std::string_view> complaints() const { return desktop.complaints(); }
+  // Both with the places of code in tracebacks, where PageRunOptions::lines asks for them, and what is wrong with line
+  // tables that were needed.
+  std::string logWithPlaces() const { return desktop.withPlaces(log()); }
+  std::vector<std::string> complaintsWithPlaces() const;
+  const std::vector<KitMessage>& lineWarnings() const { return places.warnings(); }
   // All files that were read so far, and with those that were not there; also after a load that threw.
   std::vector<std::string> inputs() const;
   std::vector<std::string> dependencies() const;
@@ -56,6 +62,8 @@ class PageRun {
  private:
   std::string compile(const std::string& source, const KitWarn& warn);
 
+  ScriptPlaces places;
+  const bool lines;
   RunDesktop desktop;
   std::vector<std::string> sources;
 };

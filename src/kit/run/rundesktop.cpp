@@ -31,10 +31,12 @@ RunDesktop& RunDesktop::ofThisThread() {
   return static_cast<RunDesktop&>(static_cast<Shell&>(currentEngine()->host).desktop);
 }
 
-void RunDesktop::watchScripts() {
+void RunDesktop::watchScripts(ScriptPlaces* p) {
   const EngineScope here(shell.engine);
   BobInterp* interp = scriptInterp();
   if (!interp) return;
+  places = p;
+  if (places) places->listen(interp, [](const std::string& source) { return hostFullName(source.c_str()); });
   bobSetErrorHandler(interp, [](BobInterp* i, int code, const BobErrorArgument& argument) {
     ofThisThread().scriptFailed(i, code, argument);
   });
@@ -49,8 +51,36 @@ void RunDesktop::watchScripts() {
 
 void RunDesktop::scriptFailed(BobInterp* interp, int code, const BobErrorArgument& argument) {
   const size_t begin = log.size();
-  bobStandardErrorHandler(interp, code, argument);
+  if (places && code != kBobRestart) {
+    reportWithPlaces(interp, code, argument);
+  } else {
+    bobStandardErrorHandler(interp, code, argument);
+  }
   if (log.size() > begin && complained.size() < kMostComplaints) complained.push_back({begin, log.size()});
+}
+
+// What the standard handler prints, and notes of where the places belong.
+void RunDesktop::reportWithPlaces(BobInterp* interp, int code, const BobErrorArgument& argument) {
+  bobPrintError(interp, code, argument);
+  const std::vector<std::string> all = places->runningPlaces(interp, read);
+  auto place = all.begin();
+  bobPrintTraceback(interp, [&] {
+    if (place == all.end()) return;
+    if (!place->empty()) inserted.push_back({log.size(), " at " + *place});
+    ++place;
+  });
+}
+
+std::string RunDesktop::withPlaces(std::string_view part) const {
+  std::string text;
+  size_t from = size_t(part.data() - log.data());
+  const size_t end = from + part.size();
+  for (const Insertion& insertion : inserted) {
+    if (insertion.at < from || insertion.at > end) continue;
+    text.append(log, from, insertion.at - from).append(insertion.text);
+    from = insertion.at;
+  }
+  return text.append(log, from, end - from);
 }
 
 // A message that goes on from the one before, such as " -- not found", belongs to it.

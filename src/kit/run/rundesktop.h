@@ -14,6 +14,7 @@
 
 #include "bob/bob.h"
 #include "host/headless/headlessdesktop.h"
+#include "kit/run/scriptplaces.h"
 
 // Whether a message of the system, which it has written to the console itself, says that something is wrong. Everything
 // does that is not one of the few by which it reports what it is doing.
@@ -24,8 +25,8 @@ class RunDesktop : public HeadlessDesktop {
   // Times are processor time of this thread; 0 seconds is no limit. The limit holds for each step by itself.
   explicit RunDesktop(double limitSeconds) : limit(limitSeconds) {}
 
-  // After the engine has started: listens to its scripts.
-  void watchScripts();
+  // After the engine has started: listens to its scripts. With `places` errors say where their code was written.
+  void watchScripts(ScriptPlaces* places = nullptr);
 
   // Measures from here on. To be called when something begins that is to end by itself.
   void beginActivity() { begun.reset(); }
@@ -35,6 +36,9 @@ class RunDesktop : public HeadlessDesktop {
 
   // Parts of the log, in order: errors of scripts with their tracebacks, and what the system refused.
   std::vector<std::string_view> complaints() const;
+
+  // A part of the log with the places of code after the lines of tracebacks, which the system's own log doesn't have.
+  std::string withPlaces(std::string_view partOfLog) const;
 
   // The files of the disk that were read, by their paths, and those that were not there.
   const std::set<std::filesystem::path>& filesRead() const { return read; }
@@ -60,16 +64,24 @@ class RunDesktop : public HeadlessDesktop {
     size_t begin, end;
   };
 
+  struct Insertion {
+    size_t at;  // in the log
+    std::string text;
+  };
+
   static RunDesktop& ofThisThread();
   bool mayGoOn(BobInterp* running);
   void stop(const std::string& why, BobInterp* running);
   void stop(double count, const char* unit, BobInterp* running);
   void scriptFailed(BobInterp* interp, int code, const BobErrorArgument& argument);
+  void reportWithPlaces(BobInterp* interp, int code, const BobErrorArgument& argument);
 
   double limit;                 // seconds
   std::optional<double> begun;  // seconds of processor time; empty until somebody first asks
   std::string reason;
   std::vector<Range> complained;  // in the log
+  ScriptPlaces* places = nullptr;
+  std::vector<Insertion> inserted;  // by their positions
   size_t lastMessage = 0, lastMessageEnd = 0;
   std::set<std::filesystem::path> read, missing;
   std::atomic<bool> interrupted = false;

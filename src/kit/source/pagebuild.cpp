@@ -8,6 +8,7 @@
 #include "gfx/foundation/hsascii.h"
 #include "kit/depfile.h"
 #include "kit/files.h"
+#include "kit/lines/bobmap.h"
 #include "kit/run/bobruntime.h"
 #include "kit/utf8.h"
 
@@ -47,23 +48,36 @@ BuiltPage compilePage(const std::string& source, const KitWarn& warn, const Page
   built.scriptFiles = std::move(page.scriptFiles);
   built.sources = std::move(page.sources);
   built.loadedPages = std::move(page.loadedPages);
+  built.lines = std::move(page.lines);
   return built;
 }
 
 namespace {
 
-void writeBuilt(const BuiltPage& page, const std::string& source, const std::string& output,
+void addLines(OutputFiles& files, std::vector<std::string>& outputs, const std::string& built, std::string_view bytes,
+              const std::vector<CodeLines>& lines) {
+  const std::string path = outputs.emplace_back(bobMapName(built));
+  refuseForeign(path, isBobMap, "move what is there");
+  const std::string text = bobMapText(path, makeBobMap(bytes, lines));
+  files.add(path, text.data(), text.size());
+}
+
+void writeBuilt(const BuiltPage& page, const std::string& source, const std::string& output, bool lines,
                 const std::string& depfile) {
-  if (isStandardOutput(output) && !page.scriptFiles.empty())
-    throw KitError(source, "its script files go beside the page, so the page needs a name; say -o PAGE.kpg");
+  if (isStandardOutput(output) && (lines || !page.scriptFiles.empty()))
+    throw KitError(source, std::string("its ") + (lines ? "line tables" : "script files") +
+                               " go beside the page, so the page needs a name; say -o PAGE.kpg");
   std::vector<std::string> outputs{output, depfile};
   OutputFiles files;
   files.add(output, page.bytes.data(), page.bytes.size());
+  const std::string_view pageBytes(reinterpret_cast<const char*>(page.bytes.data()), page.bytes.size());
+  if (lines) addLines(files, outputs, output, pageBytes, page.lines);
   for (const ScriptFile& script : page.scriptFiles) {
-    const std::string& path = outputs.emplace_back((fs::path(output).parent_path() / script.name).string());
+    const std::string path = outputs.emplace_back((fs::path(output).parent_path() / script.name).string());
     refuseClashes(outputs, page.sources);
     refuseForeign(path, isObjectFile, "rename the script file, or move what is there");
     files.add(path, script.bytes.data(), script.bytes.size());
+    if (lines) addLines(files, outputs, path, script.bytes, script.lines);
   }
   refuseClashes(outputs, page.sources);
   if (!depfile.empty()) {
@@ -79,7 +93,7 @@ BuiltPage buildPage(const std::string& source, const std::string& output, const 
                     const PageSourceOptions& options, const std::string& depfile) {
   BuiltPage page = compilePage(source, warn, options);
   try {
-    writeBuilt(page, source, output, depfile);
+    writeBuilt(page, source, output, options.lines, depfile);
   } catch (const KitError& e) {
     throw BuildError(e.messages, std::move(page.sources));
   }

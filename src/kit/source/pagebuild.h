@@ -15,6 +15,7 @@ struct BuiltPage {
   std::vector<ScriptFile> scriptFiles;  // to lie beside the page
   std::vector<std::string> sources;     // all that was read, the page source first
   std::vector<LoadedPage> loadedPages;
+  std::vector<CodeLines> lines;  // with PageSourceOptions::lines
   PagePlaces places;
 };
 
@@ -24,7 +25,8 @@ bool isPageSource(const std::string& path);
 // Throws BuildError.
 BuiltPage compilePage(const std::string& source, const KitWarn& warn = {}, const PageSourceOptions& options = {});
 
-// Compiles the source to `output`, and the script files that it names to object files beside that. `depfile`, if it has
-// a name, gets what was read as a rule for make. All are written, or none. Returns what was written. Throws BuildError.
+// Compiles the source to `output`, and the script files that it names to object files beside that, with their line
+// tables (lines/bobmap.h) where lines are asked for. `depfile`, if it has a name, gets what was read as a rule for
+// make. All are written, or none. Returns what was written. Throws BuildError.
 BuiltPage buildPage(const std::string& source, const std::string& output, const KitWarn& warn = {},
                     const PageSourceOptions& options = {}, const std::string& depfile = {});

@@ -414,7 +414,8 @@ class SourceReader {
     result.tag = PageTag::script;
     const std::string source = value.isNull() ? "" : scalarText(value, "a script");
     try {
-      result.bytes = compiler().compile(source, codeNames(pair));
+      const ScriptOrigin origin{*value.place.file, lineOfPlace(value), page.lines};
+      result.bytes = compiler().compile(source, codeNames(pair), options.lines ? &origin : nullptr);
       for (const BobTextCall& call : compiler().pagesLoaded(source)) {
         YamlPlace place = value.place;
         place.line = lineInSource(value, call.line);
@@ -439,6 +440,17 @@ class SourceReader {
   // Only after a bar do the lines of a script lie in the source as they are.
   static int lineInSource(const YamlNode& script, int line) {
     return script.style == YamlNode::Style::block ? script.textLine + line - 1 : script.textLine;
+  }
+
+  // The compiler's places are those in the script's text.
+  static LineOfPlace lineOfPlace(const YamlNode& script) {
+    std::vector<size_t> begins{0};
+    for (size_t end = script.text.find('\n'); end != std::string::npos; end = script.text.find('\n', end + 1))
+      begins.push_back(end + 1);
+    return [begins = std::move(begins), lines = script.linesOfText()](const BobSourcePlace& place) {
+      const size_t line = std::min(size_t(place.line), begins.size());
+      return lineOfByte(lines, begins[line - 1] + size_t(place.column) - 1);
+    };
   }
 
   // Made when there is something to compile.
@@ -475,7 +487,10 @@ class SourceReader {
     try {
       const BobCodeNames names = options.strip ? nullptr : codeNamesByLine(path);
       const std::string_view text(reinterpret_cast<char*>(source.data()), source.size());
-      page.scriptFiles.push_back({name + "o", path, compiler().compileFile(text, names)});
+      ScriptFile made{name + "o", path, ""};
+      const ScriptOrigin origin{path, {}, made.lines};
+      made.bytes = compiler().compileFile(text, names, options.lines ? &origin : nullptr);
+      page.scriptFiles.push_back(std::move(made));
       const auto script = std::make_shared<const std::string>(path);
       for (const BobTextCall& call : compiler().pagesLoaded(text))
         page.loadedPages.push_back({call.text, {script, call.line, 1, nullptr}, ""});

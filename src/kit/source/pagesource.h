@@ -13,6 +13,8 @@ struct PageSourceOptions {
   // Leaves out the names of scripts, FILE:LINE WIDGET.HOOK, by which a traceback says where a fault is. They take some
   // of the player's memory while a script runs.
   bool strip = false;
+  // Keeps the lines of scripts, for PageTree::lines.
+  bool lines = false;
 };
 
 // Reads the source at `path` and compiles its scripts. Throws BuildError.

@@ -1,5 +1,7 @@
 #include "kit/source/scripts.h"
 
+#include <utility>
+
 ScriptCompiler::ScriptCompiler() {
   bobSetStderr(runtime.interp, &errors);
   bobSetErrorHandler(runtime.interp, keepError);
@@ -13,8 +15,14 @@ void ScriptCompiler::keepError(BobInterp* interp, int code, const BobErrorArgume
   bobPrintError(interp, code, argument);
 }
 
-std::string ScriptCompiler::compile(std::string_view source, const BobCodeNames& names) {
+std::string ScriptCompiler::compile(std::string_view source, const BobCodeNames& names, const ScriptOrigin* origin) {
   BobInterp* interp = runtime.interp;
+  BobCodeListener listener;
+  if (origin)
+    listener = [origin](BobInterp* i, BobValue code, const BobCodeNotes& notes) {
+      origin->lines.push_back(codeLinesOf(i, code, notes, origin->file, origin->lineOf));
+    };
+  bobSetCodeListener(interp, std::move(listener));
   BobTextStream records;
   const bool compiled = bobTry(interp, [&] {
     BobStringInput input(source);
@@ -29,10 +37,11 @@ std::string ScriptCompiler::compile(std::string_view source, const BobCodeNames&
   throw ScriptError(errors.line, message);
 }
 
-std::string ScriptCompiler::compileFile(std::string_view source, const BobCodeNames& names) {
+std::string ScriptCompiler::compileFile(std::string_view source, const BobCodeNames& names,
+                                        const ScriptOrigin* origin) {
   BobTextStream header;
   bobWriteHeader(&header);
-  return header.text + compile(source, names);
+  return header.text + compile(source, names, origin);
 }
 
 std::vector<BobTextCall> ScriptCompiler::pagesLoaded(std::string_view source) {

@@ -8,6 +8,7 @@
 
 #include "bob/compile/statementreader.h"
 #include "bob/tools/textcalls.h"
+#include "kit/lines/codelines.h"
 #include "kit/run/bobruntime.h"
 
 // An error in a script; `line` counts from 1 inside the script.
@@ -16,14 +17,22 @@ struct ScriptError : std::runtime_error {
   int line;
 };
 
+// Where a script comes from, and who wants to know the lines of its code.
+struct ScriptOrigin {
+  std::string file;
+  LineOfPlace lineOf;  // empty for a script that is the whole file
+  std::vector<CodeLines>& lines;
+};
+
 class ScriptCompiler {
  public:
   ScriptCompiler();
 
   // The records of all statements, as a page keeps them. Throws ScriptError.
-  std::string compile(std::string_view source, const BobCodeNames& names = {});
+  std::string compile(std::string_view source, const BobCodeNames& names = {}, const ScriptOrigin* origin = nullptr);
   // A whole object file.
-  std::string compileFile(std::string_view source, const BobCodeNames& names = {});
+  std::string compileFile(std::string_view source, const BobCodeNames& names = {},
+                          const ScriptOrigin* origin = nullptr);
   // The pages that a script which compiles opens by names that it spells out; a computed name can't be known.
   std::vector<BobTextCall> pagesLoaded(std::string_view source);
 

@@ -10,6 +10,7 @@
 #include "kit/errors.h"
 #include "kit/files.h"
 #include "kit/utf8.h"
+#include "kit/yaml/foldedlines.h"
 
 namespace {
 
@@ -40,7 +41,8 @@ class TreeBuilder : public YAML::EventHandler {
     YamlNode node = nodeAt(mark);
     node.kind = YamlNode::Kind::scalar;
     node.text = value;
-    const char indicator = indicatorAt(mark);
+    const size_t begin = beginOf(mark);
+    const char indicator = begin < text.size() ? text[begin] : '\0';
     node.style = indicator == '|'                        ? YamlNode::Style::block
                  : indicator == '>'                      ? YamlNode::Style::folded
                  : indicator == '"' || indicator == '\'' ? YamlNode::Style::quoted
@@ -49,6 +51,7 @@ class TreeBuilder : public YAML::EventHandler {
     if (indicator == '|' || indicator == '>') ++node.textLine;
     if ((indicator == '"' || indicator == '\'') && !isClosed(mark, indicator))
       fail(mark, std::string("the quote ") + indicator + " is never closed");
+    if (indicator != '|') node.textLines = foldedLines(node, text, begin, node.place.line);
     leaf(std::move(node), anchor);
   }
 
@@ -100,14 +103,14 @@ class TreeBuilder : public YAML::EventHandler {
     return tag.starts_with(kYaml) ? "!!" + tag.substr(kYaml.size()) : tag;
   }
 
-  // The character by which the scalar's style is known, after its tag and anchor.
-  char indicatorAt(const YAML::Mark& mark) const {
+  // Where the scalar itself begins, after its tag and anchor: at the character by which its style is known.
+  size_t beginOf(const YAML::Mark& mark) const {
     size_t at = size_t(mark.pos);
     while (at < text.size() && (text[at] == '!' || text[at] == '&')) {
       at = text.find_first_of(" \t\n", at);
       at = text.find_first_not_of(" \t", at);
     }
-    return at < text.size() ? text[at] : '\0';
+    return at;
   }
 
   // The parser takes the end of the file for the end of a quoted text.

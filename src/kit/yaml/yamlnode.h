@@ -28,6 +28,12 @@ struct YamlUse {
 
 struct YamlPair;
 
+// From byte `at` of a scalar's text on, what follows was written in that line.
+struct YamlTextLine {
+  size_t at;
+  int line;
+};
+
 struct YamlNode {
   enum class Kind { null, scalar, list, map };
   enum class Style { plain, quoted, block, folded };  // of a scalar; block: after |, folded: after >
@@ -39,7 +45,8 @@ struct YamlNode {
   std::vector<YamlNode> list;  // of a list
   std::vector<YamlPair> map;   // of a map
   YamlPlace place;
-  int textLine = 0;  // where a scalar's own text begins: a block's on the line after its indicator
+  int textLine = 0;                     // where a scalar's own text begins: a block's on the line after its indicator
+  std::vector<YamlTextLine> textLines;  // of a scalar over several lines whose text has others than the file
 
   bool isNull() const { return kind == Kind::null; }
   bool isScalar() const { return kind == Kind::scalar; }
@@ -47,6 +54,9 @@ struct YamlNode {
   bool isMap() const { return kind == Kind::map; }
 
   bool isUntagged() const { return tag.empty() || tag.starts_with("!!"); }  // but for YAML's own tags
+
+  // The lines of a scalar's text, one at least, the first from byte 0 on.
+  std::vector<YamlTextLine> linesOfText() const;
 
   // The value of the first pair of that name; null if there is none or this is no map.
   const YamlNode* find(std::string_view key) const;
@@ -60,6 +70,9 @@ struct YamlPair {
   YamlPlace place;  // of the key
   YamlNode value;
 };
+
+// The line of the byte, of such lines.
+int lineOfByte(const std::vector<YamlTextLine>& lines, size_t at);
 
 // What is wrong at a place, with its uses.
 KitMessage messageAt(const YamlPlace& place, std::string text);

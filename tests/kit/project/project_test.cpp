@@ -485,7 +485,7 @@ TEST_F(ProjectTest, WhatAFailedBuildLeavesIsStillTheBuildsOwn) {
   make();
   project("pages: [menu.yaml]\n");
   EXPECT_EQ(make(), Files{});
-  EXPECT_EQ(contents("build").size(), 2u);  // the page and the record
+  EXPECT_EQ(contents("build").size(), 3u);  // the page, its line table and the record
 }
 
 TEST_F(ProjectTest, TwoStepsMustNotMakeOneFileUnlike) {

@@ -1,0 +1,42 @@
+#include "bob/run/runningcode.h"
+
+#include <algorithm>
+#include <map>
+
+#include "bob/run/frames.h"
+#include "bob/run/translate.h"
+
+namespace {
+
+// Offsets in code by positions in its quick code. Recursion meets the same code again and again.
+class Offsets {
+ public:
+  explicit Offsets(BobInterp* i) : interp(i) {}
+
+  // `pc` lies after the word of the instruction that is being carried out.
+  uint32_t of(BobValue code, uint32_t pc) {
+    const auto [known, isNew] = marks.try_emplace(code);
+    if (isNew) known->second = bobQuickMarks(interp, code);
+    const std::vector<BobQuickMark>& all = known->second;
+    const auto after =
+        std::lower_bound(all.begin(), all.end(), pc, [](const BobQuickMark& m, uint32_t at) { return m.at < at; });
+    return after == all.begin() ? 0 : after[-1].offset;
+  }
+
+ private:
+  BobInterp* interp;
+  std::map<BobValue, std::vector<BobQuickMark>> marks;
+};
+
+}  // namespace
+
+std::vector<BobRunningCode> bobRunningCode(BobInterp* interp) {
+  std::vector<BobRunningCode> running;
+  if (!interp->code) return running;
+  Offsets offsets(interp);
+  running.push_back({interp->code, offsets.of(interp->code, uint32_t(interp->pc - interp->cbase))});
+  for (const uint32_t* frame = interp->fp; frame < interp->stackTop; frame = interp->words(frame[kFramePrevious]))
+    if (frame[kFrameRecord] == kCallFrame && frame[kFrameCode])
+      running.push_back({frame[kFrameCode], offsets.of(frame[kFrameCode], frame[kFramePc])});
+  return running;
+}
