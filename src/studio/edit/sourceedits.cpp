@@ -99,17 +99,22 @@ std::string nameOf(const WidgetSource& widget, const YamlNode& map) {
   return "a " + (widget.type.empty() ? "box" : widget.type);
 }
 
-// Whether the source doesn't say so already. A number of the rectangle that isn't in the map itself is what was built.
-bool isNew(const WidgetSource& widget, const YamlNode& map, const std::string& key, const std::string& text) {
-  const YamlNode* now = map.find(key);
-  const std::pair<const char*, int32_t> numbers[] = {
-      {"x", widget.given.x}, {"y", widget.given.y}, {"width", widget.given.w}, {"height", widget.given.h}};
-  for (const auto& [name, built] : numbers) {
-    if (key != name) continue;
-    if (!now) return text != std::to_string(built);
-    return !now->isScalar() || parseInteger(now->text) != parseInteger(text);
-  }
-  return !now || !now->isScalar() || now->text != text;
+std::optional<int32_t> givenNumber(const WidgetSource& widget, const std::string& key) {
+  if (key == "x") return widget.given.x;
+  if (key == "y") return widget.given.y;
+  if (key == "width") return widget.given.w;
+  if (key == "height") return widget.given.h;
+  return std::nullopt;
+}
+
+// `built` is the map when the page was built: a number that hasn't changed since is the built one, whether it is
+// computed, a template's, or none.
+bool saysAlready(const WidgetSource& widget, const YamlNode& built, const YamlNode& map, const SourceValue& wanted) {
+  const YamlNode *before = built.find(wanted.key), *now = map.find(wanted.key);
+  const bool isAsBuilt = (!before && !now) || (before && now && before->text == now->text);
+  const auto given = givenNumber(widget, wanted.key);
+  if (given && isAsBuilt) return std::to_string(*given) == wanted.text;
+  return now && now->isScalar() && now->text == wanted.text;
 }
 
 constexpr size_t kMostSteps = 200;  // each has two texts of a whole file
@@ -170,23 +175,25 @@ void SourceEdits::setBounds(const WidgetSource& widget, const Bounds& place, uin
          isResized ? "size" : "place", drag);
 }
 
-void SourceEdits::change(const WidgetSource& widget, const std::vector<Value>& values, const std::string& name,
+void SourceEdits::change(const WidgetSource& widget, const std::vector<SourceValue>& values, const std::string& name,
                          uint32_t drag) {
   const std::string& fileName = *widget.places.object.file;
   if (fileName.ends_with(".csv")) throw KitError(fileName, "is a table of data; edit the file");
   File file = fileOf(widget);
+  const YamlNode builtTop = parseYaml(fileName, file.built);
   YamlPath path;
-  if (!findMap(parseYaml(fileName, file.built), widget.places.object, path))
+  if (!findMap(builtTop, widget.places.object, path))
     throw KitError(fileName, widget.places.object.line, "there is no widget here any more");
+  const YamlNode& built = *follow(builtTop, path);
   const std::string before = file.text;
   std::string label;
-  for (const Value& value : values) {
+  for (const SourceValue& value : values) {
     checkValue(widget, value.key, value.text);
     const YamlNode top = parseYaml(fileName, file.text);
     const YamlNode* map = follow(top, path);
     if (!map) throw KitError(fileName, "there is no widget any more where this one was");
     label = nameOf(widget, *map);
-    if (!isNew(widget, *map, value.key, value.text)) continue;
+    if (saysAlready(widget, built, *map, value)) continue;
     checkMap(widget, *map, value.key);
     file.text = withYamlValue(fileName, file.text, map->place, value.key, value.text);
   }

@@ -17,6 +17,10 @@
 #include "kit/errors.h"
 #include "studio/inspector/widgetsources.h"
 
+struct SourceValue {
+  std::string key, text;
+};
+
 class SourceEdits {
  public:
   // These throw KitError with a sentence, and then nothing has changed.
@@ -52,13 +56,10 @@ class SourceEdits {
     std::string name, file, before, after;
     uint32_t drag;
   };
-  struct Value {
-    std::string key, text;
-  };
-
   File fileOf(const WidgetSource& widget) const;
   bool isOurs(const std::string& file, const std::string& text) const;
-  void change(const WidgetSource& widget, const std::vector<Value>& values, const std::string& name, uint32_t drag);
+  void change(const WidgetSource& widget, const std::vector<SourceValue>& values, const std::string& name,
+              uint32_t drag);
   void addStep(Step step);
   void forget(const std::string& file);
 
