@@ -123,6 +123,7 @@ page:
   EXPECT_EQ(hello.at("y").from, "default");
   EXPECT_EQ(hello.at("valign").from, "default");
   EXPECT_EQ(hello.at("valign").value, "top");
+  EXPECT_EQ(hello.at("upLeft").value, "up, then left");
   EXPECT_EQ(hello.at("hidden").help, "what is hidden at first");
 
   auto included = linesOf("included");

@@ -20,7 +20,7 @@ std::string counted(int64_t n, const char* one, const char* more) {
 
 // Scripts and tables are too long to show.
 std::string shownValue(const AttributeView& view) {
-  if (view.origin == ValueOrigin::byDefault) return view.text;
+  if (view.origin == ValueOrigin::byDefault) return plainText(view.text);
   const int64_t n = view.number.value_or(0);
   switch (view.kind) {
     case AttributeKind::script: return "a script of " + counted(n, "byte", "bytes");
