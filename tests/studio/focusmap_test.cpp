@@ -160,7 +160,8 @@ TEST_F(FocusMapTest, ItSaysWhatTheKeysDo) {
   std::mt19937 random(18);
   for (int round = 0; round < 40; ++round) {
     const int count = 3 + int(random() % 12);
-    std::string source = "page: {type: group, start: w0, children: [{name: w0, right: w1}";
+    const std::string kind = random() % 2 ? ", type: text, maxLength: 1" : "";  // one that takes the digits itself
+    std::string source = "page: {type: group, start: w0, children: [{name: w0, right: w1" + kind + "}";
     for (int i = 1; i < count; ++i) source += ",\n" + randomWidget(random, i, count, 0);
     open(source + "]}\n");
     const WidgetId top = inspectFrames(engine()).front().id;
