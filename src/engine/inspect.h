@@ -31,9 +31,11 @@ struct WidgetView {
   WidgetId frame = 0;   // whose page it is on; 0 for the top frame
   int level = 0;        // below the top frame, through nested pages
   WidgetKind kind = WidgetKind::box;
-  std::string name;  // empty for none
-  Bounds place;      // relative to the parent's corner
-  Bounds bounds;     // on the screen
+  std::string name;     // empty for none
+  uint32_t record = 0;  // where its page's file has it; 0 for the top frame, which is on none
+  Bounds given;         // its rectangle as the page says, relative to the parent's corner
+  Bounds place;         // the same as it is now
+  Bounds bounds;        // on the screen
   bool isRoot = false;
 
   bool contentHidden = false, backgroundHidden = false;
@@ -123,6 +125,9 @@ struct UnseenReason {
 
 // What keeps the widget's content from being seen; nothing when it is all in order, or not known.
 std::vector<UnseenReason> whyNotSeen(Engine& engine, WidgetId id);
+
+// Of all widgets, in the order of inspectWidgets; faster than one by one, and without who covers whom.
+std::vector<std::vector<UnseenReason>> whyNotSeen(Engine& engine);
 
 // ---- pages
 

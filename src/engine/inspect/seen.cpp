@@ -4,6 +4,7 @@
 // that of the nearest widget around it that has one, or else with the transparent colour; so even a text without a
 // background covers what was drawn before it.
 #include <algorithm>
+#include <unordered_set>
 
 #include "engine/engine.h"
 #include "engine/inspect/shown.h"
@@ -78,7 +79,8 @@ bool isTransparent(uint32_t color) { return color == standardColor(kColorTranspa
 
 class Reasons {
  public:
-  Reasons(Engine& e, const Widget* w) : engine(e), widget(w) {}
+  // Whether it is covered, where somebody knows already; else it is found out, and by whom.
+  Reasons(Engine& e, const Widget* w, std::optional<bool> covered = {}) : engine(e), widget(w), isCovered(covered) {}
 
   std::vector<UnseenReason> find() {
     if (isHidden(widget)) {
@@ -108,7 +110,11 @@ class Reasons {
     }
     const hsIntRect seen = onScreen(b);
     if (seen.IsEmpty()) return add(Unseen::outsideScreen);
-    if (widget->drawnAs != 0) findCover(seen);
+    if (isCovered) {
+      if (*isCovered) add(Unseen::covered);
+    } else if (widget->drawnAs != 0) {
+      findCover(seen);
+    }
   }
 
   void findCover(const hsIntRect& seen) {
@@ -187,8 +193,25 @@ class Reasons {
 
   Engine& engine;
   const Widget* widget;
+  const std::optional<bool> isCovered;
   std::vector<UnseenReason> reasons;
 };
+
+// From what was drawn last down, over all that was painted by then.
+std::unordered_set<const Widget*> coveredAmong(std::vector<Widget*> widgets) {
+  std::erase_if(widgets, [](const Widget* widget) { return widget->drawnAs == 0; });
+  std::sort(widgets.begin(), widgets.end(), [](const Widget* a, const Widget* b) { return a->drawnAs > b->drawnAs; });
+  std::unordered_set<const Widget*> covered;
+  hsRegion painted;
+  for (const Widget* widget : widgets) {
+    const hsRegion seen(onScreen(widget->bounds));
+    hsRegion left;
+    left.Difference(seen, painted);
+    if (!seen.IsEmpty() && left.IsEmpty()) covered.insert(widget);
+    painted.Union(painted, paintedBy(widget));
+  }
+  return covered;
+}
 
 }  // namespace
 
@@ -211,4 +234,13 @@ std::vector<UnseenReason> whyNotSeen(Engine& engine, WidgetId id) {
   const EngineScope here(engine);
   const Widget* widget = widgetById(engine, id);
   return widget ? Reasons(engine, widget).find() : std::vector<UnseenReason>{};
+}
+
+std::vector<std::vector<UnseenReason>> whyNotSeen(Engine& engine) {
+  const EngineScope here(engine);
+  const std::vector<Widget*> widgets = walkWidgets(engine);
+  const auto covered = coveredAmong(widgets);
+  std::vector<std::vector<UnseenReason>> all;
+  for (const Widget* widget : widgets) all.push_back(Reasons(engine, widget, covered.contains(widget)).find());
+  return all;
 }

@@ -58,6 +58,8 @@ WidgetView viewOf(const Widget* widget) {
   view.level = levelOf(widget);
   view.kind = kindOf(widget);
   view.name = widget->name ? widget->name : "";
+  view.record = widget->record.offset;
+  view.given = {widget->record.x(), widget->record.y(), widget->record.width(), widget->record.height()};
   view.place = placeOf(widget);
   view.bounds = widget->bounds;
   view.isRoot = isRootWidget(widget);

@@ -44,7 +44,13 @@ std::string PageRun::compile(const std::string& source, const KitWarn& warn) {
     keep(page.parent_path() / script.name, std::move(script.bytes));
   }
   sources = std::move(built.sources);
+  places[fs::absolute(page).lexically_normal().string()] = std::move(built.places);
   return page.string();
+}
+
+const PagePlaces* PageRun::placesOf(const std::string& page) const {
+  const auto found = places.find(page);
+  return found == places.end() ? nullptr : &found->second;
 }
 
 void PageRun::act(const PageAction& action) {

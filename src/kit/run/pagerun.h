@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "kit/errors.h"
 #include "kit/run/pageaction.h"
 #include "kit/run/rundesktop.h"
+#include "kit/source/pagewriter.h"
 
 struct PagePicture {
   int width, height;
@@ -49,6 +51,11 @@ class PageRun {
   std::vector<std::string> inputs() const;
   std::vector<std::string> dependencies() const;
 
+  // Where the objects of a page that was compiled for this run were written, by the page's full name; null for others.
+  const PagePlaces* placesOf(const std::string& page) const;
+  // All that was read for those pages, the source first.
+  const std::vector<std::string>& sourcesRead() const { return sources; }
+
   // For whoever looks at the page, or drives it in steps of his own.
   RunDesktop& player() { return desktop; }
   Engine& engine() { return desktop.shell.engine; }
@@ -66,4 +73,5 @@ class PageRun {
   const bool lines;
   RunDesktop desktop;
   std::vector<std::string> sources;
+  std::map<std::string, PagePlaces> places;  // by the pages' full names
 };

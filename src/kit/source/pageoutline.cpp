@@ -57,7 +57,7 @@ class Outliner {
 
   YamlPlace placeOf(const PageObject& record) const {
     const auto place = places.find(record.offset);
-    return place == places.end() ? YamlPlace() : place->second;
+    return place == places.end() ? YamlPlace() : place->second.object;
   }
 
   void readScripts(const PageObject& root) {

@@ -189,11 +189,12 @@ class SourceReader {
   PageNode node(const YamlNode& source, ObjectKind kind, size_t number) {
     if (!source.isMap()) fail(source, "expecting a map of attributes, found " + shownNode(source));
     PageNode result;
-    result.place = source.place;
+    result.places.object = source.place;
     if (!countObject(source, kind)) return result;
     Object outer = std::exchange(object, describe(source, kind, number));
     checkDepth(source);
     eachPair(source, [&](const YamlPair& pair) {
+      result.places.attributes.push_back({pair.key, pair.place});
       if (pair.key == "x") return void(result.x = position(pair.value));
       if (pair.key == "y") return void(result.y = position(pair.value));
       if (pair.key == "width") return void(result.width = position(pair.value));

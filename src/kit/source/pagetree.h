@@ -24,11 +24,22 @@ struct PageEntry {
   PageValue value;
 };
 
+// Where an object was written.
+struct ObjectPlaces {
+  struct Attribute {
+    std::string name;
+    YamlPlace place;  // of the key; the object's own for what a layout or links made
+  };
+
+  YamlPlace object;                   // where its source begins; nowhere for one that no source was read for
+  std::vector<Attribute> attributes;  // those of the rectangle, too
+};
+
 // An object record.
 struct PageNode {
   uint16_t x = 0, y = 0, width = 0, height = 0;
   std::vector<PageEntry> attributes;
-  YamlPlace place{};  // where its source begins; nowhere for one that no source was read for
+  ObjectPlaces places{};
 };
 
 // An object file that goes beside the page.

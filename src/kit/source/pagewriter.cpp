@@ -62,7 +62,7 @@ class PageWriter {
   // The record with its attributes, then what they lead to. Returns its offset.
   uint32_t node(const PageNode& node) {
     const uint32_t start = uint32_t(bytes.size());
-    if (places) places->emplace(start, node.place);
+    if (places) places->emplace(start, node.places);
     for (uint16_t word : {node.x, node.y, node.width, node.height}) put16(word);
     put32(uint32_t(node.attributes.size()));
     const size_t entries = reserve(8 * node.attributes.size());

@@ -9,7 +9,7 @@
 #include "kit/source/pagetree.h"
 
 // Where the objects of a page were written, by the offsets of their records.
-using PagePlaces = std::map<uint32_t, YamlPlace>;
+using PagePlaces = std::map<uint32_t, ObjectPlaces>;
 
 // The layout depends on the tree alone: header, attribute names, records with their tables and scripts in the order in
 // which they are met, then strings, each once. Throws std::length_error where a name would lie beyond 16 MB.

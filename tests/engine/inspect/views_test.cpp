@@ -1,7 +1,9 @@
 // The views of a running engine.
 #include "engine/inspect.h"
 
+#include <algorithm>
 #include <map>
+#include <random>
 
 #include "pages/blockspage.h"
 
@@ -236,6 +238,33 @@ page:
   talk("widgets.root.bgColor = 0x20808000;");
   EXPECT_EQ(whyOf("fine"), is(covered, " root"));
   EXPECT_EQ(log(), "--> 545292288\n");
+}
+
+// Asked of all at once, each widget has the reasons that it has by itself.
+TEST_F(ViewsTest, AllReasonsAtOnceAreThoseOneByOne) {
+  std::mt19937 random(3);
+  const auto any = [&](int n) { return std::to_string(random() % unsigned(n)); };
+  size_t covered = 0;
+  for (int round = 0; round < 20; ++round) {
+    std::string children;
+    for (int i = 0; i < 30; ++i) {
+      children += "{x: " + any(6) + ", y: " + any(6) + ", width: " + any(6) + ", height: " + any(6);
+      children += random() % 4 ? ", bgColor: " + any(3) : ", type: text, textStyle: plain, value: a";
+      children += random() % 5 ? "}, " : ", hidden: content}, ";
+    }
+    ASSERT_TRUE(loadTexts(children));
+    const std::vector<WidgetView> widgets = inspectWidgets(engine);
+    const auto all = whyNotSeen(engine);
+    ASSERT_EQ(all.size(), widgets.size());
+    for (size_t i = 0; i < widgets.size(); ++i) {
+      std::vector<Unseen> together, single;
+      for (const UnseenReason& reason : all[i]) together.push_back(reason.why);
+      for (const UnseenReason& reason : whyNotSeen(engine, widgets[i].id)) single.push_back(reason.why);
+      ASSERT_EQ(together, single) << i << " of " << children;
+      covered += size_t(std::count(single.begin(), single.end(), Unseen::covered));
+    }
+  }
+  EXPECT_GT(covered, 50u);
 }
 
 TEST_F(ViewsTest, PagesStylesFontsAndTimers) {

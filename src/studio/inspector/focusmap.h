@@ -1,0 +1,66 @@
+// Where the keys move the focus on a page, as values to draw.
+//
+// Only what is certain counts: a script that runs in place of a move may do anything, and is shown as such. The digit
+// keys go to the first nine widgets of a page wherever those lie, so what they alone can reach is kept apart: it is
+// seldom meant.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "studio/inspector/widgetsources.h"
+
+struct FocusPoint {
+  int32_t x, y;  // on the screen
+
+  bool operator==(const FocusPoint&) const = default;
+};
+
+enum class FocusReach { arrows, digits, never };  // by direction keys alone; by digits, too; by no key
+
+// A widget that shows or answers the focus, or that something leads to.
+struct FocusStop {
+  WidgetId id = 0;
+  std::string label;
+  Bounds bounds;
+  FocusReach reach = FocusReach::never;
+  bool isStart = false, isFocused = false, isHidden = false;
+};
+
+enum class ArrowState {
+  followed,
+  script,       // one runs in place of the move
+  takenByKind,  // the key changes its value, or moves its lines
+  staysInside,  // the page inside has the focus and takes the key
+};
+
+struct FocusArrow {
+  WidgetId from = 0, to = 0;
+  std::string_view direction;  // the attribute: up ... downRight
+  ArrowState state = ArrowState::followed;
+  FocusPoint tail{}, head{};  // on the edges of the two, beside those of an arrow that leads back
+};
+
+struct DeadLink {
+  WidgetId from = 0;
+  std::string label;
+  std::string_view direction;
+  std::string name;                // that no widget of the page has
+  std::optional<YamlPlace> place;  // where it was written
+};
+
+struct FocusMap {
+  WidgetId frame = 0;        // whose page it is
+  WidgetId start = 0;        // the page's `start` or, without one, what has the focus; 0 for neither
+  std::string missingStart;  // a `start` that no widget of the page has as its name
+  std::vector<FocusStop> stops;
+  std::vector<FocusArrow> arrows;
+  std::vector<DeadLink> deadLinks;
+  bool scriptsMayMove = false;  // on a way from the start a script runs in place of a move
+};
+
+// Of the page in that frame; 0 for the innermost one that keys go to.
+FocusMap focusMap(PageRun& run, WidgetSources& sources, WidgetId frame = 0);
