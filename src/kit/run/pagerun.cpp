@@ -76,6 +76,11 @@ std::vector<std::string> PageRun::unusableFonts() {
   return names;
 }
 
+void PageRun::watch(std::unique_ptr<EngineObserver> o) {
+  desktop.shell.engine.observer = o.get();
+  observer = std::move(o);
+}
+
 PagePicture PageRun::take() {
   auto& screen = desktop.shell.screen;
   return {screen.screenWidth, screen.screenHeight, screen.take()};

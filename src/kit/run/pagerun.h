@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,6 +44,9 @@ class PageRun {
   std::vector<std::string> inputs() const;
   std::vector<std::string> dependencies() const;
 
+  // Hangs an observer on the engine, which is its own for as long as the run lives.
+  void watch(std::unique_ptr<EngineObserver> observer);
+
   // For whoever looks at the page, or drives it in steps of his own.
   RunDesktop& player() { return desktop; }
   Engine& engine() { return desktop.shell.engine; }
@@ -56,6 +60,7 @@ class PageRun {
  private:
   std::string compile(const std::string& source, const KitWarn& warn);
 
+  std::unique_ptr<EngineObserver> observer;  // outlives the engine, whose end it hears
   RunDesktop desktop;
   std::vector<std::string> sources;
 };
