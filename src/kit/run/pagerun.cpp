@@ -14,6 +14,8 @@ PageRun::PageRun(const PageRunOptions& options) : desktop(options.limitSeconds) 
   desktop.settle();
 }
 
+PageRun::~PageRun() { desktop.shell.engine.observer = nullptr; }
+
 bool PageRun::load(const std::string& path, const KitWarn& warn) {
   const std::string page = fs::absolute(isPageSource(path) ? compile(path, warn) : path).string();
   desktop.beginActivity();

@@ -28,6 +28,7 @@ struct PageRunOptions {
 class PageRun {
  public:
   explicit PageRun(const PageRunOptions& options);
+  ~PageRun();
 
   // Loads the page, or compiles the page source (.yaml or .yml) and loads that, and draws it; false when it can't be
   // loaded, which the log explains. Throws KitError for a source with errors.
@@ -44,7 +45,7 @@ class PageRun {
   std::vector<std::string> inputs() const;
   std::vector<std::string> dependencies() const;
 
-  // Hangs an observer on the engine, which is its own for as long as the run lives.
+  // Hangs an observer on the engine. The run owns it; what happens at the run's own end it doesn't hear.
   void watch(std::unique_ptr<EngineObserver> observer);
 
   // For whoever looks at the page, or drives it in steps of his own.
@@ -60,7 +61,7 @@ class PageRun {
  private:
   std::string compile(const std::string& source, const KitWarn& warn);
 
-  std::unique_ptr<EngineObserver> observer;  // outlives the engine, whose end it hears
+  std::unique_ptr<EngineObserver> observer;
   RunDesktop desktop;
   std::vector<std::string> sources;
 };

@@ -8,6 +8,7 @@
 #include <deque>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -56,12 +57,10 @@ class MemoryMeter {
   // ---- for who watches a run
 
   void begin();  // another run, whose time begins with 0
-  void sample(Engine& engine, uint32_t time);
+  void sample(Engine& engine, uint32_t time, size_t widgets);
   void sampleScript(Engine& engine);  // heap and stack, while a script runs
   void imageLoaded(std::string_view name);
   void imageThrownOut(uint32_t time, std::string_view name, uint32_t bytes);
-  void widgetMade() { ++widgets; }
-  void widgetGone() { --widgets; }
 
  private:
   void readHeap(Engine& engine);
@@ -69,15 +68,16 @@ class MemoryMeter {
 
   size_t most;
   std::vector<MemorySample> samples;
-  MemorySample now;  // also the last of `samples`, once it is there
+  MemorySample now;                      // the last, as it was
+  uint32_t heapPeak = 0, stackPeak = 0;  // since then
   HeapView heapView;
   ImageCacheView imageView;
   GlyphCacheView glyphView;
   std::optional<uint32_t> left;
   uint32_t mostStack = 0;  // words, ever in use while somebody looked
-  uint32_t widgets = 0;
+  bool hasReadHeap = false;
   bool imagesChanged = true;
   std::deque<ThrownOutImage> lately;
-  std::map<std::string, uint32_t, std::less<>> timesThrownOut;
-  std::map<std::string, uint32_t, std::less<>> timesReadAgain;
+  std::set<std::string, std::less<>> onceThrownOut;
+  std::map<std::string, uint32_t> timesReadAgain;
 };

@@ -15,6 +15,7 @@ class RunWatch : public EngineObserver {
  public:
   RunWatch(PageRun& run, Timeline& timeline, MemoryMeter& memory);
 
+  void stepBegun(uint32_t time) override;
   void stepEnded(uint32_t time, const DrawCost&) override;
   void pageLoading(WidgetId frame, std::string_view name) override;
   void pageLoaded(WidgetId frame, std::string_view name, bool loaded) override;
@@ -43,6 +44,7 @@ class RunWatch : public EngineObserver {
     DrawCost before;
   };
 
+  void measureScript();
   uint64_t add(TimelineKind kind, std::string text, const DrawCost& cost = {});
   void begin(TimelineKind kind, std::string text);
   void end(std::string text);
@@ -52,8 +54,9 @@ class RunWatch : public EngineObserver {
   PageRun& run;
   Timeline& timeline;
   MemoryMeter& memory;
-  uint32_t opening = 0;
-  std::vector<Open> open;  // the innermost last
+  uint32_t opening = 0;     // 0 until something is heard
+  bool hasStepped = false;  // only what does is measured: an opening that fails leaves the page before, and its memory
+  std::vector<Open> open;   // the innermost last
   std::unordered_map<WidgetId, std::string> names;
   uint64_t errorRow = 0;  // the last line of the log that looks like a script's error; 0 for none
   DrawCost atSwap;
