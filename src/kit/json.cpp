@@ -35,6 +35,15 @@ void JsonWriter::number(std::string_view key, int64_t n) {
   out += std::to_string(n);
 }
 
+void JsonWriter::boolean(std::string_view key, bool is) {
+  item(key);
+  out += is ? "true" : "false";
+}
+
+void JsonWriter::newLine() {
+  if (form == JsonForm::indented) out += "\n" + std::string(2 * depth, ' ');
+}
+
 void JsonWriter::begin(std::string_view key, char bracket) {
   item(key);
   out += bracket;
@@ -44,20 +53,20 @@ void JsonWriter::begin(std::string_view key, char bracket) {
 
 void JsonWriter::end(char bracket) {
   --depth;
-  if (!isFirst) out += "\n" + std::string(2 * depth, ' ');
+  if (!isFirst) newLine();
   out += bracket;
   isFirst = false;
-  if (depth == 0) out += '\n';
+  if (depth == 0) newLine();
 }
 
 // What comes before a value.
 void JsonWriter::item(std::string_view key) {
   if (!isFirst) out += ',';
-  if (depth > 0) out += "\n" + std::string(2 * depth, ' ');
+  if (depth > 0) newLine();
   isFirst = false;
   if (key.empty()) return;
   quoted(key);
-  out += ": ";
+  out += form == JsonForm::oneLine ? ":" : ": ";
 }
 
 void JsonWriter::quoted(std::string_view text) {

@@ -10,6 +10,7 @@ void addPackCommand(CommandLine& line);
 void addDumpCommand(CommandLine& line);
 void addTreeCommand(CommandLine& line);
 void addShotCommand(CommandLine& line);
+void addRemoteCommand(CommandLine& line);
 void addClutCommand(CommandLine& line);
 void addColorCommand(CommandLine& line);
 void addFontCommand(CommandLine& line);

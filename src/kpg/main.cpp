@@ -47,6 +47,7 @@ int main(int argc, char** argv) {
   addDumpCommand(line);
   addTreeCommand(line);
   addShotCommand(line);
+  addRemoteCommand(line);
   addClutCommand(line);
   addColorCommand(line);
   addFontCommand(line);

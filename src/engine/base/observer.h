@@ -129,6 +129,9 @@ class EngineObserver {
 
   virtual void lineLogged(std::string_view /*line, without its end*/) {}
 
+ protected:
+  const DrawCost& costSoFar() const { return notes.cost; }  // since it was hung on
+
  private:
   friend EngineNotes& notesOf(EngineObserver& observer);
 

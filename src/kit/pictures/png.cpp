@@ -142,6 +142,10 @@ Picture decodePng(const std::string& path, const std::vector<uint8_t>& bytes) {
   return picture;
 }
 
+std::vector<uint8_t> encodePng(int width, int height, const std::vector<uint32_t>& pixels) {
+  return encode("the picture", width, height, pixels, false);
+}
+
 void writePng(const std::string& path, int width, int height, const std::vector<uint32_t>& pixels) {
   const std::vector<uint8_t> bytes = encode(path, width, height, pixels, false);
   writeFile(path, bytes.data(), bytes.size());

@@ -15,6 +15,9 @@ Picture decodePng(const std::string& path, const std::vector<uint8_t>& bytes);
 // Whether a kit wrote it, which puts its name in as the software.
 bool isKitPng(const std::vector<uint8_t>& bytes);
 
+// The bytes of such a picture; see below.
+std::vector<uint8_t> encodePng(int width, int height, const std::vector<uint32_t>& pixels);
+
 // Write width x height pixels, rows from the top: 0x00RRGGBB, or 0xAARRGGBB with alpha. Throw KitError.
 void writePng(const std::string& path, int width, int height, const std::vector<uint32_t>& pixels);
 void writePngWithAlpha(const std::string& path, int width, int height, const std::vector<uint32_t>& pixels);

@@ -14,6 +14,8 @@ PageRun::PageRun(const PageRunOptions& options) : lines(options.lines), desktop(
   desktop.settle();
 }
 
+PageRun::~PageRun() { desktop.shell.engine.observer = nullptr; }
+
 bool PageRun::load(const std::string& path, const KitWarn& warn) {
   const std::string page = fs::absolute(isPageSource(path) ? compile(path, warn) : path).string();
   desktop.beginActivity();
@@ -44,13 +46,13 @@ std::string PageRun::compile(const std::string& source, const KitWarn& warn) {
     keep(page.parent_path() / script.name, std::move(script.bytes));
   }
   sources = std::move(built.sources);
-  places[fs::absolute(page).lexically_normal().string()] = std::move(built.places);
+  pagePlaces[fs::absolute(page).lexically_normal().string()] = std::move(built.places);
   return page.string();
 }
 
 const PagePlaces* PageRun::placesOf(const std::string& page) const {
-  const auto found = places.find(page);
-  return found == places.end() ? nullptr : &found->second;
+  const auto found = pagePlaces.find(page);
+  return found == pagePlaces.end() ? nullptr : &found->second;
 }
 
 void PageRun::act(const PageAction& action) {
@@ -92,6 +94,11 @@ std::vector<std::string> PageRun::unusableFonts() {
   for (const FontEntry& font : desktop.shell.engine.fonts.all())
     if (!hsFontOpens(font.scalerFont)) names.push_back(font.name);
   return names;
+}
+
+void PageRun::watch(std::unique_ptr<EngineObserver> o) {
+  desktop.shell.engine.observer = o.get();
+  observer = std::move(o);
 }
 
 PagePicture PageRun::take() {

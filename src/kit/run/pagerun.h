@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,6 +31,7 @@ struct PageRunOptions {
 class PageRun {
  public:
   explicit PageRun(const PageRunOptions& options);
+  ~PageRun();
 
   // Loads the page, or compiles the page source (.yaml or .yml) and loads that, and draws it; false when it can't be
   // loaded, which the log explains. Throws KitError for a source with errors.
@@ -55,6 +57,8 @@ class PageRun {
   const PagePlaces* placesOf(const std::string& page) const;
   // All that was read for those pages, the source first.
   const std::vector<std::string>& sourcesRead() const { return sources; }
+  // Hangs an observer on the engine. The run owns it; what happens at the run's own end it doesn't hear.
+  void watch(std::unique_ptr<EngineObserver> observer);
 
   // For whoever looks at the page, or drives it in steps of his own.
   RunDesktop& player() { return desktop; }
@@ -71,7 +75,8 @@ class PageRun {
 
   ScriptPlaces places;
   const bool lines;
+  std::unique_ptr<EngineObserver> observer;
   RunDesktop desktop;
   std::vector<std::string> sources;
-  std::map<std::string, PagePlaces> places;  // by the pages' full names
+  std::map<std::string, PagePlaces> pagePlaces;  // by the pages' full names
 };

@@ -39,6 +39,7 @@ bool Session::restart() {
   if (!next) return false;
   opened = readKeptState(next->engine());
   current = std::move(next);
+  ++timesOpened;
   return true;
 }
 
@@ -52,6 +53,7 @@ bool Session::reload() {
   restoreKeptState(next->engine(), wanted);
   next->player().settle();
   current = std::move(next);
+  ++timesOpened;
   return true;
 }
 

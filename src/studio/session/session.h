@@ -37,6 +37,9 @@ class Session {
   // Null before a page could be opened.
   PageRun* run() { return current.get(); }
 
+  // How often a page has been opened well; another engine runs when it has grown.
+  uint64_t openings() const { return timesOpened; }
+
   // What kept the page from being opened the last time; empty when it was.
   const std::vector<KitMessage>& errors() const { return problems; }
   const std::vector<KitMessage>& warnings() const { return remarks; }
@@ -54,6 +57,7 @@ class Session {
   const std::string page;
   const SessionOptions options;
   std::unique_ptr<PageRun> current;
+  uint64_t timesOpened = 0;
   KeptState opened;  // right after the load
   Recording done;
   std::vector<KitMessage> problems, remarks;

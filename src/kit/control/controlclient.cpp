@@ -1,0 +1,58 @@
+#include "kit/control/controlclient.h"
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "kit/errors.h"
+
+namespace {
+
+#ifdef MSG_NOSIGNAL
+constexpr int kQuietly = MSG_NOSIGNAL;
+#else
+constexpr int kQuietly = 0;
+#endif
+
+}  // namespace
+
+ControlClient::ControlClient(const std::string& p) : path(p) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  if (path.size() >= sizeof address.sun_path) throw KitError(path, "this is too long for the name of a socket");
+  std::memcpy(address.sun_path, path.c_str(), path.size());
+  socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
+  if (socket >= 0 && connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) return;
+  const int error = errno;
+  if (socket >= 0) close(socket);
+  throw KitError(path, error == ECONNREFUSED ? "nobody listens there any more" : std::strerror(error));
+}
+
+ControlClient::~ControlClient() { close(socket); }
+
+std::string ControlClient::ask(std::string_view line) {
+  const std::string sent = std::string(line) + "\n";
+  for (size_t at = 0; at < sent.size();) {
+    const ssize_t n = send(socket, sent.data() + at, sent.size() - at, kQuietly);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) throw KitError(path, std::strerror(errno));
+    at += size_t(n);
+  }
+  for (size_t looked = 0;;) {
+    if (const size_t end = received.find('\n', looked); end != received.npos) {
+      std::string answer = received.substr(0, end);
+      received.erase(0, end + 1);
+      return answer;
+    }
+    looked = received.size();
+    char bytes[65536];
+    const ssize_t n = recv(socket, bytes, sizeof bytes, 0);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) throw KitError(path, std::strerror(errno));
+    if (n == 0) throw KitError(path, "the studio has gone without an answer");
+    received.append(bytes, size_t(n));
+  }
+}

@@ -1,0 +1,22 @@
+// Talks to a studio through its control socket.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+class ControlClient {
+ public:
+  // Throws KitError when nobody listens there.
+  explicit ControlClient(const std::string& path);
+  ~ControlClient();
+  ControlClient(const ControlClient&) = delete;
+  ControlClient& operator=(const ControlClient&) = delete;
+
+  // Sends a line and waits for the answer, for as long as it takes. Throws KitError when the other side goes away.
+  std::string ask(std::string_view line);
+
+ private:
+  const std::string path;
+  int socket = -1;
+  std::string received;  // after the last answer
+};

@@ -1,0 +1,48 @@
+// A local socket for others to drive the page, readable by its owner only: a line in, a line out.
+//
+// Nothing here waits and nothing is a thread. Who has an event loop waits for `watched` and calls `step`, and asks for
+// `watched` again after each step; who has none lets `step` wait. While the page runs no step may be taken; what comes
+// then waits.
+#pragma once
+
+#include <poll.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class ControlSocket {
+ public:
+  using Answer = std::function<std::string(std::string_view line)>;
+
+  // Throws KitError when there is something at `path` that is not a socket which nobody listens to any more, left by
+  // somebody of the same user; and when the path is too long.
+  ControlSocket(const std::string& path, Answer answer);
+  ~ControlSocket();  // removes the socket, if it is still the same
+  ControlSocket(const ControlSocket&) = delete;
+  ControlSocket& operator=(const ControlSocket&) = delete;
+
+  // Waits up to so many milliseconds for something to do (-1: for ever), and does what can be done without waiting: of
+  // each client at most one request.
+  void step(int milliseconds = 0);
+
+  std::vector<pollfd> watched() const;
+  size_t clients() const { return connected.size(); }
+
+ private:
+  struct Client;
+
+  void listenAt();
+  void acceptAll();
+  void serve(Client& client);
+
+  const std::string path;
+  const Answer answer;
+  int listener = -1;
+  uint64_t device = 0, inode = 0;  // of the socket's file
+  std::vector<std::unique_ptr<Client>> connected;
+  bool isStepping = false;
+};
