@@ -22,6 +22,7 @@ SessionOptions PageDriver::sessionOptions() {
   options.prepare = [this](PageRun& run) {
     player = &run.player();
     player->whileBusy = [this] { serveWindows(); };
+    if (prepare) prepare(run);
   };
   return options;
 }

@@ -27,7 +27,7 @@ int main(int argc, char** argv) {
   }
   applyLook(application, words.isSet(dark) || (desktopIsDark() && !words.isSet(light)));
   StudioWindow window(words.positionalArguments().front().toStdString());
-  window.resize(1180, 800);
+  window.resize(1400, 860);
   window.show();
   QTimer::singleShot(0, &window, [&] { window.pageDriver().restart(); });
   return QApplication::exec();

@@ -11,6 +11,7 @@
 #include <QSplitter>
 #include <QStandardPaths>
 #include <QStatusBar>
+#include <QTabWidget>
 #include <QToolBar>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -21,6 +22,8 @@
 #include "kit/files.h"
 #include "kit/pictures/png.h"
 #include "studio/editor/openplace.h"
+#include "studio/inspector/focusmap.h"
+#include "studio/timeline/runwatch.h"
 #include "studio/window/icons.h"
 #include "studio/window/look.h"
 
@@ -41,6 +44,7 @@ StudioWindow::StudioWindow(const std::string& p) : page(p), driver(p) {
   setWindowTitle(QString::fromStdString(std::filesystem::path(page).filename().string()) + " \u2013 Vistrel Studio");
   buildViews();
   buildTools();
+  driver.prepare = [this](PageRun& run) { run.watch(std::make_unique<RunWatch>(run, timeline, memory)); };
   driver.changed = [this] { showPage(); };
   driver.opened = [this] {
     showErrors();
@@ -62,6 +66,9 @@ void StudioWindow::buildViews() {
   errors = new ErrorBar;
   console = new ConsoleView;
   remote = new RemoteView;
+  inspector = new InspectorView;
+  timelineView = new TimelineView(timeline);
+  memoryView = new MemoryView(memory);
   loupe = new LoupeView;
 
   auto* middle = new QWidget;
@@ -95,7 +102,15 @@ void StudioWindow::buildViews() {
   auto* columns = new QSplitter(Qt::Horizontal);
   columns->addWidget(sideScroll);
   columns->addWidget(rows);
+  auto* tabs = new QTabWidget;
+  tabs->setDocumentMode(true);
+  tabs->addTab(inspector, "Inspector");
+  tabs->addTab(timelineView, "Timeline");
+  tabs->addTab(memoryView, "Memory");
+  QObject::connect(tabs, &QTabWidget::currentChanged, this, [this] { showPage(); });
+  columns->addWidget(tabs);
   columns->setStretchFactor(1, 1);
+  columns->setSizes({234, 760, 400});
   columns->setHandleWidth(1);
   columns->setChildrenCollapsible(false);
   setCentralWidget(columns);
@@ -108,6 +123,17 @@ void StudioWindow::buildViews() {
   screen->pointed = [this](std::optional<QPoint> pixel) { showPointed(pixel); };
   remote->pressed = [this](const QString& name) { press(name); };
   console->entered = [this](const QString& line) { driver.type(line.toLatin1().toStdString()); };
+  screen->picked = [this](QPoint at) {
+    if (!inspected || driver.isBusy()) return;
+    const std::vector<WidgetId> there = widgetsAt(inspected->engine(), at.x(), at.y());
+    if (!there.empty()) inspector->choose(there.front());
+    pickAction->setChecked(false);
+    screen->setPicking(false);
+  };
+  inspector->choiceChanged = [this] { showMarks(); };
+  inspector->placeClicked = [this](const YamlPlace& place) {
+    openPlace({place.file ? *place.file : std::string(), place.line, ""});
+  };
   errors->clicked = [this](const KitMessage& message) { openPlace(message); };
 }
 
@@ -165,6 +191,16 @@ void StudioWindow::buildTools() {
       [this](bool on) { setRecording(on); }, true);
   tool(bar, "Save the picture", "Ctrl+S", signIcon(Sign::picture), [this](bool) { savePicture(); });
   bar->addSeparator();
+  pickAction = tool(
+      bar, "Find a widget: point at it", "Ctrl+I", signIcon(Sign::pick), [this](bool on) { screen->setPicking(on); },
+      true);
+  tool(
+      bar, "Focus map: where the keys lead", "Ctrl+M", signIcon(Sign::focus),
+      [this](bool on) {
+        showsFocusMap = on;
+        showMarks();
+      },
+      true);
   tool(
       bar, "Pixel grid, from 4\u00d7 on", "Ctrl+G", signIcon(Sign::grid), [this](bool on) { screen->setGrid(on); },
       true)
@@ -235,9 +271,39 @@ void StudioWindow::showPage() {
   PageRun* run = driver.session().run();
   if (!run) return screen->show(nullptr);
   screen->show(run->player().window().data());
+  if (run != inspected) {
+    inspected = run;
+    inspector->setRun(run);
+  } else if (inspector->isVisible()) {
+    inspector->refresh();
+  }
+  timelineView->refresh();
+  memoryView->update();
+  showMarks();
   console->setLog(run->log(), run->complaints());
   if (pointedAt) showPointed(pointedAt);
   if (!driver.stopped().empty()) state->setText(QString::fromStdString("A script was " + driver.stopped()));
+}
+
+void StudioWindow::showMarks() {
+  std::vector<ScreenMark> marks;
+  std::vector<ScreenArrow> arrows;
+  const auto rectOf = [](const Bounds& b) { return QRectF(b.x, b.y, b.w, b.h); };
+  if (inspected && showsFocusMap && inspector->sources()) {
+    const FocusMap map = focusMap(*inspected, *inspector->sources());
+    for (const FocusStop& stop : map.stops)
+      marks.push_back({rectOf(stop.bounds), stop.reach == FocusReach::arrows ? look().accent : look().error,
+                       stop.reach != FocusReach::arrows});
+    for (const DeadLink& link : map.deadLinks)
+      for (const FocusStop& stop : map.stops)
+        if (stop.id == link.from) marks.push_back({rectOf(stop.bounds), look().error, false});
+    for (const FocusArrow& arrow : map.arrows)
+      if (arrow.state == ArrowState::followed)
+        arrows.push_back({QPointF(arrow.tail.x, arrow.tail.y), QPointF(arrow.head.x, arrow.head.y), look().accent});
+  }
+  if (const auto row = inspected ? inspector->chosen() : std::nullopt)
+    marks.push_back({rectOf(row->bounds), QColor("#F2994A"), false});
+  screen->setMarks(std::move(marks), std::move(arrows));
 }
 
 void StudioWindow::showErrors() { errors->setMessages(driver.session().errors()); }

@@ -5,12 +5,16 @@
 #include <QMainWindow>
 #include <memory>
 
+#include "studio/timeline/timeline.h"
 #include "studio/window/consoleview.h"
 #include "studio/window/driver.h"
 #include "studio/window/errorbar.h"
+#include "studio/window/inspectorview.h"
 #include "studio/window/loupeview.h"
+#include "studio/window/memoryview.h"
 #include "studio/window/remoteview.h"
 #include "studio/window/screenview.h"
+#include "studio/window/timelineview.h"
 
 class QLabel;
 class QScrollArea;
@@ -25,6 +29,7 @@ class StudioWindow : public QMainWindow {
   RemoteView& remoteView() { return *remote; }
   ConsoleView& consoleView() { return *console; }
   ErrorBar& errorBar() { return *errors; }
+  InspectorView& inspectorView() { return *inspector; }
 
  protected:
   void changeEvent(QEvent* event) override;
@@ -37,6 +42,7 @@ class StudioWindow : public QMainWindow {
   void press(const QString& key);
   void showPage();
   void showErrors();
+  void showMarks();
   void showPointed(std::optional<QPoint> pixel);
   void setZoom(int factor);
   void fitZoom();
@@ -45,6 +51,8 @@ class StudioWindow : public QMainWindow {
   void setRecording(bool on);
 
   const std::string page;
+  Timeline timeline;
+  MemoryMeter memory;
   PageDriver driver;
   ScreenView* screen;
   QScrollArea* surround;
@@ -52,8 +60,13 @@ class StudioWindow : public QMainWindow {
   LoupeView* loupe;
   ConsoleView* console;
   ErrorBar* errors = nullptr;
+  InspectorView* inspector;
+  TimelineView* timelineView;
+  MemoryView* memoryView;
+  PageRun* inspected = nullptr;
   QLabel *state, *zoomText;
   QAction *pauseAction, *stopAction;
   std::optional<QPoint> pointedAt;
-  bool recording = false;
+  QAction* pickAction;
+  bool recording = false, showsFocusMap = false;
 };

@@ -1,0 +1,166 @@
+#include "studio/window/inspectorview.h"
+
+#include <QHeaderView>
+#include <QLabel>
+#include <QSplitter>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "studio/inspector/unseen.h"
+#include "studio/window/look.h"
+
+namespace {
+
+QString flagsOf(const TreeRow& row) {
+  QStringList flags;
+  if (row.focused) flags << "focus";
+  if (row.hidden) flags << "hidden";
+  if (row.notSeen) flags << "not seen";
+  return flags.join(", ");
+}
+
+QTreeWidget* newTree(const QStringList& heads) {
+  auto* tree = new QTreeWidget;
+  tree->setHeaderLabels(heads);
+  tree->setFrameStyle(0);
+  tree->setUniformRowHeights(true);
+  tree->header()->setStretchLastSection(true);
+  return tree;
+}
+
+bool looksTheSame(const TreeRow& a, const TreeRow& b) {
+  return a.id == b.id && a.path == b.path && a.hidden == b.hidden && a.focused == b.focused && a.notSeen == b.notSeen &&
+         a.bounds.x == b.bounds.x && a.bounds.y == b.bounds.y && a.bounds.w == b.bounds.w && a.bounds.h == b.bounds.h;
+}
+
+}  // namespace
+
+InspectorView::InspectorView()
+    : tree(newTree({"Widget", "Kind", "State"})),
+      attributes(newTree({"Attribute", "Value", "From"})),
+      unseen(new QLabel) {
+  auto* column = new QVBoxLayout(this);
+  column->setContentsMargins(0, 0, 0, 0);
+  auto* parts = new QSplitter(Qt::Vertical);
+  parts->setHandleWidth(1);
+  auto* below = new QWidget;
+  auto* belowColumn = new QVBoxLayout(below);
+  belowColumn->setContentsMargins(0, 0, 0, 0);
+  belowColumn->setSpacing(0);
+  unseen->setWordWrap(true);
+  unseen->setMargin(kGap);
+  belowColumn->addWidget(unseen);
+  belowColumn->addWidget(attributes, 1);
+  parts->addWidget(tree);
+  parts->addWidget(below);
+  parts->setSizes({300, 300});
+  column->addWidget(parts);
+
+  tree->setColumnWidth(0, 150);
+  tree->setColumnWidth(1, 90);
+  attributes->setColumnWidth(0, 130);
+  attributes->setColumnWidth(1, 120);
+  attributes->setRootIsDecorated(false);
+  tree->setAccessibleName("Widgets");
+  attributes->setAccessibleName("Attributes");
+  unseen->hide();
+
+  QObject::connect(tree, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
+    if (isFilling || !item) return;
+    path = rows[size_t(item->data(0, Qt::UserRole).toULongLong())].path;
+    showAttributes();
+    if (choiceChanged) choiceChanged();
+  });
+  QObject::connect(attributes, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* item) {
+    const auto& place = lines[size_t(item->data(0, Qt::UserRole).toULongLong())].place;
+    if (place && placeClicked) placeClicked(*place);
+  });
+}
+
+void InspectorView::setRun(PageRun* r) {
+  run = r;
+  places = run ? std::make_unique<WidgetSources>(*run) : nullptr;
+  rows.clear();
+  tree->clear();
+  refresh();
+}
+
+void InspectorView::refresh() {
+  if (!run) return;
+  std::vector<TreeRow> now = widgetTree(run->engine());
+  const bool isSame = std::equal(rows.begin(), rows.end(), now.begin(), now.end(), looksTheSame);
+  rows = std::move(now);
+  if (!isSame) showTree();
+  showAttributes();
+}
+
+std::optional<TreeRow> InspectorView::chosen() const {
+  const auto row = path.empty() ? std::nullopt : findPath(rows, path);
+  return row ? std::optional(rows[*row]) : std::nullopt;
+}
+
+void InspectorView::choose(WidgetId id) {
+  const auto row = findRow(rows, id);
+  if (!row) return;
+  path = rows[*row].path;
+  showTree();
+  showAttributes();
+  if (choiceChanged) choiceChanged();
+}
+
+void InspectorView::showTree() {
+  isFilling = true;
+  tree->clear();
+  std::vector<QTreeWidgetItem*> items;
+  const auto wanted = path.empty() ? std::nullopt : findPath(rows, path);
+  for (size_t i = 0; i < rows.size(); ++i) {
+    const TreeRow& row = rows[i];
+    const std::string_view kind = widgetKindName(row.kind);
+    auto* item = new QTreeWidgetItem({QString::fromStdString(row.label),
+                                      kind.empty() ? "box" : QString::fromLatin1(kind.data(), qsizetype(kind.size())),
+                                      flagsOf(row)});
+    item->setData(0, Qt::UserRole, qulonglong(i));
+    const QColor color = row.notSeen ? look().warning : row.hidden ? look().faint : look().text;
+    for (int column = 0; column < 3; ++column) item->setForeground(column, column == 0 ? color : look().faint);
+    if (row.focused) item->setForeground(2, look().accent);
+    items.push_back(item);
+    if (row.parent) {
+      items[*row.parent]->addChild(item);
+    } else {
+      tree->addTopLevelItem(item);
+    }
+  }
+  tree->expandAll();
+  if (wanted) tree->setCurrentItem(items[*wanted]);
+  isFilling = false;
+}
+
+void InspectorView::showAttributes() {
+  const auto row = chosen();
+  lines = row && places ? attributeLines(*run, *places, row->id) : std::vector<AttributeLine>();
+  QStringList reasons;
+  if (row)
+    for (const UnseenSentence& sentence : unseenSentences(run->engine(), row->id))
+      reasons << QString::fromStdString(sentence.text).toHtmlEscaped();
+  unseen->setVisible(!reasons.isEmpty());
+  unseen->setText(QString("<b style='color:%1'>Not to be seen:</b> %2").arg(look().warning.name(), reasons.join("; ")));
+
+  attributes->clear();
+  for (size_t i = 0; i < lines.size(); ++i) {
+    const AttributeLine& line = lines[i];
+    auto* item = new QTreeWidgetItem(
+        {QString::fromStdString(line.name), QString::fromStdString(line.value), QString::fromStdString(line.from)});
+    item->setData(0, Qt::UserRole, qulonglong(i));
+    item->setForeground(2, line.origin == ValueOrigin::refused   ? look().error
+                           : line.origin == ValueOrigin::changed ? look().accent
+                                                                 : look().faint);
+    if (line.origin == ValueOrigin::byDefault)
+      for (int column = 0; column < 2; ++column) item->setForeground(column, look().faint);
+    QString tip = QString::fromStdString(line.help);
+    if (!line.range.empty()) tip += "\n" + QString::fromStdString(line.range);
+    for (const std::string& use : line.uses) tip += "\n" + QString::fromStdString(use);
+    for (int column = 0; column < 3; ++column) item->setToolTip(column, tip);
+    attributes->addTopLevelItem(item);
+  }
+}
