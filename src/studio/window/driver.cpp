@@ -111,6 +111,11 @@ void PageDriver::step() {
   run([&] { page.pass(1); });
 }
 
+void PageDriver::obey(const std::function<void()>& work) {
+  run(work);
+  watchFiles();
+}
+
 void PageDriver::stop() {
   if (running) player->interrupt();
 }

@@ -35,7 +35,8 @@ class PageDriver {
   void step();  // one millisecond, also while paused
   void setSpeed(double factor) { speed = factor; }
   void setKeepsState(bool on) { keepsState = on; }
-  void stop();  // ends a script that runs on and on
+  void obey(const std::function<void()>& work);  // that uses the session, for somebody else
+  void stop();                                   // ends a script that runs on and on
   bool isBusy() const { return running; }
   const std::string& stopped() const { return stoppedBy; }  // what the last activity was ended by; empty if it wasn't
 

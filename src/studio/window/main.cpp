@@ -19,7 +19,9 @@ int main(int argc, char** argv) {
   words.addPositionalArgument("PAGE", "A page source (.yaml) or a page (.kpg)");
   const QCommandLineOption dark("dark", "Light on dark, whatever the desktop does"),
       light("light", "Dark on light, whatever the desktop does");
-  words.addOptions({dark, light});
+  const QCommandLineOption control("control", "Let kpg remote drive the page through a socket that is made here",
+                                   "PATH");
+  words.addOptions({control, dark, light});
   words.process(application);
   if (words.positionalArguments().size() != 1) {
     std::fputs("vistrel-studio: name one page to open, vistrel-studio PAGE.yaml\n", stderr);
@@ -27,6 +29,12 @@ int main(int argc, char** argv) {
   }
   applyLook(application, words.isSet(dark) || (desktopIsDark() && !words.isSet(light)));
   StudioWindow window(words.positionalArguments().front().toStdString());
+  if (words.isSet(control)) try {
+      window.listenAt(words.value(control).toStdString());
+    } catch (const KitError& e) {
+      std::fprintf(stderr, "%s\n", e.what());
+      return 1;
+    }
   window.resize(1400, 860);
   window.show();
   QTimer::singleShot(0, &window, [&] { window.pageDriver().restart(); });

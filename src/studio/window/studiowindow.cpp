@@ -262,6 +262,21 @@ void StudioWindow::buildTools() {
   bar->addWidget(more);
 }
 
+void StudioWindow::listenAt(const std::string& path) {
+  constexpr int kBetweenLooks = 15;  // milliseconds
+  protocol = std::make_unique<ControlProtocol>(driver.session());
+  control = std::make_unique<ControlSocket>(path, [this](std::string_view line) {
+    std::string answer;
+    driver.obey([&] { answer = protocol->answer(line); });
+    return answer;
+  });
+  auto* timer = new QTimer(this);
+  QObject::connect(timer, &QTimer::timeout, this, [this] {
+    if (!driver.isBusy()) control->step();
+  });
+  timer->start(kBetweenLooks);
+}
+
 void StudioWindow::press(const QString& key) {
   driver.key(key.toStdString());
   remote->flash(key, true);

@@ -5,6 +5,8 @@
 #include <QMainWindow>
 #include <memory>
 
+#include "studio/control/controlprotocol.h"
+#include "studio/control/controlsocket.h"
 #include "studio/timeline/timeline.h"
 #include "studio/window/consoleview.h"
 #include "studio/window/driver.h"
@@ -23,6 +25,9 @@ class QToolBar;
 class StudioWindow : public QMainWindow {
  public:
   explicit StudioWindow(const std::string& page);
+
+  // Lets others drive the page through a local socket. Throws KitError when it can't be made.
+  void listenAt(const std::string& path);
 
   PageDriver& pageDriver() { return driver; }
   ScreenView& screenView() { return *screen; }
@@ -64,6 +69,8 @@ class StudioWindow : public QMainWindow {
   TimelineView* timelineView;
   MemoryView* memoryView;
   PageRun* inspected = nullptr;
+  std::unique_ptr<ControlProtocol> protocol;
+  std::unique_ptr<ControlSocket> control;
   QLabel *state, *zoomText;
   QAction *pauseAction, *stopAction;
   std::optional<QPoint> pointedAt;
