@@ -2,17 +2,55 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
+#include <string_view>
 
 #include "gfx/foundation/hsdebug.h"
 #include "kit/version.h"
 #include "kpg/commands.h"
 
 namespace {
+
+struct Command {
+  std::string_view name;
+  void (*add)(CommandLine& line);
+};
+
+// In the order in which help lists them.
+constexpr Command kCommands[] = {
+    {"new", addNewCommand},
+    {"build", addBuildCommand},
+    {"clean", addCleanCommand},
+    {"pack", addPackCommand},
+    {"dump", addDumpCommand},
+    {"tree", addTreeCommand},
+    {"shot", addShotCommand},
+    {"remote", addRemoteCommand},
+    {"clut", addClutCommand},
+    {"color", addColorCommand},
+    {"font", addFontCommand},
+    {"image", addImageCommand},
+    {"run", addRunCommand},
+    {"eval", addEvalCommand},
+    {"compile", addCompileCommand},
+    {"decode", addDecodeCommand},
+    {"completion", addCompletionCommand},
+};
+
+// The one that is called, since describing the options of all takes longer than some commands do; all of them for
+// help, for a name that none has, and for the completion, which knows every option.
+void addCommands(CommandLine& line, std::string_view called) {
+  const auto command =
+      std::find_if(std::begin(kCommands), std::end(kCommands), [&](const Command& c) { return c.name == called; });
+  if (command != std::end(kCommands) && called != "completion") return command->add(line);
+  for (const Command& each : kCommands) each.add(line);
+}
 
 // A file must not get the number of a stream that the caller has closed. Writing there fails, as it should.
 void openStandardStreams() {
@@ -40,22 +78,6 @@ int main(int argc, char** argv) {
     std::_Exit(2);
   });
   CommandLine line("kpg", kitVersion(), "Makes pages for the player's on-screen interface, and pictures of them.");
-  addNewCommand(line);
-  addBuildCommand(line);
-  addCleanCommand(line);
-  addPackCommand(line);
-  addDumpCommand(line);
-  addTreeCommand(line);
-  addShotCommand(line);
-  addRemoteCommand(line);
-  addClutCommand(line);
-  addColorCommand(line);
-  addFontCommand(line);
-  addImageCommand(line);
-  addRunCommand(line);
-  addEvalCommand(line);
-  addCompileCommand(line);
-  addDecodeCommand(line);
-  addCompletionCommand(line);
+  addCommands(line, argc > 1 ? argv[1] : "");
   return finishStandardOutput(line.run(argc, argv));
 }
