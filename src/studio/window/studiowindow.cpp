@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "engine/inspect.h"
 #include "engine/screen/display.h"
 #include "kit/files.h"
 #include "kit/pictures/png.h"
@@ -36,6 +37,17 @@ QString storedPixel(Engine& engine, QPoint at) {
   if (engine.display->depth() == 8) return QString("index %1").arg(bitmap->Row<uint8_t>(at.y())[at.x()]);
   const uint16_t word = bitmap->Row<uint16_t>(at.y())[at.x()];
   return QString("word %1").arg(word, 4, 16, QChar('0'));
+}
+
+// What a line of the console may go on with: names of widgets, and what every page's scripts have.
+QStringList wordsOf(Engine& engine) {
+  QStringList words{"widgets",  "textStyles", "topFrame", "frame",      "parent",      "stdout",  "value",
+                    "minValue", "maxValue",   "bgColor",  "background", "highlighted", "LoadPage"};
+  for (const WidgetView& widget : inspectWidgets(engine))
+    if (!widget.name.empty()) words << QString::fromStdString(widget.name);
+  words.removeDuplicates();
+  words.sort();
+  return words;
 }
 
 }  // namespace
@@ -289,6 +301,7 @@ void StudioWindow::showPage() {
   if (run != inspected) {
     inspected = run;
     inspector->setRun(run);
+    console->setWords(wordsOf(run->engine()));
   } else if (inspector->isVisible()) {
     inspector->refresh();
   }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QTest>
 
 #include "kit/files.h"
@@ -82,7 +83,11 @@ TEST_F(WindowTest, TheRemoteControlAndTheConsoleDriveThePage) {
   RemoteView& remote = window->remoteView();
   QTest::mouseClick(&remote, Qt::LeftButton, Qt::NoModifier, QPoint(remote.width() - 40, 14 + 48 + 20));  // right
   EXPECT_EQ(value(), "2");
-  window->consoleView().entered("widgets.n.value = 7;");
+  QLineEdit* input = window->consoleView().findChild<QLineEdit*>();
+  QTest::keyClicks(input, "wid");
+  QTest::keyClick(input, Qt::Key_Tab);
+  QTest::keyClicks(input, ".n.value = 7;");
+  QTest::keyClick(input, Qt::Key_Return);
   EXPECT_EQ(value(), "7");
   EXPECT_EQ(window->pageDriver().session().recording().actions.size(), 2u);
 }
