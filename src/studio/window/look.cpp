@@ -34,6 +34,7 @@ QString styleSheet(const Look& l) {
     QScrollArea#surround, QScrollArea#surround > QWidget { background: %9; }
     QSplitter::handle { background: %3; }
     QTabWidget::pane { border: none; border-top: 1px solid %3; }
+    QTabBar { qproperty-drawBase: 0; }
     QTabBar::tab { padding: 7px 14px; border: none; color: %7; background: transparent; }
     QTabBar::tab:selected { color: %4; border-bottom: 2px solid %5; }
     QTreeView, QPlainTextEdit, QLineEdit { background: %2; border: none; selection-background-color: %5;
