@@ -65,13 +65,14 @@ ConsoleView::ConsoleView() : output(new QPlainTextEdit), input(new QLineEdit), f
 
 void ConsoleView::setWords(const QStringList& w) { words = w; }
 
-void ConsoleView::setLog(const std::string& log, const std::vector<std::string_view>& complaints) {
-  if (log.size() == seen.size() && log == seen) return;
-  if (!std::string_view(log).starts_with(seen)) {
-    if (!seen.empty()) append(QString(24, QChar(0x2500)) + "\n", look().faint);
-    seen.clear();
+void ConsoleView::setLog(uint64_t now, const std::string& log, const std::vector<std::string_view>& complaints) {
+  if (now == opening && log.size() == seen) return;
+  if (now != opening) {
+    if (seen > 0) append(QString(24, QChar(0x2500)) + "\n", look().faint);
+    opening = now;
+    seen = 0;
   }
-  size_t at = seen.size();
+  size_t at = seen;
   for (const std::string_view complaint : complaints) {
     const size_t begin = size_t(complaint.data() - log.data()), end = begin + complaint.size();
     if (end <= at) continue;
@@ -81,7 +82,7 @@ void ConsoleView::setLog(const std::string& log, const std::vector<std::string_v
     at = end;
   }
   append(textOf(std::string_view(log).substr(at)), look().text);
-  seen = log;
+  seen = log.size();
   if (!filter->text().isEmpty()) applyFilter();
 }
 

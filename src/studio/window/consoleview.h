@@ -13,9 +13,9 @@ class ConsoleView : public QWidget {
  public:
   ConsoleView();
 
-  // The log as it is now, and the parts of it that say that something is wrong. Only what is new is added; a log that
-  // doesn't go on from the last one is another page's, and begins below a line.
-  void setLog(const std::string& log, const std::vector<std::string_view>& complaints);
+  // The log as it is now, and the parts of it that say that something is wrong. Only what is new is added; the log of
+  // another opening of the page begins below a line.
+  void setLog(uint64_t opening, const std::string& log, const std::vector<std::string_view>& complaints);
   void setWords(const QStringList& words);  // for completion
 
   std::function<void(const QString& line)> entered;
@@ -32,7 +32,8 @@ class ConsoleView : public QWidget {
   QPlainTextEdit* output;
   QLineEdit* input;
   QLineEdit* filter;
-  std::string seen;  // of the log
+  uint64_t opening = 0;
+  size_t seen = 0;  // bytes of its log
   QStringList history, words;
   int recalled = 0;  // in the history; its size for the line that is being typed
   QString typed;

@@ -138,7 +138,8 @@ void InspectorView::showTree() {
 
 void InspectorView::showAttributes() {
   const auto row = chosen();
-  lines = row && places ? attributeLines(*run, *places, row->id) : std::vector<AttributeLine>();
+  std::vector<AttributeLine> now =
+      row && places ? attributeLines(*run, *places, row->id) : std::vector<AttributeLine>();
   QStringList reasons;
   if (row)
     for (const UnseenSentence& sentence : unseenSentences(run->engine(), row->id))
@@ -146,6 +147,13 @@ void InspectorView::showAttributes() {
   unseen->setVisible(!reasons.isEmpty());
   unseen->setText(QString("<b style='color:%1'>Not to be seen:</b> %2").arg(look().warning.name(), reasons.join("; ")));
 
+  // Filled anew only when something differs, so that what is selected stays so.
+  const auto saysTheSame = [](const AttributeLine& a, const AttributeLine& b) {
+    return a.name == b.name && a.value == b.value && a.from == b.from;
+  };
+  const bool isSame = std::equal(lines.begin(), lines.end(), now.begin(), now.end(), saysTheSame);
+  lines = std::move(now);
+  if (isSame) return;
   attributes->clear();
   for (size_t i = 0; i < lines.size(); ++i) {
     const AttributeLine& line = lines[i];

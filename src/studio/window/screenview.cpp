@@ -45,18 +45,8 @@ void ScreenView::setShape(ScreenShape s) {
   changeSize();
 }
 
-void ScreenView::setGrid(bool on) {
-  grid = on;
-  update();
-}
-
-void ScreenView::setSafeAreas(bool on) {
-  safeAreas = on;
-  update();
-}
-
-void ScreenView::setOverscan(bool on) {
-  overscan = on;
+void ScreenView::set(bool ScreenView::*aid, bool on) {
+  this->*aid = on;
   update();
 }
 

@@ -32,9 +32,9 @@ class ScreenView : public QWidget {
   void setZoom(int factor);  // 1 to 8
   int zoom() const { return factor; }
   void setShape(ScreenShape shape);
-  void setGrid(bool on);       // shows from four times on
-  void setSafeAreas(bool on);  // 90 % for what moves, 80 % for titles
-  void setOverscan(bool on);   // hides what a set would cut, 5 % at each edge
+  void setGrid(bool on) { set(&ScreenView::grid, on); }            // shows from four times on
+  void setSafeAreas(bool on) { set(&ScreenView::safeAreas, on); }  // 90 % for what moves, 80 % for titles
+  void setOverscan(bool on) { set(&ScreenView::overscan, on); }    // hides what a set would cut, 5 % at each edge
   void setPicking(bool on);
   void setMarks(std::vector<ScreenMark> marks, std::vector<ScreenArrow> arrows = {});
 
@@ -53,6 +53,7 @@ class ScreenView : public QWidget {
   void leaveEvent(QEvent* event) override;
 
  private:
+  void set(bool ScreenView::*aid, bool on);
   QSizeF scale() const;
   std::optional<QPoint> pixelAt(QPointF where) const;
   void drawGrid(QPainter* painter, const QRect& exposed) const;

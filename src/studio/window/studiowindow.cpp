@@ -119,7 +119,10 @@ void StudioWindow::buildViews() {
   tabs->addTab(inspector, "Inspector");
   tabs->addTab(timelineView, "Timeline");
   tabs->addTab(memoryView, "Memory");
-  QObject::connect(tabs, &QTabWidget::currentChanged, this, [this] { showPage(); });
+  QObject::connect(tabs, &QTabWidget::currentChanged, this, [this] {
+    inspector->refresh();
+    timelineView->refresh();
+  });
   columns->addWidget(tabs);
   columns->setStretchFactor(1, 1);
   columns->setSizes({234, 760, 400});
@@ -290,13 +293,20 @@ void StudioWindow::listenAt(const std::string& path) {
 }
 
 void StudioWindow::press(const QString& key) {
+  const uint64_t before = timeline.end();
   driver.key(key.toStdString());
-  remote->flash(key, true);
+  bool didSomething = false;
+  for (uint64_t n = std::max(before, timeline.first()); n < timeline.end(); ++n)
+    didSomething |= timeline.row(n).kind != TimelineKind::event;  // the key's own row says only that it was pressed
+  remote->flash(key, didSomething);
 }
 
 void StudioWindow::showPage() {
   PageRun* run = driver.session().run();
   if (!run) return screen->show(nullptr);
+  if (!driver.stopped().empty()) state->setText(QString::fromStdString("A script was " + driver.stopped()));
+  if (run == inspected && timeline.end() == shownRows) return;  // nothing has happened
+  shownRows = timeline.end();
   screen->show(run->player().window().data());
   if (run != inspected) {
     inspected = run;
@@ -308,9 +318,8 @@ void StudioWindow::showPage() {
   timelineView->refresh();
   memoryView->update();
   showMarks();
-  console->setLog(run->log(), run->complaints());
+  console->setLog(driver.session().openings(), run->log(), run->complaints());
   if (pointedAt) showPointed(pointedAt);
-  if (!driver.stopped().empty()) state->setText(QString::fromStdString("A script was " + driver.stopped()));
 }
 
 void StudioWindow::showMarks() {
@@ -387,7 +396,6 @@ void StudioWindow::savePicture() {
 }
 
 void StudioWindow::setRecording(bool on) {
-  recording = on;
   if (on) return driver.restart();
   Recording done = driver.session().recording();
   const QString name = QString::fromStdString(std::filesystem::path(page).stem().string()) + ".recording.yaml";

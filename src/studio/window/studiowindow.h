@@ -75,5 +75,6 @@ class StudioWindow : public QMainWindow {
   QAction *pauseAction, *stopAction;
   std::optional<QPoint> pointedAt;
   QAction* pickAction;
-  bool recording = false, showsFocusMap = false;
+  bool showsFocusMap = false;
+  uint64_t shownRows = 0;  // of the timeline, when the page was shown last
 };
