@@ -48,8 +48,8 @@ bool Engine::start(void* cacheMemory, size_t cacheSize) {
 
 void Engine::step() {
   const EngineScope here(*this);
-  if (beingTold()) return;
-  if (const Telling told; told) told->stepBegun(hostMilliseconds());
+  if (observerListens()) return;
+  if (const ObserverReport report; report) report->stepBegun(hostMilliseconds());
   work();
   if (observer) tellStepEnd();
 }
@@ -68,11 +68,11 @@ void Engine::tellStepEnd() {
   EngineNotes& notes = notesOf(*observer);
   const DrawCost cost = notes.cost - notes.costAtStep;
   notes.costAtStep = notes.cost;
-  const Telling told;
+  const ObserverReport report;
   const uint32_t before = notes.glyphPurges.value_or(graphics.fGlyphPurges);
   notes.glyphPurges = graphics.fGlyphPurges;
-  if (before != graphics.fGlyphPurges) told->glyphsCleared();
-  told->stepEnded(hostMilliseconds(), cost);
+  if (before != graphics.fGlyphPurges) report->glyphsCleared();
+  report->stepEnded(hostMilliseconds(), cost);
 }
 
 bool Engine::busy() const { return redraws.pending() || (display && display->swapAtStepEnd); }

@@ -48,7 +48,7 @@ class Engine {
 
   Host& host;
   bool scriptsMayWriteFiles = true;    // read at the start
-  EngineObserver* observer = nullptr;  // is told what happens, but for the engine's end; changed between two calls
+  EngineObserver* observer = nullptr;  // hears what happens, but for the engine's end; changed between two calls
   WidgetId widgetsEver = 0;            // the number that the last target got
 
   Graveyard graveyard;

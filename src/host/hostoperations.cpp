@@ -60,7 +60,7 @@ int hostLog(const char* format, ...) {
 void hostPutChar(char c) {
   Shell* shell = currentShell();
   if (!shell || !shell->console) return;
-  if (EngineObserver* observer = currentObserver()) tellCharacter(*observer, c);
+  if (EngineObserver* observer = currentObserver()) reportCharacter(*observer, c);
   shell->desktop.consoleOutput(c);
   shell->console->consolePutChar(c);
 }

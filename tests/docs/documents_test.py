@@ -55,15 +55,15 @@ def kit(root, _):
 
 
 def language(root, folder):
-    """The statement whose way is told compiles to the listing that stands there, remarks apart."""
+    """The statement that is followed through compiles to the listing that is shown, but for the remarks."""
     (folder / 'loop.bob').write_text(block(root, 'docs/language-internals.md', '{ local i'))
     _, listing, errors = run('build/dev/src/kpg/kpg decode loop.bob', folder)
-    told = block(root, 'docs/language-internals.md', '0000 ').strip().split('\n')
+    shown = block(root, 'docs/language-internals.md', '0000 ').strip().split('\n')
     instructions = [line for line in listing.strip().split('\n') if not line.startswith('; ')]  # lines of the source
     compiled = [line.partition(':')[2] for line in instructions]
-    if len(told) != len(compiled):
-        yield f'docs/language-internals.md: {len(told)} instructions, and there are {len(compiled)} {errors.strip()}'
-    for line, instruction in zip(told, compiled):
+    if len(shown) != len(compiled):
+        yield f'docs/language-internals.md: {len(shown)} instructions, and there are {len(compiled)} {errors.strip()}'
+    for line, instruction in zip(shown, compiled):
         if line != instruction and not line.startswith(instruction + '  '):
             yield f'docs/language-internals.md: "{line}", and it is "{instruction}"'
 

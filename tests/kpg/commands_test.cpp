@@ -107,7 +107,7 @@ TEST_F(CommandsTest, LinesOfTheSourceAreNamedWhereTheyAreKnown) {
             "Error: Syntax error - Expecting a primary expression\n  in line 3\n\nlib/inner.bob:3: is read here\n"
             "outer.bob:1: in a statement\n");
 
-  // A listing has them from the source, or from a table that is as old as the source. Equal code is told apart.
+  // A listing has them from the source, or from a table that is as old as the source. Equal code is distinguished.
   writeText("s.bob", "x = 1;\n  f(x,\n    2);\nx = 1;\n");
   ASSERT_EQ(kpg("decode s.bob"), 0);
   std::string lines;

@@ -3,7 +3,7 @@
 // An observer derives from EngineObserver, overrides what it wants to hear, and is hung on `Engine::observer` between
 // two calls of the engine. It gets values alone: numbers that name widgets, texts that hold until the function returns.
 //
-// What surprises: while an observer is being told something, the engine is deaf. Steps, events, loads and scripts do
+// What surprises: while an observer hears something, the engine takes nothing in. Steps, events, loads and scripts do
 // nothing and answer 0, so a page never behaves differently for being watched. The views of engine/inspect.h may be
 // taken at any time.
 #pragma once
@@ -79,9 +79,9 @@ enum class ImageRefusal { none, missing, badHeader, badFormat, badColorTable, to
 
 struct EventTrail;
 
-// The engine's own memory of what it is telling; it lies in the observer, so that an engine without one has none.
+// The engine's own memory of what it is reporting; it lies in the observer, so that an engine without one has none.
 struct EngineNotes {
-  bool telling = false;
+  bool reporting = false;
   WidgetId drawing = 0;
   DrawCost cost, costAtDrawing, costAtStep;  // since the beginning; when the last drawing and the last step ended
   EventTrail* trail = nullptr;               // of the event under way

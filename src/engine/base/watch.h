@@ -1,9 +1,9 @@
-// How the parts of an engine tell its observer what happens. Each of these is one test of a null pointer when nobody
+// How the parts of an engine report to its observer what happens. Each of these is one test of a null pointer when nobody
 // looks:
 //
-//   if (const Telling told; told) told->widgetGone(widget->id);
+//   if (const ObserverReport report; report) report->widgetGone(widget->id);
 //
-// Whatever could run a script asks beingTold first, which is the case while an observer hears something.
+// Whatever could run a script asks observerListens first, which is the case while an observer hears something.
 #pragma once
 
 #include <optional>
@@ -14,27 +14,27 @@ EngineObserver* currentObserver();  // of the engine that is current on this thr
 
 inline EngineNotes& notesOf(EngineObserver& observer) { return observer.notes; }
 
-inline bool beingTold() {
+inline bool observerListens() {
   EngineObserver* observer = currentObserver();
-  return observer && notesOf(*observer).telling;
+  return observer && notesOf(*observer).reporting;
 }
 
-// The observer for the length of a statement; none when nobody looks, or when it is being told something already.
-class Telling {
+// The observer for the length of a statement; none when nobody looks, or when it hears something already.
+class ObserverReport {
  public:
-  Telling() : observer(currentObserver()) {
+  ObserverReport() : observer(currentObserver()) {
     if (!observer) return;
-    if (notesOf(*observer).telling) {
+    if (notesOf(*observer).reporting) {
       observer = nullptr;
     } else {
-      notesOf(*observer).telling = true;
+      notesOf(*observer).reporting = true;
     }
   }
-  ~Telling() {
-    if (observer) notesOf(*observer).telling = false;
+  ~ObserverReport() {
+    if (observer) notesOf(*observer).reporting = false;
   }
-  Telling(const Telling&) = delete;
-  Telling& operator=(const Telling&) = delete;
+  ObserverReport(const ObserverReport&) = delete;
+  ObserverReport& operator=(const ObserverReport&) = delete;
 
   explicit operator bool() const { return observer != nullptr; }
   EngineObserver* operator->() const { return observer; }
@@ -74,14 +74,14 @@ class ScriptWatch {
  public:
   template <class Describe>
   explicit ScriptWatch(Describe&& describe) {
-    const Telling told;
-    if (!told) return;
+    const ObserverReport report;
+    if (!report) return;
     run = describe();
-    told->scriptEntered(*run);
+    report->scriptEntered(*run);
   }
   ~ScriptWatch() {
     if (!run) return;
-    if (const Telling told; told) told->scriptLeft(*run, failed);
+    if (const ObserverReport report; report) report->scriptLeft(*run, failed);
   }
   ScriptWatch(const ScriptWatch&) = delete;
   ScriptWatch& operator=(const ScriptWatch&) = delete;
@@ -94,5 +94,5 @@ class ScriptWatch {
 };
 
 // For what only an engine that is watched does; the observer is not null.
-void tellDrawing(EngineObserver& observer, const Bounds& rect);
-void tellCharacter(EngineObserver& observer, char c);  // the line, at its end
+void reportDrawing(EngineObserver& observer, const Bounds& rect);
+void reportCharacter(EngineObserver& observer, char c);  // the line, at its end

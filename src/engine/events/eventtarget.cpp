@@ -47,7 +47,7 @@ int EventTarget::handleEvent(const Event* event) {
 
 int EventTargets::post(const Event& event) {
   EngineCall call;
-  if (beingTold()) return 0;
+  if (observerListens()) return 0;
   const EventTrail trail(event, true);
   for (EventTarget* target = active; target; target = nextActive(target)) callObservers(target, event);
   for (EventTarget* target = active; target; target = nextActive(target))
@@ -95,7 +95,7 @@ int eventSend(EventTarget* target, const Event& event) {
   EngineCall call;
   if (target->gone || engineStackSpent()) return 0;
   EngineObserver* observer = currentObserver();
-  if (observer && notesOf(*observer).telling) return 0;
+  if (observer && notesOf(*observer).reporting) return 0;
   EventTrail* trail = observer ? EventTrail::find(*observer, event) : nullptr;
   if (trail) trail->seen.push_back(target->id);
   if (EventHandler* handler = findCode(target->handlers, event.code)) {

@@ -4,14 +4,14 @@ EventTrail::EventTrail(const Event& e, bool p) : observer(currentObserver()), ev
   if (!observer) return;
   outer = notesOf(*observer).trail;
   notesOf(*observer).trail = this;
-  if (const Telling told; told) told->eventBegun(event.code, event.data, posted);
+  if (const ObserverReport report; report) report->eventBegun(event.code, event.data, posted);
 }
 
 EventTrail::~EventTrail() {
   if (!observer) return;
   notesOf(*observer).trail = outer;
-  if (const Telling told; told)
-    told->eventDelivered({event.code, event.data, event.data2, posted, seen, consumer, byHandler});
+  if (const ObserverReport report; report)
+    report->eventDelivered({event.code, event.data, event.data2, posted, seen, consumer, byHandler});
 }
 
 EventTrail* EventTrail::find(EngineObserver& observer, const Event& event) {

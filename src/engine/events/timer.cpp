@@ -63,7 +63,7 @@ bool TimerQueue::lists(const Timer* timer) const {
 }
 
 void TimerQueue::fire(Timer* timer, uint32_t now) {
-  if (const Telling told; told) told->timerFired(timer->identity());
+  if (const ObserverReport report; report) report->timerFired(timer->identity());
   timer->callback(timer, TimerReason::fired);
   if (timer->gone) return;
   if (timer->timerFlags & kTimerRepeating) {

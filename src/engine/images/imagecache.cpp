@@ -77,7 +77,7 @@ void ImageCache::touch(HeapHandle handle) {
 void ImageCache::evict(int64_t need) {
   for (int64_t left = need; left >= 1 && lruHead;) {
     left -= image(lruHead).totalSize;
-    if (const Telling told; told) told->imageThrownOut(nameOf(image(lruHead)), image(lruHead).totalSize);
+    if (const ObserverReport report; report) report->imageThrownOut(nameOf(image(lruHead)), image(lruHead).totalSize);
     free(lruHead);
   }
 }

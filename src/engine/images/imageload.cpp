@@ -33,10 +33,10 @@ CachedImage* imageGet(const char* name) {
     hostLog("Loading image '%s'\n", name);
     handle = read(images, name);
     images.noteAsked(name, handle != 0);
-    if (const Telling told; told) {
+    if (const ObserverReport report; report) {
       const CachedImage* image = handle ? &images.image(handle) : nullptr;
-      if (image) told->imageLoaded(name, image->width, image->height, image->totalSize);
-      if (!image) told->imageRefused(name, images.refusalOf(name));
+      if (image) report->imageLoaded(name, image->width, image->height, image->totalSize);
+      if (!image) report->imageRefused(name, images.refusalOf(name));
     }
   }
   return handle ? &images.image(handle) : nullptr;

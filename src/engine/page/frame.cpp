@@ -68,7 +68,7 @@ bool Frame::countWidget() {
 
 void Frame::runScript(const EventTarget* widget, ScriptAttribute hook, PageScript script) {
   EngineCall call;
-  if (!language || beingTold()) return;
+  if (!language || observerListens()) return;
   ScriptWatch watch([&] {
     const std::string_view bytes(reinterpret_cast<const char*>(script.data()), script.size());
     const char* attribute = hook;
@@ -97,7 +97,7 @@ void Frame::dropPage() {
 void Frame::abandonPage() {
   ++generation;
   while (widgets) widgetDestroy(takeFirst());
-  if (const Telling told; told && pageData) told->pageUnloaded(id, pageName);
+  if (const ObserverReport report; report && pageData) report->pageUnloaded(id, pageName);
   textStyles.clear();
   dropPage();
 }
@@ -138,7 +138,7 @@ void widgetFocus(Frame* frame, Widget* widget) {
   }
   if (frame->gone || frame->generation != generation || (widget && widget->gone)) return;
   frame->focus = widget;
-  if (const Telling told; told) told->focusMoved(frame->id, from, widget ? widget->id : 0);
+  if (const ObserverReport report; report) report->focusMoved(frame->id, from, widget ? widget->id : 0);
   if (!widget) return;
   eventSendSimple(widget, kFocusChange, 1);
   runScript(frame, "onFocus", widget);

@@ -183,16 +183,16 @@ Frame* frameCreate(WidgetOwner* owner, Widget* parentWidget, PageObject record) 
 
 int frameLoad(Frame* frame, const char* path) {
   EngineCall call;
-  if (beingTold()) return 0;
-  if (const Telling told; told) told->pageLoading(frame->id, path);
+  if (observerListens()) return 0;
+  if (const ObserverReport report; report) report->pageLoading(frame->id, path);
   const int loaded = load(frame, path);
-  if (const Telling told; told) told->pageLoaded(frame->id, path, loaded != 0);
+  if (const ObserverReport report; report) report->pageLoaded(frame->id, path, loaded != 0);
   return loaded;
 }
 
 void frameUnload(Frame* frame) {
   EngineCall call;
-  if (frame->gone || frame->unloading || !frame->pageData || beingTold()) return;
+  if (frame->gone || frame->unloading || !frame->pageData || observerListens()) return;
   frame->unloading = true;
   ++frame->generation;
   while (Widget* widget = frame->widgets) {
@@ -204,7 +204,7 @@ void frameUnload(Frame* frame) {
   frameRunScript(frame, "onUnload");
   if (frame->language) frame->language->detach(frame);
   targetDestroyLists(frame);
-  if (const Telling told; told) told->pageUnloaded(frame->id, frame->pageName);
+  if (const ObserverReport report; report) report->pageUnloaded(frame->id, frame->pageName);
   frame->dropPage();
   frame->unloading = false;
 }

@@ -164,7 +164,7 @@ void Widget::redraw() {
 }
 
 bool widgetInitialize(Widget* widget) {
-  if (const Telling told; told) told->widgetMade(describe(*widget));
+  if (const ObserverReport report; report) report->widgetMade(describe(*widget));
   if (widget->owner && !widget->owner->countWidget()) return false;
   widget->name = widgetAttrString(widget, "name");
   readBackground(widget);
@@ -181,7 +181,7 @@ void widgetDestroy(Widget* widget) {
   EngineCall call;
   if (widget->gone) return;
   widget->gone = true;
-  if (const Telling told; told) told->widgetGone(widget->id);
+  if (const ObserverReport report; report) report->widgetGone(widget->id);
   widget->scriptHandle.release();
   if (widget->timeoutTimer) timerDestroy(widget->timeoutTimer);
   currentRedraws().remove(widget);

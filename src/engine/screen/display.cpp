@@ -67,7 +67,7 @@ void DisplaySurface::flush() {
   const int left = std::clamp(r.fLeft, 0, screen.fRight), right = std::clamp(r.fRight, 0, screen.fRight);
   const int top = std::clamp(r.fTop, 0, screen.fBottom), bottom = std::clamp(r.fBottom, 0, screen.fBottom);
   hostPresentRect(pixels.data(), left, top, right - left, bottom - top);
-  if (EngineObserver* observer = currentObserver()) tellDrawing(*observer, {left, top, right - left, bottom - top});
+  if (EngineObserver* observer = currentObserver()) reportDrawing(*observer, {left, top, right - left, bottom - top});
   tracker->clear();
 }
 
@@ -117,7 +117,7 @@ void displayFlush() { currentDisplay().flush(); }
 
 void displaySwap(int) {
   currentDisplay().swapPending = true;
-  if (const Telling told; told) told->swapped();
+  if (const ObserverReport report; report) report->swapped();
 }
 
 int displayTakeSwap() { return std::exchange(currentDisplay().swapPending, false); }

@@ -95,7 +95,7 @@ int ScriptHandler::fn(const Event* event) {
   }
   BobInterp* interp = currentScripts().interp;
   BobValue result = kBobNil;
-  if (beingTold()) return 0;
+  if (observerListens()) return 0;
   ScriptWatch watch([&] { return ScriptRun{kind, target, "", code, bobFunctionName(interp, callback)}; });
   watch.ended(bobTry(interp, [&] {
     const BobValue wrapper = scriptWrapEvent(interp, *event);  // before the callback is read, which it can move

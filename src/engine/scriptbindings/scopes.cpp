@@ -78,7 +78,7 @@ int scriptLoadFile(Frame* frame, const char* path) {
   EngineCall call;
   BobScope* scope = frame->scriptEnv->scope;
   bool loaded = false;
-  if (beingTold()) return 0;
+  if (observerListens()) return 0;
   ScriptWatch watch([&] { return ScriptRun{ScriptKind::file, frame->id, "", 0, path}; });
   loaded = bobTry(bobScopeInterp(scope), [&] { loaded = bobLoadObjectFile(scope, path); }) && loaded;
   watch.ended(loaded);
@@ -102,7 +102,7 @@ int scriptLoadStartupFile(const char* path) {
 
 void consoleEvaluate(Frame* frame, const char* text, uint32_t length) {
   EngineCall call;
-  if (!frame || !scriptInterp() || !bobHasCompiler(currentScripts().interp) || beingTold()) return;
+  if (!frame || !scriptInterp() || !bobHasCompiler(currentScripts().interp) || observerListens()) return;
   ScriptWatch watch([&] { return ScriptRun{ScriptKind::console, frame->id, "", 0, {text, length}}; });
   watch.ended(bobConsoleEvaluate(frame->scriptEnv->scope, {text, length}));
 }

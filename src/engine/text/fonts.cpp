@@ -11,7 +11,7 @@ FontEntry* FontShelf::load(const char* fileName) {
   for (FontEntry& entry : fonts)
     if (hsAsciiEqualIgnoringCase(entry.name.c_str(), fileName)) return &entry;
   FontEntry* entry = read(fileName);
-  if (const Telling told; told) told->fontOpened(fileName, entry != nullptr);
+  if (const ObserverReport report; report) report->fontOpened(fileName, entry != nullptr);
   return entry;
 }
 

@@ -34,7 +34,7 @@ class LinesTest : public PageTest {
   std::string warnings;
 };
 
-// Places behind the names of a traceback, the innermost first.
+// Places of the names in a traceback, the innermost first.
 std::vector<std::string> placesIn(const std::string& log) {
   std::vector<std::string> places;
   const std::regex place(" at (\\S+)\n");
