@@ -1,5 +1,5 @@
-// How the parts of an engine report to its observer what happens. Each of these is one test of a null pointer when nobody
-// looks:
+// How the parts of an engine report to its observer what happens. Each of these is one test of a null pointer when
+// nobody looks:
 //
 //   if (const ObserverReport report; report) report->widgetGone(widget->id);
 //
