@@ -15,6 +15,9 @@
 
 #include "bob/base/stream.h"
 #include "bob/base/value.h"
+#include "bob/debug/coverage.h"
+#include "bob/debug/debugger.h"
+#include "bob/debug/profiler.h"
 #include "bob/embed/interpreter.h"
 #include "bob/heap/collector.h"
 #include "bob/heap/handles.h"

@@ -17,8 +17,9 @@ FLOORS = {
     'bob/compile': ['bob/model'],
     'bob/run': ['bob/compile'],
     'bob/tools': ['bob/run'],
+    'bob/debug': ['bob/tools'],
     'bob/lib': ['bob/tools'],
-    'bob/embed': ['bob/lib'],
+    'bob/embed': ['bob/lib', 'bob/debug'],
     'bob': ['bob/embed'],
     't2k': ['gfx/foundation'],
     'gfx/vector': ['gfx/foundation'],
@@ -47,7 +48,7 @@ FLOORS = {
 
 # The files of a subsystem that others may include; the rest of it is its own.
 DOORS = {
-    'bob': ['bob/bob.h', 'bob/compile/statementreader.h', 'bob/tools/disassemble.h', 'bob/tools/objectformat.h',
+    'bob': ['bob/bob.h', 'bob/compile/statementreader.h', 'bob/debug/codelines.h', 'bob/tools/disassemble.h', 'bob/tools/objectformat.h',
             'bob/tools/textcalls.h'],
 }
 

@@ -82,6 +82,9 @@ struct BobOpcodeInfo {
 // By number; number 0 has no name.
 extern const BobOpcodeInfo kBobOpcodes[kOpEnd];
 
+// Where the first instruction that is run lies: after AFRAME, which says how many slots there are, and its operands.
+constexpr uint32_t kBobFirstOffset = 3;
+
 inline uint32_t bobWordAt(const uint8_t* bytes) { return bytes[0] | uint32_t(bytes[1]) << 8; }
 
 // The length of the instruction at `at`, or 0 if its opcode is unknown or it doesn't fit in `end` bytes.

@@ -30,6 +30,9 @@ struct BobCodeNotes {
   std::vector<Instruction> instructions;  // by offset
   std::vector<std::string> arguments;     // by slot, from 1: this, _next and so on; none for a top-level statement
   std::vector<Block> blocks;              // outer ones before those in them
+  // Variables of the functions and blocks that the function is written in, as far as they are declared by its end, by
+  // slot, the innermost first.
+  std::vector<std::vector<std::string>> around;
 
   void openBlock(int begin) { blocks.push_back({begin, 0, {}}); }
   void closeBlock(int end, const std::vector<std::string>& names);

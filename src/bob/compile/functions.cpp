@@ -11,7 +11,7 @@ void BobCompiler::nameCode() {
 
 void BobCompiler::beginNotes() {
   if (!listener) return;
-  notes.push_back({sourceName, {}, {}, {}});
+  notes.push_back({sourceName, {}, {}, {}, {}});
   emit.notes = &notes.back();
 }
 
@@ -53,7 +53,10 @@ void BobCompiler::function(const char* name) {
   block();
   emit.op(kOpReturn);
 
-  if (emit.notes) emit.notes->arguments = names.innermost();
+  if (emit.notes) {
+    emit.notes->arguments = names.innermost();
+    emit.notes->around = names.around();
+  }
   const BobValue code = emit.end(outer);
   endNotes(code);
   names.pop();

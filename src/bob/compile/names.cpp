@@ -35,6 +35,8 @@ void BobNames::add(std::string_view name) {
   if (scopes.back().size() > kMostNames) bobRaise(interp, kBobTooMuchCode);
 }
 
+std::vector<std::vector<std::string>> BobNames::around() const { return {scopes.rbegin() + 1, scopes.rend()}; }
+
 bool BobNames::find(std::string_view name, int* depth, int* index) const {
   for (size_t d = 0; d < scopes.size(); ++d) {
     const std::vector<std::string>& names = scopes[scopes.size() - 1 - d];

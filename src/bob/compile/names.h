@@ -18,6 +18,8 @@ class BobNames {
   // Declares a variable of the innermost scope; error "Too much code" if that has 255 already.
   void add(std::string_view name);
   const std::vector<std::string>& innermost() const { return scopes.back(); }
+  // The scopes around the innermost one, from the inside out.
+  std::vector<std::vector<std::string>> around() const;
   // The scopes outward from the innermost one, counted from 0, and the variable's number in its scope, from 1.
   bool find(std::string_view name, int* depth, int* index) const;
 

@@ -51,6 +51,7 @@ void bobCollect(BobInterp* interp) {
     record->Scan(interp, object);
   }
   bobSweepQuickCode(interp);
+  interp->survivors = space.free - space.base;
   bobPutFormat(interp->stderrStream, " - %d bytes free, total memory %u, allocations %u]\n",
                int(space.top - space.free), interp->totalMemory, interp->allocationCount);
   finalize(interp);

@@ -19,6 +19,7 @@ struct BobCompiler;
 struct BobLocal;
 struct BobMethodRow;
 struct BobPropertyRow;
+class BobTracer;
 
 // What an object's first word points to. `base` is the family that the record belongs to: itself or the record that
 // it is a variant of.
@@ -83,8 +84,10 @@ struct BobQuickCode {
   std::vector<uint32_t> words;
   int required = 0, optional = 0;  // slots, this and _next counted
   bool hasRest = false;
-  int plainSlots = 0;   // the number of slots that needs no adjusting, -1 if none
-  bool marked = false;  // its CompiledCode was found alive by the collection that is going on
+  int plainSlots = 0;  // the number of slots that needs no adjusting, -1 if none
+  bool isTraced = false;
+  uint32_t traceNumber = 0;  // the tracer's
+  bool marked = false;       // its CompiledCode was found alive by the collection that is going on
 };
 
 #ifdef BOB_FUEL
@@ -133,6 +136,7 @@ struct BobInterp {
   BobHeapBlock oldSpace{}, newSpace{};
   uint32_t allocationLimit = 0;                   // newSpace.top, or 0 while every allocation must take the slow path
   uint32_t collections = 0;                       // so far
+  uint32_t survivors = 0;                         // bytes that the last one found alive
   uint32_t expansionSize = 0;                     // as the interpreter was made with; spaces don't grow
   uint32_t totalMemory = 0, allocationCount = 0;  // what the collector reports of native memory
 
@@ -159,6 +163,7 @@ struct BobInterp {
   bool collectAlways = false;
   int64_t failAllocation = -1;
 
+  BobTracer* tracer = nullptr;         // bobTrace
   void (*rest)(BobInterp*) = nullptr;  // bobSetRest
   uint32_t stepsToRest = kBobStepsToRest, stepsBetweenRests = kBobStepsToRest;
 

@@ -1,10 +1,17 @@
 #include "bob/heap/raise.h"
 
 #include "bob/heap/interp.h"
+#include "bob/heap/local.h"
+#include "bob/heap/tracer.h"
 
 namespace {
 
-[[noreturn]] void raise(BobInterp* interp, int code, const BobErrorArgument& argument) {
+[[noreturn]] void raise(BobInterp* interp, int code, BobErrorArgument argument) {
+  if (interp->tracer) {
+    const BobLocal value(interp->locals, argument.value);
+    interp->tracer->atError(interp, code, argument);
+    argument.value = value;
+  }
   if (interp->errorHandler) interp->errorHandler(interp, code, argument);
   throw BobUnwind{code};
 }

@@ -2,6 +2,7 @@
 
 #include "bob/heap/interp.h"
 #include "bob/heap/local.h"
+#include "bob/heap/tracer.h"
 
 namespace {
 
@@ -51,4 +52,5 @@ void bobCopyRoots(BobInterp* interp) {
     if (s->code) copy(s->code);
   }
   for (BobLocal* local = interp->locals; local; local = local->next) copy(local->value);
+  if (interp->tracer) interp->tracer->copyValues(interp);
 }

@@ -53,7 +53,7 @@ void BobCodePaths::walk() {
   targets.assign(length, false);
   bad.assign(length, false);
   states.assign(1, {});
-  flow(kStart, {}, true);
+  flow(kBobFirstOffset, {}, true);
   while (!pending.empty()) {
     const uint32_t at = pending.back();
     pending.pop_back();

@@ -34,8 +34,6 @@ class BobCodePaths {
   // `literals` counts the code's elements; `variables` those of the function itself, this and _next included.
   BobCodePaths(BobInterp* interp, BobValue code, uint32_t variables);
 
-  static constexpr uint32_t kStart = 3;  // after AFRAME and its operands
-
   bool isReached(uint32_t at) const { return at < length && reached[at] != kUnreached; }
   bool isTarget(uint32_t at) const { return at < length && targets[at]; }
   bool isBad(uint32_t at) const { return bad[at]; }

@@ -1,6 +1,7 @@
 // Instructions that move values about, branch, and make objects.
 #pragma once
 
+#include "bob/heap/tracer.h"
 #include "bob/model/values.h"
 #include "bob/run/registers.h"
 
@@ -58,6 +59,16 @@ BOB_STEP void step(BobRegisters& r, BobOp<kQPushVarLit>) {
 }
 BOB_STEP void step(BobRegisters& r, BobOp<kQCheckPops>) {
   if (r.interp->fp - r.sp < int(r.b())) r.fail(kBobBadOpcode);
+}
+
+// -- for a tracer (heap/tracer.h)
+
+BOB_STEP void step(BobRegisters& r, BobOp<kQTrace>) {
+  const uint32_t code = r.pc[0], offset = r.pc[1];
+  r.pc += 2;
+  r.store();
+  r.interp->tracer->atInstruction(r.interp, code, offset);
+  r.reload();
 }
 
 // -- branches

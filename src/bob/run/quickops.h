@@ -56,6 +56,7 @@
   X(ArgsGe)                             /* a count */                                                 \
   X(PushScope)                                                                                        \
   X(CheckPops)                          /* b words that the next instruction takes */                 \
+  X(Trace)                              /* the tracer's number of the code; offset of what follows */  \
   /* superinstructions: */                                                                            \
   X(PushVar) X(PushVarVar)              /* EREF PUSH, and twice; a, b variables */                    \
   X(PushLit)                            /* LIT PUSH; b element */                                     \

@@ -30,13 +30,29 @@ class Offsets {
 
 }  // namespace
 
-std::vector<BobRunningCode> bobRunningCode(BobInterp* interp) {
-  std::vector<BobRunningCode> running;
+std::vector<BobRunningFrame> bobRunningFrames(BobInterp* interp) {
+  std::vector<BobRunningFrame> running;
   if (!interp->code) return running;
   Offsets offsets(interp);
-  running.push_back({interp->code, offsets.of(interp->code, uint32_t(interp->pc - interp->cbase))});
-  for (const uint32_t* frame = interp->fp; frame < interp->stackTop; frame = interp->words(frame[kFramePrevious]))
-    if (frame[kFrameRecord] == kCallFrame && frame[kFrameCode])
-      running.push_back({frame[kFrameCode], offsets.of(frame[kFrameCode], frame[kFramePc])});
+  const auto add = [&](BobValue code, uint32_t pc, BobValue env, BobValue scope) {
+    running.push_back({{code, offsets.of(code, pc)}, bobFollowMovedEnvironment(interp, env), scope, false});
+  };
+  add(interp->code, uint32_t(interp->pc - interp->cbase), interp->env, interp->scope.object);
+  for (const uint32_t* frame = interp->fp; frame < interp->stackTop; frame = interp->words(frame[kFramePrevious])) {
+    if (frame[kFrameRecord] == kBlockFrame) continue;
+    running.back().calledByHost = frame[kFrameRecord] == kTopFrame;
+    if (!frame[kFrameCode]) break;
+    add(frame[kFrameCode], frame[kFramePc], frame[kFrameEnv], frame[kFrameScope]);
+  }
+  return running;
+}
+
+std::vector<BobRunningCode> bobRunningCode(BobInterp* interp) {
+  std::vector<BobRunningCode> running;
+  bool listed = true;  // a traceback leaves out what has called a native method
+  for (const BobRunningFrame& frame : bobRunningFrames(interp)) {
+    if (listed) running.push_back(frame);
+    listed = !frame.calledByHost;
+  }
   return running;
 }

@@ -5,6 +5,7 @@
 #include "bob/base/opcodes.h"
 #include "bob/heap/quickcode.h"
 #include "bob/heap/raise.h"
+#include "bob/heap/tracer.h"
 #include "bob/run/codepaths.h"
 #include "bob/run/combine.h"
 #include "bob/run/quickops.h"
@@ -56,20 +57,26 @@ BobQuickOp plainForm(uint8_t opcode) {
 class Translator {
  public:
   // `marks` may be null.
-  Translator(BobInterp* interp, BobValue code, const BobCodePaths& paths, std::vector<uint32_t>& words,
+  Translator(BobInterp* interp, BobValue code, const BobCodePaths& paths, BobQuickCode& quick,
              std::vector<BobQuickMark>* marks)
-      : paths(paths), out(words), combiner(interp, code, paths, out), marks(marks) {}
+      : paths(paths),
+        out(quick.words),
+        combiner(interp, code, paths, out),
+        marks(marks),
+        isTraced(quick.isTraced),
+        traceNumber(quick.traceNumber) {}
 
   void translate() {
-    combines = paths.proven && !instructionsOverlap();
+    combines = paths.proven && !isTraced && !instructionsOverlap();
     places.assign(paths.length, kNowhere);
     bool open = false;  // the instruction before runs on into the next offset
-    uint32_t next = BobCodePaths::kStart;
-    for (uint32_t at = BobCodePaths::kStart; at < paths.length; ++at) {
+    uint32_t next = kBobFirstOffset;
+    for (uint32_t at = kBobFirstOffset; at < paths.length; ++at) {
       if (!paths.isReached(at) || at < combinedUpTo) continue;
       if (open && next != at) emitJump(next);
       places[at] = out.here();
       mark(out.here(), at);
+      if (isTraced) emitTrace(at);
       open = emit(at, next);
     }
     if (open) emitJump(next);
@@ -87,7 +94,7 @@ class Translator {
   // A jump into the middle of an instruction makes its bytes count twice.
   bool instructionsOverlap() const {
     uint32_t end = 0;
-    for (uint32_t at = BobCodePaths::kStart; at < paths.length; ++at) {
+    for (uint32_t at = kBobFirstOffset; at < paths.length; ++at) {
       if (!paths.isReached(at)) continue;
       if (at < end) return true;
       end = at + std::max(bobInstructionLength(paths.bytes, at, paths.length), 1u);
@@ -128,6 +135,12 @@ class Translator {
     }
     out.put(kQJump);
     out.putTarget(target);
+  }
+
+  void emitTrace(uint32_t at) {
+    out.put(kQTrace);
+    out.putWord(traceNumber);
+    out.putWord(at);
   }
 
   // -- single instructions
@@ -221,6 +234,8 @@ class Translator {
   BobQuickWriter out;
   BobCombiner combiner;
   std::vector<BobQuickMark>* marks;
+  const bool isTraced;
+  const uint32_t traceNumber;
   std::vector<uint32_t> places;  // by offset: where its quick code begins
   bool combines = false;
   uint32_t combinedUpTo = 0;  // offsets below are part of what has been emitted
@@ -239,7 +254,12 @@ void translate(BobInterp* interp, BobValue code, BobQuickCode& quick, std::vecto
   quick.plainSlots = quick.hasRest || quick.optional ? -1 : quick.required;
   const uint32_t variables = uint32_t(quick.required + quick.optional + quick.hasRest);
   const BobCodePaths paths(interp, code, variables);
-  Translator(interp, code, paths, quick.words, marks).translate();
+  Translator(interp, code, paths, quick, marks).translate();
+}
+
+void traceIfWanted(BobInterp* interp, BobValue code, BobQuickCode& quick) {
+  quick.isTraced = interp->tracer != nullptr;
+  if (quick.isTraced) quick.traceNumber = interp->tracer->codeIsReady(interp, code);
 }
 
 }  // namespace
@@ -247,13 +267,25 @@ void translate(BobInterp* interp, BobValue code, BobQuickCode& quick, std::vecto
 BobQuickCode& bobTranslate(BobInterp* interp, BobValue code) {
   if (!isTranslatable(interp, code)) bobRaise(interp, kBobBadOpcode);
   auto quick = std::make_unique<BobQuickCode>();
+  traceIfWanted(interp, code, *quick);
   translate(interp, code, *quick, nullptr);
   return bobKeepQuickCode(interp, code, std::move(quick));
 }
 
+void bobTranslateAgain(BobInterp* interp, BobValue code) {
+  const uint32_t number = bobCodeQuickNumber(interp->words(code)[kCodeCount]);
+  if (number == 0) return;
+  BobQuickCode& quick = *interp->quickCodes[number - 1];
+  quick.words.clear();
+  traceIfWanted(interp, code, quick);
+  translate(interp, code, quick, nullptr);
+}
+
 std::vector<BobQuickMark> bobQuickMarks(BobInterp* interp, BobValue code) {
   std::vector<BobQuickMark> marks;
+  if (!isTranslatable(interp, code)) return marks;
   BobQuickCode quick;
-  if (isTranslatable(interp, code)) translate(interp, code, quick, &marks);
+  quick.isTraced = interp->tracer != nullptr;
+  translate(interp, code, quick, &marks);
   return marks;
 }

@@ -22,6 +22,8 @@
 
 // Makes the quick code of code that has none. Raises error 9 if its first element is no String.
 BobQuickCode& bobTranslate(BobInterp* interp, BobValue code);
+// Makes it anew if the code has some, for a tracer that has come or gone. None of it may be running.
+void bobTranslateAgain(BobInterp* interp, BobValue code);
 
 // Where an instruction lies in the quick code of some code, and in its bytecode. Of a superinstruction the latter is
 // the part that an error would come from.

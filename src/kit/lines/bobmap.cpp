@@ -60,16 +60,17 @@ std::string joined(const std::vector<std::string>& names) {
   return text + "\n";
 }
 
-std::string codeText(const CodeLines& code, size_t source) {
+std::string codeText(const BobCodeLines& code, size_t source) {
   char head[64];
   std::snprintf(head, sizeof head, "code %016llx %zu\nlines", static_cast<unsigned long long>(code.hash), source);
   std::string text = head;
-  for (const CodeLines::Start& start : code.starts)
+  for (const BobCodeLines::Start& start : code.starts)
     text += " " + std::to_string(start.offset) + ":" + std::to_string(start.line);
   text += "\n";
   if (!code.arguments.empty()) text += "arguments" + joined(code.arguments);
-  for (const CodeLines::Block& block : code.blocks)
+  for (const BobCodeLines::Block& block : code.blocks)
     text += "block " + std::to_string(block.begin) + " " + std::to_string(block.end) + joined(block.names);
+  for (const std::vector<std::string>& names : code.around) text += "around" + joined(names);
   return text;
 }
 
@@ -96,6 +97,8 @@ class MapReader {
         current().arguments = names();
       } else if (key == "block") {
         block();
+      } else if (key == "around") {
+        current().around.push_back(names());
       } else if (key == "end") {
         ended = true;
       } else {
@@ -104,7 +107,7 @@ class MapReader {
       if (!line.empty()) fail();
     }
     if (!left.empty()) fail();
-    for (const CodeLines& code : map.codes)
+    for (const BobCodeLines& code : map.codes)
       if (code.starts.empty()) fail();
     return std::move(map);
   }
@@ -136,7 +139,7 @@ class MapReader {
     return n;
   }
 
-  CodeLines& current() {
+  BobCodeLines& current() {
     if (map.codes.empty()) fail();
     return map.codes.back();
   }
@@ -156,7 +159,7 @@ class MapReader {
   }
 
   void code() {
-    CodeLines code;
+    BobCodeLines code;
     code.hash = numberIn<uint64_t>(word(), UINT64_MAX, 16);
     const size_t source = numberIn<size_t>(word(), SIZE_MAX);
     if (source >= map.sources.size()) fail();
@@ -165,7 +168,7 @@ class MapReader {
   }
 
   void starts() {
-    std::vector<CodeLines::Start>& all = current().starts;
+    std::vector<BobCodeLines::Start>& all = current().starts;
     while (!line.empty()) {
       const std::string_view pair = word();
       const size_t colon = pair.find(':');
@@ -206,9 +209,9 @@ bool isBobMap(const std::vector<uint8_t>& bytes) {
   return std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()).starts_with("bobmap ");
 }
 
-BobMap makeBobMap(std::string_view built, std::vector<CodeLines> codes) {
+BobMap makeBobMap(std::string_view built, std::vector<BobCodeLines> codes) {
   BobMap map{contentHash({built.begin(), built.end()}), {}, std::move(codes)};
-  for (const CodeLines& code : map.codes)
+  for (const BobCodeLines& code : map.codes)
     if (!sourceOf(map, code.file)) map.sources.push_back({code.file, fileHash(code.file)});
   return map;
 }
@@ -217,7 +220,8 @@ std::string bobMapText(const std::string& path, const BobMap& map) {
   std::string text = std::string(kFirstLine) + "built " + map.builtHash + "\n";
   for (const BobMap::Source& source : map.sources)
     text += "source " + source.hash + " " + escaped(relativeTo(path, source.file)) + "\n";
-  for (const CodeLines& code : map.codes) text += codeText(code, size_t(sourceOf(map, code.file) - map.sources.data()));
+  for (const BobCodeLines& code : map.codes)
+    text += codeText(code, size_t(sourceOf(map, code.file) - map.sources.data()));
   return text + "end\n";
 }
 

@@ -7,6 +7,7 @@
 //     lines 0:12 9:13 20:14                offset in the bytecode : line of the source
 //     arguments this _next x
 //     block 14 52 i n                      from offset to offset
+//     around this _next y                  variables of the function that it is written in
 //     end
 //
 // Names of sources are relative to the folder of the table, so that a folder can be moved with its tables, and the same
@@ -19,7 +20,7 @@
 #include <vector>
 
 #include "kit/errors.h"
-#include "kit/lines/codelines.h"
+#include "kit/lines/codeplaces.h"
 
 inline constexpr char kBobMapExtension[] = ".bobmap";
 
@@ -30,7 +31,7 @@ struct BobMap {
 
   std::string builtHash;  // contentHash
   std::vector<Source> sources;
-  std::vector<CodeLines> codes;  // as they lie in the file, inner functions first
+  std::vector<BobCodeLines> codes;  // as they lie in the file, inner functions first
 
   // Whether the source is as it was when the table was made.
   bool isCurrent(const std::string& source) const;
@@ -41,7 +42,7 @@ std::string bobMapName(const std::string& built);
 bool isBobMap(const std::vector<uint8_t>& bytes);
 
 // For code of a file with those bytes. The sources are read.
-BobMap makeBobMap(std::string_view built, std::vector<CodeLines> codes);
+BobMap makeBobMap(std::string_view built, std::vector<BobCodeLines> codes);
 
 // The text of a table that will lie at `path`, and back. Throws KitError for what is no such text.
 std::string bobMapText(const std::string& path, const BobMap& map);

@@ -46,7 +46,7 @@ ScriptFile compileScript(const std::string& path, bool strip) {
 
 // The line table of the file that was added last. It costs the player nothing, so stripped code has one, too: then
 // nothing else says where an error is.
-void addLines(StepResult* result, const std::string& folder, const std::vector<CodeLines>& lines) {
+void addLines(StepResult* result, const std::string& folder, const std::vector<BobCodeLines>& lines) {
   const BuiltFile& built = result->outputs.back();
   const std::string_view bytes(reinterpret_cast<const char*>(built.bytes.data()), built.bytes.size());
   const std::string name = bobMapName(built.name);

@@ -21,9 +21,9 @@ std::unique_ptr<BobStream> open(BobInterp* interp, const std::string& path, cons
 // Statement by statement, since later code may well be equal to earlier code.
 bool listSource(BobInterp* interp, BobStream* stream, const std::string& path) {
   SourceListing source;
-  std::vector<CodeLines> compiled;
+  std::vector<BobCodeLines> compiled;
   bobSetCodeListener(interp, [&](BobInterp* i, BobValue code, const BobCodeNotes& notes) {
-    compiled.push_back(codeLinesOf(i, code, notes, path));
+    compiled.push_back(bobCodeLinesOf(i, code, notes, path));
   });
   const bool listed = bobTry(interp, [&] {
     BobStatementReader statements(bobRootScope(interp), stream);
@@ -83,10 +83,10 @@ bool compileBobFile(BobRuntime& runtime, const std::string& source, const std::s
   BobInterp* interp = runtime.interp;
   const std::unique_ptr<BobStream> input = open(interp, source, "r");
   BobTextStream output;
-  std::vector<CodeLines> lines;
+  std::vector<BobCodeLines> lines;
   if (options.lines)
     bobSetCodeListener(interp, [&](BobInterp* i, BobValue code, const BobCodeNotes& notes) {
-      lines.push_back(codeLinesOf(i, code, notes, source));
+      lines.push_back(bobCodeLinesOf(i, code, notes, source));
     });
   const bool compiled = bobTry(interp, [&] {
     bobWriteHeader(&output);

@@ -26,7 +26,7 @@ void ScriptPlaces::listen(BobInterp* interp, std::function<std::string(const std
   bobSetCodeListener(interp,
                      [this, nameOf = std::move(nameOf)](BobInterp* i, BobValue code, const BobCodeNotes& notes) {
                        if (!notes.source.empty())
-                         places.add(codeLinesOf(i, code, notes, shownName(nameOf(notes.source))));
+                         places.add(bobCodeLinesOf(i, code, notes, shownName(nameOf(notes.source))));
                      });
 }
 

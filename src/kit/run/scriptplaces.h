@@ -9,14 +9,14 @@
 
 #include "bob/bob.h"
 #include "kit/errors.h"
-#include "kit/lines/codelines.h"
+#include "kit/lines/codeplaces.h"
 
 class ScriptPlaces {
  public:
   // Keeps the lines of all that the interpreter compiles from files. `nameOf` says where a file is, by the name that a
   // script or a command gave.
   void listen(BobInterp* interp, std::function<std::string(const std::string& source)> nameOf);
-  void add(const std::vector<CodeLines>& lines) { places.add(lines); }
+  void add(const std::vector<BobCodeLines>& lines) { places.add(lines); }
 
   // "FILE:LINE" of each piece of running code, the innermost first; empty for one that isn't known. The tables of files
   // that were read since are looked for when they are needed.

@@ -5,7 +5,7 @@
 
 #include "kit/files.h"
 
-void SourceListing::begin(std::vector<CodeLines> all) {
+void SourceListing::begin(std::vector<BobCodeLines> all) {
   codes = std::move(all);
   byHash.clear();
   for (size_t i = codes.size(); i-- > 0;) byHash[codes[i].hash].push_back(i);
@@ -24,7 +24,7 @@ void SourceListing::instruction(BobInterp* interp, BobValue code, uint32_t offse
                                     (size_t(line) <= text.size() ? text[size_t(line) - 1] : "") + "\n");
 }
 
-const CodeLines* SourceListing::linesOf(BobInterp* interp, BobValue code) {
+const BobCodeLines* SourceListing::linesOf(BobInterp* interp, BobValue code) {
   const auto found = byHash.find(bobCodeHash(interp, code));
   if (found == byHash.end() || found->second.empty()) return nullptr;
   const size_t number = found->second.back();

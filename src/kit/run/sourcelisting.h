@@ -8,24 +8,24 @@
 #include <vector>
 
 #include "bob/bob.h"
-#include "kit/lines/codelines.h"
+#include "kit/lines/codeplaces.h"
 
 class SourceListing {
  public:
   // Code of a file or statement, as it is met while it is listed: the first of several equal pieces is the first of
   // these.
-  void begin(std::vector<CodeLines> codes);
+  void begin(std::vector<BobCodeLines> codes);
 
   // Before an instruction is listed: prints the line that it comes from, unless it is the one printed last.
   void instruction(BobInterp* interp, BobValue code, uint32_t offset);
 
  private:
-  const CodeLines* linesOf(BobInterp* interp, BobValue code);
+  const BobCodeLines* linesOf(BobInterp* interp, BobValue code);
   const std::vector<std::string>& textOf(const std::string& file);
 
-  std::vector<CodeLines> codes;
+  std::vector<BobCodeLines> codes;
   std::unordered_map<uint64_t, std::vector<size_t>> byHash;  // those that have not been met, the last first
-  const CodeLines* current = nullptr;
+  const BobCodeLines* current = nullptr;
   int shownLine = 0;
   std::map<std::string, std::vector<std::string>> texts;
 };

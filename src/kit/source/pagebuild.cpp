@@ -55,7 +55,7 @@ BuiltPage compilePage(const std::string& source, const KitWarn& warn, const Page
 namespace {
 
 void addLines(OutputFiles& files, std::vector<std::string>& outputs, const std::string& built, std::string_view bytes,
-              const std::vector<CodeLines>& lines) {
+              const std::vector<BobCodeLines>& lines) {
   const std::string path = outputs.emplace_back(bobMapName(built));
   refuseForeign(path, isBobMap, "move what is there");
   const std::string text = bobMapText(path, makeBobMap(bytes, lines));

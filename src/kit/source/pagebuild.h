@@ -15,7 +15,7 @@ struct BuiltPage {
   std::vector<ScriptFile> scriptFiles;  // to lie beside the page
   std::vector<std::string> sources;     // all that was read, the page source first
   std::vector<LoadedPage> loadedPages;
-  std::vector<CodeLines> lines;  // with PageSourceOptions::lines
+  std::vector<BobCodeLines> lines;  // with PageSourceOptions::lines
   PagePlaces places;
 };
 

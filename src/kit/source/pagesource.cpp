@@ -444,7 +444,7 @@ class SourceReader {
   }
 
   // The compiler's places are those in the script's text.
-  static LineOfPlace lineOfPlace(const YamlNode& script) {
+  static BobLineOfPlace lineOfPlace(const YamlNode& script) {
     std::vector<size_t> begins{0};
     for (size_t end = script.text.find('\n'); end != std::string::npos; end = script.text.find('\n', end + 1))
       begins.push_back(end + 1);

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "engine/format/pagefile.h"
-#include "kit/lines/codelines.h"
+#include "kit/lines/codeplaces.h"
 #include "kit/yaml/yamlnode.h"
 
 struct PageNode;
@@ -47,7 +47,7 @@ struct ScriptFile {
   std::string name;    // as the page names it
   std::string source;  // the path of the file that it is made of
   std::string bytes;
-  std::vector<CodeLines> lines{};
+  std::vector<BobCodeLines> lines{};
 };
 
 // A page that a script opens by a name that the script spells out: LoadPage("menu.kpg").
@@ -63,5 +63,5 @@ struct PageTree {
   std::vector<ScriptFile> scriptFiles{};
   std::vector<std::string> sources{};  // all that was read, the page source first
   std::vector<LoadedPage> loadedPages{};
-  std::vector<CodeLines> lines{};  // of the scripts in the page, where they were asked for
+  std::vector<BobCodeLines> lines{};  // of the scripts in the page, where they were asked for
 };

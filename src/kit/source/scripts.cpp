@@ -20,7 +20,7 @@ std::string ScriptCompiler::compile(std::string_view source, const BobCodeNames&
   BobCodeListener listener;
   if (origin)
     listener = [origin](BobInterp* i, BobValue code, const BobCodeNotes& notes) {
-      origin->lines.push_back(codeLinesOf(i, code, notes, origin->file, origin->lineOf));
+      origin->lines.push_back(bobCodeLinesOf(i, code, notes, origin->file, origin->lineOf));
     };
   bobSetCodeListener(interp, std::move(listener));
   BobTextStream records;

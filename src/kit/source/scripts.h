@@ -8,7 +8,7 @@
 
 #include "bob/compile/statementreader.h"
 #include "bob/tools/textcalls.h"
-#include "kit/lines/codelines.h"
+#include "kit/lines/codeplaces.h"
 #include "kit/run/bobruntime.h"
 
 // An error in a script; `line` counts from 1 inside the script.
@@ -20,8 +20,8 @@ struct ScriptError : std::runtime_error {
 // Where a script comes from, and who wants to know the lines of its code.
 struct ScriptOrigin {
   std::string file;
-  LineOfPlace lineOf;  // empty for a script that is the whole file
-  std::vector<CodeLines>& lines;
+  BobLineOfPlace lineOf;  // empty for a script that is the whole file
+  std::vector<BobCodeLines>& lines;
 };
 
 class ScriptCompiler {

@@ -173,19 +173,19 @@ TEST_F(LinesTest, CodeThatWasWrittenTwiceHasBothPlaces) {
 TEST_F(LinesTest, ATableIsReadAsItWasWritten) {
   fs::create_directories("a b/build");
   writeText("a b/50%\nx.yaml", "page: {}\n");
-  CodeLines code;
+  BobCodeLines code;
   code.hash = 0xFEDCBA9876543210;
   code.file = "a b/50%\nx.yaml";
   code.starts = {{0, 3}, {7, 1}, {65535, 1 << 30}};
   code.arguments = {"this", "_next", "a"};
   code.blocks = {{5, 20, {"i", "n"}}, {6, 6, {}}};
-  CodeLines other;
+  BobCodeLines other;
   other.file = code.file;
   other.starts = {{0, 1}};
   const std::string text = bobMapText("a b/build/x.bobmap", makeBobMap("bytes", {code, other}));
   EXPECT_NE(text.find(" ../50%25%0ax.yaml\n"), std::string::npos) << text;
   const BobMap map = parseBobMap("a b/build/x.bobmap", text);
-  EXPECT_EQ(map.codes, (std::vector<CodeLines>{code, other}));
+  EXPECT_EQ(map.codes, (std::vector<BobCodeLines>{code, other}));
   EXPECT_TRUE(map.isCurrent(code.file));
   writeText("a b/50%\nx.yaml", "page: {x: 1}\n");
   EXPECT_FALSE(map.isCurrent(code.file));

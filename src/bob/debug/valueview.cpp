@@ -1,0 +1,96 @@
+#include "bob/debug/valueview.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "bob/debug/evaluation.h"
+#include "bob/heap/interp.h"
+#include "bob/heap/local.h"
+#include "bob/model/objects.h"
+#include "bob/model/print.h"
+#include "bob/model/properties.h"
+#include "bob/model/symbols.h"
+#include "bob/model/vectors.h"
+
+using namespace BobLayout;
+
+namespace {
+
+constexpr size_t kMostText = 200;  // bytes
+
+std::string printed(BobInterp* interp, BobValue value, bool (*print)(BobInterp*, BobValue, BobStream*)) {
+  char text[kMostText];
+  BobStringOutput out(text, sizeof text);
+  bool whole = true;
+  std::string error;
+  if (!bobTryAside(interp, &error, [&] { whole = print(interp, value, &out); })) return "(" + error + ")";
+  return std::string(text, out.count()) + (whole ? "" : "...");
+}
+
+bool isVector(BobInterp* interp, BobValue value) { return interp->recordOf(value)->base == kBobVector; }
+bool isNative(BobInterp* interp, BobValue value) { return interp->recordOf(value)->base == kBobCObject; }
+
+// Those that the kind and the kinds above it have as rows, and those that were hung on the instance.
+std::vector<std::string> nativeNames(BobInterp* interp, BobValue object) {
+  std::vector<std::string> names;
+  bobForEachProperty(interp, object,
+                     [&](BobValue p) { names.push_back(printed(interp, interp->words(p)[kKey], bobDisplay)); });
+  for (uint32_t type = interp->typeOf(object); type; type = interp->record(type)->parentType) {
+    if (!interp->record(type)->classObject) continue;
+    bobForEachProperty(interp, interp->record(type)->classObject, [&](BobValue p) {
+      if (interp->isA(interp->words(p)[kValue], kBobVPMethod) && interp->isA(interp->words(p)[kKey], kBobSymbol))
+        names.emplace_back(interp->symbolOf(interp->words(p)[kKey]));
+    });
+  }
+  return names;
+}
+
+void visitNative(BobInterp* interp, BobValue object, size_t first, size_t count, const BobVisitMember& visit) {
+  const BobLocal kept(interp->locals, object);
+  const std::vector<std::string> names = nativeNames(interp, object);
+  const size_t end = first + std::min(count, names.size() - std::min(first, names.size()));
+  for (size_t n = first; n < end; ++n) {
+    BobLocal value(interp->locals, kBobNil);
+    std::string error;
+    const bool read = bobTryAside(interp, &error, [&] {
+      BobValue found = kBobNil;
+      bobGetProperty(interp, kept, bobIntern(interp, names[n]), &found);
+      value.value = found;
+    });
+    visit(names[n], value, read ? "" : "(" + error + ")");
+  }
+}
+
+}  // namespace
+
+std::string bobValueText(BobInterp* interp, BobValue value) { return printed(interp, value, bobPrint); }
+
+std::string bobTypeName(BobInterp* interp, BobValue value) {
+  return interp->record(interp->recordOf(value)->base)->name;
+}
+
+size_t bobMemberCount(BobInterp* interp, BobValue value) {
+  if (isVector(interp, value)) return bobVectorSize(interp, value);
+  if (interp->isObject(value))
+    return bobPropertyCount(interp, value) + (interp->words(value)[kParent] != kBobNil ? 1 : 0);
+  return isNative(interp, value) ? nativeNames(interp, value).size() : 0;
+}
+
+void bobForEachMember(BobInterp* interp, BobValue value, size_t first, size_t count, const BobVisitMember& visit) {
+  if (isNative(interp, value)) return visitNative(interp, value, first, count, visit);
+  if (isVector(interp, value)) {
+    for (size_t i = first; i - first < count && i < bobVectorSize(interp, value); ++i)
+      visit("[" + std::to_string(i) + "]", bobVectorElements(interp, value)[i], "");
+    return;
+  }
+  if (!interp->isObject(value)) return;
+  size_t n = 0;
+  const auto member = [&](const std::string& name, BobValue found) {
+    if (n >= first && n - first < count) visit(name, found, "");
+    ++n;
+  };
+  bobForEachProperty(interp, value, [&](BobValue p) {
+    member(printed(interp, interp->words(p)[kKey], bobDisplay), interp->words(p)[kValue]);
+  });
+  if (interp->words(value)[kParent] != kBobNil) member("parent", interp->words(value)[kParent]);
+}
