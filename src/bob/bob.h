@@ -36,6 +36,7 @@
 #include "bob/run/report.h"
 #include "bob/run/runningcode.h"
 #include "bob/run/source.h"
+#include "bob/run/trace.h"
 #include "bob/tools/codehash.h"
 #include "bob/tools/objectread.h"
 #include "bob/tools/objectwrite.h"

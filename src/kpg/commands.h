@@ -19,4 +19,5 @@ void addRunCommand(CommandLine& line);
 void addEvalCommand(CommandLine& line);
 void addCompileCommand(CommandLine& line);
 void addDecodeCommand(CommandLine& line);
+void addDapCommand(CommandLine& line);
 void addCompletionCommand(CommandLine& line);

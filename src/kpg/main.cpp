@@ -40,6 +40,7 @@ constexpr Command kCommands[] = {
     {"eval", addEvalCommand},
     {"compile", addCompileCommand},
     {"decode", addDecodeCommand},
+    {"dap", addDapCommand},
     {"completion", addCompletionCommand},
 };
 

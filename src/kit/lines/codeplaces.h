@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -17,6 +18,10 @@ class CodePlaces {
   }
 
   bool has(uint64_t hash) const { return known.contains(hash); }
+  size_t size() const { return known.size(); }
+  void forEach(const std::function<void(const BobCodeLines& lines)>& visit) const {
+    for (const auto& [hash, lines] : known) visit(lines);
+  }
   // Of one of the places, which stays where it is; null for code that nobody has added.
   const BobCodeLines* linesOf(uint64_t hash) const;
   // "FILE:LINE", several with "or" between them, or nothing for code that nobody has added.

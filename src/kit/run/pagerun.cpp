@@ -101,6 +101,17 @@ void PageRun::watch(std::unique_ptr<EngineObserver> o) {
   observer = std::move(o);
 }
 
+void PageRun::trace(BobTracer& tracer) {
+  const EngineScope here(desktop.shell.engine);
+  if (BobInterp* interp = scriptInterp()) bobTrace(interp, &tracer);
+}
+
+const BobCodeLines* PageRun::linesOf(BobValue code) {
+  if (!lines) return nullptr;
+  const EngineScope here(desktop.shell.engine);
+  return places.linesOf(scriptInterp(), code, desktop.filesRead());
+}
+
 PagePicture PageRun::take() {
   auto& screen = desktop.shell.screen;
   return {screen.screenWidth, screen.screenHeight, screen.take()};

@@ -60,6 +60,12 @@ class PageRun {
   // Hangs an observer on the engine. The run owns it; what happens at the run's own end it doesn't hear.
   void watch(std::unique_ptr<EngineObserver> observer);
 
+  // Follows the page's scripts from here on; to be called while none of them runs. The tracer must outlive the run.
+  void trace(BobTracer& tracer);
+  // Where code was written; null unless PageRunOptions::lines asks for it and it is known. What is returned stays.
+  const BobCodeLines* linesOf(BobValue code);
+  const CodePlaces& knownCode() const { return places.known(); }
+
   // For whoever looks at the page, or drives it in steps of his own.
   RunDesktop& player() { return desktop; }
   Engine& engine() { return desktop.shell.engine; }

@@ -42,6 +42,12 @@ void ScriptPlaces::readTables(const std::set<fs::path>& read) {
   }
 }
 
+const BobCodeLines* ScriptPlaces::linesOf(BobInterp* interp, BobValue code, const std::set<fs::path>& read) {
+  const uint64_t hash = bobCodeHash(interp, code);
+  if (!places.has(hash)) readTables(read);
+  return places.linesOf(hash);
+}
+
 std::vector<std::string> ScriptPlaces::runningPlaces(BobInterp* interp, const std::set<fs::path>& read) {
   std::vector<std::string> all;
   for (const auto& [code, offset] : bobRunningCode(interp)) {

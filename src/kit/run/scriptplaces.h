@@ -22,6 +22,11 @@ class ScriptPlaces {
   // that were read since are looked for when they are needed.
   std::vector<std::string> runningPlaces(BobInterp* interp, const std::set<std::filesystem::path>& read);
 
+  // Of one of the places where the code was written, or null if that isn't known.
+  const BobCodeLines* linesOf(BobInterp* interp, BobValue code, const std::set<std::filesystem::path>& read);
+  // All code that is known by now.
+  const CodePlaces& known() const { return places; }
+
   // What was wrong with tables.
   const std::vector<KitMessage>& warnings() const { return warned; }
 

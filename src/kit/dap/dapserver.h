@@ -1,0 +1,71 @@
+// A debug adapter: an editor's requests, carried out on a page without a window.
+//
+// An editor launches it with {"program": "menu.yaml", "steps": [{"key": "Down"}, {"wait": 500}], "stopOnEntry": false}.
+// What surprises: one thread does everything. While a script runs, only what can be done in its middle is answered; the
+// rest waits until the page stands or rests.
+#pragma once
+
+#include <deque>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+
+#include "kit/dap/dapconnection.h"
+#include "kit/dap/debuggedpage.h"
+
+class DapServer {
+ public:
+  explicit DapServer(DapConnection& connection);
+  // Until the client disconnects, or goes away.
+  void run();
+
+ private:
+  using json = nlohmann::json;
+  using Handler = json (DapServer::*)(const json& arguments);  // answers the body, or throws KitError
+  struct Request;
+
+  static const Request* find(const std::string& command);
+  void serve(const json& message);
+  void serveAll(std::chrono::milliseconds wait);
+  void serveInMiddle();
+  BobResume standStill(const BobStop& stop);
+  void begin();
+  void live();
+  void event(const std::string& name, json body);
+
+  json initialize(const json& arguments);
+  json launch(const json& arguments);
+  json configurationDone(const json& arguments);
+  json setBreakpoints(const json& arguments);
+  json setExceptionBreakpoints(const json& arguments);
+  json threads(const json& arguments);
+  json stackTrace(const json& arguments);
+  json scopes(const json& arguments);
+  json variables(const json& arguments);
+  json setVariable(const json& arguments);
+  json evaluate(const json& arguments);
+  json goOn(const json& arguments);
+  json next(const json& arguments);
+  json stepIn(const json& arguments);
+  json stepOut(const json& arguments);
+  json pause(const json& arguments);
+  json disconnect(const json& arguments);
+
+  struct Scope {
+    size_t frame;
+    std::vector<BobVariableView> variables;
+  };
+  json variableJson(const BobVariableView& view);
+  json breakpointJson(const WantedBreakpoint& breakpoint) const;
+
+  DapConnection& connection;
+  DebuggedPage page;
+  std::deque<json> waiting;  // requests that can't be done in the middle of a script
+  std::vector<PageAction> steps;
+  std::string program;
+  std::vector<Scope> groups;  // while the page stands: reference n is groups[n - 1]
+  std::optional<BobResume> resume;
+  bool isConfigured = false, isBegun = false, stands = false, hasEnded = false, stopsOnEntry = false;
+  bool linesFromOne = true;
+};
