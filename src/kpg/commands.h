@@ -19,5 +19,6 @@ void addRunCommand(CommandLine& line);
 void addEvalCommand(CommandLine& line);
 void addCompileCommand(CommandLine& line);
 void addDecodeCommand(CommandLine& line);
+void addProfileCommand(CommandLine& line);
 void addDapCommand(CommandLine& line);
 void addCompletionCommand(CommandLine& line);

@@ -40,6 +40,7 @@ constexpr Command kCommands[] = {
     {"eval", addEvalCommand},
     {"compile", addCompileCommand},
     {"decode", addDecodeCommand},
+    {"profile", addProfileCommand},
     {"dap", addDapCommand},
     {"completion", addCompletionCommand},
 };

@@ -17,7 +17,7 @@ PAGE = '''page:
     name: one
     width: 10
     height: 10
-    onSelect: |
+    onClick: |
       count = add(count, 40);
       count.nosuch;
   - type: image
@@ -102,7 +102,9 @@ class Client:
 
     def where(self):
         frames = self.ask('stackTrace', threadId=1)['stackFrames']
-        return [(frame['name'], pathlib.Path(frame['source']['path']).name, frame['line']) for frame in frames]
+        # A line of the console has no source.
+        return [(frame['name'], pathlib.Path(frame.get('source', {}).get('path', '')).name, frame['line'])
+                for frame in frames]
 
     def variables(self, frame=1):
         found = {}

@@ -1,0 +1,69 @@
+// kpg profile: counts what the scripts of a page do, function by function.
+#include <filesystem>
+#include <iostream>
+#include <memory>
+
+#include "bob/bob.h"
+#include "kit/errors.h"
+#include "kit/files.h"
+#include "kit/profile/profilereport.h"
+#include "kit/run/pagerun.h"
+#include "kpg/commands.h"
+#include "kpg/pageactions.h"
+
+namespace {
+
+struct ProfileOptions : PageRunOptions {
+  std::string page, flameGraph, speedscope;
+  std::vector<PageAction> actions;
+};
+
+void write(const std::string& file, const std::string& text, const std::vector<std::string>& inputs) {
+  if (file.empty()) return;
+  refuseClashes({file}, inputs);
+  writeFile(file, text.data(), text.size());
+}
+
+void profile(ProfileOptions options) {
+  refuseClashes({options.flameGraph, options.speedscope}, {options.page});
+  options.lines = true;
+  BobProfiler profiler;
+  PageRun run(options);
+  run.trace(profiler);
+  if (!run.load(options.page, [](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; }))
+    throw KitError(run.log());
+  for (const PageAction& action : options.actions) run.act(action);
+  for (const std::string& complaint : run.complaintsWithPlaces()) std::cerr << complaint;
+  if (!run.stopped().empty()) throw KitError(options.page, run.stopped());
+
+  // Scripts of page sources are called by their places already.
+  const ProfileName nameOf = [&](const BobProfileFunction& function) {
+    const BobCodeLines* lines = run.knownCode().linesOf(function.hash);
+    const std::string place = lines ? lines->file + ":" + std::to_string(lines->starts.front().line) : "";
+    if (function.name.empty()) return place.empty() ? std::string("(statement)") : place;
+    return place.empty() || function.name.find(':') != std::string::npos ? function.name : function.name + " " + place;
+  };
+  const std::string title = std::filesystem::path(options.page).filename().string();
+  write(options.flameGraph, profileFlameGraph(profiler, nameOf, title), run.inputs());
+  write(options.speedscope, profileSpeedscope(profiler, nameOf, title), run.inputs());
+  std::cout << profileTable(profiler, nameOf);
+}
+
+}  // namespace
+
+void addProfileCommand(CommandLine& line) {
+  auto options = std::make_shared<ProfileOptions>();
+  options->limitSeconds = 10;
+  KpgCommand command =
+      line.command("profile", "Open a page, do the actions in order, print what each function of its scripts cost");
+  command.add("page", options->page, "The page, or its source").required().type("PAGE.kpg|PAGE.yaml");
+  command.add("--flame", options->flameGraph, "Where to write a flame graph").type("OUT.svg");
+  command.add("--speedscope", options->speedscope, "Where to write a file for speedscope").type("OUT.json");
+  command
+      .add("--timeout", options->limitSeconds,
+           "End what runs for longer than this processor time after the load or an action; 10 by default, 0 for never")
+      .type("SECONDS")
+      .notNegative();
+  addPageActions(command, std::shared_ptr<std::vector<PageAction>>(options, &options->actions));
+  command.runs([options] { profile(*options); });
+}
