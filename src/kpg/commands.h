@@ -8,6 +8,7 @@ void addBuildCommand(CommandLine& line);
 void addCleanCommand(CommandLine& line);
 void addPackCommand(CommandLine& line);
 void addDumpCommand(CommandLine& line);
+void addTestCommand(CommandLine& line);
 void addTreeCommand(CommandLine& line);
 void addShotCommand(CommandLine& line);
 void addRemoteCommand(CommandLine& line);

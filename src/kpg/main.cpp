@@ -31,6 +31,7 @@ constexpr Command kCommands[] = {
     {"dump", addDumpCommand},
     {"tree", addTreeCommand},
     {"shot", addShotCommand},
+    {"test", addTestCommand},
     {"remote", addRemoteCommand},
     {"clut", addClutCommand},
     {"color", addColorCommand},
