@@ -24,24 +24,16 @@ struct Command {
 
 // In the order in which help lists them.
 constexpr Command kCommands[] = {
-    {"new", addNewCommand},
-    {"build", addBuildCommand},
-    {"clean", addCleanCommand},
-    {"pack", addPackCommand},
-    {"dump", addDumpCommand},
-    {"tree", addTreeCommand},
-    {"shot", addShotCommand},
-    {"test", addTestCommand},
-    {"remote", addRemoteCommand},
-    {"clut", addClutCommand},
-    {"color", addColorCommand},
-    {"font", addFontCommand},
-    {"image", addImageCommand},
-    {"run", addRunCommand},
-    {"eval", addEvalCommand},
-    {"compile", addCompileCommand},
-    {"decode", addDecodeCommand},
-    {"completion", addCompletionCommand},
+    {"new", addNewCommand},       {"build", addBuildCommand},
+    {"clean", addCleanCommand},   {"pack", addPackCommand},
+    {"dump", addDumpCommand},     {"tree", addTreeCommand},
+    {"shot", addShotCommand},     {"film", addFilmCommand},
+    {"test", addTestCommand},     {"diff", addDiffCommand},
+    {"remote", addRemoteCommand}, {"clut", addClutCommand},
+    {"color", addColorCommand},   {"font", addFontCommand},
+    {"image", addImageCommand},   {"run", addRunCommand},
+    {"eval", addEvalCommand},     {"compile", addCompileCommand},
+    {"decode", addDecodeCommand}, {"completion", addCompletionCommand},
 };
 
 // The one that is called, since describing the options of all takes longer than some commands do; all of them for

@@ -3,7 +3,6 @@
 #include <iostream>
 #include <memory>
 
-#include "host/keytable.h"
 #include "kit/errors.h"
 #include "kit/files.h"
 #include "kit/pictures/png.h"
@@ -11,11 +10,11 @@
 #include "kit/run/explain.h"
 #include "kit/run/longtext.h"
 #include "kit/run/pagerun.h"
-#include "kit/run/recording.h"
 #include "kit/run/stdoutaside.h"
 #include "kit/source/pagebuild.h"
 #include "kit/source/pagecut.h"
 #include "kpg/commands.h"
+#include "kpg/pageactions.h"
 #include "kpg/projectbuild.h"
 
 namespace {
@@ -167,18 +166,6 @@ void addShotCommand(CommandLine& line) {
       .type("SECONDS")
       .notNegative();
 
-  const auto addAction = [&](const char* name, PageAction::Kind kind, const char* help, const char* type) {
-    const auto take = [options, kind](const std::string& argument) { options->actions.push_back({kind, argument}); };
-    return command.each(name, take, help).type(type).group("Actions");
-  };
-  addAction("--key", PageAction::key,
-            "Press Up Down Left Right Select Clear Backspace UpLeft UpRight DownLeft DownRight 0..9 or S", "NAME")
-      .oneOf(keyNames(), "key");
-  addAction("--wait", PageAction::wait, "Let MS milliseconds pass", "MS").between(0, kLongestWait);
-  addAction("--eval", PageAction::eval, "Type TEXT at the console and press Enter", "TEXT");
-  const auto play = [options](const std::string& file) {
-    for (PageAction& action : readRecording(file).actions) options->actions.push_back(std::move(action));
-  };
-  command.each("--play", play, "Do the steps of a recording").type("RECORDING.yaml").group("Actions");
+  addPageActions(command, [options](const PageAction& action) { options->actions.push_back(action); });
   command.runs([options] { shoot(*options); });
 }

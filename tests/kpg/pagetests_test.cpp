@@ -240,6 +240,8 @@ TEST_F(PageTestsTest, TheReportShowsPicturesAndWhatIsMarkupIsText) {
   EXPECT_EQ(difference.pixels[15 * 720 + 125], 0xFFE01030);
   EXPECT_NE(difference.pixels[15 * 720 + 135], 0xFFE01030);
 
+  EXPECT_NE(text("report/kpg-test-0004.png").find("acTL"), std::string::npos);  // the film
+
   // The next report takes its place, pictures and all; another file doesn't.
   EXPECT_EQ(runSteps("- screen: s.png\n", "--html report"), 0);
   EXPECT_FALSE(fs::exists("report/kpg-test-0001.png"));

@@ -149,7 +149,7 @@ class SuiteRun {
 
   const SuiteOptions& options;
   const std::vector<SuiteItem> items;
-  TestPages pages;
+  PreparedPages pages;
   ExpectedPictures pictures;
   std::atomic<size_t> next = 0;
 

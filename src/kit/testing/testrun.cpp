@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "kit/diff/picturediff.h"
+#include "kit/film/filmfiles.h"
 #include "kit/pictures/png.h"
 #include "kit/run/longtext.h"
 #include "kit/suggest.h"
@@ -22,6 +23,18 @@ std::string pngOf(const Picture& picture) {
   const std::vector<uint8_t> bytes = encodePng(int(picture.width), int(picture.height), picture.pixels);
   return {bytes.begin(), bytes.end()};
 }
+
+// A film of what was done, or of its beginning, which every viewer can hold.
+class ShortFilm : public AnimatedPng {
+ public:
+  void show(const Picture& picture, uint64_t milliseconds) override {
+    if (++pictures <= kMostPictures) AnimatedPng::show(picture, milliseconds);
+  }
+
+ private:
+  static constexpr size_t kMostPictures = 200;
+  size_t pictures = 0;
+};
 
 // The part of the rectangle that is on the screen.
 Bounds clipped(const Bounds& b, const Picture& screen) {
@@ -193,7 +206,21 @@ class TestRunner {
   }
 
   void finish() {
-    if (report.result.outcome != TestOutcome::passed) report.result.log = page.run.logWithPlaces();
+    if (report.result.outcome == TestOutcome::passed) return;
+    report.result.log = page.run.logWithPlaces();
+    if (around.options.films && page.run.stopped().empty()) report.result.film = film();
+  }
+
+  // The test once more, without what it expects.
+  std::string film() const {
+    constexpr size_t kMostActions = 5000;
+    PageRun again(runOptions(around.options));
+    if (report.result.outcome == TestOutcome::error || !around.pages.open(again, test.page)) return {};
+    ShortFilm pictures;
+    Film film(again, pictures, {});
+    for (size_t i = 0; i < page.history.size() && i < kMostActions; ++i) film.act(page.history[i]);
+    film.finish();
+    return pictures.bytes();
   }
 
   // ---- what is wrong

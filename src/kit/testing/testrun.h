@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <vector>
 
+#include "kit/run/preparedpages.h"
 #include "kit/testing/expectedpictures.h"
 #include "kit/testing/testfile.h"
-#include "kit/testing/testpages.h"
 #include "kit/testing/testresult.h"
 
 struct TestRunOptions {
@@ -18,7 +18,7 @@ struct TestRunOptions {
 
 // What tests on several threads share.
 struct TestSurroundings {
-  const TestPages& pages;
+  const PreparedPages& pages;
   ExpectedPictures& pictures;
   const TestRunOptions& options;
 };

@@ -1,4 +1,4 @@
-#include "kit/testing/testpages.h"
+#include "kit/run/preparedpages.h"
 
 #include <cerrno>
 #include <cstring>
@@ -27,7 +27,7 @@ std::string builtByProject(const std::string& source, const KitWarn& warn) {
 
 }  // namespace
 
-void TestPages::prepare(const std::string& page) {
+void PreparedPages::prepare(const std::string& page) {
   if (pages.contains(page)) return;
   Prepared& prepared = pages[page];
   try {
@@ -37,7 +37,7 @@ void TestPages::prepare(const std::string& page) {
   }
 }
 
-TestPages::Prepared TestPages::make(const std::string& page) const {
+PreparedPages::Prepared PreparedPages::make(const std::string& page) const {
   std::error_code error;
   if (!fs::is_regular_file(page, error)) throw KitError(page, std::strerror(ENOENT));
   if (!isPageSource(page)) return {page, nullptr, {}};
@@ -48,7 +48,7 @@ TestPages::Prepared TestPages::make(const std::string& page) const {
   return {page, std::make_shared<BuiltPage>(compilePage(page, warn, options)), {}};
 }
 
-bool TestPages::open(PageRun& run, const std::string& page) const {
+bool PreparedPages::open(PageRun& run, const std::string& page) const {
   const Prepared& prepared = pages.at(page);
   if (!prepared.errors.empty()) throw KitError(prepared.errors);
   return prepared.built ? run.load(page, *prepared.built) : run.load(prepared.path);

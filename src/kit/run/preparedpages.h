@@ -1,4 +1,4 @@
-// The pages that tests open, made ready once for all tests.
+// Pages that are made ready once for all runs that open them.
 //
 // A page of a project is built, with what it shows, as far as that is due; any other source is compiled in memory. What
 // comes of it is only read, on any number of threads.
@@ -13,11 +13,11 @@
 #include "kit/run/pagerun.h"
 #include "kit/source/pagebuild.h"
 
-class TestPages {
+class PreparedPages {
  public:
-  explicit TestPages(const KitWarn& w) : warn(w) {}
+  explicit PreparedPages(const KitWarn& w) : warn(w) {}
 
-  // On one thread, before the tests run. What is wrong with the page is kept for those that open it.
+  // On one thread, before anything runs. What is wrong with the page is kept for those that open it.
   void prepare(const std::string& page);
 
   // Opens a page that was prepared. False when the player doesn't load it; KitError when it can't be built.

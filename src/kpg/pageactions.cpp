@@ -1,0 +1,27 @@
+#include "kpg/pageactions.h"
+
+#include "host/keytable.h"
+#include "kit/run/recording.h"
+
+void addPageActions(KpgCommand& command, const std::function<void(const PageAction&)>& take) {
+  const auto addAction = [&](const char* name, PageAction::Kind kind, const char* help, const char* type) {
+    return command
+        .each(
+            name,
+            [take, kind](const std::string& argument) {
+              take({kind, argument});
+            },
+            help)
+        .type(type)
+        .group("Actions");
+  };
+  addAction("--key", PageAction::key,
+            "Press Up Down Left Right Select Clear Backspace UpLeft UpRight DownLeft DownRight 0..9 or S", "NAME")
+      .oneOf(keyNames(), "key");
+  addAction("--wait", PageAction::wait, "Let MS milliseconds pass", "MS").between(0, kLongestWait);
+  addAction("--eval", PageAction::eval, "Type TEXT at the console and press Enter", "TEXT");
+  const auto play = [take](const std::string& file) {
+    for (const PageAction& action : readRecording(file).actions) take(action);
+  };
+  command.each("--play", play, "Do the steps of a recording").type("RECORDING.yaml").group("Actions");
+}
