@@ -199,6 +199,9 @@ int CommandLine::run(int argc, char** argv) {
               << "\n"
               << program << " " << command->name << " --help lists its options\n";
     return 1;
+  } catch (const CommandFailure& e) {
+    if (*e.what()) std::cerr << e.what() << "\n";
+    return e.status;
   } catch (const std::exception& e) {
     if (*e.what()) std::cerr << e.what() << "\n";
     return 1;

@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,13 @@ namespace CLI {
 class App;
 class Option;
 }  // namespace CLI
+
+// Ends a command with that exit status, and the text on the error stream, if there is one.
+struct CommandFailure : std::runtime_error {
+  CommandFailure(int s, const std::string& text) : std::runtime_error(text), status(s) {}
+
+  int status;
+};
 
 // A word or an option of a command.
 class KpgOption {
@@ -79,7 +87,8 @@ class CommandLine {
   KpgCommand command(const char* name, const char* about);
   std::vector<CommandSummary> summaries() const;
 
-  // Parses, runs the command and prints what went wrong; returns the exit status, 0 or 1.
+  // Parses, runs the command and prints what went wrong; returns the exit status: 0, 1, or a
+  // CommandFailure's.
   int run(int argc, char** argv);
 
  private:

@@ -23,6 +23,7 @@ struct Command {
 };
 
 // In the order in which help lists them.
+// clang-format off
 constexpr Command kCommands[] = {
     {"new", addNewCommand},
     {"build", addBuildCommand},
@@ -31,6 +32,9 @@ constexpr Command kCommands[] = {
     {"dump", addDumpCommand},
     {"tree", addTreeCommand},
     {"shot", addShotCommand},
+    {"film", addFilmCommand},
+    {"test", addTestCommand},
+    {"diff", addDiffCommand},
     {"remote", addRemoteCommand},
     {"clut", addClutCommand},
     {"color", addColorCommand},
@@ -44,6 +48,7 @@ constexpr Command kCommands[] = {
     {"dap", addDapCommand},
     {"completion", addCompletionCommand},
 };
+// clang-format on
 
 // The one that is called, since describing the options of all takes longer than some commands do; all of them for
 // help, for a name that none has, and for the completion, which knows every option.

@@ -64,6 +64,6 @@ void addProfileCommand(CommandLine& line) {
            "End what runs for longer than this processor time after the load or an action; 10 by default, 0 for never")
       .type("SECONDS")
       .notNegative();
-  addPageActions(command, std::shared_ptr<std::vector<PageAction>>(options, &options->actions));
+  addPageActions(command, [options](const PageAction& action) { options->actions.push_back(action); });
   command.runs([options] { profile(*options); });
 }

@@ -166,7 +166,6 @@ void addShotCommand(CommandLine& line) {
       .type("SECONDS")
       .notNegative();
 
-  const std::shared_ptr<std::vector<PageAction>> actions(options, &options->actions);
-  addPageActions(command, actions);
+  addPageActions(command, [options](const PageAction& action) { options->actions.push_back(action); });
   command.runs([options] { shoot(*options); });
 }

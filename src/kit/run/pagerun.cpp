@@ -3,7 +3,6 @@
 #include <filesystem>
 
 #include "gfx/text/hsgscalercontextt2k.h"
-#include "kit/source/pagebuild.h"
 
 namespace fs = std::filesystem;
 
@@ -17,37 +16,42 @@ PageRun::PageRun(const PageRunOptions& options) : lines(options.lines), desktop(
 PageRun::~PageRun() { desktop.shell.engine.observer = nullptr; }
 
 bool PageRun::load(const std::string& path, const KitWarn& warn) {
-  const std::string page = fs::absolute(isPageSource(path) ? compile(path, warn) : path).string();
+  return isPageSource(path) ? load(path, compile(path, warn)) : loadFile(path);
+}
+
+bool PageRun::loadFile(const std::string& page) {
   desktop.beginActivity();
-  if (!desktop.shell.loadPage(page)) return false;
+  if (!desktop.shell.loadPage(fs::absolute(page).string())) return false;
   desktop.settle();
   return true;
 }
 
-// The name that the page would have if it were built beside its source.
-std::string PageRun::compile(const std::string& source, const KitWarn& warn) {
+BuiltPage PageRun::compile(const std::string& source, const KitWarn& warn) {
   PageSourceOptions options;
   options.lines = lines;
-  BuiltPage built;
   try {
-    built = compilePage(source, warn, options);
+    return compilePage(source, warn, options);
   } catch (const BuildError& e) {
     sources = e.inputs;
     throw;
   }
+}
+
+// Under the name that the page would have if it were built beside its source.
+bool PageRun::load(const std::string& source, const BuiltPage& built) {
   places.add(built.lines);
   const auto keep = [&](const fs::path& path, std::string bytes) {
     desktop.shell.filesInMemory[fs::absolute(path).lexically_normal()] = std::move(bytes);
   };
   const fs::path page = fs::path(source).replace_extension(".kpg");
   keep(page, {built.bytes.begin(), built.bytes.end()});
-  for (ScriptFile& script : built.scriptFiles) {
+  for (const ScriptFile& script : built.scriptFiles) {
     places.add(script.lines);
-    keep(page.parent_path() / script.name, std::move(script.bytes));
+    keep(page.parent_path() / script.name, {script.bytes.begin(), script.bytes.end()});
   }
-  sources = std::move(built.sources);
-  pagePlaces[fs::absolute(page).lexically_normal().string()] = std::move(built.places);
-  return page.string();
+  sources = built.sources;
+  pagePlaces[fs::absolute(page).lexically_normal().string()] = built.places;
+  return loadFile(page.string());
 }
 
 const PagePlaces* PageRun::placesOf(const std::string& page) const {

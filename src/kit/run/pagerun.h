@@ -14,7 +14,7 @@
 #include "kit/errors.h"
 #include "kit/run/pageaction.h"
 #include "kit/run/rundesktop.h"
-#include "kit/source/pagewriter.h"
+#include "kit/source/pagebuild.h"
 
 struct PagePicture {
   int width, height;
@@ -36,6 +36,8 @@ class PageRun {
   // Loads the page, or compiles the page source (.yaml or .yml) and loads that, and draws it; false when it can't be
   // loaded, which the log explains. Throws KitError for a source with errors.
   bool load(const std::string& path, const KitWarn& warn = {});
+  // The same for a source that has been compiled, for many runs of one page.
+  bool load(const std::string& source, const BuiltPage& built);
   // Does nothing once the run has been ended.
   void act(const PageAction& action);
 
@@ -77,7 +79,8 @@ class PageRun {
   PagePicture take();
 
  private:
-  std::string compile(const std::string& source, const KitWarn& warn);
+  BuiltPage compile(const std::string& source, const KitWarn& warn);
+  bool loadFile(const std::string& page);
 
   ScriptPlaces places;
   const bool lines;

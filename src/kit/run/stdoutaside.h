@@ -13,6 +13,9 @@ class StandardOutputAside {
   StandardOutputAside(const StandardOutputAside&) = delete;
   StandardOutputAside& operator=(const StandardOutputAside&) = delete;
 
+  // Writes to the standard output itself meanwhile. Throws KitError when that fails.
+  void print(const std::string& text) const;
+
   // Restores the standard output and returns what was written meanwhile.
   std::string end();
 

@@ -1,0 +1,37 @@
+// Pages that are made ready once for all runs that open them.
+//
+// A page of a project is built, with what it shows, as far as that is due; any other source is compiled in memory. What
+// comes of it is only read, on any number of threads.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "kit/errors.h"
+#include "kit/run/pagerun.h"
+#include "kit/source/pagebuild.h"
+
+class PreparedPages {
+ public:
+  explicit PreparedPages(const KitWarn& w) : warn(w) {}
+
+  // On one thread, before anything runs. What is wrong with the page is kept for those that open it.
+  void prepare(const std::string& page);
+
+  // Opens a page that was prepared. False when the player doesn't load it; KitError when it can't be built.
+  bool open(PageRun& run, const std::string& page) const;
+
+ private:
+  struct Prepared {
+    std::string path;  // what is loaded
+    std::shared_ptr<const BuiltPage> built;
+    std::vector<KitMessage> errors;
+  };
+
+  Prepared make(const std::string& page) const;
+
+  KitWarn warn;
+  std::map<std::string, Prepared> pages;
+};

@@ -1,0 +1,131 @@
+#include <array>
+
+#include "kit/json.h"
+#include "kit/readjson.h"
+#include "kit/source/base64.h"
+#include "kit/testing/testreport.h"
+
+namespace {
+
+constexpr std::array<const char*, 3> kOutcomes = {"passed", "failed", "error"};  // as TestOutcome has them
+constexpr char kWhat[] = "kpg test", kKind[] = "report";
+
+void writePicture(JsonWriter& json, const ComparedPicture& picture) {
+  json.beginObject();
+  json.string("name", picture.name);
+  json.string("expected", base64Encode(picture.expected));
+  json.string("actual", base64Encode(picture.actual));
+  json.string("difference", base64Encode(picture.difference));
+  json.endObject();
+}
+
+void writeResult(JsonWriter& json, const TestResult& result) {
+  json.beginObject();
+  json.string("file", result.file);
+  json.number("line", result.line);
+  json.string("name", result.name);
+  json.string("page", result.page);
+  json.string("outcome", kOutcomes[size_t(result.outcome)]);
+  json.number("microseconds", int64_t(result.seconds * 1e6));
+  json.beginArray("messages");
+  for (const KitMessage& message : result.messages) {
+    json.beginObject();
+    json.string("file", message.file);
+    json.number("line", message.line);
+    json.string("text", KitMessage{"", 0, message.text, message.uses}.whole());
+    json.endObject();
+  }
+  json.endArray();
+  json.beginArray("steps");
+  for (const std::string& step : result.steps) json.string("", step);
+  json.endArray();
+  json.string("log", result.log);
+  json.beginArray("pictures");
+  for (const ComparedPicture& picture : result.pictures) writePicture(json, picture);
+  json.endArray();
+  json.string("film", base64Encode(result.film));
+  json.endObject();
+}
+
+// Reads values of an object, each of which must be there.
+class ObjectReader {
+ public:
+  ObjectReader(const std::string& f, const JsonValue& v) : file(f), value(v) {}
+
+  const JsonValue& get(const char* key, JsonValue::Kind kind) const {
+    const JsonValue* found = value.find(key);
+    if (!found || found->kind != kind)
+      throw KitError(file, std::string("is no report of kpg test: '") + key + "' is missing");
+    return *found;
+  }
+  std::string text(const char* key) const { return get(key, JsonValue::Kind::text).text; }
+  double number(const char* key) const { return get(key, JsonValue::Kind::number).number; }
+  const std::vector<JsonValue>& array(const char* key) const { return get(key, JsonValue::Kind::array).array; }
+
+  std::string bytes(const char* key) const {
+    const auto decoded = base64Decode(text(key));
+    if (!decoded) throw KitError(file, std::string("is damaged: '") + key + "' is no base64");
+    return *decoded;
+  }
+  int line(const char* key) const {
+    const double n = number(key);
+    return n >= 0 && n < 1e9 ? int(n) : 0;
+  }
+
+ private:
+  const std::string& file;
+  const JsonValue& value;
+};
+
+TestResult readResult(const std::string& file, const JsonValue& value) {
+  const ObjectReader in(file, value);
+  TestResult result;
+  result.file = in.text("file");
+  result.line = in.line("line");
+  result.name = in.text("name");
+  result.page = in.text("page");
+  result.outcome = TestOutcome::error;
+  for (size_t i = 0; i < kOutcomes.size(); ++i)
+    if (in.text("outcome") == kOutcomes[i]) result.outcome = TestOutcome(i);
+  result.seconds = in.number("microseconds") / 1e6;
+  for (const JsonValue& each : in.array("messages")) {
+    const ObjectReader message(file, each);
+    result.messages.push_back({message.text("file"), message.line("line"), message.text("text")});
+  }
+  for (const JsonValue& step : in.array("steps")) result.steps.push_back(step.text);
+  result.log = in.text("log");
+  for (const JsonValue& each : in.array("pictures")) {
+    const ObjectReader picture(file, each);
+    result.pictures.push_back(
+        {picture.text("name"), picture.bytes("expected"), picture.bytes("actual"), picture.bytes("difference")});
+  }
+  result.film = in.bytes("film");
+  return result;
+}
+
+}  // namespace
+
+std::string resultsAsJson(const std::vector<TestResult>& results) {
+  JsonWriter json;
+  json.beginObject();
+  json.string(kKind, kWhat);
+  json.beginArray("tests");
+  for (const TestResult& result : results) writeResult(json, result);
+  json.endArray();
+  json.endObject();
+  return json.text();
+}
+
+std::vector<TestResult> resultsFromJson(const std::string& file, std::string_view text) {
+  JsonValue root;
+  try {
+    root = readJson(text);
+  } catch (const KitError& e) {
+    throw KitError(file, std::string("is no report of kpg test: ") + e.what());
+  }
+  const JsonValue* kind = root.find(kKind);
+  if (!kind || kind->text != kWhat) throw KitError(file, "is no report of kpg test; --json makes one");
+  std::vector<TestResult> results;
+  for (const JsonValue& value : ObjectReader(file, root).array("tests")) results.push_back(readResult(file, value));
+  return results;
+}

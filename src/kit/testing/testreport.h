@@ -1,0 +1,24 @@
+// Results of tests as files: for other kpg's to merge, for build servers, for people.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kit/testing/testresult.h"
+
+// All of it, pictures included.
+std::string resultsAsJson(const std::vector<TestResult>& results);
+
+// Throws KitError, for `file`, for a text that is no such report.
+std::vector<TestResult> resultsFromJson(const std::string& file, std::string_view text);
+
+// A suite for each test file, as build servers read it.
+std::string resultsAsJunit(const std::vector<TestResult>& results);
+
+// index.html and what it shows, into the folder, which is made; what an earlier report has left there goes. Throws
+// KitError when something else lies in the way.
+void writeHtmlReport(const std::string& folder, const std::vector<TestResult>& results);
+
+// For HTML and XML: no markup, and nothing that they can't have.
+std::string markupText(std::string_view text);

@@ -1,0 +1,90 @@
+// kpg film: opens a page without a window, does what a user would do, and saves all that the window would show.
+#include <filesystem>
+#include <iostream>
+#include <memory>
+
+#include "kit/errors.h"
+#include "kit/files.h"
+#include "kit/film/filmfiles.h"
+#include "kit/run/preparedpages.h"
+#include "kit/run/stdoutaside.h"
+#include "kpg/commands.h"
+#include "kpg/pageactions.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct FilmCommandOptions : PageRunOptions {
+  std::string page, output;
+  size_t pace = FilmOptions().pace, last = FilmOptions().last;
+  std::vector<PageAction> actions;
+};
+
+void play(const FilmCommandOptions& options, FilmSink& sink) {
+  StandardOutputAside aside;
+  PreparedPages pages([](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; });
+  pages.prepare(options.page);
+  PageRun run(options);
+  if (!pages.open(run, options.page)) {
+    std::string why;
+    for (const std::string_view complaint : run.complaints()) why.append(complaint);
+    while (why.ends_with('\n')) why.pop_back();
+    throw KitError(why.empty() ? options.page + ": the player doesn't load it" : why);
+  }
+  refuseClashes({options.output}, run.inputs());
+  Film film(run, sink, {uint32_t(options.pace), uint32_t(options.last)});
+  for (const PageAction& action : options.actions) film.act(action);
+  if (!run.stopped().empty()) throw KitError(options.page, run.stopped());
+  film.finish();
+}
+
+template <class Sink>
+void playIntoFile(const FilmCommandOptions& options) {
+  Sink sink;
+  play(options, sink);
+  writeFile(options.output, sink.bytes().data(), sink.bytes().size());
+}
+
+void film(const FilmCommandOptions& options) {
+  const std::string kind = fs::path(options.output).extension().string();
+  if (kind == ".gif") return playIntoFile<GifAnimation>(options);
+  if (kind == ".png" || kind == ".apng" || isStandardOutput(options.output)) return playIntoFile<AnimatedPng>(options);
+  if (!kind.empty()) KpgCommand::refuse("--out: a film is a .gif, an animated .png or a folder");
+  FilmFolder sink(options.output);
+  play(options, sink);
+}
+
+}  // namespace
+
+void addFilmCommand(CommandLine& line) {
+  auto options = std::make_shared<FilmCommandOptions>();
+  options->limitSeconds = 10;
+  KpgCommand command =
+      line.command("film", "Open a page or a page source, do the actions in order, save all that the screen showed");
+  command
+      .add("page", options->page,
+           "The page, or its source: a page of a project is built, any other is compiled in memory")
+      .required()
+      .type("PAGE.kpg|PAGE.yaml");
+  command
+      .add("-o,--out", options->output,
+           "What to write: an animated GIF or PNG, or a folder for numbered pictures; - for a PNG on the standard "
+           "output")
+      .required()
+      .type("OUT.gif|OUT.png|FOLDER");
+  command.add("--pace", options->pace, "Stay so long on what a key or a line has done; 500 by default")
+      .between(0, 60000)
+      .type("MS");
+  command.add("--last", options->last, "Stay so long on the last picture; 1000 by default")
+      .between(0, 60000)
+      .type("MS");
+  command.flag("--read-only", options->readOnly, "Let no script write a file");
+  command
+      .add("--timeout", options->limitSeconds,
+           "End what runs for longer than this processor time after the load or an action; 10 by default, 0 for never")
+      .type("SECONDS")
+      .notNegative();
+  addPageActions(command, [options](const PageAction& action) { options->actions.push_back(action); });
+  command.runs([options] { film(*options); });
+}
