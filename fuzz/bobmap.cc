@@ -7,7 +7,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const BobMap map = parseBobMap("f.bobmap", {reinterpret_cast<const char*>(data), size});
     CodePlaces places;
     places.add(map.codes);
-    for (const CodeLines& code : map.codes)
+    for (const BobCodeLines& code : map.codes)
       if (places.placeOf(code.hash, 7).empty()) __builtin_trap();
     const BobMap again = parseBobMap("f.bobmap", bobMapText("f.bobmap", map));
     for (size_t i = 0; i < map.codes.size(); ++i) {
