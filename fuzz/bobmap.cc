@@ -11,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
       if (places.placeOf(code.hash, 7).empty()) __builtin_trap();
     const BobMap again = parseBobMap("f.bobmap", bobMapText("f.bobmap", map));
     for (size_t i = 0; i < map.codes.size(); ++i) {
-      CodeLines code = again.codes.at(i);
+      BobCodeLines code = again.codes.at(i);
       code.file = map.codes[i].file;  // a path that leads out of the root is another then
       if (code != map.codes[i]) __builtin_trap();
     }

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "bob/debug/debugger.h"
+#include "bob/bob.h"
 
 struct WantedBreakpoint {
   int number = 0;        // for as long as the client has it

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "bob/debug/debugger.h"
+#include "bob/bob.h"
 #include "kit/dap/breakpointplaces.h"
 #include "kit/run/pagerun.h"
 

@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "bob/debug/profiler.h"
+#include "bob/bob.h"
 
 // How a function is called: its name, its place, or both.
 using ProfileName = std::function<std::string(const BobProfileFunction& function)>;
