@@ -36,6 +36,10 @@ class Desktop {
   // The system itself has written this message, not a script; its last byte is on the console now.
   virtual void systemMessage(std::string_view) {}
 
+  // The bytes of a file that is made when it is asked for, by its full name, in the place of one on the disk; null for
+  // others. They must last until the next call.
+  virtual const std::string* fileMade(const std::filesystem::path&) { return nullptr; }
+
   // A file of the disk has been opened for reading.
   virtual void fileOpened(const std::filesystem::path&) {}
 

@@ -132,9 +132,11 @@ fs::path resolve(const fs::path& path) {
 
 // The bytes of a file in memory, found by the same rules as one of the disk; null when there is none.
 const std::string* findInMemory(const fs::path& name) {
-  const Shell* shell = currentShell();
-  if (!shell || shell->filesInMemory.empty()) return nullptr;
+  Shell* shell = currentShell();
+  if (!shell) return nullptr;
   const fs::path path = fs::absolute(shell->folder / name).lexically_normal();
+  if (const std::string* made = shell->desktop.fileMade(path)) return made;
+  if (shell->filesInMemory.empty()) return nullptr;
   if (const auto file = shell->filesInMemory.find(path); file != shell->filesInMemory.end()) return &file->second;
   if (isRegular(path)) return nullptr;
   for (const auto& [known, bytes] : shell->filesInMemory)

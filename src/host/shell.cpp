@@ -55,9 +55,12 @@ void Shell::command(Command command) {
 bool Shell::loadPage(const std::string& path) {
   const EngineScope here(engine);
   std::error_code ignored;  // a folder that isn't there leaves the present one; the load then says what it misses
-  const auto parent = std::filesystem::path(path).parent_path();
-  const auto next = std::filesystem::absolute(folder / parent, ignored);
-  if (!parent.empty() && std::filesystem::is_directory(next, ignored)) folder = next;
+  const std::filesystem::path file = path;
+  const auto next = std::filesystem::absolute(folder / file.parent_path(), ignored);
+  const auto isThere = [&] {
+    return std::filesystem::is_directory(next, ignored) || desktop.fileMade(next / file.filename());
+  };
+  if (file.has_parent_path() && isThere()) folder = next;
   return engine.topFrame && frameLoad(engine.topFrame, path.c_str()) != 0;
 }
 

@@ -164,7 +164,9 @@ TEST_F(InspectorTest, PagesInsideHaveTheirSources) {
   EXPECT_EQ(linesOf("far").at("width").from, "far.yaml:4");
   EXPECT_EQ(linesOf("far").at("width").editBy, EditBy::number);
 
-  write("near.yaml", "# Newer.\npage:\n  type: group\n  children:\n    - name: near\n      width: 4\n");
+  write("near.yaml", "# Other.\npage:\n  type: group\n  children:\n    - name: near\n      width: 4\n");
+  const auto builtAt = std::filesystem::last_write_time(at("near.kpg"));
+  std::filesystem::last_write_time(at("near.yaml"), builtAt - std::chrono::seconds(5));
   open(page);
   EXPECT_EQ(linesOf("near").at("width").from, "the page");
   EXPECT_EQ(linesOf("near").at("width").value, "3");

@@ -17,8 +17,9 @@ std::vector<uint32_t> parseClut(const std::vector<uint8_t>& bytes) {
   return colors;
 }
 
-std::vector<uint32_t> readClutFile(const std::string& path) {
-  const std::vector<uint8_t> bytes = readFile(path);
+std::vector<uint32_t> readClutFile(const std::string& path) { return readClut(path, readFile(path)); }
+
+std::vector<uint32_t> readClut(const std::string& path, const std::vector<uint8_t>& bytes) {
   std::string kind = describePictureFile(bytes);
   if (kind.empty() && isPng(bytes)) kind = "a PNG picture";
   if (!kind.empty() && !isKitClut(bytes)) throw KitError(path, "is " + kind + ", no colour table");

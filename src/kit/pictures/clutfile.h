@@ -15,6 +15,7 @@ inline constexpr size_t kMostChosenColors = kMaxClutColors - 3;
 
 // Colours 0xYYRRBB00 in the order of their indices, as the player takes them. Throws KitError.
 std::vector<uint32_t> readClutFile(const std::string& path);
+std::vector<uint32_t> readClut(const std::string& path, const std::vector<uint8_t>& bytes);  // of that file
 std::vector<uint32_t> parseClut(const std::vector<uint8_t>& bytes);
 std::vector<uint8_t> clutBytes(const std::vector<uint32_t>& colors);
 void writeClutFile(const std::string& path, const std::vector<uint32_t>& colors);

@@ -4,7 +4,6 @@
 
 #include "engine/images/imagecache.h"
 #include "kit/errors.h"
-#include "kit/files.h"
 #include "kit/pictures/dither.h"
 #include "kit/pictures/enginecolors.h"
 #include "kit/pictures/kpxfile.h"
@@ -24,9 +23,12 @@ void checkMemory(const std::string& path, const Picture& picture, const std::str
                            " for all pictures");
 }
 
-std::vector<uint32_t> tableOf(const PictureOptions& options, const std::vector<uint32_t>& pixels) {
+using ReadTable = std::function<std::vector<uint8_t>(const std::string& path)>;
+
+std::vector<uint32_t> tableOf(const PictureOptions& options, const std::vector<uint32_t>& pixels,
+                              const ReadTable& readTable) {
   if (options.clut.empty()) return makeClut(pixels, options.most);
-  std::vector<uint32_t> table = readClutFile(options.clut);
+  std::vector<uint32_t> table = readClut(options.clut, readTable(options.clut));
   if (table.empty()) throw KitError(options.clut, "there is no colour in it");
   return table;
 }
@@ -50,7 +52,8 @@ std::vector<uint8_t> indicesOf(const std::vector<uint32_t>& pixels, uint32_t wid
 
 }  // namespace
 
-ConvertedPicture pictureForPlayer(const std::string& input, const std::string& output, const PictureOptions& options) {
+ConvertedPicture pictureForPlayer(const std::string& input, const std::string& output, const PictureOptions& options,
+                                  const ReadTable& readTable) {
   const Picture picture = readPicture(input);
   checkMemory(input, picture, output);
   const std::string clut = options.clut.empty() ? ownClutName(output) : options.clut;
@@ -58,7 +61,7 @@ ConvertedPicture pictureForPlayer(const std::string& input, const std::string& o
   if (clutName.size() > UINT8_MAX) throw KitError(clutName, "this name is too long for a picture to hold");
 
   const std::vector<uint32_t> pixels = toEngineColors(picture, options.background);
-  const std::vector<uint32_t> table = tableOf(options, pixels);
+  const std::vector<uint32_t> table = tableOf(options, pixels, readTable);
   ConvertedPicture converted;
   converted.kpx =
       kpxBytes({picture.width, picture.height, clutName, indicesOf(pixels, picture.width, table, options.dither)});

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "kit/files.h"
 #include "kit/pictures/clutfile.h"
 
 struct PictureOptions {
@@ -20,8 +22,10 @@ struct ConvertedPicture {
   std::vector<uint8_t> kpx, ownClut;  // no table when the options have one
 };
 
-// `output` is the file that the picture is for. Throws KitError.
-ConvertedPicture pictureForPlayer(const std::string& input, const std::string& output, const PictureOptions& options);
+// `output` is the file that the picture is for; `readTable` reads the table that the options name. Throws KitError.
+ConvertedPicture pictureForPlayer(
+    const std::string& input, const std::string& output, const PictureOptions& options,
+    const std::function<std::vector<uint8_t>(const std::string& path)>& readTable = readFile);
 
 // The file of the table that a picture gets for itself.
 std::string ownClutName(const std::string& output);

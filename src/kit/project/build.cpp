@@ -187,7 +187,7 @@ class ProjectBuild {
   void runOne(const BuildStep& step, Outcome* outcome) try {
     const auto old = before.steps.find(step.name);
     if (!options.all && old != before.steps.end() && isCurrent(step, old->second)) return keep(step.name, old->second);
-    StepResult result = step.run([&](const KitMessage& warning) { outcome->warnings.push_back(warning); });
+    StepResult result = step.run([&](const KitMessage& warning) { outcome->warnings.push_back(warning); }, readFile);
     for (FileUse& use : result.uses) nameForManifest(project, &use.at);
     StepRecord record{step.options, {}, {}, std::move(result.uses), kitVersion()};
     for (const std::string& input : result.inputs)

@@ -92,7 +92,7 @@ class Planner {
     BuildStep step{"table " + table.name.text, table.name.place, {}, {}, {table.name.text}, {}, {}};
     if (table.standard) {
       step.options = "standard";
-      step.run = [name = table.name.text](const KitWarn&) {
+      step.run = [name = table.name.text](const KitWarn&, const ReadBuilt&) {
         const auto colors = standardClut();
         return StepResult{{{name, clutBytes({colors.begin(), colors.end()})}}, {}, {}};
       };
@@ -112,7 +112,7 @@ class Planner {
     if (pictures.empty() && table.pictures.empty())
       fail(table.name.place, "no picture uses the table " + table.name.text + ", so it has no colours");
     step.inputs = pictures;
-    step.run = [name = table.name.text, pictures, most = table.most](const KitWarn&) {
+    step.run = [name = table.name.text, pictures, most = table.most](const KitWarn&, const ReadBuilt&) {
       return StepResult{{{name, clutBytes(clutOfPictures(pictures, most))}}, pictures, {}};
     };
     add(std::move(step));
@@ -158,8 +158,9 @@ class Planner {
                    std::to_string(options.most) + ", background " +
                    (options.background ? std::to_string(*options.background) : "none") +
                    (options.dither ? ", dithered" : "");
-    step.run = [input = project.pathOf(picture.file.text), output, clut, options](const KitWarn&) {
-      ConvertedPicture made = pictureForPlayer(input, output, options);
+    step.run = [input = project.pathOf(picture.file.text), output, clut, options](const KitWarn&,
+                                                                                  const ReadBuilt& readBuilt) {
+      ConvertedPicture made = pictureForPlayer(input, output, options, readBuilt);
       StepResult result{{{output, std::move(made.kpx)}}, {input}, {}};
       if (options.clut.empty()) {
         result.outputs.push_back({clut, std::move(made.ownClut)});
@@ -190,7 +191,7 @@ class Planner {
                                : isOwn          ? outputName(font.font.text)
                                                 : fs::path(file).filename().string();
     BuildStep step{"font " + font.font.text, font.font.place, isOwn ? "" : file, {file}, {output}, {}, {}};
-    step.run = [file, output](const KitWarn&) {
+    step.run = [file, output](const KitWarn&, const ReadBuilt&) {
       const FontReport report = reportFont(file);
       if (!report.problem.empty()) throw KitError(file, report.problem);
       return StepResult{{{output, readFile(file)}}, {file}, {}};
@@ -204,7 +205,8 @@ class Planner {
     const std::string path = project.pathOf(script.text);
     BuildStep step{"script " + script.text, script.place, project.strip ? "stripped" : "", {path}, {output}, {}, {}};
     step.outputs.push_back(bobMapName(output));
-    step.run = [path, output, strip = project.strip, outputs = project.pathOf(project.output)](const KitWarn&) {
+    step.run = [path, output, strip = project.strip, outputs = project.pathOf(project.output)](const KitWarn&,
+                                                                                               const ReadBuilt&) {
       const ScriptFile made = compileScript(path, strip);
       StepResult result{{{output, bytesOf(made.bytes)}}, {path}, {}};
       addLines(&result, outputs, made.lines);
@@ -219,7 +221,8 @@ class Planner {
     const std::string path = project.pathOf(page.text);
     BuildStep step{pageStepName(page.text), page.place, project.strip ? "stripped" : "", {path}, {output}, {}, {}};
     step.outputs.push_back(bobMapName(output));
-    step.run = [path, output, strip = project.strip, outputs = project.pathOf(project.output)](const KitWarn& warn) {
+    step.run = [path, output, strip = project.strip, outputs = project.pathOf(project.output)](const KitWarn& warn,
+                                                                                               const ReadBuilt&) {
       PageSourceOptions options;
       options.strip = strip;
       options.lines = true;
@@ -258,6 +261,8 @@ std::string pageStepName(const std::string& page) { return std::string(kPageStep
 BuildStep copyStep(const Project& project, const ProjectName& file) {
   const std::string output = outputName(file.text), path = project.pathOf(file.text);
   BuildStep step{"file " + file.text, file.place, {}, {path}, {output}, {}, {}};
-  step.run = [path, output](const KitWarn&) { return StepResult{{{output, readFile(path)}}, {path}, {}}; };
+  step.run = [path, output](const KitWarn&, const ReadBuilt&) {
+    return StepResult{{{output, readFile(path)}}, {path}, {}};
+  };
   return step;
 }

@@ -6,17 +6,43 @@
 
 namespace fs = std::filesystem;
 
-PageRun::PageRun(const PageRunOptions& options) : lines(options.lines), desktop(options.limitSeconds) {
+PageRun::PageRun(const PageRunOptions& options)
+    : lines(options.lines), files(options.files), desktop(options.limitSeconds) {
   desktop.shell.engine.scriptsMayWriteFiles = !options.readOnly;
   desktop.start();
   desktop.watchScripts(lines ? &places : nullptr);
   desktop.settle();
+  if (!files) return;
+  desktop.makeFile = [this](const fs::path& path) -> const std::string* {
+    const MadeFile* file = files->find(path);
+    if (!file) return nullptr;
+    if (lines) places.add(file->lines);
+    if (!file->places.empty()) pagePlaces[path.string()] = file->places;
+    return &file->bytes;
+  };
 }
 
 PageRun::~PageRun() { desktop.shell.engine.observer = nullptr; }
 
 bool PageRun::load(const std::string& path, const KitWarn& warn) {
+  if (files) return loadMade(path, warn);
   return isPageSource(path) ? load(path, compile(path, warn)) : loadFile(path);
+}
+
+// A page with errors in it, or in what it shows first, isn't shown as far as it goes.
+bool PageRun::loadMade(const std::string& path, const KitWarn& warn) {
+  const auto throwErrors = [&] {
+    const std::vector<KitMessage> errors = files->errors();
+    if (!errors.empty()) throw BuildError(errors, files->sources());
+  };
+  const std::string page = files->pageOf(path);
+  files->find(page);
+  throwErrors();
+  const bool loaded = loadFile(page);
+  if (warn)
+    for (const KitMessage& warning : files->warnings()) warn(warning);
+  throwErrors();
+  return loaded;
 }
 
 bool PageRun::loadFile(const std::string& page) {
@@ -81,7 +107,7 @@ std::vector<std::string> PageRun::complaintsWithPlaces() const {
 }
 
 std::vector<std::string> PageRun::inputs() const {
-  std::vector<std::string> all = sources;
+  std::vector<std::string> all = sourcesRead();
   for (const fs::path& path : desktop.filesRead()) all.push_back(path.string());
   return all;
 }

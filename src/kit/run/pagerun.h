@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "kit/errors.h"
+#include "kit/run/madefiles.h"
 #include "kit/run/pageaction.h"
 #include "kit/run/rundesktop.h"
 #include "kit/source/pagebuild.h"
@@ -22,10 +23,11 @@ struct PagePicture {
 };
 
 struct PageRunOptions {
-  bool lines = false;       // tracebacks say where their code was written, as " at FILE:LINE"
-  bool readOnly = false;    // every script's attempt to write a file fails
-  double limitSeconds = 0;  // of processor time, for the load, a key, an evaluation or one millisecond of a wait;
-                            // 0 for no limit. What takes longer is ended, and so is the run.
+  bool lines = false;          // tracebacks say where their code was written, as " at FILE:LINE"
+  bool readOnly = false;       // every script's attempt to write a file fails
+  double limitSeconds = 0;     // of processor time, for the load, a key, an evaluation or one millisecond of a wait;
+                               // 0 for no limit. What takes longer is ended, and so is the run.
+  MadeFiles* files = nullptr;  // what makes the page and the files that it names; must outlive the run
 };
 
 class PageRun {
@@ -57,8 +59,8 @@ class PageRun {
 
   // Where the objects of a page that was compiled for this run were written, by the page's full name; null for others.
   const PagePlaces* placesOf(const std::string& page) const;
-  // All that was read for those pages, the source first.
-  const std::vector<std::string>& sourcesRead() const { return sources; }
+  // All that was read for those pages.
+  std::vector<std::string> sourcesRead() const { return files ? files->sources() : sources; }
   // Hangs an observer on the engine. The run owns it; what happens at the run's own end it doesn't hear.
   void watch(std::unique_ptr<EngineObserver> observer);
 
@@ -80,10 +82,12 @@ class PageRun {
 
  private:
   BuiltPage compile(const std::string& source, const KitWarn& warn);
+  bool loadMade(const std::string& path, const KitWarn& warn);
   bool loadFile(const std::string& page);
 
   ScriptPlaces places;
   const bool lines;
+  MadeFiles* const files;
   std::unique_ptr<EngineObserver> observer;
   RunDesktop desktop;
   std::vector<std::string> sources;

@@ -54,8 +54,14 @@ class RunDesktop : public HeadlessDesktop {
   // may use the engine, but to look at it.
   std::function<void()> whileBusy;
 
+  // Makes a file that the player asks for by its full name, or returns null; may be empty.
+  std::function<const std::string*(const std::filesystem::path&)> makeFile;
+
   bool breathe() override { return mayGoOn(nullptr); }
   void systemMessage(std::string_view text) override;
+  const std::string* fileMade(const std::filesystem::path& path) override {
+    return makeFile ? makeFile(path) : nullptr;
+  }
   void fileOpened(const std::filesystem::path& path) override { read.insert(path); }
   void fileMissing(const std::filesystem::path& path) override { missing.insert(path); }
 

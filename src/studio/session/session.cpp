@@ -14,12 +14,15 @@ std::string lastLine(std::string text) {
 
 }  // namespace
 
-Session::Session(std::string p, const SessionOptions& o) : page(std::move(p)), options(o) {}
+Session::Session(std::string p, const SessionOptions& o) : page(std::move(p)), options(o), files(page) {}
 
 std::unique_ptr<PageRun> Session::open() {
   problems.clear();
   remarks.clear();
-  auto run = std::make_unique<PageRun>(options);
+  files.begin();
+  PageRunOptions runOptions = options;
+  runOptions.files = &files;
+  auto run = std::make_unique<PageRun>(runOptions);
   if (options.prepare) options.prepare(*run);
   bool loaded = false;
   try {

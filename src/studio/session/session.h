@@ -1,5 +1,6 @@
 // A page in its author's hands: it runs, it is driven, and after each save it is opened anew with what was done so far.
 //
+// The page and what it names are made in memory: nothing has to be built first, and the author's folder stays as it is.
 // Time is virtual: it passes only when somebody lets it pass. Each reload starts a new engine, since pictures, tables
 // and fonts are read once in an engine's life.
 #pragma once
@@ -12,6 +13,7 @@
 #include <vector>
 
 #include "kit/errors.h"
+#include "kit/project/livefiles.h"
 #include "kit/run/pagerun.h"
 #include "kit/run/recording.h"
 #include "studio/session/keptstate.h"
@@ -56,6 +58,7 @@ class Session {
 
   const std::string page;
   const SessionOptions options;
+  LiveFiles files;
   std::unique_ptr<PageRun> current;
   uint64_t timesOpened = 0;
   KeptState opened;  // right after the load
