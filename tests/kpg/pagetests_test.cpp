@@ -144,6 +144,15 @@ TEST_F(PageTestsTest, UpdateWritesThePicturesThatAreMissingOrDiffer) {
   EXPECT_EQ(out, "ok    t.test.yaml: t\nall.png written\n1 test passed\n");
   EXPECT_EQ(runSteps("- screen: x.png\n- {key: Right}\n- key: Select\n- screen: x.png\n", "--update"), 1);
   EXPECT_NE(out.find("another step has this picture with other pixels"), std::string::npos) << out;
+
+  // What is masked in one step is as the other has it.
+  const std::string exact = "- screen: y.png\n", masked = "- {screen: y.png, mask: [b]}\n",
+                    press = "- {key: Right}\n- {key: Select}\n";
+  for (const std::string& two : {exact + press + masked, masked + press + exact}) {
+    fs::remove("y.png");
+    EXPECT_EQ(runSteps(two, "--update"), 0) << out;
+    EXPECT_EQ(runSteps(two), 0) << out;
+  }
 }
 
 TEST_F(PageTestsTest, AScreenThatDiffersIsMeasured) {

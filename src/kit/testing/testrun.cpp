@@ -282,7 +282,7 @@ class TestRunner {
     const PictureDiff diff = expected ? comparePictures(*expected, screen, options) : PictureDiff{};
     if (expected && diff.pixels == 0 && diff.sameSize) return true;
     if (around.options.update) {
-      report.wanted.push_back({step.picture, pngOf(screen), messageAt(current->place, stepText(*current))});
+      report.wanted.push_back({step.picture, pngOf(screen), options, messageAt(current->place, stepText(*current))});
       return true;
     }
     ComparedPicture compared{std::filesystem::path(step.picture).filename().string(), "", pngOf(screen), ""};
