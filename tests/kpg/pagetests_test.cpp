@@ -176,6 +176,17 @@ TEST_F(PageTestsTest, TestsOfAProjectSeeWhatTheProjectMakes) {
   ASSERT_EQ(kpg("build q"), 0) << err;
   ASSERT_EQ(kpg("shot q/build/main.kpg -o shot.png"), 0) << err;
   EXPECT_EQ(text("q/tests/main.png"), text("shot.png"));
+
+  // Pages that a script opens are there, too, and what is wrong with them is said.
+  std::string project = text("q/vistrel.yaml");
+  project.replace(project.find("[main.yaml]"), 11, "[main.yaml, more.yaml, bad.yaml]");
+  writeText("q/vistrel.yaml", project);
+  writeText("q/more.yaml", "page: {type: group, start: here, children: [{name: here}]}\n");
+  writeText("q/bad.yaml", "page: {type: no}\n");
+  writeText("q/tests/more.test.yaml",
+            "page: ../main.yaml\nsteps:\n- eval: topFrame.LoadPage(\"more.kpg\");\n- focus: here\n");
+  EXPECT_EQ(kpg("test q/tests/more.test.yaml"), 0) << out << err;
+  EXPECT_NE(err.find("bad.yaml:1: type of page: 'no' is not one of"), std::string::npos) << err;
   writeText("q/tests/main.test.yaml", "page: ../build/main.kpg\nsteps:\n- screen: main.png\n");
   EXPECT_EQ(kpg("test q"), 0) << out;
 }
