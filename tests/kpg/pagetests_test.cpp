@@ -101,6 +101,8 @@ TEST_F(PageTestsTest, WhatCannotBeRunEndsWithTwoAndNamesTheLine) {
       {"page: p.yaml\n", "a test file has tests, a list, or steps of one test\n"},
       {"page: none.yaml\nsteps: []\n", "none.yaml: No such file or directory\n"},
       {"page: bad.yaml\nsteps: []\n", "bad.yaml:3: type of page: 'txet' is not one of "},
+      {"page: p.yaml\nsteps: [{steps: [{steps: [{key: Up}], repeat: 100000}], repeat: 101}]\n",
+       "the test does more than 10000000 steps\n"},
       {"page: p.yaml\nsteps:\n- play: r.yaml\n", "r.yaml:2: there is no key 'Rigth'; did you mean 'Right'?\n"},
   };
   writeText("bad.yaml", "page:\n  widht: nine\n  type: txet\n");
@@ -239,6 +241,10 @@ TEST_F(ManyPageTests, SharesTogetherAreTheWhole) {
     EXPECT_EQ(count(text("merged.json"), part), count(text("whole.json"), part)) << part;
   EXPECT_EQ(count(text("html/index.html"), "<details open class=\"test failed\""), 3u);
 
+  EXPECT_EQ(kpg("test --merge r1.json r2.json r4.json"), 2);
+  EXPECT_EQ(err, "the report of share 3/4 is missing\n");
+  EXPECT_EQ(kpg("test --merge r1.json r2.json r1.json"), 2);
+  EXPECT_EQ(err, "r1.json: is the same share as r1.json\n");
   EXPECT_EQ(kpg("test --shard 5/4"), 1);
   writeText("other.json", "{\"report\": \"another\"}");
   EXPECT_EQ(kpg("test --merge other.json"), 2);

@@ -89,18 +89,26 @@ class SuiteRun {
       for (size_t i = 1; i < threads; ++i) others.emplace_back([this] { work(); });
       work();
     }
+    if (failure) std::rethrow_exception(failure);
     if (options.update) writePictures();
     return std::move(report);
   }
 
  private:
+  // What can't be passed on, because nobody reads any more, ends the suite.
   void work() {
-    for (size_t i; (i = next++) < items.size();) {
-      TestRunReport done = runItem(items[i]);
+    try {
+      for (size_t i; (i = next++) < items.size();) {
+        TestRunReport done = runItem(items[i]);
+        const std::lock_guard lock(mutex);
+        if (options.progress) options.progress(++finished, items.size(), titleOf(done.result));
+        reports[i] = std::move(done);
+        passOn();
+      }
+    } catch (...) {
+      next = items.size();
       const std::lock_guard lock(mutex);
-      if (options.progress) options.progress(++finished, items.size(), titleOf(done.result));
-      reports[i] = std::move(done);
-      passOn();
+      failure = std::current_exception();
     }
   }
 
@@ -118,7 +126,6 @@ class SuiteRun {
   void passOn() {
     for (; passed < reports.size() && reports[passed]; ++passed) {
       TestRunReport& one = *reports[passed];
-      if (one.result.outcome == TestOutcome::passed) one.result.steps = {};  // nobody looks at them
       if (!options.update && options.done) options.done(one.result);
       for (WantedPicture& picture : one.wanted) want(passed, std::move(picture));
       report.results.push_back(std::move(one.result));
@@ -174,6 +181,7 @@ class SuiteRun {
   std::vector<std::optional<TestRunReport>> reports;
   std::map<std::string, WantedPicture> wanted;
   SuiteReport report;
+  std::exception_ptr failure;
 };
 
 }  // namespace

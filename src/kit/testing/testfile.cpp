@@ -16,6 +16,23 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int64_t kMostRepeats = 1'000'000, kMostKeys = 10'000'000, kMostBytes = 1 << 30;
+constexpr int64_t kMostSteps = 10'000'000;  // that a test does
+
+// Keys, pauses and so on that the steps do in all, or more than there may be.
+int64_t sizeOf(const std::vector<TestStep>& steps) {
+  int64_t all = 0;
+  for (const TestStep& step : steps) {
+    int64_t size = 1;
+    if (const auto* several = std::get_if<RepeatStep>(&step.work)) {
+      const int64_t once = sizeOf(several->steps);
+      size = several->times > 0 && once > kMostSteps / several->times ? kMostSteps + 1 : once * several->times;
+    } else if (const auto* walk = std::get_if<WalkStep>(&step.work)) {
+      size = walk->keys;
+    }
+    all = std::min(all + size, kMostSteps + 1);
+  }
+  return all;
+}
 
 // Reads what a map says by its keys: each is known by its name, and what nobody asked for is an error.
 using KeyReader = std::function<void(const YamlPair&)>;
@@ -104,7 +121,7 @@ class TestFileReader {
 
   std::string path(const YamlNode& node) {
     const std::string name = text(node, "the name of a file");
-    return name.empty() ? name : (folder / name).string();
+    return name.empty() ? name : (folder / name).lexically_normal().string();
   }
 
   int64_t number(const YamlNode& node, int64_t least, int64_t most) {
@@ -158,6 +175,8 @@ class TestFileReader {
   void add(PageTestCase test, TestFile& result) {
     if (test.name.empty()) fail(test.place, "a test has a name");
     if (test.page.empty()) fail(test.place, "the test has no page; name it here, or for all tests of the file");
+    if (sizeOf(test.steps) > kMostSteps)
+      fail(test.place, "the test does more than " + std::to_string(kMostSteps) + " steps");
     const auto same = std::find_if(result.tests.begin(), result.tests.end(),
                                    [&](const PageTestCase& other) { return other.name == test.name; });
     if (same != result.tests.end())

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <deque>
 #include <filesystem>
 
 #include "kit/diff/picturediff.h"
@@ -60,11 +61,14 @@ class TestRunner {
   void run() {
     try {
       if (!around.pages.open(page.run, test.page)) return failToLoad();
-      if (!look(test.place, "as the page loads") || !runSteps(test.steps)) return finish();
+      if (!look() || !runSteps(test.steps)) return finish();
       if (pending) fail(pending->place, pending->text);
     } catch (const KitError& e) {
       report.result.outcome = TestOutcome::error;
       report.result.messages = e.messages;
+    } catch (const std::exception& e) {  // no memory left, say
+      report.result.outcome = TestOutcome::error;
+      report.result.messages = {messageAt(place(), e.what())};
     }
     finish();
   }
@@ -173,27 +177,24 @@ class TestRunner {
   }
 
   bool runStep(const TestStep& step) {
+    constexpr size_t kMostSteps = 1000;  // more in a report help nobody
     current = &step;
-    if (!std::holds_alternative<RepeatStep>(step.work)) note(step);
-    return std::visit(*this, step.work) && look(step.place, stepText(step));
-  }
-
-  // A report of a million steps helps nobody.
-  void note(const TestStep& step) {
-    constexpr size_t kMostSteps = 2000;
-    std::vector<std::string>& steps = report.result.steps;
-    if (steps.size() == kMostSteps) steps.erase(steps.begin());
-    steps.push_back(stepText(step));
+    if (!std::holds_alternative<RepeatStep>(step.work)) done.push_back(&step);
+    if (done.size() > kMostSteps) done.pop_front();
+    return std::visit(*this, step.work) && look();
   }
 
   // Whether the page may go on. A complaint waits for the next log step, which may expect it.
-  bool look(const YamlPlace& place, const std::string& step) {
-    if (!page.run.stopped().empty()) return fail(place, step + ": " + page.run.stopped());
+  bool look() {
+    if (!page.run.stopped().empty()) return wrong(page.run.stopped());
     const std::vector<std::string> complaints = page.newComplaints();
     if (test.strict && !complaints.empty() && !pending)
-      pending = {place, step + ": " + trimmedEnd(cutInTheMiddle(complaints.front()))};
+      pending = {place(), step() + trimmedEnd(cutInTheMiddle(complaints.front()))};
     return true;
   }
+
+  YamlPlace place() const { return current ? current->place : test.place; }
+  std::string step() const { return (current ? stepText(*current) : "as the page loads") + ": "; }
 
   void failToLoad() {
     std::string why;
@@ -205,6 +206,7 @@ class TestRunner {
   void finish() {
     if (report.result.outcome == TestOutcome::passed) return;
     report.result.log = page.run.logWithPlaces();
+    for (const TestStep* each : done) report.result.steps.push_back(stepText(*each));
     if (around.options.films && page.run.stopped().empty()) report.result.film = film();
   }
 
@@ -228,7 +230,7 @@ class TestRunner {
     return false;
   }
 
-  bool wrong(const std::string& text) { return fail(current->place, stepText(*current) + ": " + text); }
+  bool wrong(const std::string& text) { return fail(place(), step() + text); }
 
   static std::string shownLines(const std::vector<std::string>& lines) {
     constexpr size_t kMost = 20;
@@ -294,8 +296,9 @@ class TestRunner {
   const TestSurroundings& around;
   TestRunReport& report;
   TestedPage page;
-  const TestStep* current = nullptr;
-  std::optional<Pending> pending;  // the first complaint that no log step has seen
+  const TestStep* current = nullptr;  // null while the page loads
+  std::deque<const TestStep*> done;   // the last of those that were begun
+  std::optional<Pending> pending;     // the first complaint that no log step has seen
 };
 
 }  // namespace
