@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <iterator>
 #include <map>
 
@@ -30,7 +31,7 @@ void writeResult(JsonWriter& json, const TestResult& result) {
   json.string("name", result.name);
   json.string("page", result.page);
   json.string("outcome", kOutcomes[size_t(result.outcome)]);
-  json.number("microseconds", int64_t(result.seconds * 1e6));
+  json.number("microseconds", std::llround(result.seconds * 1e6));
   json.beginArray("messages");
   for (const KitMessage& message : result.messages) {
     json.beginObject();
@@ -71,10 +72,10 @@ class ObjectReader {
     if (!decoded) throw KitError(file, std::string("is damaged: '") + key + "' is no base64");
     return *decoded;
   }
-  int whole(const char* key) const {
+  double whole(const char* key, double most = 1e9) const {
     const double n = number(key);
-    if (!(n >= 0 && n < 1e9)) throw KitError(file, std::string("is damaged: '") + key + "' is no such number");
-    return int(n);
+    if (!(n >= 0 && n <= most)) throw KitError(file, std::string("is damaged: '") + key + "' is no such number");
+    return std::floor(n);
   }
 
  private:
@@ -86,16 +87,16 @@ TestResult readResult(const std::string& file, const JsonValue& value) {
   const ObjectReader in(file, value);
   TestResult result;
   result.file = in.text("file");
-  result.line = in.whole("line");
+  result.line = int(in.whole("line"));
   result.name = in.text("name");
   result.page = in.text("page");
   result.outcome = TestOutcome::error;
   for (size_t i = 0; i < kOutcomes.size(); ++i)
     if (in.text("outcome") == kOutcomes[i]) result.outcome = TestOutcome(i);
-  result.seconds = in.number("microseconds") / 1e6;
+  result.seconds = in.whole("microseconds", 1e15) / 1e6;
   for (const JsonValue& each : in.array("messages")) {
     const ObjectReader message(file, each);
-    result.messages.push_back({message.text("file"), message.whole("line"), message.text("text")});
+    result.messages.push_back({message.text("file"), int(message.whole("line")), message.text("text")});
   }
   for (const JsonValue& step : in.array("steps")) result.steps.push_back(step.text);
   result.log = in.text("log");
