@@ -70,6 +70,8 @@ TEST_F(PageTestsTest, EachExpectationHoldsOrSaysWhatThereIs) {
       {"- memory: {heap: 10}\n", "memory: {heap: 10}: the heap has "},
       // A complaint fails a test where it happened, unless a log step has looked at it.
       {"- key: Right\n- key: Up\n- focus: b\n", "t.test.yaml:4: key: Up: Error: Unbound variable - nosuch"},
+      {"- key: Right\n- key: Up\n- focus: a\n",
+       "Happened in p.yaml:19 b.onUp at p.yaml:19\nt.test.yaml:5: focus: a: it is on b\n"},
       {"- key: Right\n- key: Up\n- log: {contains: nosuch}\n", ""},
       // Steps repeat together, the ones inside with their own numbers.
       {"- eval: n = 0;\n- repeat: 3\n  steps:\n  - eval: n = n + 1;\n    repeat: 2\n- {value: n, "

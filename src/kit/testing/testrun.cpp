@@ -62,7 +62,7 @@ class TestRunner {
     try {
       if (!around.pages.open(page.run, test.page)) return failToLoad();
       if (!look() || !runSteps(test.steps)) return finish();
-      if (pending) fail(pending->place, pending->text);
+      if (pending) failAsPending();
     } catch (const KitError& e) {
       report.result.outcome = TestOutcome::error;
       report.result.messages = e.messages;
@@ -224,7 +224,15 @@ class TestRunner {
 
   // ---- what is wrong
 
+  void failAsPending() {
+    const Pending complaint = *pending;
+    pending.reset();
+    fail(complaint.place, complaint.text);
+  }
+
+  // A complaint that came before is often why.
   bool fail(const YamlPlace& place, const std::string& text) {
+    if (pending) failAsPending();
     report.result.outcome = TestOutcome::failed;
     report.result.messages.push_back(messageAt(place, text));
     return false;
