@@ -287,6 +287,8 @@ TEST_F(PageTestsTest, AWalkFindsFaultsAndTheFewestKeysThatShowThem) {
   const std::string first = out;
   runSteps("- walk: {keys: 300}\n");
   EXPECT_EQ(out, first);
+  EXPECT_EQ(runSteps("- walk: {keys: 300, among: [DownRight, Up]}\n"), 1);
+  EXPECT_NE(out.find("; the fewest that do it: Right, Up\n"), std::string::npos) << out;
   EXPECT_EQ(runSteps("- {key: Right}\n- walk: {keys: 300, among: [Up, Select]}\n", "--seed 7"), 1);
   EXPECT_NE(out.find(" keys with seed 7; the fewest that do it: Up\n"), std::string::npos) << out;
   EXPECT_EQ(runSteps("- walk: {keys: 300, among: [Left, Right, Down, Select]}\n"), 1);
