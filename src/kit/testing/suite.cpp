@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 
 struct SuiteItem {
   std::string file;
-  std::optional<PageTestCase> test;  // nothing for a file that is no good
+  std::optional<PageTestCase> test;  // nothing for a file with errors
   std::vector<KitMessage> messages;  // what is wrong with it
 };
 
