@@ -24,8 +24,8 @@ std::vector<TestResult> mergeReports(const std::vector<std::string>& files);
 // A suite for each test file, as build servers read it.
 std::string resultsAsJunit(const std::vector<TestResult>& results);
 
-// index.html and what it shows, into the folder, which is made; what an earlier report has left there goes. Throws
-// KitError when something else lies in the way.
+// index.html and what it shows, into the folder, which is made. It replaces a report that is there, once it is whole.
+// Throws KitError when something else lies in the way.
 void writeHtmlReport(const std::string& folder, const std::vector<TestResult>& results);
 
 // For HTML and XML: no markup, and nothing that they can't have.
