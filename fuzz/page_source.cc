@@ -1,5 +1,6 @@
-// Page sources: what builds is dumped, and has an outline.
+// Page sources: what builds is dumped, has an outline, and doesn't differ from itself.
 #include "folder.h"
+#include "kit/diff/pagediff.h"
 #include "kit/errors.h"
 #include "kit/source/pagebuild.h"
 #include "kit/source/pagedump.h"
@@ -12,6 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const BuiltPage built = compilePage("p.yaml");
     outlineJson(outlinePage("p.yaml", built.bytes, built.places));
     dumpPage("p.kpg", built.bytes);
+    if (!pageDifferences("p.yaml", "p.yaml").empty()) __builtin_trap();
   } catch (const KitError&) {
   }
   return 0;

@@ -1,7 +1,6 @@
 // kpg test: runs the tests of pages, and reports what became of them.
 #include <unistd.h>
 
-#include <algorithm>
 #include <iostream>
 #include <memory>
 
@@ -58,23 +57,14 @@ std::vector<TestResult> runTests(TestOptions& options) {
   return std::move(report.results);
 }
 
-std::vector<TestResult> mergedReports(const std::vector<std::string>& files) {
-  std::vector<TestResult> all;
-  for (const std::string& file : files) {
-    const std::vector<uint8_t> bytes = readFile(file);
-    for (TestResult& result : resultsFromJson(file, {reinterpret_cast<const char*>(bytes.data()), bytes.size()})) {
-      if (result.outcome != TestOutcome::passed) std::cout << resultText(result);
-      all.push_back(std::move(result));
-    }
-  }
-  const auto before = [](const TestResult& a, const TestResult& b) { return a.file < b.file; };
-  std::stable_sort(all.begin(), all.end(), before);
+std::vector<TestResult> merged(const std::vector<std::string>& files) {
+  std::vector<TestResult> all = mergeReports(files);
+  for (const TestResult& result : all)
+    if (result.outcome != TestOutcome::passed) std::cout << resultText(result);
   return all;
 }
 
-void save(const std::string& file, const std::string& text) {
-  if (!file.empty()) writeFile(file, text.data(), text.size());
-}
+void save(const std::string& file, const std::string& text) { writeFile(file, text.data(), text.size()); }
 
 void test(TestOptions options) {
   if (!options.shard.empty()) readShard(options.shard, options.suite);
@@ -84,12 +74,12 @@ void test(TestOptions options) {
   if (options.merge && options.suite.paths.empty()) KpgCommand::refuse("--merge needs reports, as --json makes them");
   std::vector<TestResult> results;
   try {
-    results = options.merge ? mergedReports(options.suite.paths) : runTests(options);
+    results = options.merge ? merged(options.suite.paths) : runTests(options);
   } catch (const KitError& e) {
     throw CommandFailure(2, e.what());
   }
-  save(options.json, resultsAsJson(results));
-  save(options.junit, resultsAsJunit(results));
+  if (!options.json.empty()) save(options.json, reportAsJson({results, options.suite.shard, options.suite.shards}));
+  if (!options.junit.empty()) save(options.junit, resultsAsJunit(results));
   if (!options.html.empty()) writeHtmlReport(options.html, results);
   const SuiteCount count = countOf(results);
   if (results.empty()) throw CommandFailure(2, "there is no such test");

@@ -80,6 +80,7 @@ def failures(guide, root, build, fonts, folder):
         if done.returncode:
             yield f'docs/authoring.md: {command}: {(done.stderr or done.stdout).decode(errors="replace").strip()}'
 
+    shutil.copytree(root / 'docs/outputs/pagetest', folder, dirs_exist_ok=True)
     yield from fails('kpg clut --standard -o standard.clut')
     for language, text in blocks(guide):
         if language == 'bob':
@@ -91,7 +92,7 @@ def failures(guide, root, build, fonts, folder):
         elif not language:
             for line in text.split('\n'):
                 command = line.split('  ')[0]
-                if command.startswith('kpg ') and not re.search(r'\b[A-Z]{2}', command):
+                if command.startswith('kpg ') and not re.search(r'\b[A-Z]{2}|\w\|\w', command):
                     yield from fails(command)
 
 
@@ -105,6 +106,9 @@ def outputs(guide, root, build, fonts):
             command = (example / 'command').read_text().strip()
             answer = subprocess.run(f'PATH={build}/src/kpg:$PATH; {command}', shell=True, cwd=folder, text=True,
                                     stdout=subprocess.PIPE, stderr=subprocess.STDOUT).stdout
+        for test in example.glob('*.test.yaml'):
+            if example.name != 'failedtest' and ('yaml', test.read_text()) not in blocks(guide):
+                yield f'{test}: docs/authoring.md does not show it'
         if not answer or answer not in shown:
             yield f'docs/outputs/{example.name}: {command} answers what docs/authoring.md does not show:\n{answer}'
 

@@ -184,12 +184,24 @@ TEST_F(FilmTest, LongTimesAreKept) {
   }
 }
 
+TEST_F(FilmTest, AGifShowsTheEndHoweverShort) {
+  ASSERT_EQ(kpg("film p.yaml --last 0 --pace 0 -o f.gif"), 0) << err;
+  ASSERT_EQ(kpg("film p.yaml -o f"), 0) << err;
+  EXPECT_EQ(readGif("f.gif").back().pixels, readFolder("f").back().pixels);
+  ASSERT_EQ(kpg("film p.yaml --key Select --wait 42 --last 0 -o f.gif"), 0) << err;
+  ASSERT_EQ(kpg("film p.yaml --key Select --wait 42 -o f"), 0) << err;
+  EXPECT_EQ(readGif("f.gif").back().pixels, readFolder("f").back().pixels);
+}
+
 TEST_F(FilmTest, AFolderIsOnlyTakenWhenItHasAFilm) {
   fs::create_directory("d");
   ASSERT_EQ(kpg("film p.yaml --key Select --wait 100 -o d"), 0) << err;
   EXPECT_TRUE(fs::exists("d/0002.png"));
   ASSERT_EQ(kpg("film p.yaml -o d"), 0) << err;
   EXPECT_FALSE(fs::exists("d/0002.png"));
+  EXPECT_EQ(kpg("film none.yaml -o d"), 1);
+  EXPECT_TRUE(fs::exists("d/0001.png"));
+  EXPECT_EQ(std::distance(fs::directory_iterator("d"), {}), 2);
   writeText("d/0007.txt", "precious");
   EXPECT_EQ(kpg("film p.yaml -o d"), 1);
   EXPECT_EQ(err, "d: has something else than a film in it; name another folder\n");

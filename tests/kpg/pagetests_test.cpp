@@ -50,16 +50,16 @@ TEST_F(PageTestsTest, EachExpectationHoldsOrSaysWhatThereIs) {
   };
   const Case cases[] = {
       {"- focus: a\n", ""},
-      {"- focus: b\n", "t.test.yaml:3: focus: b: the focus is on a, and should be on b\n"},
-      {"- focus: none\n", "the focus is on a, and should be on nothing"},
+      {"- focus: b\n", "t.test.yaml:3: focus: b: it is on a\n"},
+      {"- focus: none\n", "focus: none: it is on a"},
       {"- {focus: bb}\n", "the page has no widget 'bb'"},
       {"- key: Right\n- focus: b\n- {key: Left, repeat: 2}\n- focus: a\n", ""},
       {"- {text: a, is: hello}\n- {text: a, contains: [el, lo]}\n", ""},
-      {"- {text: a, is: Hello}\n", "the text of a is 'hello', and should be 'Hello'"},
-      {"- {text: a, contains: x}\n", "the text of a is 'hello', and should have 'x' in it"},
+      {"- {text: a, is: Hello}\n", "text: a, is: Hello: it is 'hello'"},
+      {"- {text: a, contains: x}\n", "text: a, contains: [x]: it is 'hello'"},
       {"- {value: 1 + 2, is: 3}\n- {value: \"widgets.b.x;\", is: 100}\n- log: none\n", ""},
-      {"- {value: 1 + 2, is: 4}\n", "the value of 1 + 2 is '3', and should be '4'"},
-      {"- {value: nosuch, is: 4}\n", "'nosuch' has no value:\n  Error: Unbound variable - nosuch"},
+      {"- {value: 1 + 2, is: 4}\n", "value: 1 + 2, is: 4: it is '3'"},
+      {"- {value: nosuch, is: 4}\n", "it has no value:\n  Error: Unbound variable - nosuch"},
       {"- eval: 'stdout.Display(\"one\\ntwo\\n\");'\n- log: [one, two, \"--> 8\"]\n",
        "has no '--> 8' there; it was:\n  one"},
       {"- eval: 'stdout.Display(\"one\\n\");'\n- log: {contains: [on], lacks: two}\n- log: none\n", ""},
@@ -67,9 +67,11 @@ TEST_F(PageTestsTest, EachExpectationHoldsOrSaysWhatThereIs) {
       {"- log: {contains: one}\n", "no line of the log has 'one'; nothing was logged"},
       {"- eval: 'stdout.Display(\"one\\n\");'\n- log: none\n", "something was logged; it was:\n  one"},
       {"- memory: {heap: 102400, cache: 0}\n", ""},
-      {"- memory: {heap: 10}\n", "bytes in use, and should have 10 at most"},
+      {"- memory: {heap: 10}\n", "memory: {heap: 10}: the heap has "},
       // A complaint fails a test where it happened, unless a log step has looked at it.
       {"- key: Right\n- key: Up\n- focus: b\n", "t.test.yaml:4: key: Up: Error: Unbound variable - nosuch"},
+      {"- key: Right\n- key: Up\n- focus: a\n",
+       "Happened in p.yaml:19 b.onUp at p.yaml:19\nt.test.yaml:5: focus: a: it is on b\n"},
       {"- key: Right\n- key: Up\n- log: {contains: nosuch}\n", ""},
       // Steps repeat together, the ones inside with their own numbers.
       {"- eval: n = 0;\n- repeat: 3\n  steps:\n  - eval: n = n + 1;\n    repeat: 2\n- {value: n, "
@@ -101,6 +103,8 @@ TEST_F(PageTestsTest, WhatCannotBeRunEndsWithTwoAndNamesTheLine) {
       {"page: p.yaml\n", "a test file has tests, a list, or steps of one test\n"},
       {"page: none.yaml\nsteps: []\n", "none.yaml: No such file or directory\n"},
       {"page: bad.yaml\nsteps: []\n", "bad.yaml:3: type of page: 'txet' is not one of "},
+      {"page: p.yaml\nsteps: [{steps: [{steps: [{key: Up}], repeat: 100000}], repeat: 101}]\n",
+       "the test does more than 10000000 steps\n"},
       {"page: p.yaml\nsteps:\n- play: r.yaml\n", "r.yaml:2: there is no key 'Rigth'; did you mean 'Right'?\n"},
   };
   writeText("bad.yaml", "page:\n  widht: nine\n  type: txet\n");
@@ -144,6 +148,15 @@ TEST_F(PageTestsTest, UpdateWritesThePicturesThatAreMissingOrDiffer) {
   EXPECT_EQ(out, "ok    t.test.yaml: t\nall.png written\n1 test passed\n");
   EXPECT_EQ(runSteps("- screen: x.png\n- {key: Right}\n- key: Select\n- screen: x.png\n", "--update"), 1);
   EXPECT_NE(out.find("another step has this picture with other pixels"), std::string::npos) << out;
+
+  // What is masked in one step is as the other has it.
+  const std::string exact = "- screen: y.png\n", masked = "- {screen: y.png, mask: [b]}\n",
+                    press = "- {key: Right}\n- {key: Select}\n";
+  for (const std::string& two : {exact + press + masked, masked + press + exact}) {
+    fs::remove("y.png");
+    EXPECT_EQ(runSteps(two, "--update"), 0) << out;
+    EXPECT_EQ(runSteps(two), 0) << out;
+  }
 }
 
 TEST_F(PageTestsTest, AScreenThatDiffersIsMeasured) {
@@ -167,6 +180,17 @@ TEST_F(PageTestsTest, TestsOfAProjectSeeWhatTheProjectMakes) {
   ASSERT_EQ(kpg("build q"), 0) << err;
   ASSERT_EQ(kpg("shot q/build/main.kpg -o shot.png"), 0) << err;
   EXPECT_EQ(text("q/tests/main.png"), text("shot.png"));
+
+  // Pages that a script opens are there, too, and what is wrong with them is said.
+  std::string project = text("q/vistrel.yaml");
+  project.replace(project.find("[main.yaml]"), 11, "[main.yaml, more.yaml, bad.yaml]");
+  writeText("q/vistrel.yaml", project);
+  writeText("q/more.yaml", "page: {type: group, start: here, children: [{name: here}]}\n");
+  writeText("q/bad.yaml", "page: {type: no}\n");
+  writeText("q/tests/more.test.yaml",
+            "page: ../main.yaml\nsteps:\n- eval: topFrame.LoadPage(\"more.kpg\");\n- focus: here\n");
+  EXPECT_EQ(kpg("test q/tests/more.test.yaml"), 0) << out << err;
+  EXPECT_NE(err.find("bad.yaml:1: type of page: 'no' is not one of"), std::string::npos) << err;
   writeText("q/tests/main.test.yaml", "page: ../build/main.kpg\nsteps:\n- screen: main.png\n");
   EXPECT_EQ(kpg("test q"), 0) << out;
 }
@@ -213,12 +237,16 @@ TEST_F(ManyPageTests, SharesTogetherAreTheWhole) {
   }
   EXPECT_EQ(kpg("test --merge --json merged.json --junit merged.xml --html html" + reports), 1);
   EXPECT_NE(out.find("\n18 tests passed, 3 failed\n"), std::string::npos) << out;
-  for (const char* line : {"n0", "n4", "the focus is on b, and should be on a"})
+  for (const char* line : {"n0", "n4", "focus: a: it is on b"})
     EXPECT_EQ(count(text("merged.xml"), line), count(text("whole.xml"), line)) << line;
-  for (const char* part : {"\"passed\"", "\"failed\"", "the focus is on b"})
+  for (const char* part : {"\"passed\"", "\"failed\"", "it is on b"})
     EXPECT_EQ(count(text("merged.json"), part), count(text("whole.json"), part)) << part;
   EXPECT_EQ(count(text("html/index.html"), "<details open class=\"test failed\""), 3u);
 
+  EXPECT_EQ(kpg("test --merge r1.json r2.json r4.json"), 2);
+  EXPECT_EQ(err, "the report of share 3/4 is missing\n");
+  EXPECT_EQ(kpg("test --merge r1.json r2.json r1.json"), 2);
+  EXPECT_EQ(err, "r1.json: is the same share as r1.json\n");
   EXPECT_EQ(kpg("test --shard 5/4"), 1);
   writeText("other.json", "{\"report\": \"another\"}");
   EXPECT_EQ(kpg("test --merge other.json"), 2);
@@ -259,6 +287,8 @@ TEST_F(PageTestsTest, AWalkFindsFaultsAndTheFewestKeysThatShowThem) {
   const std::string first = out;
   runSteps("- walk: {keys: 300}\n");
   EXPECT_EQ(out, first);
+  EXPECT_EQ(runSteps("- walk: {keys: 300, among: [DownRight, Up]}\n"), 1);
+  EXPECT_NE(out.find("; the fewest that do it: Right, Up\n"), std::string::npos) << out;
   EXPECT_EQ(runSteps("- {key: Right}\n- walk: {keys: 300, among: [Up, Select]}\n", "--seed 7"), 1);
   EXPECT_NE(out.find(" keys with seed 7; the fewest that do it: Up\n"), std::string::npos) << out;
   EXPECT_EQ(runSteps("- walk: {keys: 300, among: [Left, Right, Down, Select]}\n"), 1);

@@ -3,9 +3,12 @@
 // Colours are exact in all three. GIF counts hundredths of a second; the others keep milliseconds.
 #pragma once
 
+#include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
+#include "kit/files.h"
 #include "kit/film/film.h"
 
 // A GIF has 256 colours a picture, so one with more is put together from several, each with a table of its own and
@@ -26,6 +29,7 @@ class GifAnimation : public FilmSink {
   std::string file;
   std::unique_ptr<Encoder> encoder;
   Picture shown;         // as far as it has been emitted
+  Picture skipped;       // a last picture whose time was too short; without a size when there is none
   uint64_t elapsed = 0;  // milliseconds
 };
 
@@ -44,8 +48,8 @@ class AnimatedPng : public FilmSink {
   uint32_t count = 0, sequence = 0;
 };
 
-// 0001.png and so on in a folder, which is made, and frames.json with the time of each. A film that is there goes;
-// KitError for a folder with anything else in it.
+// 0001.png and so on in a folder, which is made, and frames.json with the time of each. A film that is there is
+// replaced in the end; KitError for a folder with anything else in it.
 class FilmFolder : public FilmSink {
  public:
   explicit FilmFolder(const std::string& folder);
@@ -59,4 +63,6 @@ class FilmFolder : public FilmSink {
     uint64_t begin, milliseconds;
   };
   std::vector<Frame> frames;
+  std::vector<std::filesystem::path> old;  // files of the film that is there
+  OutputFiles files;
 };

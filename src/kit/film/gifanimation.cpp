@@ -110,12 +110,12 @@ GifAnimation::~GifAnimation() = default;
 void GifAnimation::show(const Picture& picture, uint64_t milliseconds) {
   const auto hundredths = [](uint64_t ms) { return (ms + 5) / 10; };
   const uint64_t begin = hundredths(elapsed), end = hundredths(elapsed += milliseconds);
-  if (end == begin) return;  // nobody would see it
-  if (shown.width == 0) encoder->begin(picture);
-  emit(picture, end - begin);
+  skipped = end == begin ? picture : Picture{};
+  if (end > begin) emit(picture, end - begin);
 }
 
 void GifAnimation::emit(const Picture& picture, uint64_t left) {
+  if (shown.width == 0) encoder->begin(picture);
   Bounds area = changedArea(shown, picture);
   if (area.w == 0) area = {0, 0, 1, 1};  // what was between had no time
   std::vector<Bounds> pieces;
@@ -129,4 +129,8 @@ void GifAnimation::emit(const Picture& picture, uint64_t left) {
   shown = picture;
 }
 
-void GifAnimation::finish() { encoder->close(); }
+// The last picture shows how it ended, however short it was.
+void GifAnimation::finish() {
+  if (skipped.width > 0) emit(skipped, 1);
+  encoder->close();
+}

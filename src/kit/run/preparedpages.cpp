@@ -8,25 +8,6 @@
 
 namespace fs = std::filesystem;
 
-namespace {
-
-// The page that the project around the source makes of it; empty if there is no such project.
-std::string builtByProject(const std::string& source, const KitWarn& warn) {
-  const std::string file = findProject(fs::path(source).parent_path().string());
-  if (file.empty()) return {};
-  const Project project = readProject(file);
-  BuildOptions options;
-  options.page = pageOfProject(project, source);
-  if (options.page.empty()) return {};
-  options.warn = warn;
-  buildProject(project, options);
-  for (const BuildStep& step : planProject(project).steps)
-    if (step.name == pageStepName(options.page)) return outputPath(project, step.outputs.front());
-  return {};
-}
-
-}  // namespace
-
 void PreparedPages::prepare(const std::string& page) {
   if (pages.contains(page)) return;
   Prepared& prepared = pages[page];
@@ -37,15 +18,38 @@ void PreparedPages::prepare(const std::string& page) {
   }
 }
 
-PreparedPages::Prepared PreparedPages::make(const std::string& page) const {
+PreparedPages::Prepared PreparedPages::make(const std::string& page) {
   std::error_code error;
   if (!fs::is_regular_file(page, error)) throw KitError(page, std::strerror(ENOENT));
   if (!isPageSource(page)) return {page, nullptr, {}};
-  const std::string built = builtByProject(page, warn);
+  const std::string built = builtByProject(page);
   if (!built.empty()) return {built, nullptr, {}};
   PageSourceOptions options;
   options.lines = true;
   return {page, std::make_shared<BuiltPage>(compilePage(page, warn, options)), {}};
+}
+
+// What the project around the source makes of it; empty if that has no such page. All of the project is built, since
+// scripts open other pages; what is wrong with those is said, and no more.
+std::string PreparedPages::builtByProject(const std::string& source) {
+  const std::string file = findProject(fs::path(source).parent_path().string());
+  if (file.empty()) return {};
+  const Project project = readProject(file);
+  BuildOptions options;
+  options.page = pageOfProject(project, source);
+  if (options.page.empty()) return {};
+  BuildOptions whole;
+  whole.warn = warn;
+  if (projects.insert(file).second) try {
+      buildProject(project, whole);
+    } catch (const KitError& e) {
+      for (const KitMessage& message : e.messages)
+        if (warn) warn(message);
+    }
+  buildProject(project, options);
+  for (const BuildStep& step : planProject(project).steps)
+    if (step.name == pageStepName(options.page)) return outputPath(project, step.outputs.front());
+  return {};
 }
 
 bool PreparedPages::open(PageRun& run, const std::string& page) const {

@@ -1,11 +1,12 @@
 // Pages that are made ready once for all runs that open them.
 //
-// A page of a project is built, with what it shows, as far as that is due; any other source is compiled in memory. What
+// The project of a page is built, as far as that is due; any other source is compiled in memory. What
 // comes of it is only read, on any number of threads.
 #pragma once
 
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -30,8 +31,10 @@ class PreparedPages {
     std::vector<KitMessage> errors;
   };
 
-  Prepared make(const std::string& page) const;
+  Prepared make(const std::string& page);
+  std::string builtByProject(const std::string& source);
 
   KitWarn warn;
   std::map<std::string, Prepared> pages;
+  std::set<std::string> projects;  // their files; those that have been built
 };

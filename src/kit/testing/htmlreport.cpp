@@ -1,5 +1,6 @@
 #include <cstdio>
 #include <filesystem>
+#include <set>
 
 #include "kit/files.h"
 #include "kit/testing/htmltemplate.h"
@@ -33,6 +34,8 @@ class HtmlReport {
     for (const TestResult& result : results) add(result);
     html.append("</main>\n").append(kHtmlReportEnd).append("</html>\n");
     save("index.html", html);
+    files.finish();
+    removeOld();
   }
 
  private:
@@ -41,14 +44,22 @@ class HtmlReport {
     fs::create_directories(folder, error);
     if (error) throw KitError(folder, error.message());
     refuseForeign(path("index.html"), isHtmlReport, "name another folder for the report");
-    for (const auto& entry : fs::directory_iterator(folder))
-      if (entry.path().filename().string().starts_with(kPicturePrefix)) fs::remove(entry.path(), error);
   }
 
   std::string path(const std::string& name) const { return (fs::path(folder) / name).string(); }
 
-  void save(const std::string& name, const std::string& bytes) const {
-    writeFile(path(name), bytes.data(), bytes.size());
+  void save(const std::string& name, const std::string& bytes) {
+    files.add(path(name), bytes.data(), bytes.size());
+    names.insert(name);
+  }
+
+  // Pictures of an earlier report, which none shows any more.
+  void removeOld() const {
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(folder)) {
+      const std::string name = entry.path().filename().string();
+      if (name.starts_with(kPicturePrefix) && !names.contains(name)) fs::remove(entry.path(), error);
+    }
   }
 
   static std::string seconds(double s) {
@@ -119,6 +130,8 @@ class HtmlReport {
   const std::string folder;
   std::string html;
   int pictures = 0;
+  std::set<std::string> names;  // of all files
+  OutputFiles files;
 };
 
 }  // namespace

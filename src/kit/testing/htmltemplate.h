@@ -25,9 +25,9 @@ input[type=search] { font: inherit; padding: 2px 8px; min-width: 220px; }
 .pictures { display: grid; grid-template-columns: repeat(auto-fit, minmax(260px, 1fr)); gap: 14px; margin: 12px 0; }
 figure { margin: 0; }
 figcaption { font-size: 13px; opacity: .75; }
-figure img { width: 100%; image-rendering: pixelated; border: 1px solid var(--line); }
+figure img { width: 100%; max-width: 720px; border: 1px solid var(--line); }
 .slider { position: relative; max-width: 720px; }
-.slider img { display: block; width: 100%; image-rendering: pixelated; }
+.slider img { display: block; width: 100%; }
 .slider .over { position: absolute; top: 0; left: 0; clip-path: inset(0 50% 0 0); }
 .slider input { width: 100%; }
 .steps li.wrong { color: var(--bad); font-weight: 600; }
@@ -50,6 +50,10 @@ bad.addEventListener('change', filter);
 for (const slider of document.querySelectorAll('.slider'))
   slider.querySelector('input').addEventListener('input', event => {
     slider.querySelector('.over').style.clipPath = `inset(0 ${100 - event.target.value}% 0 0)`;
+  });
+for (const picture of document.images)
+  picture.addEventListener('load', () => {
+    if (picture.naturalWidth < picture.clientWidth) picture.style.imageRendering = 'pixelated';
   });
 filter();
 </script>

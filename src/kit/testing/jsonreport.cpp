@@ -1,5 +1,10 @@
+#include <algorithm>
 #include <array>
+#include <cmath>
+#include <iterator>
+#include <map>
 
+#include "kit/files.h"
 #include "kit/json.h"
 #include "kit/readjson.h"
 #include "kit/source/base64.h"
@@ -26,7 +31,7 @@ void writeResult(JsonWriter& json, const TestResult& result) {
   json.string("name", result.name);
   json.string("page", result.page);
   json.string("outcome", kOutcomes[size_t(result.outcome)]);
-  json.number("microseconds", int64_t(result.seconds * 1e6));
+  json.number("microseconds", std::llround(result.seconds * 1e6));
   json.beginArray("messages");
   for (const KitMessage& message : result.messages) {
     json.beginObject();
@@ -67,9 +72,10 @@ class ObjectReader {
     if (!decoded) throw KitError(file, std::string("is damaged: '") + key + "' is no base64");
     return *decoded;
   }
-  int line(const char* key) const {
+  double whole(const char* key, double most = 1e9) const {
     const double n = number(key);
-    return n >= 0 && n < 1e9 ? int(n) : 0;
+    if (!(n >= 0 && n <= most)) throw KitError(file, std::string("is damaged: '") + key + "' is no such number");
+    return std::floor(n);
   }
 
  private:
@@ -81,16 +87,16 @@ TestResult readResult(const std::string& file, const JsonValue& value) {
   const ObjectReader in(file, value);
   TestResult result;
   result.file = in.text("file");
-  result.line = in.line("line");
+  result.line = int(in.whole("line"));
   result.name = in.text("name");
   result.page = in.text("page");
   result.outcome = TestOutcome::error;
   for (size_t i = 0; i < kOutcomes.size(); ++i)
     if (in.text("outcome") == kOutcomes[i]) result.outcome = TestOutcome(i);
-  result.seconds = in.number("microseconds") / 1e6;
+  result.seconds = in.whole("microseconds", 1e15) / 1e6;
   for (const JsonValue& each : in.array("messages")) {
     const ObjectReader message(file, each);
-    result.messages.push_back({message.text("file"), message.line("line"), message.text("text")});
+    result.messages.push_back({message.text("file"), int(message.whole("line")), message.text("text")});
   }
   for (const JsonValue& step : in.array("steps")) result.steps.push_back(step.text);
   result.log = in.text("log");
@@ -105,18 +111,20 @@ TestResult readResult(const std::string& file, const JsonValue& value) {
 
 }  // namespace
 
-std::string resultsAsJson(const std::vector<TestResult>& results) {
+std::string reportAsJson(const TestReport& report) {
   JsonWriter json;
   json.beginObject();
   json.string(kKind, kWhat);
+  json.number("shard", int64_t(report.shard));
+  json.number("shards", int64_t(report.shards));
   json.beginArray("tests");
-  for (const TestResult& result : results) writeResult(json, result);
+  for (const TestResult& result : report.results) writeResult(json, result);
   json.endArray();
   json.endObject();
   return json.text();
 }
 
-std::vector<TestResult> resultsFromJson(const std::string& file, std::string_view text) {
+TestReport reportFromJson(const std::string& file, std::string_view text) {
   JsonValue root;
   try {
     root = readJson(text);
@@ -125,7 +133,33 @@ std::vector<TestResult> resultsFromJson(const std::string& file, std::string_vie
   }
   const JsonValue* kind = root.find(kKind);
   if (!kind || kind->text != kWhat) throw KitError(file, "is no report of kpg test; --json makes one");
-  std::vector<TestResult> results;
-  for (const JsonValue& value : ObjectReader(file, root).array("tests")) results.push_back(readResult(file, value));
-  return results;
+  const ObjectReader in(file, root);
+  TestReport report;
+  report.shard = size_t(in.whole("shard"));
+  report.shards = size_t(in.whole("shards"));
+  for (const JsonValue& value : in.array("tests")) report.results.push_back(readResult(file, value));
+  return report;
+}
+
+std::vector<TestResult> mergeReports(const std::vector<std::string>& files) {
+  std::vector<TestResult> all;
+  std::map<size_t, std::string> shares;  // the files of those that are there
+  size_t shards = 0;
+  for (const std::string& file : files) {
+    const std::vector<uint8_t> bytes = readFile(file);
+    TestReport report = reportFromJson(file, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    if (shards != 0 && report.shards != shards)
+      throw KitError(file, "is one of " + std::to_string(report.shards) + " shares, and " + files.front() + " one of " +
+                               std::to_string(shards));
+    shards = report.shards;
+    const auto [at, isNew] = shares.emplace(report.shard, file);
+    if (!isNew) throw KitError(file, "is the same share as " + at->second);
+    std::move(report.results.begin(), report.results.end(), std::back_inserter(all));
+  }
+  for (size_t shard = 1; shard <= shards; ++shard)
+    if (!shares.contains(shard))
+      throw KitError("the report of share " + std::to_string(shard) + "/" + std::to_string(shards) + " is missing");
+  const auto before = [](const TestResult& a, const TestResult& b) { return a.file < b.file; };
+  std::stable_sort(all.begin(), all.end(), before);
+  return all;
 }

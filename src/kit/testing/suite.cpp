@@ -14,6 +14,7 @@
 #include <thread>
 
 #include "kit/files.h"
+#include "kit/pictures/png.h"
 
 namespace {
 
@@ -21,7 +22,7 @@ namespace fs = std::filesystem;
 
 struct SuiteItem {
   std::string file;
-  std::optional<PageTestCase> test;  // nothing for a file that is no good
+  std::optional<PageTestCase> test;  // nothing for a file with errors
   std::vector<KitMessage> messages;  // what is wrong with it
 };
 
@@ -88,18 +89,26 @@ class SuiteRun {
       for (size_t i = 1; i < threads; ++i) others.emplace_back([this] { work(); });
       work();
     }
+    if (failure) std::rethrow_exception(failure);
     if (options.update) writePictures();
     return std::move(report);
   }
 
  private:
+  // What can't be passed on, because nobody reads any more, ends the suite.
   void work() {
-    for (size_t i; (i = next++) < items.size();) {
-      TestRunReport done = runItem(items[i]);
+    try {
+      for (size_t i; (i = next++) < items.size();) {
+        TestRunReport done = runItem(items[i]);
+        const std::lock_guard lock(mutex);
+        if (options.progress) options.progress(++finished, items.size(), titleOf(done.result));
+        reports[i] = std::move(done);
+        passOn();
+      }
+    } catch (...) {
+      next = items.size();
       const std::lock_guard lock(mutex);
-      if (options.progress) options.progress(++finished, items.size(), titleOf(done.result));
-      reports[i] = std::move(done);
-      passOn();
+      failure = std::current_exception();
     }
   }
 
@@ -117,7 +126,6 @@ class SuiteRun {
   void passOn() {
     for (; passed < reports.size() && reports[passed]; ++passed) {
       TestRunReport& one = *reports[passed];
-      if (one.result.outcome == TestOutcome::passed) one.result.steps = {};  // nobody looks at them
       if (!options.update && options.done) options.done(one.result);
       for (WantedPicture& picture : one.wanted) want(passed, std::move(picture));
       report.results.push_back(std::move(one.result));
@@ -125,16 +133,31 @@ class SuiteRun {
     }
   }
 
-  // Two steps can't have different pictures of one name.
+  // One picture must do for all steps that have it, the way in which each compares it.
   void want(size_t item, WantedPicture picture) {
     const auto [at, isNew] = wanted.emplace(fs::path(picture.file).lexically_normal().string(), picture);
     if (isNew || at->second.png == picture.png) return;
+    const Picture before = pictureOf(at->second), now = pictureOf(picture);
+    if (isSame(before, now, picture.how)) return;
+    if (isSame(now, before, at->second.how)) {
+      at->second = std::move(picture);
+      return;
+    }
     TestResult& result = reports[item]->result;
     result.outcome = TestOutcome::failed;
     KitMessage message = picture.by;
     message.text += ": another step has this picture with other pixels";
     message.uses.push_back(at->second.by);
     result.messages.push_back(std::move(message));
+  }
+
+  static Picture pictureOf(const WantedPicture& wanted) {
+    return decodePng(wanted.file, {wanted.png.begin(), wanted.png.end()});
+  }
+
+  static bool isSame(const Picture& a, const Picture& b, const PictureDiffOptions& how) {
+    const PictureDiff diff = comparePictures(a, b, how);
+    return diff.sameSize && diff.pixels == 0;
   }
 
   void writePictures() {
@@ -158,6 +181,7 @@ class SuiteRun {
   std::vector<std::optional<TestRunReport>> reports;
   std::map<std::string, WantedPicture> wanted;
   SuiteReport report;
+  std::exception_ptr failure;
 };
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "kit/diff/picturediff.h"
 #include "kit/errors.h"
 
 enum class TestOutcome {
@@ -34,7 +35,8 @@ struct TestResult {
 // A picture that a step wants to have, for --update.
 struct WantedPicture {
   std::string file, png;
-  KitMessage by;  // the step
+  PictureDiffOptions how;  // it will be compared
+  KitMessage by;           // the step
 };
 
 // "guide.test.yaml: Right leads to the channels"

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <deque>
 #include <filesystem>
 
 #include "kit/diff/picturediff.h"
@@ -60,11 +61,14 @@ class TestRunner {
   void run() {
     try {
       if (!around.pages.open(page.run, test.page)) return failToLoad();
-      if (!look(test.place, "as the page loads") || !runSteps(test.steps)) return finish();
-      if (pending) fail(pending->place, pending->text);
+      if (!look() || !runSteps(test.steps)) return finish();
+      if (pending) failAsPending();
     } catch (const KitError& e) {
       report.result.outcome = TestOutcome::error;
       report.result.messages = e.messages;
+    } catch (const std::exception& e) {  // no memory left, say
+      report.result.outcome = TestOutcome::error;
+      report.result.messages = {messageAt(place(), e.what())};
     }
     finish();
   }
@@ -82,32 +86,29 @@ class TestRunner {
 
   bool operator()(const ValueStep& step) {
     const TestedPage::Answer answer = page.evaluate(step.expression);
-    if (answer.isValue) return compare("the value of " + step.expression, answer.text, step.expected);
+    if (answer.isValue) return compare(answer.text, step.expected);
     std::string why;
     for (const std::string& line : linesOf(cutInTheMiddle(answer.text))) why += "\n  " + line;
-    return wrong("'" + step.expression + "' has no value" + (why.empty() ? "" : ":" + why));
+    return wrong("it has no value" + (why.empty() ? "" : ":" + why));
   }
 
   bool operator()(const TextStep& step) {
     const auto widget = widgetNamed(step.widget);
-    return widget && compare("the text of " + step.widget, widget->text, step.expected);
+    return widget && compare(widget->text, step.expected);
   }
 
   bool operator()(const FocusStep& step) {
     const auto focus = page.focus();
     if (!focus && step.widget.empty()) return true;
-    if (!focus) return wrong("nothing has the focus, which should be on " + step.widget);
-    if (*focus == step.widget || focus->ends_with("/" + step.widget)) return true;
-    if (step.widget.empty()) return wrong("the focus is on " + *focus + ", and should be on nothing");
-    if (!widgetNamed(step.widget)) return false;
-    return wrong("the focus is on " + *focus + ", and should be on " + step.widget);
+    if (focus && !step.widget.empty() && (*focus == step.widget || focus->ends_with("/" + step.widget))) return true;
+    if (!step.widget.empty() && !widgetNamed(step.widget)) return false;
+    return wrong(focus ? "it is on " + *focus : "nothing has it");
   }
 
   bool operator()(const MemoryStep& step) {
     const auto within = [&](const char* what, int64_t used, const std::optional<int64_t>& most) {
       return !most || used <= *most ||
-             wrong(std::string("the ") + what + " has " + std::to_string(used) + " bytes in use, and should have " +
-                   std::to_string(*most) + " at most");
+             wrong(std::string("the ") + what + " has " + std::to_string(used) + " bytes in use");
     };
     return within("heap", page.heap().usedBytes, step.heap) &&
            within("image cache", int64_t(page.imageCacheBytes()), step.cache);
@@ -176,27 +177,24 @@ class TestRunner {
   }
 
   bool runStep(const TestStep& step) {
+    constexpr size_t kMostSteps = 1000;  // more in a report help nobody
     current = &step;
-    if (!std::holds_alternative<RepeatStep>(step.work)) note(step);
-    return std::visit(*this, step.work) && look(step.place, stepText(step));
-  }
-
-  // A report of a million steps helps nobody.
-  void note(const TestStep& step) {
-    constexpr size_t kMostSteps = 2000;
-    std::vector<std::string>& steps = report.result.steps;
-    if (steps.size() == kMostSteps) steps.erase(steps.begin());
-    steps.push_back(stepText(step));
+    if (!std::holds_alternative<RepeatStep>(step.work)) done.push_back(&step);
+    if (done.size() > kMostSteps) done.pop_front();
+    return std::visit(*this, step.work) && look();
   }
 
   // Whether the page may go on. A complaint waits for the next log step, which may expect it.
-  bool look(const YamlPlace& place, const std::string& step) {
-    if (!page.run.stopped().empty()) return fail(place, step + ": " + page.run.stopped());
+  bool look() {
+    if (!page.run.stopped().empty()) return wrong(page.run.stopped());
     const std::vector<std::string> complaints = page.newComplaints();
     if (test.strict && !complaints.empty() && !pending)
-      pending = {place, step + ": " + trimmedEnd(cutInTheMiddle(complaints.front()))};
+      pending = {place(), step() + trimmedEnd(cutInTheMiddle(complaints.front()))};
     return true;
   }
+
+  YamlPlace place() const { return current ? current->place : test.place; }
+  std::string step() const { return (current ? stepText(*current) : "as the page loads") + ": "; }
 
   void failToLoad() {
     std::string why;
@@ -208,6 +206,7 @@ class TestRunner {
   void finish() {
     if (report.result.outcome == TestOutcome::passed) return;
     report.result.log = page.run.logWithPlaces();
+    for (const TestStep* each : done) report.result.steps.push_back(stepText(*each));
     if (around.options.films && page.run.stopped().empty()) report.result.film = film();
   }
 
@@ -225,13 +224,21 @@ class TestRunner {
 
   // ---- what is wrong
 
+  void failAsPending() {
+    const Pending complaint = *pending;
+    pending.reset();
+    fail(complaint.place, complaint.text);
+  }
+
+  // A complaint that came before is often why.
   bool fail(const YamlPlace& place, const std::string& text) {
+    if (pending) failAsPending();
     report.result.outcome = TestOutcome::failed;
     report.result.messages.push_back(messageAt(place, text));
     return false;
   }
 
-  bool wrong(const std::string& text) { return fail(current->place, stepText(*current) + ": " + text); }
+  bool wrong(const std::string& text) { return fail(place(), step() + text); }
 
   static std::string shownLines(const std::vector<std::string>& lines) {
     constexpr size_t kMost = 20;
@@ -249,13 +256,11 @@ class TestRunner {
     return wrong(where + shownLines(lines));
   }
 
-  bool compare(const std::string& what, const std::string& found, const TextExpectation& expected) {
-    if (expected.is && found != *expected.is)
-      return wrong(what + " is '" + found + "', and should be '" + *expected.is + "'");
-    for (const std::string& part : expected.contains)
-      if (found.find(part) == std::string::npos)
-        return wrong(what + " is '" + found + "', and should have '" + part + "' in it");
-    return true;
+  bool compare(const std::string& found, const TextExpectation& expected) {
+    const auto isIn = [&](const std::string& part) { return found.find(part) != std::string::npos; };
+    const bool same = !expected.is || found == *expected.is;
+    const bool all = std::all_of(expected.contains.begin(), expected.contains.end(), isIn);
+    return (same && all) || wrong("it is '" + found + "'");
   }
 
   std::optional<WidgetView> widgetNamed(const std::string& name) {
@@ -282,7 +287,7 @@ class TestRunner {
     const PictureDiff diff = expected ? comparePictures(*expected, screen, options) : PictureDiff{};
     if (expected && diff.pixels == 0 && diff.sameSize) return true;
     if (around.options.update) {
-      report.wanted.push_back({step.picture, pngOf(screen), messageAt(current->place, stepText(*current))});
+      report.wanted.push_back({step.picture, pngOf(screen), options, messageAt(current->place, stepText(*current))});
       return true;
     }
     ComparedPicture compared{std::filesystem::path(step.picture).filename().string(), "", pngOf(screen), ""};
@@ -299,8 +304,9 @@ class TestRunner {
   const TestSurroundings& around;
   TestRunReport& report;
   TestedPage page;
-  const TestStep* current = nullptr;
-  std::optional<Pending> pending;  // the first complaint that no log step has seen
+  const TestStep* current = nullptr;  // null while the page loads
+  std::deque<const TestStep*> done;   // the last of those that were begun
+  std::optional<Pending> pending;     // the first complaint that no log step has seen
 };
 
 }  // namespace

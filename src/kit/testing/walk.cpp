@@ -114,10 +114,25 @@ class Shrinking {
       keys.erase(keys.begin(), keys.end() - std::ptrdiff_t(kLongestCycle));
     const auto fails = [&](const std::vector<std::string>& some) { return !some.empty() && failsAgain(some); };
     if (!fails(keys)) return {};
-    return fewestThatFail(keys, fails, kMostTries);
+    return plainest(fewestThatFail(keys, fails, kMostTries), fails);
   }
 
  private:
+  // The same with straight keys in the place of diagonal ones, as far as these do as well.
+  static std::vector<std::string> plainest(std::vector<std::string> keys,
+                                           const std::function<bool(const std::vector<std::string>&)>& fails) {
+    constexpr const char* kStraight[] = {"Up", "Down", "Left", "Right"};
+    for (std::string& key : keys) {
+      const std::string before = key;
+      for (const char* straight : kStraight) {
+        if (key != before || before == straight || before.find(straight) == std::string::npos) continue;
+        key = straight;
+        if (!fails(keys)) key = before;
+      }
+    }
+    return keys;
+  }
+
   bool failsAgain(const std::vector<std::string>& keys) {
     if (replayed > kMostReplayedKeys) return false;
     const std::unique_ptr<TestedPage> page = start();

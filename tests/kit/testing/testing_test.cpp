@@ -51,7 +51,10 @@ TEST(TestReport, ReadsBackWithAllBytes) {
   result.log = "one\ntwo\n";
   result.pictures = {{"s.png", std::string("\0\x89PNG\xFF", 6), "a", ""}};
   result.film = "film";
-  const std::vector<TestResult> back = resultsFromJson("r.json", resultsAsJson({result, TestResult{}}));
+  const TestReport report = reportFromJson("r.json", reportAsJson({{result, TestResult{}}, 2, 3}));
+  EXPECT_EQ(report.shard, 2u);
+  EXPECT_EQ(report.shards, 3u);
+  const std::vector<TestResult>& back = report.results;
   ASSERT_EQ(back.size(), 2u);
   EXPECT_EQ(back[0].name, result.name);
   EXPECT_EQ(back[0].outcome, TestOutcome::failed);
@@ -63,7 +66,7 @@ TEST(TestReport, ReadsBackWithAllBytes) {
   EXPECT_EQ(back[0].film, "film");
   EXPECT_EQ(back[1].outcome, TestOutcome::passed);
   for (const char* bad : {"", "{}", "[1]", "{\"report\": \"kpg test\", \"tests\": [{}]}", "{\"report\": \"kpg test\"}"})
-    EXPECT_THROW(resultsFromJson("r.json", bad), KitError) << bad;
+    EXPECT_THROW(reportFromJson("r.json", bad), KitError) << bad;
 }
 
 TEST(TestOfARecording, ReadsBackAsTheRecordingAndWhatIsExpected) {
