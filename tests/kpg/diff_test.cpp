@@ -44,8 +44,7 @@ TEST_F(DiffTest, PagesDifferByWidgetsAttributesStylesAndScripts) {
       {"x = 1;", "x = 2;", "lamp: onClick: \"x = 1;\" -> \"x = 2;\"\n"},
       {"size: 20", "size: 22", "style body: size: 20 -> 22\n"},
       {"- {name: body", "- {name: small, font: b.ttf}\n    - {name: body", "style small: is new\n"},
-      {"type: text, name: foot", "type: number, name: foot",
-       "foot: type: text -> number\nfoot: value: Foot -> 7\n"},
+      {"type: text, name: foot", "type: number, name: foot", "foot: type: text -> number\nfoot: value: Foot -> 7\n"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.to);
