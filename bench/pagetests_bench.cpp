@@ -43,4 +43,3 @@ void PageTests(benchmark::State& state) {
 BENCHMARK(PageTests)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 }  // namespace
-
