@@ -13,6 +13,8 @@ void addShotCommand(CommandLine& line);
 void addFilmCommand(CommandLine& line);
 void addTestCommand(CommandLine& line);
 void addDiffCommand(CommandLine& line);
+void addWatchCommand(CommandLine& line);
+void addStudioCommand(CommandLine& line);
 void addRemoteCommand(CommandLine& line);
 void addClutCommand(CommandLine& line);
 void addColorCommand(CommandLine& line);

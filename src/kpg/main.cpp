@@ -32,6 +32,8 @@ constexpr Command kCommands[] = {
     {"dump", addDumpCommand},
     {"tree", addTreeCommand},
     {"shot", addShotCommand},
+    {"watch", addWatchCommand},
+    {"studio", addStudioCommand},
     {"film", addFilmCommand},
     {"test", addTestCommand},
     {"diff", addDiffCommand},
