@@ -70,10 +70,10 @@ std::string LiveFiles::pageOf(const std::string& source) {
 
 const MadeFile* LiveFiles::find(const fs::path& file) {
   if (const auto owner = owners.find(file); owner != owners.end()) {
-    const auto found = all.find(owner->second);
-    if (found != all.end() && found->second.lookedAt == run) {
-      const auto known = found->second.files.find(file);
-      if (known != found->second.files.end()) return &known->second;
+    const Made& maker = all.at(owner->second);
+    if (maker.lookedAt == run) {
+      const auto known = maker.files.find(file);
+      return known == maker.files.end() ? nullptr : &known->second;
     }
   }
   if (project)

@@ -130,7 +130,9 @@ TEST_F(LiveFilesTest, WhatIsWrongIsSaidAndWaitedFor) {
   EXPECT_TRUE(isRed(pixel(files, "main.yaml")));
 
   write("main.yaml", "page: {type: gruop}\n");
-  EXPECT_NE(errors(files, "main.yaml").find("main.yaml:"), std::string::npos);
+  const std::string error = errors(files, "main.yaml");
+  EXPECT_NE(error.find("main.yaml:1: "), std::string::npos);
+  EXPECT_EQ(error.find('\n'), std::string::npos) << "once: " << error;
   write("vistrel.yaml", "pages: [main.yaml\n");
   EXPECT_NE(errors(files, "main.yaml").find("vistrel.yaml:"), std::string::npos);
   write("vistrel.yaml", "pages: [main.yaml]\npictures: [art/*.png]\n");
