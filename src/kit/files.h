@@ -6,10 +6,14 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
 std::vector<uint8_t> readFile(const std::string& path);
+
+// How somebody reads files who may take them from elsewhere than the disk.
+using ReadFile = std::function<std::vector<uint8_t>(const std::string& path)>;
 
 void writeFile(const std::string& path, const void* bytes, size_t size);
 

@@ -27,13 +27,13 @@ bool isPlain(const YamlNode& node) {
          std::all_of(node.map.begin(), node.map.end(), pairIsPlain);
 }
 
-ExpandedSource instantiated(YamlNode source, std::vector<KitMessage>& errors) {
+ExpandedSource instantiated(YamlNode source, std::vector<KitMessage>& errors, const ReadFile& read) {
   ExpandedSource result;
   if (isPlain(source) && std::none_of(source.map.begin(), source.map.end(), isDefinition)) {
     result.plain = std::move(source);
     return result;
   }
-  SourceFiles files;
+  SourceFiles files(read);
   const Definitions definitions = readDefinitions(source, files, errors);
   std::erase_if(source.map, isDefinition);
   result.plain = instantiate(source, definitions, files, errors);
@@ -49,8 +49,8 @@ void escape(YamlNode& node) {
 
 }  // namespace
 
-ExpandedSource expandSource(YamlNode source, std::vector<KitMessage>& errors) {
-  ExpandedSource result = instantiated(std::move(source), errors);
+ExpandedSource expandSource(YamlNode source, std::vector<KitMessage>& errors, const ReadFile& read) {
+  ExpandedSource result = instantiated(std::move(source), errors, read);
   inheritStyles(result.plain, errors);
   layOut(result.plain, errors);
   linkNeighbours(result.plain, errors);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "kit/files.h"
 #include "kit/yaml/yamlnode.h"
 
 struct ExpandedSource {
@@ -15,7 +16,7 @@ struct ExpandedSource {
 };
 
 // What is wrong is added to `errors`, and left out of the result. That is null if nothing is left.
-ExpandedSource expandSource(YamlNode source, std::vector<KitMessage>& errors);
+ExpandedSource expandSource(YamlNode source, std::vector<KitMessage>& errors, const ReadFile& read = readFile);
 
 // The text of an expanded source, which expands to the same again.
 std::string expandedText(const YamlNode& plain);

@@ -4,7 +4,6 @@
 #include <filesystem>
 
 #include "kit/expand/csv.h"
-#include "kit/files.h"
 #include "kit/source/sourcevalue.h"
 #include "kit/utf8.h"
 #include "kit/yaml/readyaml.h"
@@ -20,7 +19,7 @@ const YamlNode& SourceFiles::read(const std::string& name, const YamlPlace& from
   if (std::find(order.begin(), order.end(), path) == order.end()) order.push_back(path);
   std::vector<uint8_t> bytes;
   try {
-    bytes = readFile(path);
+    bytes = readBytes(path);
   } catch (const KitError& e) {
     throw SourceFault{from, "can't read '" + name + "': " + e.messages.front().text};
   }

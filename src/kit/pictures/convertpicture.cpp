@@ -23,10 +23,8 @@ void checkMemory(const std::string& path, const Picture& picture, const std::str
                            " for all pictures");
 }
 
-using ReadTable = std::function<std::vector<uint8_t>(const std::string& path)>;
-
 std::vector<uint32_t> tableOf(const PictureOptions& options, const std::vector<uint32_t>& pixels,
-                              const ReadTable& readTable) {
+                              const ReadFile& readTable) {
   if (options.clut.empty()) return makeClut(pixels, options.most);
   std::vector<uint32_t> table = readClut(options.clut, readTable(options.clut));
   if (table.empty()) throw KitError(options.clut, "there is no colour in it");
@@ -53,7 +51,7 @@ std::vector<uint8_t> indicesOf(const std::vector<uint32_t>& pixels, uint32_t wid
 }  // namespace
 
 ConvertedPicture pictureForPlayer(const std::string& input, const std::string& output, const PictureOptions& options,
-                                  const ReadTable& readTable) {
+                                  const ReadFile& readTable) {
   const Picture picture = readPicture(input);
   checkMemory(input, picture, output);
   const std::string clut = options.clut.empty() ? ownClutName(output) : options.clut;

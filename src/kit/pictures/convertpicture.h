@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -23,9 +22,8 @@ struct ConvertedPicture {
 };
 
 // `output` is the file that the picture is for; `readTable` reads the table that the options name. Throws KitError.
-ConvertedPicture pictureForPlayer(
-    const std::string& input, const std::string& output, const PictureOptions& options,
-    const std::function<std::vector<uint8_t>(const std::string& path)>& readTable = readFile);
+ConvertedPicture pictureForPlayer(const std::string& input, const std::string& output, const PictureOptions& options,
+                                  const ReadFile& readTable = readFile);
 
 // The file of the table that a picture gets for itself.
 std::string ownClutName(const std::string& output);

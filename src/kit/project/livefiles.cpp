@@ -157,13 +157,20 @@ bool LiveFiles::isCurrent(const Made& m) {
 std::string LiveFiles::hashOf(const std::string& input) {
   if (project)
     if (const MadeFile* file = findInProject(fullName(input))) return contentHash(bytesOf(file->bytes));
-  return fileHash(input);
+  const std::string* text = edited ? edited(input) : nullptr;
+  return text ? contentHash(bytesOf(*text)) : fileHash(input);
+}
+
+std::vector<uint8_t> LiveFiles::read(const std::string& path) const {
+  const std::string* text = edited ? edited(path) : nullptr;
+  return text ? bytesOf(*text) : readFile(path);
 }
 
 void LiveFiles::compile(const std::string& source, const fs::path& file, Made& m) {
   PageSourceOptions options;
   options.lines = true;
   options.strip = project && project->strip;
+  options.read = [this](const std::string& path) { return read(path); };
   BuiltPage built = compilePage(
       source, [&](const KitMessage& warning) { m.warnings.push_back(warning); }, options);
   for (const std::string& read : built.sources) m.inputs.emplace_back(read, "");

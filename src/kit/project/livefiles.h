@@ -22,6 +22,9 @@ class LiveFiles : public MadeFiles {
   // For a page, or a page source.
   explicit LiveFiles(std::string page);
 
+  // For texts that are being edited: what a file is to hold in the place of what it does, or null.
+  std::function<const std::string*(const std::string& path)> edited;
+
   // To be called before each run: what was asked for so far is forgotten, and looked at again when it is asked for.
   void begin();
 
@@ -45,6 +48,7 @@ class LiveFiles : public MadeFiles {
   const Made& made(const std::string& key, const Maker& make);
   bool isCurrent(const Made& made);
   std::string hashOf(const std::string& input);
+  std::vector<uint8_t> read(const std::string& path) const;
   const MadeFile* fileOf(const std::string& key, const std::filesystem::path& file, const Maker& make);
   const MadeFile* findInProject(const std::filesystem::path& file);
   const MadeFile* findBeside(const std::filesystem::path& file);

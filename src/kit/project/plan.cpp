@@ -92,7 +92,7 @@ class Planner {
     BuildStep step{"table " + table.name.text, table.name.place, {}, {}, {table.name.text}, {}, {}};
     if (table.standard) {
       step.options = "standard";
-      step.run = [name = table.name.text](const KitWarn&, const ReadBuilt&) {
+      step.run = [name = table.name.text](const KitWarn&, const ReadFile&) {
         const auto colors = standardClut();
         return StepResult{{{name, clutBytes({colors.begin(), colors.end()})}}, {}, {}};
       };
@@ -112,7 +112,7 @@ class Planner {
     if (pictures.empty() && table.pictures.empty())
       fail(table.name.place, "no picture uses the table " + table.name.text + ", so it has no colours");
     step.inputs = pictures;
-    step.run = [name = table.name.text, pictures, most = table.most](const KitWarn&, const ReadBuilt&) {
+    step.run = [name = table.name.text, pictures, most = table.most](const KitWarn&, const ReadFile&) {
       return StepResult{{{name, clutBytes(clutOfPictures(pictures, most))}}, pictures, {}};
     };
     add(std::move(step));
@@ -159,7 +159,7 @@ class Planner {
                    (options.background ? std::to_string(*options.background) : "none") +
                    (options.dither ? ", dithered" : "");
     step.run = [input = project.pathOf(picture.file.text), output, clut, options](const KitWarn&,
-                                                                                  const ReadBuilt& readBuilt) {
+                                                                                  const ReadFile& readBuilt) {
       ConvertedPicture made = pictureForPlayer(input, output, options, readBuilt);
       StepResult result{{{output, std::move(made.kpx)}}, {input}, {}};
       if (options.clut.empty()) {
@@ -191,7 +191,7 @@ class Planner {
                                : isOwn          ? outputName(font.font.text)
                                                 : fs::path(file).filename().string();
     BuildStep step{"font " + font.font.text, font.font.place, isOwn ? "" : file, {file}, {output}, {}, {}};
-    step.run = [file, output](const KitWarn&, const ReadBuilt&) {
+    step.run = [file, output](const KitWarn&, const ReadFile&) {
       const FontReport report = reportFont(file);
       if (!report.problem.empty()) throw KitError(file, report.problem);
       return StepResult{{{output, readFile(file)}}, {file}, {}};
@@ -206,7 +206,7 @@ class Planner {
     BuildStep step{"script " + script.text, script.place, project.strip ? "stripped" : "", {path}, {output}, {}, {}};
     step.outputs.push_back(bobMapName(output));
     step.run = [path, output, strip = project.strip, outputs = project.pathOf(project.output)](const KitWarn&,
-                                                                                               const ReadBuilt&) {
+                                                                                               const ReadFile&) {
       const ScriptFile made = compileScript(path, strip);
       StepResult result{{{output, bytesOf(made.bytes)}}, {path}, {}};
       addLines(&result, outputs, made.lines);
@@ -222,7 +222,7 @@ class Planner {
     BuildStep step{pageStepName(page.text), page.place, project.strip ? "stripped" : "", {path}, {output}, {}, {}};
     step.outputs.push_back(bobMapName(output));
     step.run = [path, output, strip = project.strip, outputs = project.pathOf(project.output)](const KitWarn& warn,
-                                                                                               const ReadBuilt&) {
+                                                                                               const ReadFile&) {
       PageSourceOptions options;
       options.strip = strip;
       options.lines = true;
@@ -261,7 +261,7 @@ std::string pageStepName(const std::string& page) { return std::string(kPageStep
 BuildStep copyStep(const Project& project, const ProjectName& file) {
   const std::string output = outputName(file.text), path = project.pathOf(file.text);
   BuildStep step{"file " + file.text, file.place, {}, {path}, {output}, {}, {}};
-  step.run = [path, output](const KitWarn&, const ReadBuilt&) {
+  step.run = [path, output](const KitWarn&, const ReadFile&) {
     return StepResult{{{output, readFile(path)}}, {path}, {}};
   };
   return step;

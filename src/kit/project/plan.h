@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "kit/errors.h"
+#include "kit/files.h"
 #include "kit/project/manifest.h"
 #include "kit/project/project.h"
 
@@ -29,17 +30,14 @@ struct StepResult {
 inline constexpr std::string_view kPageStep = "page ";
 std::string pageStepName(const std::string& page);  // a page as the project calls it
 
-// How a step reads a file that an earlier step has made.
-using ReadBuilt = std::function<std::vector<uint8_t>(const std::string& path)>;
-
 struct BuildStep {
   std::string name;                 // "page menu.yaml"
   YamlPlace place;                  // in the project file
   std::string options;              // all but the inputs' contents that the outputs depend on
   std::vector<std::string> inputs;  // as they can be opened; running it may find more
   std::vector<std::string> outputs;
-  std::vector<size_t> after;                                        // steps, by their numbers; earlier ones only
-  std::function<StepResult(const KitWarn&, const ReadBuilt&)> run;  // on any thread; throws KitError
+  std::vector<size_t> after;                                       // steps, by their numbers; earlier ones only
+  std::function<StepResult(const KitWarn&, const ReadFile&)> run;  // on any thread; throws KitError
 };
 
 // What can't be planned is left out, with an error; the rest can be built.

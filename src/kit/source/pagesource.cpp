@@ -44,8 +44,8 @@ bool isText(const YamlNode& node) {
 [[noreturn]] void fail(const YamlNode& node, const std::string& text) { fail(node.place, text); }
 
 // The source as YAML; what authors give by mistake gets a sentence of its own.
-YamlNode readPageYaml(const std::string& file, const KitWarn& warn = {}) {
-  const std::vector<uint8_t> bytes = readFile(file);
+YamlNode readPageYaml(const std::string& file, const KitWarn& warn = {}, const ReadFile& read = readFile) {
+  const std::vector<uint8_t> bytes = read(file);
   const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
   if (text.starts_with(kPageMagic))
     throw KitError(file, "is a compiled page, no source; kpg dump prints a page as source");
@@ -113,7 +113,7 @@ class SourceReader {
  private:
   void readAll() {
     page.sources.push_back(file);
-    ExpandedSource source = expandSource(readPageYaml(file, warn), errors);
+    ExpandedSource source = expandSource(readPageYaml(file, warn, options.read), errors, options.read);
     const YamlNode& top = source.plain;
     page.sources.insert(page.sources.end(), source.files.begin(), source.files.end());
     if (top.isNull()) throw KitError(inOrder(std::move(errors), file));
@@ -481,7 +481,7 @@ class SourceReader {
     page.sources.push_back(path);
     std::vector<uint8_t> source;
     try {
-      source = readFile(path);
+      source = options.read(path);
     } catch (const KitError& e) {
       fail(item, "can't read '" + name + "': " + e.messages.front().text);
     }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "kit/errors.h"
+#include "kit/files.h"
 #include "kit/source/pagetree.h"
 
 struct PageSourceOptions {
@@ -15,6 +16,8 @@ struct PageSourceOptions {
   bool strip = false;
   // Keeps the lines of scripts, for PageTree::lines.
   bool lines = false;
+  // For texts that are being edited.
+  ReadFile read = readFile;
 };
 
 // Reads the source at `path` and compiles its scripts. Throws BuildError.

@@ -246,6 +246,11 @@ const std::string* SourceEdits::text(const std::string& file) const {
   return found == files.end() ? nullptr : &found->second.text;
 }
 
+const std::string* SourceEdits::unsavedText(const std::string& file) const {
+  const auto found = files.find(file);
+  return found == files.end() || found->second.text == found->second.saved ? nullptr : &found->second.text;
+}
+
 void SourceEdits::save() {
   const std::vector<std::string> names = unsavedFiles();
   for (const std::string& name : names) checkDisk(name, files.at(name).saved);

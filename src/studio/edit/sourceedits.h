@@ -39,6 +39,8 @@ class SourceEdits {
   std::vector<std::string> unsavedFiles() const;           // sorted
   const std::string* text(const std::string& file) const;  // as edited; null for one that wasn't
 
+  const std::string* unsavedText(const std::string& file) const;  // null for one that is as on the disk
+
   // All files or none. Throws KitError for one that somebody else has changed, and for one that can't be written.
   void save();
   // Gives up what hasn't been saved, and all that could be undone in those files.

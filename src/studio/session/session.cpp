@@ -14,7 +14,9 @@ std::string lastLine(std::string text) {
 
 }  // namespace
 
-Session::Session(std::string p, const SessionOptions& o) : page(std::move(p)), options(o), files(page) {}
+Session::Session(std::string p, const SessionOptions& o) : page(std::move(p)), options(o), files(page) {
+  files.edited = options.edited;
+}
 
 std::unique_ptr<PageRun> Session::open() {
   problems.clear();

@@ -20,6 +20,8 @@
 
 struct SessionOptions : PageRunOptions {
   std::function<void(PageRun&)> prepare;  // called with each new run before it loads anything; may be empty
+  // For texts that are being edited: what a source file is to hold in the place of what it does, or null.
+  std::function<const std::string*(const std::string& path)> edited;
   double replaySeconds = 0.05;  // of processor time: a replay that takes longer is left, and the state set by name
 };
 

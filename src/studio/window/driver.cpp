@@ -24,6 +24,7 @@ SessionOptions PageDriver::sessionOptions() {
     player->whileBusy = [this] { serveWindows(); };
     if (prepare) prepare(run);
   };
+  options.edited = [this](const std::string& file) { return edited ? edited(file) : nullptr; };
   return options;
 }
 

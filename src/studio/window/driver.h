@@ -43,10 +43,11 @@ class PageDriver {
   Session& session() { return page; }
   double lastReload() const { return reloadMilliseconds; }  // from the save, or the command, to the new pixels
 
-  std::function<void(PageRun&)> prepare;  // each new run, before it loads anything
-  std::function<void()> changed;          // the page may look otherwise now
-  std::function<void()> opened;           // a load has ended, well or not
-  std::function<void()> busy;             // begun or ended to run for long
+  std::function<void(PageRun&)> prepare;                              // each new run, before it loads anything
+  std::function<const std::string*(const std::string& file)> edited;  // as SessionOptions::edited
+  std::function<void()> changed;                                      // the page may look otherwise now
+  std::function<void()> opened;                                       // a load has ended, well or not
+  std::function<void()> busy;                                         // begun or ended to run for long
 
  private:
   SessionOptions sessionOptions();

@@ -24,6 +24,22 @@ void loop(QPainter* painter) {
   painter->drawPath(path);
 }
 
+// An arrow that turns back to the left, or to the right.
+void turn(QPainter* painter, bool isMirrored) {
+  painter->save();
+  if (isMirrored) {
+    painter->translate(20, 0);
+    painter->scale(-1, 1);
+  }
+  QPainterPath path(QPointF(4, 7.5));
+  path.lineTo(11.5, 7.5);
+  path.arcTo(QRectF(7.5, 7.5, 8, 8), 90, -180);
+  path.lineTo(7, 15.5);
+  arrowHead(&path, QPointF(4, 7.5), QPointF(3.4, -3.4), QPointF(3.4, 3.4));
+  painter->drawPath(path);
+  painter->restore();
+}
+
 void glass(QPainter* painter) {
   painter->drawEllipse(QRectF(3.5, 3.5, 9.5, 9.5));
   painter->drawLine(QPointF(11.8, 11.8), QPointF(16.5, 16.5));
@@ -65,6 +81,19 @@ void draw(QPainter* painter, Sign sign) {
       painter->drawEllipse(QRectF(7.5, 8.2, 5, 5));
       painter->drawLine(QPointF(8, 4), QPointF(12, 4));
       break;
+    case Sign::save: {
+      QPainterPath path(QPointF(10, 3.5));
+      path.lineTo(10, 12.5);
+      arrowHead(&path, QPointF(10, 12.5), QPointF(-3.6, -3.6), QPointF(3.6, -3.6));
+      path.moveTo(4, 12.5);
+      path.lineTo(4, 16.5);
+      path.lineTo(16, 16.5);
+      path.lineTo(16, 12.5);
+      painter->drawPath(path);
+      break;
+    }
+    case Sign::undo:
+    case Sign::redo: turn(painter, sign == Sign::redo); break;
     case Sign::pick: {
       QPainterPath path(QPointF(5, 3.5));
       for (const QPointF p : {QPointF(5, 15), QPointF(8.2, 12), QPointF(10.4, 16.8), QPointF(12.4, 15.9),

@@ -1,8 +1,12 @@
 #include "studio/window/inspectorview.h"
 
+#include <QComboBox>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QSplitter>
+#include <QStyledItemDelegate>
+#include <QTimer>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -11,6 +15,8 @@
 #include "studio/window/look.h"
 
 namespace {
+
+constexpr int kValueColumn = 1, kPlaceColumn = 2;
 
 QString flagsOf(const TreeRow& row) {
   QStringList flags;
@@ -28,6 +34,48 @@ QTreeWidget* newTree(const QStringList& heads) {
   tree->header()->setStretchLastSection(true);
   return tree;
 }
+
+// Edits values, and nothing else, by what suits them. The model stays as it is: the page is built with the new value,
+// and then it shows.
+class ValueDelegate : public QStyledItemDelegate {
+ public:
+  using LineOf = std::function<const AttributeLine*(const QModelIndex&)>;
+  using Edited = std::function<void(const AttributeLine&, const std::string& value)>;
+  ValueDelegate(QObject* parent, LineOf l, Edited e)
+      : QStyledItemDelegate(parent), lineOf(std::move(l)), edited(std::move(e)) {}
+
+  QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem&, const QModelIndex& index) const override {
+    const AttributeLine* line = index.column() == kValueColumn ? lineOf(index) : nullptr;
+    if (!line || line->editBy == EditBy::nothing) return nullptr;
+    QStringList choices;
+    if (line->editBy == EditBy::flag)
+      choices << "true"
+              << "false";
+    for (const std::string& choice : line->choices) choices << QString::fromStdString(choice);
+    if (choices.isEmpty()) return new QLineEdit(parent);
+    auto* box = new QComboBox(parent);
+    box->addItems(choices);
+    return box;
+  }
+  void setEditorData(QWidget* editor, const QModelIndex& index) const override {
+    const QString text = QString::fromStdString(lineOf(index)->value);
+    if (auto* box = dynamic_cast<QComboBox*>(editor))
+      box->setCurrentText(text);
+    else if (auto* field = dynamic_cast<QLineEdit*>(editor))
+      field->setText(text);
+  }
+  void setModelData(QWidget* editor, QAbstractItemModel*, const QModelIndex& index) const override {
+    const auto* box = dynamic_cast<QComboBox*>(editor);
+    const auto* field = dynamic_cast<QLineEdit*>(editor);
+    const std::string text = (box ? box->currentText() : field ? field->text() : QString()).toStdString();
+    const AttributeLine line = *lineOf(index);
+    if (text != line.value) edited(line, text);
+  }
+
+ private:
+  const LineOf lineOf;
+  const Edited edited;
+};
 
 bool looksTheSame(const TreeRow& a, const TreeRow& b) {
   return a.id == b.id && a.path == b.path && a.hidden == b.hidden && a.focused == b.focused && a.notSeen == b.notSeen &&
@@ -72,10 +120,24 @@ InspectorView::InspectorView()
     showAttributes();
     if (choiceChanged) choiceChanged();
   });
-  QObject::connect(attributes, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* item) {
+  attributes->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
+  const auto lineOf = [this](const QModelIndex& index) -> const AttributeLine* {
+    const size_t n = size_t(index.siblingAtColumn(0).data(Qt::UserRole).toULongLong());
+    return n < lines.size() ? &lines[n] : nullptr;
+  };
+  // Once the editor has gone: the page's new attributes come in place of those that it lies over.
+  const auto edited = [this](const AttributeLine& line, const std::string& value) {
+    QTimer::singleShot(0, this, [this, name = line.name, value] {
+      if (valueEdited) valueEdited(name, value);
+    });
+  };
+  attributes->setItemDelegate(new ValueDelegate(attributes, lineOf, edited));
+  QObject::connect(attributes, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* item, int column) {
     const auto& place = lines[size_t(item->data(0, Qt::UserRole).toULongLong())].place;
-    if (place && placeClicked) placeClicked(*place);
+    if (column == kPlaceColumn && place && placeClicked) placeClicked(*place);
   });
+  QObject::connect(attributes, &QTreeWidget::itemPressed, this,
+                   [this](QTreeWidgetItem* item) { attributes->setCurrentItem(item, kValueColumn); });
 }
 
 void InspectorView::setRun(PageRun* r) {
@@ -160,6 +222,7 @@ void InspectorView::showAttributes() {
     auto* item = new QTreeWidgetItem(
         {QString::fromStdString(line.name), QString::fromStdString(line.value), QString::fromStdString(line.from)});
     item->setData(0, Qt::UserRole, qulonglong(i));
+    if (line.editBy != EditBy::nothing) item->setFlags(item->flags() | Qt::ItemIsEditable);
     item->setForeground(2, line.origin == ValueOrigin::refused   ? look().error
                            : line.origin == ValueOrigin::changed ? look().accent
                                                                  : look().faint);

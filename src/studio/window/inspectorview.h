@@ -28,6 +28,8 @@ class InspectorView : public QWidget {
 
   std::function<void()> choiceChanged;
   std::function<void(const YamlPlace& place)> placeClicked;
+  // Somebody has given an attribute of the chosen widget another value.
+  std::function<void(const std::string& attribute, const std::string& value)> valueEdited;
 
  private:
   void showTree();

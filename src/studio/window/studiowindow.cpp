@@ -2,6 +2,7 @@
 
 #include <QActionGroup>
 #include <QApplication>
+#include <QCloseEvent>
 #include <QFileDialog>
 #include <QLabel>
 #include <QMenu>
@@ -53,12 +54,15 @@ QStringList wordsOf(Engine& engine) {
 }  // namespace
 
 StudioWindow::StudioWindow(const std::string& p) : page(p), driver(p) {
-  setWindowTitle(QString::fromStdString(std::filesystem::path(page).filename().string()) + " \u2013 Vistrel Studio");
+  setWindowTitle(QString::fromStdString(std::filesystem::path(page).filename().string()) + "[*] \u2013 Vistrel Studio");
   buildViews();
   buildTools();
   driver.prepare = [this](PageRun& run) { run.watch(std::make_unique<RunWatch>(run, timeline, memory)); };
+  driver.edited = [this](const std::string& file) { return edits.unsavedText(file); };
   driver.changed = [this] { showPage(); };
   driver.opened = [this] {
+    edits.lookAtDisk();
+    showEdits();
     showErrors();
     showPage();
     state->setText(driver.session().errors().empty()
@@ -149,6 +153,9 @@ void StudioWindow::buildViews() {
   inspector->placeClicked = [this](const YamlPlace& place) {
     openPlace({place.file ? *place.file : std::string(), place.line, ""});
   };
+  inspector->valueEdited = [this](const std::string& attribute, const std::string& value) {
+    setValue(attribute, value);
+  };
   errors->clicked = [this](const KitMessage& message) { openPlace(message); };
 }
 
@@ -204,7 +211,13 @@ void StudioWindow::buildTools() {
   tool(
       bar, "Record: start afresh, and keep what is done", "Ctrl+Shift+R", signIcon(Sign::record),
       [this](bool on) { setRecording(on); }, true);
-  tool(bar, "Save the picture", "Ctrl+S", signIcon(Sign::picture), [this](bool) { savePicture(); });
+  tool(bar, "Save the picture", "Ctrl+Shift+S", signIcon(Sign::picture), [this](bool) { savePicture(); });
+  bar->addSeparator();
+  saveAction = tool(bar, "Save what was edited", "Ctrl+S", signIcon(Sign::save), [this](bool) { saveEdits(); });
+  undoAction = tool(bar, "Undo", "Ctrl+Z", signIcon(Sign::undo), [this](bool) { edit([this] { edits.undo(); }); });
+  redoAction =
+      tool(bar, "Redo", "Ctrl+Shift+Z", signIcon(Sign::redo), [this](bool) { edit([this] { edits.redo(); }); });
+  showEdits();
   bar->addSeparator();
   pickAction = tool(
       bar, "Find a widget: point at it", "Ctrl+I", signIcon(Sign::pick), [this](bool on) { screen->setPicking(on); },
@@ -412,6 +425,66 @@ void StudioWindow::setRecording(bool on) {
     QMessageBox::warning(this, "The recording can't be saved", QString::fromStdString(e.what()));
   }
 }
+
+// ---- editing
+
+void StudioWindow::setValue(const std::string& attribute, const std::string& value) {
+  const auto chosen = inspector->chosen();
+  if (!chosen || driver.isBusy()) return;
+  const auto source = inspector->sources()->of(chosen->id);
+  if (!source) return state->setText("Its source isn't known, so it can't be edited");
+  if (source->sharedBy > 1) {
+    const QString question =
+        QString("%1 widgets are made of these lines, and all of them will change.").arg(source->sharedBy);
+    if (QMessageBox::question(this, "Edit", question, QMessageBox::Ok | QMessageBox::Cancel) != QMessageBox::Ok) return;
+  }
+  edit([&] { edits.setAttribute(*source, attribute, value); });
+}
+
+// The page is built with what the change makes of its sources, and goes on as after a save.
+void StudioWindow::edit(const std::function<void()>& change) {
+  try {
+    change();
+  } catch (const KitError& e) {
+    return state->setText(QString::fromStdString(e.what()));
+  }
+  driver.reload();
+}
+
+bool StudioWindow::saveEdits() {
+  try {
+    edits.save();
+  } catch (const KitError& e) {
+    QMessageBox::warning(this, "The source can't be saved", QString::fromStdString(e.what()));
+    return false;
+  }
+  showEdits();
+  return true;
+}
+
+void StudioWindow::showEdits() {
+  const bool isEdited = !edits.unsavedFiles().empty();
+  setWindowModified(isEdited);
+  saveAction->setEnabled(isEdited);
+  const auto show = [](QAction* action, const QString& what, const std::string& name) {
+    action->setEnabled(!name.empty());
+    const QString keys = action->shortcut().toString(QKeySequence::NativeText);
+    action->setToolTip(QString("%1%2 (%3)").arg(what, name.empty() ? "" : ": " + QString::fromStdString(name), keys));
+  };
+  show(undoAction, "Undo", edits.undoName());
+  show(redoAction, "Redo", edits.redoName());
+}
+
+// Whether what isn't saved has been saved, or may be given up.
+bool StudioWindow::mayDropEdits() {
+  if (edits.unsavedFiles().empty()) return true;
+  const auto answer = QMessageBox::question(this, "Edited", "The source has been edited here and isn't saved.",
+                                            QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+  if (answer == QMessageBox::Save) return saveEdits();
+  return answer == QMessageBox::Discard;
+}
+
+void StudioWindow::closeEvent(QCloseEvent* event) { mayDropEdits() ? event->accept() : event->ignore(); }
 
 void StudioWindow::changeEvent(QEvent* event) {
   if (event->type() == QEvent::PaletteChange && errors) showErrors();

@@ -7,6 +7,7 @@
 
 #include "studio/control/controlprotocol.h"
 #include "studio/control/controlsocket.h"
+#include "studio/edit/sourceedits.h"
 #include "studio/timeline/timeline.h"
 #include "studio/window/consoleview.h"
 #include "studio/window/driver.h"
@@ -38,6 +39,7 @@ class StudioWindow : public QMainWindow {
 
  protected:
   void changeEvent(QEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
 
  private:
   void buildViews();
@@ -54,10 +56,16 @@ class StudioWindow : public QMainWindow {
   void openPlace(const KitMessage& message);
   void savePicture();
   void setRecording(bool on);
+  void setValue(const std::string& attribute, const std::string& value);
+  void edit(const std::function<void()>& change);
+  bool saveEdits();
+  bool mayDropEdits();
+  void showEdits();
 
   const std::string page;
   Timeline timeline;
   MemoryMeter memory;
+  SourceEdits edits;
   PageDriver driver;
   ScreenView* screen;
   QScrollArea* surround;
@@ -72,7 +80,7 @@ class StudioWindow : public QMainWindow {
   std::unique_ptr<ControlProtocol> protocol;
   std::unique_ptr<ControlSocket> control;
   QLabel *state, *zoomText;
-  QAction *pauseAction, *stopAction;
+  QAction *pauseAction, *stopAction, *saveAction, *undoAction, *redoAction;
   std::optional<QPoint> pointedAt;
   QAction* pickAction;
   bool showsFocusMap = false;

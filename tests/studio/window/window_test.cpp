@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QLineEdit>
 #include <QTest>
+#include <QTreeWidget>
 
 #include "kit/files.h"
 #include "studio/window/look.h"
@@ -90,6 +91,59 @@ TEST_F(WindowTest, TheRemoteControlAndTheConsoleDriveThePage) {
   QTest::keyClick(input, Qt::Key_Return);
   EXPECT_EQ(value(), "7");
   EXPECT_EQ(window->pageDriver().session().recording().actions.size(), 2u);
+}
+
+// Types a new value over the one that the inspector shows.
+void editValue(InspectorView& inspector, const QString& attribute, const QString& value) {
+  QTreeWidget* list = nullptr;
+  for (auto* tree : inspector.findChildren<QTreeWidget*>())
+    if (tree->accessibleName() == "Attributes") list = tree;
+  ASSERT_TRUE(list);
+  const auto found = list->findItems(attribute, Qt::MatchExactly);
+  ASSERT_EQ(found.size(), 1);
+  list->editItem(found.front(), 1);
+  auto* field = list->findChild<QLineEdit*>();
+  ASSERT_TRUE(field);
+  field->setText(value);
+  QTest::keyClick(field, Qt::Key_Return);
+}
+
+TEST_F(WindowTest, AValueIsEditedInTheInspectorAndSavedWithTheRestOfTheSource) {
+  const std::string text = "# Mine.\n" + source("#000000") + "# The end.\n";
+  write(text);
+  open();
+  QTest::keyClick(&window->screenView(), Qt::Key_Right);
+  InspectorView& inspector = window->inspectorView();
+  const auto root = inspectWidgets(window->pageDriver().session().run()->engine())[1];
+  inspector.choose(root.id);
+  const auto onDisk = [&] {
+    const std::vector<uint8_t> bytes = readFile(page);
+    return std::string(bytes.begin(), bytes.end());
+  };
+
+  editValue(inspector, "bgColor", "#FFFFFF");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return shown().lightness() > 240; }, kLong));
+  EXPECT_TRUE(window->isWindowModified());
+  EXPECT_EQ(onDisk(), text) << "only when it is saved";
+  EXPECT_EQ(value(), "2") << "what was pressed stays";
+
+  QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return shown().lightness() < 10; }, kLong));
+  EXPECT_FALSE(window->isWindowModified());
+  QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return shown().lightness() > 240; }, kLong));
+  QTest::keyClick(window.get(), Qt::Key_S, Qt::ControlModifier);
+  EXPECT_FALSE(window->isWindowModified());
+  const std::string saved = onDisk();
+  EXPECT_TRUE(saved.starts_with("# Mine.\n") && saved.ends_with("# The end.\n")) << saved;
+  EXPECT_NE(saved.find("#FFFFFF"), std::string::npos);
+
+  // What an author can't write there is refused, and nothing changes.
+  inspector.choose(inspectWidgets(window->pageDriver().session().run()->engine())[1].id);
+  editValue(inspector, "bgColor", "reddish");
+  QTest::qWait(50);
+  EXPECT_FALSE(window->isWindowModified());
+  EXPECT_GT(shown().lightness(), 240);
 }
 
 // The window goes on while a script runs for ever; a save ends it, and shows the page without the mistake.
