@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstring>
 #include <optional>
+#include <utility>
 
 #include "kit/control/controlrequest.h"
 #include "kit/errors.h"
