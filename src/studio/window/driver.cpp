@@ -19,6 +19,7 @@ PageDriver::PageDriver(const std::string& p) : page(p, sessionOptions()), watche
 
 SessionOptions PageDriver::sessionOptions() {
   SessionOptions options;
+  options.lines = true;
   options.prepare = [this](PageRun& run) {
     player = &run.player();
     player->whileBusy = [this] { serveWindows(); };

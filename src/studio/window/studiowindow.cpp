@@ -24,6 +24,7 @@
 #include "kit/files.h"
 #include "kit/pictures/png.h"
 #include "studio/editor/openplace.h"
+#include "studio/editor/scripterrors.h"
 #include "studio/inspector/focusmap.h"
 #include "studio/timeline/runwatch.h"
 #include "studio/window/icons.h"
@@ -331,6 +332,7 @@ void StudioWindow::showPage() {
   timelineView->refresh();
   memoryView->update();
   showMarks();
+  if (run->complaints().size() != shownComplaints) showErrors();
   console->setLog(driver.session().openings(), run->log(), run->complaints());
   if (pointedAt) showPointed(pointedAt);
 }
@@ -356,7 +358,14 @@ void StudioWindow::showMarks() {
   screen->setMarks(std::move(marks), std::move(arrows));
 }
 
-void StudioWindow::showErrors() { errors->setMessages(driver.session().errors()); }
+// What keeps the page from being opened; or else what went wrong in its scripts.
+void StudioWindow::showErrors() {
+  std::vector<KitMessage> messages = driver.session().errors();
+  PageRun* run = driver.session().run();
+  shownComplaints = run ? run->complaints().size() : 0;
+  if (messages.empty() && run) messages = scriptErrors(run->complaintsWithPlaces());
+  errors->setMessages(messages);
+}
 
 void StudioWindow::showPointed(std::optional<QPoint> pixel) {
   pointedAt = pixel;

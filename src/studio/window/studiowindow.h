@@ -84,5 +84,6 @@ class StudioWindow : public QMainWindow {
   std::optional<QPoint> pointedAt;
   QAction* pickAction;
   bool showsFocusMap = false;
-  uint64_t shownRows = 0;  // of the timeline, when the page was shown last
+  size_t shownComplaints = 0;  // of the run
+  uint64_t shownRows = 0;      // of the timeline, when the page was shown last
 };

@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QTest>
 #include <QTreeWidget>
+#include <filesystem>
 
 #include "kit/files.h"
 #include "studio/window/look.h"
@@ -91,6 +92,24 @@ TEST_F(WindowTest, TheRemoteControlAndTheConsoleDriveThePage) {
   QTest::keyClick(input, Qt::Key_Return);
   EXPECT_EQ(value(), "7");
   EXPECT_EQ(window->pageDriver().session().recording().actions.size(), 2u);
+}
+
+TEST_F(WindowTest, AnErrorOfAScriptShowsWithItsLine) {
+  write(
+      "flags: 16bit\npage:\n  type: group\n  width: 720\n  height: 480\n  bgColor: '#FFFFFF'\n  start: a\n  children:\n"
+      "  - type: image\n    name: a\n    onClick: |\n      x = 1;\n      x.nosuch;\n");
+  open();
+  EXPECT_FALSE(window->errorBar().isVisible());
+  std::vector<KitMessage> clicked;
+  window->errorBar().clicked = [&](const KitMessage& message) { clicked.push_back(message); };
+  QTest::keyClick(&window->screenView(), Qt::Key_K);
+  ASSERT_TRUE(window->errorBar().isVisible());
+  QTest::mouseClick(&window->errorBar(), Qt::LeftButton);
+  ASSERT_EQ(clicked.size(), 1u);
+  EXPECT_EQ(clicked[0].line, 13);
+  EXPECT_EQ(clicked[0].text, "No property - nosuch");
+  EXPECT_EQ(std::filesystem::path(clicked[0].file).filename(), "p.yaml");
+  EXPECT_GT(shown().lightness(), 240) << "the page goes on";
 }
 
 // Types a new value over the one that the inspector shows.
