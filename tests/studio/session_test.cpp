@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "kit/files.h"
+#include "kit/pictures/png.h"
 #include "kit/source/pagebuild.h"
+#include "studio/editor/scripterrors.h"
+#include "studio/record/saverecording.h"
 #include "support/temporaryfolder.h"
 
 namespace {
@@ -183,6 +186,39 @@ TEST_F(SessionTest, AnEndlessScriptCanBeStopped) {
   EXPECT_EQ(session.run()->stopped(), "");
   keys(session, {"Right"});
   EXPECT_EQ(valueOf(session, "volume"), Value(2));
+}
+
+// What is saved does again what was done: by kpg test, by kpg shot --play, and as a film.
+TEST_F(SessionTest, WhatWasDoneIsSavedAsTheNameAsksFor) {
+  write("p.yaml", settings("#000000", "volume"));
+  Session session(at("p.yaml"));
+  ASSERT_TRUE(session.restart());
+  keys(session, {"Right", "Down", "Right"});
+  session.pass(200);
+  for (const char* name : {"p.recording.yaml", "p.test.yaml", "p.gif"})
+    saveRecording(session.recording(), at("p.yaml"), at(name));
+  EXPECT_EQ(readRecording(at("p.recording.yaml")).actions, session.recording().actions);
+  EXPECT_TRUE(isKitPng(readFile(at("p.png"))));
+  const std::vector<uint8_t> test = readFile(at("p.test.yaml")), film = readFile(at("p.gif"));
+  const std::string text(test.begin(), test.end());
+  for (const char* part : {"page: p.yaml", "screen: p.png", "focus: contrast", "key: Right"})
+    EXPECT_NE(text.find(part), std::string::npos) << text;
+  EXPECT_EQ(std::string(film.begin(), film.begin() + 6), "GIF89a");
+  EXPECT_THROW(saveRecording(session.recording(), at("p.yaml"), at("p.test.yaml")), KitError) << "its picture is there";
+  EXPECT_THROW(saveRecording(session.recording(), at("p.yaml"), at("p.yaml")), KitError);
+}
+
+// The place is that of the innermost code that has one.
+TEST(ScriptErrors, ComeWithTheirPlaces) {
+  const std::vector<KitMessage> errors =
+      scriptErrors({"Error: No property - x\nHappened in f at a b/t.bob:12\nCalled from:\n  g at t.bob:3\n",
+                    "Error: Unbound variable - y\nHappened in <CompiledCode-1>\nCalled from:\n  g at t.bob:4\n",
+                    "Error: No property - x\nHappened in f at a b/t.bob:12\n", "Loading image 'x' -- not found\n",
+                    "Error: Syntax error - Expecting x at y:z\n"});
+  ASSERT_EQ(errors.size(), 3u);
+  EXPECT_EQ(errors[0].whole(), "a b/t.bob:12: No property - x");
+  EXPECT_EQ(errors[1].whole(), "t.bob:4: Unbound variable - y");
+  EXPECT_EQ(errors[2].whole(), "Syntax error - Expecting x at y:z");
 }
 
 }  // namespace

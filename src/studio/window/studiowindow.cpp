@@ -26,6 +26,7 @@
 #include "studio/editor/openplace.h"
 #include "studio/editor/scripterrors.h"
 #include "studio/inspector/focusmap.h"
+#include "studio/record/saverecording.h"
 #include "studio/timeline/runwatch.h"
 #include "studio/window/icons.h"
 #include "studio/window/look.h"
@@ -419,19 +420,14 @@ void StudioWindow::savePicture() {
 
 void StudioWindow::setRecording(bool on) {
   if (on) return driver.restart();
-  Recording done = driver.session().recording();
   const QString name = QString::fromStdString(std::filesystem::path(page).stem().string()) + ".recording.yaml";
-  const QString file = QFileDialog::getSaveFileName(this, "Save the recording", name, "Recordings (*.yaml)");
+  const QString file = QFileDialog::getSaveFileName(
+      this, "Save what was done", name, "Recordings (*.yaml);;Tests of the page (*.test.yaml);;Films (*.gif *.png)");
   if (file.isEmpty()) return;
-  const std::string path = file.toStdString();
-  std::error_code error;
-  const auto relative = std::filesystem::relative(page, std::filesystem::path(path).parent_path(), error);
-  if (!error && !relative.empty()) done.page = relative.generic_string();
   try {
-    const std::string text = recordingText(done);
-    writeFile(path, text.data(), text.size());
+    saveRecording(driver.session().recording(), page, file.toStdString());
   } catch (const KitError& e) {
-    QMessageBox::warning(this, "The recording can't be saved", QString::fromStdString(e.what()));
+    QMessageBox::warning(this, "It can't be saved", QString::fromStdString(e.what()));
   }
 }
 
