@@ -21,7 +21,7 @@ class DebuggedPage {
   DebuggedPage();
   ~DebuggedPage();
 
-  // -- what the host of the debugger is told
+  // -- what whoever shows the debugger hears of
 
   std::function<BobResume(const BobStop&)> stopped;              // the page stands until it returns
   std::function<void(const std::string& text)> printed;          // on the console, and by breakpoints
