@@ -14,6 +14,10 @@ constexpr CheckKind kKinds[] = {
     {"late-master", "a `master` that the player makes after its slave, so that they don't share the highlight"},
     {"unreachable", "a widget that answers the focus, and that no direction key leads to from `start`"},
     {"focus-trap", "a widget that the focus reaches and that no direction key leaves"},
+    {"slider-direction", "a slider that the player draws across its long side"},
+    {"vanishes", "a number or a select that disappears with the focus"},
+    {"two-sizes", "a select with `showAll` whose two styles differ in size"},
+    {"outside-screen", "a widget that begins outside the screen"},
     {"unknown-allow", "an `allow` of a name that no check has"},
 };
 

@@ -39,6 +39,7 @@ std::vector<Finding> checkPageSource(const std::string& path, const std::vector<
     found.push_back({std::string(check), messageAt(place, std::move(text))});
   };
   checkLinks(page, find);
+  checkLooks(page, find);
 
   AllowedFindings allow(allowed);
   for (const std::string& source : tree.sources)

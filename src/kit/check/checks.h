@@ -11,3 +11,4 @@
 using Find = std::function<void(std::string_view check, const YamlPlace& place, std::string text)>;
 
 void checkLinks(const CheckedPage& page, const Find& find);
+void checkLooks(const CheckedPage& page, const Find& find);
