@@ -11,6 +11,7 @@ struct KitMessage {
   int line = 0;      // from 1; 0 for the file as a whole
   std::string text;
   std::vector<KitMessage> uses{};  // what brought the place in, the nearest first: a template's use, an include
+  std::string check{};             // the name of the check that finds it, of a warning that has one
 
   // "FILE:LINE: message", as far as the place is known, and a line for each use.
   std::string whole() const {

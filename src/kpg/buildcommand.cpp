@@ -10,6 +10,7 @@
 #include "kit/project/build.h"
 #include "kit/source/pagebuild.h"
 #include "kpg/commands.h"
+#include "kpg/pagechecks.h"
 #include "kpg/projectbuild.h"
 
 namespace fs = std::filesystem;
@@ -20,7 +21,7 @@ struct BuildCommandOptions {
   std::string source, output, depfile;
   BuildOptions project;
   PageSourceOptions page;
-  bool expand = false;
+  bool expand = false, check = false;
 };
 
 bool isProject(const std::string& source) {
@@ -67,6 +68,15 @@ void buildWholeProject(const BuildCommandOptions& options) {
   writeDepfile(options.depfile, project, report);
 }
 
+// After a build that has succeeded, of what was built.
+void checkBuilt(const BuildCommandOptions& options) {
+  const std::vector<Finding> found = isProject(options.source)
+                                         ? checkProject(openProject(options.source, options.output))
+                                         : checkPages({options.source});
+  printFindings(found, std::cerr);
+  if (!found.empty()) throw CommandFailure(1, "");
+}
+
 void printPlain(const std::string& source, const std::string& output) {
   const PlainSource plain = plainPageSource(source);
   refuseClashes({output}, plain.sources);
@@ -92,13 +102,19 @@ void addBuildCommand(CommandLine& line) {
   command.flag("--lines", options->page.lines,
                "Write line tables beside the page, PAGE.bobmap, by which errors name lines; a project always has them");
   command.flag("--strip", options->page.strip, "Leave out the names of scripts, by which an error says where it is");
+  command.flag("--check", options->check, "Then do as kpg check does");
   command.flag("--expand", options->expand, "Print the source without constants, templates and the like instead");
   command.runs([options] {
     std::error_code error;
     if (!options->source.empty() && !fs::exists(options->source, error))
       throw KitError(options->source, std::strerror(ENOENT));
-    if (isProject(options->source)) return buildWholeProject(*options);
-    if (options->expand) return printPlain(options->source, options->output);
-    options->output.empty() ? buildPageOfProject(*options) : buildOnePage(*options);
+    if (options->expand && options->check) KpgCommand::refuse("--expand builds nothing to check");
+    if (isProject(options->source)) {
+      buildWholeProject(*options);
+    } else {
+      if (options->expand) return printPlain(options->source, options->output);
+      options->output.empty() ? buildPageOfProject(*options) : buildOnePage(*options);
+    }
+    if (options->check) checkBuilt(*options);
   });
 }

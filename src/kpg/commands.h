@@ -5,6 +5,7 @@
 
 void addNewCommand(CommandLine& line);
 void addBuildCommand(CommandLine& line);
+void addCheckCommand(CommandLine& line);
 void addCleanCommand(CommandLine& line);
 void addPackCommand(CommandLine& line);
 void addDumpCommand(CommandLine& line);

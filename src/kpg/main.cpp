@@ -36,6 +36,7 @@ constexpr Command kCommands[] = {
     {"studio", addStudioCommand},
     {"film", addFilmCommand},
     {"test", addTestCommand},
+    {"check", addCheckCommand},
     {"diff", addDiffCommand},
     {"remote", addRemoteCommand},
     {"clut", addClutCommand},

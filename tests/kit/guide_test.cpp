@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "engine/format/attributes.h"
+#include "kit/check/finding.h"
 #include "kit/project/project.h"
 #include "support/pagefixture.h"
 
@@ -37,6 +38,13 @@ TEST(Guide, HasATableForEachKindOfObject) {
     const std::string table = tableOf(owner, type);
     EXPECT_NE(guide.find(table), std::string::npos) << "docs/authoring.md needs this table:\n" << table;
   }
+}
+
+TEST(Guide, HasATableOfTheChecks) {
+  std::string table = "| Check | What it finds |\n|---|---|\n";
+  for (const CheckKind& kind : checkKinds())
+    table += "| `" + std::string(kind.name) + "` | " + std::string(kind.about) + " |\n";
+  EXPECT_NE(guideText().find(table + "\n"), std::string::npos) << "docs/authoring.md needs this table:\n" << table;
 }
 
 class GuideProject : public PageTest {};

@@ -152,4 +152,15 @@ TEST_F(ProjectCommandsTest, AColorShowsAsThePageShowsIt) {
   EXPECT_EQ(kpg("color red"), 1);
 }
 
+TEST_F(KpgTest, CheckEndsWithStatusOneForFindings) {
+  writeText("p.yaml", "page:\n  up: nowhere\n");
+  EXPECT_EQ(kpg("check p.yaml"), 1);
+  EXPECT_EQ(out, "p.yaml:2: no-such-name: up of page: there is no widget 'nowhere'\n");
+  EXPECT_EQ(kpg("build --check p.yaml -o p.kpg"), 1);
+  EXPECT_TRUE(std::filesystem::exists("p.kpg"));
+  writeText("vistrel.yaml", "pages: [p.yaml]\nallow: [no-such-name]\n");
+  EXPECT_EQ(kpg("check"), 0);
+  EXPECT_EQ(out, "");
+}
+
 }  // namespace

@@ -8,6 +8,7 @@
 #include <map>
 
 #include "gfx/foundation/hsascii.h"
+#include "kit/check/finding.h"
 #include "kit/files.h"
 #include "kit/pictures/png.h"
 #include "kit/source/sourcevalue.h"
@@ -45,6 +46,7 @@ class ProjectReader {
              {"fonts", [&](const YamlNode& n) { eachItem(n, [&](const YamlNode& i) { readFont(i); }); }},
              {"scripts", [&](const YamlNode& n) { project.scripts = files(n); }},
              {"files", [&](const YamlNode& n) { project.files = files(n); }},
+             {"allow", [&](const YamlNode& n) { eachItem(n, [&](const YamlNode& i) { readAllowed(i); }); }},
              {"keep", [&](const YamlNode& n) {
                 eachItem(n, [&](const YamlNode& i) { project.keep.push_back(name(i).text); });
               }}});
@@ -240,6 +242,14 @@ class ProjectReader {
   static uint32_t background(const YamlNode& node) {
     if (const auto color = colorOf(scalarText(node, "a colour"))) return *color;
     throw SourceFault{node.place, shownNode(node) + " is no colour \"#RRGGBB\""};
+  }
+
+  void readAllowed(const YamlNode& node) {
+    const ProjectName check = name(node);
+    const std::vector<std::string> known = checkNames();
+    if (std::find(known.begin(), known.end(), check.text) == known.end())
+      throw SourceFault{node.place, "no check is called '" + check.text + "'" + suggestion(check.text, known)};
+    project.allow.push_back(check.text);
   }
 
   void readFont(const YamlNode& node) {

@@ -51,6 +51,7 @@ struct Project {
   std::vector<ProjectName> pages, scripts, files;
   std::vector<ProjectName> noPages;  // found by a pattern for pages, and none: what pages include
   std::vector<std::string> keep;     // built files to ship although nothing seems to use them; may be patterns
+  std::vector<std::string> allow;    // names of checks that are switched off
   std::vector<ProjectTable> tables;
   std::vector<ProjectPicture> pictures;
   std::vector<ProjectFont> fonts;

@@ -25,12 +25,14 @@ std::vector<KitMessage> PageNames::warnings() const {
     const char* kind = use.thing == NamedThing::widget ? "widget" : "text style";
     all.push_back(messageAt(use.place, "warning: " + use.what + ": there is no " + kind + " '" + use.name + "'" +
                                            suggestion(use.name, namesOf(use.thing))));
+    all.back().check = "no-such-name";
   }
   for (const Mention& one : again) {
     const char* kind = one.thing == NamedThing::widget ? "widget" : "text style";
     all.push_back(messageAt(one.place, "warning: " + one.what + ": another " + kind + " has the name '" + one.name +
                                            "', in line " + std::to_string(defined.at({one.thing, one.name}).line) +
                                            "; the player finds one of them"));
+    all.back().check = "name-twice";
   }
   return all;
 }

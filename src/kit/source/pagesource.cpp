@@ -252,8 +252,11 @@ class SourceReader {
           messageAt(source.place, object.label + " lies in more than 256 widgets; the player leaves it out"));
   }
 
-  void warnAt(const YamlPlace& place, const std::string& text) const {
-    if (warn) warn(messageAt(place, "warning: " + text));
+  void warnAt(const YamlPlace& place, const std::string& text, const char* check = "never-shown") const {
+    if (!warn) return;
+    KitMessage message = messageAt(place, "warning: " + text);
+    message.check = check;
+    warn(message);
   }
 
   void warnOfUnread(const YamlPair& pair) const {
@@ -264,7 +267,7 @@ class SourceReader {
     const std::string hint = !needed.empty()  ? " without '" + needed + "'"
                              : owners.empty() ? suggestion(pair.key, names)
                                               : "; " + owners + " has one";
-    warnAt(pair.place, whatIsRead() + ": nothing reads it" + hint);
+    warnAt(pair.place, whatIsRead() + ": nothing reads it" + hint, "unread-attribute");
   }
 
   void noteNames(const YamlPair& pair, const PageValue& value) {

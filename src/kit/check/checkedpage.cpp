@@ -1,0 +1,68 @@
+#include "kit/check/checkedpage.h"
+
+#include <algorithm>
+
+#include "engine/page/frame.h"
+#include "engine/widgets/group.h"
+#include "kit/source/schema.h"
+
+const PageValue* CheckedWidget::find(std::string_view attribute) const {
+  for (const PageEntry& entry : node->attributes)
+    if (entry.name == attribute) return &entry.value;
+  return nullptr;
+}
+
+std::string CheckedWidget::text(std::string_view attribute) const {
+  const PageValue* value = find(attribute);
+  return value && value->tag == PageTag::string ? value->bytes : "";
+}
+
+std::optional<int32_t> CheckedWidget::number(std::string_view attribute) const {
+  const PageValue* value = find(attribute);
+  return value && value->tag == PageTag::integer ? std::optional(int32_t(value->number)) : std::nullopt;
+}
+
+bool CheckedWidget::isTrue(std::string_view attribute) const {
+  const PageValue* value = find(attribute);
+  return value && value->tag == PageTag::boolean && value->number != 0;
+}
+
+YamlPlace CheckedWidget::place(std::string_view attribute) const {
+  for (const ObjectPlaces::Attribute& each : node->places.attributes)
+    if (each.name == attribute) return each.place;
+  return node->places.object;
+}
+
+CheckedPage::CheckedPage(const PageTree& t) : tree(t) {
+  add(tree.root, true, 0, 0, 1, 0);
+  complete.resize(widgets.size());
+  for (size_t i = 0; i < widgets.size(); ++i) complete[i] = i;
+  std::sort(complete.begin(), complete.end(), [&](size_t a, size_t b) { return widgets[a].ends < widgets[b].ends; });
+  for (const size_t i : complete)
+    if (!widgets[i].name.empty()) names.emplace(widgets[i].name, i);
+}
+
+std::optional<size_t> CheckedPage::named(std::string_view name) const {
+  const auto found = names.find(name);
+  return found == names.end() ? std::nullopt : std::optional(found->second);
+}
+
+// `x` and `y` are the corner of the widget around it.
+void CheckedPage::add(const PageNode& node, bool isRoot, int32_t x, int32_t y, size_t number, int depth) {
+  const size_t at = widgets.size();
+  CheckedWidget widget{&node, "", "", "", x + node.x, y + node.y, node.width, node.height, clock++, 0};
+  widget.type = widget.text("type");
+  widget.name = widget.text("name");
+  widget.label = objectLabel(isRoot ? ObjectKind::root : ObjectKind::widget, widget.type, widget.name, number);
+  const PageValue* children = widget.type == "group" && depth < kMaxWidgetDepth ? widget.find("children") : nullptr;
+  const int32_t left = widget.x, top = widget.y;
+  widgets.push_back(std::move(widget));
+  if (children) {
+    size_t child = 0;
+    for (const PageValue& entry : children->table) {
+      ++child;
+      if (!entry.object.empty()) add(entry.object.front(), false, left, top, child, depth + 1);
+    }
+  }
+  widgets[at].ends = clock++;
+}

@@ -1,0 +1,52 @@
+// A page's tree laid out for the checks: its widgets in one list, with the rectangles and names that the player gives
+// them.
+//
+// The player finds a widget by its name only once it is complete, its children before itself.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kit/source/pagetree.h"
+
+struct CheckedWidget {
+  const PageNode* node;
+  std::string type;  // empty for a plain box
+  std::string name;  // empty for none
+  std::string label;
+  int32_t x, y, width, height;  // on the screen, in pixels
+  size_t begins, ends;          // when the player begins to make it, and when it is complete
+
+  // The first attribute of that name counts.
+  const PageValue* find(std::string_view attribute) const;
+  bool has(std::string_view attribute) const { return find(attribute); }
+  std::string text(std::string_view attribute) const;  // empty when it is missing, or no text
+  std::optional<int32_t> number(std::string_view attribute) const;
+  bool isTrue(std::string_view attribute) const;
+  // Of the attribute's key; the widget's own without one.
+  YamlPlace place(std::string_view attribute = {}) const;
+};
+
+class CheckedPage {
+ public:
+  explicit CheckedPage(const PageTree& tree);
+
+  const PageTree& tree;
+  std::vector<CheckedWidget> widgets;  // in the order of the source; the first is the root
+  std::vector<size_t> complete;        // the same, in the order in which the player completes them
+
+  const CheckedWidget& root() const { return widgets.front(); }
+  // The one that the player finds; nothing for a name that none has.
+  std::optional<size_t> named(std::string_view name) const;
+
+ private:
+  void add(const PageNode& node, bool isRoot, int32_t x, int32_t y, size_t number, int depth);
+
+  std::map<std::string, size_t, std::less<>> names;
+  size_t clock = 0;
+};

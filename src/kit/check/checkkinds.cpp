@@ -1,0 +1,38 @@
+#include <algorithm>
+#include <iterator>
+
+#include "kit/check/finding.h"
+
+namespace {
+
+// In the order of the guide.
+constexpr CheckKind kKinds[] = {
+    {"no-such-name", "a link, a `master`, a `start` or a style that names nothing on the page"},
+    {"name-twice", "two widgets or two styles of one name, of which the player finds one"},
+    {"unread-attribute", "an attribute that nothing reads, most likely misspelt"},
+    {"never-shown", "what the player reads and never draws"},
+    {"late-master", "a `master` that the player makes after its slave, so that they don't share the highlight"},
+    {"unreachable", "a widget that answers the focus, and that no direction key leads to from `start`"},
+    {"focus-trap", "a widget that the focus reaches and that no direction key leaves"},
+    {"slider-direction", "a slider that the player draws across its long side"},
+    {"vanishes", "a number or a select that disappears with the focus"},
+    {"two-sizes", "a select with `showAll` whose two styles differ in size"},
+    {"outside-screen", "a widget that begins outside the screen"},
+    {"unknown-allow", "an `allow` of a name that no check has"},
+};
+
+}  // namespace
+
+std::span<const CheckKind> checkKinds() { return kKinds; }
+
+std::vector<std::string> checkNames() {
+  std::vector<std::string> names;
+  for (const CheckKind& kind : kKinds) names.emplace_back(kind.name);
+  return names;
+}
+
+std::string Finding::whole() const {
+  KitMessage named = message;
+  named.text = check + ": " + message.text;
+  return named.whole();
+}

@@ -1,0 +1,65 @@
+#include "kit/check/checkpage.h"
+
+#include <algorithm>
+#include <tuple>
+
+#include "kit/check/allowed.h"
+#include "kit/check/checks.h"
+#include "kit/json.h"
+#include "kit/source/pagesource.h"
+
+namespace {
+
+constexpr std::string_view kWarning = "warning: ";
+
+// What the build warns of.
+Finding ofWarning(const KitMessage& warning) {
+  Finding finding{warning.check, warning};
+  if (finding.message.text.starts_with(kWarning)) finding.message.text.erase(0, kWarning.size());
+  return finding;
+}
+
+void putInOrder(std::vector<Finding>& findings) {
+  const auto key = [](const Finding& f) { return std::tie(f.message.file, f.message.line, f.check, f.message.text); };
+  std::stable_sort(findings.begin(), findings.end(), [&](const auto& a, const auto& b) { return key(a) < key(b); });
+  const auto last =
+      std::unique(findings.begin(), findings.end(), [&](const auto& a, const auto& b) { return key(a) == key(b); });
+  findings.erase(last, findings.end());
+}
+
+}  // namespace
+
+std::vector<Finding> checkPageSource(const std::string& path, const std::vector<std::string>& allowed) {
+  std::vector<Finding> found;
+  const PageTree tree = readPageSource(path, [&](const KitMessage& warning) {
+    if (!warning.check.empty()) found.push_back(ofWarning(warning));
+  });
+  const CheckedPage page(tree);
+  const Find find = [&](std::string_view check, const YamlPlace& place, std::string text) {
+    found.push_back({std::string(check), messageAt(place, std::move(text))});
+  };
+  checkLinks(page, find);
+  checkLooks(page, find);
+
+  AllowedFindings allow(allowed);
+  for (const std::string& source : tree.sources)
+    for (Finding& unknown : allow.unknown(source)) found.push_back(std::move(unknown));
+  std::erase_if(found, [&](const Finding& finding) { return allow.allows(finding); });
+  putInOrder(found);
+  return found;
+}
+
+std::string findingsJson(const std::vector<Finding>& findings) {
+  JsonWriter json;
+  json.beginArray();
+  for (const Finding& finding : findings) {
+    json.beginObject();
+    json.string("file", finding.message.file);
+    json.number("line", finding.message.line);
+    json.string("check", finding.check);
+    json.string("text", finding.message.text);
+    json.endObject();
+  }
+  json.endArray();
+  return json.text();
+}

@@ -1,0 +1,14 @@
+// The checks themselves, a function for each family. None reads a file that the page doesn't name.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "kit/check/checkedpage.h"
+
+// Takes what a check has found: its name, where, and what the player will do.
+using Find = std::function<void(std::string_view check, const YamlPlace& place, std::string text)>;
+
+void checkLinks(const CheckedPage& page, const Find& find);
+void checkLooks(const CheckedPage& page, const Find& find);

@@ -1,0 +1,110 @@
+#include "kit/check/checkpage.h"
+
+#include "support/pagefixture.h"
+
+namespace {
+
+class CheckTest : public PageTest {
+ protected:
+  // Each as "LINE NAME".
+  std::vector<std::string> check(const std::string& source, const std::vector<std::string>& allowed = {}) {
+    writeText("p.yaml", source);
+    std::vector<std::string> found;
+    for (const Finding& finding : checkPageSource("p.yaml", allowed)) {
+      EXPECT_EQ(finding.message.file, "p.yaml");
+      found.push_back(std::to_string(finding.message.line) + " " + finding.check);
+    }
+    return found;
+  }
+
+  // Of a page with these children; the first of them is in line 7.
+  std::vector<std::string> checkChildren(const std::string& children, const std::string& start = "a") {
+    return check("page:\n  type: group\n  width: 720\n  height: 480\n  start: " + start + "\n  children:\n" + children);
+  }
+
+  using Found = std::vector<std::string>;
+};
+
+TEST_F(CheckTest, NamesThatNothingHasOrThatTwoHave) {
+  EXPECT_EQ(checkChildren("    - {name: a, right: b}\n"
+                          "    - {name: b, left: A, up: a}\n"
+                          "    - {name: b, bgcolor: 1}\n"),
+            (Found{"8 no-such-name", "9 name-twice", "9 unread-attribute"}));
+  EXPECT_EQ(checkChildren("    - {name: a, right: b}\n    - {name: b, left: a}\n"), Found{});
+}
+
+TEST_F(CheckTest, MastersThatThePlayerMakesLater) {
+  EXPECT_EQ(checkChildren("    - {master: a}\n    - {name: a}\n    - {master: a}\n"), Found{"7 late-master"});
+  // A group is complete only after what lies in it.
+  EXPECT_EQ(checkChildren("    - type: group\n"
+                          "      name: a\n"
+                          "      children:\n"
+                          "        - {name: in}\n"
+                          "        - {master: a}\n"
+                          "    - {master: in}\n"),
+            Found{"11 late-master"});
+}
+
+TEST_F(CheckTest, WidgetsThatNoKeyReaches) {
+  EXPECT_EQ(checkChildren("    - {name: a, right: b, onClick: x = 1;}\n"
+                          "    - {name: b, left: a}\n"
+                          "    - {name: c, left: a}\n"
+                          "    - {name: shows, master: a, onClick: x = 1;}\n"),
+            Found{"9 unreachable"});
+  // The number takes the key that would lead on.
+  const char* const number =
+      "    - {name: a, type: number, navigate: leftRight, textStyle: s, right: b, down: c}\n"
+      "    - {name: b, left: a}\n"
+      "    - {name: c, up: a}\n";
+  EXPECT_EQ(checkChildren(number).back(), "8 unreachable");
+  // A script may do what no link does.
+  EXPECT_EQ(checkChildren("    - {name: a, onRight: widgets.b.SetFocus();}\n    - {name: b, left: a}\n"), Found{});
+}
+
+TEST_F(CheckTest, WidgetsThatTheFocusCannotLeave) {
+  EXPECT_EQ(checkChildren("    - {name: a, right: b}\n    - {name: b, left: b}\n"), Found{"8 focus-trap"});
+  EXPECT_EQ(checkChildren("    - {name: a, right: b}\n    - {name: b, onLeft: x = 1;}\n"), Found{});
+  EXPECT_EQ(checkChildren("    - {name: a, onClick: x = 1;}\n"), Found{});
+}
+
+TEST_F(CheckTest, BarsThatComeOutTheOtherWay) {
+  EXPECT_EQ(checkChildren("    - {name: a, type: slider, width: 256, height: 20}\n"
+                          "    - {type: slider, width: 20, height: 256}\n"
+                          "    - {type: slider, width: 300, height: 20}\n"
+                          "    - {type: slider, width: 20, height: 200}\n"),
+            (Found{"7 slider-direction", "8 slider-direction"}));
+}
+
+TEST_F(CheckTest, WhatTheFocusMakesDisappear) {
+  const auto page = [](const std::string& widget, int size) {
+    return "page:\n  type: group\n  textStyles: [{name: s}, {name: t, size: " + std::to_string(size) +
+           "}]\n  children:\n    - {textStyle: s, " + widget + "}\n";
+  };
+  EXPECT_EQ(check(page("type: number, navigate: both", 20)), Found{"5 vanishes"});
+  EXPECT_EQ(check(page("type: number", 20)), Found{});
+  EXPECT_EQ(check(page("type: select, navigate: both, highlightTextStyle: t", 20)), Found{});
+  EXPECT_EQ(check(page("type: select, showAll: true, highlightTextStyle: t", 20)), Found{"5 two-sizes"});
+  EXPECT_EQ(check(page("type: select, showAll: true, highlightTextStyle: t", 24)), Found{});
+}
+
+TEST_F(CheckTest, WidgetsOutsideTheScreen) {
+  EXPECT_EQ(checkChildren("    - {name: a, x: 719, y: 479, width: 2, height: 2}\n"
+                          "    - {x: 720, width: 2, height: 2}\n"
+                          "    - {y: 480, width: 2, height: 2}\n"),
+            (Found{"8 outside-screen", "9 outside-screen"}));
+}
+
+TEST_F(CheckTest, WhatAnAuthorAllowsIsNotFound) {
+  const auto page = [](const std::string& top, const std::string& above, const std::string& beside) {
+    return top + "page:\n  type: group\n  children:\n" + above + "    - {up: x}" + beside + "\n    - {up: y}\n";
+  };
+  EXPECT_EQ(check(page("", "", "")), (Found{"4 no-such-name", "5 no-such-name"}));
+  EXPECT_EQ(check(page("", "", "  # kpg: allow no-such-name")), Found{"5 no-such-name"});
+  EXPECT_EQ(check(page("", "    # kpg: allow name-twice, no-such-name\n", "")), Found{"6 no-such-name"});
+  EXPECT_EQ(check(page("# A menu.\n# kpg: allow no-such-name\n", "", "")), Found{});
+  EXPECT_EQ(check(page("", "", ""), {"no-such-name"}), Found{});
+  EXPECT_EQ(check(page("", "", "  # kpg: allow no-such-nam")),
+            (Found{"4 no-such-name", "4 unknown-allow", "5 no-such-name"}));
+}
+
+}  // namespace
