@@ -96,13 +96,14 @@ class Meddler : public BobTracer {
   Meddler(BobDebugger& d, size_t e) : debugger(d), every(e) {}
   uint32_t codeIsReady(BobInterp* i, BobValue code) override { return debugger.codeIsReady(i, code); }
   void atInstruction(BobInterp* i, uint32_t code, uint32_t offset) override {
-    if (++count % every == 0) debugger.pause();
+    if (++count % every == 0 && stops++ < kMostStops) debugger.pause();
     debugger.atInstruction(i, code, offset);
   }
   void copyValues(BobInterp* i) override { debugger.copyValues(i); }
   BobDebugger& debugger;
   const size_t every;
-  size_t count = 0;
+  static constexpr size_t kMostStops = 60;  // each looks at everything
+  size_t count = 0, stops = 0;
 };
 
 // Each line of a program is a breakpoint, the program is stepped through, or everything in it is looked at and
