@@ -4,6 +4,7 @@ import signal
 import subprocess
 import sys
 import tempfile
+import time
 
 PAGE = 'flags: 16bit\npage: {type: group, width: 720, height: 480, bgColor: "%s", start: a, children: [{type: %s, name: a}]}\n'
 
@@ -20,6 +21,7 @@ def main():
             beside.rename(source)
 
         save('#000000')
+        time.sleep(0.2)  # what was saved just before may count as saved again
         watch = subprocess.Popen([kpg, 'watch', 'page.yaml', '-o', 'page.png', '--key', 'Down'], cwd=folder,
                                  stdout=subprocess.PIPE, text=True)
         try:
