@@ -19,6 +19,20 @@ fs::path fullName(const fs::path& file) { return fs::absolute(file).lexically_no
 
 std::vector<uint8_t> bytesOf(const std::string& text) { return {text.begin(), text.end()}; }
 
+// Endings of what is made, and of what it is made of.
+struct Sources {
+  const char* made;
+  const char* of[2];
+};
+constexpr Sources kSourcesOf[] = {
+    {".kpg", {".yaml", ".yml"}}, {".kpx", {".png", ".gif"}}, {".clut", {".png", ".gif"}}, {".bobo", {".bob", ".bob"}}};
+
+std::string optionsOf(const BuildStep& step) {
+  std::string options = step.options;
+  for (const std::string& output : step.outputs) options += "\n" + output;
+  return options;
+}
+
 // The first of these that is there and was changed after the made file, if that is there.
 std::string newerSource(const fs::path& made, std::initializer_list<const char*> extensions) {
   std::error_code error;
@@ -40,6 +54,7 @@ LiveFiles::LiveFiles(std::string p)
 void LiveFiles::begin() {
   ++run;
   asked.clear();
+  lookedFor.clear();
   readPlan();
 }
 
@@ -85,10 +100,12 @@ const MadeFile* LiveFiles::findInProject(const fs::path& file) {
   for (const BuildStep& step : plan.steps)
     for (const std::string& output : step.outputs)
       if (fullName(outputPath(*project, output)) == file)
-        return fileOf(step.name, file, [&](Made& m) { runStep(step, m); });
+        return fileOf(
+            step.name, file, [&](Made& m) { runStep(step, m); }, optionsOf(step));
   // What a page names and nothing makes is copied from among the sources.
   const fs::path inOutput = file.lexically_relative(fullName(outputPath(*project, "")));
   if (inOutput.empty() || *inOutput.begin() == "..") return nullptr;
+  lookFor(project->pathOf(inOutput.string()));
   const std::string source = project->pathOf(inOutput.string());
   std::error_code error;
   if (!fs::is_regular_file(source, error)) return nullptr;
@@ -99,7 +116,16 @@ const MadeFile* LiveFiles::findInProject(const fs::path& file) {
   });
 }
 
+// Whoever waits for saves has to know what isn't there yet, too.
+void LiveFiles::lookFor(const fs::path& made) {
+  lookedFor.insert(made.string());
+  for (const auto& [ending, extensions] : kSourcesOf)
+    if (made.extension() == ending)
+      for (const char* extension : extensions) lookedFor.insert(fs::path(made).replace_extension(extension).string());
+}
+
 const MadeFile* LiveFiles::findBeside(const fs::path& file) {
+  lookFor(file);
   if (file.extension() == ".kpg") {
     const std::string source = newerSource(file, {".yaml", ".yml"});
     if (source.empty() || !isPageSource(source)) return nullptr;
@@ -111,7 +137,10 @@ const MadeFile* LiveFiles::findBeside(const fs::path& file) {
   return fileOf("picture " + source, file, [&](Made& m) {
     const fs::path kpx = fs::path(file).replace_extension(".kpx");
     m.inputs.emplace_back(source, "");
-    ConvertedPicture picture = pictureForPlayer(source, kpx.string(), {});
+    // Names count from the page's folder.
+    PictureOptions options;
+    options.clutName = fs::path(ownClutName(kpx.string())).lexically_relative(fullName(page).parent_path()).string();
+    ConvertedPicture picture = pictureForPlayer(source, kpx.string(), options);
     m.files[kpx].bytes.assign(picture.kpx.begin(), picture.kpx.end());
     m.files[ownClutName(kpx.string())].bytes.assign(picture.ownClut.begin(), picture.ownClut.end());
   });
@@ -119,19 +148,21 @@ const MadeFile* LiveFiles::findBeside(const fs::path& file) {
 
 // ---- making, and keeping what was made
 
-const MadeFile* LiveFiles::fileOf(const std::string& key, const fs::path& file, const Maker& make) {
-  const Made& m = made(key, make);
+const MadeFile* LiveFiles::fileOf(const std::string& key, const fs::path& file, const Maker& make,
+                                  const std::string& options) {
+  const Made& m = made(key, make, options);
   const auto found = m.files.find(file);
   return found == m.files.end() ? nullptr : &found->second;
 }
 
-const LiveFiles::Made& LiveFiles::made(const std::string& key, const Maker& make) {
+const LiveFiles::Made& LiveFiles::made(const std::string& key, const Maker& make, const std::string& options) {
   Made& m = all[key];
   if (m.lookedAt == run) return m;
   const bool isNew = m.lookedAt == 0;
   m.lookedAt = run;
   asked.push_back(key);
-  if (!isNew && isCurrent(m)) return m;
+  if (!isNew && m.options == options && isCurrent(m)) return m;
+  m.options = options;
   m.files.clear();
   m.inputs.clear();
   m.errors.clear();
@@ -228,5 +259,6 @@ std::vector<std::string> LiveFiles::sources() const {
   for (const std::string& key : asked)
     for (const auto& [input, hash] : all.at(key).inputs) found.insert(input);
   found.insert(plan.missing.begin(), plan.missing.end());
+  found.insert(lookedFor.begin(), lookedFor.end());
   return {found.begin(), found.end()};
 }

@@ -10,6 +10,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -39,17 +40,20 @@ class LiveFiles : public MadeFiles {
   struct Made {
     std::map<std::filesystem::path, MadeFile> files;          // by full name
     std::vector<std::pair<std::string, std::string>> inputs;  // and the hashes of what they held
+    std::string options;                                      // what else it depends on
     std::vector<KitMessage> errors, warnings;
     uint64_t lookedAt = 0;  // in which run
   };
   using Maker = std::function<void(Made&)>;
 
   void readPlan();
-  const Made& made(const std::string& key, const Maker& make);
+  const Made& made(const std::string& key, const Maker& make, const std::string& options = {});
   bool isCurrent(const Made& made);
   std::string hashOf(const std::string& input);
   std::vector<uint8_t> read(const std::string& path) const;
-  const MadeFile* fileOf(const std::string& key, const std::filesystem::path& file, const Maker& make);
+  const MadeFile* fileOf(const std::string& key, const std::filesystem::path& file, const Maker& make,
+                         const std::string& options = {});
+  void lookFor(const std::filesystem::path& made);
   const MadeFile* findInProject(const std::filesystem::path& file);
   const MadeFile* findBeside(const std::filesystem::path& file);
   void compile(const std::string& source, const std::filesystem::path& page, Made& made);
@@ -63,5 +67,6 @@ class LiveFiles : public MadeFiles {
   std::map<std::string, Made> all;                      // by steps and sources
   std::map<std::filesystem::path, std::string> owners;  // of files that only making something has shown: its key
   std::vector<std::string> asked;                       // keys, in this run
+  std::set<std::string> lookedFor;                      // in this run: sources that would make what was asked for
   uint64_t run = 0;
 };

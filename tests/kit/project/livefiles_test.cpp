@@ -140,6 +140,53 @@ TEST_F(LiveFilesTest, WhatIsWrongIsSaidAndWaitedFor) {
   EXPECT_TRUE(isRed(pixel(files, "main.yaml")));
 }
 
+TEST_F(LiveFilesTest, WhatTheProjectSaysOfAPictureCounts) {
+  const std::string project = "pages: [main.yaml]\npictures: [{files: art/*.png, background: '%'}]\n";
+  const auto with = [&](const std::string& color) {
+    std::string text = project;
+    return text.replace(text.find('%'), 1, color);
+  };
+  write("vistrel.yaml", with("#FF0000"));
+  write("main.yaml", pageWith("art/one.kpx"));
+  // An empty picture shows its background.
+  const fs::path art = fs::path(at("art/one.png"));
+  fs::create_directories(art.parent_path());
+  const uint8_t kClear[] = {0x89, 'P',  'N',  'G',  0x0D, 0x0A, 0x1A, 0x0A, 0,    0,    0,    13,   'I',  'H',
+                            'D',  'R',  0,    0,    0,    1,    0,    0,    0,    1,    8,    6,    0,    0,
+                            0,    0x1F, 0x15, 0xC4, 0x89, 0,    0,    0,    11,   'I',  'D',  'A',  'T',  0x78,
+                            0xDA, 0x63, 0x60, 0,    2,    0,    0,    5,    0,    1,    0xE9, 0xFA, 0xDC, 0xD8,
+                            0,    0,    0,    0,    'I',  'E',  'N',  'D',  0xAE, 0x42, 0x60, 0x82};
+  writeFile(art.string(), kClear, sizeof kClear);
+  LiveFiles files(at("main.yaml"));
+  const auto bytes = [&] {
+    files.begin();
+    const MadeFile* file = files.find(fs::path(at("build/art/one.kpx")).lexically_normal());
+    return file ? file->bytes : std::string();
+  };
+  const std::string red = bytes();
+  ASSERT_FALSE(red.empty()) << files.errors().front().whole();
+  const auto table = [&] { return files.find(fs::path(at("build/art/one.clut")).lexically_normal())->bytes; };
+  const std::string redTable = table();
+  EXPECT_EQ(bytes(), red);
+  write("vistrel.yaml", with("#0000FF"));
+  bytes();
+  EXPECT_NE(table(), redTable);
+}
+
+TEST_F(LiveFilesTest, SourcesThatDontExistYetAreWaitedFor) {
+  for (const bool inProject : {false, true}) {
+    if (inProject) write("vistrel.yaml", "pages: [main.yaml]\npictures: [art/*.png]\n");
+    write("main.yaml", pageWith("art/one.kpx"));
+    paint("art/other.png", kBlue);
+    fs::remove(at("art/one.png"));
+    LiveFiles files(at("main.yaml"));
+    pixel(files, "main.yaml");
+    EXPECT_TRUE(dependsOn("art/one.png")) << inProject;
+    paint("art/one.png", kRed);
+    EXPECT_TRUE(isRed(pixel(files, "main.yaml"))) << inProject;
+  }
+}
+
 TEST_F(LiveFilesTest, WithoutAProjectTheNewerOfTwoCounts) {
   write("main.yaml", pageWith("one.kpx"));
   write("next.yaml", pageWith("two.kpx"));
