@@ -59,7 +59,6 @@ void film(const FilmCommandOptions& options) {
 
 void addFilmCommand(CommandLine& line) {
   auto options = std::make_shared<FilmCommandOptions>();
-  options->limitSeconds = 10;
   KpgCommand command =
       line.command("film", "Open a page or a page source, do the actions in order, save all that the screen showed");
   command
@@ -80,11 +79,7 @@ void addFilmCommand(CommandLine& line) {
       .between(0, 60000)
       .type("MS");
   command.flag("--read-only", options->readOnly, "Let no script write a file");
-  command
-      .add("--timeout", options->limitSeconds,
-           "End what runs for longer than this processor time after the load or an action; 10 by default, 0 for never")
-      .type("SECONDS")
-      .notNegative();
+  addTimeLimit(command, options->limitSeconds);
   addPageActions(command, [options](const PageAction& action) { options->actions.push_back(action); });
   command.runs([options] { film(*options); });
 }

@@ -3,6 +3,15 @@
 #include "host/keytable.h"
 #include "kit/run/recording.h"
 
+void addTimeLimit(KpgCommand& command, double& seconds) {
+  seconds = 10;
+  command
+      .add("--timeout", seconds,
+           "End what runs for longer than this processor time after the load or an action; 10 by default, 0 for never")
+      .type("SECONDS")
+      .notNegative();
+}
+
 void addPageActions(KpgCommand& command, const std::function<void(const PageAction&)>& take) {
   const auto addAction = [&](const char* name, PageAction::Kind kind, const char* help, const char* type) {
     return command

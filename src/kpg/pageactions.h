@@ -7,5 +7,8 @@
 #include "kit/run/pageaction.h"
 #include "kpg/commandline.h"
 
+// How much processor time, in seconds, what runs may take: --timeout, 10 by default.
+void addTimeLimit(KpgCommand& command, double& seconds);
+
 // `take` gets each action.
 void addPageActions(KpgCommand& command, const std::function<void(const PageAction&)>& take);

@@ -53,17 +53,12 @@ void profile(ProfileOptions options) {
 
 void addProfileCommand(CommandLine& line) {
   auto options = std::make_shared<ProfileOptions>();
-  options->limitSeconds = 10;
   KpgCommand command =
       line.command("profile", "Open a page, do the actions in order, print what each function of its scripts cost");
   command.add("page", options->page, "The page, or its source").required().type("PAGE.kpg|PAGE.yaml");
   command.add("--flame", options->flameGraph, "Where to write a flame graph").type("OUT.svg");
   command.add("--speedscope", options->speedscope, "Where to write a file for speedscope").type("OUT.json");
-  command
-      .add("--timeout", options->limitSeconds,
-           "End what runs for longer than this processor time after the load or an action; 10 by default, 0 for never")
-      .type("SECONDS")
-      .notNegative();
+  addTimeLimit(command, options->limitSeconds);
   addPageActions(command, [options](const PageAction& action) { options->actions.push_back(action); });
   command.runs([options] { profile(*options); });
 }

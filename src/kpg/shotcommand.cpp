@@ -143,7 +143,6 @@ void shoot(ShotOptions options) {
 
 void addShotCommand(CommandLine& line) {
   auto options = std::make_shared<ShotOptions>();
-  options->limitSeconds = 10;
   KpgCommand command = line.command("shot", "Open a page or a page source, do the actions in order, save the screen");
   command
       .add("page", options->page,
@@ -160,11 +159,7 @@ void addShotCommand(CommandLine& line) {
   command.flag("--read-only", options->readOnly, "Let no script write a file");
   command.flag("--strict", options->strict,
                "End with status 1 if a script failed, a file was missing or the system refused anything");
-  command
-      .add("--timeout", options->limitSeconds,
-           "End what runs for longer than this processor time after the load or an action; 10 by default, 0 for never")
-      .type("SECONDS")
-      .notNegative();
+  addTimeLimit(command, options->limitSeconds);
 
   addPageActions(command, [options](const PageAction& action) { options->actions.push_back(action); });
   command.runs([options] { shoot(*options); });

@@ -101,17 +101,12 @@ void watchPage(const WatchOptions& options) {
 
 void addWatchCommand(CommandLine& line) {
   auto options = std::make_shared<WatchOptions>();
-  options->limitSeconds = 10;
   KpgCommand command = line.command("watch", "Do as shot does, again after each save, until Ctrl+C");
   command.add("page", options->page, "The page or its source; all that it names is made in memory")
       .required()
       .type("PAGE.kpg|PAGE.yaml");
   command.add("-o,--out", options->output, "The picture to write").required().type("OUT.png");
-  command
-      .add("--timeout", options->limitSeconds,
-           "End what runs for longer than this processor time after the load or an action; 10 by default, 0 for never")
-      .type("SECONDS")
-      .notNegative();
+  addTimeLimit(command, options->limitSeconds);
   addPageActions(command, [options](const PageAction& action) { options->actions.push_back(action); });
   command.runs([options] { watchPage(*options); });
 }
