@@ -87,6 +87,21 @@ page:
   EXPECT_EQ(edits.redoName(), "min of 'n'");
 }
 
+TEST_F(SourceEditsTest, AnAttributeGoesBackToItsDefault) {
+  open(kPage);
+  edits.removeAttribute(of("n"), "max");
+  edits.removeAttribute(of("t"), "x");
+  EXPECT_EQ(text().find("max"), std::string::npos);
+  EXPECT_NE(text().find("{type: text, name: t, value: 'it''s', y: 20}  # first"), std::string::npos) << text();
+  EXPECT_EQ(edits.undoName(), "x of 't'");
+  EXPECT_EQ(refusal([&] { edits.removeAttribute(of("n"), "min"); }), "min: it isn't set at the widget itself");
+  saveAndReload();
+  EXPECT_EQ(view("t").place.x, 0);
+  edits.undo();
+  edits.undo();
+  EXPECT_EQ(text(), kPage);
+}
+
 TEST_F(SourceEditsTest, ADragIsOneStepHoweverOftenThePageWasReloadedMeanwhile) {
   open(kPage);
   edits.setBounds(of("t"), {11, 20, 0, 0}, 1);

@@ -28,7 +28,10 @@ std::string printed(BobInterp* interp, BobValue value, bool (*print)(BobInterp*,
 }
 
 bool isVector(BobInterp* interp, BobValue value) { return interp->recordOf(value)->base == kBobVector; }
-bool isNative(BobInterp* interp, BobValue value) { return interp->recordOf(value)->base == kBobCObject; }
+// Of a native kind: all of them are made after one pattern.
+bool isNative(BobInterp* interp, BobValue value) {
+  return interp->recordOf(value)->GetProperty == interp->record(kBobCObject)->GetProperty;
+}
 
 // Those that the kind and the kinds above it have as rows, and those that were hung on the instance.
 std::vector<std::string> nativeNames(BobInterp* interp, BobValue object) {

@@ -21,11 +21,15 @@ const YamlNode* findMap(const YamlNode& node, const YamlPlace& place) {
   return nullptr;
 }
 
-// What the tree is to become; names of anchors are copies, and all copies change.
-void set(YamlNode& node, const YamlPlace& place, const std::string& key, const std::string& value) {
-  for (YamlNode& item : node.list) set(item, place, key, value);
-  for (YamlPair& pair : node.map) set(pair.value, place, key, value);
-  if (!isAt(node, place)) return;
+// Names of anchors are copies, and all copies of a map change.
+template <class Change>
+void forEachCopy(YamlNode& node, const YamlPlace& place, const Change& change) {
+  for (YamlNode& item : node.list) forEachCopy(item, place, change);
+  for (YamlPair& pair : node.map) forEachCopy(pair.value, place, change);
+  if (isAt(node, place)) change(node);
+}
+
+void set(YamlNode& node, const std::string& key, const std::string& value) {
   const auto pair = std::find_if(node.map.begin(), node.map.end(), [&](const YamlPair& p) { return p.key == key; });
   YamlNode& target = pair != node.map.end() ? pair->value : node.map.emplace_back(YamlPair{key, {}, {}}).value;
   target.kind = YamlNode::Kind::scalar;
@@ -58,6 +62,12 @@ class Editor {
                                     : yamlOnOneLine(value);
     if (begin > 0 && text[begin - 1] == ':') scalar.insert(0, 1, ' ');
     return replaced(begin, end, scalar);
+  }
+
+  // Without the pair, which holds a scalar and isn't the only one.
+  std::string without(const YamlPair& pair) const {
+    const size_t begin = offset(pair.place), end = valueEnd(pair, valueBegin(pair));
+    return inFlow ? withoutInFlow(pair, begin, end) : withoutLines(pair, begin, end);
   }
 
  private:
@@ -185,23 +195,65 @@ class Editor {
     return replaced(end, end, newLine + margin + pair);
   }
 
+  // With the comma before it, or that after it for the first.
+  std::string withoutInFlow(const YamlPair& pair, size_t begin, size_t end) const {
+    if (&pair == &map.map.front()) {
+      const size_t comma = std::min(text.find(',', end), text.size() - 1);
+      return replaced(begin, std::min(text.find_first_not_of(' ', comma + 1), text.size()), "");
+    }
+    const size_t comma = text.rfind(',', begin);
+    return replaced(comma == std::string::npos ? begin : comma, end, "");
+  }
+
+  // The first of a map in a list stands after the dash, where the next one comes, unless comments lie between.
+  std::string withoutLines(const YamlPair& pair, size_t begin, size_t end) const {
+    const size_t lineBegin = begin == 0 ? 0 : text.rfind('\n', begin - 1) + 1;
+    const size_t afterLine = std::min(text.find('\n', end), text.size() - 1) + 1;
+    if (text.find_first_not_of(' ', lineBegin) == begin) return replaced(lineBegin, afterLine, "");
+    const size_t next = offset((&pair + 1)->place);
+    const bool hasComments = text.find('#', afterLine) < next;
+    return replaced(begin, hasComments ? lineEnd(end) : next, "");
+  }
+
   const std::string& text;
   const YamlNode& map;
   const bool inFlow;
 };
+
+// What an edit has made, or a KitError if it says anything but what it should.
+std::string checked(const std::string& file, const std::string& edited, const YamlNode& expected,
+                    const YamlPlace& place, const std::string& key) {
+  try {
+    if (saysTheSame(parseYaml(file, edited), expected)) return edited;
+  } catch (const KitError&) {
+  }
+  throw KitError(file, place.line, "'" + key + "' can't be changed by itself here; edit the file");
+}
+
+const YamlNode& mapAt(const std::string& file, const YamlNode& top, const YamlPlace& place) {
+  if (const YamlNode* map = findMap(top, place)) return *map;
+  throw KitError(file, place.line, "the source has changed: there is no map here");
+}
 
 }  // namespace
 
 std::string withYamlValue(const std::string& file, const std::string& source, const YamlPlace& place,
                           const std::string& key, const std::string& value) {
   YamlNode expected = parseYaml(file, source);
-  const YamlNode* map = findMap(expected, place);
-  if (!map) throw KitError(file, place.line, "the source has changed: there is no map here");
-  const std::string edited = Editor(source, *map).with(key, value);
-  set(expected, place, key, value);
-  try {
-    if (saysTheSame(parseYaml(file, edited), expected)) return edited;
-  } catch (const KitError&) {
-  }
-  throw KitError(file, place.line, "'" + key + "' can't be changed by itself here; edit the file");
+  const std::string edited = Editor(source, mapAt(file, expected, place)).with(key, value);
+  forEachCopy(expected, place, [&](YamlNode& map) { set(map, key, value); });
+  return checked(file, edited, expected, place, key);
+}
+
+std::string withoutYamlKey(const std::string& file, const std::string& source, const YamlPlace& place,
+                           const std::string& key) {
+  YamlNode expected = parseYaml(file, source);
+  const YamlNode& map = mapAt(file, expected, place);
+  const auto isIt = [&](const YamlPair& pair) { return pair.key == key; };
+  const auto pair = std::find_if(map.map.begin(), map.map.end(), isIt);
+  if (pair == map.map.end()) throw KitError(file, place.line, "there is no '" + key + "' here");
+  const bool isScalar = pair->value.isScalar() || pair->value.isNull();
+  const std::string edited = isScalar && map.map.size() > 1 ? Editor(source, map).without(*pair) : source;
+  forEachCopy(expected, place, [&](YamlNode& copy) { std::erase_if(copy.map, isIt); });
+  return checked(file, edited, expected, place, key);
 }

@@ -1,4 +1,4 @@
-// Changes one value of a YAML text and leaves everything else as the author wrote it: comments, order, spaces, quotes.
+// Changes or removes one value of a YAML text and leaves everything else as the author wrote it: comments, order, spaces, quotes.
 #pragma once
 
 #include <string>
@@ -12,3 +12,8 @@
 // as a list or the name of an anchor, is a KitError, and so is a text that is no YAML.
 std::string withYamlValue(const std::string& file, const std::string& source, const YamlPlace& map,
                           const std::string& key, const std::string& value);
+
+// The text without `key` of that map, its value, and a comment after it on the line. Only a scalar can go, and only if
+// the map has something left; anything else is a KitError.
+std::string withoutYamlKey(const std::string& file, const std::string& source, const YamlPlace& map,
+                           const std::string& key);

@@ -113,8 +113,8 @@ bool saysAlready(const WidgetSource& widget, const YamlNode& built, const YamlNo
   const YamlNode *before = built.find(wanted.key), *now = map.find(wanted.key);
   const bool isAsBuilt = (!before && !now) || (before && now && before->text == now->text);
   const auto given = givenNumber(widget, wanted.key);
-  if (given && isAsBuilt) return std::to_string(*given) == wanted.text;
-  return now && now->isScalar() && now->text == wanted.text;
+  if (given && isAsBuilt) return std::to_string(*given) == *wanted.text;
+  return now && now->isScalar() && now->text == *wanted.text;
 }
 
 constexpr size_t kMostSteps = 200;  // each has two texts of a whole file
@@ -168,6 +168,10 @@ void SourceEdits::setAttribute(const WidgetSource& widget, const std::string& na
   change(widget, {{name, value}}, name, 0);
 }
 
+void SourceEdits::removeAttribute(const WidgetSource& widget, const std::string& name) {
+  change(widget, {{name, std::nullopt}}, name, 0);
+}
+
 void SourceEdits::setBounds(const WidgetSource& widget, const Bounds& place, uint32_t drag) {
   const auto cut = [](int32_t v) { return std::to_string(std::clamp(v, 0, 65535)); };
   const bool isResized = place.w != widget.given.w || place.h != widget.given.h;
@@ -188,14 +192,19 @@ void SourceEdits::change(const WidgetSource& widget, const std::vector<SourceVal
   const std::string before = file.text;
   std::string label;
   for (const SourceValue& value : values) {
-    checkValue(widget, value.key, value.text);
+    if (value.text) checkValue(widget, value.key, *value.text);
     const YamlNode top = parseYaml(fileName, file.text);
     const YamlNode* map = follow(top, path);
     if (!map) throw KitError(fileName, "there is no widget any more where this one was");
     label = nameOf(widget, *map);
+    if (!value.text) {
+      if (!map->find(value.key)) refuse(value.key, "it isn't set at the widget itself");
+      file.text = withoutYamlKey(fileName, file.text, map->place, value.key);
+      continue;
+    }
     if (saysAlready(widget, built, *map, value)) continue;
     checkMap(widget, *map, value.key);
-    file.text = withYamlValue(fileName, file.text, map->place, value.key, value.text);
+    file.text = withYamlValue(fileName, file.text, map->place, value.key, *value.text);
   }
   if (const auto known = files.find(fileName); known != files.end() && known->second.saved != file.saved)
     forget(fileName);

@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,7 +19,8 @@
 #include "studio/inspector/widgetsources.h"
 
 struct SourceValue {
-  std::string key, text;
+  std::string key;
+  std::optional<std::string> text;  // none removes the key
 };
 
 class SourceEdits {
@@ -27,6 +29,8 @@ class SourceEdits {
 
   // The value is what an author would write: a text without quotes, a number, a colour, true or false.
   void setAttribute(const WidgetSource& widget, const std::string& name, const std::string& value);
+  // So that its default counts, or what its template says.
+  void removeAttribute(const WidgetSource& widget, const std::string& name);
   // In what the widget lies in; cut to what a page can hold. Steps in a row with one `drag`, if it isn't 0, are one.
   void setBounds(const WidgetSource& widget, const Bounds& place, uint32_t drag = 0);
 

@@ -70,7 +70,7 @@ class LineMaker {
     line.from = whereFrom(line);
     line.help = help;
     line.range = "pixels, 0 to 65535";
-    if (source) line.editBy = EditBy::number;
+    setEditor(line, EditBy::number);
     return line;
   }
 
@@ -90,8 +90,14 @@ class LineMaker {
       line.help = plainText(row->help);
       line.range = plainText(row->value);
     }
-    if (source) line.editBy = editorFor(view.kind, !line.choices.empty());
+    setEditor(line, editorFor(view.kind, !line.choices.empty()));
     return line;
+  }
+
+  void setEditor(AttributeLine& line, EditBy editor) const {
+    if (!source) line.whyNotEdited = "nobody knows its source";
+    if (editor == EditBy::nothing) line.whyNotEdited = "it is too long for a line; edit the file";
+    if (line.whyNotEdited.empty()) line.editBy = editor;
   }
 
   void setPlace(AttributeLine& line) const {

@@ -20,7 +20,8 @@ struct AttributeLine {
   std::vector<std::string> uses;   // what brought the place in, the nearest first: "template 'button' at menu.yaml:30"
   std::string help, range;         // one line each, without marks
   std::vector<std::string> choices;
-  EditBy editBy = EditBy::nothing;  // which editor suits it; none for what has no source or can't be written on a line
+  EditBy editBy = EditBy::nothing;  // which editor suits it
+  std::string whyNotEdited;         // a sentence, where none does
 };
 
 // The rectangle first, then the attributes in the order of their table. Empty for a widget that has gone.

@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QRegularExpression>
 #include <QScrollBar>
@@ -40,7 +41,8 @@ ConsoleView::ConsoleView() : output(new QPlainTextEdit), input(new QLineEdit), f
     edit->setFont(fixedFont());
     edit->setTextMargins(6, 4, 6, 4);
   }
-  input->setPlaceholderText("A statement, run in the page (Tab completes, \u2191 brings back)");
+  input->setPlaceholderText(
+      "A statement, run in the page; ?value shows what lies in it (Tab completes, \u2191 brings back)");
   input->setAccessibleName("Statement");
   filter->setPlaceholderText("Filter");
   filter->setClearButtonEnabled(true);
@@ -51,6 +53,8 @@ ConsoleView::ConsoleView() : output(new QPlainTextEdit), input(new QLineEdit), f
   column->addLayout(row);
 
   input->installEventFilter(this);
+  output->viewport()->installEventFilter(this);
+  output->viewport()->setMouseTracking(true);
   QObject::connect(input, &QLineEdit::returnPressed, this, [this] {
     const QString line = input->text();
     if (!line.isEmpty() && (history.isEmpty() || history.back() != line)) history.push_back(line);
@@ -63,9 +67,14 @@ ConsoleView::ConsoleView() : output(new QPlainTextEdit), input(new QLineEdit), f
   QObject::connect(filter, &QLineEdit::textChanged, this, [this] { applyFilter(); });
 }
 
+void ConsoleView::focusInput() { input->setFocus(); }
+
+void ConsoleView::focusFilter() { filter->setFocus(); }
+
 void ConsoleView::setWords(const QStringList& w) { words = w; }
 
-void ConsoleView::setLog(uint64_t now, const std::string& log, const std::vector<std::string_view>& complaints) {
+void ConsoleView::setLog(uint64_t now, const std::string& log, const std::vector<std::string_view>& complaints,
+                         const Placed& placed) {
   if (now == opening && log.size() == seen) return;
   if (now != opening) {
     if (seen > 0) append(QString(24, QChar(0x2500)) + "\n", look().faint);
@@ -78,7 +87,7 @@ void ConsoleView::setLog(uint64_t now, const std::string& log, const std::vector
     if (end <= at) continue;
     if (begin > at) append(textOf(std::string_view(log).substr(at, begin - at)), look().text);
     at = std::max(at, begin);
-    append(textOf(std::string_view(log).substr(at, end - at)), look().error);
+    appendWithPlaces(textOf(placed(std::string_view(log).substr(at, end - at))), look().error);
     at = end;
   }
   append(textOf(std::string_view(log).substr(at)), look().text);
@@ -86,7 +95,7 @@ void ConsoleView::setLog(uint64_t now, const std::string& log, const std::vector
   if (!filter->text().isEmpty()) applyFilter();
 }
 
-void ConsoleView::append(const QString& text, const QColor& color) {
+void ConsoleView::append(const QString& text, const QColor& color, const QString& place) {
   if (text.isEmpty()) return;
   QScrollBar* bar = output->verticalScrollBar();
   const bool follows = bar->value() >= bar->maximum() - 1;
@@ -94,9 +103,29 @@ void ConsoleView::append(const QString& text, const QColor& color) {
   cursor.movePosition(QTextCursor::End);
   QTextCharFormat format;
   format.setForeground(color);
+  if (!place.isEmpty()) {
+    format.setAnchor(true);
+    format.setAnchorHref(place);
+    format.setFontUnderline(true);
+  }
   cursor.insertText(text, format);
   if (follows) bar->setValue(bar->maximum());
 }
+
+// A place is what a line ends in: " at FILE:LINE".
+void ConsoleView::appendWithPlaces(const QString& text, const QColor& color) {
+  static const QRegularExpression kPlace(" at (.+:[0-9]+)$", QRegularExpression::MultilineOption);
+  qsizetype done = 0;
+  for (auto places = kPlace.globalMatch(text); places.hasNext();) {
+    const QRegularExpressionMatch place = places.next();
+    append(text.mid(done, place.capturedStart(1) - done), color);
+    append(place.captured(1), look().accent, place.captured(1));
+    done = place.capturedEnd(1);
+  }
+  append(text.mid(done), color);
+}
+
+void ConsoleView::print(const QString& text) { append(text, look().text); }
 
 void ConsoleView::applyFilter() {
   for (QTextBlock block = output->document()->begin(); block.isValid(); block = block.next())
@@ -105,12 +134,27 @@ void ConsoleView::applyFilter() {
   output->viewport()->update();
 }
 
+// A click on a place, and the pointer over one.
+void ConsoleView::point(const QMouseEvent& event) {
+  const QString place = output->anchorAt(event.position().toPoint());
+  output->viewport()->setCursor(place.isEmpty() ? Qt::IBeamCursor : Qt::PointingHandCursor);
+  if (event.type() != QEvent::MouseButtonRelease || place.isEmpty() || output->textCursor().hasSelection()) return;
+  const qsizetype colon = place.lastIndexOf(':');
+  if (placeClicked) placeClicked({place.left(colon).toStdString(), place.mid(colon + 1).toInt(), ""});
+}
+
 bool ConsoleView::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == output->viewport() &&
+      (event->type() == QEvent::MouseMove || event->type() == QEvent::MouseButtonRelease))
+    point(*static_cast<QMouseEvent*>(event));
   if (watched != input || event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
   switch (static_cast<QKeyEvent*>(event)->key()) {
     case Qt::Key_Up: recall(-1); return true;
     case Qt::Key_Down: recall(1); return true;
     case Qt::Key_Tab: complete(); return true;
+    case Qt::Key_Escape:
+      if (left) left();
+      return true;
     default: return QWidget::eventFilter(watched, event);
   }
 }

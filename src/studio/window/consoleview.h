@@ -6,7 +6,10 @@
 #include <string_view>
 #include <vector>
 
+#include "kit/errors.h"
+
 class QLineEdit;
+class QMouseEvent;
 class QPlainTextEdit;
 
 class ConsoleView : public QWidget {
@@ -15,17 +18,27 @@ class ConsoleView : public QWidget {
 
   // The log as it is now, and the parts of it that say that something is wrong. Only what is new is added; the log of
   // another opening of the page begins below a line.
-  void setLog(uint64_t opening, const std::string& log, const std::vector<std::string_view>& complaints);
+  // `placed` gives a complaint with the places of its code, which can be clicked.
+  using Placed = std::function<std::string(std::string_view complaint)>;
+  void setLog(uint64_t opening, const std::string& log, const std::vector<std::string_view>& complaints,
+              const Placed& placed);
+  void print(const QString& text);          // what isn't of the log
   void setWords(const QStringList& words);  // for completion
+  void focusInput();
+  void focusFilter();
 
   std::function<void(const QString& line)> entered;
+  std::function<void(const KitMessage& place)> placeClicked;
+  std::function<void()> left;  // with Esc
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  void append(const QString& text, const QColor& color);
+  void append(const QString& text, const QColor& color, const QString& place = {});
+  void appendWithPlaces(const QString& text, const QColor& color);
   void applyFilter();
+  void point(const QMouseEvent& event);
   void recall(int step);
   void complete();
 

@@ -71,7 +71,16 @@ void PageDriver::run(const std::function<void()>& work) {
   if (changed) changed();
 }
 
-void PageDriver::restart() { open(true); }
+void PageDriver::restart() {
+  played = {};
+  open(true);
+}
+
+void PageDriver::play(std::vector<PageAction> actions) {
+  if (running) return;
+  restart();
+  played = Replay(std::move(actions));
+}
 
 void PageDriver::reload() {
   if (running) {
@@ -95,10 +104,12 @@ void PageDriver::open(bool anew) {
 }
 
 void PageDriver::key(const std::string& name) {
+  played = {};
   run([&] { page.act({PageAction::key, name}); });
 }
 
 void PageDriver::type(const std::string& line) {
+  played = {};
   run([&] { page.act({PageAction::eval, line}); });
 }
 
@@ -110,7 +121,13 @@ void PageDriver::setPaused(bool on) {
 }
 
 void PageDriver::step() {
-  run([&] { page.pass(1); });
+  run([&] { pass(1); });
+}
+
+void PageDriver::pass(uint32_t milliseconds) {
+  int64_t left = milliseconds;
+  while (const auto action = played.next(left)) page.act(*action);
+  if (left > 0) page.pass(uint32_t(left));
 }
 
 void PageDriver::obey(const std::function<void()>& work) {
@@ -128,7 +145,7 @@ void PageDriver::letTimePass() {
   const auto whole = uint32_t(owed);
   if (running || whole == 0) return;
   owed -= whole;
-  run([&] { page.pass(whole); });
+  run([&] { pass(whole); });
 }
 
 void PageDriver::watchFiles() {

@@ -16,6 +16,7 @@
 #include <thread>
 
 #include "kit/watch/filewatch.h"
+#include "studio/record/replay.h"
 #include "studio/session/session.h"
 
 class PageDriver {
@@ -29,6 +30,10 @@ class PageDriver {
   void reload();
   void key(const std::string& name);
   void type(const std::string& line);
+
+  // Starts afresh and does all that as time passes, until it is over or somebody presses a key.
+  void play(std::vector<PageAction> actions);
+  const Replay& replay() const { return played; }
 
   void setPaused(bool on);
   bool isPaused() const { return paused; }
@@ -55,6 +60,7 @@ class PageDriver {
   void run(const std::function<void()>& work);
   void open(bool anew);
   void letTimePass();
+  void pass(uint32_t milliseconds);
   void watchFiles();
   void watchSaves();  // the thread
 
@@ -66,6 +72,7 @@ class PageDriver {
   QElapsedTimer sinceTick, sinceServed;
   double speed = 1, owed = 0;  // milliseconds of the page that are due
   double reloadMilliseconds = 0;
+  Replay played;
   bool paused = false, running = false, keepsState = true, wantsReload = false, wasLong = false;
 
   FileWatch::Time readSince;

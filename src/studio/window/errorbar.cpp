@@ -9,22 +9,42 @@
 
 #include "studio/window/look.h"
 
-ErrorBar::ErrorBar() : text(new QLabel), next(new QToolButton) {
+namespace {
+
+std::string joined(const std::vector<KitMessage>& messages) {
+  std::string all;
+  for (const KitMessage& message : messages) all += message.whole() + "\n";
+  return all;
+}
+
+}  // namespace
+
+ErrorBar::ErrorBar() : text(new QLabel), next(new QToolButton), closing(new QToolButton) {
   auto* row = new QHBoxLayout(this);
   row->setContentsMargins(kGap + 6, 5, kGap, 5);
   text->setWordWrap(true);
   text->setTextFormat(Qt::RichText);
   next->setToolTip("Show the next error");
+  closing->setText("\u2715");
+  closing->setToolTip("Close, until something else is wrong");
   row->addWidget(text, 1);
   row->addWidget(next);
+  row->addWidget(closing);
   setCursor(Qt::PointingHandCursor);
   QObject::connect(next, &QToolButton::clicked, this, [this] { show((shown + 1) % messages.size()); });
+  QObject::connect(closing, &QToolButton::clicked, this, [this] { close(); });
+  hide();
+}
+
+void ErrorBar::close() {
+  closed = joined(messages);
   hide();
 }
 
 void ErrorBar::setMessages(const std::vector<KitMessage>& m) {
   messages = m;
-  setVisible(!messages.empty());
+  if (joined(messages) != closed) closed.clear();
+  setVisible(!messages.empty() && closed.empty());
   if (!messages.empty()) show(0);
 }
 

@@ -14,7 +14,7 @@ class ErrorBar : public QWidget {
  public:
   ErrorBar();
 
-  // Shows the first and how many more there are; hides when there are none.
+  // Shows the first and how many more there are; hides when there are none, or when these were closed.
   void setMessages(const std::vector<KitMessage>& messages);
 
   std::function<void(const KitMessage&)> clicked;
@@ -25,9 +25,11 @@ class ErrorBar : public QWidget {
 
  private:
   void show(size_t index);
+  void close();
 
   std::vector<KitMessage> messages;
+  std::string closed;  // what they said when somebody closed the strip
   size_t shown = 0;
   QLabel* text;
-  QToolButton* next;
+  QToolButton *next, *closing;
 };

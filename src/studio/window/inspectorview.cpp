@@ -1,5 +1,6 @@
 #include "studio/window/inspectorview.h"
 
+#include <QAction>
 #include <QComboBox>
 #include <QHeaderView>
 #include <QLabel>
@@ -120,7 +121,7 @@ InspectorView::InspectorView()
     showAttributes();
     if (choiceChanged) choiceChanged();
   });
-  attributes->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
+  attributes->setEditTriggers(QAbstractItemView::NoEditTriggers);
   const auto lineOf = [this](const QModelIndex& index) -> const AttributeLine* {
     const size_t n = size_t(index.siblingAtColumn(0).data(Qt::UserRole).toULongLong());
     return n < lines.size() ? &lines[n] : nullptr;
@@ -132,12 +133,43 @@ InspectorView::InspectorView()
     });
   };
   attributes->setItemDelegate(new ValueDelegate(attributes, lineOf, edited));
-  QObject::connect(attributes, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* item, int column) {
-    const auto& place = lines[size_t(item->data(0, Qt::UserRole).toULongLong())].place;
-    if (column == kPlaceColumn && place && placeClicked) placeClicked(*place);
+  QObject::connect(attributes, &QTreeWidget::itemDoubleClicked, this,
+                   [this](QTreeWidgetItem*, int column) { column == kPlaceColumn ? openCurrent() : editCurrent(); });
+  addAttributeActions();
+}
+
+// What can be done with an attribute, in the list's own menu too.
+void InspectorView::addAttributeActions() {
+  const auto add = [&](const QString& text, const char* keys, auto work) {
+    auto* action = new QAction(text, attributes);
+    action->setShortcut(QKeySequence(keys));
+    action->setShortcutContext(Qt::WidgetShortcut);
+    QObject::connect(action, &QAction::triggered, this, work);
+    attributes->addAction(action);
+  };
+  add("Edit the value", "F2", [this] { editCurrent(); });
+  add("Back to the default", "Del", [this] {
+    if (const AttributeLine* line = currentLine(); line && valueRemoved) valueRemoved(std::string(line->name));
   });
-  QObject::connect(attributes, &QTreeWidget::itemPressed, this,
-                   [this](QTreeWidgetItem* item) { attributes->setCurrentItem(item, kValueColumn); });
+  add("Open where it was written", "Return", [this] { openCurrent(); });
+  attributes->setContextMenuPolicy(Qt::ActionsContextMenu);
+}
+
+const AttributeLine* InspectorView::currentLine() const {
+  const QTreeWidgetItem* item = attributes->currentItem();
+  return item ? &lines[size_t(item->data(0, Qt::UserRole).toULongLong())] : nullptr;
+}
+
+void InspectorView::editCurrent() {
+  const AttributeLine* line = currentLine();
+  if (!line) return;
+  if (line->editBy != EditBy::nothing) return attributes->editItem(attributes->currentItem(), kValueColumn);
+  if (editRefused) editRefused(line->name + " can't be edited here: " + line->whyNotEdited);
+}
+
+void InspectorView::openCurrent() {
+  const AttributeLine* line = currentLine();
+  if (line && line->place && placeClicked) placeClicked(*line->place);
 }
 
 void InspectorView::setRun(PageRun* r) {
@@ -214,6 +246,7 @@ void InspectorView::showAttributes() {
     return a.name == b.name && a.value == b.value && a.from == b.from;
   };
   const bool isSame = std::equal(lines.begin(), lines.end(), now.begin(), now.end(), saysTheSame);
+  const std::string current = currentLine() ? currentLine()->name : "";
   lines = std::move(now);
   if (isSame) return;
   attributes->clear();
@@ -231,7 +264,9 @@ void InspectorView::showAttributes() {
     QString tip = QString::fromStdString(line.help);
     if (!line.range.empty()) tip += "\n" + QString::fromStdString(line.range);
     for (const std::string& use : line.uses) tip += "\n" + QString::fromStdString(use);
+    if (!line.whyNotEdited.empty()) tip += "\nNot edited here: " + QString::fromStdString(line.whyNotEdited);
     for (int column = 0; column < 3; ++column) item->setToolTip(column, tip);
     attributes->addTopLevelItem(item);
+    if (line.name == current) attributes->setCurrentItem(item, kValueColumn);
   }
 }

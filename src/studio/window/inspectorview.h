@@ -30,10 +30,16 @@ class InspectorView : public QWidget {
   std::function<void(const YamlPlace& place)> placeClicked;
   // Somebody has given an attribute of the chosen widget another value.
   std::function<void(const std::string& attribute, const std::string& value)> valueEdited;
+  std::function<void(const std::string& attribute)> valueRemoved;  // so that its default counts
+  std::function<void(const std::string& sentence)> editRefused;
 
  private:
   void showTree();
   void showAttributes();
+  void addAttributeActions();
+  const AttributeLine* currentLine() const;
+  void editCurrent();
+  void openCurrent();
 
   PageRun* run = nullptr;
   std::unique_ptr<WidgetSources> places;

@@ -8,10 +8,10 @@ namespace {
 
 const Look kLight{QColor("#F3F4F6"), QColor("#FFFFFF"), QColor("#D5D8DE"), QColor("#D0D4DB"),
                   QColor("#1B1F27"), QColor("#6B7280"), QColor("#2563EB"), QColor("#FFFFFF"),
-                  QColor("#B42318"), QColor("#FDECEA"), QColor("#92580A")};
+                  QColor("#B42318"), QColor("#FDECEA"), QColor("#92580A"), QColor("#F2994A")};
 const Look kDark{QColor("#1C1F26"), QColor("#15181E"), QColor("#0E1014"), QColor("#343A46"),
                  QColor("#E5E7EB"), QColor("#949CAB"), QColor("#5B93F5"), QColor("#0B1220"),
-                 QColor("#FF8A80"), QColor("#3A1F1F"), QColor("#E8B45A")};
+                 QColor("#FF8A80"), QColor("#3A1F1F"), QColor("#E8B45A"), QColor("#F2994A")};
 
 const Look* current = &kLight;
 

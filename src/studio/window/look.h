@@ -14,6 +14,7 @@ struct Look {
   QColor text, faint;
   QColor accent, onAccent;
   QColor error, errorPanel, warning;
+  QColor chosen;  // outlines what is chosen, over any page
 };
 
 const Look& look();

@@ -13,11 +13,38 @@
 namespace {
 
 constexpr int kLeastZoomOfGrid = 4;
+constexpr double kHandle = 7, kReach = 6;  // of the desktop's pixels
 constexpr double kActionSafe = 0.9, kTitleSafe = 0.8, kCut = 0.05;
 
 QRectF middle(const QRectF& all, double share) {
   const QSizeF size(all.width() * share, all.height() * share);
   return {QPointF(all.center().x() - size.width() / 2, all.center().y() - size.height() / 2), size};
+}
+
+Qt::CursorShape cursorOf(Grip grip) {
+  switch (grip) {
+    case Grip::none: return Qt::ArrowCursor;
+    case Grip::all: return Qt::SizeAllCursor;
+    case Grip::left:
+    case Grip::right: return Qt::SizeHorCursor;
+    case Grip::top:
+    case Grip::bottom: return Qt::SizeVerCursor;
+    case Grip::topLeft:
+    case Grip::bottomRight: return Qt::SizeFDiagCursor;
+    case Grip::topRight:
+    case Grip::bottomLeft: return Qt::SizeBDiagCursor;
+  }
+  return Qt::ArrowCursor;
+}
+
+std::optional<QPoint> arrowOf(const QKeyEvent& event) {
+  switch (event.key()) {
+    case Qt::Key_Left: return QPoint(-1, 0);
+    case Qt::Key_Right: return QPoint(1, 0);
+    case Qt::Key_Up: return QPoint(0, -1);
+    case Qt::Key_Down: return QPoint(0, 1);
+    default: return std::nullopt;
+  }
 }
 
 }  // namespace
@@ -61,6 +88,12 @@ void ScreenView::setMarks(std::vector<ScreenMark> m, std::vector<ScreenArrow> a)
   update();
 }
 
+void ScreenView::setHandles(std::optional<Bounds> place) {
+  if (handles == place) return;
+  handles = place;
+  update();
+}
+
 // Of a pixel, in those of the desktop; rows keep their height whatever the shape.
 QSizeF ScreenView::scale() const {
   const double ratio = shape == ScreenShape::standard ? 4.0 / 3 : shape == ScreenShape::wide ? 16.0 / 9 : 1.5;
@@ -82,7 +115,13 @@ void ScreenView::paintEvent(QPaintEvent* event) {
   painter.drawImage(rect(), image);
   if (grid && factor >= kLeastZoomOfGrid) drawGrid(&painter, event->rect());
   drawMarks(&painter);
+  drawHandles(&painter);
   drawAreas(&painter);
+}
+
+QRectF ScreenView::shown(const QRectF& r) const {
+  const QSizeF s = scale();
+  return {r.x() * s.width(), r.y() * s.height(), r.width() * s.width(), r.height() * s.height()};
 }
 
 void ScreenView::drawGrid(QPainter* painter, const QRect& exposed) const {
@@ -113,10 +152,6 @@ void ScreenView::drawAreas(QPainter* painter) const {
 }
 
 void ScreenView::drawMarks(QPainter* painter) const {
-  const QSizeF s = scale();
-  const auto shown = [&](const QRectF& r) {
-    return QRectF(r.x() * s.width(), r.y() * s.height(), r.width() * s.width(), r.height() * s.height());
-  };
   for (const ScreenMark& mark : marks) {
     const QRectF r = shown(mark.rect).adjusted(0.5, 0.5, -0.5, -0.5);
     if (mark.hatched) painter->fillRect(r, QBrush(mark.color, Qt::BDiagPattern));
@@ -126,6 +161,7 @@ void ScreenView::drawMarks(QPainter* painter) const {
     painter->drawRect(r);
   }
   if (arrows.empty()) return;
+  const QSizeF s = scale();
   painter->setRenderHint(QPainter::Antialiasing);
   for (const ScreenArrow& arrow : arrows) {
     const QPointF from(arrow.from.x() * s.width(), arrow.from.y() * s.height());
@@ -143,16 +179,50 @@ void ScreenView::drawMarks(QPainter* painter) const {
   }
 }
 
+void ScreenView::drawHandles(QPainter* painter) const {
+  if (!handles) return;
+  const Bounds place = drag ? drag->now : *handles;
+  const QColor color = look().chosen;
+  const QRectF r = shown(QRectF(place.x, place.y, place.w, place.h)).adjusted(0.5, 0.5, -0.5, -0.5);
+  painter->setRenderHint(QPainter::Antialiasing, false);
+  painter->setBrush(Qt::NoBrush);
+  painter->setPen(QPen(QColor(255, 255, 255, 160), 3));
+  painter->drawRect(r);
+  painter->setPen(QPen(color, 1.5));
+  painter->drawRect(r);
+  painter->setPen(QPen(color, 1));
+  painter->setBrush(Qt::white);
+  const QSizeF s = scale();
+  for (const GripPoint& point : gripPoints(place))
+    painter->drawRect(QRectF(point.x * s.width() - kHandle / 2, point.y * s.height() - kHandle / 2, kHandle, kHandle));
+  painter->setBrush(Qt::NoBrush);
+  if (!drag) return;
+  const QString text = QString("%1, %2   %3 \u00d7 %4").arg(place.x).arg(place.y).arg(place.w).arg(place.h);
+  const QRectF size = painter->fontMetrics().boundingRect(text).adjusted(-5, -2, 5, 2);
+  QRectF label(QPointF(r.left(), r.bottom() + kHandle), size.size());
+  if (label.bottom() > height()) label.moveBottom(r.top() - kHandle);
+  if (label.top() < 0) label.moveTop(r.top() + kHandle);
+  label.moveLeft(std::clamp(label.left(), 0.0, std::max(0.0, width() - label.width())));
+  painter->fillRect(label, QColor(20, 22, 28, 220));
+  painter->setPen(Qt::white);
+  painter->drawText(label, Qt::AlignCenter, text);
+}
+
 // Tab and the like belong to the page's window, as every key does that the remote control has.
 bool ScreenView::event(QEvent* event) {
-  if (event->type() == QEvent::ShortcutOverride && keyName(*static_cast<QKeyEvent*>(event))) {
-    event->accept();
-    return true;
+  if (event->type() == QEvent::ShortcutOverride) {
+    const auto& key = *static_cast<QKeyEvent*>(event);
+    if (keyName(key) || (drag && key.key() == Qt::Key_Escape) || (key.modifiers() & Qt::AltModifier && arrowOf(key))) {
+      event->accept();
+      return true;
+    }
   }
   return QWidget::event(event);
 }
 
 void ScreenView::keyPressEvent(QKeyEvent* event) {
+  if (drag && event->key() == Qt::Key_Escape) return endDrag(drag->start);
+  if (event->modifiers() & Qt::AltModifier && nudge(*event)) return;
   const auto name = keyName(*event);
   if (!name) return QWidget::keyPressEvent(event);
   if (pressed) pressed(*name);
@@ -164,14 +234,49 @@ std::optional<QPoint> ScreenView::pixelAt(QPointF where) const {
   return isInside ? std::optional(pixel) : std::nullopt;
 }
 
+Grip ScreenView::gripUnder(QPointF where) const {
+  if (!handles || picking) return Grip::none;
+  const QSizeF s = scale();
+  return gripAt(*handles, where.x() / s.width(), where.y() / s.height(), kReach / s.width(), kReach / s.height());
+}
+
+bool ScreenView::nudge(const QKeyEvent& event) {
+  const auto by = arrowOf(event);
+  if (!by || !handles || !nudged || drag) return false;
+  const bool isSize = event.modifiers() & Qt::ShiftModifier;
+  nudged(::dragged(*handles, isSize ? Grip::bottomRight : Grip::all, by->x(), by->y()));
+  return true;
+}
+
+void ScreenView::endDrag(const Bounds& place) {
+  drag.reset();
+  update();
+  if (dragged) dragged(place, true);
+}
+
 void ScreenView::mouseMoveEvent(QMouseEvent* event) {
   if (pointed) pointed(pixelAt(event->position()));
+  if (!drag) return setCursor(picking ? Qt::CrossCursor : cursorOf(gripUnder(event->position())));
+  const QPointF by = event->position() - drag->from;
+  const Bounds now = ::dragged(drag->start, drag->grip, int(std::lround(by.x() / scale().width())),
+                               int(std::lround(by.y() / scale().height())), event->modifiers() & Qt::ShiftModifier);
+  if (now == drag->now) return;
+  drag->now = now;
+  update();
+  if (dragged) dragged(now, false);
 }
 
 void ScreenView::mousePressEvent(QMouseEvent* event) {
   setFocus();
+  if (event->button() != Qt::LeftButton) return;
   const auto pixel = pixelAt(event->position());
-  if (picking && pixel && picked) picked(*pixel);
+  if ((picking || event->modifiers() & Qt::ControlModifier) && pixel && picked) return picked(*pixel);
+  const Grip grip = gripUnder(event->position());
+  if (grip != Grip::none) drag = Drag{grip, event->position(), *handles, *handles};
+}
+
+void ScreenView::mouseReleaseEvent(QMouseEvent* event) {
+  if (drag && event->button() == Qt::LeftButton) endDrag(drag->now);
 }
 
 void ScreenView::leaveEvent(QEvent*) {

@@ -7,6 +7,8 @@
 #include <optional>
 #include <vector>
 
+#include "studio/edit/grip.h"
+
 enum class ScreenShape { square, standard, wide };  // square pixels, or a set of 4:3 or 16:9
 
 // Something drawn over the screen, in its pixels.
@@ -37,12 +39,17 @@ class ScreenView : public QWidget {
   void setOverscan(bool on) { set(&ScreenView::overscan, on); }    // hides what a set would cut, 5 % at each edge
   void setPicking(bool on);
   void setMarks(std::vector<ScreenMark> marks, std::vector<ScreenArrow> arrows = {});
+  // A rectangle with handles, which can be dragged; one that is being dragged stays where the hand has it.
+  void setHandles(std::optional<Bounds> place);
 
   QSize sizeHint() const override;
 
   std::function<void(const QString& name)> pressed;    // a key of the remote control
   std::function<void(std::optional<QPoint>)> pointed;  // a pixel of the screen, or none
-  std::function<void(QPoint)> picked;                  // while picking
+  std::function<void(QPoint)> picked;                  // while picking, or with Ctrl
+  // The hand has the rectangle there now; `isOver` when it has let go. Given up with Esc, it is where it was.
+  std::function<void(const Bounds& place, bool isOver)> dragged;
+  std::function<void(const Bounds& place)> nudged;  // by Alt and an arrow, with Shift in size
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -50,15 +57,21 @@ class ScreenView : public QWidget {
   bool event(QEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
   void leaveEvent(QEvent* event) override;
 
  private:
   void set(bool ScreenView::*aid, bool on);
   QSizeF scale() const;
   std::optional<QPoint> pixelAt(QPointF where) const;
+  Grip gripUnder(QPointF where) const;
+  bool nudge(const QKeyEvent& event);
+  void endDrag(const Bounds& place);
   void drawGrid(QPainter* painter, const QRect& exposed) const;
   void drawAreas(QPainter* painter) const;
   void drawMarks(QPainter* painter) const;
+  void drawHandles(QPainter* painter) const;
+  QRectF shown(const QRectF& place) const;
   void changeSize();
 
   const uint32_t* pixels = nullptr;
@@ -67,4 +80,12 @@ class ScreenView : public QWidget {
   bool grid = true, safeAreas = false, overscan = false, picking = false;
   std::vector<ScreenMark> marks;
   std::vector<ScreenArrow> arrows;
+
+  struct Drag {
+    Grip grip;
+    QPointF from;  // of the desktop
+    Bounds start, now;
+  };
+  std::optional<Bounds> handles;
+  std::optional<Drag> drag;
 };

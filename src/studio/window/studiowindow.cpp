@@ -1,11 +1,8 @@
 #include "studio/window/studiowindow.h"
 
-#include <QActionGroup>
-#include <QApplication>
 #include <QCloseEvent>
 #include <QFileDialog>
 #include <QLabel>
-#include <QMenu>
 #include <QMessageBox>
 #include <QProcess>
 #include <QScrollArea>
@@ -13,8 +10,6 @@
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QTabWidget>
-#include <QToolBar>
-#include <QToolButton>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <filesystem>
@@ -23,12 +18,12 @@
 #include "engine/screen/display.h"
 #include "kit/files.h"
 #include "kit/pictures/png.h"
+#include "kit/run/valuetree.h"
 #include "studio/editor/openplace.h"
 #include "studio/editor/scripterrors.h"
 #include "studio/inspector/focusmap.h"
 #include "studio/record/saverecording.h"
 #include "studio/timeline/runwatch.h"
-#include "studio/window/icons.h"
 #include "studio/window/look.h"
 
 namespace {
@@ -120,7 +115,7 @@ void StudioWindow::buildViews() {
   auto* columns = new QSplitter(Qt::Horizontal);
   columns->addWidget(sideScroll);
   columns->addWidget(rows);
-  auto* tabs = new QTabWidget;
+  tabs = new QTabWidget;
   tabs->setDocumentMode(true);
   tabs->addTab(inspector, "Inspector");
   tabs->addTab(timelineView, "Timeline");
@@ -143,7 +138,9 @@ void StudioWindow::buildViews() {
   screen->pressed = [this](const QString& name) { press(name); };
   screen->pointed = [this](std::optional<QPoint> pixel) { showPointed(pixel); };
   remote->pressed = [this](const QString& name) { press(name); };
-  console->entered = [this](const QString& line) { driver.type(line.toLatin1().toStdString()); };
+  console->entered = [this](const QString& line) { enter(line); };
+  console->placeClicked = [this](const KitMessage& place) { openPlace(place); };
+  console->left = [this] { screen->setFocus(); };
   screen->picked = [this](QPoint at) {
     if (!inspected || driver.isBusy()) return;
     const std::vector<WidgetId> there = widgetsAt(inspected->engine(), at.x(), at.y());
@@ -151,6 +148,8 @@ void StudioWindow::buildViews() {
     pickAction->setChecked(false);
     screen->setPicking(false);
   };
+  screen->dragged = [this](const Bounds& place, bool isOver) { drag(place, isOver); };
+  screen->nudged = [this](const Bounds& place) { nudge(place); };
   inspector->choiceChanged = [this] { showMarks(); };
   inspector->placeClicked = [this](const YamlPlace& place) {
     openPlace({place.file ? *place.file : std::string(), place.line, ""});
@@ -158,138 +157,9 @@ void StudioWindow::buildViews() {
   inspector->valueEdited = [this](const std::string& attribute, const std::string& value) {
     setValue(attribute, value);
   };
+  inspector->valueRemoved = [this](const std::string& attribute) { setValue(attribute, std::nullopt); };
+  inspector->editRefused = [this](const std::string& sentence) { state->setText(QString::fromStdString(sentence)); };
   errors->clicked = [this](const KitMessage& message) { openPlace(message); };
-}
-
-QAction* StudioWindow::tool(QToolBar* bar, const QString& text, const char* keys, const QIcon& icon,
-                            std::function<void(bool)> work, bool isSwitch) {
-  QAction* action = bar->addAction(icon, text);
-  action->setCheckable(isSwitch);
-  if (*keys) {
-    action->setShortcut(QKeySequence(keys));
-    action->setToolTip(QString("%1 (%2)").arg(text, action->shortcut().toString(QKeySequence::NativeText)));
-  }
-  QObject::connect(action, &QAction::triggered, this, std::move(work));
-  return action;
-}
-
-void StudioWindow::buildTools() {
-  QToolBar* bar = addToolBar("Tools");
-  bar->setMovable(false);
-  bar->setIconSize(QSize(20, 20));
-  tool(bar, "Open again, with what was done so far", "F5", signIcon(Sign::reload), [this](bool) { driver.reload(); });
-  tool(bar, "Start afresh", "Ctrl+R", signIcon(Sign::restart), [this](bool) { driver.restart(); });
-  bar->addSeparator();
-  pauseAction = tool(
-      bar, "Pause", "Ctrl+P", signIcon(Sign::pause), [this](bool on) { driver.setPaused(on); }, true);
-  tool(bar, "One step: a millisecond", "Ctrl+T", signIcon(Sign::step), [this](bool) {
-    pauseAction->setChecked(true);
-    driver.setPaused(true);
-    driver.step();
-  });
-  stopAction = tool(bar, "End the script that runs", "Ctrl+.", signIcon(Sign::stop), [this](bool) { driver.stop(); });
-  stopAction->setEnabled(false);
-  auto* speed = new QToolButton;
-  speed->setText("1\u00d7");
-  speed->setToolTip("How fast time passes");
-  speed->setPopupMode(QToolButton::InstantPopup);
-  auto* speeds = new QMenu(speed);
-  auto* oneSpeed = new QActionGroup(speeds);
-  for (const auto& [label, factor] :
-       {std::pair("0.1\u00d7", 0.1), std::pair("0.5\u00d7", 0.5), std::pair("1\u00d7", 1.0), std::pair("2\u00d7", 2.0),
-        std::pair("10\u00d7", 10.0)}) {
-    QAction* action = speeds->addAction(QString::fromUtf8(label));
-    action->setCheckable(true);
-    action->setChecked(factor == 1);
-    oneSpeed->addAction(action);
-    QObject::connect(action, &QAction::triggered, this, [this, speed, action, factor = factor] {
-      driver.setSpeed(factor);
-      speed->setText(action->text());
-    });
-  }
-  speed->setMenu(speeds);
-  bar->addWidget(speed);
-  bar->addSeparator();
-  tool(
-      bar, "Record: start afresh, and keep what is done", "Ctrl+Shift+R", signIcon(Sign::record),
-      [this](bool on) { setRecording(on); }, true);
-  tool(bar, "Save the picture", "Ctrl+Shift+S", signIcon(Sign::picture), [this](bool) { savePicture(); });
-  bar->addSeparator();
-  saveAction = tool(bar, "Save what was edited", "Ctrl+S", signIcon(Sign::save), [this](bool) { saveEdits(); });
-  undoAction = tool(bar, "Undo", "Ctrl+Z", signIcon(Sign::undo), [this](bool) { edit([this] { edits.undo(); }); });
-  redoAction =
-      tool(bar, "Redo", "Ctrl+Shift+Z", signIcon(Sign::redo), [this](bool) { edit([this] { edits.redo(); }); });
-  showEdits();
-  bar->addSeparator();
-  pickAction = tool(
-      bar, "Find a widget: point at it", "Ctrl+I", signIcon(Sign::pick), [this](bool on) { screen->setPicking(on); },
-      true);
-  tool(
-      bar, "Focus map: where the keys lead", "Ctrl+M", signIcon(Sign::focus),
-      [this](bool on) {
-        showsFocusMap = on;
-        showMarks();
-      },
-      true);
-  tool(
-      bar, "Pixel grid, from 4\u00d7 on", "Ctrl+G", signIcon(Sign::grid), [this](bool on) { screen->setGrid(on); },
-      true)
-      ->setChecked(true);
-
-  auto* shape = new QToolButton;
-  shape->setIcon(signIcon(Sign::safe));
-  shape->setToolTip("The set: its shape, safe areas, what it cuts off");
-  shape->setPopupMode(QToolButton::InstantPopup);
-  auto* shapes = new QMenu(shape);
-  auto* oneShape = new QActionGroup(shapes);
-  for (const auto& [label, value] :
-       {std::pair("Square pixels", ScreenShape::square), std::pair("A set of 4:3", ScreenShape::standard),
-        std::pair("A set of 16:9", ScreenShape::wide)}) {
-    QAction* action = shapes->addAction(label);
-    action->setCheckable(true);
-    action->setChecked(value == ScreenShape::square);
-    oneShape->addAction(action);
-    QObject::connect(action, &QAction::triggered, this, [this, value = value] { screen->setShape(value); });
-  }
-  shapes->addSeparator();
-  const auto addSwitch = [&](const char* label, const char* keys, void (ScreenView::*set)(bool)) {
-    QAction* action = shapes->addAction(label);
-    action->setCheckable(true);
-    action->setShortcut(QKeySequence(keys));
-    addAction(action);
-    QObject::connect(action, &QAction::triggered, this, [this, set](bool on) { (screen->*set)(on); });
-  };
-  addSwitch("Safe areas: 90 % and 80 %", "Ctrl+A", &ScreenView::setSafeAreas);
-  addSwitch("Hide what a set cuts off", "Ctrl+O", &ScreenView::setOverscan);
-  shape->setMenu(shapes);
-  bar->addWidget(shape);
-  bar->addSeparator();
-  tool(bar, "Smaller", "Ctrl+-", signIcon(Sign::zoomOut), [this](bool) { setZoom(screen->zoom() - 1); });
-  zoomText = new QLabel("1\u00d7");
-  zoomText->setMinimumWidth(28);
-  zoomText->setAlignment(Qt::AlignCenter);
-  bar->addWidget(zoomText);
-  tool(bar, "Larger", "Ctrl++", signIcon(Sign::zoomIn), [this](bool) { setZoom(screen->zoom() + 1); });
-  tool(bar, "As large as fits", "Ctrl+0", signIcon(Sign::fit), [this](bool) { fitZoom(); });
-
-  auto* room = new QWidget;
-  room->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-  bar->addWidget(room);
-  auto* more = new QToolButton;
-  more->setText("\u2261");
-  more->setToolTip("More");
-  more->setPopupMode(QToolButton::InstantPopup);
-  auto* menu = new QMenu(more);
-  QAction* keeps = menu->addAction("Keep what was done over a save");
-  keeps->setCheckable(true);
-  keeps->setChecked(true);
-  QObject::connect(keeps, &QAction::triggered, this, [this](bool on) { driver.setKeepsState(on); });
-  QAction* dark = menu->addAction("Dark");
-  dark->setCheckable(true);
-  dark->setChecked(lookIsDark());
-  QObject::connect(dark, &QAction::triggered, this, [](bool on) { applyLook(*qApp, on); });
-  more->setMenu(menu);
-  bar->addWidget(more);
 }
 
 void StudioWindow::listenAt(const std::string& path) {
@@ -334,7 +204,9 @@ void StudioWindow::showPage() {
   memoryView->update();
   showMarks();
   if (run->complaints().size() != shownComplaints) showErrors();
-  console->setLog(driver.session().openings(), run->log(), run->complaints());
+  console->setLog(driver.session().openings(), run->log(), run->complaints(),
+                  [run](std::string_view complaint) { return run->player().withPlaces(complaint); });
+  showReplay();
   if (pointedAt) showPointed(pointedAt);
 }
 
@@ -354,9 +226,30 @@ void StudioWindow::showMarks() {
       if (arrow.state == ArrowState::followed)
         arrows.push_back({QPointF(arrow.tail.x, arrow.tail.y), QPointF(arrow.head.x, arrow.head.y), look().accent});
   }
-  if (const auto row = inspected ? inspector->chosen() : std::nullopt)
-    marks.push_back({rectOf(row->bounds), QColor("#F2994A"), false});
+  const auto row = inspected ? inspector->chosen() : std::nullopt;
+  const bool hasSource = row && inspector->sources() && inspector->sources()->of(row->id);
+  if (row && !hasSource) marks.push_back({rectOf(row->bounds), look().chosen, false});
   screen->setMarks(std::move(marks), std::move(arrows));
+  screen->setHandles(hasSource ? std::optional(row->bounds) : std::nullopt);
+}
+
+// How far what is played has come.
+void StudioWindow::showReplay() {
+  const Replay& replay = driver.replay();
+  if (replay.isOver() && !wasReplaying) return;
+  wasReplaying = !replay.isOver();
+  state->setText(wasReplaying ? QString("Playing: %1 of %2").arg(replay.position()).arg(replay.length())
+                              : QString("Played"));
+}
+
+// A question mark asks what lies in a value; anything else is a statement.
+void StudioWindow::enter(const QString& line) {
+  if (!line.startsWith('?')) return driver.type(line.toLatin1().toStdString());
+  PageRun* run = driver.session().run();
+  if (!run || driver.isBusy()) return;
+  std::string tree;
+  driver.obey([&] { tree = valueTree(*run, line.mid(1).toLatin1().toStdString()); });
+  console->print(QString::fromLatin1(tree.data(), qsizetype(tree.size())));
 }
 
 // What keeps the page from being opened; or else what went wrong in its scripts.
@@ -408,88 +301,39 @@ void StudioWindow::savePicture() {
   if (!run) return;
   // The pixels of the moment, not those when the dialog ends.
   const std::vector<uint32_t> pixels = run->player().window();
-  const QString name = QString::fromStdString(std::filesystem::path(page).stem().string()) + ".png";
-  const QString file = QFileDialog::getSaveFileName(this, "Save the picture", name, "Pictures (*.png)");
+  const QString file = QFileDialog::getSaveFileName(this, "Save the picture", nameWith(".png"), "Pictures (*.png)");
   if (file.isEmpty()) return;
+  tryTo("The picture can't be saved",
+        [&] { writePng(file.toStdString(), ScreenView::kWidth, ScreenView::kHeight, pixels); });
+}
+
+QString StudioWindow::nameWith(const char* extension) const {
+  return QString::fromStdString(std::filesystem::path(page).stem().string()) + extension;
+}
+
+// Nothing when the work was done; a message that says why it wasn't.
+void StudioWindow::tryTo(const QString& failed, const std::function<void()>& work) {
   try {
-    writePng(file.toStdString(), ScreenView::kWidth, ScreenView::kHeight, pixels);
+    work();
   } catch (const KitError& e) {
-    QMessageBox::warning(this, "The picture can't be saved", QString::fromStdString(e.what()));
+    QMessageBox::warning(this, failed, QString::fromStdString(e.what()));
   }
 }
 
 void StudioWindow::setRecording(bool on) {
   if (on) return driver.restart();
-  const QString name = QString::fromStdString(std::filesystem::path(page).stem().string()) + ".recording.yaml";
-  const QString file = QFileDialog::getSaveFileName(
-      this, "Save what was done", name, "Recordings (*.yaml);;Tests of the page (*.test.yaml);;Films (*.gif *.png)");
+  const Recording recorded = driver.session().recording();
+  const QString file =
+      QFileDialog::getSaveFileName(this, "Save what was done", nameWith(".recording.yaml"),
+                                   "Recordings (*.yaml);;Tests of the page (*.test.yaml);;Films (*.gif *.png)");
+  if (!file.isEmpty()) tryTo("It can't be saved", [&] { saveRecording(recorded, page, file.toStdString()); });
+}
+
+void StudioWindow::openRecording() {
+  const QString file = QFileDialog::getOpenFileName(this, "Play a recording", {}, "Recordings (*.yaml)");
   if (file.isEmpty()) return;
-  try {
-    saveRecording(driver.session().recording(), page, file.toStdString());
-  } catch (const KitError& e) {
-    QMessageBox::warning(this, "It can't be saved", QString::fromStdString(e.what()));
-  }
+  tryTo("It can't be played", [&] { driver.play(readRecording(file.toStdString()).actions); });
 }
-
-// ---- editing
-
-void StudioWindow::setValue(const std::string& attribute, const std::string& value) {
-  const auto chosen = inspector->chosen();
-  if (!chosen || driver.isBusy()) return;
-  const auto source = inspector->sources()->of(chosen->id);
-  if (!source) return state->setText("Its source isn't known, so it can't be edited");
-  if (source->sharedBy > 1) {
-    const QString question =
-        QString("%1 widgets are made of these lines, and all of them will change.").arg(source->sharedBy);
-    if (QMessageBox::question(this, "Edit", question, QMessageBox::Ok | QMessageBox::Cancel) != QMessageBox::Ok) return;
-  }
-  edit([&] { edits.setAttribute(*source, attribute, value); });
-}
-
-// The page is built with what the change makes of its sources, and goes on as after a save.
-void StudioWindow::edit(const std::function<void()>& change) {
-  try {
-    change();
-  } catch (const KitError& e) {
-    return state->setText(QString::fromStdString(e.what()));
-  }
-  driver.reload();
-}
-
-bool StudioWindow::saveEdits() {
-  try {
-    edits.save();
-  } catch (const KitError& e) {
-    QMessageBox::warning(this, "The source can't be saved", QString::fromStdString(e.what()));
-    return false;
-  }
-  showEdits();
-  return true;
-}
-
-void StudioWindow::showEdits() {
-  const bool isEdited = !edits.unsavedFiles().empty();
-  setWindowModified(isEdited);
-  saveAction->setEnabled(isEdited);
-  const auto show = [](QAction* action, const QString& what, const std::string& name) {
-    action->setEnabled(!name.empty());
-    const QString keys = action->shortcut().toString(QKeySequence::NativeText);
-    action->setToolTip(QString("%1%2 (%3)").arg(what, name.empty() ? "" : ": " + QString::fromStdString(name), keys));
-  };
-  show(undoAction, "Undo", edits.undoName());
-  show(redoAction, "Redo", edits.redoName());
-}
-
-// Whether what isn't saved has been saved, or may be given up.
-bool StudioWindow::mayDropEdits() {
-  if (edits.unsavedFiles().empty()) return true;
-  const auto answer = QMessageBox::question(this, "Edited", "The source has been edited here and isn't saved.",
-                                            QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
-  if (answer == QMessageBox::Save) return saveEdits();
-  return answer == QMessageBox::Discard;
-}
-
-void StudioWindow::closeEvent(QCloseEvent* event) { mayDropEdits() ? event->accept() : event->ignore(); }
 
 void StudioWindow::changeEvent(QEvent* event) {
   if (event->type() == QEvent::PaletteChange && errors) showErrors();

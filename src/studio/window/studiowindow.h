@@ -20,7 +20,9 @@
 #include "studio/window/timelineview.h"
 
 class QLabel;
+class QMenu;
 class QScrollArea;
+class QTabWidget;
 class QToolBar;
 
 class StudioWindow : public QMainWindow {
@@ -43,10 +45,8 @@ class StudioWindow : public QMainWindow {
 
  private:
   void buildViews();
-  void buildTools();
-  QAction* tool(QToolBar* bar, const QString& text, const char* keys, const QIcon& icon, std::function<void(bool)> work,
-                bool isSwitch = false);
   void press(const QString& key);
+  void enter(const QString& line);
   void showPage();
   void showErrors();
   void showMarks();
@@ -54,9 +54,31 @@ class StudioWindow : public QMainWindow {
   void setZoom(int factor);
   void fitZoom();
   void openPlace(const KitMessage& message);
+  void showReplay();
+  QString nameWith(const char* extension) const;  // of a file for something of the page
+  void tryTo(const QString& failed, const std::function<void()>& work);
   void savePicture();
   void setRecording(bool on);
-  void setValue(const std::string& attribute, const std::string& value);
+  void openRecording();
+
+  // In studiotools.cpp.
+  void buildTools();
+  void addTimeTools(QToolBar* bar);
+  void addRecordingTools(QToolBar* bar);
+  void addLookingTools(QToolBar* bar);
+  void addMoreTools(QToolBar* bar);
+  QAction* tool(QToolBar* bar, const QString& text, const char* keys, const QIcon& icon, std::function<void(bool)> work,
+                bool isSwitch = false);
+  QAction* entry(QMenu* menu, const QString& text, const char* keys, std::function<void(bool)> work,
+                 std::optional<bool> isOn = std::nullopt);
+
+  // In studioedits.cpp.
+  std::optional<WidgetSource> chosenSource();
+  void setValue(const std::string& attribute, const std::optional<std::string>& value);
+  void drag(const Bounds& place, bool isOver);
+  void followDrag();
+  void nudge(const Bounds& to);
+  void place(const Bounds& shown, const Bounds& given, const Bounds& to, uint32_t number);
   void edit(const std::function<void()>& change);
   bool saveEdits();
   bool mayDropEdits();
@@ -72,6 +94,7 @@ class StudioWindow : public QMainWindow {
   RemoteView* remote;
   LoupeView* loupe;
   ConsoleView* console;
+  QTabWidget* tabs;
   ErrorBar* errors = nullptr;
   InspectorView* inspector;
   TimelineView* timelineView;
@@ -83,7 +106,17 @@ class StudioWindow : public QMainWindow {
   QAction *pauseAction, *stopAction, *saveAction, *undoAction, *redoAction;
   std::optional<QPoint> pointedAt;
   QAction* pickAction;
-  bool showsFocusMap = false;
+  bool showsFocusMap = false, wasReplaying = false;
   size_t shownComplaints = 0;  // of the run
   uint64_t shownRows = 0;      // of the timeline, when the page was shown last
+
+  struct Dragged {
+    Bounds shown, given;  // when it began: on the screen, and in the source
+    Bounds wanted;
+    uint32_t number;
+    bool isOver, isWaiting;  // for the page to be built
+  };
+  std::optional<Dragged> dragged;
+  uint32_t drags = 0;
+  std::string nudgedPath;  // of the widget that was moved by arrows last
 };

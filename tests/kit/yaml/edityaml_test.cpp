@@ -65,6 +65,36 @@ TEST(EditYaml, ANewKeyIsPutAmongTheOthers) {
   for (const auto& c : cases) EXPECT_EQ(edit(c.source, "n", "x", "5"), c.edited) << c.source;
 }
 
+std::string without(const std::string& source, const std::string& key) {
+  const YamlNode root = parseYaml("p", source);
+  try {
+    return withoutYamlKey("p", source, named(root, "n")->place, key);
+  } catch (const KitError& e) {
+    return e.what();
+  }
+}
+
+TEST(EditYaml, AKeyGoesWithItsLine) {
+  const struct {
+    const char *source, *key, *edited;
+  } cases[] = {
+      {"# a\nname: n\n# b\nx: 1  # c\ny: 2\n", "x", "# a\nname: n\n# b\ny: 2\n"},
+      {"# a\nx: 1\n# b\nname: n\n", "x", "# a\n# b\nname: n\n"},
+      {"name: n\nx: 1", "x", "name: n\n"},
+      {"c:\n  - x: 1\n    name: n\n  - y: 2\n", "x", "c:\n  - name: n\n  - y: 2\n"},
+      {"c:\n  - x: 1\n    # b\n    name: n\n", "x", "c:\n  - \n    # b\n    name: n\n"},
+      {"c:\n  - name: n\n    f: |\n      a\n\n      b\n    y: 1\n", "f", "c:\n  - name: n\n    y: 1\n"},
+      {"c: [{x: 1, name: n}, {name: m}]", "x", "c: [{name: n}, {name: m}]"},
+      {"c: {name: n , x: 'a, b', y: 2}", "x", "c: {name: n , y: 2}"},
+      {"c: {name: n, y: [1], x: 1}", "x", "c: {name: n, y: [1]}"},
+      {"name: n\r\nx: 1\r\ny: 2\r\n", "x", "name: n\r\ny: 2\r\n"},
+      {"name: n\ny: [1, 2]\n", "y", "p:1: 'y' can't be changed by itself here; edit the file"},
+      {"a: {name: n}\n", "name", "p:1: 'name' can't be changed by itself here; edit the file"},
+      {"name: n\n", "x", "p:1: there is no 'x' here"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(without(c.source, c.key), c.edited) << c.source;
+}
+
 TEST(EditYaml, WhatCannotBeChangedByItselfIsLeftAlone) {
   const char* refused = "p:2: 'x' can't be changed by itself here; edit the file";
   EXPECT_EQ(edit("a: &one 5\nb: {name: n, x: *one}\n", "n", "x", "6"), refused);

@@ -5,7 +5,9 @@
 
 #include <QApplication>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QTest>
+#include <QToolButton>
 #include <QTreeWidget>
 #include <filesystem>
 
@@ -31,6 +33,8 @@ class WindowTest : public testing::Test {
     window = std::make_unique<StudioWindow>(page);
     window->resize(1180, 800);
     window->show();
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get(), kLong));
     window->pageDriver().restart();
   }
 
@@ -110,17 +114,54 @@ TEST_F(WindowTest, AnErrorOfAScriptShowsWithItsLine) {
   EXPECT_EQ(clicked[0].text, "No property - nosuch");
   EXPECT_EQ(std::filesystem::path(clicked[0].file).filename(), "p.yaml");
   EXPECT_GT(shown().lightness(), 240) << "the page goes on";
+
+  // The console has the place too, and it is a link.
+  auto* output = window->consoleView().findChild<QPlainTextEdit*>();
+  const qsizetype at = output->toPlainText().lastIndexOf("p.yaml:13");
+  ASSERT_GE(at, 0) << output->toPlainText().toStdString();
+  QTextCursor cursor(output->document());
+  cursor.setPosition(int(at) + 3);
+  output->setTextCursor(cursor);
+  window->consoleView().placeClicked = window->errorBar().clicked;
+  QTest::mouseClick(output->viewport(), Qt::LeftButton, Qt::NoModifier, output->cursorRect(cursor).center());
+  ASSERT_EQ(clicked.size(), 2u);
+  EXPECT_EQ(clicked[1].line, 13);
+
+  // Closed, the strip stays away until something else is wrong.
+  QTest::mouseClick(window->errorBar().findChildren<QToolButton*>().last(), Qt::LeftButton);
+  EXPECT_FALSE(window->errorBar().isVisible());
+  window->pageDriver().step();
+  EXPECT_FALSE(window->errorBar().isVisible());
+  window->consoleView().entered("nosuch();");
+  EXPECT_TRUE(window->errorBar().isVisible());
+}
+
+TEST_F(WindowTest, AQuestionMarkShowsWhatLiesInAValue) {
+  write(source("#000000"));
+  open();
+  window->consoleView().entered("?\\[1, \\[2]]");
+  EXPECT_TRUE(window->consoleView().findChild<QPlainTextEdit*>()->toPlainText().contains("\n    [0]: 2\n"));
+  EXPECT_TRUE(window->pageDriver().session().recording().actions.empty()) << "looking does nothing";
+}
+
+// The inspector's list with that attribute chosen; null if there is none.
+QTreeWidget* listAt(InspectorView& inspector, const QString& attribute) {
+  for (auto* tree : inspector.findChildren<QTreeWidget*>()) {
+    if (tree->accessibleName() != "Attributes") continue;
+    const auto found = tree->findItems(attribute, Qt::MatchExactly);
+    if (found.size() != 1) continue;
+    tree->setCurrentItem(found.front());
+    tree->setFocus();
+    return tree;
+  }
+  return nullptr;
 }
 
 // Types a new value over the one that the inspector shows.
 void editValue(InspectorView& inspector, const QString& attribute, const QString& value) {
-  QTreeWidget* list = nullptr;
-  for (auto* tree : inspector.findChildren<QTreeWidget*>())
-    if (tree->accessibleName() == "Attributes") list = tree;
+  QTreeWidget* list = listAt(inspector, attribute);
   ASSERT_TRUE(list);
-  const auto found = list->findItems(attribute, Qt::MatchExactly);
-  ASSERT_EQ(found.size(), 1);
-  list->editItem(found.front(), 1);
+  QTest::keyClick(list, Qt::Key_F2);
   auto* field = list->findChild<QLineEdit*>();
   ASSERT_TRUE(field);
   field->setText(value);
@@ -163,6 +204,72 @@ TEST_F(WindowTest, AValueIsEditedInTheInspectorAndSavedWithTheRestOfTheSource) {
   QTest::qWait(50);
   EXPECT_FALSE(window->isWindowModified());
   EXPECT_GT(shown().lightness(), 240);
+
+  // Taken off, it is what it is by default.
+  QTest::keyClick(listAt(inspector, "start"), Qt::Key_Delete);
+  EXPECT_TRUE(window->isWindowModified());
+  EXPECT_EQ(inspectWidgets(window->pageDriver().session().run()->engine())[2].focused, false);
+}
+
+TEST_F(WindowTest, AWidgetIsMovedAndSizedByHand) {
+  write(source("#000000"));
+  open();
+  ScreenView& screen = window->screenView();
+  const auto widget = [&] { return inspectWidgets(window->pageDriver().session().run()->engine())[2]; };
+  const auto dragTo = [&](QPoint from, QPoint to, bool letsGo) {
+    QTest::mousePress(&screen, Qt::LeftButton, Qt::NoModifier, from);
+    QTest::mouseMove(&screen, (from + to) / 2);
+    QTest::mouseMove(&screen, to);
+    if (letsGo) QTest::mouseRelease(&screen, Qt::LeftButton, Qt::NoModifier, to);
+    QTest::qWait(0);
+  };
+  QTest::mouseClick(&screen, Qt::LeftButton, Qt::ControlModifier, QPoint(45, 10));  // finds it
+  dragTo({45, 10}, {145, 60}, true);
+  EXPECT_EQ(widget().place, (Bounds{100, 50, 90, 20}));
+  dragTo({190, 70}, {200, 100}, true);
+  EXPECT_EQ(widget().place, (Bounds{100, 50, 100, 50}));
+
+  dragTo({150, 75}, {350, 75}, false);
+  EXPECT_EQ(widget().place, (Bounds{300, 50, 100, 50})) << "the page shows it at once";
+  QTest::keyClick(&screen, Qt::Key_Escape);
+  QTest::qWait(0);
+  EXPECT_EQ(widget().place, (Bounds{100, 50, 100, 50}));
+
+  screen.setZoom(2);
+  QTest::keyClick(&screen, Qt::Key_Right, Qt::AltModifier);
+  QTest::keyClick(&screen, Qt::Key_Right, Qt::AltModifier);
+  QTest::keyClick(&screen, Qt::Key_Up, Qt::AltModifier | Qt::ShiftModifier);
+  EXPECT_EQ(widget().place, (Bounds{102, 50, 100, 49}));
+  EXPECT_EQ(value(), "1") << "the page has got no key";
+  QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(widget().place, (Bounds{100, 50, 100, 50})) << "nudges are one step";
+  for (int i = 0; i < 2; ++i) QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(widget().place, (Bounds{0, 0, 90, 20}));
+  EXPECT_FALSE(window->isWindowModified());
+}
+
+// Pauses and all; a key ends it.
+TEST_F(WindowTest, WhatWasDoneIsPlayedOnceMore) {
+  write(source("#000000"));
+  open();
+  window->pageDriver().setPaused(true);
+  QTest::keyClick(&window->screenView(), Qt::Key_Right);
+  window->pageDriver().step();
+  window->pageDriver().step();
+  QTest::keyClick(&window->screenView(), Qt::Key_Right);
+  EXPECT_EQ(value(), "3");
+  QTest::keyClick(window.get(), Qt::Key_P, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(value(), "1");
+  window->pageDriver().step();
+  EXPECT_EQ(value(), "2");
+  for (int i = 0; i < 2; ++i) window->pageDriver().step();
+  EXPECT_EQ(value(), "3");
+  EXPECT_TRUE(window->pageDriver().replay().isOver());
+  EXPECT_EQ(window->pageDriver().session().recording().actions.size(), 4u) << "and may be saved again";
+
+  QTest::keyClick(window.get(), Qt::Key_P, Qt::ControlModifier | Qt::ShiftModifier);
+  QTest::keyClick(&window->screenView(), Qt::Key_Left);
+  EXPECT_TRUE(window->pageDriver().replay().isOver());
 }
 
 // The window goes on while a script runs for ever; a save ends it, and shows the page without the mistake.
