@@ -1,4 +1,4 @@
-// The player's memories: how much of each is in use, what lies in the image cache, and what was too much.
+// How full the player's memories are, and were; and what lies in the image cache.
 #pragma once
 
 #include <QWidget>
@@ -9,11 +9,12 @@ class MemoryView : public QWidget {
  public:
   explicit MemoryView(const MemoryMeter& meter);
 
-  QSize sizeHint() const override { return {360, 420}; }
+  QSize sizeHint() const override;
 
  protected:
   void paintEvent(QPaintEvent* event) override;
 
  private:
   const MemoryMeter& meter;
+  int needed = 0;  // pixels of height, as painted last
 };

@@ -4,6 +4,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
 
@@ -281,4 +282,9 @@ void ScreenView::mouseReleaseEvent(QMouseEvent* event) {
 
 void ScreenView::leaveEvent(QEvent*) {
   if (pointed) pointed(std::nullopt);
+}
+
+void ScreenView::wheelEvent(QWheelEvent* event) {
+  if (!(event->modifiers() & Qt::ControlModifier) || !zoomed) return QWidget::wheelEvent(event);
+  if (event->angleDelta().y() != 0) zoomed(event->angleDelta().y() > 0 ? 1 : -1);
 }

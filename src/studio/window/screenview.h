@@ -47,6 +47,7 @@ class ScreenView : public QWidget {
   std::function<void(const QString& name)> pressed;    // a key of the remote control
   std::function<void(std::optional<QPoint>)> pointed;  // a pixel of the screen, or none
   std::function<void(QPoint)> picked;                  // while picking, or with Ctrl
+  std::function<void(int steps)> zoomed;               // by the wheel with Ctrl
   // The hand has the rectangle there now; `isOver` when it has let go. Given up with Esc, it is where it was.
   std::function<void(const Bounds& place, bool isOver)> dragged;
   std::function<void(const Bounds& place)> nudged;  // by Alt and an arrow, with Shift in size
@@ -59,6 +60,7 @@ class ScreenView : public QWidget {
   void mousePressEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
   void leaveEvent(QEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
 
  private:
   void set(bool ScreenView::*aid, bool on);

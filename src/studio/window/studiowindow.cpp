@@ -6,12 +6,14 @@
 #include <QMessageBox>
 #include <QProcess>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QSplitter>
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 
 #include "engine/inspect.h"
@@ -48,6 +50,16 @@ QStringList wordsOf(Engine& engine) {
   return words;
 }
 
+// As wide as there is room, and as high as it wants to be.
+QScrollArea* scrolled(QWidget* widget) {
+  auto* area = new QScrollArea;
+  area->setWidget(widget);
+  area->setWidgetResizable(true);
+  area->setFrameStyle(0);
+  area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  return area;
+}
+
 }  // namespace
 
 StudioWindow::StudioWindow(const std::string& p) : page(p), driver(p) {
@@ -67,6 +79,7 @@ StudioWindow::StudioWindow(const std::string& p) : page(p), driver(p) {
                        : QString("Not opened: the page before stays"));
   };
   driver.busy = [this] { stopAction->setEnabled(driver.isBusy()); };
+  screen->setFocus();  // so that keys go to the page from the start
 }
 
 void StudioWindow::buildViews() {
@@ -95,15 +108,11 @@ void StudioWindow::buildViews() {
   auto* sideColumn = new QVBoxLayout(side);
   sideColumn->setContentsMargins(kGap + 2, kGap + 2, kGap + 2, kGap + 2);
   sideColumn->setSpacing(kGap + 6);
-  sideColumn->addWidget(remote);
-  sideColumn->addWidget(loupe);
+  sideColumn->addWidget(remote, 0, Qt::AlignHCenter);
+  sideColumn->addWidget(loupe, 0, Qt::AlignHCenter);
   sideColumn->addStretch(1);
-  auto* sideScroll = new QScrollArea;
-  sideScroll->setWidget(side);
-  sideScroll->setWidgetResizable(true);
-  sideScroll->setFrameStyle(0);
-  sideScroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  sideScroll->setFixedWidth(remote->sizeHint().width() + 2 * kGap + 24);
+  QScrollArea* sideScroll = scrolled(side);
+  sideScroll->setFixedWidth(remote->sizeHint().width() + 2 * (kGap + 2));
 
   auto* rows = new QSplitter(Qt::Vertical);
   rows->addWidget(middle);
@@ -119,14 +128,14 @@ void StudioWindow::buildViews() {
   tabs->setDocumentMode(true);
   tabs->addTab(inspector, "Inspector");
   tabs->addTab(timelineView, "Timeline");
-  tabs->addTab(memoryView, "Memory");
+  tabs->addTab(scrolled(memoryView), "Memory");
   QObject::connect(tabs, &QTabWidget::currentChanged, this, [this] {
     inspector->refresh();
     timelineView->refresh();
   });
   columns->addWidget(tabs);
   columns->setStretchFactor(1, 1);
-  columns->setSizes({234, 760, 400});
+  columns->setSizes({224, 756, 420});
   columns->setHandleWidth(1);
   columns->setChildrenCollapsible(false);
   setCentralWidget(columns);
@@ -137,6 +146,7 @@ void StudioWindow::buildViews() {
 
   screen->pressed = [this](const QString& name) { press(name); };
   screen->pointed = [this](std::optional<QPoint> pixel) { showPointed(pixel); };
+  screen->zoomed = [this](int steps) { setZoom(screen->zoom() + steps); };
   remote->pressed = [this](const QString& name) { press(name); };
   console->entered = [this](const QString& line) { enter(line); };
   console->placeClicked = [this](const KitMessage& place) { openPlace(place); };
@@ -268,9 +278,18 @@ void StudioWindow::showPointed(std::optional<QPoint> pixel) {
   loupe->point(run->player().window().data(), pixel, pixel ? storedPixel(run->engine(), *pixel) : QString());
 }
 
+// What is in the middle stays there.
 void StudioWindow::setZoom(int factor) {
+  const QPoint middle = surround->viewport()->rect().center();
+  const QPointF kept = screen->mapFrom(surround->viewport(), middle);
+  const QSizeF before = screen->size();
   screen->setZoom(factor);
   zoomText->setText(QString("%1\u00d7").arg(screen->zoom()));
+  const auto keep = [](QScrollBar* bar, double at, double size, int sizeNow, int middle) {
+    bar->setValue(int(std::lround(at / size * sizeNow)) - middle);
+  };
+  keep(surround->horizontalScrollBar(), kept.x(), before.width(), screen->width(), middle.x());
+  keep(surround->verticalScrollBar(), kept.y(), before.height(), screen->height(), middle.y());
 }
 
 void StudioWindow::fitZoom() {

@@ -23,9 +23,9 @@ TimelineView::TimelineView(const Timeline& t) : timeline(t), list(new QTreeWidge
   list->setFrameStyle(0);
   list->setRootIsDecorated(false);
   list->setUniformRowHeights(true);
-  list->setColumnWidth(0, 70);
-  list->setColumnWidth(1, 60);
-  list->setColumnWidth(2, 190);
+  list->setColumnWidth(0, 64);
+  list->setColumnWidth(1, 54);
+  list->setColumnWidth(2, 168);
   list->setAccessibleName("Timeline");
   filter->setPlaceholderText("Filter");
   filter->setTextMargins(6, 4, 6, 4);
@@ -54,6 +54,7 @@ void TimelineView::refresh() {
     for (const int column : {0, 1, 3}) item->setForeground(column, look().faint);
     if (row.kind == TimelineKind::error) item->setForeground(2, look().error);
     item->setToolTip(2, textOf(row.text));
+    item->setToolTip(3, textOf(timelineCost(row.cost)));
     items.push_back(item);
   }
   list->addTopLevelItems(items);
