@@ -26,12 +26,7 @@ void play(const FilmCommandOptions& options, FilmSink& sink) {
   PreparedPages pages([](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; });
   pages.prepare(options.page);
   PageRun run(options);
-  if (!pages.open(run, options.page)) {
-    std::string why;
-    for (const std::string_view complaint : run.complaints()) why.append(complaint);
-    while (why.ends_with('\n')) why.pop_back();
-    throw KitError(why.empty() ? options.page + ": the player doesn't load it" : why);
-  }
+  if (!pages.open(run, options.page)) throw run.refusal(options.page);
   refuseClashes({options.output}, run.inputs());
   Film film(run, sink, {uint32_t(options.pace), uint32_t(options.last)});
   for (const PageAction& action : options.actions) film.act(action);

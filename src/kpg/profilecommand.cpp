@@ -31,7 +31,7 @@ void profile(ProfileOptions options) {
   PageRun run(options);
   run.trace(profiler);
   if (!run.load(options.page, [](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; }))
-    throw KitError(run.log());
+    throw run.refusal(options.page);
   for (const PageAction& action : options.actions) run.act(action);
   for (const std::string& complaint : run.complaintsWithPlaces()) std::cerr << complaint;
   if (!run.stopped().empty()) throw KitError(options.page, run.stopped());

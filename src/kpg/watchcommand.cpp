@@ -20,7 +20,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 struct WatchOptions : PageRunOptions {
-  std::string page, output;
+  std::string page, output, log;
   std::vector<PageAction> actions;
 };
 
@@ -69,7 +69,7 @@ class PageWatch {
     };
     try {
       const auto warn = [](const KitMessage& warning) { std::cout << warning.whole() << std::endl; };
-      if (!page.load(options.page, warn)) throw KitError(page.log());
+      if (!page.load(options.page, warn)) throw page.refusal(options.page);
       for (const PageAction& action : options.actions) page.act(action);
     } catch (const KitError&) {
       noteFiles();
@@ -78,7 +78,9 @@ class PageWatch {
     noteFiles();
     for (const std::string& complaint : page.complaintsWithPlaces()) std::cout << complaint << std::flush;
     if (!page.stopped().empty()) throw KitError(options.page, page.stopped());
-    refuseClashes({options.output}, page.inputs());
+    refuseClashes({options.output, options.log}, page.inputs());
+    const std::string log = page.logWithPlaces();
+    if (!options.log.empty()) writeFile(options.log, log.data(), log.size());
     const PagePicture picture = page.take();
     writePng(options.output, picture.width, picture.height, picture.pixels);
   }
@@ -90,7 +92,7 @@ class PageWatch {
 };
 
 void watchPage(const WatchOptions& options) {
-  refuseClashes({options.output}, {options.page});
+  refuseClashes({options.output, options.log}, {options.page});
   if (!std::filesystem::is_regular_file(options.page)) throw KitError(options.page, "is not there");
   endOn(SIGINT);
   endOn(SIGTERM);
@@ -106,6 +108,8 @@ void addWatchCommand(CommandLine& line) {
       .required()
       .type("PAGE.kpg|PAGE.yaml");
   command.add("-o,--out", options->output, "The picture to write").required().type("OUT.png");
+  command.add("--log", options->log, "Where to write what the console showed").type("FILE");
+  command.flag("--read-only", options->readOnly, "Let no script write a file");
   addTimeLimit(command, options->limitSeconds);
   addPageActions(command, [options](const PageAction& action) { options->actions.push_back(action); });
   command.runs([options] { watchPage(*options); });

@@ -106,6 +106,13 @@ std::vector<std::string> PageRun::complaintsWithPlaces() const {
   return texts;
 }
 
+KitError PageRun::refusal(const std::string& page) const {
+  std::string all;
+  for (const std::string& complaint : complaintsWithPlaces()) all += complaint;
+  while (all.ends_with('\n')) all.pop_back();
+  return all.empty() ? KitError(page, "the player doesn't load it, and doesn't say why") : KitError(all);
+}
+
 std::vector<std::string> PageRun::inputs() const {
   std::vector<std::string> all = sourcesRead();
   for (const fs::path& path : desktop.filesRead()) all.push_back(path.string());

@@ -52,6 +52,8 @@ class PageRun {
   // tables that were needed.
   std::string logWithPlaces() const { return desktop.withPlaces(log()); }
   std::vector<std::string> complaintsWithPlaces() const;
+  // Why load() returned false: all that the system has complained of, or else that it hasn't.
+  KitError refusal(const std::string& page) const;
   const std::vector<KitMessage>& lineWarnings() const { return places.warnings(); }
   // All files that were read so far, and with those that were not there; also after a load that threw.
   std::vector<std::string> inputs() const;
