@@ -1,25 +1,20 @@
 // A page under the debugger: loaded, driven by what it is given to do and then by the clock, and stopped by
 // breakpoints.
 //
-// Files are called by their full names. Time passes as on the wall while nothing is to be done and the page isn't
-// stopped.
+// Time passes as on the wall while nothing is to be done and the page isn't stopped.
 #pragma once
 
 #include <functional>
-#include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
-#include "bob/bob.h"
-#include "kit/dap/breakpointplaces.h"
+#include "kit/debug/pagedebugger.h"
 #include "kit/run/pagerun.h"
 
 class DebuggedPage {
  public:
   DebuggedPage();
-  ~DebuggedPage();
 
   // -- what whoever shows the debugger hears of
 
@@ -33,18 +28,14 @@ class DebuggedPage {
   void act(const PageAction& action);
   void end();  // of what runs
 
-  std::vector<WantedBreakpoint> setBreakpoints(const std::string& file, const std::vector<BobBreakpoint>& all);
-  BobDebugger& debugger() { return theDebugger; }
+  const std::vector<WantedBreakpoint>& setBreakpoints(const std::string& file, const std::vector<BobBreakpoint>& all) {
+    return pageDebugger->setBreakpoints(file, all);
+  }
+  BobDebugger& debugger() { return pageDebugger->core(); }
   void printNew();  // what the console has got since
 
  private:
-  const BobCodeLines* linesOf(BobValue code);
-  void learn();
-
-  std::map<const BobCodeLines*, std::unique_ptr<BobCodeLines>> named;  // with the full names of their files
-  BreakpointPlaces places;
-  size_t known = 0;  // pieces of code when it was last looked
-  BobDebugger theDebugger;
+  std::unique_ptr<PageDebugger> pageDebugger;  // outlives the run
   std::unique_ptr<PageRun> run;
   size_t printedSoFar = 0;  // bytes of the log
 };

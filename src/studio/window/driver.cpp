@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -64,10 +65,7 @@ void PageDriver::run(const std::function<void()>& work) {
       player->goOn();
     }
   }
-  if (wantsReload) {
-    wantsReload = false;
-    return reload();
-  }
+  if (const auto anew = std::exchange(wantsOpening, std::nullopt)) return open(*anew);
   if (changed) changed();
 }
 
@@ -82,15 +80,14 @@ void PageDriver::play(std::vector<PageAction> actions) {
   played = Replay(std::move(actions));
 }
 
-void PageDriver::reload() {
-  if (running) {
-    wantsReload = true;
-    return stop();
-  }
-  open(!keepsState);
-}
+void PageDriver::reload() { open(!keepsState); }
 
 void PageDriver::open(bool anew) {
+  if (running) {
+    wantsOpening = anew;
+    return stop();
+  }
+  if (opening) opening(anew);
   QElapsedTimer time;
   time.start();
   readSince = FileWatch::Time::clock::now();
@@ -136,14 +133,17 @@ void PageDriver::obey(const std::function<void()>& work) {
 }
 
 void PageDriver::stop() {
-  if (running) player->interrupt();
+  if (!running) return;
+  player->interrupt();
+  if (interrupted) interrupted();
 }
 
 void PageDriver::letTimePass() {
+  if (running) return void(sinceTick.start());
   owed = std::min(owed + speed * double(sinceTick.nsecsElapsed()) / 1e6, kMostOwed * std::max(speed, 1.0));
   sinceTick.start();
   const auto whole = uint32_t(owed);
-  if (running || whole == 0) return;
+  if (whole == 0) return;
   owed -= whole;
   run([&] { pass(whole); });
 }

@@ -50,6 +50,8 @@ class PageDriver {
 
   std::function<void(PageRun&)> prepare;                              // each new run, before it loads anything
   std::function<const std::string*(const std::string& file)> edited;  // as SessionOptions::edited
+  std::function<void(bool anew)> opening;                             // a load begins: afresh, or with what was done
+  std::function<void()> interrupted;                                  // what runs is to end
   std::function<void()> changed;                                      // the page may look otherwise now
   std::function<void()> opened;                                       // a load has ended, well or not
   std::function<void()> busy;                                         // begun or ended to run for long
@@ -73,7 +75,8 @@ class PageDriver {
   double speed = 1, owed = 0;  // milliseconds of the page that are due
   double reloadMilliseconds = 0;
   Replay played;
-  bool paused = false, running = false, keepsState = true, wantsReload = false, wasLong = false;
+  bool paused = false, running = false, keepsState = true, wasLong = false;
+  std::optional<bool> wantsOpening;  // when what runs has ended: afresh or not
 
   FileWatch::Time readSince;
   FileWatch watch;

@@ -40,6 +40,11 @@ void turn(QPainter* painter, bool isMirrored) {
   painter->restore();
 }
 
+void dot(QPainter* painter, QPointF at, double radius = 1.9) {
+  painter->setBrush(painter->pen().brush());
+  painter->drawEllipse(at, radius, radius);
+}
+
 void glass(QPainter* painter) {
   painter->drawEllipse(QRectF(3.5, 3.5, 9.5, 9.5));
   painter->drawLine(QPointF(11.8, 11.8), QPointF(16.5, 16.5));
@@ -139,6 +144,31 @@ void draw(QPainter* painter, Sign sign) {
       painter->drawRect(QRectF(7.5, 7.5, 5, 5));
       break;
     }
+    case Sign::stepOver: {
+      QPainterPath path;
+      path.arcMoveTo(QRectF(4, 4.5, 12, 12), 170);
+      path.arcTo(QRectF(4, 4.5, 12, 12), 170, -150);
+      arrowHead(&path, QPointF(15.8, 8.6), QPointF(-4.2, 0.2), QPointF(0.2, -4.2));
+      painter->drawPath(path);
+      dot(painter, QPointF(10, 14.5));
+      break;
+    }
+    case Sign::stepInto:
+    case Sign::stepOut: {
+      const double end = sign == Sign::stepInto ? 10.5 : 3.5, tail = sign == Sign::stepInto ? 3.5 : 10.5;
+      const double back = sign == Sign::stepInto ? -3.6 : 3.6;
+      QPainterPath path(QPointF(10, tail));
+      path.lineTo(10, end);
+      arrowHead(&path, QPointF(10, end), QPointF(-3.6, back), QPointF(3.6, back));
+      painter->drawPath(path);
+      dot(painter, QPointF(10, 15.3));
+      break;
+    }
+    case Sign::error:
+      painter->drawEllipse(QRectF(3.5, 3.5, 13, 13));
+      painter->drawLine(QPointF(10, 6.5), QPointF(10, 11));
+      dot(painter, QPointF(10, 13.6), 0.9);
+      break;
   }
 }
 

@@ -21,7 +21,11 @@ enum class Sign {
   safe,
   zoomIn,
   zoomOut,
-  fit
+  fit,
+  stepOver,
+  stepInto,
+  stepOut,
+  error
 };
 
 QIcon signIcon(Sign sign);

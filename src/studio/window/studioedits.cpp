@@ -111,4 +111,12 @@ bool StudioWindow::mayDropEdits() {
   return answer == QMessageBox::Discard;
 }
 
-void StudioWindow::closeEvent(QCloseEvent* event) { mayDropEdits() ? event->accept() : event->ignore(); }
+// What runs, or stands, ends first.
+void StudioWindow::closeEvent(QCloseEvent* event) {
+  if (driver.isBusy()) {
+    event->ignore();
+    driver.stop();
+    return QTimer::singleShot(0, this, [this] { close(); });
+  }
+  mayDropEdits() ? event->accept() : event->ignore();
+}

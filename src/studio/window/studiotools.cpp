@@ -163,7 +163,7 @@ void StudioWindow::addLookingTools(QToolBar* bar) {
 void StudioWindow::addMoreTools(QToolBar* bar) {
   auto* more = new QToolButton;
   more->setText("\u2261");
-  QMenu* menu = addMenu(bar, more, "More", "F10");
+  QMenu* menu = addMenu(bar, more, "More", "Alt+0");
   entry(
       menu, "Keep what was done over a save", "Ctrl+K", [this](bool on) { driver.setKeepsState(on); }, true);
   entry(
@@ -172,8 +172,8 @@ void StudioWindow::addMoreTools(QToolBar* bar) {
   entry(menu, "To the screen", "Alt+1", [this](bool) { screen->setFocus(); });
   entry(menu, "To the console", "Ctrl+L", [this](bool) { console->focusInput(); });
   entry(menu, "Filter the console", "Ctrl+F", [this](bool) { console->focusFilter(); });
-  for (const auto& [label, keys, index] :
-       {std::tuple("Inspector", "Alt+2", 0), std::tuple("Timeline", "Alt+3", 1), std::tuple("Memory", "Alt+4", 2)})
+  for (const auto& [label, keys, index] : {std::tuple("Inspector", "Alt+2", 0), std::tuple("Timeline", "Alt+3", 1),
+                                           std::tuple("Memory", "Alt+4", 2), std::tuple("Debugger", "Alt+5", 3)})
     entry(menu, label, keys, [this, index = index](bool) {
       tabs->setCurrentIndex(index);
       tabs->currentWidget()->setFocus();

@@ -66,10 +66,17 @@ StudioWindow::StudioWindow(const std::string& p) : page(p), driver(p) {
   setWindowTitle(QString::fromStdString(std::filesystem::path(page).filename().string()) + "[*] \u2013 Vistrel Studio");
   buildViews();
   buildTools();
-  driver.prepare = [this](PageRun& run) { run.watch(std::make_unique<RunWatch>(run, timeline, memory)); };
+  followDebugger();
+  driver.prepare = [this](PageRun& run) {
+    run.watch(std::make_unique<RunWatch>(run, timeline, memory));
+    debugDesk.begin(run);
+  };
   driver.edited = [this](const std::string& file) { return edits.unsavedText(file); };
   driver.changed = [this] { showPage(); };
   driver.opened = [this] {
+    debugDesk.keepOnly(driver.session().run());
+    debugDesk.setSilent(false);
+    debugger->refresh();
     edits.lookAtDisk();
     showEdits();
     showErrors();
@@ -80,6 +87,22 @@ StudioWindow::StudioWindow(const std::string& p) : page(p), driver(p) {
   };
   driver.busy = [this] { stopAction->setEnabled(driver.isBusy()); };
   screen->setFocus();  // so that keys go to the page from the start
+}
+
+// While the page stands, what asks for the engine waits, as while a script runs.
+void StudioWindow::followDebugger() {
+  driver.opening = [this](bool anew) { debugDesk.setSilent(!anew); };
+  driver.interrupted = [this] { debugger->goOn(BobResume::run); };
+  debugger->edited = [this](const std::string& file) { return edits.unsavedText(file); };
+  debugger->wanted = [this] { tabs->setCurrentWidget(debugger); };
+  debugDesk.logged = [this](const std::string& line) { console->print(QString::fromStdString(line) + "\n"); };
+  debugDesk.stopped = [this](const BobStop& stop) {
+    const bool couldStop = stopAction->isEnabled();
+    stopAction->setEnabled(true);
+    const BobResume how = debugger->stand(stop);
+    stopAction->setEnabled(couldStop);
+    return how;
+  };
 }
 
 void StudioWindow::buildViews() {
@@ -95,6 +118,7 @@ void StudioWindow::buildViews() {
   inspector = new InspectorView;
   timelineView = new TimelineView(timeline);
   memoryView = new MemoryView(memory);
+  debugger = new DebuggerView(debugDesk);
   loupe = new LoupeView;
 
   auto* middle = new QWidget;
@@ -129,9 +153,11 @@ void StudioWindow::buildViews() {
   tabs->addTab(inspector, "Inspector");
   tabs->addTab(timelineView, "Timeline");
   tabs->addTab(scrolled(memoryView), "Memory");
+  tabs->addTab(debugger, "Debugger");
   QObject::connect(tabs, &QTabWidget::currentChanged, this, [this] {
     inspector->refresh();
     timelineView->refresh();
+    debugger->refresh();
   });
   columns->addWidget(tabs);
   columns->setStretchFactor(1, 1);
@@ -254,6 +280,11 @@ void StudioWindow::showReplay() {
 
 // A question mark asks what lies in a value; anything else is a statement.
 void StudioWindow::enter(const QString& line) {
+  if (debugger->isStanding()) {
+    QString answer;
+    const bool isValue = debugger->evaluate(line, &answer);
+    return console->print((isValue ? "--> " : "Error: ") + answer + "\n");
+  }
   if (!line.startsWith('?')) return driver.type(line.toLatin1().toStdString());
   PageRun* run = driver.session().run();
   if (!run || driver.isBusy()) return;

@@ -7,9 +7,11 @@
 
 #include "studio/control/controlprotocol.h"
 #include "studio/control/controlsocket.h"
+#include "studio/debug/debugdesk.h"
 #include "studio/edit/sourceedits.h"
 #include "studio/timeline/timeline.h"
 #include "studio/window/consoleview.h"
+#include "studio/window/debuggerview.h"
 #include "studio/window/driver.h"
 #include "studio/window/errorbar.h"
 #include "studio/window/inspectorview.h"
@@ -38,6 +40,8 @@ class StudioWindow : public QMainWindow {
   ConsoleView& consoleView() { return *console; }
   ErrorBar& errorBar() { return *errors; }
   InspectorView& inspectorView() { return *inspector; }
+  DebuggerView& debuggerView() { return *debugger; }
+  DebugDesk& desk() { return debugDesk; }
 
  protected:
   void changeEvent(QEvent* event) override;
@@ -45,6 +49,7 @@ class StudioWindow : public QMainWindow {
 
  private:
   void buildViews();
+  void followDebugger();
   void press(const QString& key);
   void enter(const QString& line);
   void showPage();
@@ -88,6 +93,7 @@ class StudioWindow : public QMainWindow {
   Timeline timeline;
   MemoryMeter memory;
   SourceEdits edits;
+  DebugDesk debugDesk;
   PageDriver driver;
   ScreenView* screen;
   QScrollArea* surround;
@@ -99,6 +105,7 @@ class StudioWindow : public QMainWindow {
   InspectorView* inspector;
   TimelineView* timelineView;
   MemoryView* memoryView;
+  DebuggerView* debugger;
   PageRun* inspected = nullptr;
   std::unique_ptr<ControlProtocol> protocol;
   std::unique_ptr<ControlSocket> control;

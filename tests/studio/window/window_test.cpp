@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTest>
+#include <QTimer>
 #include <QToolButton>
 #include <QTreeWidget>
 #include <filesystem>
@@ -270,6 +271,57 @@ TEST_F(WindowTest, WhatWasDoneIsPlayedOnceMore) {
   QTest::keyClick(window.get(), Qt::Key_P, Qt::ControlModifier | Qt::ShiftModifier);
   QTest::keyClick(&window->screenView(), Qt::Key_Left);
   EXPECT_TRUE(window->pageDriver().replay().isOver());
+}
+
+// Time stands, the window doesn't; what is asked for in the middle is answered there.
+TEST_F(WindowTest, APageStandsAtABreakpointUntilItIsToGoOn) {
+  write(
+      "flags: 16bit\npage:\n  type: group\n  width: 720\n  height: 480\n  start: a\n  children:\n"
+      "  - type: image\n    name: a\n    onClick: |\n      total = 3;\n      { local twice = total * 2; total = twice; "
+      "}\n"
+      "      bgColor = total;\n");
+  open();
+  const std::string file = debuggedFileName(page);
+  DebuggerView& view = window->debuggerView();
+  window->desk().toggle(file, 12);
+  const auto list = [&](const char* name) {
+    for (auto* tree : view.findChildren<QTreeWidget*>())
+      if (tree->accessibleName() == name) return tree;
+    return static_cast<QTreeWidget*>(nullptr);
+  };
+  const auto atStop = [&](std::function<void()> work) {
+    QTimer::singleShot(0, &view, [&, work] {
+      ASSERT_TRUE(view.isStanding());
+      EXPECT_TRUE(view.isVisible());
+      work();
+    });
+    QTest::keyClick(&window->screenView(), Qt::Key_K);
+    EXPECT_FALSE(view.isStanding());
+  };
+
+  QString answer, where;
+  atStop([&] {
+    where = list("Calls")->topLevelItem(0)->text(1);
+    EXPECT_TRUE(view.evaluate("total + 1", &answer));
+    window->consoleView().entered("total = 5;");
+    QTest::keyClick(&window->screenView(), Qt::Key_K);  // dropped
+    view.goOn(BobResume::run);
+  });
+  EXPECT_EQ(where, "p.yaml:12");
+  EXPECT_EQ(answer, "4");
+  window->consoleView().entered("total;");
+  EXPECT_TRUE(window->pageDriver().session().run()->log().ends_with("--> 10\n"));
+  EXPECT_EQ(window->pageDriver().session().recording().actions.size(), 2u);
+
+  // A save ends what stands.
+  window->desk().toggle(file, 12);
+  window->desk().toggle(file, 13);
+  atStop([&] { window->pageDriver().reload(); });
+  EXPECT_EQ(window->pageDriver().session().openings(), 2u);
+
+  // And so does closing the window.
+  atStop([&] { window->close(); });
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !window->isVisible(); }, kLong));
 }
 
 // The window goes on while a script runs for ever; a save ends it, and shows the page without the mistake.

@@ -1,4 +1,4 @@
-#include "kit/dap/breakpointplaces.h"
+#include "kit/debug/breakpointplaces.h"
 
 // The next line with code.
 int BreakpointPlaces::placeOf(const File& file, int line) {
