@@ -18,6 +18,14 @@ constexpr CheckKind kKinds[] = {
     {"vanishes", "a number or a select that disappears with the focus"},
     {"two-sizes", "a select with `showAll` whose two styles differ in size"},
     {"outside-screen", "a widget that begins outside the screen"},
+    {"missing-file", "a picture, colour table, font, script or page that isn't there, and that nothing makes"},
+    {"file-case", "a file that the player finds only because it ignores upper and lower case"},
+    {"unreadable-file", "a picture or a font that the player can't read"},
+    {"picture-ending", "a picture that is named by another ending than `.kpx` or `.gif`, and so read at each draw"},
+    {"picture-size", "a picture that doesn't fit the player's picture memory even alone"},
+    {"picture-memory", "a page whose pictures have more than 500,000 pixels altogether"},
+    {"other-table", "a picture that changes the colours of an 8-bit page"},
+    {"no-table", "an 8-bit page, or a picture of a 16-bit page, without a colour table"},
     {"unknown-allow", "an `allow` of a name that no check has"},
 };
 

@@ -1,29 +1,6 @@
-#include "kit/check/checkpage.h"
-
-#include "support/pagefixture.h"
+#include "checkfixture.h"
 
 namespace {
-
-class CheckTest : public PageTest {
- protected:
-  // Each as "LINE NAME".
-  std::vector<std::string> check(const std::string& source, const std::vector<std::string>& allowed = {}) {
-    writeText("p.yaml", source);
-    std::vector<std::string> found;
-    for (const Finding& finding : checkPageSource("p.yaml", allowed)) {
-      EXPECT_EQ(finding.message.file, "p.yaml");
-      found.push_back(std::to_string(finding.message.line) + " " + finding.check);
-    }
-    return found;
-  }
-
-  // Of a page with these children; the first of them is in line 7.
-  std::vector<std::string> checkChildren(const std::string& children, const std::string& start = "a") {
-    return check("page:\n  type: group\n  width: 720\n  height: 480\n  start: " + start + "\n  children:\n" + children);
-  }
-
-  using Found = std::vector<std::string>;
-};
 
 TEST_F(CheckTest, NamesThatNothingHasOrThatTwoHave) {
   EXPECT_EQ(checkChildren("    - {name: a, right: b}\n"
@@ -105,6 +82,25 @@ TEST_F(CheckTest, WhatAnAuthorAllowsIsNotFound) {
   EXPECT_EQ(check(page("", "", ""), {"no-such-name"}), Found{});
   EXPECT_EQ(check(page("", "", "  # kpg: allow no-such-nam")),
             (Found{"4 no-such-name", "4 unknown-allow", "5 no-such-name"}));
+}
+
+TEST_F(CheckTest, ReadersOfJsonGetAllOfAFinding) {
+  EXPECT_EQ(findingsJson({}), "[]\n");
+  EXPECT_EQ(findingsJson({{"focus-trap", {"p.yaml", 7, "a \"quoted\" text"}}, {"vanishes", {"p.yaml", 9, "b"}}}),
+            "[\n"
+            "  {\n"
+            "    \"file\": \"p.yaml\",\n"
+            "    \"line\": 7,\n"
+            "    \"check\": \"focus-trap\",\n"
+            "    \"text\": \"a \\\"quoted\\\" text\"\n"
+            "  },\n"
+            "  {\n"
+            "    \"file\": \"p.yaml\",\n"
+            "    \"line\": 9,\n"
+            "    \"check\": \"vanishes\",\n"
+            "    \"text\": \"b\"\n"
+            "  }\n"
+            "]\n");
 }
 
 }  // namespace

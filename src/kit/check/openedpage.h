@@ -1,0 +1,35 @@
+// A checked page in a player of its own, as it is once it has opened, for checks that ask the player itself.
+//
+// Its files are made from their sources in memory, by the rules of the project around it; nothing is written, and
+// scripts can't write either. Scripts run: a page that has opened another one in its place is no longer open.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "kit/check/checkedpage.h"
+#include "kit/project/livefiles.h"
+#include "kit/run/pagerun.h"
+
+// What the player finds for a name: the very file, one that differs in upper and lower case only, or nothing.
+struct FileLook {
+  enum Found { exactly, ignoringCase, nowhere } found;
+  std::string name;  // of the file that is found, from the page's folder
+};
+
+class OpenedPage {
+ public:
+  explicit OpenedPage(const std::string& source);
+
+  // What is wrong with the files that the page needs, so that they can't be made.
+  const std::vector<KitMessage>& errors() const { return problems; }
+  Engine& engine() { return run.engine(); }
+  FileLook look(const std::string& name);
+
+ private:
+  LiveFiles files;
+  PageRun run;
+  std::filesystem::path folder;  // of the page, in which names count
+  std::vector<KitMessage> problems;
+};
