@@ -26,6 +26,13 @@ constexpr CheckKind kKinds[] = {
     {"picture-memory", "a page whose pictures have more than 500,000 pixels altogether"},
     {"other-table", "a picture that changes the colours of an 8-bit page"},
     {"no-table", "an 8-bit page, or a picture of a 16-bit page, without a colour table"},
+    {"text-overflow", "a text that runs out of its widget"},
+    {"broken-word", "a wrapped text with a word that is wider than its widget"},
+    {"text-cut", "a wrapped text of more than 20 lines or 100 words"},
+    {"missing-glyph", "a character that the font doesn't have"},
+    {"undecodable", "a text that isn't in the encoding of its style"},
+    {"faint-text", "antialiased text that hardly stands out from its ground"},
+    {"title-safe", "texts outside the middle 80 % of the screen, which every television shows"},
     {"unknown-allow", "an `allow` of a name that no check has"},
 };
 

@@ -42,6 +42,7 @@ CheckReport checkPageSource(const std::string& path, const std::vector<std::stri
   checkLinks(page, find);
   checkLooks(page, find);
   checkFiles(page, opened, find);
+  checkTexts(page, opened, find);
 
   AllowedFindings allow(allowed);
   for (const std::string& source : tree.sources)

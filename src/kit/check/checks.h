@@ -16,3 +16,4 @@ using Find = std::function<void(std::string_view check, const YamlPlace& place, 
 void checkLinks(const CheckedPage& page, const Find& find);
 void checkLooks(const CheckedPage& page, const Find& find);
 void checkFiles(const CheckedPage& page, OpenedPage& opened, const Find& find);
+void checkTexts(const CheckedPage& page, OpenedPage& opened, const Find& find);

@@ -26,10 +26,7 @@ class Files {
     const EngineScope here(opened.engine());
     for (const CheckedWidget& widget : page.widgets)
       for (const PageEntry& entry : widget.node->attributes) checkAttribute(widget, entry);
-    if (isEightBit() && tableOf(page).empty())
-      find("no-table", page.root().place(),
-           "an 8-bit page without a colorTable is black all over when it fills the screen, until a picture brings a "
-           "table");
+    checkPageTable();
     checkStyles();
     checkScripts();
     for (const LoadedPage& loaded : page.tree.loadedPages)
@@ -39,6 +36,14 @@ class Files {
 
  private:
   bool isEightBit() const { return page.tree.flags & kPageIs8Bit; }
+
+  // A smaller one lies in a frame, where its table doesn't count.
+  void checkPageTable() {
+    const bool fillsScreen = page.root().width >= kScreenWidth && page.root().height >= kScreenHeight;
+    if (isEightBit() && fillsScreen && tableOf(page).empty())
+      find("no-table", page.root().place(),
+           "an 8-bit page without a colorTable: the player shows it black all over until a picture brings a table");
+  }
 
   // Says what is wrong with the name; `without` is what the player does if there is no such file.
   bool isThere(const std::string& name, const YamlPlace& place, const std::string& what, const std::string& without) {

@@ -4,6 +4,7 @@
 
 #include "engine/base/hostfile.h"
 #include "engine/engine.h"
+#include "engine/inspect/walk.h"
 #include "gfx/foundation/hsascii.h"
 
 namespace fs = std::filesystem;
@@ -24,7 +25,8 @@ PageRunOptions optionsOf(LiveFiles& files) {
 
 OpenedPage::OpenedPage(const std::string& source) : files(source), run(optionsOf(files)) {
   files.begin();
-  folder = fs::path(files.pageOf(source)).parent_path();
+  path = files.pageOf(source);
+  folder = fs::path(path).parent_path();
   try {
     run.load(source);
   } catch (const KitError& e) {
@@ -33,9 +35,9 @@ OpenedPage::OpenedPage(const std::string& source) : files(source), run(optionsOf
 }
 
 FileLook OpenedPage::look(const std::string& name) {
-  std::string path = name;
-  std::replace(path.begin(), path.end(), '\\', '/');
-  const fs::path file = (folder / path).lexically_normal();
+  std::string plain = name;
+  std::replace(plain.begin(), plain.end(), '\\', '/');
+  const fs::path file = (folder / plain).lexically_normal();
   std::error_code error;
   if (files.find(file) || fs::is_regular_file(file, error)) return {FileLook::exactly, name};
   const auto isEqual = [&](const fs::path& other) { return hsAsciiEqualIgnoringCase(other.c_str(), file.c_str()); };
@@ -49,4 +51,13 @@ FileLook OpenedPage::look(const std::string& name) {
   }
   if (found.empty()) return {FileLook::nowhere, ""};
   return {FileLook::ignoringCase, found.lexically_relative(folder).string()};
+}
+
+std::vector<Widget*> OpenedPage::widgetsOf(const CheckedPage& page) {
+  const Frame* top = engine().topFrame;
+  if (!top || !top->pageData || top->pageName != fs::absolute(path).string()) return {};
+  std::vector<Widget*> made = walkWidgets(engine());
+  std::erase_if(made, [&](const Widget* widget) { return frameOf(widget) != top; });
+  if (made.size() != page.widgets.size()) return {};
+  return made;
 }

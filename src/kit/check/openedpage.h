@@ -27,9 +27,16 @@ class OpenedPage {
   Engine& engine() { return run.engine(); }
   FileLook look(const std::string& name);
 
+  // What the player has made of the page's widgets, in their order; empty when it hasn't made all of them, or shows
+  // another page by now. They stay until something runs.
+  std::vector<Widget*> widgetsOf(const CheckedPage& page);
+  // What the screen shows, 0x00RRGGBB, in rows of kScreenWidth.
+  const std::vector<uint32_t>& screen() { return run.player().window(); }
+
  private:
   LiveFiles files;
   PageRun run;
-  std::filesystem::path folder;  // of the page, in which names count
+  std::string path;              // of the page, as the player opens it
+  std::filesystem::path folder;  // in which names count
   std::vector<KitMessage> problems;
 };

@@ -87,7 +87,8 @@ TEST_F(CheckedFilesTest, ColorsThatPicturesBring) {
       "    - {background: same.kpx}\n    - {background: none.kpx}\n    - {background: other.kpx}\n";
   EXPECT_EQ(checkPage(children), Found{"10 other-table"});
   EXPECT_EQ(checkPage(children, "16bit"), Found{"9 no-table"});
-  EXPECT_EQ(check("flags: 8bit\npage:\n  bgColor: 1\n"), Found{"3 no-table"});
+  EXPECT_EQ(check("flags: 8bit\npage:\n  width: 720\n  height: 480\n"), Found{"3 no-table"});
+  EXPECT_EQ(check("flags: 8bit\npage:\n  width: 719\n  height: 480\n"), Found{});
 }
 
 }  // namespace
