@@ -41,6 +41,8 @@ CheckReport checkPageSource(const std::string& path, const std::vector<std::stri
   };
   checkLinks(page, find);
   checkLooks(page, find);
+  checkHighlights(page, find);
+  checkStyles(page, find);
   checkFiles(page, opened, find);
   checkTexts(page, opened, find);
 

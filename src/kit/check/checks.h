@@ -15,5 +15,7 @@ using Find = std::function<void(std::string_view check, const YamlPlace& place, 
 
 void checkLinks(const CheckedPage& page, const Find& find);
 void checkLooks(const CheckedPage& page, const Find& find);
+void checkHighlights(const CheckedPage& page, const Find& find);
+void checkStyles(const CheckedPage& page, const Find& find);
 void checkFiles(const CheckedPage& page, OpenedPage& opened, const Find& find);
 void checkTexts(const CheckedPage& page, OpenedPage& opened, const Find& find);

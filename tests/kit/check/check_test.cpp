@@ -44,33 +44,6 @@ TEST_F(CheckTest, WidgetsThatTheFocusCannotLeave) {
   EXPECT_EQ(checkChildren("    - {name: a, onClick: x = 1;}\n"), Found{});
 }
 
-TEST_F(CheckTest, BarsThatComeOutTheOtherWay) {
-  EXPECT_EQ(checkChildren("    - {name: a, type: slider, width: 256, height: 20}\n"
-                          "    - {type: slider, width: 20, height: 256}\n"
-                          "    - {type: slider, width: 300, height: 20}\n"
-                          "    - {type: slider, width: 20, height: 200}\n"),
-            (Found{"7 slider-direction", "8 slider-direction"}));
-}
-
-TEST_F(CheckTest, WhatTheFocusMakesDisappear) {
-  const auto page = [](const std::string& widget, int size) {
-    return "page:\n  type: group\n  textStyles: [{name: s}, {name: t, size: " + std::to_string(size) +
-           "}]\n  children:\n    - {textStyle: s, " + widget + "}\n";
-  };
-  EXPECT_EQ(check(page("type: number, navigate: both", 20)), Found{"5 vanishes"});
-  EXPECT_EQ(check(page("type: number", 20)), Found{});
-  EXPECT_EQ(check(page("type: select, navigate: both, highlightTextStyle: t", 20)), Found{});
-  EXPECT_EQ(check(page("type: select, showAll: true, highlightTextStyle: t", 20)), Found{"5 two-sizes"});
-  EXPECT_EQ(check(page("type: select, showAll: true, highlightTextStyle: t", 24)), Found{});
-}
-
-TEST_F(CheckTest, WidgetsOutsideTheScreen) {
-  EXPECT_EQ(checkChildren("    - {name: a, x: 719, y: 479, width: 2, height: 2}\n"
-                          "    - {x: 720, width: 2, height: 2}\n"
-                          "    - {y: 480, width: 2, height: 2}\n"),
-            (Found{"8 outside-screen", "9 outside-screen"}));
-}
-
 TEST_F(CheckTest, WhatAnAuthorAllowsIsNotFound) {
   const auto page = [](const std::string& top, const std::string& above, const std::string& beside) {
     return top + "page:\n  type: group\n  children:\n" + above + "    - {up: x}" + beside + "\n    - {up: y}\n";

@@ -23,8 +23,11 @@ class CheckTest : public PageTest {
   }
 
   // Of a page with these children; the first of them is in line 7.
-  std::vector<std::string> checkChildren(const std::string& children, const std::string& start = "a") {
-    return check("page:\n  type: group\n  width: 720\n  height: 480\n  start: " + start + "\n  children:\n" + children);
+  std::vector<std::string> checkChildren(const std::string& children, const std::string& start = "a",
+                                         const std::vector<std::string>& allowed = {}) {
+    return check(
+        "page:\n  type: group\n  width: 720\n  height: 480\n  start: '" + start + "'\n  children:\n" + children,
+        allowed);
   }
 
   using Found = std::vector<std::string>;

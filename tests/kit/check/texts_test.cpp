@@ -14,7 +14,7 @@ class CheckedTextsTest : public CheckTest {
         "page:\n  type: group\n  width: 720\n  height: 480\n  bgColor: black\n  textStyles:\n"
         "    - {name: s, font: blocks.ttf, size: 10, color: white}\n"
         "    - {name: big, font: blocks.ttf, size: 20, color: white}\n"
-        "    - {name: ascii, font: blocks.ttf, size: 10, color: white, encoding: ascii}\n"
+        "    - {name: ascii, font: blocks.ttf, size: 11, color: white, encoding: ascii}\n"
         "    - {name: soft, font: blocks.ttf, size: 10, color: white, antialias: true}\n"
         "    - {name: softer, font: blocks.ttf, size: 10, color: '#808080', antialias: true}\n"
         "    - {name: grey, font: blocks.ttf, size: 10, color: '#808080'}\n"
