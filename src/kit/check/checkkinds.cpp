@@ -7,7 +7,7 @@ namespace {
 
 // In the order of the guide.
 constexpr CheckKind kKinds[] = {
-    {"no-such-name", "a link, a `master`, a `start` or a style that names nothing on the page"},
+    {"no-such-name", "a link, a `master`, a `start`, a style or a name in a script that nothing on the page has"},
     {"name-twice", "two widgets or two styles of one name, of which the player finds one"},
     {"unread-attribute", "an attribute that nothing reads, most likely misspelt"},
     {"never-shown", "what the player reads and never draws"},
@@ -44,6 +44,19 @@ constexpr CheckKind kKinds[] = {
     {"undecodable", "a text that isn't in the encoding of its style"},
     {"faint-text", "antialiased text that hardly stands out from its ground"},
     {"title-safe", "texts outside the middle 80 % of the screen, which every television shows"},
+    {"unset-global", "a global that a script reads and nothing sets"},
+    {"unknown-member", "a member of a widget or frame that the player doesn't have"},
+    {"script-fails", "a script that ends with an error as the page opens"},
+    {"statement-size", "a statement that nearly fills the compiler"},
+    {"no-throw", "a `throw`, which throws nothing"},
+    {"continue-in-switch", "a `continue` in a `switch` that leaves a block of variables open"},
+    {"alias-count", "an `aliasCount`, which takes the place of a background"},
+    {"endless-timer", "a repeating timer that nothing clears"},
+    {"timer-restarts", "a repeating timer whose own function clears it in vain"},
+    {"zero-timer", "a repeating timer of 0 milliseconds"},
+    {"handler-again", "a function for an event that is given to its target again and again"},
+    {"stays-active", "a target that hears keys before all pages, and that nothing removes"},
+    {"endless-scroll", "a text container without a selection, which scrolls on beyond its lines"},
     {"unknown-allow", "an `allow` of a name that no check has"},
 };
 

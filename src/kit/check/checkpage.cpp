@@ -31,9 +31,12 @@ void putInOrder(std::vector<Finding>& findings) {
 
 CheckReport checkPageSource(const std::string& path, const std::vector<std::string>& allowed) try {
   std::vector<Finding> found;
-  const PageTree tree = readPageSource(path, [&](const KitMessage& warning) {
+  PageSourceOptions options;
+  options.lines = true;
+  const KitWarn warn = [&](const KitMessage& warning) {
     if (!warning.check.empty()) found.push_back(ofWarning(warning));
-  });
+  };
+  const PageTree tree = readPageSource(path, warn, options);
   const CheckedPage page(tree);
   OpenedPage opened(path);
   const Find find = [&](std::string_view check, const YamlPlace& place, std::string text) {
@@ -44,6 +47,7 @@ CheckReport checkPageSource(const std::string& path, const std::vector<std::stri
   checkHighlights(page, find);
   checkStyles(page, find);
   checkFiles(page, opened, find);
+  checkScripts(page, opened, find);
   checkTexts(page, opened, find);
 
   AllowedFindings allow(allowed);

@@ -10,6 +10,8 @@
 #include "kit/check/checkedpage.h"
 #include "kit/check/openedpage.h"
 
+class PageCode;
+
 // Takes what a check has found: its name, where, and what the player will do.
 using Find = std::function<void(std::string_view check, const YamlPlace& place, std::string text)>;
 
@@ -19,3 +21,5 @@ void checkHighlights(const CheckedPage& page, const Find& find);
 void checkStyles(const CheckedPage& page, const Find& find);
 void checkFiles(const CheckedPage& page, OpenedPage& opened, const Find& find);
 void checkTexts(const CheckedPage& page, OpenedPage& opened, const Find& find);
+void checkScripts(const CheckedPage& page, OpenedPage& opened, const Find& find);
+void checkHandlers(const CheckedPage& page, const PageCode& code, const Find& find);

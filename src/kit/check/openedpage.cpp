@@ -1,10 +1,12 @@
 #include "kit/check/openedpage.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "engine/base/hostfile.h"
 #include "engine/engine.h"
 #include "engine/inspect/walk.h"
+#include "engine/scriptbindings/scriptbindings.h"
 #include "gfx/foundation/hsascii.h"
 
 namespace fs = std::filesystem;
@@ -15,6 +17,7 @@ constexpr double kMostSeconds = 10;  // of processor time, for scripts that neve
 
 PageRunOptions optionsOf(LiveFiles& files) {
   PageRunOptions options;
+  options.lines = true;
   options.readOnly = true;
   options.limitSeconds = kMostSeconds;
   options.files = &files;
@@ -51,6 +54,56 @@ FileLook OpenedPage::look(const std::string& name) {
   }
   if (found.empty()) return {FileLook::nowhere, ""};
   return {FileLook::ignoringCase, found.lexically_relative(folder).string()};
+}
+
+std::string OpenedPage::read(const std::string& name) {
+  const EngineScope here(engine());
+  const HostFilePtr file = openHostFile(name.c_str());
+  const auto bytes = file ? readWhole(file.get()) : std::nullopt;
+  return bytes ? std::string(bytes->begin(), bytes->end()) : "";
+}
+
+bool OpenedPage::resolves(std::string_view names) {
+  const EngineScope here(engine());
+  BobInterp* interp = scriptInterp();
+  const Frame* top = engine().topFrame;
+  if (!interp || !top || !top->scriptEnv) return false;
+  bool found = false;
+  const bool ended = bobTry(interp, [&] {
+    BobLocal object(interp);
+    for (size_t at = 0; at <= names.size();) {
+      const size_t end = std::min(names.find('.', at), names.size());
+      const BobValue key = bobIntern(interp, names.substr(at, end - at));  // symbols don't move
+      BobValue value = kBobNil;
+      found = at == 0 ? bobFindGlobal(interp, bobScopeObject(top->scriptEnv->scope), key, &value)
+                      : bobGetProperty(interp, object, key, &value);
+      if (!found) return;
+      object.value = value;
+      at = end + 1;
+    }
+  });
+  return ended && found;
+}
+
+std::vector<ScriptFailure> OpenedPage::scriptFailures() const {
+  constexpr std::string_view kError = "Error: ", kPlace = " at ";
+  std::vector<ScriptFailure> failures;
+  for (const std::string& complaint : run.complaintsWithPlaces()) {
+    if (!complaint.starts_with(kError)) continue;
+    ScriptFailure failure;
+    const size_t end = std::min(complaint.find('\n'), complaint.size());
+    failure.text = complaint.substr(kError.size(), end - kError.size());
+    const std::string happened = complaint.substr(std::min(end + 1, complaint.size()));
+    const std::string line = happened.substr(0, happened.find('\n'));
+    const size_t place = line.find(kPlace), colon = line.rfind(':');
+    if (place != std::string::npos && colon != std::string::npos && colon > place) {
+      failure.file = line.substr(place + kPlace.size(), colon - place - kPlace.size());
+      failure.line = std::atoi(line.c_str() + colon + 1);
+    }
+    failures.push_back(std::move(failure));
+  }
+  if (!run.stopped().empty()) failures.push_back({"it is still running after 10 seconds", "", 0});
+  return failures;
 }
 
 std::vector<Widget*> OpenedPage::widgetsOf(const CheckedPage& page) {

@@ -18,6 +18,13 @@ struct FileLook {
   std::string name;  // of the file that is found, from the page's folder
 };
 
+// An error that ended a script as the page opened.
+struct ScriptFailure {
+  std::string text;  // of the language, without "Error: "
+  std::string file;  // where it happened; empty when that isn't known
+  int line = 0;
+};
+
 class OpenedPage {
  public:
   explicit OpenedPage(const std::string& source);
@@ -26,6 +33,13 @@ class OpenedPage {
   const std::vector<KitMessage>& errors() const { return problems; }
   Engine& engine() { return run.engine(); }
   FileLook look(const std::string& name);
+
+  // The bytes of a file as the player finds it; empty for none.
+  std::string read(const std::string& name);
+
+  // Whether a path of names, such as widgets.volume.Show, leads to something in the scope of the page as it is now.
+  bool resolves(std::string_view path);
+  std::vector<ScriptFailure> scriptFailures() const;
 
   // What the player has made of the page's widgets, in their order; empty when it hasn't made all of them, or shows
   // another page by now. They stay until something runs.
