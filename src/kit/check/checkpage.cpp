@@ -42,7 +42,7 @@ CheckReport checkPageSource(const std::string& path, const std::vector<std::stri
   const Find find = [&](std::string_view check, const YamlPlace& place, std::string text) {
     found.push_back({std::string(check), messageAt(place, std::move(text))});
   };
-  checkLinks(page, find);
+  checkLinks(page, opened, find);
   checkLooks(page, find);
   checkHighlights(page, find);
   checkStyles(page, find);

@@ -15,7 +15,7 @@ class PageCode;
 // Takes what a check has found: its name, where, and what the player will do.
 using Find = std::function<void(std::string_view check, const YamlPlace& place, std::string text)>;
 
-void checkLinks(const CheckedPage& page, const Find& find);
+void checkLinks(const CheckedPage& page, OpenedPage& opened, const Find& find);
 void checkLooks(const CheckedPage& page, const Find& find);
 void checkHighlights(const CheckedPage& page, const Find& find);
 void checkStyles(const CheckedPage& page, const Find& find);
