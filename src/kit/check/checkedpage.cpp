@@ -34,7 +34,7 @@ YamlPlace CheckedWidget::place(std::string_view attribute) const {
 }
 
 CheckedPage::CheckedPage(const PageTree& t) : tree(t) {
-  add(tree.root, true, 0, 0, 1, 0);
+  add(tree.root, 0, 1, 0);
   complete.resize(widgets.size());
   for (size_t i = 0; i < widgets.size(); ++i) complete[i] = i;
   std::sort(complete.begin(), complete.end(), [&](size_t a, size_t b) { return widgets[a].ends < widgets[b].ends; });
@@ -47,21 +47,21 @@ std::optional<size_t> CheckedPage::named(std::string_view name) const {
   return found == names.end() ? std::nullopt : std::optional(found->second);
 }
 
-// `x` and `y` are the corner of the widget around it.
-void CheckedPage::add(const PageNode& node, bool isRoot, int32_t x, int32_t y, size_t number, int depth) {
+void CheckedPage::add(const PageNode& node, size_t around, size_t number, int depth) {
   const size_t at = widgets.size();
-  CheckedWidget widget{&node, "", "", "", x + node.x, y + node.y, node.width, node.height, clock++, 0};
+  const bool isRoot = at == 0;
+  const int32_t x = isRoot ? 0 : widgets[around].x, y = isRoot ? 0 : widgets[around].y;
+  CheckedWidget widget{&node, "", "", "", x + node.x, y + node.y, node.width, node.height, around, clock++, 0};
   widget.type = widget.text("type");
   widget.name = widget.text("name");
   widget.label = objectLabel(isRoot ? ObjectKind::root : ObjectKind::widget, widget.type, widget.name, number);
   const PageValue* children = widget.type == "group" && depth < kMaxWidgetDepth ? widget.find("children") : nullptr;
-  const int32_t left = widget.x, top = widget.y;
   widgets.push_back(std::move(widget));
   if (children) {
     size_t child = 0;
     for (const PageValue& entry : children->table) {
       ++child;
-      if (!entry.object.empty()) add(entry.object.front(), false, left, top, child, depth + 1);
+      if (!entry.object.empty()) add(entry.object.front(), at, child, depth + 1);
     }
   }
   widgets[at].ends = clock++;

@@ -20,6 +20,7 @@ struct CheckedWidget {
   std::string name;  // empty for none
   std::string label;
   int32_t x, y, width, height;  // on the screen, in pixels
+  size_t around;                // the number of the widget that it lies in; the root's own for the root
   size_t begins, ends;          // when the player begins to make it, and when it is complete
 
   // The first attribute of that name counts.
@@ -45,7 +46,7 @@ class CheckedPage {
   std::optional<size_t> named(std::string_view name) const;
 
  private:
-  void add(const PageNode& node, bool isRoot, int32_t x, int32_t y, size_t number, int depth);
+  void add(const PageNode& node, size_t around, size_t number, int depth);
 
   std::map<std::string, size_t, std::less<>> names;
   size_t clock = 0;

@@ -29,24 +29,35 @@ void putInOrder(std::vector<Finding>& findings) {
 
 }  // namespace
 
-std::vector<Finding> checkPageSource(const std::string& path, const std::vector<std::string>& allowed) {
+CheckReport checkPageSource(const std::string& path, const std::vector<std::string>& allowed) try {
   std::vector<Finding> found;
-  const PageTree tree = readPageSource(path, [&](const KitMessage& warning) {
+  PageSourceOptions options;
+  options.lines = true;
+  const KitWarn warn = [&](const KitMessage& warning) {
     if (!warning.check.empty()) found.push_back(ofWarning(warning));
-  });
+  };
+  const PageTree tree = readPageSource(path, warn, options);
   const CheckedPage page(tree);
+  OpenedPage opened(path);
   const Find find = [&](std::string_view check, const YamlPlace& place, std::string text) {
     found.push_back({std::string(check), messageAt(place, std::move(text))});
   };
-  checkLinks(page, find);
+  checkLinks(page, opened, find);
   checkLooks(page, find);
+  checkHighlights(page, find);
+  checkStyles(page, find);
+  checkFiles(page, opened, find);
+  checkScripts(page, opened, find);
+  checkTexts(page, opened, find);
 
   AllowedFindings allow(allowed);
   for (const std::string& source : tree.sources)
     for (Finding& unknown : allow.unknown(source)) found.push_back(std::move(unknown));
   std::erase_if(found, [&](const Finding& finding) { return allow.allows(finding); });
   putInOrder(found);
-  return found;
+  return {std::move(found), opened.errors()};
+} catch (const KitError& e) {
+  return {{}, e.messages};
 }
 
 std::string findingsJson(const std::vector<Finding>& findings) {
