@@ -27,4 +27,5 @@ void addCompileCommand(CommandLine& line);
 void addDecodeCommand(CommandLine& line);
 void addProfileCommand(CommandLine& line);
 void addDapCommand(CommandLine& line);
+void addLspCommand(CommandLine& line);
 void addCompletionCommand(CommandLine& line);

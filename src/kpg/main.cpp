@@ -49,6 +49,7 @@ constexpr Command kCommands[] = {
     {"decode", addDecodeCommand},
     {"profile", addProfileCommand},
     {"dap", addDapCommand},
+    {"lsp", addLspCommand},
     {"completion", addCompletionCommand},
 };
 // clang-format on
