@@ -27,4 +27,6 @@ void addCompileCommand(CommandLine& line);
 void addDecodeCommand(CommandLine& line);
 void addProfileCommand(CommandLine& line);
 void addDapCommand(CommandLine& line);
+void addSchemaCommand(CommandLine& line);
+void addLspCommand(CommandLine& line);
 void addCompletionCommand(CommandLine& line);

@@ -7,7 +7,7 @@
 namespace {
 
 void debug() {
-  DapConnection connection(stdin, stdout);
+  RpcConnection connection(stdin, stdout);
   DapServer(connection).run();
 }
 

@@ -49,6 +49,8 @@ constexpr Command kCommands[] = {
     {"decode", addDecodeCommand},
     {"profile", addProfileCommand},
     {"dap", addDapCommand},
+    {"schema", addSchemaCommand},
+    {"lsp", addLspCommand},
     {"completion", addCompletionCommand},
 };
 // clang-format on

@@ -8,15 +8,17 @@
 
 #include "engine/format/attributes.h"
 #include "kit/check/finding.h"
+#include "kit/expand/directions.h"
 #include "kit/project/project.h"
 #include "support/pagefixture.h"
 
 namespace {
 
-std::string tableOf(AttributeOwner owner, std::string_view type) {
-  std::string table = "| Attribute | Value | Default | Meaning |\n|---|---|---|---|\n";
-  for (const AttributeRow& row : attributeRows()) {
-    if (row.owner != owner || row.type != type) continue;
+template <class Rows, class IsIn>
+std::string tableOf(const std::string& what, const Rows& rows, const IsIn& isIn) {
+  std::string table = "| " + what + " | Value | Default | Meaning |\n|---|---|---|---|\n";
+  for (const auto& row : rows) {
+    if (!isIn(row)) continue;
     table += "| `" + std::string(row.name) + "` |";
     for (const std::string_view cell : {row.value, row.byDefault, row.help})
       table += (cell.empty() ? "" : " ") + std::string(cell) + " |";
@@ -35,9 +37,17 @@ TEST(Guide, HasATableForEachKindOfObject) {
   std::set<std::pair<AttributeOwner, std::string_view>> objects;
   for (const AttributeRow& row : attributeRows()) objects.emplace(row.owner, row.type);
   for (const auto& [owner, type] : objects) {
-    const std::string table = tableOf(owner, type);
+    const std::string table = tableOf("Attribute", attributeRows(), [o = owner, t = type](const AttributeRow& row) {
+      return row.owner == o && row.type == t;
+    });
     EXPECT_NE(guide.find(table), std::string::npos) << "docs/authoring.md needs this table:\n" << table;
   }
+}
+
+TEST(Guide, HasATableOfLayouts) {
+  const std::string table =
+      tableOf("Key", directions(), [](const Direction& direction) { return direction.owner == DirectionOwner::group; });
+  EXPECT_NE(guideText().find(table), std::string::npos) << "docs/authoring.md needs this table:\n" << table;
 }
 
 TEST(Guide, HasATableOfTheChecks) {

@@ -93,7 +93,7 @@ const DapServer::Request* DapServer::find(const std::string& command) {
   return nullptr;
 }
 
-DapServer::DapServer(DapConnection& c) : connection(c) {
+DapServer::DapServer(RpcConnection& c) : connection(c) {
   page.stopped = [this](const BobStop& stop) { return standStill(stop); };
   page.printed = [this](const std::string& text) { event("output", {{"category", "stdout"}, {"output", text}}); };
   page.breakpointMoved = [this](const WantedBreakpoint& breakpoint) {
@@ -102,13 +102,19 @@ DapServer::DapServer(DapConnection& c) : connection(c) {
   page.whileBusy = [this] { serveInMiddle(); };
 }
 
+void DapServer::send(json message) {
+  message["seq"] = ++sent;
+  connection.send(message);
+}
+
 void DapServer::event(const std::string& name, json body) {
-  connection.send({{"type", "event"}, {"event", name}, {"body", std::move(body)}});
+  send({{"type", "event"}, {"event", name}, {"body", std::move(body)}});
 }
 
 // ---- who is served when
 
 void DapServer::serve(const json& message) {
+  if (!message.is_object()) return;  // nobody could be answered
   const std::string command = textOf(message, "command");
   json response = {
       {"type", "response"}, {"request_seq", numberOf(message, "seq", 0)}, {"command", command}, {"success", true}};
@@ -124,8 +130,9 @@ void DapServer::serve(const json& message) {
     response["success"] = false;
     response["message"] = e.what();
   }
-  connection.send(response);
-  if (command == "initialize" && response["success"]) event("initialized", json::object());
+  const bool isDone = response["success"];
+  send(std::move(response));
+  if (command == "initialize" && isDone) event("initialized", json::object());
 }
 
 void DapServer::serveAll(std::chrono::milliseconds wait) {

@@ -11,12 +11,12 @@
 #include <optional>
 #include <string>
 
-#include "kit/dap/dapconnection.h"
 #include "kit/dap/debuggedpage.h"
+#include "kit/rpc/rpcconnection.h"
 
 class DapServer {
  public:
-  explicit DapServer(DapConnection& connection);
+  explicit DapServer(RpcConnection& connection);
   // Until the client disconnects, or goes away.
   void run();
 
@@ -32,6 +32,7 @@ class DapServer {
   BobResume standStill(const BobStop& stop);
   void begin();
   void live();
+  void send(json message);
   void event(const std::string& name, json body);
 
   json initialize(const json& arguments);
@@ -59,7 +60,8 @@ class DapServer {
   json variableJson(const BobVariableView& view);
   json breakpointJson(const WantedBreakpoint& breakpoint) const;
 
-  DapConnection& connection;
+  RpcConnection& connection;
+  int sent = 0;  // messages
   DebuggedPage page;
   std::deque<json> waiting;  // requests that can't be done in the middle of a script
   std::vector<PageAction> steps;

@@ -3,16 +3,29 @@
 // One whose value has a tag is an attribute like any other: `layout: !string row`.
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "kit/yaml/yamlnode.h"
 
+enum class DirectionOwner { any, group, styles };  // group: what a layout can place the children of
+
+// In the words of the engine's table of attributes (engine/format/attributes.h).
+struct Direction {
+  std::string_view name;
+  DirectionOwner owner;
+  std::string_view needs;  // the direction without which it means nothing; empty for none
+  std::string_view value, byDefault, help;
+};
+
+std::span<const Direction> directions();
+
 // Whether an attribute of that name has to have a tag, on whatever object.
 bool isDirectionName(std::string_view key);
 
-// Those and the keys that say more of them.
+// Those and the keys that say more of them, save those that are attributes of some objects, too.
 std::vector<std::string> directionNames();
 
 // The direction without which that key means nothing; empty for any other.

@@ -18,6 +18,7 @@
 #include "kit/source/pagenames.h"
 #include "kit/source/schema.h"
 #include "kit/source/scripts.h"
+#include "kit/source/sourcekeys.h"
 #include "kit/source/sourcevalue.h"
 #include "kit/suggest.h"
 #include "kit/utf8.h"
@@ -34,7 +35,11 @@ std::vector<std::string> tagNames() {
   return {"!int", "!bool", "!color", "!string", "!script", "!scriptdata", "!object", "!table"};
 }
 
-std::vector<std::string> topKeys() { return {"flags", "page", "include", "constants", "templates"}; }
+std::vector<std::string> topNames() {
+  std::vector<std::string> names;
+  for (const SourceKey& key : topKeys()) names.emplace_back(key.name);
+  return names;
+}
 
 bool isText(const YamlNode& node) {
   return node.isScalar() && (node.style != YamlNode::Style::plain || node.tag == "!!str");
@@ -122,7 +127,7 @@ class SourceReader {
         page.flags = flags(pair.value);
         indexed = page.flags & kPageIs8Bit;
       } else if (pair.key != "page") {
-        fail(pair.place, "is unknown; a page source has 'flags' and 'page'" + suggestion(pair.key, topKeys()));
+        fail(pair.place, "is unknown; a page source has 'flags' and 'page'" + suggestion(pair.key, topNames()));
       }
     });
     object.key = "page";

@@ -17,23 +17,6 @@ std::optional<AttributeOwner> ownerOf(ObjectKind kind) {
   return std::nullopt;
 }
 
-const AttributeRow* rowOf(ObjectKind kind, std::string_view type, std::string_view name) {
-  const auto owner = ownerOf(kind);
-  return owner ? attributeRow(*owner, type, name) : nullptr;
-}
-
-// "`a`, `b`" has the words a and b; whatever else there is in a cell is for people.
-std::vector<std::string> wordsIn(std::string_view cell) {
-  std::vector<std::string> words;
-  while (cell.starts_with('`')) {
-    const size_t end = cell.find('`', 1);
-    words.emplace_back(cell.substr(1, end - 1));
-    cell.remove_prefix(end + 1);
-    if (cell.starts_with(", ")) cell.remove_prefix(2);
-  }
-  return cell.empty() ? words : std::vector<std::string>();
-}
-
 std::string ownerName(const AttributeRow& row) {
   switch (row.owner) {
     case AttributeOwner::root: return "the page";
@@ -60,14 +43,30 @@ std::string shortened(std::string_view name) {
 
 }  // namespace
 
+const AttributeRow* rowOfAttribute(ObjectKind kind, std::string_view type, std::string_view name) {
+  const auto owner = ownerOf(kind);
+  return owner ? attributeRow(*owner, type, name) : nullptr;
+}
+
+std::vector<std::string> wordsInCell(std::string_view cell) {
+  std::vector<std::string> words;
+  while (cell.starts_with('`')) {
+    const size_t end = cell.find('`', 1);
+    words.emplace_back(cell.substr(1, end - 1));
+    cell.remove_prefix(end + 1);
+    if (cell.starts_with(", ")) cell.remove_prefix(2);
+  }
+  return cell.empty() ? words : std::vector<std::string>();
+}
+
 AttributeForm attributeForm(ObjectKind kind, std::string_view type, std::string_view name) {
-  const AttributeRow* row = rowOf(kind, type, name);
+  const AttributeRow* row = rowOfAttribute(kind, type, name);
   return row ? AttributeForm(row->kind) : std::nullopt;
 }
 
 std::vector<std::string> attributeWords(ObjectKind kind, std::string_view type, std::string_view name) {
-  const AttributeRow* row = rowOf(kind, type, name);
-  return row ? wordsIn(row->value) : std::vector<std::string>();
+  const AttributeRow* row = rowOfAttribute(kind, type, name);
+  return row ? wordsInCell(row->value) : std::vector<std::string>();
 }
 
 bool isAttributeWord(ObjectKind kind, std::string_view type, std::string_view name, std::string_view text) {
@@ -78,12 +77,12 @@ bool isAttributeWord(ObjectKind kind, std::string_view type, std::string_view na
 std::vector<std::string> attributeNames(ObjectKind kind, std::string_view type) {
   std::vector<std::string> names = {"x", "y", "width", "height"};
   for (const AttributeRow& row : attributeRows())
-    if (rowOf(kind, type, row.name)) names.emplace_back(row.name);
+    if (rowOfAttribute(kind, type, row.name)) names.emplace_back(row.name);
   return names;
 }
 
 NamedThing namedBy(ObjectKind kind, std::string_view type, std::string_view name) {
-  const AttributeRow* row = rowOf(kind, type, name);
+  const AttributeRow* row = rowOfAttribute(kind, type, name);
   if (!row) return NamedThing::nothing;
   if (row->value == "widget name") return NamedThing::widget;
   if (row->value == "style name") return NamedThing::style;

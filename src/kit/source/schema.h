@@ -20,6 +20,12 @@ enum class ObjectKind { root, widget, style, line, other };
 // `type` is the widget type of a root or widget; empty for a plain one.
 AttributeForm attributeForm(ObjectKind kind, std::string_view type, std::string_view name);
 
+// The engine's row of it; null for an attribute that nothing reads.
+const AttributeRow* rowOfAttribute(ObjectKind kind, std::string_view type, std::string_view name);
+
+// "`a`, `b`" has the words a and b; whatever else there is in a cell of a table is for people.
+std::vector<std::string> wordsInCell(std::string_view cell);
+
 // The words to choose from; none when any value will do.
 std::vector<std::string> attributeWords(ObjectKind kind, std::string_view type, std::string_view name);
 

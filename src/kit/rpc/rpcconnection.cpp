@@ -1,11 +1,11 @@
-#include "kit/dap/dapconnection.h"
+#include "kit/rpc/rpcconnection.h"
 
 #include <algorithm>
 #include <cctype>
 #include <charconv>
 #include <condition_variable>
 #include <deque>
-#include <mutex>
+#include <string>
 #include <thread>
 
 using nlohmann::json;
@@ -48,7 +48,7 @@ std::optional<size_t> readHeader(std::FILE* in) {
 
 }  // namespace
 
-struct DapConnection::Inbox {
+struct RpcConnection::Inbox {
   std::mutex mutex;
   std::condition_variable filled;
   std::deque<json> messages;
@@ -59,7 +59,7 @@ struct DapConnection::Inbox {
       std::string text(*length, '\0');
       if (std::fread(text.data(), 1, text.size(), in) != text.size()) break;
       json message = json::parse(text, nullptr, false);
-      if (!message.is_object()) continue;  // nobody could be answered
+      if (message.is_discarded()) message = nullptr;
       const std::lock_guard lock(mutex);
       messages.push_back(std::move(message));
       filled.notify_one();
@@ -70,11 +70,11 @@ struct DapConnection::Inbox {
   }
 };
 
-DapConnection::DapConnection(std::FILE* in, std::FILE* o) : inbox(std::make_shared<Inbox>()), out(o) {
+RpcConnection::RpcConnection(std::FILE* in, std::FILE* o) : inbox(std::make_shared<Inbox>()), out(o) {
   std::thread([box = inbox, in] { box->readAll(in); }).detach();
 }
 
-std::optional<json> DapConnection::take(std::chrono::milliseconds wait) {
+std::optional<json> RpcConnection::take(std::chrono::milliseconds wait) {
   std::unique_lock lock(inbox->mutex);
   inbox->filled.wait_for(lock, wait, [&] { return !inbox->messages.empty() || inbox->ended; });
   if (inbox->messages.empty()) return {};
@@ -83,15 +83,15 @@ std::optional<json> DapConnection::take(std::chrono::milliseconds wait) {
   return message;
 }
 
-bool DapConnection::hasEnded() const {
+bool RpcConnection::hasEnded() const {
   const std::lock_guard lock(inbox->mutex);
   return inbox->ended && inbox->messages.empty();
 }
 
-void DapConnection::send(json message) {
-  message["seq"] = ++sent;
+void RpcConnection::send(const json& message) {
   // Texts of pages may have any bytes.
   const std::string text = message.dump(-1, ' ', false, json::error_handler_t::replace);
+  const std::lock_guard lock(sending);
   std::fprintf(out, "Content-Length: %zu\r\n\r\n", text.size());
   std::fwrite(text.data(), 1, text.size(), out);
   std::fflush(out);

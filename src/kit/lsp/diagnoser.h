@@ -1,0 +1,42 @@
+// Diagnoses files on a thread of its own, so that an editor waits for nothing while it asks for other things.
+//
+// What is asked for again before its turn is done once, as it is by then.
+#pragma once
+
+#include <condition_variable>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "kit/lsp/diagnosis.h"
+#include "kit/lsp/editedfiles.h"
+
+struct DiagnosisTask {
+  SourceKind kind = SourceKind::other;
+  bool isSaved = true;
+  FileSnapshot files;
+};
+
+class Diagnoser {
+ public:
+  // Called on the diagnoser's thread, with what the task was made of.
+  using Done = std::function<void(const std::string& path, const DiagnosisTask& task, const Diagnosis& found)>;
+
+  explicit Diagnoser(Done done);
+  ~Diagnoser();  // after what it is at; the rest is dropped
+
+  void add(const std::string& path, DiagnosisTask task);
+  void drop(const std::string& path);
+
+ private:
+  void work();
+
+  const Done done;
+  std::mutex mutex;
+  std::condition_variable changed;
+  std::map<std::string, DiagnosisTask> waiting;
+  bool ends = false;
+  std::thread thread;  // the last member, since it uses the others
+};

@@ -1,0 +1,120 @@
+#include "kit/lsp/diagnosis.h"
+
+#include <filesystem>
+#include <string_view>
+#include <utility>
+
+#include "kit/check/allowed.h"
+#include "kit/check/checkedpage.h"
+#include "kit/check/checkpage.h"
+#include "kit/check/checks.h"
+#include "kit/project/project.h"
+#include "kit/source/pagesource.h"
+#include "kit/source/scripts.h"
+#include "kit/testing/testfile.h"
+#include "kit/yaml/readyaml.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kWarning = "warning: ";
+
+bool hasLine(const std::string& text, std::string_view begin) {
+  for (size_t at = text.find(begin); at != std::string::npos; at = text.find(begin, at + 1))
+    if (at == 0 || text[at - 1] == '\n') return true;
+  return false;
+}
+
+KitMessage withoutPrefix(KitMessage warning) {
+  if (warning.text.starts_with(kWarning)) warning.text.erase(0, kWarning.size());
+  return warning;
+}
+
+std::vector<std::string> allowedAround(const std::string& page) {
+  const std::string project = findProject(fs::path(page).parent_path().string());
+  return project.empty() ? std::vector<std::string>() : readProject(project).allow;
+}
+
+// Those of the checks that need nothing but the page itself, while it isn't saved.
+void checkEdited(const PageTree& tree, const std::string& path, Diagnosis& into) {
+  std::vector<Finding> found;
+  const CheckedPage page(tree);
+  const Find find = [&](std::string_view check, const YamlPlace& place, std::string text) {
+    found.push_back({std::string(check), messageAt(place, std::move(text))});
+  };
+  checkLinks(page, find);
+  checkLooks(page, find);
+  AllowedFindings allowed(allowedAround(path));
+  for (Finding& finding : found) {
+    if (allowed.allows(finding)) continue;
+    finding.message.check = finding.check;
+    into.warnings.push_back(std::move(finding.message));
+  }
+}
+
+void diagnosePage(const std::string& path, bool isSaved, const ReadFile& read, Diagnosis& into) {
+  std::vector<KitMessage> warnings;
+  PageSourceOptions options;
+  options.read = read;
+  const PageTree tree = readPageSource(
+      path, [&](const KitMessage& warning) { warnings.push_back(withoutPrefix(warning)); }, options);
+  into.sources = tree.sources;
+  if (!isSaved) {
+    into.warnings = std::move(warnings);
+    checkEdited(tree, path, into);
+    return;
+  }
+  for (KitMessage& warning : warnings)
+    if (warning.check.empty()) into.warnings.push_back(std::move(warning));
+  for (Finding& finding : checkPageSource(path, allowedAround(path))) {
+    finding.message.check = finding.check;
+    into.warnings.push_back(std::move(finding.message));
+  }
+}
+
+void diagnoseScript(const std::string& path, const ReadFile& read) {
+  const std::vector<uint8_t> bytes = read(path);
+  try {
+    ScriptCompiler().compileFile(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
+  } catch (const ScriptError& e) {
+    throw KitError(path, e.line, e.what());
+  }
+}
+
+void diagnoseYaml(const std::string& path, const ReadFile& read) {
+  const std::vector<uint8_t> bytes = read(path);
+  parseYaml(path, std::string(bytes.begin(), bytes.end()));
+}
+
+}  // namespace
+
+SourceKind sourceKindOf(const std::string& path, const std::string& text) {
+  if (path.ends_with(".bob")) return SourceKind::script;
+  if (!path.ends_with(".yaml") && !path.ends_with(".yml")) return SourceKind::other;
+  if (fs::path(path).filename() == kProjectFileName) return SourceKind::project;
+  if (path.ends_with(kTestFileEnding)) return SourceKind::tests;
+  if (hasLine(text, "page:") || hasLine(text, "flags:")) return SourceKind::page;
+  return SourceKind::part;
+}
+
+Diagnosis diagnose(const std::string& path, SourceKind kind, bool isSaved, const ReadFile& read) {
+  Diagnosis result;
+  result.sources.push_back(path);
+  try {
+    switch (kind) {
+      case SourceKind::page: diagnosePage(path, isSaved, read, result); break;
+      case SourceKind::script: diagnoseScript(path, read); break;
+      case SourceKind::part: diagnoseYaml(path, read); break;
+      case SourceKind::project: isSaved ? void(readProject(path)) : diagnoseYaml(path, read); break;
+      case SourceKind::tests: isSaved ? void(readTestFile(path)) : diagnoseYaml(path, read); break;
+      case SourceKind::other: break;
+    }
+  } catch (const BuildError& e) {
+    result.errors = e.messages;
+    result.sources.insert(result.sources.end(), e.inputs.begin(), e.inputs.end());
+  } catch (const KitError& e) {
+    result.errors = e.messages;
+  }
+  return result;
+}

@@ -1,0 +1,23 @@
+// What is wrong and odd with one file of an author: a page source, what pages include, a project, tests, a script.
+//
+// All that a page is made of is looked at with it, so messages may be of other files.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "kit/errors.h"
+#include "kit/files.h"
+
+enum class SourceKind { page, part, project, tests, script, other };  // part: what page sources include
+
+// By its name and, of YAML, by what it looks like.
+SourceKind sourceKindOf(const std::string& path, const std::string& text);
+
+struct Diagnosis {
+  std::vector<KitMessage> errors, warnings;
+  std::vector<std::string> sources;  // all that was read
+};
+
+// `isSaved`: that the disk has the same; some checks look at files themselves and are made then.
+Diagnosis diagnose(const std::string& path, SourceKind kind, bool isSaved, const ReadFile& read);

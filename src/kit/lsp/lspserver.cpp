@@ -1,0 +1,194 @@
+#include "kit/lsp/lspserver.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "kit/errors.h"
+#include "kit/lsp/fileuri.h"
+#include "kit/lsp/lspjson.h"
+#include "kit/version.h"
+
+using nlohmann::json;
+
+namespace {
+
+constexpr std::chrono::milliseconds kForever{1000};
+constexpr int kIncremental = 2;  // changes of texts
+
+template <class Handler>
+struct Named {
+  const char* method;
+  Handler handler;
+};
+
+template <class Handler, size_t N>
+Handler find(const Named<Handler> (&all)[N], const std::string& method) {
+  const auto found = std::find_if(all, all + N, [&](const Named<Handler>& each) { return method == each.method; });
+  return found == all + N ? nullptr : found->handler;
+}
+
+}  // namespace
+
+LspServer::Request LspServer::requestNamed(const std::string& method) {
+  static constexpr Named<Request> kRequests[] = {
+      {"initialize", &LspServer::initialize},
+      {"shutdown", &LspServer::shutdown},
+  };
+  return find(kRequests, method);
+}
+
+LspServer::Notification LspServer::notificationNamed(const std::string& method) {
+  static constexpr Named<Notification> kNotifications[] = {
+      {"textDocument/didOpen", &LspServer::didOpen},
+      {"textDocument/didChange", &LspServer::didChange},
+      {"textDocument/didSave", &LspServer::didSave},
+      {"textDocument/didClose", &LspServer::didClose},
+      {"workspace/didChangeWatchedFiles", &LspServer::didChangeWatchedFiles},
+  };
+  return find(kNotifications, method);
+}
+
+LspServer::LspServer(RpcConnection& c)
+    : connection(c),
+      publisher(c),
+      diagnoser([this](const std::string& path, const DiagnosisTask& task, const Diagnosis& found) {
+        publisher.publish(path, task, found);
+      }) {}
+
+int LspServer::run() {
+  while (!hasEnded && !connection.hasEnded())
+    if (const auto message = connection.take(kForever)) serve(*message);
+  return isShutDown ? 0 : 1;
+}
+
+void LspServer::serve(const json& message) {
+  const json* method = findMember(message, "method");
+  const json* id = findMember(message, "id");
+  if (!method || !method->is_string()) {
+    if (findMember(message, "result") || findMember(message, "error")) return;  // what the editor answers
+    const LspErrorCode code = message.is_null() ? LspErrorCode::parseError : LspErrorCode::invalidRequest;
+    connection.send({{"jsonrpc", "2.0"},
+                     {"id", id ? *id : json()},
+                     {"error", {{"code", int(code)}, {"message", "expecting a message with a method"}}}});
+    return;
+  }
+  const json* given = findMember(message, "params");
+  const json params = given ? *given : json::object();
+  if (!id) return notify(*method, params);
+  json answer = {{"jsonrpc", "2.0"}, {"id", *id}};
+  const auto fail = [&](LspErrorCode code, const char* text) {
+    answer["error"] = {{"code", int(code)}, {"message", text}};
+  };
+  try {
+    answer["result"] = resultOf(*method, params);
+  } catch (const LspError& e) {
+    fail(e.code, e.what());
+  } catch (const KitError& e) {
+    fail(LspErrorCode::requestFailed, e.what());
+  } catch (const std::exception& e) {
+    fail(LspErrorCode::internalError, e.what());
+  }
+  connection.send(answer);
+}
+
+json LspServer::resultOf(const std::string& method, const json& params) {
+  if (isShutDown) throw LspError(LspErrorCode::invalidRequest, "the server is shut down");
+  if (!isInitialized && method != "initialize")
+    throw LspError(LspErrorCode::serverNotInitialized, "the first request has to be initialize");
+  const Request request = requestNamed(method);
+  if (!request) throw LspError(LspErrorCode::methodNotFound, "'" + method + "' is no request that is known here");
+  return (this->*request)(params);
+}
+
+// Nobody is answered, whatever is wrong with it.
+void LspServer::notify(const std::string& method, const json& params) {
+  if (method == "exit") hasEnded = true;
+  const Notification notification = notificationNamed(method);
+  if (!notification || !isInitialized || isShutDown) return;
+  try {
+    (this->*notification)(params);
+  } catch (const std::exception& e) {
+    connection.send({{"jsonrpc", "2.0"},
+                     {"method", "window/logMessage"},
+                     {"params", {{"type", 1}, {"message", method + ": " + e.what()}}}});
+  }
+}
+
+// ---- beginning and end
+
+json LspServer::initialize(const json&) {
+  if (isInitialized) throw LspError(LspErrorCode::invalidRequest, "initialize has been requested before");
+  isInitialized = true;
+  return {{"capabilities",
+           {{"positionEncoding", "utf-16"},
+            {"textDocumentSync", {{"openClose", true}, {"change", kIncremental}, {"save", true}}}}},
+          {"serverInfo", {{"name", "kpg"}, {"version", kitVersion()}}}};
+}
+
+json LspServer::shutdown(const json&) {
+  isShutDown = true;
+  return nullptr;
+}
+
+// ---- texts
+
+OpenFile& LspServer::openFile(const json& params) {
+  const std::string uri = textOf(memberOf(params, "textDocument"), "uri");
+  OpenFile* file = files.find(uri);
+  if (!file) throw LspError(LspErrorCode::invalidParams, uri + " isn't open");
+  return *file;
+}
+
+void LspServer::didOpen(const json& params) {
+  const json& document = memberOf(params, "textDocument");
+  const OpenFile& file = files.open(textOf(document, "uri"), numberOf(document, "version"), textOf(document, "text"));
+  diagnoseAgain(file.path);
+}
+
+void LspServer::didChange(const json& params) {
+  OpenFile& file = openFile(params);
+  EditedText text = *file.text;
+  for (const json& change : memberOf(params, "contentChanges")) {
+    const json* range = findMember(change, "range");
+    if (range)
+      text.replace(rangeOf(*range), textOf(change, "text"));
+    else
+      text = EditedText(textOf(change, "text"));
+  }
+  file.change(std::move(text));
+  file.version = numberOf(memberOf(params, "textDocument"), "version");
+  diagnoseAgain(file.path);
+}
+
+void LspServer::didSave(const json& params) {
+  OpenFile& file = openFile(params);
+  file.isSaved = true;
+  diagnoseAgain(file.path);
+}
+
+void LspServer::didClose(const json& params) {
+  const OpenFile& file = openFile(params);
+  const std::string path = file.path;
+  diagnoser.drop(path);
+  files.close(file.uri);
+  publisher.forget(path, files.snapshot());
+  for (const std::string& page : publisher.madeOf(path)) diagnoseAgain(page);  // of what the disk has
+}
+
+void LspServer::didChangeWatchedFiles(const json& params) {
+  for (const json& change : memberOf(params, "changes")) diagnoseAgain(pathOfUri(textOf(change, "uri")));
+}
+
+// The file, and what is made of it.
+void LspServer::diagnoseAgain(const std::string& path) {
+  if (const OpenFile* file = files.at(path)) diagnoseOne(*file);
+  for (const std::string& page : publisher.madeOf(path))
+    if (const OpenFile* file = files.at(page)) diagnoseOne(*file);
+}
+
+void LspServer::diagnoseOne(const OpenFile& file) {
+  bool isSaved = file.isSaved;
+  for (const std::string& source : publisher.sourcesOf(file.path))
+    if (const OpenFile* other = files.at(source)) isSaved = isSaved && other->isSaved;
+  diagnoser.add(file.path, {sourceKindOf(file.path, file.text->text()), isSaved, files.snapshot()});
+}

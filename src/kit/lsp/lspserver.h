@@ -1,0 +1,50 @@
+// A language server: tells an editor what page sources and scripts mean while somebody writes them.
+//
+// Requests are answered one after the other on one thread, by the texts as they then are; only what is wrong with them
+// is found on a second one (diagnoser.h) and sent when it is known.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "kit/lsp/diagnoser.h"
+#include "kit/lsp/editedfiles.h"
+#include "kit/lsp/publisher.h"
+#include "kit/rpc/rpcconnection.h"
+
+class LspServer {
+ public:
+  explicit LspServer(RpcConnection& connection);
+
+  // Until the client says exit, or goes away. Returns the exit status: 0 after a shutdown, else 1.
+  int run();
+
+ private:
+  using json = nlohmann::json;
+  using Request = json (LspServer::*)(const json& params);  // answers the result, or throws LspError or KitError
+  using Notification = void (LspServer::*)(const json& params);
+
+  static Request requestNamed(const std::string& method);
+  static Notification notificationNamed(const std::string& method);
+  void serve(const json& message);
+  json resultOf(const std::string& method, const json& params);
+  void notify(const std::string& method, const json& params);
+
+  json initialize(const json& params);
+  json shutdown(const json& params);
+  void didOpen(const json& params);
+  void didChange(const json& params);
+  void didSave(const json& params);
+  void didClose(const json& params);
+  void didChangeWatchedFiles(const json& params);
+
+  OpenFile& openFile(const json& params);
+  void diagnoseAgain(const std::string& path);
+  void diagnoseOne(const OpenFile& file);
+
+  RpcConnection& connection;
+  EditedFiles files;
+  Publisher publisher;
+  Diagnoser diagnoser;
+  bool isInitialized = false, isShutDown = false, hasEnded = false;
+};

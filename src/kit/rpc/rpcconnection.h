@@ -1,0 +1,32 @@
+// Messages of an editor over two streams: a header with the length, then JSON.
+//
+// The Debug Adapter Protocol (https://microsoft.github.io/debug-adapter-protocol) and the Language Server Protocol
+// (https://microsoft.github.io/language-server-protocol) have this in common. Messages are read by a thread of their
+// own, so that one that asks for a pause is seen while a script runs.
+#pragma once
+
+#include <chrono>
+#include <cstdio>
+#include <memory>
+#include <mutex>
+#include <nlohmann/json.hpp>
+#include <optional>
+
+class RpcConnection {
+ public:
+  // The streams must stay open for as long as the program runs: a read of one can't be interrupted.
+  RpcConnection(std::FILE* in, std::FILE* out);
+
+  // The next message, after at most so long; none in time, or none ever after the end. What is no JSON comes as null.
+  std::optional<nlohmann::json> take(std::chrono::milliseconds wait);
+  bool hasEnded() const;  // and everything has been taken
+
+  // From any thread.
+  void send(const nlohmann::json& message);
+
+ private:
+  struct Inbox;
+  std::shared_ptr<Inbox> inbox;
+  std::mutex sending;
+  std::FILE* out;
+};
