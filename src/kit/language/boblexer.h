@@ -13,6 +13,19 @@
 // Single characters are their own kinds. A byte that no token begins with is a token of itself, 0x80 to 0xFE.
 enum class BobTokenKind : uint16_t {
   kEnd = 0,
+  kSemicolon = ';',
+  kOpenParenthesis = '(',
+  kCloseParenthesis = ')',
+  kOpenBracket = '[',
+  kCloseBracket = ']',
+  kOpenBrace = '{',
+  kCloseBrace = '}',
+  kComma = ',',
+  kColon = ':',
+  kDot = '.',
+  kBackslash = '\\',
+  kAssign = '=',
+  kQuestion = '?',
   kString = 256,
   kIdentifier,
   kInteger,  // a character in single quotes, too
@@ -67,6 +80,7 @@ constexpr BobTokenKind bobTokenOf(char c) { return BobTokenKind(static_cast<unsi
 struct BobSourceToken {
   BobTokenKind kind;
   uint32_t begin, end;  // bytes of the source
+  int32_t value = 0;    // of kInteger
   bool isComment() const { return kind == BobTokenKind::kLineComment || kind == BobTokenKind::kBlockComment; }
 };
 
@@ -93,6 +107,6 @@ BobTokens bobTokensOf(std::string_view source, bool closeStringsAtLines = false)
 
 bool bobIsKeyword(BobTokenKind kind);
 // The words of the language, for completion; this, _next, true and false are names and are not among them.
-const std::vector<std::string_view>& bobKeywords();
+std::vector<std::string_view> bobKeywords();
 // The token's name in the compiler's messages. As there, each of the last words has the name of the one before it.
 std::string bobNameOfToken(std::string_view source, const BobSourceToken& token);

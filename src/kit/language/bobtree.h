@@ -21,10 +21,10 @@ enum class BobSourceKind {
   kAttribute,  // a script attribute of a page: the same statements
 };
 
-// In brackets the children; [x] may be missing. Words, punctuation and comments are tokens only.
+// With the children of each; [x] may be left out, all others are always there, as kMissing if need be. Words,
+// punctuation and comments are tokens only.
 enum class BobNodeKind : uint8_t {
   kSource,    // statements
-  kError,     // what was understood of a statement that isn't one
   kMissing,   // where an expression, a name or a literal should be; empty
   kEmpty,     // ;
   kBlock,     // locals, then statements; also as an expression, and as a function's body
@@ -40,7 +40,7 @@ enum class BobNodeKind : uint8_t {
   kBreak,
   kContinue,
   kSwitch,  // expression, statement
-  kCase,    // literal (kInteger, kFloat, kString, kNil, kSymbol)
+  kCase,    // literal: kNumber, kString, kNil, kSymbol
   kDefault,
   kTry,         // block, [kCatch], [kFinally]
   kCatch,       // name, block
