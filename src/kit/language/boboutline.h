@@ -9,7 +9,8 @@
 #include "kit/language/bobtree.h"
 
 struct BobOutlineItem {
-  enum Kind { kFunction, kMethod, kObject, kProperty, kVariable } kind;
+  enum Kind { kFunction, kMethod, kObject, kProperty, kVariable };
+  Kind kind;
   std::string name;             // "show", "B.who"
   std::string detail;           // of functions, the parameters: "(a, b = 1)"
   uint32_t begin, end;          // of the whole

@@ -26,6 +26,9 @@ struct BobSymbol {
   BobSymbolKind kind;
   uint32_t scope;              // in BobSymbols::scopes; the source's, 0, for what has no scope
   std::vector<uint32_t> uses;  // in BobSymbols::uses, by ascending offset
+  // The class-like object that it is or is a child of, as far as its assignments agree: see BobClass.
+  std::string object;
+  uint32_t visibleFrom = 0;  // of a variable: where its declaration ends
 };
 
 enum class BobUseKind : uint8_t {
@@ -46,10 +49,11 @@ struct BobUse {
 
 // Of a function, or of a block with `local`.
 struct BobNameScope {
-  uint32_t parent;  // kBobNoNode for the source's
-  uint32_t node;    // kSource, kFunction, kDefine or kBlock
-  uint32_t begin, end;
+  uint32_t parent;                // kBobNoNode for the source's
+  uint32_t node;                  // kSource, kFunction, kDefine or kBlock
+  uint32_t begin, end;            // a function's begins with its parameters
   std::vector<uint32_t> symbols;  // in the order of their declarations
+  std::string thisObject;         // the class-like object that `this` is, in a method; of blocks, as around them
 };
 
 // An object that is given methods and properties by name, as a class is: `define thing.method()`, `thing = \{ ... }`,
