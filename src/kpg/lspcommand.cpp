@@ -10,7 +10,7 @@ void addLspCommand(CommandLine& line) {
       line.command("lsp", "Help an editor with page sources and scripts, by the Language Server Protocol");
   command.flag("--stdio", *stdio, "Nothing: editors add it, and the standard input and output are always used");
   command.runs([] {
-    RpcConnection connection(stdin, stdout);
+    RpcConnection connection;
     if (LspServer(connection).run() != 0) throw CommandFailure(1, "");
   });
 }

@@ -39,8 +39,8 @@ define spin() {
 
 
 class Client:
-    def __init__(self, kpg, folder):
-        self.process = subprocess.Popen([kpg, 'dap'], stdin=subprocess.PIPE, stdout=subprocess.PIPE, cwd=folder)
+    def __init__(self, kpg, folder, *options):
+        self.process = subprocess.Popen([kpg, 'dap', *options], stdin=subprocess.PIPE, stdout=subprocess.PIPE, cwd=folder)
         self.number, self.events, self.seen = 0, [], 0
 
     def message(self):

@@ -19,17 +19,19 @@ constexpr int kQuietly = 0;
 
 }  // namespace
 
-ControlClient::ControlClient(const std::string& p) : path(p) {
+int connectLocally(const std::string& path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
   if (path.size() >= sizeof address.sun_path) throw KitError(path, "this is too long for the name of a socket");
   std::memcpy(address.sun_path, path.c_str(), path.size());
-  socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
-  if (socket >= 0 && connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) return;
+  const int made = ::socket(AF_UNIX, SOCK_STREAM, 0);
+  if (made >= 0 && connect(made, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) return made;
   const int error = errno;
-  if (socket >= 0) close(socket);
+  if (made >= 0) close(made);
   throw KitError(path, error == ECONNREFUSED ? "nobody listens there any more" : std::strerror(error));
 }
+
+ControlClient::ControlClient(const std::string& p) : path(p), socket(connectLocally(p)) {}
 
 ControlClient::~ControlClient() { close(socket); }
 

@@ -20,3 +20,6 @@ class ControlClient {
   int socket = -1;
   std::string received;  // after the last answer
 };
+
+// A connection to a local socket, to be closed by the caller. Throws KitError when nobody listens there.
+int connectLocally(const std::string& path);

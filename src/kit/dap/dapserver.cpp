@@ -71,6 +71,7 @@ const DapServer::Request* DapServer::find(const std::string& command) {
   static constexpr Request kRequests[] = {
       {"initialize", &DapServer::initialize, Request::always},
       {"launch", &DapServer::launch, Request::always},
+      {"attach", &DapServer::attach, Request::always},
       {"configurationDone", &DapServer::configurationDone, Request::always},
       {"setBreakpoints", &DapServer::setBreakpoints, Request::always},
       {"setExceptionBreakpoints", &DapServer::setExceptionBreakpoints, Request::always},
@@ -93,13 +94,26 @@ const DapServer::Request* DapServer::find(const std::string& command) {
   return nullptr;
 }
 
-DapServer::DapServer(RpcConnection& c) : connection(c) {
-  page.stopped = [this](const BobStop& stop) { return standStill(stop); };
+DapServer::DapServer(RpcConnection& c) : connection(c), launched(std::make_unique<DebuggedPage>()), page(*launched) {
+  listen();
+  launched->stopped = [this](const BobStop& stop) {
+    if (hasEnded) return BobResume::run;
+    stand(stop);
+    while (!resume && !hasEnded) serveAll(kForever);
+    const BobResume how = resume.value_or(BobResume::run);
+    goesOn();
+    return how;
+  };
+  launched->whileBusy = [this] { serveInMiddle(); };
+}
+
+DapServer::DapServer(RpcConnection& c, DapPage& p) : connection(c), page(p) { listen(); }
+
+void DapServer::listen() {
   page.printed = [this](const std::string& text) { event("output", {{"category", "stdout"}, {"output", text}}); };
   page.breakpointMoved = [this](const WantedBreakpoint& breakpoint) {
     event("breakpoint", {{"reason", "changed"}, {"breakpoint", breakpointJson(breakpoint)}});
   };
-  page.whileBusy = [this] { serveInMiddle(); };
 }
 
 void DapServer::send(json message) {
@@ -161,17 +175,21 @@ void DapServer::serveInMiddle() {
   if (connection.hasEnded()) disconnect({});
 }
 
-BobResume DapServer::standStill(const BobStop& stop) {
-  if (hasEnded) return BobResume::run;
+void DapServer::serveNow(bool scriptRuns) { scriptRuns ? serveInMiddle() : serveAll(kNow); }
+
+void DapServer::stand(const BobStop& stop) {
   stands = true;
   resume.reset();
   json body = {{"reason", reasonOf(stop)}, {"threadId", kThread}, {"allThreadsStopped", true}};
   if (!stop.text.empty()) body["text"] = body["description"] = stop.text;
   event("stopped", body);
-  while (!resume && !hasEnded) serveAll(kForever);
+}
+
+void DapServer::goesOn() {
+  if (!resume && !hasEnded) event("continued", {{"threadId", kThread}, {"allThreadsContinued", true}});
   stands = false;
+  resume.reset();
   groups.clear();
-  return resume.value_or(BobResume::run);
 }
 
 void DapServer::run() {
@@ -187,9 +205,9 @@ void DapServer::run() {
 
 void DapServer::begin() {
   isBegun = true;
-  if (stopsOnEntry) page.debugger().pause();
+  if (stopsOnEntry) page.pause();
   try {
-    page.load(program);
+    launched->load(program);
     for (const PageAction& step : steps)
       if (!hasEnded) page.act(step);
   } catch (const KitError& e) {
@@ -223,6 +241,7 @@ json DapServer::initialize(const json& arguments) {
 }
 
 json DapServer::launch(const json& arguments) {
+  if (!launched) throw KitError("the page is open in the studio: attach to it");
   if (!program.empty()) throw KitError("a page has been launched already");
   const std::string name = textOf(arguments, "program");
   if (name.empty()) throw KitError("'program' must name a page or a page source");
@@ -230,6 +249,12 @@ json DapServer::launch(const json& arguments) {
     for (const json& step : *found) steps.push_back(actionOf(step));
   stopsOnEntry = isTrue(arguments, "stopOnEntry");
   program = name;
+  return nullptr;
+}
+
+json DapServer::attach(const json&) {
+  if (launched) throw KitError("there is nothing to attach to: kpg dap --attach PATH attaches to the studio");
+  isBegun = true;
   return nullptr;
 }
 
@@ -270,20 +295,20 @@ json DapServer::setExceptionBreakpoints(const json& arguments) {
   const auto filters = arguments.find("filters");
   const bool errors =
       filters != arguments.end() && std::find(filters->begin(), filters->end(), "errors") != filters->end();
-  page.debugger().setStopsAtErrors(errors);
+  page.setStopsAtErrors(errors);
   return nullptr;
 }
 
 json DapServer::threads(const json&) { return {{"threads", json::array({{{"id", kThread}, {"name", "page"}}})}}; }
 
 json DapServer::pause(const json&) {
-  if (!stands) page.debugger().pause();
+  if (!stands) page.pause();
   return nullptr;
 }
 
 json DapServer::disconnect(const json&) {
+  if (!hasEnded) page.leave();
   hasEnded = true;
-  page.end();
   return nullptr;
 }
 

@@ -1,6 +1,8 @@
 // A debug adapter: an editor's requests, carried out on a page without a window.
 //
-// An editor launches it with {"program": "menu.yaml", "steps": [{"key": "Down"}, {"wait": 500}], "stopOnEntry": false}.
+// An editor launches a page without a window, with {"program": "menu.yaml", "steps": [{"key": "Down"}, {"wait": 500}],
+// "stopOnEntry": false}, or it attaches to a page that somebody else runs.
+//
 // What surprises: one thread does everything. While a script runs, only what can be done in its middle is answered; the
 // rest waits until the page stands or rests.
 #pragma once
@@ -16,9 +18,20 @@
 
 class DapServer {
  public:
+  // For an editor that launches its page.
   explicit DapServer(RpcConnection& connection);
   // Until the client disconnects, or goes away.
   void run();
+
+  // For one that attaches to a page, whose owner says when something can be served.
+  DapServer(RpcConnection& connection, DapPage& page);
+  // All that has come; while a script runs only what can be done in its middle.
+  void serveNow(bool scriptRuns);
+  // The page stands from here on until goesOn(), or until the editor wants it to go on in some way.
+  void stand(const BobStop& stop);
+  std::optional<BobResume> wanted() const { return resume; }
+  void goesOn();
+  bool ended() const { return hasEnded; }
 
  private:
   using json = nlohmann::json;
@@ -29,7 +42,7 @@ class DapServer {
   void serve(const json& message);
   void serveAll(std::chrono::milliseconds wait);
   void serveInMiddle();
-  BobResume standStill(const BobStop& stop);
+  void listen();
   void begin();
   void live();
   void send(json message);
@@ -37,6 +50,7 @@ class DapServer {
 
   json initialize(const json& arguments);
   json launch(const json& arguments);
+  json attach(const json& arguments);
   json configurationDone(const json& arguments);
   json setBreakpoints(const json& arguments);
   json setExceptionBreakpoints(const json& arguments);
@@ -61,8 +75,9 @@ class DapServer {
   json breakpointJson(const WantedBreakpoint& breakpoint) const;
 
   RpcConnection& connection;
-  int sent = 0;  // messages
-  DebuggedPage page;
+  int sent = 0;                            // messages
+  std::unique_ptr<DebuggedPage> launched;  // null for a page of somebody else's
+  DapPage& page;
   std::deque<json> waiting;  // requests that can't be done in the middle of a script
   std::vector<PageAction> steps;
   std::string program;

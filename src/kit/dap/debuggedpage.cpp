@@ -37,8 +37,6 @@ void DebuggedPage::act(const PageAction& action) {
   printNew();
 }
 
-void DebuggedPage::end() { run->player().interrupt(); }
-
 void DebuggedPage::printNew() {
   const std::string all = run->logWithPlaces();
   if (all.size() > printedSoFar && printed) printed(all.substr(printedSoFar));

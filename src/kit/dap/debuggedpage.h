@@ -9,32 +9,33 @@
 #include <string>
 #include <vector>
 
+#include "kit/dap/dappage.h"
 #include "kit/debug/pagedebugger.h"
 #include "kit/run/pagerun.h"
 
-class DebuggedPage {
+class DebuggedPage final : public DapPage {
  public:
   DebuggedPage();
 
-  // -- what whoever shows the debugger hears of
-
-  std::function<BobResume(const BobStop&)> stopped;              // the page stands until it returns
-  std::function<void(const std::string& text)> printed;          // on the console, and by breakpoints
-  std::function<void(const WantedBreakpoint&)> breakpointMoved;  // now that more code is known
-  std::function<void()> whileBusy;                               // now and then while a script runs
+  std::function<BobResume(const BobStop&)> stopped;  // the page stands until it returns
+  std::function<void()> whileBusy;                   // now and then while a script runs
 
   // Throws KitError when the page can't be loaded.
   void load(const std::string& page);
-  void act(const PageAction& action);
-  void end();  // of what runs
 
-  const std::vector<WantedBreakpoint>& setBreakpoints(const std::string& file, const std::vector<BobBreakpoint>& all) {
+  std::vector<WantedBreakpoint> setBreakpoints(const std::string& file,
+                                               const std::vector<BobBreakpoint>& all) override {
     return pageDebugger->setBreakpoints(file, all);
   }
-  BobDebugger& debugger() { return pageDebugger->core(); }
-  void printNew();  // what the console has got since
+  void setStopsAtErrors(bool on) override { debugger().setStopsAtErrors(on); }
+  void pause() override { debugger().pause(); }
+  void leave() override { run->player().interrupt(); }
+  void act(const PageAction& action) override;
+  BobDebugger& debugger() override { return pageDebugger->core(); }
 
  private:
+  void printNew();  // what the console has got since
+
   std::unique_ptr<PageDebugger> pageDebugger;  // outlives the run
   std::unique_ptr<PageRun> run;
   size_t printedSoFar = 0;  // bytes of the log

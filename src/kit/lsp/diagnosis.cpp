@@ -43,8 +43,9 @@ void checkEdited(const PageTree& tree, const std::string& path, Diagnosis& into)
   const Find find = [&](std::string_view check, const YamlPlace& place, std::string text) {
     found.push_back({std::string(check), messageAt(place, std::move(text))});
   };
-  checkLinks(page, find);
   checkLooks(page, find);
+  checkHighlights(page, find);
+  checkStyles(page, find);
   AllowedFindings allowed(allowedAround(path));
   for (Finding& finding : found) {
     if (allowed.allows(finding)) continue;
@@ -67,7 +68,9 @@ void diagnosePage(const std::string& path, bool isSaved, const ReadFile& read, D
   }
   for (KitMessage& warning : warnings)
     if (warning.check.empty()) into.warnings.push_back(std::move(warning));
-  for (Finding& finding : checkPageSource(path, allowedAround(path))) {
+  CheckReport report = checkPageSource(path, allowedAround(path));
+  into.errors = std::move(report.errors);
+  for (Finding& finding : report.findings) {
     finding.message.check = finding.check;
     into.warnings.push_back(std::move(finding.message));
   }

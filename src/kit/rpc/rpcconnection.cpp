@@ -70,9 +70,14 @@ struct RpcConnection::Inbox {
   }
 };
 
-RpcConnection::RpcConnection(std::FILE* in, std::FILE* o) : inbox(std::make_shared<Inbox>()), out(o) {
-  std::thread([box = inbox, in] { box->readAll(in); }).detach();
+RpcConnection::RpcConnection(std::shared_ptr<std::FILE> in, std::shared_ptr<std::FILE> o)
+    : inbox(std::make_shared<Inbox>()), out(std::move(o)) {
+  std::thread([box = inbox, in] { box->readAll(in.get()); }).detach();
 }
+
+RpcConnection::RpcConnection()
+    : RpcConnection(std::shared_ptr<std::FILE>(stdin, [](std::FILE*) {}),
+                    std::shared_ptr<std::FILE>(stdout, [](std::FILE*) {})) {}
 
 std::optional<json> RpcConnection::take(std::chrono::milliseconds wait) {
   std::unique_lock lock(inbox->mutex);
@@ -92,7 +97,7 @@ void RpcConnection::send(const json& message) {
   // Texts of pages may have any bytes.
   const std::string text = message.dump(-1, ' ', false, json::error_handler_t::replace);
   const std::lock_guard lock(sending);
-  std::fprintf(out, "Content-Length: %zu\r\n\r\n", text.size());
-  std::fwrite(text.data(), 1, text.size(), out);
-  std::fflush(out);
+  std::fprintf(out.get(), "Content-Length: %zu\r\n\r\n", text.size());
+  std::fwrite(text.data(), 1, text.size(), out.get());
+  std::fflush(out.get());
 }

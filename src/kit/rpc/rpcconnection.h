@@ -14,8 +14,10 @@
 
 class RpcConnection {
  public:
-  // The streams must stay open for as long as the program runs: a read of one can't be interrupted.
-  RpcConnection(std::FILE* in, std::FILE* out);
+  // A read of a stream can't be interrupted, so the thread keeps `in` until it ends.
+  RpcConnection(std::shared_ptr<std::FILE> in, std::shared_ptr<std::FILE> out);
+  // Over the standard input and output.
+  RpcConnection();
 
   // The next message, after at most so long; none in time, or none ever after the end. What is no JSON comes as null.
   std::optional<nlohmann::json> take(std::chrono::milliseconds wait);
@@ -28,5 +30,5 @@ class RpcConnection {
   struct Inbox;
   std::shared_ptr<Inbox> inbox;
   std::mutex sending;
-  std::FILE* out;
+  std::shared_ptr<std::FILE> out;
 };

@@ -2,18 +2,14 @@
 
 #include <fcntl.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <optional>
 #include <utility>
 
 #include "kit/control/controlrequest.h"
-#include "kit/errors.h"
 
 namespace {
 
@@ -27,54 +23,7 @@ constexpr int kQuietly = 0;
 
 bool wouldWait() { return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR; }
 
-void makeNonBlocking(int file) {
-  fcntl(file, F_SETFL, fcntl(file, F_GETFL) | O_NONBLOCK);
-  fcntl(file, F_SETFD, FD_CLOEXEC);
-}
-
-int newSocket() {
-  const int made = socket(AF_UNIX, SOCK_STREAM, 0);
-  if (made < 0) throw KitError(std::strerror(errno));
-  makeNonBlocking(made);
-  return made;
-}
-
-sockaddr_un addressOf(const std::string& path) {
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  if (path.empty() || path.size() >= sizeof address.sun_path)
-    throw KitError(path, "a socket's name has 1 to " + std::to_string(sizeof address.sun_path - 1) + " bytes");
-  std::memcpy(address.sun_path, path.data(), path.size());
-  return address;
-}
-
-// The file is never open to others, not even for a moment.
-bool bindPrivately(int file, const sockaddr_un& address) {
-  const mode_t before = umask(S_IXUSR | S_IRWXG | S_IRWXO);
-  const bool bound = bind(file, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-  const int error = errno;
-  umask(before);
-  errno = error;
-  return bound;
-}
-
-bool answers(const sockaddr_un& address) {
-  const int file = newSocket();
-  const bool connected = connect(file, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-  const bool isDead = !connected && errno == ECONNREFUSED;
-  close(file);
-  return !isDead;
-}
-
-// A socket of this user that nobody listens to any more; anything else is an error.
-void removeDeadSocket(const std::string& path, const sockaddr_un& address) {
-  struct stat there;
-  if (lstat(path.c_str(), &there) != 0) throw KitError(path, std::strerror(errno));
-  if (!S_ISSOCK(there.st_mode)) throw KitError(path, "there is a file of that name, which is no socket");
-  if (there.st_uid != geteuid()) throw KitError(path, "there is a socket of another user");
-  if (answers(address)) throw KitError(path, "somebody listens there already");
-  if (unlink(path.c_str()) != 0) throw KitError(path, std::strerror(errno));
-}
+void makeNonBlocking(int file) { fcntl(file, F_SETFL, fcntl(file, F_GETFL) | O_NONBLOCK); }
 
 }  // namespace
 
@@ -140,41 +89,13 @@ void ControlSocket::Client::sendOut() {
   }
 }
 
-ControlSocket::ControlSocket(const std::string& p, Answer a) : path(p), answer(std::move(a)) {
-  listener = newSocket();
-  try {
-    listenAt();
-  } catch (...) {
-    close(listener);
-    throw;
-  }
-}
+ControlSocket::ControlSocket(const std::string& path, Answer a) : listener(path), answer(std::move(a)) {}
 
-void ControlSocket::listenAt() {
-  const sockaddr_un address = addressOf(path);
-  bool bound = bindPrivately(listener, address);
-  if (!bound && errno == EADDRINUSE) {
-    removeDeadSocket(path, address);
-    bound = bindPrivately(listener, address);
-  }
-  if (!bound) throw KitError(path, std::strerror(errno));
-  struct stat made;
-  if (lstat(path.c_str(), &made) == 0) {
-    device = made.st_dev;
-    inode = made.st_ino;
-  }
-  if (listen(listener, int(kMostClients)) != 0) throw KitError(path, std::strerror(errno));
-}
-
-ControlSocket::~ControlSocket() {
-  close(listener);
-  struct stat there;
-  if (lstat(path.c_str(), &there) == 0 && there.st_dev == device && there.st_ino == inode) unlink(path.c_str());
-}
+ControlSocket::~ControlSocket() = default;
 
 std::vector<pollfd> ControlSocket::watched() const {
   std::vector<pollfd> all;
-  if (connected.size() < kMostClients) all.push_back({listener, POLLIN, 0});
+  if (connected.size() < kMostClients) all.push_back({listener.file(), POLLIN, 0});
   for (const auto& client : connected)
     all.push_back({client->file, short(client->wantsToRead() ? POLLIN : POLLOUT), 0});
   return all;
@@ -187,7 +108,7 @@ void ControlSocket::step(int milliseconds) {
   isStepping = true;
   for (const pollfd& file : files) {
     if (file.revents == 0) continue;
-    if (file.fd == listener) {
+    if (file.fd == listener.file()) {
       acceptAll();
       continue;
     }
@@ -200,7 +121,7 @@ void ControlSocket::step(int milliseconds) {
 
 void ControlSocket::acceptAll() {
   while (connected.size() < kMostClients) {
-    const int file = accept(listener, nullptr, nullptr);
+    const int file = listener.accept();
     if (file < 0) return;
     connected.push_back(std::make_unique<Client>(file));
   }

@@ -7,21 +7,21 @@
 
 #include <poll.h>
 
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "studio/control/privatelistener.h"
+
 class ControlSocket {
  public:
   using Answer = std::function<std::string(std::string_view line)>;
 
-  // Throws KitError when there is something at `path` that is not a socket which nobody listens to any more, left by
-  // somebody of the same user; and when the path is too long.
+  // Throws what PrivateListener does.
   ControlSocket(const std::string& path, Answer answer);
-  ~ControlSocket();  // removes the socket, if it is still the same
+  ~ControlSocket();
   ControlSocket(const ControlSocket&) = delete;
   ControlSocket& operator=(const ControlSocket&) = delete;
 
@@ -35,14 +35,11 @@ class ControlSocket {
  private:
   struct Client;
 
-  void listenAt();
   void acceptAll();
   void serve(Client& client);
 
-  const std::string path;
+  PrivateListener listener;
   const Answer answer;
-  int listener = -1;
-  uint64_t device = 0, inode = 0;  // of the socket's file
   std::vector<std::unique_ptr<Client>> connected;
   bool isStepping = false;
 };

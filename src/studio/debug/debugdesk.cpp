@@ -26,6 +26,9 @@ void DebugDesk::follow(Followed& followed) {
   debugger.logged = [this](const std::string& line) {
     if (logged && !silent) logged(line);
   };
+  debugger.breakpointMoved = [this](const WantedBreakpoint& breakpoint) {
+    if (breakpointMoved) breakpointMoved(breakpoint);
+  };
   debugger.learn();
   debugger.core().setStopsAtErrors(atErrors);
   for (const auto& [file, all] : wanted) debugger.setBreakpoints(file, all);
@@ -47,6 +50,11 @@ void DebugDesk::set(const std::string& file) {
     if (isNeeded()) follow(each);
     if (each.debugger) each.debugger->setBreakpoints(file, wanted[file]);
   }
+}
+
+void DebugDesk::setBreakpoints(const std::string& file, const std::vector<BobBreakpoint>& all) {
+  wanted[file] = all;
+  set(file);
 }
 
 void DebugDesk::toggle(const std::string& file, int line) {

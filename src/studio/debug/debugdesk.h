@@ -15,6 +15,7 @@ class DebugDesk {
  public:
   std::function<BobResume(const BobStop&)> stopped;     // the page stands until it returns
   std::function<void(const std::string& line)> logged;  // by breakpoints
+  std::function<void(const WantedBreakpoint&)> breakpointMoved;
 
   // -- runs
 
@@ -24,6 +25,8 @@ class DebugDesk {
 
   // -- what stops them
 
+  // Replaces those of a file.
+  void setBreakpoints(const std::string& file, const std::vector<BobBreakpoint>& all);
   // A breakpoint in a line, or none there any more.
   void toggle(const std::string& file, int line);
   // Of one that is there: when it stops, or what it logs in place of that.

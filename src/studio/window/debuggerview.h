@@ -21,6 +21,7 @@ class DebuggerView : public QWidget {
 
   // The sources may have changed, or more code may be known.
   void refresh();
+  void showMarks();  // breakpoints may have changed
   // Shows where the page stands, and waits for somebody to say how it goes on.
   BobResume stand(const BobStop& stop);
   void goOn(BobResume how);  // nothing happens when the page doesn't stand
@@ -34,7 +35,6 @@ class DebuggerView : public QWidget {
  private:
   QToolBar* newTools();
   void showFile(const std::string& file);
-  void showMarks();
   void showCalls();
   void showVariables();
   void unfold(QTreeWidgetItem* item);

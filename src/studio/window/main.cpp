@@ -2,6 +2,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QTimer>
+#include <csignal>
 #include <cstdio>
 
 #include "kit/version.h"
@@ -9,6 +10,7 @@
 #include "studio/window/studiowindow.h"
 
 int main(int argc, char** argv) {
+  std::signal(SIGPIPE, SIG_IGN);  // an editor may go in the middle of a message
   QApplication application(argc, argv);
   QApplication::setApplicationName("vistrel-studio");
   QApplication::setApplicationVersion(kitVersion());
@@ -21,7 +23,9 @@ int main(int argc, char** argv) {
       light("light", "Dark on light, whatever the desktop does");
   const QCommandLineOption control("control", "Let kpg remote drive the page through a socket that is made here",
                                    "PATH");
-  words.addOptions({control, dark, light});
+  const QCommandLineOption debug("dap", "Let kpg dap --attach debug the page through a socket that is made here",
+                                 "PATH");
+  words.addOptions({control, debug, dark, light});
   words.process(application);
   if (words.positionalArguments().size() != 1) {
     std::fputs("vistrel-studio: name one page to open, vistrel-studio PAGE.yaml\n", stderr);
@@ -29,12 +33,13 @@ int main(int argc, char** argv) {
   }
   applyLook(application, words.isSet(dark) || (desktopIsDark() && !words.isSet(light)));
   StudioWindow window(words.positionalArguments().front().toStdString());
-  if (words.isSet(control)) try {
-      window.listenAt(words.value(control).toStdString());
-    } catch (const KitError& e) {
-      std::fprintf(stderr, "%s\n", e.what());
-      return 1;
-    }
+  try {
+    if (words.isSet(control)) window.listenAt(words.value(control).toStdString());
+    if (words.isSet(debug)) window.debugAt(words.value(debug).toStdString());
+  } catch (const KitError& e) {
+    std::fprintf(stderr, "%s\n", e.what());
+    return 1;
+  }
   window.resize(1400, 860);
   window.show();
   QTimer::singleShot(0, &window, [&] { window.pageDriver().restart(); });

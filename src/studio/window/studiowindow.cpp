@@ -95,14 +95,21 @@ void StudioWindow::followDebugger() {
   driver.interrupted = [this] { debugger->goOn(BobResume::run); };
   debugger->edited = [this](const std::string& file) { return edits.unsavedText(file); };
   debugger->wanted = [this] { tabs->setCurrentWidget(debugger); };
-  debugDesk.logged = [this](const std::string& line) { console->print(QString::fromStdString(line) + "\n"); };
-  debugDesk.stopped = [this](const BobStop& stop) {
-    const bool couldStop = stopAction->isEnabled();
-    stopAction->setEnabled(true);
-    const BobResume how = debugger->stand(stop);
-    stopAction->setEnabled(couldStop);
-    return how;
+  debugDesk.logged = [this](const std::string& line) {
+    console->print(QString::fromStdString(line) + "\n");
+    if (editor) editor->print(line);
   };
+  debugDesk.stopped = [this](const BobStop& stop) { return stand(stop); };
+}
+
+BobResume StudioWindow::stand(const BobStop& stop) {
+  const bool couldStop = stopAction->isEnabled();
+  stopAction->setEnabled(true);
+  if (editor) editor->stand(stop);
+  const BobResume how = debugger->stand(stop);
+  if (editor) editor->goesOn();
+  stopAction->setEnabled(couldStop);
+  return how;
 }
 
 void StudioWindow::buildViews() {
@@ -198,19 +205,32 @@ void StudioWindow::buildViews() {
   errors->clicked = [this](const KitMessage& message) { openPlace(message); };
 }
 
+// Also while a script runs, or stands.
+void StudioWindow::callOften(std::function<void()> work) {
+  constexpr int kBetween = 15;  // milliseconds
+  auto* timer = new QTimer(this);
+  QObject::connect(timer, &QTimer::timeout, this, std::move(work));
+  timer->start(kBetween);
+}
+
 void StudioWindow::listenAt(const std::string& path) {
-  constexpr int kBetweenLooks = 15;  // milliseconds
   protocol = std::make_unique<ControlProtocol>(driver.session());
   control = std::make_unique<ControlSocket>(path, [this](std::string_view line) {
     std::string answer;
     driver.obey([&] { answer = protocol->answer(line); });
     return answer;
   });
-  auto* timer = new QTimer(this);
-  QObject::connect(timer, &QTimer::timeout, this, [this] {
+  callOften([this] {
     if (!driver.isBusy()) control->step();
   });
-  timer->start(kBetweenLooks);
+}
+
+void StudioWindow::debugAt(const std::string& path) {
+  editor = std::make_unique<AttachedEditor>(path, debugDesk);
+  editor->wanted = [this](const PageAction& action) { driver.obey([&] { driver.session().act(action); }); };
+  editor->wantsToGoOn = [this](BobResume how) { debugger->goOn(how); };
+  editor->breakpointsChanged = [this] { debugger->showMarks(); };
+  callOften([this] { editor->step(driver.isBusy()); });
 }
 
 void StudioWindow::press(const QString& key) {
@@ -242,6 +262,7 @@ void StudioWindow::showPage() {
   if (run->complaints().size() != shownComplaints) showErrors();
   console->setLog(driver.session().openings(), run->log(), run->complaints(),
                   [run](std::string_view complaint) { return run->player().withPlaces(complaint); });
+  if (editor && editor->isThere()) editor->showLog(run->logWithPlaces());
   showReplay();
   if (pointedAt) showPointed(pointedAt);
 }

@@ -7,6 +7,7 @@
 
 #include "studio/control/controlprotocol.h"
 #include "studio/control/controlsocket.h"
+#include "studio/debug/attachededitor.h"
 #include "studio/debug/debugdesk.h"
 #include "studio/edit/sourceedits.h"
 #include "studio/timeline/timeline.h"
@@ -33,6 +34,8 @@ class StudioWindow : public QMainWindow {
 
   // Lets others drive the page through a local socket. Throws KitError when it can't be made.
   void listenAt(const std::string& path);
+  // Lets an editor debug it, by the Debug Adapter Protocol. Throws as that does.
+  void debugAt(const std::string& path);
 
   PageDriver& pageDriver() { return driver; }
   ScreenView& screenView() { return *screen; }
@@ -50,6 +53,8 @@ class StudioWindow : public QMainWindow {
  private:
   void buildViews();
   void followDebugger();
+  BobResume stand(const BobStop& stop);
+  void callOften(std::function<void()> work);
   void press(const QString& key);
   void enter(const QString& line);
   void showPage();
@@ -109,6 +114,7 @@ class StudioWindow : public QMainWindow {
   PageRun* inspected = nullptr;
   std::unique_ptr<ControlProtocol> protocol;
   std::unique_ptr<ControlSocket> control;
+  std::unique_ptr<AttachedEditor> editor;
   QLabel *state, *zoomText;
   QAction *pauseAction, *stopAction, *saveAction, *undoAction, *redoAction;
   std::optional<QPoint> pointedAt;
