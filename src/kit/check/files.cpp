@@ -27,10 +27,10 @@ class Files {
     for (const CheckedWidget& widget : page.widgets)
       for (const PageEntry& entry : widget.node->attributes) checkAttribute(widget, entry);
     checkPageTable();
-    checkStyles();
+    for (const CheckedStyle& style : page.styles) checkFont(style);
     checkScripts();
     for (const LoadedPage& loaded : page.tree.loadedPages)
-      isThere(loaded.name, loaded.place, "LoadPage", "the frame is empty from then on");
+      isThere(loaded.name, loaded.place, "LoadPage", "the player empties the frame");
     sayMemory();
   }
 
@@ -39,8 +39,7 @@ class Files {
 
   // A smaller one lies in a frame, where its table doesn't count.
   void checkPageTable() {
-    const bool fillsScreen = page.root().width >= kScreenWidth && page.root().height >= kScreenHeight;
-    if (isEightBit() && fillsScreen && tableOf(page).empty())
+    if (isEightBit() && page.fillsScreen() && tableOf(page).empty())
       find("no-table", page.root().place(),
            "an 8-bit page without a colorTable: the player shows it black all over until a picture brings a table");
   }
@@ -67,7 +66,7 @@ class Files {
     if (entry.name == "colorTable") {
       isThere(name, place, what, "the player doesn't load the page");
     } else if (widget.type == "frame" && entry.name == "src") {
-      isThere(name, place, what, "the frame stays empty");
+      isThere(name, place, what, "the player leaves the frame empty");
     } else {
       checkPicture(name, place, what);
     }
@@ -80,7 +79,7 @@ class Files {
     const std::string ending = path.extension().string();
     const bool isOther = !ending.empty() && !isEqual(ending, ".kpx") && !isEqual(ending, ".gif");
     const std::string file = isOther ? std::filesystem::path(path).replace_extension(".kpx").string() : name;
-    if (!isThere(file, place, what, "nothing is drawn for it")) return;
+    if (!isThere(file, place, what, "the player draws nothing there")) return;
     if (isOther)
       find("picture-ending", place,
            what + ": the player reads '" + file + "' for '" + name +
@@ -138,32 +137,20 @@ class Files {
 
   // ---- fonts and scripts
 
-  void checkStyles() {
-    const PageValue* styles = page.root().find("textStyles");
-    if (!styles) return;
-    for (const PageValue& style : styles->table)
-      if (!style.object.empty())
-        for (const PageEntry& entry : style.object.front().attributes)
-          if (entry.name == "font" && entry.value.tag == PageTag::string)
-            checkFont(style.object.front(), entry.value.bytes);
-  }
-
-  void checkFont(const PageNode& style, const std::string& name) {
-    YamlPlace place = style.places.object;
-    for (const ObjectPlaces::Attribute& each : style.places.attributes)
-      if (each.name == "font") place = each.place;
-    if (!isThere(name, place, "font of a text style", "no text is drawn in it")) return;
-    const FontEntry* font = fontLoad(name.c_str());
+  void checkFont(const CheckedStyle& style) {
+    const std::string what = "font of " + style.name;
+    if (!isThere(style.font, style.place("font"), what, "the player draws no text in this style")) return;
+    const FontEntry* font = fontLoad(style.font.c_str());
     if (font && !hsFontOpens(font->scalerFont))
-      find("unreadable-file", place,
-           "font of a text style: '" + name + "' holds no font that the player can draw with; no text is drawn in it");
+      find("unreadable-file", style.place("font"),
+           what + ": '" + style.font + "' holds no font for the player, and it draws no text in this style");
   }
 
   void checkScripts() {
     const PageValue* scripts = page.root().find("scripts");
     if (!scripts) return;
     for (const PageValue& name : scripts->table)
-      isThere(name.bytes, page.root().place("scripts"), "scripts of page", "the page goes on without it");
+      isThere(name.bytes, page.root().place("scripts"), "scripts of page", "the player goes on without it");
   }
 
   const CheckedPage& page;

@@ -6,6 +6,7 @@
 namespace {
 
 constexpr int32_t kUsualFrameWidth = 4;
+constexpr size_t kMostComparisons = 20'000'000;  // of widgets; far more than a page for people takes
 
 struct Box {
   int32_t left, top, right, bottom;
@@ -40,9 +41,12 @@ bool shows(const CheckedWidget& widget) {
 
 class Highlights {
  public:
-  Highlights(const CheckedPage& p, const Find& f) : page(p), find(f) {}
+  Highlights(const CheckedPage& p, const Find& f) : page(p), find(f) {
+    for (size_t i = 1; i < page.widgets.size(); ++i)
+      if (shows(page.widgets[i])) shown.push_back(i);
+  }
 
-  void check(size_t i) const {
+  void check(size_t i) {
     const CheckedWidget& widget = page.widgets[i];
     if (!widget.isTrue("highlightFrame") || widget.type == "slider") return;
     const int32_t width = widget.number("frameWidth").value_or(kUsualFrameWidth);
@@ -72,12 +76,12 @@ class Highlights {
   }
 
   // The background is painted over whatever else lies there.
-  void checkNeighbours(size_t i, int32_t width) const {
+  void checkNeighbours(size_t i, int32_t width) {
     const CheckedWidget& widget = page.widgets[i];
-    for (size_t other = 1; other < page.widgets.size(); ++other) {
+    for (const size_t other : shown) {
+      if (comparisons++ >= kMostComparisons) return;
       const Box touched = common(boxOf(page.widgets[other]), boxOf(widget, width));
-      if (touched.isEmpty() || liesIn(touched, boxOf(widget)) || !shows(page.widgets[other]) || liesAround(other, i))
-        continue;
+      if (touched.isEmpty() || liesIn(touched, boxOf(widget)) || liesAround(other, i)) continue;
       find("frame-trace", widget.place("highlightFrame"),
            "the frame of " + widget.label + " covers a part of " + page.widgets[other].label +
                ", and when the focus goes, the player paints the background there");
@@ -92,11 +96,13 @@ class Highlights {
 
   const CheckedPage& page;
   const Find& find;
+  std::vector<size_t> shown;  // widgets that paint something
+  size_t comparisons = 0;
 };
 
 }  // namespace
 
 void checkHighlights(const CheckedPage& page, const Find& find) {
-  const Highlights highlights(page, find);
+  Highlights highlights(page, find);
   for (size_t i = 0; i < page.widgets.size(); ++i) highlights.check(i);
 }

@@ -4,8 +4,6 @@
 
 namespace {
 
-constexpr int32_t kUsualSize = 24;  // of a style
-
 // As the player compares the sizes of a bar.
 uint16_t swapped(uint16_t word) { return uint16_t(word << 8 | word >> 8); }
 
@@ -31,43 +29,13 @@ void checkVanishing(const CheckedWidget& widget, const Find& find) {
          widget.label + " has no highlightTextStyle, so it disappears while it has, or shares, the focus");
 }
 
-// The first of that name; null if the page has none.
-const PageNode* styleOf(const CheckedPage& page, const std::string& name) {
-  const PageValue* styles = page.root().find("textStyles");
-  if (!styles) return nullptr;
-  for (const PageValue& style : styles->table) {
-    if (style.object.empty()) continue;
-    std::string called = "default";
-    for (const PageEntry& entry : style.object.front().attributes)
-      if (entry.name == "name" && !entry.value.bytes.empty()) called = entry.value.bytes;
-    if (called == name) return &style.object.front();
-  }
-  return nullptr;
-}
-
-bool isAntialiased(const CheckedPage& page, const std::string& name) {
-  const PageNode* style = styleOf(page, name);
-  if (!style) return false;
-  for (const PageEntry& entry : style->attributes)
-    if (entry.name == "antialias") return entry.value.tag == PageTag::boolean && entry.value.number != 0;
-  return false;
-}
-
-std::optional<int32_t> sizeOfStyle(const CheckedPage& page, const std::string& name) {
-  const PageNode* style = styleOf(page, name);
-  if (!style) return std::nullopt;
-  for (const PageEntry& entry : style->attributes)
-    if (entry.name == "size" && entry.value.tag == PageTag::integer) return int32_t(entry.value.number);
-  return kUsualSize;
-}
-
 void checkStyleSizes(const CheckedPage& page, const CheckedWidget& widget, const Find& find) {
-  const auto plain = sizeOfStyle(page, widget.text("textStyle"));
-  const auto highlit = sizeOfStyle(page, widget.text("highlightTextStyle"));
-  if (!widget.isTrue("showAll") || !plain || !highlit || *plain == *highlit) return;
+  const CheckedStyle* plain = page.style(widget.text("textStyle"));
+  const CheckedStyle* highlit = page.style(widget.text("highlightTextStyle"));
+  if (!widget.isTrue("showAll") || !plain || !highlit || plain->size == highlit->size) return;
   find("two-sizes", widget.place("highlightTextStyle"),
        widget.label + " keeps for each choice the size that it is first drawn in, and its styles have the sizes " +
-           std::to_string(*plain) + " and " + std::to_string(*highlit));
+           std::to_string(plain->size) + " and " + std::to_string(highlit->size));
 }
 
 void checkPicture(const CheckedWidget& widget, const Find& find) {
@@ -85,7 +53,7 @@ void checkRow(const CheckedPage& page, const CheckedWidget& widget, const Find& 
            widget.label + " shows its choices in a row, and the player paints no background under that; " +
                "let a group around it have one");
   for (const char* attribute : {"textStyle", "highlightTextStyle"})
-    if (isAntialiased(page, widget.text(attribute)))
+    if (const CheckedStyle* style = page.style(widget.text(attribute)); style && style->antialias)
       find("row-not-erased", widget.place(attribute),
            widget.label + " shows its choices in a row, which the player draws over the old ones, so that " +
                "antialiased text grows thicker with each change");

@@ -82,7 +82,7 @@ bool OpenedPage::resolves(std::string_view names) {
       at = end + 1;
     }
   });
-  return ended && found;
+  return found || !ended;
 }
 
 std::vector<ScriptFailure> OpenedPage::scriptFailures() const {

@@ -37,7 +37,8 @@ class OpenedPage {
   // The bytes of a file as the player finds it; empty for none.
   std::string read(const std::string& name);
 
-  // Whether a path of names, such as widgets.volume.Show, leads to something in the scope of the page as it is now.
+  // Whether a path of names, such as widgets.volume.Show, leads to something in the scope of the page as it is now;
+  // true if that can't be found out.
   bool resolves(std::string_view path);
   std::vector<ScriptFailure> scriptFailures() const;
 

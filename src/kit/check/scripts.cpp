@@ -60,11 +60,8 @@ class Scripts {
     return object.kind == BobKnownValue::path && object.name.starts_with("widgets.");
   }
 
-  // A page that doesn't fill the screen lies in a frame, and sees the variables of the page around.
-  bool mayCheckGlobals() const {
-    const bool fillsScreen = page.root().width >= kScreenWidth && page.root().height >= kScreenHeight;
-    return fillsScreen && code.isComplete() && !runsOthers;
-  }
+  // A page in a frame sees the variables of the page around.
+  bool mayCheckGlobals() const { return page.fillsScreen() && code.isComplete() && !runsOthers; }
 
   void checkGlobal(const PageFunction& function, const BobUse& use) {
     if (use.name.empty() || set.contains(use.name) || opened.resolves(use.name)) return;
@@ -134,8 +131,7 @@ class Scripts {
   // ---- what happened as the page opened
 
   void checkOpening() const {
-    const bool fillsScreen = page.root().width >= kScreenWidth && page.root().height >= kScreenHeight;
-    if (!fillsScreen) return;
+    if (!page.fillsScreen()) return;
     for (const ScriptFailure& failure : opened.scriptFailures()) {
       constexpr std::string_view kUnbound = "Unbound variable - ";
       if (failure.text.starts_with(kUnbound) && unset.contains(failure.text.substr(kUnbound.size()))) continue;

@@ -63,7 +63,7 @@ class Texts {
   }
 
   void sayUnsafe(const CheckedPage& page) const {
-    if (unsafe == 0) return;
+    if (unsafe == 0 || !page.fillsScreen()) return;
     find("title-safe", page.root().place(),
          "a television may cut off texts outside the title-safe area, x 72 to 648 and y 48 to 432: " + firstUnsafe +
              (unsafe > 1 ? ", and others" : ""));
@@ -169,9 +169,10 @@ class Texts {
     displayFillRect({0, 0, kScreenWidth, height}, ground);
     const uint32_t plain = opened.screen().front();
     textDrawAt(text.style, text.text.data(), uint32_t(text.text.size()), 0, 0);
+    const auto rows = opened.screen().begin();
     double most = 0;
-    for (size_t i = 0; i < size_t(kScreenWidth) * size_t(height); ++i)
-      if (const uint32_t pixel = opened.screen()[i]; pixel != plain) most = std::max(most, contrastOf(pixel, plain));
+    for (const uint32_t color : std::set<uint32_t>(rows, rows + ptrdiff_t(kScreenWidth) * height))
+      if (color != plain) most = std::max(most, contrastOf(color, plain));
     return most;
   }
 

@@ -283,7 +283,14 @@ class SourceReader {
       names.define(NamedThing::style, value.bytes, pair.place, whatIsRead());
     const NamedThing thing = namedBy(object.kind, object.type, pair.key);
     if (thing == NamedThing::widget || thing == NamedThing::style)
-      names.use(thing, value.bytes, pair.value.place, whatIsRead());
+      names.use(thing, value.bytes, pair.value.place, whatIsRead(), withoutWhatItNames(thing, pair.key));
+  }
+
+  // What the player does if nothing has the name in that attribute.
+  static const char* withoutWhatItNames(NamedThing thing, std::string_view key) {
+    if (thing == NamedThing::style) return "the player goes on without one";
+    if (key == "start") return "nothing has the focus as the page opens";
+    return key == "master" ? "the widget follows nobody's highlight" : "the key leads nowhere";
   }
 
   // What only shows when all attributes of an object are there.
