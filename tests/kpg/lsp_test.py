@@ -120,9 +120,142 @@ def looks_at_open_files(kpg, folder):
     client.end()
 
 
+def completes_pages(kpg, folder):
+    client = Client(kpg, folder)
+    client.open('page.yaml', PAGE.replace('down: two', 'down: ').replace('up: one', 'up'))
+
+    keys = client.complete('page.yaml', '    up')
+    assert 'src' in keys and 'value' not in keys and 'background' not in keys, sorted(keys)  # an image's, and not twice
+    assert keys['upLeft']['textEdit']['newText'] == 'upLeft: '
+    assert 'before `right`' not in keys['up']['documentation']['value'] and 'where up leads' in keys['up']['documentation']['value']
+    client.take('page.yaml', keys['up'])
+    widgets = client.complete('page.yaml', '    up: ')
+    assert {'one', 'two'} == set(widgets) and widgets['one']['detail'] == 'text', widgets
+    client.take('page.yaml', widgets['one'])
+    assert '    up: one\n' in client.texts['page.yaml']
+
+    assert {'one', 'two'} == set(client.complete('page.yaml', 'down: '))
+    client.put('page.yaml', 'down: ', 'align: c')
+    words = client.complete('page.yaml', 'align: c')
+    assert set(words) == {'left', 'center', 'right'}, words
+    client.take('page.yaml', words['center'])
+    assert 'align: center\n' in client.texts['page.yaml']
+    client.put('page.yaml', 'textStyle: plain', 'textStyle: pl')
+    client.take('page.yaml', client.complete('page.yaml', 'textStyle: pl')['plain'])
+    assert 'textStyle: plain\n' in client.texts['page.yaml']
+
+    # In braces, in lists, at the top, in a map of a direction, and in quotes.
+    client.put('page.yaml', ', size: 20', ', size: 20, ant')
+    assert 'antialias' in client.complete('page.yaml', 'size: 20, ant')
+    client.put('page.yaml', ', ant', '')
+    client.change('page.yaml', (len(client.texts['page.yaml']),) * 2 + ('  - \n  - repeat:\n      o\nconst',))
+    assert 'type' in client.complete('page.yaml', 'dawn.kpx\n  - ')
+    assert 'over' in client.complete('page.yaml', '      o')
+    assert set(client.complete('page.yaml', 'const')) == {'flags', 'include', 'constants', 'templates'}
+    (folder / 'art').mkdir()
+    for name in ('dusk.png', 'sans.ttf', 'theme.yaml', 'other.bob'):
+        (folder / 'art' / name).write_text('')
+    client.put('page.yaml', 'dawn.kpx', '"art/"')
+    files = client.complete('page.yaml', 'background: "art/')
+    assert set(files) == {'art/dusk.kpx'}
+    client.take('page.yaml', files['art/dusk.kpx'])
+    assert 'background: "art/dusk.kpx"\n' in client.texts['page.yaml']
+    client.put('page.yaml', '[tools.bob]', '[tools.bob, ]')
+    assert set(client.complete('page.yaml', '[tools.bob, ')) == {'tools.bob', 'art/other.bob'}
+
+    # What another file defines, and the parameters of a template.
+    (folder / 'theme.yaml').write_text('constants: {accent: "#204060", deep: $(accent)}\n'
+                                       'templates:\n  entry:\n    parameters: {label: , size: 3}\n    type: text\n')
+    client.put('page.yaml', '\nconst', '\ninclude: theme.yaml\n')
+    client.put('page.yaml', '      o\n', '      over: 3\n    template: e\n    with:\n      l: 1\n    bgColor: $(ac\n    ')
+    assert set(client.complete('page.yaml', 'template: e')) == {'entry'}
+    client.put('page.yaml', 'template: e', 'template: entry')
+    assert set(client.complete('page.yaml', 'with:\n      l')) == {'label', 'size'}
+    assert {'accent', 'deep', 'index'} <= set(client.complete('page.yaml', 'bgColor: $(ac'))
+    assert 'maxLength' in client.complete('page.yaml', '$(ac\n    ')  # by the type of the template
+    client.end()
+
+
+def knows_names(kpg, folder):
+    client = Client(kpg, folder)
+    (folder / 'theme.yaml').write_text('constants: {accent: "#204060"}\ntemplates:\n  entry: {type: box, up: one}\n')
+    client.open('theme.yaml')
+    client.open('page.yaml', 'include: theme.yaml\n' + PAGE + '    bgColor: $(accent)\n')
+    (folder / 'dawn.png').write_bytes(b'')
+
+    def places(method, name, text, offset=0, **more):
+        found = client.ask('textDocument/' + method, **client.where(name, text, offset), **more)
+        return [(pathlib.Path(f['uri']).name, client.shown(pathlib.Path(f['uri']).name, f['range'])
+                 if pathlib.Path(f['uri']).name in client.texts else '') for f in found]
+
+    assert places('definition', 'page.yaml', 'up: one', 5) == [('page.yaml', 'one')]
+    assert places('definition', 'page.yaml', 'textStyle: plain', 12) == [('page.yaml', 'plain')]
+    assert places('definition', 'page.yaml', '$(accent)', 3) == [('theme.yaml', 'accent')]
+    assert places('definition', 'theme.yaml', 'up: one', 5) == [('page.yaml', 'one')]  # by the page that includes it
+    assert places('definition', 'page.yaml', 'dawn.kpx') == [('dawn.png', '')]
+    assert places('references', 'page.yaml', 'name: one', 7, context={'includeDeclaration': False}) == \
+        [('page.yaml', 'one')] * 2 + [('theme.yaml', 'one')]
+    links = client.ask('textDocument/documentLink', textDocument={'uri': client.uri('page.yaml')})
+    assert [pathlib.Path(link['target']).name for link in links] == ['theme.yaml', 'tools.bob', 'dawn.png']
+
+    named = client.ask('textDocument/prepareRename', **client.where('page.yaml', 'up: one', 5))
+    assert named['placeholder'] == 'one' and client.shown('page.yaml', named['range']) == 'one'
+    assert client.ask('textDocument/prepareRename', **client.where('page.yaml', 'width: 200', 8)) is None
+    assert client.fails('textDocument/rename', newName='two', **client.where('page.yaml', 'up: one', 5))['message'] == \
+        "there is a 'two' already"
+    assert client.rename('page.yaml', 'up: one', 'erstes: ü', 5) == 4
+    text = client.texts['page.yaml']
+    assert 'start: "erstes: ü"\n' in text or "start: 'erstes: ü'\n" in text, text
+    assert client.rename('theme.yaml', 'accent', 'main') == 2
+    assert '$(main)' in client.texts['page.yaml'], client.texts['page.yaml']
+    assert client.fails('textDocument/rename', newName='a b', **client.where('theme.yaml', 'main'))
+    assert client.rename('page.yaml', 'name: plain', 'body', 7) == 2
+    assert client.diagnostics('page.yaml') == []
+
+    def hover(name, text, offset=0):
+        return client.ask('textDocument/hover', **client.where(name, text, offset))['contents']['value']
+
+    assert 'where up leads' in hover('page.yaml', '    up: ', 4)
+    assert 'a text style' in hover('page.yaml', 'textStyle: body', 12) and 'Sans.ttf' in hover('page.yaml', 'name: body', 8)
+    assert '#204060' in hover('page.yaml', '$(main)', 3)
+    assert '`#1E3F58`' in hover('theme.yaml', '#204060', 3)  # as kpg color has it
+    client.end()
+
+
+def shows_the_whole(kpg, folder):
+    client = Client(kpg, folder)
+    client.open('page.yaml', '# One.\n# Two.\n' + PAGE + 'constants:\n  a: 1\n')
+    document = {'uri': client.uri('page.yaml')}
+
+    def tree(symbols):
+        return [(s['name'], tree(s['children'])) if 'children' in s else s['name'] for s in symbols]
+
+    symbols = client.ask('textDocument/documentSymbol', textDocument=document)
+    assert tree(symbols) == [('page', ['onLoad', 'plain', 'one', 'two']), ('constants', ['a'])], tree(symbols)
+    one = symbols[0]['children'][2]
+    assert client.shown('page.yaml', one['selectionRange']) == 'one' and one['detail'] == 'text'
+    assert client.shown('page.yaml', one['range']).endswith('down: two')
+
+    folds = client.ask('textDocument/foldingRange', textDocument=document)
+    lines = client.texts['page.yaml'].split('\n')
+    shown = [(lines[f['startLine']].strip(), lines[f['endLine']].strip()) for f in folds]
+    assert ('# One.', '# Two.') in shown and ('onLoad: |', 'count = add(count, 2);') in shown, shown
+    assert ('- type: text', 'down: two') in shown and ('page:', 'background: dawn.kpx') in shown, shown
+
+    color, = client.ask('textDocument/documentColor', textDocument=document)
+    assert client.shown('page.yaml', color['range']) == '#F0C040'
+    assert round(color['color']['red'] * 255) == 0xF0
+    offers = client.ask('textDocument/colorPresentation', textDocument=document, range=color['range'],
+                        color={'red': 0x10 / 255, 'green': 0x18 / 255, 'blue': 0x30 / 255, 'alpha': 1})
+    assert offers[0]['label'] == '#101830, shows as #0B1B27' and offers[0]['textEdit']['newText'] == '#101830'
+    assert 'of the same hue' in offers[1]['label']
+    client.end()
+
+
 def main():
     kpg = pathlib.Path(sys.argv[1]).resolve()
-    for test in (lives_and_ends, says_what_is_wrong, looks_at_open_files):
+    for test in (lives_and_ends, says_what_is_wrong, looks_at_open_files, completes_pages, knows_names,
+                 shows_the_whole):
         with tempfile.TemporaryDirectory() as name:
             folder = pathlib.Path(name).resolve()
             (folder / 'page.yaml').write_text(PAGE)

@@ -127,6 +127,27 @@ class Client:
         return {'textDocument': {'uri': self.uri(name)},
                 'position': self.place(name, self.texts[name].index(text) + offset)}
 
+    def complete(self, name, text):
+        """{label: item} of what can follow the one place where the text of the file has `text`."""
+        answer = self.ask('textDocument/completion', **self.where(name, text, len(text)))
+        assert answer['isIncomplete'] is False
+        return {item['label']: item for item in answer['items']}
+
+    def take(self, name, item):
+        """Writes what a completion offers."""
+        edit = item['textEdit']
+        self.change(name, (self.at(name, edit['range']['start']), self.at(name, edit['range']['end']), edit['newText']))
+
+    def rename(self, name, text, to, offset=0):
+        """Renames what stands there, in all files, and writes the edits; returns the number of places."""
+        count = 0
+        for uri, edits in self.ask('textDocument/rename', newName=to, **self.where(name, text, offset))['changes'].items():
+            file = next(n for n in self.texts if self.uri(n) == uri)
+            places = [(self.at(file, e['range']['start']), self.at(file, e['range']['end']), e['newText']) for e in edits]
+            self.change(file, *sorted(places, reverse=True))
+            count += len(places)
+        return count
+
     def end(self):
         assert self.ask('shutdown') is None
         self.notify('exit')

@@ -6,6 +6,7 @@
 #include "kit/errors.h"
 #include "kit/lsp/fileuri.h"
 #include "kit/lsp/lspjson.h"
+#include "kit/lsp/pagefeatures.h"
 #include "kit/version.h"
 
 using nlohmann::json;
@@ -33,6 +34,17 @@ LspServer::Request LspServer::requestNamed(const std::string& method) {
   static constexpr Named<Request> kRequests[] = {
       {"initialize", &LspServer::initialize},
       {"shutdown", &LspServer::shutdown},
+      {"textDocument/completion", &LspServer::completion},
+      {"textDocument/hover", &LspServer::hover},
+      {"textDocument/definition", &LspServer::definition},
+      {"textDocument/references", &LspServer::references},
+      {"textDocument/prepareRename", &LspServer::prepareRename},
+      {"textDocument/rename", &LspServer::rename},
+      {"textDocument/documentSymbol", &LspServer::documentSymbol},
+      {"textDocument/foldingRange", &LspServer::foldingRange},
+      {"textDocument/documentLink", &LspServer::documentLink},
+      {"textDocument/documentColor", &LspServer::documentColor},
+      {"textDocument/colorPresentation", &LspServer::colorPresentation},
   };
   return find(kRequests, method);
 }
@@ -50,6 +62,7 @@ LspServer::Notification LspServer::notificationNamed(const std::string& method) 
 
 LspServer::LspServer(RpcConnection& c)
     : connection(c),
+      views(files),
       publisher(c),
       diagnoser([this](const std::string& path, const DiagnosisTask& task, const Diagnosis& found) {
         publisher.publish(path, task, found);
@@ -121,7 +134,16 @@ json LspServer::initialize(const json&) {
   isInitialized = true;
   return {{"capabilities",
            {{"positionEncoding", "utf-16"},
-            {"textDocumentSync", {{"openClose", true}, {"change", kIncremental}, {"save", true}}}}},
+            {"textDocumentSync", {{"openClose", true}, {"change", kIncremental}, {"save", true}}},
+            {"completionProvider", {{"triggerCharacters", {".", "(", "\\", " "}}}},
+            {"hoverProvider", true},
+            {"definitionProvider", true},
+            {"referencesProvider", true},
+            {"renameProvider", {{"prepareProvider", true}}},
+            {"documentSymbolProvider", true},
+            {"foldingRangeProvider", true},
+            {"documentLinkProvider", {{"resolveProvider", false}}},
+            {"colorProvider", true}}},
           {"serverInfo", {{"name", "kpg"}, {"version", kitVersion()}}}};
 }
 
@@ -142,6 +164,7 @@ OpenFile& LspServer::openFile(const json& params) {
 void LspServer::didOpen(const json& params) {
   const json& document = memberOf(params, "textDocument");
   const OpenFile& file = files.open(textOf(document, "uri"), numberOf(document, "version"), textOf(document, "text"));
+  publisher.expect(file.path);
   diagnoseAgain(file.path);
 }
 
@@ -191,4 +214,70 @@ void LspServer::diagnoseOne(const OpenFile& file) {
   for (const std::string& source : publisher.sourcesOf(file.path))
     if (const OpenFile* other = files.at(source)) isSaved = isSaved && other->isSaved;
   diagnoser.add(file.path, {sourceKindOf(file.path, file.text->text()), isSaved, files.snapshot()});
+}
+
+// ---- questions
+
+LspServer::Place LspServer::placeOf(const json& params) {
+  const OpenFile& file = openFile(params);
+  const json* position = findMember(params, "position");
+  return {file, position ? file.text->offsetOf(positionOf(*position)) : 0, sourceKindOf(file.path, file.text->text())};
+}
+
+json LspServer::completion(const json& params) {
+  const Place place = placeOf(params);
+  return place.isPage() ? completePage(views, place.file.path, place.offset) : json();
+}
+
+json LspServer::hover(const json& params) {
+  const Place place = placeOf(params);
+  return place.isPage() ? hoverPage(views, place.file.path, place.offset) : json();
+}
+
+json LspServer::definition(const json& params) {
+  const Place place = placeOf(params);
+  return place.isPage() ? definitionInPage(views, place.file.path, place.offset) : json();
+}
+
+json LspServer::references(const json& params) {
+  const Place place = placeOf(params);
+  const json* context = findMember(params, "context");
+  const json* with = context ? findMember(*context, "includeDeclaration") : nullptr;
+  const bool withDefinitions = with && with->is_boolean() && with->get<bool>();
+  return place.isPage() ? referencesInPage(views, place.file.path, place.offset, withDefinitions) : json();
+}
+
+json LspServer::prepareRename(const json& params) {
+  const Place place = placeOf(params);
+  return place.isPage() ? prepareRenameInPage(views, place.file.path, place.offset) : json();
+}
+
+json LspServer::rename(const json& params) {
+  const Place place = placeOf(params);
+  const std::string to = textOf(params, "newName");
+  return place.isPage() ? renameInPage(views, place.file.path, place.offset, to) : json();
+}
+
+json LspServer::documentSymbol(const json& params) {
+  const Place place = placeOf(params);
+  return place.isPage() ? outlineOfPage(*views.page(place.file.path)) : json();
+}
+
+json LspServer::foldingRange(const json& params) {
+  const Place place = placeOf(params);
+  return place.isPage() ? foldsOfPage(*views.page(place.file.path)) : json();
+}
+
+json LspServer::documentLink(const json& params) {
+  const Place place = placeOf(params);
+  return place.isPage() ? linksOfPage(views, place.file.path) : json();
+}
+
+json LspServer::documentColor(const json& params) {
+  const Place place = placeOf(params);
+  return place.isPage() ? colorsOfPage(*views.page(place.file.path)) : json::array();
+}
+
+json LspServer::colorPresentation(const json& params) {
+  return colorPresentations(memberOf(params, "color"), rangeOf(memberOf(params, "range")));
 }

@@ -10,6 +10,7 @@
 #include "kit/lsp/diagnoser.h"
 #include "kit/lsp/editedfiles.h"
 #include "kit/lsp/publisher.h"
+#include "kit/lsp/sourceviews.h"
 #include "kit/rpc/rpcconnection.h"
 
 class LspServer {
@@ -38,12 +39,33 @@ class LspServer {
   void didClose(const json& params);
   void didChangeWatchedFiles(const json& params);
 
+  json completion(const json& params);
+  json hover(const json& params);
+  json definition(const json& params);
+  json references(const json& params);
+  json prepareRename(const json& params);
+  json rename(const json& params);
+  json documentSymbol(const json& params);
+  json foldingRange(const json& params);
+  json documentLink(const json& params);
+  json documentColor(const json& params);
+  json colorPresentation(const json& params);
+
+  // A file of a request, and the byte that its position means.
+  struct Place {
+    const OpenFile& file;
+    size_t offset;
+    SourceKind kind;
+    bool isPage() const { return kind == SourceKind::page || kind == SourceKind::part; }
+  };
+  Place placeOf(const json& params);  // offset 0 for a request without a position
   OpenFile& openFile(const json& params);
   void diagnoseAgain(const std::string& path);
   void diagnoseOne(const OpenFile& file);
 
   RpcConnection& connection;
   EditedFiles files;
+  SourceViews views;
   Publisher publisher;
   Diagnoser diagnoser;
   bool isInitialized = false, isShutDown = false, hasEnded = false;

@@ -59,6 +59,11 @@ json diagnosticJson(const KitMessage& message, int severity, Texts& texts) {
 
 }  // namespace
 
+void Publisher::expect(const std::string& path) {
+  const std::lock_guard lock(mutex);
+  expected.insert(path);
+}
+
 void Publisher::publish(const std::string& path, const DiagnosisTask& task, const Diagnosis& diagnosis) {
   Texts texts(task.files);
   ByFile now;
@@ -71,6 +76,7 @@ void Publisher::publish(const std::string& path, const DiagnosisTask& task, cons
   for (const KitMessage& warning : diagnosis.warnings) add(warning, kWarning);
 
   const std::lock_guard lock(mutex);
+  if (!expected.contains(path)) return;
   std::set<std::string> changed{path};
   for (const auto& [file, diagnostics] : found[path]) changed.insert(file);
   for (const auto& [file, diagnostics] : now) changed.insert(file);
@@ -84,6 +90,7 @@ void Publisher::forget(const std::string& path, const FileSnapshot& files) {
   const std::lock_guard lock(mutex);
   std::set<std::string> changed{path};
   for (const auto& [file, diagnostics] : found[path]) changed.insert(file);
+  expected.erase(path);
   found.erase(path);
   sources.erase(path);
   send(changed, files);

@@ -14,6 +14,8 @@ class Publisher {
  public:
   explicit Publisher(RpcConnection& c) : connection(c) {}
 
+  // What is found of files that are not expected, or no more, is dropped: they have been closed meanwhile.
+  void expect(const std::string& path);
   // From any thread.
   void publish(const std::string& path, const DiagnosisTask& task, const Diagnosis& found);
   void forget(const std::string& path, const FileSnapshot& files);
@@ -29,6 +31,7 @@ class Publisher {
 
   RpcConnection& connection;
   std::mutex mutex;
+  std::set<std::string> expected;
   std::map<std::string, ByFile> found;                   // by the file that was diagnosed
   std::map<std::string, std::set<std::string>> sources;  // likewise; full names
 };

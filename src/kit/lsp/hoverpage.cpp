@@ -1,0 +1,147 @@
+// What a key, a word, a name or a colour of a page source means.
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+
+#include "kit/lsp/lspjson.h"
+#include "kit/lsp/pagefeatures.h"
+#include "kit/pictures/showncolor.h"
+#include "kit/source/sourcekeys.h"
+
+using nlohmann::json;
+
+namespace {
+
+json hoverJson(const EditedText& text, size_t begin, size_t end, const std::string& markdown) {
+  return {{"contents", {{"kind", "markdown"}, {"value", markdown}}}, {"range", rangeJson(text.rangeOf(begin, end))}};
+}
+
+std::string hex(uint32_t rgb) {
+  char text[16];
+  std::snprintf(text, sizeof text, "#%06X", rgb);
+  return text;
+}
+
+// The pair whose key is at the offset, and the map that it is in.
+const LoosePair* keyAt(const LooseNode& node, size_t offset, const LooseNode** map) {
+  for (const LoosePair& pair : node.map) {
+    if (pair.begin <= offset && offset <= pair.end) {
+      *map = &node;
+      return &pair;
+    }
+    if (const LoosePair* found = keyAt(pair.value, offset, map)) return found;
+  }
+  for (const LooseNode& item : node.list)
+    if (const LoosePair* found = keyAt(item, offset, map)) return found;
+  return nullptr;
+}
+
+std::string kindOf(const PageObject& object) {
+  switch (object.kind) {
+    case ObjectKind::root: return "the page";
+    case ObjectKind::style: return "a text style";
+    case ObjectKind::line: return "a line of a textContainer";
+    default: break;
+  }
+  if (object.type.empty()) return object.takesMore ? "a widget" : "a plain box";
+  return (object.type == "image" ? "an " : "a ") + object.type;
+}
+
+// Plain attributes of what is named, as written.
+std::string saidOf(const PageObject& object, std::initializer_list<const char*> keys) {
+  std::string all;
+  for (const char* key : keys)
+    if (const LoosePair* pair = object.node->find(key); pair && pair->value.isScalar())
+      all += (all.empty() ? "" : ", ") + std::string(key) + ": " + pair->value.text;
+  return all;
+}
+
+std::string aboutName(const PageView& view, const NameMention& name) {
+  if (name.kind == NameKind::madeBy) {
+    const LooseNode* body = view.templateNamed(name.name);
+    if (!body) return "";
+    std::string text = "**" + name.name + "**, a template";
+    const LoosePair* parameters = body->find("parameters");
+    for (const LoosePair& parameter : parameters ? parameters->value.map : std::vector<LoosePair>())
+      text +=
+          "\n- `" + parameter.key + "`" + (parameter.value.isScalar() ? ", without it " + parameter.value.text : "");
+    return text;
+  }
+  if (name.kind == NameKind::constant) {
+    const LoosePair* all = view.top.find("constants");
+    const LoosePair* constant = all ? all->value.find(name.name) : nullptr;
+    if (!constant) return "";
+    const std::string value = constant->value.isScalar() ? ": `" + constant->value.text + "`" : "";
+    return "**" + name.name + "**, a constant" + value;
+  }
+  if (name.kind == NameKind::parameter)
+    return "**" + name.name.substr(name.name.find('.') + 1) + "**, a parameter of " +
+           name.name.substr(0, name.name.find('.'));
+  const PageObject* object = view.named(name.kind, name.name);
+  if (!object) return "";
+  const std::string said = object->kind == ObjectKind::style
+                               ? saidOf(*object, {"style", "font", "size", "color", "bgColor", "antialias"})
+                               : saidOf(*object, {"x", "y", "width", "height", "value", "src"});
+  return "**" + name.name + "**, " + kindOf(*object) + (said.empty() ? "" : "\n\n" + said);
+}
+
+std::string aboutKey(const PageView& view, const LooseNode& map, const std::string& key) {
+  if (const PageObject* object = view.objectOf(map)) {
+    const auto known = objectKey(object->kind, object->type, key);
+    if (known) return "**" + key + "** of " + kindOf(*object) + "\n\n" + keyHelp(*known);
+    const std::string owners = whatHas(key);
+    return owners.empty() ? "" : "**" + key + "**: nothing reads it here; " + owners + " has one";
+  }
+  if (&map != &view.top) return "";
+  for (const SourceKey& known : topKeys())
+    if (known.name == key) return "**" + key + "**\n\n" + keyHelp(known);
+  return "";
+}
+
+}  // namespace
+
+json hoverPage(SourceViews& views, const std::string& path, size_t offset) {
+  const auto view = views.page(path);
+  for (const ColorMention& color : view->colors)
+    if (color.begin <= offset && offset <= color.end)
+      return hoverJson(*view->text, color.begin, color.end,
+                       "a 16-bit page shows `" + hex(shownColor(color.rgb)) + "`; nearest of that hue: write `" +
+                           hex(colorOfSameHue(color.rgb)) + "`, which shows as `" +
+                           hex(shownColor(colorOfSameHue(color.rgb))) + "`");
+  if (const NameMention* name = view->nameAt(offset))
+    for (const auto& [file, other] : views.relatedPages(path))
+      if (const std::string text = aboutName(*other, *name); !text.empty())
+        return hoverJson(*view->text, name->begin, name->end, text);
+  const LooseNode* map = nullptr;
+  if (const LoosePair* pair = keyAt(view->top, offset, &map))
+    if (const std::string text = aboutKey(*view, *map, pair->key); !text.empty())
+      return hoverJson(*view->text, pair->begin, pair->end, text);
+  return nullptr;
+}
+
+json colorsOfPage(const PageView& view) {
+  json result = json::array();
+  for (const ColorMention& color : view.colors) {
+    const auto part = [&](int shift) { return double(color.rgb >> shift & 255) / 255; };
+    result.push_back({{"range", rangeJson(view.text->rangeOf(color.begin, color.end))},
+                      {"color", {{"red", part(16)}, {"green", part(8)}, {"blue", part(0)}, {"alpha", 1}}}});
+  }
+  return result;
+}
+
+json colorPresentations(const json& color, const TextRange& range) {
+  uint32_t rgb = 0;
+  for (const char* part : {"red", "green", "blue"}) {
+    const json& value = memberOf(color, part);
+    if (!value.is_number()) throw LspError(LspErrorCode::invalidParams, "a part of a colour is a number from 0 to 1");
+    rgb = rgb << 8 | uint32_t(std::clamp(value.get<double>(), 0.0, 1.0) * 255 + 0.5);
+  }
+  json result = json::array();
+  const auto add = [&](uint32_t written, const std::string& what) {
+    result.push_back({{"label", hex(written) + what + ", shows as " + hex(shownColor(written))},
+                      {"textEdit", {{"range", rangeJson(range)}, {"newText", hex(written)}}}});
+  };
+  add(rgb, "");
+  if (colorOfSameHue(rgb) != rgb) add(colorOfSameHue(rgb), " of the same hue");
+  return result;
+}

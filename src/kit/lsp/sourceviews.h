@@ -1,0 +1,45 @@
+// The views of all files that an editor's question may be about: those that are open, and those that belong to the same
+// pages. A view is kept for as long as its text stays.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "kit/lsp/diagnosis.h"
+#include "kit/lsp/editedfiles.h"
+#include "kit/lsp/pageview.h"
+
+class SourceViews {
+ public:
+  explicit SourceViews(const EditedFiles& f) : files(f) {}
+
+  // A page source, or what page sources include; null for a file that is neither open nor there.
+  std::shared_ptr<const PageView> page(const std::string& path);
+
+  SourceKind kindOf(const std::string& path);
+
+  // The sources that share names with this one, itself first: of a page what it includes and its scripts; of any other
+  // those of all pages that have it. Pages are looked for among the open files, in the project and in its folder.
+  std::vector<std::string> related(const std::string& path);
+
+  // Those of them that are YAML, in the same order.
+  std::vector<std::pair<std::string, std::shared_ptr<const PageView>>> relatedPages(const std::string& path);
+
+  // Full name of a file as a source names it.
+  static std::string besides(const std::string& source, const std::string& name);
+
+  // Names that the sources in this file's folder, and its project, can give for a key such as `background`: relative to
+  // the folder.
+  std::vector<std::string> filesFor(const std::string& path, const std::string& value);
+
+  const EditedFiles& files;
+
+ private:
+  void addParts(const std::string& path, std::vector<std::string>& into);
+  std::vector<std::string> pagesAround(const std::string& path);
+
+  std::map<std::string, std::shared_ptr<const PageView>> views;
+};
