@@ -6,7 +6,8 @@ import tempfile
 
 from lspclient import Client
 
-PAGE = '''page:
+PAGE = '''# kpg: allow missing-file
+page:
   type: group
   start: one
   scripts: [tools.bob]
@@ -224,7 +225,7 @@ def knows_names(kpg, folder):
 
 def shows_the_whole(kpg, folder):
     client = Client(kpg, folder)
-    client.open('page.yaml', '# One.\n# Two.\n' + PAGE + 'constants:\n  a: 1\n')
+    client.open('page.yaml', '# One.\n# Two.\n\n' + PAGE + 'constants:\n  a: 1\n')
     document = {'uri': client.uri('page.yaml')}
 
     def tree(symbols):
