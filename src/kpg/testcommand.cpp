@@ -17,7 +17,7 @@ namespace {
 
 struct TestOptions {
   SuiteOptions suite;
-  std::string shard, json, junit, html;
+  std::string shard, json, junit, html, coverage;
   size_t seed = 1;
   bool merge = false;
 };
@@ -41,6 +41,8 @@ std::string resultText(const TestResult& result) {
   return text;
 }
 
+void save(const std::string& file, const std::string& text) { writeFile(file, text.data(), text.size()); }
+
 std::vector<TestResult> runTests(TestOptions& options) {
   StandardOutputAside aside;
   ProgressBar bar;
@@ -54,6 +56,10 @@ std::vector<TestResult> runTests(TestOptions& options) {
   SuiteReport report = runSuite(suite);
   bar.clear();
   for (const std::string& picture : report.written) aside.print(picture + " written\n");
+  if (suite.coverage) {
+    aside.print(report.coverage.summary());
+    save(options.coverage, report.coverage.asLcov());
+  }
   return std::move(report.results);
 }
 
@@ -64,13 +70,13 @@ std::vector<TestResult> merged(const std::vector<std::string>& files) {
   return all;
 }
 
-void save(const std::string& file, const std::string& text) { writeFile(file, text.data(), text.size()); }
-
 void test(TestOptions options) {
   if (!options.shard.empty()) readShard(options.shard, options.suite);
   options.suite.seed = uint32_t(options.seed);
   options.suite.films = !options.html.empty() || !options.json.empty();
-  refuseClashes({options.json, options.junit}, options.suite.paths);
+  options.suite.coverage = !options.coverage.empty();
+  refuseClashes({options.json, options.junit, options.coverage}, options.suite.paths);
+  if (options.merge && options.suite.coverage) KpgCommand::refuse("--merge runs nothing, so there is no --coverage");
   if (options.merge && options.suite.paths.empty()) KpgCommand::refuse("--merge needs reports, as --json makes them");
   std::vector<TestResult> results;
   try {
@@ -111,6 +117,10 @@ void addTestCommand(CommandLine& line) {
   command.add("--junit", options->junit, "Write the results for build servers").type("FILE.xml");
   command.add("--html", options->html, "Write a report for people: pictures side by side, logs, steps, films")
       .type("FOLDER");
+  command
+      .add("--coverage", options->coverage,
+           "Print which lines of scripts the tests have not run, and write how often each ran, as lcov does")
+      .type("FILE.info");
   command.flag("--merge", options->merge, "Run nothing: join reports that --json has made");
   command.runs([options] { test(*options); });
 }

@@ -159,6 +159,27 @@ TEST_F(PageTestsTest, UpdateWritesThePicturesThatAreMissingOrDiffer) {
   }
 }
 
+TEST_F(PageTestsTest, LinesOfScriptsThatRanAreCountedOverAllTests) {
+  writeText("tools.bob",
+            "define twice(n) {\n  if (n > 9)\n    return 0;\n  return n * 2;\n}\ndefine never() { return 1; }\n");
+  writeText("p.yaml",
+            "page:\n  type: group\n  start: a\n  scripts: [tools.bob]\n  children:\n  - type: image\n    name: a\n"
+            "    width: 9\n    height: 9\n    onClick: |\n      x = twice(2);\n    onUp: x = 0;\n");
+  writeText("t.test.yaml",
+            "page: p.yaml\ntests:\n- {name: one, steps: [key: Select]}\n- {name: two, steps: [key: Select, key: "
+            "Select]}\n");
+  EXPECT_EQ(kpg("test --coverage c.info"), 0);
+  const std::string info = text("c.info");
+  const auto counts = [&](const std::string& file) {
+    const size_t at = info.find("/" + file + "\n");
+    return at == std::string::npos ? "" : info.substr(at, info.find("end_of_record", at) - at);
+  };
+  EXPECT_EQ(counts("tools.bob"), "/tools.bob\nDA:1,2\nDA:2,3\nDA:3,0\nDA:4,3\nDA:5,2\nDA:6,2\nLF:6\nLH:5\n");
+  EXPECT_EQ(counts("p.yaml"), "/p.yaml\nDA:11,3\nDA:12,0\nLF:2\nLH:1\n");
+  EXPECT_NE(out.find("tools.bob: 5 of 6 lines, not 3\nscripts: 6 of 8 lines (75 %)\n"), std::string::npos) << out;
+  EXPECT_NE(out.find("p.yaml: 1 of 2 lines, not 12\n"), std::string::npos) << out;
+}
+
 TEST_F(PageTestsTest, AScreenThatDiffersIsMeasured) {
   const std::string narrower = "- {key: Right}\n- {key: Select}\n";
   ASSERT_EQ(runSteps("- {screen: s.png}\n- {screen: b.png, widget: b}\n", "--update"), 0);

@@ -128,6 +128,7 @@ class SuiteRun {
       TestRunReport& one = *reports[passed];
       if (!options.update && options.done) options.done(one.result);
       for (WantedPicture& picture : one.wanted) want(passed, std::move(picture));
+      report.coverage.add(one.coverage);
       report.results.push_back(std::move(one.result));
       reports[passed] = TestRunReport{};
     }

@@ -26,6 +26,7 @@ struct SuiteOptions : TestRunOptions {
 struct SuiteReport {
   std::vector<TestResult> results;
   std::vector<std::string> written;  // pictures, with `update`
+  CoveredLines coverage;             // of all tests, with `coverage`
 };
 
 // Throws KitError for what isn't there, and when there is no test file at all.

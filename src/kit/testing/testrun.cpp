@@ -56,9 +56,14 @@ PageRunOptions runOptions(const TestRunOptions& options) {
 class TestRunner {
  public:
   TestRunner(const PageTestCase& t, const TestSurroundings& a, TestRunReport& r)
-      : test(t), around(a), report(r), page(runOptions(a.options)) {}
+      : test(t),
+        around(a),
+        report(r),
+        coverage([this](BobInterp*, BobValue code) { return page.run.linesOf(code); }),
+        page(runOptions(a.options)) {}
 
   void run() {
+    if (around.options.coverage) page.run.trace(coverage);
     try {
       if (!around.pages.open(page.run, test.page)) return failToLoad();
       if (!look() || !runSteps(test.steps)) return finish();
@@ -204,6 +209,7 @@ class TestRunner {
   }
 
   void finish() {
+    if (around.options.coverage) report.coverage.add(coverage, page.run.knownCode());
     if (report.result.outcome == TestOutcome::passed) return;
     report.result.log = page.run.logWithPlaces();
     for (const TestStep* each : done) report.result.steps.push_back(stepText(*each));
@@ -303,6 +309,7 @@ class TestRunner {
   const PageTestCase& test;
   const TestSurroundings& around;
   TestRunReport& report;
+  BobCoverage coverage;
   TestedPage page;
   const TestStep* current = nullptr;  // null while the page loads
   std::deque<const TestStep*> done;   // the last of those that were begun

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "kit/run/preparedpages.h"
+#include "kit/testing/coverage.h"
 #include "kit/testing/expectedpictures.h"
 #include "kit/testing/testfile.h"
 #include "kit/testing/testresult.h"
@@ -14,6 +15,7 @@ struct TestRunOptions {
   double limitSeconds = 10;  // of processor time, as of PageRunOptions
   bool update = false;       // pictures that are missing or differ are wanted, and fail nothing
   bool films = false;        // a test that fails is filmed
+  bool coverage = false;     // lines of scripts that ran are counted
 };
 
 // What tests on several threads share.
@@ -26,6 +28,7 @@ struct TestSurroundings {
 struct TestRunReport {
   TestResult result;
   std::vector<WantedPicture> wanted;
+  CoveredLines coverage;  // without what a walk does to find the fewest keys
 };
 
 // The first step that fails ends the test.
