@@ -6,6 +6,7 @@
 Programs run from where they are installed, every command and option is in the manual and in each shell's completion, and
 what the desktop reads is sound. Checks that need a program which is missing here are left out, and named.
 """
+import gzip
 import os
 import pathlib
 import re
@@ -53,10 +54,10 @@ def words_of(kpg):
 def check_words(root):
     commands = words_of(root / 'bin/kpg')
     expect(len(commands) > 10, f'commands: {commands}')
-    manual = (root / 'share/man/man1/kpg.1').read_text()
+    manual = gzip.decompress((root / 'share/man/man1/kpg.1.gz').read_bytes()).decode()
     texts = {
         'bash': (root / 'share/bash-completion/completions/kpg').read_text(),
-        'zsh': (root / 'share/zsh/site-functions/_kpg').read_text(),
+        'zsh': (root / 'share/zsh/vendor-completions/_kpg').read_text(),
         'fish': (root / 'share/fish/vendor_completions.d/kpg.fish').read_text(),
     }
     for command, options in commands.items():
@@ -88,7 +89,9 @@ def check_bash(root):
 def check_desktop(root):
     for manual in (root / 'share/man/man1').iterdir():
         expect_quiet('man', '--warnings', '-E', 'UTF-8', '-l', '-Tutf8', '-Z', manual)
-        expect_quiet('mandoc', '-T', 'lint', '-W', 'warning', manual)
+        plain = root / manual.stem
+        plain.write_bytes(gzip.decompress(manual.read_bytes()))
+        expect_quiet('mandoc', '-T', 'lint', '-W', 'warning', plain)
     for entry in (root / 'share').glob('applications/*.desktop'):
         expect_quiet('desktop-file-validate', entry)
         program = re.search(r'^Exec=(\S+)', entry.read_text(), re.M)[1]
@@ -97,7 +100,7 @@ def check_desktop(root):
     expect_quiet('update-mime-database', root / 'share/mime', env={**os.environ, 'XDG_DATA_DIRS': str(root / 'share')})
     if (root / 'share/mime/magic').is_file():
         expect(b'KPGF' in (root / 'share/mime/magic').read_bytes(), 'the first bytes of a page')
-    for shell, script in (('zsh', 'zsh/site-functions/_kpg'), ('fish', 'fish/vendor_completions.d/kpg.fish')):
+    for shell, script in (('zsh', 'zsh/vendor-completions/_kpg'), ('fish', 'fish/vendor_completions.d/kpg.fish')):
         expect_quiet(shell, '-n', root / 'share' / script)
 
 
