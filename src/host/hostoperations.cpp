@@ -13,6 +13,7 @@
 #include "host/color.h"
 #include "host/host.h"
 #include "host/shell.h"
+#include "platform/openfile.h"
 
 namespace {
 
@@ -98,7 +99,7 @@ fs::path findIgnoringCase(const fs::path& folder, const std::string& name) {
   fs::directory_iterator entries(folder.empty() ? fs::path(".") : folder, ignored), end;
   for (; !ignored && entries != end; entries.increment(ignored)) {
     const fs::path entry = entries->path().filename();
-    if (hsAsciiEqualIgnoringCase(entry.c_str(), name.c_str()) && (best.empty() || entry < best)) best = entry;
+    if (hsAsciiEqualIgnoringCase(entry.string().c_str(), name.c_str()) && (best.empty() || entry < best)) best = entry;
   }
   return best.empty() ? fs::path() : folder / best;
 }
@@ -140,7 +141,7 @@ const std::string* findInMemory(const fs::path& name) {
   if (const auto file = shell->filesInMemory.find(path); file != shell->filesInMemory.end()) return &file->second;
   if (isRegular(path)) return nullptr;
   for (const auto& [known, bytes] : shell->filesInMemory)
-    if (hsAsciiEqualIgnoringCase(known.c_str(), path.c_str())) return &bytes;
+    if (hsAsciiEqualIgnoringCase(known.string().c_str(), path.string().c_str())) return &bytes;
   return nullptr;
 }
 
@@ -155,7 +156,7 @@ HostFile* hostOpen(const char* name) {
     return file.release();
   }
   const fs::path path = resolve(wanted);
-  if (!path.empty()) file->disk.reset(std::fopen(path.c_str(), "rb"));
+  if (!path.empty()) file->disk.reset(openFile(path, "rb"));
   if (!file->disk) {
     if (shell) shell->desktop.fileMissing(folder() / wanted);
     return nullptr;

@@ -10,8 +10,9 @@ import sys
 # What each floor may include, besides itself and whatever its own list may include. From the ground up; a folder with
 # no line of its own belongs to the floor of the folder around it.
 FLOORS = {
-    'gfx/foundation': [],
-    'bob/base': [],
+    'platform': [],
+    'gfx/foundation': ['platform'],
+    'bob/base': ['platform'],
     'bob/heap': ['bob/base'],
     'bob/model': ['bob/heap'],
     'bob/compile': ['bob/model'],

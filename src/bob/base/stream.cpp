@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdarg>
 
+#include "platform/openfile.h"
+
 int BobFileStream::Close() {
   if (!file) return 0;
   const int result = std::fclose(file);
@@ -14,7 +16,7 @@ int BobFileStream::GetC() { return file ? std::fgetc(file) : -1; }
 int BobFileStream::PutC(int c) { return file ? std::fputc(c, file) : -1; }
 
 std::unique_ptr<BobStream> bobOpenPlainFile(const char* path, const char* mode) {
-  FILE* file = std::fopen(path, mode);
+  FILE* file = openFile(path, mode);
   return file ? std::make_unique<BobFileStream>(file) : nullptr;
 }
 

@@ -10,10 +10,11 @@
 #endif
 
 #include "gfx/foundation/hsdebug.h"
+#include "platform/openfile.h"
 
 bool hsFileStream::Open(const char* name, const char* mode) {
   Close();
-  fFile = std::fopen(name, mode);
+  fFile = openFile(name, mode);
   fPosition = 0;
   return fFile != nullptr;
 }

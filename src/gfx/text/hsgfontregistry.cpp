@@ -15,6 +15,7 @@
 #include "gfx/foundation/hsmemory.h"
 #include "gfx/text/hsgfontset.h"
 #include "gfx/text/hsgglyphcache.h"
+#include "platform/openfile.h"
 
 namespace {
 
@@ -93,7 +94,7 @@ std::string LowerCase(std::string name) {
 }  // namespace
 
 uint32_t hsGFontRegistry::RegisterFile(const char* path, uint32_t format) {
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path, "rb"), std::fclose);
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(openFile(path, "rb"), std::fclose);
   return file ? RegisterStream(file.get(), format) : 0;
 }
 

@@ -7,6 +7,7 @@
 #include "gfx/foundation/hsdebug.h"
 #include "gfx/foundation/hsmemory.h"
 #include "gfx/text/hssfnt.h"
+#include "platform/openfile.h"
 
 namespace {
 
@@ -143,7 +144,7 @@ hsGFontFile::~hsGFontFile() {
 
 void hsGFontFile::AcquireSelf() {
   if (!hsAssert(!fFile, "AcquireSelf called too often")) return;
-  fFile = std::fopen(fPath.c_str(), "rb");
+  fFile = openFile(fPath, "rb");
   if (!fFile) hsThrowReported("oserr", 0, hsException::kFontEngine);
 }
 
