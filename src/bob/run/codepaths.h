@@ -48,7 +48,7 @@ class BobCodePaths {
   uint32_t length;
   uint32_t literals;
   bool closes = false;    // makes closures
-  uint32_t unevenAt = 0;  // where paths first met with different stacks, for code that isn't proven
+  uint32_t unevenAt = 0;  // where paths first met with different stacks; 0 for nowhere
   bool proven = true;     // the depth of the stack is the same on every path, and enough for every instruction
 
  private:

@@ -52,7 +52,7 @@ class Walker {
   void findUneven() {
     if (length < kBobFirstOffset) return;
     const BobCodePaths paths(interp, code, bytes[1] + bytes[2]);
-    if (!paths.proven) found.unevenAt = paths.unevenAt;
+    if (paths.unevenAt != 0) found.unevenAt = paths.unevenAt;
   }
 
   void step(uint32_t at) {

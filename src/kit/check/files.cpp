@@ -1,6 +1,5 @@
 // The files that a page names: whether the player finds them, whether it can use them, and what they cost.
 #include <algorithm>
-#include <filesystem>
 #include <map>
 
 #include "engine/engine.h"
@@ -8,6 +7,7 @@
 #include "gfx/foundation/hsascii.h"
 #include "gfx/text/hsgscalercontextt2k.h"
 #include "kit/check/checks.h"
+#include "kit/project/pageuses.h"
 #include "kit/source/schema.h"
 
 namespace {
@@ -75,12 +75,9 @@ class Files {
   // ---- pictures
 
   void checkPicture(const std::string& name, const YamlPlace& place, const std::string& what) {
-    const std::filesystem::path path(name);
-    const std::string ending = path.extension().string();
-    const bool isOther = !ending.empty() && !isEqual(ending, ".kpx") && !isEqual(ending, ".gif");
-    const std::string file = isOther ? std::filesystem::path(path).replace_extension(".kpx").string() : name;
+    const std::string file = pictureFile(name);
     if (!isThere(file, place, what, "the player draws nothing there")) return;
-    if (isOther)
+    if (file != name)
       find("picture-ending", place,
            what + ": the player reads '" + file + "' for '" + name +
                "', keeps it under that name, and so reads it anew at each draw; name it '" + file + "'");

@@ -42,8 +42,7 @@ class Handlers {
 
  private:
   void say(const char* check, const PageFunction& function, uint32_t offset, const std::string& text) const {
-    const std::string where = function.widget ? function.hook + " of " + function.widget->label + ": " : "";
-    find(check, code.placeOf(function, offset), where + text);
+    code.say(find, check, function, offset, text);
   }
 
   // ---- timers

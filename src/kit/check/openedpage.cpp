@@ -32,8 +32,8 @@ OpenedPage::OpenedPage(const std::string& source) : files(source), run(optionsOf
   folder = fs::path(path).parent_path();
   try {
     run.load(source);
-  } catch (const KitError& e) {
-    problems = e.messages;
+  } catch (const KitError&) {
+    // It is among the errors of the files.
   }
 }
 
@@ -94,15 +94,19 @@ std::vector<ScriptFailure> OpenedPage::scriptFailures() const {
     const size_t end = std::min(complaint.find('\n'), complaint.size());
     failure.text = complaint.substr(kError.size(), end - kError.size());
     const std::string happened = complaint.substr(std::min(end + 1, complaint.size()));
-    const std::string line = happened.substr(0, happened.find('\n'));
-    const size_t place = line.find(kPlace), colon = line.rfind(':');
+    std::string line = happened.substr(0, happened.find('\n'));
+    const size_t place = line.rfind(kPlace);
+    line.resize(std::min(line.find(" or ", place), line.size()));  // the same code may have been written twice
+    const size_t colon = line.rfind(':');
     if (place != std::string::npos && colon != std::string::npos && colon > place) {
       failure.file = line.substr(place + kPlace.size(), colon - place - kPlace.size());
       failure.line = std::atoi(line.c_str() + colon + 1);
     }
     failures.push_back(std::move(failure));
   }
-  if (!run.stopped().empty()) failures.push_back({"it is still running after 10 seconds", "", 0});
+  if (run.stopped().empty()) return failures;
+  if (failures.empty()) failures.emplace_back();
+  failures.back().text.clear();  // of the error by which it was ended
   return failures;
 }
 

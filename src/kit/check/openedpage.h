@@ -20,7 +20,7 @@ struct FileLook {
 
 // An error that ended a script as the page opened.
 struct ScriptFailure {
-  std::string text;  // of the language, without "Error: "
+  std::string text;  // of the language, without "Error: "; empty for a script that doesn't end
   std::string file;  // where it happened; empty when that isn't known
   int line = 0;
 };
@@ -29,8 +29,8 @@ class OpenedPage {
  public:
   explicit OpenedPage(const std::string& source);
 
-  // What is wrong with the files that the page needs, so that they can't be made.
-  const std::vector<KitMessage>& errors() const { return problems; }
+  // What is wrong with the files that were asked for so far, so that they can't be made.
+  std::vector<KitMessage> errors() const { return files.errors(); }
   Engine& engine() { return run.engine(); }
   FileLook look(const std::string& name);
 
@@ -53,5 +53,4 @@ class OpenedPage {
   PageRun run;
   std::string path;              // of the page, as the player opens it
   std::filesystem::path folder;  // in which names count
-  std::vector<KitMessage> problems;
 };

@@ -65,3 +65,9 @@ YamlPlace PageCode::placeOf(const PageFunction& function, uint32_t offset) const
   }
   return {std::make_shared<const std::string>(lines->file), lines->lineAt(offset), 1, nullptr};
 }
+
+void PageCode::say(const Find& find, std::string_view check, const PageFunction& function, uint32_t offset,
+                   const std::string& text) const {
+  const std::string where = function.widget ? function.hook + " of " + function.widget->label + ": " : "";
+  find(check, placeOf(function, offset), where + text);
+}

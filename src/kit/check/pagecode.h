@@ -7,8 +7,7 @@
 #include <vector>
 
 #include "bob/tools/codeuses.h"
-#include "kit/check/checkedpage.h"
-#include "kit/check/openedpage.h"
+#include "kit/check/checks.h"
 #include "kit/lines/codeplaces.h"
 
 struct PageFunction {
@@ -26,7 +25,9 @@ class PageCode {
   const std::vector<std::unique_ptr<PageFunction>>& functions() const { return all; }
   // All scripts are there and could be read, so that what none of them does is done by none.
   bool isComplete() const { return complete; }
-  YamlPlace placeOf(const PageFunction& function, uint32_t offset) const;
+  // Passes on a finding at the instruction, with the hook that it lies in.
+  void say(const Find& find, std::string_view check, const PageFunction& function, uint32_t offset,
+           const std::string& text) const;
 
   // Calls back with each function and each use in it.
   template <class F>
@@ -38,6 +39,7 @@ class PageCode {
  private:
   void read(const std::string& records, const PageFunction& owner);
   void add(const BobCodeUses& code, const PageFunction& owner, const PageFunction* around);
+  YamlPlace placeOf(const PageFunction& function, uint32_t offset) const;
 
   std::vector<std::unique_ptr<BobCodeUses>> statements;
   std::vector<std::unique_ptr<PageFunction>> all;

@@ -42,8 +42,7 @@ class Scripts {
 
  private:
   void say(const char* check, const PageFunction& function, uint32_t offset, const std::string& text) const {
-    const std::string where = function.widget ? function.hook + " of " + function.widget->label + ": " : "";
-    find(check, code.placeOf(function, offset), where + text);
+    code.say(find, check, function, offset, text);
   }
 
   // ---- names
@@ -135,9 +134,11 @@ class Scripts {
     for (const ScriptFailure& failure : opened.scriptFailures()) {
       constexpr std::string_view kUnbound = "Unbound variable - ";
       if (failure.text.starts_with(kUnbound) && unset.contains(failure.text.substr(kUnbound.size()))) continue;
-      YamlPlace place = page.root().place("onLoad");
+      YamlPlace place = page.root().place(page.root().has("onLoad") ? "onLoad" : "scripts");
       if (!failure.file.empty()) place = {std::make_shared<const std::string>(failure.file), failure.line, 1, nullptr};
-      find("script-fails", place, "as the page opens, a script ends with \"" + failure.text + "\"");
+      find("script-fails", place,
+           failure.text.empty() ? "as the page opens, a script goes on and on, and the player does nothing else"
+                                : "as the page opens, a script ends with \"" + failure.text + "\"");
     }
   }
 
