@@ -252,10 +252,148 @@ def shows_the_whole(kpg, folder):
     client.end()
 
 
+SCRIPTS = '''constants: {first: one}
+page:
+  type: group
+  scripts: [tools.bob]
+  onLoad: |
+    count = 0;
+    count = add(count, $(1 + 1));
+  textStyles:
+  - {name: plain, font: Sans.ttf, size: 20}
+  children:
+  - {type: text, name: one, value: 1, right: two, onClick: "widgets.two.Hide(); count += 2;"}
+  - {type: frame, name: two, onFocus: 'c = new Clock(1);
+      c.tick(2);', onBlur: widgets.$(first).SetFocus();}
+  - type: slider
+    name: bar
+    onChange: |
+      // The value of üöä 🎬 goes on.
+      count = widgets.one.value + widgets.bar.value;
+      widgets.
+
+    onUp:
+'''
+
+CLOCKS = '''// Adds two numbers,
+// or texts.
+define add(a, b) {
+  local sum = a;
+
+  sum += b;
+  return sum;
+}
+
+Clock = \\{};
+// Goes on.
+define Clock.tick(steps) {
+  this.now += steps;
+  return add(this.now, 0);
+}
+'''
+
+
+def helps_in_scripts(kpg, folder):
+    client = Client(kpg, folder)
+    client.open('page.yaml', SCRIPTS)
+    client.open('tools.bob', CLOCKS)
+
+    # Completion.
+    items = client.complete('page.yaml', 'bar.value;\n      widgets.')
+    assert set(items) == {'one', 'two', 'bar'} and items['bar']['detail'] == 'slider', items
+    client.take('page.yaml', items['two'])
+    client.put('page.yaml', '\n      widgets.two\n', '\n      widgets.two.\n')
+    items = client.complete('page.yaml', '\n      widgets.two.')
+    assert {'Hide', 'value', 'LoadPage', 'OnEvent', 'Clone'} <= set(items) and 'Push' in items and 'Intern' not in items
+    assert items['Hide']['detail'] == '(background)' and 'hides the content' in items['Hide']['documentation']['value']
+    client.put('page.yaml', '\n      widgets.two.\n', '\n      ad\n')
+    items = client.complete('page.yaml', '\n      ad')
+    assert items['add']['detail'] == '(a, b)' and {'count', 'Clock', 'while', 'topFrame', 'rand'} <= set(items), items
+    assert 'sum' not in items and 'now' not in items
+    assert items['add']['textEdit']['range'] == {'start': client.place('page.yaml', SCRIPTS.index('      widgets.\n') + 6),
+                                                 'end': client.place('page.yaml', SCRIPTS.index('      widgets.\n') + 8)}
+    client.put('page.yaml', '    onUp:\n', '    onUp: co')
+    assert 'count' in client.complete('page.yaml', 'onUp: co')
+    assert {'a', 'b', 'sum', 'add', 'count'} <= set(client.complete('tools.bob', '  sum += b;\n  '))
+    assert {'tick', 'now'} <= set(client.complete('tools.bob', 'add(this.')), client.complete('tools.bob', 'add(this.')
+    assert not client.complete('tools.bob', '// Adds')
+
+    # Hover, and the parameters of a call.
+    def hover(name, text, offset=0):
+        answer = client.ask('textDocument/hover', **client.where(name, text, offset))
+        return answer and (client.shown(name, answer['range']), answer['contents']['value'])
+
+    shown, text = hover('page.yaml', 'add(count', 1)
+    assert shown == 'add' and 'add(a, b)' in text and text.endswith('Adds two numbers, or texts.'), text
+    assert hover('page.yaml', 'c.tick', 3)[1].endswith('Goes on.')
+    assert 'a slider' in hover('page.yaml', 'widgets.bar', 9)[1]
+    assert 'hides the content' in hover('page.yaml', 'two.Hide', 5)[1]
+    assert hover('tools.bob', 'sum += b', 7) == ('b', '**b**, an argument')
+    assert 'fills the screen' not in str(hover('page.yaml', 'onLoad: |'))
+    signature = client.ask('textDocument/signatureHelp', **client.where('page.yaml', 'add(count, ', 11))
+    assert signature['signatures'][0]['label'] == 'add(a, b)' and signature['activeParameter'] == 1, signature
+
+    # Names, in all scripts and in the page.
+    def places(method, name, text, offset=0, **more):
+        found = client.ask('textDocument/' + method, **client.where(name, text, offset), **more)
+        names = [pathlib.Path(f['uri']).name for f in found]
+        return [(n, client.shown(n, f['range'])) for n, f in zip(names, found)], found
+
+    found, raw = places('definition', 'page.yaml', 'add(count', 1)
+    assert found == [('tools.bob', 'add')] and raw[0]['range']['start'] == {'line': 2, 'character': 7}
+    assert places('definition', 'page.yaml', 'widgets.bar', 9)[0] == [('page.yaml', 'bar')]
+    assert places('definition', 'page.yaml', 'widgets.$(first)', 11)[0] == [('page.yaml', 'first')]
+    assert places('definition', 'tools.bob', 'sum += b', 7)[1][0]['range']['start'] == {'line': 2, 'character': 14}
+    every = {'includeDeclaration': True}
+    assert places('references', 'tools.bob', 'define add', 8, context=every)[0] == \
+        [('tools.bob', 'add'), ('tools.bob', 'add'), ('page.yaml', 'add')]
+    assert len(places('references', 'page.yaml', 'right: two', 8, context=every)[0]) == 3
+
+    assert client.rename('page.yaml', 'right: two', 'zwei', 8) == 3
+    assert 'widgets.zwei.Hide' in client.texts['page.yaml']
+    assert 'no name for them' in client.fails('textDocument/rename', newName='a b',
+                                              **client.where('page.yaml', 'right: zwei', 8))['message']
+    assert client.rename('page.yaml', 'count = 0', 'total') == 5
+    assert 'total += 2' in client.texts['page.yaml'], client.texts['page.yaml']
+    assert client.rename('tools.bob', 'Clock.tick', 'step', 7) == 2 and 'c.step(2)' in client.texts['page.yaml']
+    assert client.rename('tools.bob', 'local sum', 'both', 7) == 3
+    assert 'own name' in client.fails('textDocument/rename', newName='x',
+                                      **client.where('page.yaml', 'zwei.Hide', 6))['message']
+    assert 'already' in client.fails('textDocument/rename', newName='Clock',
+                                     **client.where('page.yaml', 'total = 0'))['message']
+    assert client.ask('textDocument/prepareRename', **client.where('tools.bob', 'this.now +=', 1)) is None
+
+    # The whole.
+    symbols = client.ask('textDocument/documentSymbol', textDocument={'uri': client.uri('tools.bob')})
+    assert [s['name'] for s in symbols] == ['add', 'Clock', 'Clock.step'], symbols
+    folds = client.ask('textDocument/foldingRange', textDocument={'uri': client.uri('tools.bob')})
+    assert {'startLine': 0, 'endLine': 1, 'kind': 'comment'} in folds and {'startLine': 2, 'endLine': 7} in folds, folds
+    for name in ('page.yaml', 'tools.bob'):
+        words = tokens(client, name)
+        assert ('return', 'keyword') in words or name == 'page.yaml', words
+        assert ('add', 'function') in words and ('step', 'method') in words, words
+        if name == 'page.yaml':
+            assert ('// The value of üöä 🎬 goes on.', 'comment') in words and ('total', 'variable') in words, words
+    client.end()
+
+
+def tokens(client, name):
+    """The words with their kinds, as the semantic tokens have them."""
+    kinds = client.server['capabilities']['semanticTokensProvider']['legend']['tokenTypes']
+    data = client.ask('textDocument/semanticTokens/full', textDocument={'uri': client.uri(name)})['data']
+    assert len(data) % 5 == 0
+    words, line, character = [], 0, 0
+    for lines, characters, length, kind, _ in zip(*(iter(data),) * 5):
+        line, character = line + lines, characters + (0 if lines else character)
+        place = {'start': {'line': line, 'character': character}, 'end': {'line': line, 'character': character + length}}
+        words.append((client.shown(name, place), kinds[kind]))
+    return words
+
+
 def main():
     kpg = pathlib.Path(sys.argv[1]).resolve()
     for test in (lives_and_ends, says_what_is_wrong, looks_at_open_files, completes_pages, knows_names,
-                 shows_the_whole):
+                 shows_the_whole, helps_in_scripts):
         with tempfile.TemporaryDirectory() as name:
             folder = pathlib.Path(name).resolve()
             (folder / 'page.yaml').write_text(PAGE)

@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "kit/expand/expression.h"
+#include "kit/lsp/features.h"
 #include "kit/lsp/lspjson.h"
 #include "kit/lsp/pagecursor.h"
-#include "kit/lsp/pagefeatures.h"
 #include "kit/source/sourcekeys.h"
 #include "kit/yaml/writeyaml.h"
 

@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "kit/errors.h"
+#include "kit/lsp/features.h"
 #include "kit/lsp/fileuri.h"
 #include "kit/lsp/lspjson.h"
-#include "kit/lsp/pagefeatures.h"
 #include "kit/version.h"
 
 using nlohmann::json;
@@ -36,12 +36,14 @@ LspServer::Request LspServer::requestNamed(const std::string& method) {
       {"shutdown", &LspServer::shutdown},
       {"textDocument/completion", &LspServer::completion},
       {"textDocument/hover", &LspServer::hover},
+      {"textDocument/signatureHelp", &LspServer::signatureHelp},
       {"textDocument/definition", &LspServer::definition},
       {"textDocument/references", &LspServer::references},
       {"textDocument/prepareRename", &LspServer::prepareRename},
       {"textDocument/rename", &LspServer::rename},
       {"textDocument/documentSymbol", &LspServer::documentSymbol},
       {"textDocument/foldingRange", &LspServer::foldingRange},
+      {"textDocument/semanticTokens/full", &LspServer::semanticTokens},
       {"textDocument/documentLink", &LspServer::documentLink},
       {"textDocument/documentColor", &LspServer::documentColor},
       {"textDocument/colorPresentation", &LspServer::colorPresentation},
@@ -137,6 +139,8 @@ json LspServer::initialize(const json&) {
             {"textDocumentSync", {{"openClose", true}, {"change", kIncremental}, {"save", true}}},
             {"completionProvider", {{"triggerCharacters", {".", "(", "\\", " "}}}},
             {"hoverProvider", true},
+            {"signatureHelpProvider", {{"triggerCharacters", {"(", ","}}}},
+            {"semanticTokensProvider", {{"legend", semanticLegend()}, {"full", true}}},
             {"definitionProvider", true},
             {"referencesProvider", true},
             {"renameProvider", {{"prepareProvider", true}}},
@@ -226,17 +230,26 @@ LspServer::Place LspServer::placeOf(const json& params) {
 
 json LspServer::completion(const json& params) {
   const Place place = placeOf(params);
-  return place.isPage() ? completePage(views, place.file.path, place.offset) : json();
+  if (!place.isSource()) return nullptr;
+  json inScript = completeScript(views, place.file.path, place.offset);
+  return inScript.is_null() ? completePage(views, place.file.path, place.offset) : inScript;
 }
 
 json LspServer::hover(const json& params) {
   const Place place = placeOf(params);
-  return place.isPage() ? hoverPage(views, place.file.path, place.offset) : json();
+  if (!place.isSource()) return nullptr;
+  json inScript = hoverScript(views, place.file.path, place.offset);
+  return inScript.is_null() && place.isPage() ? hoverPage(views, place.file.path, place.offset) : inScript;
+}
+
+json LspServer::signatureHelp(const json& params) {
+  const Place place = placeOf(params);
+  return place.isSource() ? signatureAt(views, place.file.path, place.offset) : json();
 }
 
 json LspServer::definition(const json& params) {
   const Place place = placeOf(params);
-  return place.isPage() ? definitionInPage(views, place.file.path, place.offset) : json();
+  return place.isSource() ? definitionAt(views, place.file.path, place.offset) : json();
 }
 
 json LspServer::references(const json& params) {
@@ -244,28 +257,38 @@ json LspServer::references(const json& params) {
   const json* context = findMember(params, "context");
   const json* with = context ? findMember(*context, "includeDeclaration") : nullptr;
   const bool withDefinitions = with && with->is_boolean() && with->get<bool>();
-  return place.isPage() ? referencesInPage(views, place.file.path, place.offset, withDefinitions) : json();
+  return place.isSource() ? referencesAt(views, place.file.path, place.offset, withDefinitions) : json();
 }
 
 json LspServer::prepareRename(const json& params) {
   const Place place = placeOf(params);
-  return place.isPage() ? prepareRenameInPage(views, place.file.path, place.offset) : json();
+  return place.isSource() ? prepareRenameAt(views, place.file.path, place.offset) : json();
 }
 
 json LspServer::rename(const json& params) {
   const Place place = placeOf(params);
   const std::string to = textOf(params, "newName");
-  return place.isPage() ? renameInPage(views, place.file.path, place.offset, to) : json();
+  return place.isSource() ? renameAt(views, place.file.path, place.offset, to) : json();
 }
 
 json LspServer::documentSymbol(const json& params) {
   const Place place = placeOf(params);
-  return place.isPage() ? outlineOfPage(*views.page(place.file.path)) : json();
+  if (place.isPage()) return outlineOfPage(*views.page(place.file.path));
+  return place.isSource() ? outlineOfScript(*views.scripts(place.file.path).front()) : json();
 }
 
 json LspServer::foldingRange(const json& params) {
   const Place place = placeOf(params);
-  return place.isPage() ? foldsOfPage(*views.page(place.file.path)) : json();
+  if (!place.isSource()) return nullptr;
+  json folds = place.isPage() ? foldsOfPage(*views.page(place.file.path)) : json::array();
+  for (const auto& script : views.scripts(place.file.path))
+    for (json& fold : foldsOfScript(*script)) folds.push_back(std::move(fold));
+  return folds;
+}
+
+json LspServer::semanticTokens(const json& params) {
+  const Place place = placeOf(params);
+  return place.isSource() ? semanticTokensOf(views, place.file.path) : json();
 }
 
 json LspServer::documentLink(const json& params) {

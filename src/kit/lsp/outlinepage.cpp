@@ -3,8 +3,8 @@
 #include <set>
 #include <utility>
 
+#include "kit/lsp/features.h"
 #include "kit/lsp/lspjson.h"
-#include "kit/lsp/pagefeatures.h"
 
 using nlohmann::json;
 

@@ -76,21 +76,50 @@ std::string SourceViews::besides(const std::string& source, const std::string& n
   return fullPath((fs::path(source).parent_path() / name).string());
 }
 
-std::shared_ptr<const PageView> SourceViews::page(const std::string& path) {
-  std::shared_ptr<const PageView>& view = views[path];
-  if (const OpenFile* file = files.at(path)) {
-    if (!view || view->text != file->text) view = std::make_shared<const PageView>(file->text);
-    return view;
-  }
+// The same object for as long as the text is the same.
+std::shared_ptr<const EditedText> SourceViews::textOf(const std::string& path) {
+  if (const OpenFile* file = files.at(path)) return file->text;
   std::optional<std::string> text = files.textOf(path);
-  if (!text) {
-    views.erase(path);
-    return nullptr;
-  }
-  if (view && view->text->text() == *text) return view;
-  const auto made = std::make_shared<const PageView>(std::make_shared<const EditedText>(std::move(*text)));
+  if (!text) return nullptr;
+  if (texts.size() > kMostViews) texts.clear();
+  std::shared_ptr<const EditedText>& known = texts[path];
+  if (!known || known->text() != *text) known = std::make_shared<const EditedText>(std::move(*text));
+  return known;
+}
+
+std::shared_ptr<const PageView> SourceViews::page(const std::string& path) {
+  const auto text = textOf(path);
+  if (!text) return nullptr;
   if (views.size() > kMostViews) views.clear();
-  return views[path] = made;
+  std::shared_ptr<const PageView>& view = views[path];
+  if (!view || view->text != text) view = std::make_shared<const PageView>(text);
+  return view;
+}
+
+SourceViews::Scripts SourceViews::scripts(const std::string& path) {
+  const auto text = textOf(path);
+  if (!text) return {};
+  if (scriptViews.size() > kMostViews) scriptViews.clear();
+  auto& [madeOf, all] = scriptViews[path];
+  if (madeOf == text) return all;
+  madeOf = text;
+  all.clear();
+  if (!isYaml(path)) {
+    all.push_back(std::make_shared<const ScriptView>(path, text));
+  } else if (const auto view = page(path)) {
+    for (const PageScript& script : view->scripts)
+      all.push_back(std::make_shared<const ScriptView>(path, view, script));
+  }
+  return all;
+}
+
+SourceViews::Scripts SourceViews::relatedScripts(const std::string& path) {
+  Scripts result;
+  for (const std::string& file : related(path)) {
+    const Scripts own = scripts(file);
+    result.insert(result.end(), own.begin(), own.end());
+  }
+  return result;
 }
 
 SourceKind SourceViews::kindOf(const std::string& path) {

@@ -11,6 +11,7 @@
 #include "kit/lsp/diagnosis.h"
 #include "kit/lsp/editedfiles.h"
 #include "kit/lsp/pageview.h"
+#include "kit/lsp/scriptview.h"
 
 class SourceViews {
  public:
@@ -18,6 +19,11 @@ class SourceViews {
 
   // A page source, or what page sources include; null for a file that is neither open nor there.
   std::shared_ptr<const PageView> page(const std::string& path);
+
+  // The scripts in a page source, or that of a script file; empty for a file that is neither open nor there.
+  using Scripts = std::vector<std::shared_ptr<const ScriptView>>;
+  Scripts scripts(const std::string& path);
+  Scripts relatedScripts(const std::string& path);
 
   SourceKind kindOf(const std::string& path);
 
@@ -41,5 +47,9 @@ class SourceViews {
   void addParts(const std::string& path, std::vector<std::string>& into);
   std::vector<std::string> pagesAround(const std::string& path);
 
+  std::shared_ptr<const EditedText> textOf(const std::string& path);
+
+  std::map<std::string, std::shared_ptr<const EditedText>> texts;  // of files that aren't open
   std::map<std::string, std::shared_ptr<const PageView>> views;
+  std::map<std::string, std::pair<std::shared_ptr<const EditedText>, Scripts>> scriptViews;
 };
