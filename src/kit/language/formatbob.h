@@ -15,5 +15,5 @@ struct BobFormatOptions {
 };
 
 // The source, which `file` names, in the style. Throws KitError for one with errors, of each FILE:LINE and what is
-// wrong; nothing else is refused. The result ends with a line end, unless it is empty.
+// wrong, and for one that a byte 0 or 0xFF ends early. The result ends with a line end, unless it is empty.
 std::string formatBob(std::string_view source, const std::string& file, const BobFormatOptions& options = {});

@@ -34,8 +34,8 @@ std::string RandomBob::program() {
 }
 
 std::string RandomBob::name() {
-  return std::string(
-      anyOf({"a", "b", "widgets", "total", "_next", "x9", "longer_name", "this", "Object", "k", "true"}));
+  return std::string(anyOf({"a", "b", "va", "vb", "pa", "pb", "vk", "widgets", "total", "_next", "x9", "longer_name",
+                            "this", "Object", "k", "true"}));
 }
 
 // A brace that begins a statement is a block, never an expression.
