@@ -81,6 +81,11 @@ def says_what_is_wrong(kpg, folder):
     client.put('page.yaml', 'count = 0;', 'count = ;')  # the compiler's, in the line of the source
     found = client.diagnostics('page.yaml')
     assert [text for text, _, _ in found] == ['count = ;'], found
+    client.put('page.yaml', 'add(count, 2);', 'add(count 2);')  # and what comes after it
+    found = client.diagnostics('page.yaml')
+    assert [text for text, _, _ in found] == ['count = ;', 'count = add(count 2);'], found
+    assert all(message.startswith('onLoad of page: Syntax error - ') for _, _, message in found), found
+    client.put('page.yaml', 'add(count 2);', 'add(count, 2);')
     client.put('page.yaml', 'count = ;', 'count = 0;')
     client.put('page.yaml', '  onLoad: |', '  onLoad |')  # the parser's
     assert len(client.diagnostics('page.yaml')) == 1
@@ -362,6 +367,22 @@ def helps_in_scripts(kpg, folder):
     assert 'already' in client.fails('textDocument/rename', newName='Clock',
                                      **client.where('page.yaml', 'total = 0'))['message']
     assert client.ask('textDocument/prepareRename', **client.where('tools.bob', 'this.now +=', 1)) is None
+
+    # The style. What stands in quotes, or has an expression or an error, stays.
+    def format(name):
+        edits = client.ask('textDocument/formatting', textDocument={'uri': client.uri(name)}, options={})
+        for edit in reversed(edits):
+            begin, end = (client.at(name, edit['range'][side]) for side in ('start', 'end'))
+            client.change(name, (begin, end, edit['newText']))
+        return len(edits)
+
+    assert format('tools.bob') == 0
+    client.put('tools.bob', '  both += b;', 'both+=b;')
+    assert format('tools.bob') == 1 and '\n  both += b;\n' in client.texts['tools.bob']
+    client.put('page.yaml', 'ad\n', 'if(total)total=0;\n')
+    assert format('page.yaml') == 1 and '\n      if (total) total = 0;\n' in client.texts['page.yaml']
+    client.put('tools.bob', 'both += b;', 'both+=;')
+    assert format('tools.bob') == 0
 
     # The whole.
     symbols = client.ask('textDocument/documentSymbol', textDocument={'uri': client.uri('tools.bob')})

@@ -89,7 +89,7 @@ class PageCompletion {
     }
   }
 
-  void addKeysOf(const PageObject& object) {
+  void addKeysOf(const SourceObject& object) {
     const std::string made = object.node->textOf("template");
     std::string type = object.type;
     if (type.empty() && !made.empty())
@@ -102,7 +102,7 @@ class PageCompletion {
 
   // Those of the template that the map around uses.
   void addParameters() {
-    for (const PageObject& object : cursor.view->objects) {
+    for (const SourceObject& object : cursor.view->objects) {
       const LoosePair* with = object.node->find("with");
       if (!with || with->value.begin > offset || offset > with->value.end + 200) continue;
       for (const auto& [file, view] : views.relatedPages(path)) {
@@ -178,7 +178,7 @@ class PageCompletion {
     for (const auto& [file, view] : views.relatedPages(path))
       for (const NameMention& name : view->names) {
         if (!name.isDefinition || name.kind != kind) continue;
-        const PageObject* object = kind == NameKind::madeBy ? nullptr : view->named(kind, name.name);
+        const SourceObject* object = kind == NameKind::madeBy ? nullptr : view->named(kind, name.name);
         const std::string type = !object                             ? ""
                                  : object->kind == ObjectKind::style ? object->node->textOf("font")
                                  : object->type.empty()              ? "box"

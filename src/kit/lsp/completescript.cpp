@@ -101,7 +101,7 @@ class ScriptCompletion {
 
   bool isFrame(const std::string& widget) {
     for (const auto& [file, view] : views.relatedPages(path))
-      if (const PageObject* object = view->named(NameKind::widget, widget)) return object->type == "frame";
+      if (const SourceObject* object = view->named(NameKind::widget, widget)) return object->type == "frame";
     return false;
   }
 
@@ -140,7 +140,7 @@ class ScriptCompletion {
     for (const auto& [file, view] : views.relatedPages(path))
       for (const NameMention& name : view->names) {
         if (name.kind != kind || !name.isDefinition || !isExpressionName(name.name)) continue;
-        const PageObject* object = view->named(kind, name.name);
+        const SourceObject* object = view->named(kind, name.name);
         add(name.name, kObject, object && kind == NameKind::widget ? object->type.empty() ? "box" : object->type : "");
       }
   }

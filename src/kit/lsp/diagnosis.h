@@ -19,5 +19,6 @@ struct Diagnosis {
   std::vector<std::string> sources;  // all that was read
 };
 
-// `isSaved`: that the disk has the same; some checks look at files themselves and are made then.
+// After the first fault of a script the compiler says nothing more of it; what the tolerant parser finds then comes
+// along. `isSaved`: that the disk has the same; some checks look at files themselves and are made then.
 Diagnosis diagnose(const std::string& path, SourceKind kind, bool isSaved, const ReadFile& read);

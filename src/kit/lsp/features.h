@@ -37,6 +37,9 @@ nlohmann::json colorsOfPage(const PageView& view);
 // For a colour of the protocol, with parts from 0 to 1.
 nlohmann::json colorPresentations(const nlohmann::json& color, const TextRange& range);
 
+// Edits that bring the scripts of the file that have no errors into the one style.
+nlohmann::json formatScripts(SourceViews& views, const std::string& path);
+
 // Of all scripts in the file, as the protocol packs them; the legend says what the numbers mean.
 nlohmann::json semanticTokensOf(SourceViews& views, const std::string& path);
 nlohmann::json semanticLegend();

@@ -36,7 +36,7 @@ const LoosePair* keyAt(const LooseNode& node, size_t offset, const LooseNode** m
   return nullptr;
 }
 
-std::string kindOf(const PageObject& object) {
+std::string kindOf(const SourceObject& object) {
   switch (object.kind) {
     case ObjectKind::root: return "the page";
     case ObjectKind::style: return "a text style";
@@ -48,7 +48,7 @@ std::string kindOf(const PageObject& object) {
 }
 
 // Plain attributes of what is named, as written.
-std::string saidOf(const PageObject& object, std::initializer_list<const char*> keys) {
+std::string saidOf(const SourceObject& object, std::initializer_list<const char*> keys) {
   std::string all;
   for (const char* key : keys)
     if (const LoosePair* pair = object.node->find(key); pair && pair->value.isScalar())
@@ -76,7 +76,7 @@ std::string aboutName(const PageView& view, NameKind kind, const std::string& na
   }
   if (kind == NameKind::parameter)
     return "**" + name.substr(name.find('.') + 1) + "**, a parameter of " + name.substr(0, name.find('.'));
-  const PageObject* object = view.named(kind, name);
+  const SourceObject* object = view.named(kind, name);
   if (!object) return "";
   const std::string said = object->kind == ObjectKind::style
                                ? saidOf(*object, {"style", "font", "size", "color", "bgColor", "antialias"})
@@ -85,7 +85,7 @@ std::string aboutName(const PageView& view, NameKind kind, const std::string& na
 }
 
 std::string aboutKey(const PageView& view, const LooseNode& map, const std::string& key) {
-  if (const PageObject* object = view.objectOf(map)) {
+  if (const SourceObject* object = view.objectOf(map)) {
     const auto known = objectKey(object->kind, object->type, key);
     if (known) return "**" + key + "** of " + kindOf(*object) + "\n\n" + keyHelp(*known);
     const std::string owners = whatHas(key);

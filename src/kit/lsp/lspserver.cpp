@@ -44,6 +44,7 @@ LspServer::Request LspServer::requestNamed(const std::string& method) {
       {"textDocument/documentSymbol", &LspServer::documentSymbol},
       {"textDocument/foldingRange", &LspServer::foldingRange},
       {"textDocument/semanticTokens/full", &LspServer::semanticTokens},
+      {"textDocument/formatting", &LspServer::formatting},
       {"textDocument/documentLink", &LspServer::documentLink},
       {"textDocument/documentColor", &LspServer::documentColor},
       {"textDocument/colorPresentation", &LspServer::colorPresentation},
@@ -146,6 +147,7 @@ json LspServer::initialize(const json&) {
             {"renameProvider", {{"prepareProvider", true}}},
             {"documentSymbolProvider", true},
             {"foldingRangeProvider", true},
+            {"documentFormattingProvider", true},
             {"documentLinkProvider", {{"resolveProvider", false}}},
             {"colorProvider", true}}},
           {"serverInfo", {{"name", "kpg"}, {"version", kitVersion()}}}};
@@ -289,6 +291,11 @@ json LspServer::foldingRange(const json& params) {
 json LspServer::semanticTokens(const json& params) {
   const Place place = placeOf(params);
   return place.isSource() ? semanticTokensOf(views, place.file.path) : json();
+}
+
+json LspServer::formatting(const json& params) {
+  const Place place = placeOf(params);
+  return place.isSource() ? formatScripts(views, place.file.path) : json();
 }
 
 json LspServer::documentLink(const json& params) {

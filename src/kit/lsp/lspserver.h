@@ -49,6 +49,7 @@ class LspServer {
   json documentSymbol(const json& params);
   json foldingRange(const json& params);
   json semanticTokens(const json& params);
+  json formatting(const json& params);
   json documentLink(const json& params);
   json documentColor(const json& params);
   json colorPresentation(const json& params);

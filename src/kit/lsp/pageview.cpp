@@ -83,7 +83,7 @@ void PageView::readObject(const LooseNode& node, ObjectKind kind, size_t number,
 }
 
 void PageView::readPair(const LoosePair& pair, size_t index) {
-  const PageObject object = objects[index];
+  const SourceObject object = objects[index];
   const LooseNode& value = pair.value;
   if (value.isScalar()) readExpressions(value, object.inside);
   if (pair.key == "template") return mention(NameKind::madeBy, value);
@@ -187,12 +187,12 @@ void PageView::define(NameKind kind, const LoosePair& pair, const std::string& n
 
 // ---- looking up
 
-const PageObject* PageView::objectOf(const LooseNode& map) const {
+const SourceObject* PageView::objectOf(const LooseNode& map) const {
   const auto found = objectsByNode.find(&map);
   return found == objectsByNode.end() ? nullptr : &objects[found->second];
 }
 
-const PageObject* PageView::named(NameKind kind, const std::string& name) const {
+const SourceObject* PageView::named(NameKind kind, const std::string& name) const {
   const auto found = objectsByName.find(std::pair(kind, name));
   return found == objectsByName.end() ? nullptr : &objects[found->second];
 }
@@ -203,8 +203,8 @@ const NameMention* PageView::nameAt(size_t offset) const {
   return nullptr;
 }
 
-const PageScript* PageView::scriptAt(size_t offset) const {
-  for (const PageScript& script : scripts)
+const SourceScript* PageView::scriptAt(size_t offset) const {
+  for (const SourceScript& script : scripts)
     if (script.pair->value.begin <= offset && offset <= script.pair->value.end) return &script;
   return nullptr;
 }

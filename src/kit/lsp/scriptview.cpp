@@ -31,7 +31,7 @@ ScriptView::ScriptView(std::string p, std::shared_ptr<const EditedText> f)
       tree(parseBob(text)),
       symbols(symbolsOf(tree)) {}
 
-ScriptView::ScriptView(std::string p, std::shared_ptr<const PageView> of, const PageScript& script)
+ScriptView::ScriptView(std::string p, std::shared_ptr<const PageView> of, const SourceScript& script)
     : path(std::move(p)),
       file(of->text),
       page(std::move(of)),

@@ -13,7 +13,7 @@
 
 struct ScriptView {
   ScriptView(std::string path, std::shared_ptr<const EditedText> file);
-  ScriptView(std::string path, std::shared_ptr<const PageView> page, const PageScript& script);
+  ScriptView(std::string path, std::shared_ptr<const PageView> page, const SourceScript& script);
   // Of a text that is being completed, and lies nowhere.
   explicit ScriptView(std::string text);
   ScriptView(const ScriptView&) = delete;

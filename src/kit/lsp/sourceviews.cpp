@@ -107,7 +107,7 @@ SourceViews::Scripts SourceViews::scripts(const std::string& path) {
   if (!isYaml(path)) {
     all.push_back(std::make_shared<const ScriptView>(path, text));
   } else if (const auto view = page(path)) {
-    for (const PageScript& script : view->scripts)
+    for (const SourceScript& script : view->scripts)
       all.push_back(std::make_shared<const ScriptView>(path, view, script));
   }
   return all;
