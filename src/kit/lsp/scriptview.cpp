@@ -22,32 +22,43 @@ std::string withoutExpressions(std::string text) {
 
 }  // namespace
 
-ScriptView::ScriptView(std::string p, std::shared_ptr<const EditedText> f)
+ScriptCode::ScriptCode(std::string t, BobSourceKind kind)
+    : text(std::move(t)), tree(parseBob(text, kind)), symbols(symbolsOf(tree)) {}
+
+std::shared_ptr<const ScriptCode> ScriptView::newCode(std::string text, BobSourceKind kind) {
+  return std::make_shared<const ScriptCode>(std::move(text), kind);
+}
+
+ScriptView::ScriptView(std::string p, std::shared_ptr<const EditedText> f, const CodeOf& codeOf)
     : path(std::move(p)),
       file(std::move(f)),
       node(nullptr),
-      text(file->text()),
+      code(codeOf(file->text(), BobSourceKind::kFile)),
       hasExpressions(false),
-      tree(parseBob(text)),
-      symbols(symbolsOf(tree)) {}
+      text(code->text),
+      tree(code->tree),
+      symbols(code->symbols) {}
 
-ScriptView::ScriptView(std::string p, std::shared_ptr<const PageView> of, const SourceScript& script)
+ScriptView::ScriptView(std::string p, std::shared_ptr<const PageView> of, const SourceScript& script,
+                       const CodeOf& codeOf)
     : path(std::move(p)),
       file(of->text),
       page(std::move(of)),
       node(&script.pair->value),
       what(script.pair->key + " of " + script.of),
-      text(withoutExpressions(node->text)),
-      hasExpressions(text != node->text),
-      tree(parseBob(text, BobSourceKind::kAttribute)),
-      symbols(symbolsOf(tree)) {}
+      code(codeOf(withoutExpressions(node->text), BobSourceKind::kAttribute)),
+      hasExpressions(code->text != node->text),
+      text(code->text),
+      tree(code->tree),
+      symbols(code->symbols) {}
 
 ScriptView::ScriptView(std::string t)
     : node(nullptr),
-      text(withoutExpressions(std::move(t))),
+      code(newCode(withoutExpressions(std::move(t)), BobSourceKind::kAttribute)),
       hasExpressions(false),
-      tree(parseBob(text, BobSourceKind::kAttribute)),
-      symbols(symbolsOf(tree)) {}
+      text(code->text),
+      tree(code->tree),
+      symbols(code->symbols) {}
 
 std::string ScriptView::ownerOf(const BobUse& use) const {
   const uint32_t member = tree.nodes[use.node].parent;

@@ -4,6 +4,7 @@
 // Expressions of the page source, "$(...)", are names to the tree: what they become only the build knows.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -11,9 +12,25 @@
 #include "kit/language/bobtree.h"
 #include "kit/lsp/pageview.h"
 
+// What a script says, wherever it lies; of many scripts in one page most stay as they are from one edit to the next.
+struct ScriptCode {
+  ScriptCode(std::string text, BobSourceKind kind);
+  ScriptCode(const ScriptCode&) = delete;
+  ScriptCode& operator=(const ScriptCode&) = delete;
+
+  const std::string text;
+  const BobTree tree;
+  const BobSymbols symbols;
+};
+
 struct ScriptView {
-  ScriptView(std::string path, std::shared_ptr<const EditedText> file);
-  ScriptView(std::string path, std::shared_ptr<const PageView> page, const SourceScript& script);
+  // How views get the code of a text, which may be known already.
+  using CodeOf = std::function<std::shared_ptr<const ScriptCode>(std::string text, BobSourceKind kind)>;
+  static std::shared_ptr<const ScriptCode> newCode(std::string text, BobSourceKind kind);
+
+  ScriptView(std::string path, std::shared_ptr<const EditedText> file, const CodeOf& codeOf = newCode);
+  ScriptView(std::string path, std::shared_ptr<const PageView> page, const SourceScript& script,
+             const CodeOf& codeOf = newCode);
   // Of a text that is being completed, and lies nowhere.
   explicit ScriptView(std::string text);
   ScriptView(const ScriptView&) = delete;
@@ -24,10 +41,11 @@ struct ScriptView {
   const std::shared_ptr<const PageView> page;  // null for a file
   const LooseNode* const node;                 // likewise
   const std::string what;                      // "onClick of go"; empty for a file
-  const std::string text;
+  const std::shared_ptr<const ScriptCode> code;
   const bool hasExpressions;
-  const BobTree tree;
-  const BobSymbols symbols;
+  const std::string& text;
+  const BobTree& tree;
+  const BobSymbols& symbols;
 
   size_t sourceOf(size_t offset) const { return node ? node->sourceOf(offset) : offset; }
   // Of what ends there.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <set>
+#include <unordered_map>
 #include <utility>
 
 #include "kit/errors.h"
@@ -103,12 +104,18 @@ SourceViews::Scripts SourceViews::scripts(const std::string& path) {
   auto& [madeOf, all] = scriptViews[path];
   if (madeOf == text) return all;
   madeOf = text;
+  std::unordered_map<std::string, std::shared_ptr<const ScriptCode>> known;
+  for (const auto& before : all) known.emplace(before->text, before->code);
+  const ScriptView::CodeOf codeOf = [&](std::string code, BobSourceKind kind) {
+    const auto found = known.find(code);
+    return found == known.end() ? ScriptView::newCode(std::move(code), kind) : found->second;
+  };
   all.clear();
   if (!isYaml(path)) {
-    all.push_back(std::make_shared<const ScriptView>(path, text));
+    all.push_back(std::make_shared<const ScriptView>(path, text, codeOf));
   } else if (const auto view = page(path)) {
     for (const SourceScript& script : view->scripts)
-      all.push_back(std::make_shared<const ScriptView>(path, view, script));
+      all.push_back(std::make_shared<const ScriptView>(path, view, script, codeOf));
   }
   return all;
 }
