@@ -110,6 +110,14 @@ def looks_at_open_files(kpg, folder):
     client.put('tools.bob', 'sum +;', 'sum;')
     while client.diagnostics('tools.bob'):  # both as a file and as a part of the page
         pass
+    # YAML of other programs is none of its business, unless a page includes it.
+    client.open('other.yaml', 'services: [\n')
+    assert client.diagnostics('other.yaml') == []
+    assert client.ask('textDocument/completion', **client.where('other.yaml', 'services')) is None
+    client.change('page.yaml', (0, 0, 'include: other.yaml\n'))
+    assert client.diagnostics('page.yaml') == []
+    assert [message for _, _, message in client.diagnostics('other.yaml')] == ["a '[' is never closed"]
+    client.change('page.yaml', (0, len('include: other.yaml\n'), ''))
     # A file that is open nowhere has messages, too, until the page that brings it in is closed.
     client.notify('textDocument/didClose', textDocument={'uri': client.uri('tools.bob')})
     (folder / 'tools.bob').write_text('define (')

@@ -27,6 +27,8 @@ enum Kind {
   kKeyword = 14
 };
 
+constexpr size_t kMostItems = 400;
+
 const std::string_view kRepeatKeys[][2] = {{"over", "what to repeat over: a list, a file or a count"},
                                            {"as", "the name of what is repeated over, in place of `item`"},
                                            {"index", "the name of its number from 0, in place of `index`"},
@@ -40,19 +42,27 @@ class PageCompletion {
   json all() {
     if (cursor.kind == PageCursor::key) addKeys();
     if (cursor.kind == PageCursor::value) addValues();
-    return {{"isIncomplete", false}, {"items", std::move(items)}};
+    return {{"isIncomplete", isIncomplete}, {"items", std::move(items)}};
   }
 
  private:
   void add(const std::string& label, Kind kind, const std::string& newText, const std::string& detail = "",
            const std::string& help = "") {
-    if (!labels.insert(label).second) return;
+    if (!labels.insert(label).second || !isWanted(label)) return;
     json item = {{"label", label},
                  {"kind", int(kind)},
                  {"textEdit", {{"range", rangeJson(text.rangeOf(begin(), end()))}, {"newText", newText}}}};
     if (!detail.empty()) item["detail"] = detail;
     if (!help.empty()) item["documentation"] = {{"kind", "markdown"}, {"value", help}};
     items.push_back(std::move(item));
+  }
+
+  // Of very many only those that begin as what is written; with each letter the editor asks again then.
+  bool isWanted(const std::string& label) {
+    if (items.size() < kMostItems / 4) return true;
+    const bool wanted = items.size() < kMostItems && label.starts_with(cursor.written);
+    isIncomplete = isIncomplete || !wanted;
+    return wanted;
   }
 
   size_t begin() const { return std::min(isInExpression ? wordBegin : cursor.begin, text.text().size()); }
@@ -238,6 +248,7 @@ class PageCompletion {
   bool isInExpression = false;
   size_t wordBegin = 0;
   json items = json::array();
+  bool isIncomplete = false;
   std::set<std::string> labels;
 };
 

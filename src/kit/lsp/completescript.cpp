@@ -17,6 +17,8 @@ namespace {
 // The protocol's kinds of what it completes.
 enum Kind { kMethod = 2, kFunction = 3, kVariable = 6, kClass = 7, kProperty = 10, kKeyword = 14, kObject = 18 };
 
+constexpr size_t kMostItems = 400;
+
 std::string signatureOf(const std::vector<std::string>& parameters) {
   std::string text = "(";
   for (const std::string& parameter : parameters) text += (text.size() > 1 ? ", " : "") + parameter;
@@ -42,16 +44,25 @@ class ScriptCompletion {
       case BobCursor::kNewName:
       case BobCursor::kNothing: break;
     }
-    return {{"isIncomplete", false}, {"items", std::move(items)}};
+    return {{"isIncomplete", isIncomplete}, {"items", std::move(items)}};
   }
 
  private:
   void add(const std::string& label, Kind kind, const std::string& detail = "", std::string_view help = {}) {
-    if (isMasked(label) || !labels.insert(label).second) return;
+    if (isMasked(label) || !labels.insert(label).second || !isWanted(label)) return;
     json item = {{"label", label}, {"kind", int(kind)}, {"textEdit", {{"range", range}, {"newText", label}}}};
     if (!detail.empty()) item["detail"] = detail;
     if (!help.empty()) item["documentation"] = {{"kind", "markdown"}, {"value", help}};
     items.push_back(std::move(item));
+  }
+
+  // Of very many only those that begin as what is written; with each letter the editor asks again then.
+  bool isWanted(const std::string& label) {
+    if (items.size() < kMostItems / 2) return true;
+    const std::string_view written = std::string_view(script.text).substr(cursor.begin, offset - cursor.begin);
+    const bool wanted = items.size() < kMostItems && label.starts_with(written);
+    isIncomplete = isIncomplete || !wanted;
+    return wanted;
   }
 
   void addKnown(const KnownMember& member) {
@@ -152,6 +163,7 @@ class ScriptCompletion {
   const BobCursor cursor;
   json range;
   json items = json::array();
+  bool isIncomplete = false;
   std::set<std::string> labels;
 };
 

@@ -125,7 +125,7 @@ SourceKind sourceKindOf(const std::string& path, const std::string& text) {
   if (fs::path(path).filename() == kProjectFileName) return SourceKind::project;
   if (path.ends_with(kTestFileEnding)) return SourceKind::tests;
   if (hasLine(text, "page:") || hasLine(text, "flags:")) return SourceKind::page;
-  return SourceKind::part;
+  return hasLine(text, "constants:") || hasLine(text, "templates:") ? SourceKind::part : SourceKind::other;
 }
 
 Diagnosis diagnose(const std::string& path, SourceKind kind, bool isSaved, const ReadFile& read) {

@@ -11,7 +11,8 @@
 
 enum class SourceKind { page, part, project, tests, script, other };  // part: what page sources include
 
-// By its name and, of YAML, by what it looks like.
+// By its name and, of YAML, by what it looks like; YAML that looks like none of these is `other`, since editors have
+// that for much else.
 SourceKind sourceKindOf(const std::string& path, const std::string& text);
 
 struct Diagnosis {

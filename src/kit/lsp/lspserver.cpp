@@ -219,7 +219,7 @@ void LspServer::diagnoseOne(const OpenFile& file) {
   bool isSaved = file.isSaved;
   for (const std::string& source : publisher.sourcesOf(file.path))
     if (const OpenFile* other = files.at(source)) isSaved = isSaved && other->isSaved;
-  diagnoser.add(file.path, {sourceKindOf(file.path, file.text->text()), isSaved, files.snapshot()});
+  diagnoser.add(file.path, {views.kindOf(file.path), isSaved, files.snapshot()});
 }
 
 // ---- questions

@@ -76,7 +76,8 @@ class PageView {
   void readTop();
   void readTemplates(const LooseNode& all);
   void readObject(const LooseNode& node, ObjectKind kind, size_t number, const std::string& inside);
-  void readPair(const LoosePair& pair, size_t object);
+  void readPair(const LoosePair& pair, const SourceObject& object);
+  const AttributeRow* rowOf(const SourceObject& object, const std::string& key);
   void readTable(const LooseNode& list, ObjectKind kind, const std::string& inside);
   void readColor(const LooseNode& scalar);
   void readOther(const LooseNode& node, const std::string& inside);
@@ -88,4 +89,5 @@ class PageView {
   std::unordered_map<const LooseNode*, size_t> objectsByNode;
   std::map<std::pair<NameKind, std::string>, size_t, std::less<>> objectsByName;
   std::set<std::string> parameters;
+  std::unordered_map<std::string, const AttributeRow*> rows;  // that have been looked up
 };

@@ -129,9 +129,14 @@ SourceViews::Scripts SourceViews::relatedScripts(const std::string& path) {
   return result;
 }
 
+SourceKind SourceViews::looksLike(const std::string& path) {
+  const auto text = textOf(path);
+  return text ? sourceKindOf(path, text->text()) : SourceKind::other;
+}
+
 SourceKind SourceViews::kindOf(const std::string& path) {
-  const std::optional<std::string> text = files.textOf(path);
-  return text ? sourceKindOf(path, *text) : SourceKind::other;
+  const SourceKind kind = looksLike(path);
+  return kind == SourceKind::other && isYaml(path) && related(path).size() > 1 ? SourceKind::part : kind;
 }
 
 void SourceViews::addParts(const std::string& path, std::vector<std::string>& into) {
@@ -147,7 +152,7 @@ void SourceViews::addParts(const std::string& path, std::vector<std::string>& in
 std::vector<std::string> SourceViews::pagesAround(const std::string& path) {
   std::vector<std::string> pages;
   const auto add = [&](const std::string& file) {
-    if (isYaml(file) && kindOf(file) == SourceKind::page) addOnce(pages, file);
+    if (isYaml(file) && looksLike(file) == SourceKind::page) addOnce(pages, file);
   };
   for (const auto& [open, file] : files.all()) add(open);
   const fs::path folder = fs::path(path).parent_path();
@@ -168,7 +173,7 @@ std::vector<std::string> SourceViews::pagesAround(const std::string& path) {
 
 std::vector<std::string> SourceViews::related(const std::string& path) {
   std::vector<std::string> result{path};
-  if (kindOf(path) == SourceKind::page) {
+  if (looksLike(path) == SourceKind::page) {
     result.clear();
     addParts(path, result);
     return result;

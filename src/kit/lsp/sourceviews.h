@@ -25,6 +25,7 @@ class SourceViews {
   Scripts scripts(const std::string& path);
   Scripts relatedScripts(const std::string& path);
 
+  // Also part for YAML that looks like nothing, if a page includes it.
   SourceKind kindOf(const std::string& path);
 
   // The sources that share names with this one, itself first: of a page what it includes and its scripts; of any other
@@ -44,6 +45,7 @@ class SourceViews {
   const EditedFiles& files;
 
  private:
+  SourceKind looksLike(const std::string& path);
   void addParts(const std::string& path, std::vector<std::string>& into);
   std::vector<std::string> pagesAround(const std::string& path);
 
