@@ -56,6 +56,14 @@ def lives_and_ends(kpg, folder):
     client.notify('exit')
     assert client.process.wait() == 0
 
+    # Files that nobody has open are watched by an editor that can do so.
+    client = Client(kpg, folder, workspace={'didChangeWatchedFiles': {'dynamicRegistration': True}})
+    client.fails('textDocument/nosuch')
+    registered, = client.asked[0]['params']['registrations']
+    assert client.asked[0]['method'] == 'client/registerCapability'
+    assert registered['method'] == 'workspace/didChangeWatchedFiles'
+    client.end()
+
     early = subprocess.run([kpg, 'lsp'], stdout=subprocess.PIPE, cwd=folder,
                            input=b'Content-Length: 44\r\n\r\n{"jsonrpc":"2.0","id":1,"method":"shutdown"}')
     assert b'-32002' in early.stdout and early.returncode == 1, early
@@ -72,6 +80,9 @@ def says_what_is_wrong(kpg, folder):
     assert [(text, severity) for text, severity, _ in found] == [('valign: middle', ERROR)], found
     assert 'one of top, center and bottom' in found[0][2]
     client.put('page.yaml', '    valign: middle\n', '')
+    client.put('page.yaml', 'size: 20, color', 'size: big, color')  # one of several in a line
+    assert [text for text, _, _ in client.diagnostics('page.yaml')] == ['size: big']
+    client.put('page.yaml', 'size: big, color', 'size: 20, color')
     found = client.diagnostics('page.yaml')
     assert [severity for _, severity, _ in found] == [WARNING], found
     assert "did you mean 'plain'" in found[0][2] and found[0][0].startswith('textStyle: plaim'), found
@@ -208,8 +219,11 @@ def knows_names(kpg, folder):
     assert places('definition', 'page.yaml', 'dawn.kpx') == [('dawn.png', '')]
     assert places('references', 'page.yaml', 'name: one', 7, context={'includeDeclaration': False}) == \
         [('page.yaml', 'one')] * 2 + [('theme.yaml', 'one')]
+    client.put('page.yaml', 'count = 0;', 'count = 0; frame.LoadPage("theme.kpg");')
     links = client.ask('textDocument/documentLink', textDocument={'uri': client.uri('page.yaml')})
-    assert [pathlib.Path(link['target']).name for link in links] == ['theme.yaml', 'tools.bob', 'dawn.png']
+    assert [pathlib.Path(link['target']).name for link in links] == ['theme.yaml', 'tools.bob', 'dawn.png', 'theme.yaml']
+    assert client.shown('page.yaml', links[3]['range']) == 'theme.kpg'
+    client.put('page.yaml', ' frame.LoadPage("theme.kpg");', '')
 
     named = client.ask('textDocument/prepareRename', **client.where('page.yaml', 'up: one', 5))
     assert named['placeholder'] == 'one' and client.shown('page.yaml', named['range']) == 'one'

@@ -15,10 +15,7 @@ async function startServer(): Promise<void> {
     'vistrel',
     'Vistrel',
     { command: kpg(), args: ['lsp'], transport: TransportKind.stdio },
-    {
-      documentSelector: [{ language: 'bob' }, { language: 'yaml' }],
-      synchronize: { fileEvents: vscode.workspace.createFileSystemWatcher('**/*.{yaml,yml,bob,csv,png,gif,ttf}') },
-    },
+    { documentSelector: [{ language: 'bob' }, { language: 'yaml' }] },
   );
   try {
     await client.start();

@@ -29,10 +29,10 @@ enum Kind {
 
 constexpr size_t kMostItems = 400;
 
-const std::string_view kRepeatKeys[][2] = {{"over", "what to repeat over: a list, a file or a count"},
-                                           {"as", "the name of what is repeated over, in place of `item`"},
-                                           {"index", "the name of its number from 0, in place of `index`"},
-                                           {"count", "the name of how many there are, in place of `count`"}};
+constexpr std::string_view kRepeatKeys[][2] = {{"over", "what to repeat over: a list, a file or a count"},
+                                               {"as", "the name of what is repeated over, in place of `item`"},
+                                               {"index", "the name of its number from 0, in place of `index`"},
+                                               {"count", "the name of how many there are, in place of `count`"}};
 
 class PageCompletion {
  public:

@@ -32,7 +32,7 @@ nlohmann::json outlineOfPage(const PageView& view);
 nlohmann::json outlineOfScript(const ScriptView& script);
 nlohmann::json foldsOfPage(const PageView& view);
 nlohmann::json foldsOfScript(const ScriptView& script);
-nlohmann::json linksOfPage(SourceViews& views, const std::string& path);
+nlohmann::json linksIn(SourceViews& views, const std::string& path);  // files that are named
 nlohmann::json colorsOfPage(const PageView& view);
 // For a colour of the protocol, with parts from 0 to 1.
 nlohmann::json colorPresentations(const nlohmann::json& color, const TextRange& range);

@@ -54,6 +54,7 @@ LspServer::Request LspServer::requestNamed(const std::string& method) {
 
 LspServer::Notification LspServer::notificationNamed(const std::string& method) {
   static constexpr Named<Notification> kNotifications[] = {
+      {"initialized", &LspServer::initialized},
       {"textDocument/didOpen", &LspServer::didOpen},
       {"textDocument/didChange", &LspServer::didChange},
       {"textDocument/didSave", &LspServer::didSave},
@@ -81,7 +82,7 @@ void LspServer::serve(const json& message) {
   const json* method = findMember(message, "method");
   const json* id = findMember(message, "id");
   if (!method || !method->is_string()) {
-    if (findMember(message, "result") || findMember(message, "error")) return;  // what the editor answers
+    if (message.contains("result") || message.contains("error")) return;  // what the editor answers
     const LspErrorCode code = message.is_null() ? LspErrorCode::parseError : LspErrorCode::invalidRequest;
     connection.send({{"jsonrpc", "2.0"},
                      {"id", id ? *id : json()},
@@ -132,9 +133,13 @@ void LspServer::notify(const std::string& method, const json& params) {
 
 // ---- beginning and end
 
-json LspServer::initialize(const json&) {
+json LspServer::initialize(const json& params) {
   if (isInitialized) throw LspError(LspErrorCode::invalidRequest, "initialize has been requested before");
   isInitialized = true;
+  const json* workspace = findMember(params, "capabilities");
+  for (const char* key : {"workspace", "didChangeWatchedFiles", "dynamicRegistration"})
+    workspace = workspace ? findMember(*workspace, key) : nullptr;
+  canWatchFiles = workspace && workspace->is_boolean() && workspace->get<bool>();
   return {{"capabilities",
            {{"positionEncoding", "utf-16"},
             {"textDocumentSync", {{"openClose", true}, {"change", kIncremental}, {"save", true}}},
@@ -151,6 +156,18 @@ json LspServer::initialize(const json&) {
             {"documentLinkProvider", {{"resolveProvider", false}}},
             {"colorProvider", true}}},
           {"serverInfo", {{"name", "kpg"}, {"version", kitVersion()}}}};
+}
+
+// Pages are made of files that nobody has open.
+void LspServer::initialized(const json&) {
+  if (!canWatchFiles) return;
+  const json watcher = {{"globPattern", "**/*.{yaml,yml,bob,csv,png,gif,ttf}"}};
+  const json registration = {
+      {"id", "files"}, {"method", "workspace/didChangeWatchedFiles"}, {"registerOptions", {{"watchers", {watcher}}}}};
+  connection.send({{"jsonrpc", "2.0"},
+                   {"id", "files"},
+                   {"method", "client/registerCapability"},
+                   {"params", {{"registrations", {registration}}}}});
 }
 
 json LspServer::shutdown(const json&) {
@@ -300,7 +317,7 @@ json LspServer::formatting(const json& params) {
 
 json LspServer::documentLink(const json& params) {
   const Place place = placeOf(params);
-  return place.isPage() ? linksOfPage(views, place.file.path) : json();
+  return place.isSource() ? linksIn(views, place.file.path) : json();
 }
 
 json LspServer::documentColor(const json& params) {

@@ -32,6 +32,7 @@ class LspServer {
   void notify(const std::string& method, const json& params);
 
   json initialize(const json& params);
+  void initialized(const json& params);
   json shutdown(const json& params);
   void didOpen(const json& params);
   void didChange(const json& params);
@@ -72,5 +73,6 @@ class LspServer {
   SourceViews views;
   Publisher publisher;
   Diagnoser diagnoser;
+  bool canWatchFiles = false;
   bool isInitialized = false, isShutDown = false, hasEnded = false;
 };

@@ -65,6 +65,24 @@ void checkRename(SourceViews& views, const std::string& path, const SharedName& 
   if (isTaken) refuse("there is a '" + to + "' already");
 }
 
+// The texts in LoadPage("menu.kpg").
+std::vector<uint32_t> textsOfLoadPage(const BobTree& tree) {
+  std::vector<uint32_t> texts;
+  for (uint32_t i = 0; i < tree.nodes.size(); ++i) {
+    if (tree.nodes[i].kind != BobNodeKind::kChain) continue;
+    const auto links = tree.children(i);
+    for (size_t link = 1; link < links.size(); ++link) {
+      const auto arguments = tree.children(links[link]);
+      if (tree.nodes[links[link]].kind != BobNodeKind::kCall || arguments.size() != 1) continue;
+      const std::string_view text = tree.text(arguments[0]);
+      if (tree.nodes[arguments[0]].kind == BobNodeKind::kString && text.size() > 2 && text.ends_with('"') &&
+          tree.text(links[link - 1]).ends_with("LoadPage"))
+        texts.push_back(arguments[0]);
+    }
+  }
+  return texts;
+}
+
 // As a value of YAML in the quotes that it has, or needs.
 std::string writtenName(const NamePlace& place, const std::string& to) {
   if (place.isInScript || isExpressionName(to)) return to;
@@ -118,16 +136,23 @@ json renameAt(SourceViews& views, const std::string& path, size_t offset, const 
   return {{"changes", std::move(changes)}};
 }
 
-json linksOfPage(SourceViews& views, const std::string& path) {
-  const auto view = views.page(path);
+json linksIn(SourceViews& views, const std::string& path) {
   json result = json::array();
-  for (const FileMention& file : view->files) {
-    const auto behind = fileBehind(path, file.name);
-    if (!behind) continue;
-    const char first = view->text->text()[file.begin];
-    const size_t quote = first == '"' || first == '\'' ? 1 : 0;
-    result.push_back({{"range", rangeJson(view->text->rangeOf(file.begin + quote, file.end - quote))},
-                      {"target", views.files.uriOf(*behind)}});
-  }
+  const auto add = [&](const std::string& name, const EditedText& text, size_t begin, size_t end) {
+    if (const auto behind = fileBehind(path, name))
+      result.push_back({{"range", rangeJson(text.rangeOf(begin, end))}, {"target", views.files.uriOf(*behind)}});
+  };
+  if (const auto view = views.kindOf(path) == SourceKind::script ? nullptr : views.page(path))
+    for (const FileMention& file : view->files) {
+      const char first = view->text->text()[file.begin];
+      const size_t quote = first == '"' || first == '\'' ? 1 : 0;
+      add(file.name, *view->text, file.begin + quote, file.end - quote);
+    }
+  for (const auto& script : views.scripts(path))
+    for (const uint32_t text : textsOfLoadPage(script->tree)) {
+      const BobNode& node = script->tree.nodes[text];
+      const std::string name(script->tree.text(text).substr(1, node.end - node.begin - 2));
+      add(name, *script->file, script->sourceOf(node.begin + 1), script->sourceEndOf(node.end - 1));
+    }
   return result;
 }
