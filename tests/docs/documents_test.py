@@ -9,7 +9,9 @@ import subprocess
 import sys
 import tempfile
 
-from guide_test import blocks
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / 'kpg'))
+from guide_test import blocks  # noqa: E402
+from lspclient import Client  # noqa: E402
 
 
 def block(root, document, beginning):
@@ -68,6 +70,31 @@ def language(root, folder):
             yield f'docs/language-internals.md: "{line}", and it is "{instruction}"'
 
 
+def editors(root, folder):
+    """The schema is printed as shown, the source beside it builds, and the server answers the requests of the table."""
+    kpg = folder / 'build/dev/src/kpg/kpg'
+    document = (root / 'docs/editors.md').read_text()
+    command = block(root, 'docs/editors.md', 'kpg schema').replace('kpg', str(kpg), 1)
+    status, _, errors = run(command, folder)
+    if status or 'page.schema.json' not in document or not (folder / 'page.schema.json').is_file():
+        yield f'docs/editors.md: {command.strip()} fails: {errors}'
+    source = next(text for language, text in blocks(document) if language == 'yaml')
+    (folder / 'modeline.yaml').write_text(source)
+    status, _, errors = run(f'{kpg} build modeline.yaml -o modeline.kpg', folder)
+    if status:
+        yield f'docs/editors.md: the source fails: {errors}'
+    requests = re.findall(r'`(textDocument/[\w/]+)`', document)
+    client = Client(kpg, folder)
+    client.open('modeline.yaml')
+    for request in requests:
+        answer = client.answer(client.send(request))
+        if answer.get('error', {}).get('code') != -32602:  # that it needs to know the file
+            yield f'docs/editors.md: {request} is answered by {answer}'
+    if len(requests) < 14:
+        yield 'docs/editors.md: where are the requests?'
+    client.end()
+
+
 def main():
     root, build = (pathlib.Path(a).resolve() for a in sys.argv[1:3])
     faults = []
@@ -75,7 +102,7 @@ def main():
         folder = pathlib.Path(name)
         (folder / 'build').mkdir()
         (folder / 'build/dev').symlink_to(build)  # the documents name the ordinary build
-        for document in (readme, contributing, kit, language):
+        for document in (readme, contributing, kit, language, editors):
             faults += document(root, folder)
     print('\n'.join(faults))
     sys.exit(1 if faults else 0)

@@ -43,6 +43,8 @@ def check_programs(root):
     shot = run(kpg, 'shot', root / 'share/vistrel/demo/guide.kpg', '-o', root / 'guide.png', '--log', '-')
     expect(shot.returncode == 0 and 'not found' not in shot.stdout, f'the demo: {shot.stdout}{shot.stderr}')
     expect((root / 'share/vistrel/docs/authoring.md').is_file(), 'the guide')
+    expect((root / 'share/vistrel/editors/vim/after/syntax/yaml.vim').is_file(), 'the files of Vim')
+    expect((root / 'share/vistrel/editors/emacs/bob-mode.el').is_file(), 'the mode of Emacs')
 
 
 def words_of(kpg):

@@ -57,6 +57,14 @@ def lives_and_ends(kpg, folder):
     client.notify('exit')
     assert client.process.wait() == 0
 
+    # Files that nobody has open are watched by an editor that can do so.
+    client = Client(kpg, folder, workspace={'didChangeWatchedFiles': {'dynamicRegistration': True}})
+    client.fails('textDocument/nosuch')
+    registered, = client.asked[0]['params']['registrations']
+    assert client.asked[0]['method'] == 'client/registerCapability'
+    assert registered['method'] == 'workspace/didChangeWatchedFiles'
+    client.end()
+
     early = subprocess.run([kpg, 'lsp'], stdout=subprocess.PIPE, cwd=folder,
                            input=b'Content-Length: 44\r\n\r\n{"jsonrpc":"2.0","id":1,"method":"shutdown"}')
     assert b'-32002' in early.stdout and early.returncode == 1, early
@@ -73,6 +81,9 @@ def says_what_is_wrong(kpg, folder):
     assert [(text, severity) for text, severity, _ in found] == [('valign: middle', ERROR)], found
     assert 'one of top, center and bottom' in found[0][2]
     client.put('page.yaml', '    valign: middle\n', '')
+    client.put('page.yaml', 'size: 20, color', 'size: big, color')  # one of several in a line
+    assert [text for text, _, _ in client.diagnostics('page.yaml')] == ['size: big']
+    client.put('page.yaml', 'size: big, color', 'size: 20, color')
     found = client.diagnostics('page.yaml')
     assert [severity for _, severity, _ in found] == [WARNING], found
     assert "did you mean 'plain'" in found[0][2] and found[0][0].startswith('textStyle: plaim'), found
@@ -82,6 +93,11 @@ def says_what_is_wrong(kpg, folder):
     client.put('page.yaml', 'count = 0;', 'count = ;')  # the compiler's, in the line of the source
     found = client.diagnostics('page.yaml')
     assert [text for text, _, _ in found] == ['count = ;'], found
+    client.put('page.yaml', 'add(count, 2);', 'add(count 2);')  # and what comes after it
+    found = client.diagnostics('page.yaml')
+    assert [text for text, _, _ in found] == ['count = ;', 'count = add(count 2);'], found
+    assert all(message.startswith('onLoad of page: Syntax error - ') for _, _, message in found), found
+    client.put('page.yaml', 'add(count 2);', 'add(count, 2);')
     client.put('page.yaml', 'count = ;', 'count = 0;')
     client.put('page.yaml', '  onLoad: |', '  onLoad |')  # the parser's
     assert len(client.diagnostics('page.yaml')) == 1
@@ -106,6 +122,14 @@ def looks_at_open_files(kpg, folder):
     client.put('tools.bob', 'sum +;', 'sum;')
     while client.diagnostics('tools.bob'):  # both as a file and as a part of the page
         pass
+    # YAML of other programs is none of its business, unless a page includes it.
+    client.open('other.yaml', 'services: [\n')
+    assert client.diagnostics('other.yaml') == []
+    assert client.ask('textDocument/completion', **client.where('other.yaml', 'services')) is None
+    client.change('page.yaml', (0, 0, 'include: other.yaml\n'))
+    assert client.diagnostics('page.yaml') == []
+    assert [message for _, _, message in client.diagnostics('other.yaml')] == ["a '[' is never closed"]
+    client.change('page.yaml', (0, len('include: other.yaml\n'), ''))
     # A file that is open nowhere has messages, too, until the page that brings it in is closed.
     client.notify('textDocument/didClose', textDocument={'uri': client.uri('tools.bob')})
     (folder / 'tools.bob').write_text('define (')
@@ -196,8 +220,11 @@ def knows_names(kpg, folder):
     assert places('definition', 'page.yaml', 'dawn.kpx') == [('dawn.png', '')]
     assert places('references', 'page.yaml', 'name: one', 7, context={'includeDeclaration': False}) == \
         [('page.yaml', 'one')] * 2 + [('theme.yaml', 'one')]
+    client.put('page.yaml', 'count = 0;', 'count = 0; frame.LoadPage("theme.kpg");')
     links = client.ask('textDocument/documentLink', textDocument={'uri': client.uri('page.yaml')})
-    assert [pathlib.Path(link['target']).name for link in links] == ['theme.yaml', 'tools.bob', 'dawn.png']
+    assert [pathlib.Path(link['target']).name for link in links] == ['theme.yaml', 'tools.bob', 'dawn.png', 'theme.yaml']
+    assert client.shown('page.yaml', links[3]['range']) == 'theme.kpg'
+    client.put('page.yaml', ' frame.LoadPage("theme.kpg");', '')
 
     named = client.ask('textDocument/prepareRename', **client.where('page.yaml', 'up: one', 5))
     assert named['placeholder'] == 'one' and client.shown('page.yaml', named['range']) == 'one'
@@ -253,10 +280,164 @@ def shows_the_whole(kpg, folder):
     client.end()
 
 
+SCRIPTS = '''constants: {first: one}
+page:
+  type: group
+  scripts: [tools.bob]
+  onLoad: |
+    count = 0;
+    count = add(count, $(1 + 1));
+  textStyles:
+  - {name: plain, font: Sans.ttf, size: 20}
+  children:
+  - {type: text, name: one, value: 1, right: two, onClick: "widgets.two.Hide(); count += 2;"}
+  - {type: frame, name: two, onFocus: 'c = new Clock(1);
+      c.tick(2);', onBlur: widgets.$(first).SetFocus();}
+  - type: slider
+    name: bar
+    onChange: |
+      // The value of üöä 🎬 goes on.
+      count = widgets.one.value + widgets.bar.value;
+      widgets.
+
+    onUp:
+'''
+
+CLOCKS = '''// Adds two numbers,
+// or texts.
+define add(a, b) {
+  local sum = a;
+
+  sum += b;
+  return sum;
+}
+
+Clock = \\{};
+// Goes on.
+define Clock.tick(steps) {
+  this.now += steps;
+  return add(this.now, 0);
+}
+'''
+
+
+def helps_in_scripts(kpg, folder):
+    client = Client(kpg, folder)
+    client.open('page.yaml', SCRIPTS)
+    client.open('tools.bob', CLOCKS)
+
+    # Completion.
+    items = client.complete('page.yaml', 'bar.value;\n      widgets.')
+    assert set(items) == {'one', 'two', 'bar'} and items['bar']['detail'] == 'slider', items
+    client.take('page.yaml', items['two'])
+    client.put('page.yaml', '\n      widgets.two\n', '\n      widgets.two.\n')
+    items = client.complete('page.yaml', '\n      widgets.two.')
+    assert {'Hide', 'value', 'LoadPage', 'OnEvent', 'Clone'} <= set(items) and 'Push' in items and 'Intern' not in items
+    assert items['Hide']['detail'] == '(background)' and 'hides the content' in items['Hide']['documentation']['value']
+    client.put('page.yaml', '\n      widgets.two.\n', '\n      ad\n')
+    items = client.complete('page.yaml', '\n      ad')
+    assert items['add']['detail'] == '(a, b)' and {'count', 'Clock', 'while', 'topFrame', 'rand'} <= set(items), items
+    assert 'sum' not in items and 'now' not in items
+    assert items['add']['textEdit']['range'] == {'start': client.place('page.yaml', SCRIPTS.index('      widgets.\n') + 6),
+                                                 'end': client.place('page.yaml', SCRIPTS.index('      widgets.\n') + 8)}
+    client.put('page.yaml', '    onUp:\n', '    onUp: co')
+    assert 'count' in client.complete('page.yaml', 'onUp: co')
+    assert {'a', 'b', 'sum', 'add', 'count'} <= set(client.complete('tools.bob', '  sum += b;\n  '))
+    assert {'tick', 'now'} <= set(client.complete('tools.bob', 'add(this.')), client.complete('tools.bob', 'add(this.')
+    assert not client.complete('tools.bob', '// Adds')
+
+    # Hover, and the parameters of a call.
+    def hover(name, text, offset=0):
+        answer = client.ask('textDocument/hover', **client.where(name, text, offset))
+        return answer and (client.shown(name, answer['range']), answer['contents']['value'])
+
+    shown, text = hover('page.yaml', 'add(count', 1)
+    assert shown == 'add' and 'add(a, b)' in text and text.endswith('Adds two numbers, or texts.'), text
+    assert hover('page.yaml', 'c.tick', 3)[1].endswith('Goes on.')
+    assert 'a slider' in hover('page.yaml', 'widgets.bar', 9)[1]
+    assert 'hides the content' in hover('page.yaml', 'two.Hide', 5)[1]
+    assert hover('tools.bob', 'sum += b', 7) == ('b', '**b**, an argument')
+    assert 'fills the screen' not in str(hover('page.yaml', 'onLoad: |'))
+    signature = client.ask('textDocument/signatureHelp', **client.where('page.yaml', 'add(count, ', 11))
+    assert signature['signatures'][0]['label'] == 'add(a, b)' and signature['activeParameter'] == 1, signature
+
+    # Names, in all scripts and in the page.
+    def places(method, name, text, offset=0, **more):
+        found = client.ask('textDocument/' + method, **client.where(name, text, offset), **more)
+        names = [pathlib.Path(f['uri']).name for f in found]
+        return [(n, client.shown(n, f['range'])) for n, f in zip(names, found)], found
+
+    found, raw = places('definition', 'page.yaml', 'add(count', 1)
+    assert found == [('tools.bob', 'add')] and raw[0]['range']['start'] == {'line': 2, 'character': 7}
+    assert places('definition', 'page.yaml', 'widgets.bar', 9)[0] == [('page.yaml', 'bar')]
+    assert places('definition', 'page.yaml', 'widgets.$(first)', 11)[0] == [('page.yaml', 'first')]
+    assert places('definition', 'tools.bob', 'sum += b', 7)[1][0]['range']['start'] == {'line': 2, 'character': 14}
+    every = {'includeDeclaration': True}
+    assert places('references', 'tools.bob', 'define add', 8, context=every)[0] == \
+        [('tools.bob', 'add'), ('tools.bob', 'add'), ('page.yaml', 'add')]
+    assert len(places('references', 'page.yaml', 'right: two', 8, context=every)[0]) == 3
+
+    assert client.rename('page.yaml', 'right: two', 'zwei', 8) == 3
+    assert 'widgets.zwei.Hide' in client.texts['page.yaml']
+    assert 'no name for them' in client.fails('textDocument/rename', newName='a b',
+                                              **client.where('page.yaml', 'right: zwei', 8))['message']
+    assert client.rename('page.yaml', 'count = 0', 'total') == 5
+    assert 'total += 2' in client.texts['page.yaml'], client.texts['page.yaml']
+    assert client.rename('tools.bob', 'Clock.tick', 'step', 7) == 2 and 'c.step(2)' in client.texts['page.yaml']
+    assert client.rename('tools.bob', 'local sum', 'both', 7) == 3
+    assert 'own name' in client.fails('textDocument/rename', newName='x',
+                                      **client.where('page.yaml', 'zwei.Hide', 6))['message']
+    assert 'already' in client.fails('textDocument/rename', newName='Clock',
+                                     **client.where('page.yaml', 'total = 0'))['message']
+    assert client.ask('textDocument/prepareRename', **client.where('tools.bob', 'this.now +=', 1)) is None
+
+    # The style. What stands in quotes, or has an expression or an error, stays.
+    def format(name):
+        edits = client.ask('textDocument/formatting', textDocument={'uri': client.uri(name)}, options={})
+        for edit in reversed(edits):
+            begin, end = (client.at(name, edit['range'][side]) for side in ('start', 'end'))
+            client.change(name, (begin, end, edit['newText']))
+        return len(edits)
+
+    assert format('tools.bob') == 0
+    client.put('tools.bob', '  both += b;', 'both+=b;')
+    assert format('tools.bob') == 1 and '\n  both += b;\n' in client.texts['tools.bob']
+    client.put('page.yaml', 'ad\n', 'if(total)total=0;\n')
+    assert format('page.yaml') == 1 and '\n      if (total) total = 0;\n' in client.texts['page.yaml']
+    client.put('tools.bob', 'both += b;', 'both+=;')
+    assert format('tools.bob') == 0
+
+    # The whole.
+    symbols = client.ask('textDocument/documentSymbol', textDocument={'uri': client.uri('tools.bob')})
+    assert [s['name'] for s in symbols] == ['add', 'Clock', 'Clock.step'], symbols
+    folds = client.ask('textDocument/foldingRange', textDocument={'uri': client.uri('tools.bob')})
+    assert {'startLine': 0, 'endLine': 1, 'kind': 'comment'} in folds and {'startLine': 2, 'endLine': 7} in folds, folds
+    for name in ('page.yaml', 'tools.bob'):
+        words = tokens(client, name)
+        assert ('return', 'keyword') in words or name == 'page.yaml', words
+        assert ('add', 'function') in words and ('step', 'method') in words, words
+        if name == 'page.yaml':
+            assert ('// The value of üöä 🎬 goes on.', 'comment') in words and ('total', 'variable') in words, words
+    client.end()
+
+
+def tokens(client, name):
+    """The words with their kinds, as the semantic tokens have them."""
+    kinds = client.server['capabilities']['semanticTokensProvider']['legend']['tokenTypes']
+    data = client.ask('textDocument/semanticTokens/full', textDocument={'uri': client.uri(name)})['data']
+    assert len(data) % 5 == 0
+    words, line, character = [], 0, 0
+    for lines, characters, length, kind, _ in zip(*(iter(data),) * 5):
+        line, character = line + lines, characters + (0 if lines else character)
+        place = {'start': {'line': line, 'character': character}, 'end': {'line': line, 'character': character + length}}
+        words.append((client.shown(name, place), kinds[kind]))
+    return words
+
+
 def main():
     kpg = pathlib.Path(sys.argv[1]).resolve()
     for test in (lives_and_ends, says_what_is_wrong, looks_at_open_files, completes_pages, knows_names,
-                 shows_the_whole):
+                 shows_the_whole, helps_in_scripts):
         with tempfile.TemporaryDirectory() as name:
             folder = pathlib.Path(name).resolve()
             (folder / 'page.yaml').write_text(PAGE)

@@ -9,7 +9,7 @@ class Client:
         self.folder = pathlib.Path(folder)
         self.process = subprocess.Popen([kpg, 'lsp', '--stdio'], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                                         cwd=folder)
-        self.number, self.notified, self.texts, self.versions = 0, [], {}, {}
+        self.number, self.notified, self.asked, self.texts, self.versions = 0, [], [], {}, {}
         self.server = self.ask('initialize', processId=None, rootUri=self.folder.as_uri(), capabilities=capabilities)
         self.notify('initialized')
 
@@ -46,6 +46,7 @@ class Client:
                 assert ('result' in message) != ('error' in message), message
                 return message
             if 'id' in message:
+                self.asked.append(message)
                 self.write(json.dumps({'jsonrpc': '2.0', 'id': message['id'], 'result': None}).encode())
             else:
                 self.notified.append(message)
@@ -118,7 +119,7 @@ class Client:
                 return [(self.shown(name, d['range']), d['severity'], d['message']) for d in params['diagnostics']]
             else:
                 message = self.message()
-                assert 'method' in message, message
+                assert 'method' in message and 'id' not in message, message
                 self.notified.append(message)
 
     def where(self, name, text, offset=0):

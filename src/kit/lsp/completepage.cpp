@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "kit/expand/expression.h"
+#include "kit/lsp/features.h"
 #include "kit/lsp/lspjson.h"
 #include "kit/lsp/pagecursor.h"
-#include "kit/lsp/pagefeatures.h"
 #include "kit/source/sourcekeys.h"
 #include "kit/yaml/writeyaml.h"
 
@@ -27,10 +27,12 @@ enum Kind {
   kKeyword = 14
 };
 
+constexpr size_t kMostItems = 400;
+
 constexpr std::string_view kRepeatKeys[][2] = {{"over", "what to repeat over: a list, a file or a count"},
-                                           {"as", "the name of what is repeated over, in place of `item`"},
-                                           {"index", "the name of its number from 0, in place of `index`"},
-                                           {"count", "the name of how many there are, in place of `count`"}};
+                                               {"as", "the name of what is repeated over, in place of `item`"},
+                                               {"index", "the name of its number from 0, in place of `index`"},
+                                               {"count", "the name of how many there are, in place of `count`"}};
 
 class PageCompletion {
  public:
@@ -40,19 +42,27 @@ class PageCompletion {
   json all() {
     if (cursor.kind == PageCursor::key) addKeys();
     if (cursor.kind == PageCursor::value) addValues();
-    return {{"isIncomplete", false}, {"items", std::move(items)}};
+    return {{"isIncomplete", isIncomplete}, {"items", std::move(items)}};
   }
 
  private:
   void add(const std::string& label, Kind kind, const std::string& newText, const std::string& detail = "",
            const std::string& help = "") {
-    if (!labels.insert(label).second) return;
+    if (!labels.insert(label).second || !isWanted(label)) return;
     json item = {{"label", label},
                  {"kind", int(kind)},
                  {"textEdit", {{"range", rangeJson(text.rangeOf(begin(), end()))}, {"newText", newText}}}};
     if (!detail.empty()) item["detail"] = detail;
     if (!help.empty()) item["documentation"] = {{"kind", "markdown"}, {"value", help}};
     items.push_back(std::move(item));
+  }
+
+  // Of very many only those that begin as what is written; with each letter the editor asks again then.
+  bool isWanted(const std::string& label) {
+    if (items.size() < kMostItems / 4) return true;
+    const bool wanted = items.size() < kMostItems && label.starts_with(cursor.written);
+    isIncomplete = isIncomplete || !wanted;
+    return wanted;
   }
 
   size_t begin() const { return std::min(isInExpression ? wordBegin : cursor.begin, text.text().size()); }
@@ -89,7 +99,7 @@ class PageCompletion {
     }
   }
 
-  void addKeysOf(const PageObject& object) {
+  void addKeysOf(const SourceObject& object) {
     const std::string made = object.node->textOf("template");
     std::string type = object.type;
     if (type.empty() && !made.empty())
@@ -102,7 +112,7 @@ class PageCompletion {
 
   // Those of the template that the map around uses.
   void addParameters() {
-    for (const PageObject& object : cursor.view->objects) {
+    for (const SourceObject& object : cursor.view->objects) {
       const LoosePair* with = object.node->find("with");
       if (!with || with->value.begin > offset || offset > with->value.end + 200) continue;
       for (const auto& [file, view] : views.relatedPages(path)) {
@@ -178,7 +188,7 @@ class PageCompletion {
     for (const auto& [file, view] : views.relatedPages(path))
       for (const NameMention& name : view->names) {
         if (!name.isDefinition || name.kind != kind) continue;
-        const PageObject* object = kind == NameKind::madeBy ? nullptr : view->named(kind, name.name);
+        const SourceObject* object = kind == NameKind::madeBy ? nullptr : view->named(kind, name.name);
         const std::string type = !object                             ? ""
                                  : object->kind == ObjectKind::style ? object->node->textOf("font")
                                  : object->type.empty()              ? "box"
@@ -238,6 +248,7 @@ class PageCompletion {
   bool isInExpression = false;
   size_t wordBegin = 0;
   json items = json::array();
+  bool isIncomplete = false;
   std::set<std::string> labels;
 };
 

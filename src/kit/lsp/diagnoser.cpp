@@ -1,6 +1,13 @@
 #include "kit/lsp/diagnoser.h"
 
+#include <algorithm>
 #include <utility>
+
+namespace {
+
+constexpr std::chrono::milliseconds kRest{60};
+
+}  // namespace
 
 Diagnoser::Diagnoser(Done d) : done(std::move(d)), thread([this] { work(); }) {}
 
@@ -15,7 +22,7 @@ Diagnoser::~Diagnoser() {
 
 void Diagnoser::add(const std::string& path, DiagnosisTask task) {
   const std::lock_guard lock(mutex);
-  waiting[path] = std::move(task);
+  waiting[path] = {std::move(task), std::chrono::steady_clock::now() + kRest};
   changed.notify_one();
 }
 
@@ -29,9 +36,15 @@ void Diagnoser::work() {
   while (true) {
     changed.wait(lock, [this] { return ends || !waiting.empty(); });
     if (ends) return;
-    const auto next = waiting.extract(waiting.begin());
+    const auto first = std::min_element(waiting.begin(), waiting.end(),
+                                        [](const auto& a, const auto& b) { return a.second.due < b.second.due; });
+    if (first->second.due > std::chrono::steady_clock::now()) {
+      changed.wait_until(lock, std::chrono::steady_clock::time_point(first->second.due));
+      continue;
+    }
+    const auto next = waiting.extract(first);
     lock.unlock();
-    const DiagnosisTask& task = next.mapped();
+    const DiagnosisTask& task = next.mapped().task;
     done(next.key(), task, diagnose(next.key(), task.kind, task.isSaved, readerOf(task.files)));
     lock.lock();
   }

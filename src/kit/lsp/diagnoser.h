@@ -1,8 +1,10 @@
 // Diagnoses files on a thread of its own, so that an editor waits for nothing while it asks for other things.
 //
-// What is asked for again before its turn is done once, as it is by then.
+// What is asked for again before its turn is done once, as it is by then; and its turn comes when it has rested for a
+// moment, so that nothing is done between the letters of a word.
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <map>
@@ -36,7 +38,11 @@ class Diagnoser {
   const Done done;
   std::mutex mutex;
   std::condition_variable changed;
-  std::map<std::string, DiagnosisTask> waiting;
+  struct Waiting {
+    DiagnosisTask task;
+    std::chrono::steady_clock::time_point due;
+  };
+  std::map<std::string, Waiting> waiting;
   bool ends = false;
   std::thread thread;  // the last member, since it uses the others
 };

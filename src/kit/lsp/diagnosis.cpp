@@ -1,6 +1,8 @@
 #include "kit/lsp/diagnosis.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -8,6 +10,8 @@
 #include "kit/check/checkedpage.h"
 #include "kit/check/checkpage.h"
 #include "kit/check/checks.h"
+#include "kit/lsp/fileuri.h"
+#include "kit/lsp/scriptview.h"
 #include "kit/project/project.h"
 #include "kit/source/pagesource.h"
 #include "kit/source/scripts.h"
@@ -85,6 +89,32 @@ void diagnoseScript(const std::string& path, const ReadFile& read) {
   }
 }
 
+// What the compiler has not come to: it stops at the first fault of a script, and reads none while the YAML is broken.
+void addSyntaxErrors(const std::string& path, SourceKind kind, const ReadFile& read, Diagnosis& into) {
+  std::vector<uint8_t> bytes;
+  try {
+    bytes = read(path);
+  } catch (const KitError&) {  // which has been said
+    return;
+  }
+  const auto text = std::make_shared<const EditedText>(std::string(bytes.begin(), bytes.end()));
+  const auto add = [&](const ScriptView& script) {
+    if (script.hasExpressions) return;
+    for (const BobSyntaxError& error : script.tree.errors) {
+      const int line = text->positionOf(script.sourceOf(error.offset)).line + 1;
+      const bool isKnown = std::any_of(into.errors.begin(), into.errors.end(), [&](const KitMessage& known) {
+        return known.line == line && fullPath(known.file) == fullPath(path);
+      });
+      if (!isKnown)
+        into.errors.push_back(
+            {path, line, (script.what.empty() ? "" : script.what + ": ") + "Syntax error - " + error.text});
+    }
+  };
+  if (kind == SourceKind::script) return add(ScriptView(path, text));
+  const auto page = std::make_shared<const PageView>(text);
+  for (const SourceScript& script : page->scripts) add(ScriptView(path, page, script));
+}
+
 void diagnoseYaml(const std::string& path, const ReadFile& read) {
   const std::vector<uint8_t> bytes = read(path);
   parseYaml(path, std::string(bytes.begin(), bytes.end()));
@@ -98,7 +128,7 @@ SourceKind sourceKindOf(const std::string& path, const std::string& text) {
   if (fs::path(path).filename() == kProjectFileName) return SourceKind::project;
   if (path.ends_with(kTestFileEnding)) return SourceKind::tests;
   if (hasLine(text, "page:") || hasLine(text, "flags:")) return SourceKind::page;
-  return SourceKind::part;
+  return hasLine(text, "constants:") || hasLine(text, "templates:") ? SourceKind::part : SourceKind::other;
 }
 
 Diagnosis diagnose(const std::string& path, SourceKind kind, bool isSaved, const ReadFile& read) {
@@ -119,5 +149,7 @@ Diagnosis diagnose(const std::string& path, SourceKind kind, bool isSaved, const
   } catch (const KitError& e) {
     result.errors = e.messages;
   }
+  if (kind == SourceKind::script || kind == SourceKind::page || kind == SourceKind::part)
+    addSyntaxErrors(path, kind, read, result);
   return result;
 }

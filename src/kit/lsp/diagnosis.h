@@ -11,7 +11,8 @@
 
 enum class SourceKind { page, part, project, tests, script, other };  // part: what page sources include
 
-// By its name and, of YAML, by what it looks like.
+// By its name and, of YAML, by what it looks like; YAML that looks like none of these is `other`, since editors have
+// that for much else.
 SourceKind sourceKindOf(const std::string& path, const std::string& text);
 
 struct Diagnosis {
@@ -19,5 +20,6 @@ struct Diagnosis {
   std::vector<std::string> sources;  // all that was read
 };
 
-// `isSaved`: that the disk has the same; some checks look at files themselves and are made then.
+// After the first fault of a script the compiler says nothing more of it; what the tolerant parser finds then comes
+// along. `isSaved`: that the disk has the same; some checks look at files themselves and are made then.
 Diagnosis diagnose(const std::string& path, SourceKind kind, bool isSaved, const ReadFile& read);

@@ -21,9 +21,10 @@ EditedText::EditedText(std::string text) : all(std::move(text)) { findLines(); }
 
 void EditedText::findLines() {
   begins.assign(1, 0);
-  for (size_t i = all.find_first_of("\r\n"); i != std::string::npos; i = all.find_first_of("\r\n", i)) {
-    i += all[i] == '\r' && i + 1 < all.size() && all[i + 1] == '\n' ? 2 : 1;
-    begins.push_back(i);
+  for (size_t i = 0; i < all.size(); ++i) {
+    if (all[i] != '\n' && all[i] != '\r') continue;
+    if (all[i] == '\r' && i + 1 < all.size() && all[i + 1] == '\n') ++i;
+    begins.push_back(i + 1);
   }
 }
 

@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "kit/lsp/features.h"
 #include "kit/lsp/lspjson.h"
-#include "kit/lsp/pagefeatures.h"
 #include "kit/pictures/showncolor.h"
 #include "kit/source/sourcekeys.h"
 
@@ -36,7 +36,7 @@ const LoosePair* keyAt(const LooseNode& node, size_t offset, const LooseNode** m
   return nullptr;
 }
 
-std::string kindOf(const PageObject& object) {
+std::string kindOf(const SourceObject& object) {
   switch (object.kind) {
     case ObjectKind::root: return "the page";
     case ObjectKind::style: return "a text style";
@@ -48,7 +48,7 @@ std::string kindOf(const PageObject& object) {
 }
 
 // Plain attributes of what is named, as written.
-std::string saidOf(const PageObject& object, std::initializer_list<const char*> keys) {
+std::string saidOf(const SourceObject& object, std::initializer_list<const char*> keys) {
   std::string all;
   for (const char* key : keys)
     if (const LoosePair* pair = object.node->find(key); pair && pair->value.isScalar())
@@ -56,37 +56,36 @@ std::string saidOf(const PageObject& object, std::initializer_list<const char*> 
   return all;
 }
 
-std::string aboutName(const PageView& view, const NameMention& name) {
-  if (name.kind == NameKind::madeBy) {
-    const LooseNode* body = view.templateNamed(name.name);
+std::string aboutName(const PageView& view, NameKind kind, const std::string& name) {
+  if (kind == NameKind::madeBy) {
+    const LooseNode* body = view.templateNamed(name);
     if (!body) return "";
-    std::string text = "**" + name.name + "**, a template";
+    std::string text = "**" + name + "**, a template";
     const LoosePair* parameters = body->find("parameters");
     for (const LoosePair& parameter : parameters ? parameters->value.map : std::vector<LoosePair>())
       text +=
           "\n- `" + parameter.key + "`" + (parameter.value.isScalar() ? ", without it " + parameter.value.text : "");
     return text;
   }
-  if (name.kind == NameKind::constant) {
+  if (kind == NameKind::constant) {
     const LoosePair* all = view.top.find("constants");
-    const LoosePair* constant = all ? all->value.find(name.name) : nullptr;
+    const LoosePair* constant = all ? all->value.find(name) : nullptr;
     if (!constant) return "";
     const std::string value = constant->value.isScalar() ? ": `" + constant->value.text + "`" : "";
-    return "**" + name.name + "**, a constant" + value;
+    return "**" + name + "**, a constant" + value;
   }
-  if (name.kind == NameKind::parameter)
-    return "**" + name.name.substr(name.name.find('.') + 1) + "**, a parameter of " +
-           name.name.substr(0, name.name.find('.'));
-  const PageObject* object = view.named(name.kind, name.name);
+  if (kind == NameKind::parameter)
+    return "**" + name.substr(name.find('.') + 1) + "**, a parameter of " + name.substr(0, name.find('.'));
+  const SourceObject* object = view.named(kind, name);
   if (!object) return "";
   const std::string said = object->kind == ObjectKind::style
                                ? saidOf(*object, {"style", "font", "size", "color", "bgColor", "antialias"})
                                : saidOf(*object, {"x", "y", "width", "height", "value", "src"});
-  return "**" + name.name + "**, " + kindOf(*object) + (said.empty() ? "" : "\n\n" + said);
+  return "**" + name + "**, " + kindOf(*object) + (said.empty() ? "" : "\n\n" + said);
 }
 
 std::string aboutKey(const PageView& view, const LooseNode& map, const std::string& key) {
-  if (const PageObject* object = view.objectOf(map)) {
+  if (const SourceObject* object = view.objectOf(map)) {
     const auto known = objectKey(object->kind, object->type, key);
     if (known) return "**" + key + "** of " + kindOf(*object) + "\n\n" + keyHelp(*known);
     const std::string owners = whatHas(key);
@@ -100,6 +99,12 @@ std::string aboutKey(const PageView& view, const LooseNode& map, const std::stri
 
 }  // namespace
 
+std::string aboutPageName(SourceViews& views, const std::string& path, NameKind kind, const std::string& name) {
+  for (const auto& [file, view] : views.relatedPages(path))
+    if (const std::string text = aboutName(*view, kind, name); !text.empty()) return text;
+  return "";
+}
+
 json hoverPage(SourceViews& views, const std::string& path, size_t offset) {
   const auto view = views.page(path);
   for (const ColorMention& color : view->colors)
@@ -109,9 +114,8 @@ json hoverPage(SourceViews& views, const std::string& path, size_t offset) {
                            hex(colorOfSameHue(color.rgb)) + "`, which shows as `" +
                            hex(shownColor(colorOfSameHue(color.rgb))) + "`");
   if (const NameMention* name = view->nameAt(offset))
-    for (const auto& [file, other] : views.relatedPages(path))
-      if (const std::string text = aboutName(*other, *name); !text.empty())
-        return hoverJson(*view->text, name->begin, name->end, text);
+    if (const std::string text = aboutPageName(views, path, name->kind, name->name); !text.empty())
+      return hoverJson(*view->text, name->begin, name->end, text);
   const LooseNode* map = nullptr;
   if (const LoosePair* pair = keyAt(view->top, offset, &map))
     if (const std::string text = aboutKey(*view, *map, pair->key); !text.empty())

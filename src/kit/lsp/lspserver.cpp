@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "kit/errors.h"
+#include "kit/lsp/features.h"
 #include "kit/lsp/fileuri.h"
 #include "kit/lsp/lspjson.h"
-#include "kit/lsp/pagefeatures.h"
 #include "kit/version.h"
 
 using nlohmann::json;
@@ -36,12 +36,15 @@ LspServer::Request LspServer::requestNamed(const std::string& method) {
       {"shutdown", &LspServer::shutdown},
       {"textDocument/completion", &LspServer::completion},
       {"textDocument/hover", &LspServer::hover},
+      {"textDocument/signatureHelp", &LspServer::signatureHelp},
       {"textDocument/definition", &LspServer::definition},
       {"textDocument/references", &LspServer::references},
       {"textDocument/prepareRename", &LspServer::prepareRename},
       {"textDocument/rename", &LspServer::rename},
       {"textDocument/documentSymbol", &LspServer::documentSymbol},
       {"textDocument/foldingRange", &LspServer::foldingRange},
+      {"textDocument/semanticTokens/full", &LspServer::semanticTokens},
+      {"textDocument/formatting", &LspServer::formatting},
       {"textDocument/documentLink", &LspServer::documentLink},
       {"textDocument/documentColor", &LspServer::documentColor},
       {"textDocument/colorPresentation", &LspServer::colorPresentation},
@@ -51,6 +54,7 @@ LspServer::Request LspServer::requestNamed(const std::string& method) {
 
 LspServer::Notification LspServer::notificationNamed(const std::string& method) {
   static constexpr Named<Notification> kNotifications[] = {
+      {"initialized", &LspServer::initialized},
       {"textDocument/didOpen", &LspServer::didOpen},
       {"textDocument/didChange", &LspServer::didChange},
       {"textDocument/didSave", &LspServer::didSave},
@@ -78,7 +82,7 @@ void LspServer::serve(const json& message) {
   const json* method = findMember(message, "method");
   const json* id = findMember(message, "id");
   if (!method || !method->is_string()) {
-    if (findMember(message, "result") || findMember(message, "error")) return;  // what the editor answers
+    if (message.contains("result") || message.contains("error")) return;  // what the editor answers
     const LspErrorCode code = message.is_null() ? LspErrorCode::parseError : LspErrorCode::invalidRequest;
     connection.send({{"jsonrpc", "2.0"},
                      {"id", id ? *id : json()},
@@ -129,22 +133,41 @@ void LspServer::notify(const std::string& method, const json& params) {
 
 // ---- beginning and end
 
-json LspServer::initialize(const json&) {
+json LspServer::initialize(const json& params) {
   if (isInitialized) throw LspError(LspErrorCode::invalidRequest, "initialize has been requested before");
   isInitialized = true;
+  const json* workspace = findMember(params, "capabilities");
+  for (const char* key : {"workspace", "didChangeWatchedFiles", "dynamicRegistration"})
+    workspace = workspace ? findMember(*workspace, key) : nullptr;
+  canWatchFiles = workspace && workspace->is_boolean() && workspace->get<bool>();
   return {{"capabilities",
            {{"positionEncoding", "utf-16"},
             {"textDocumentSync", {{"openClose", true}, {"change", kIncremental}, {"save", true}}},
             {"completionProvider", {{"triggerCharacters", {".", "(", "\\", " "}}}},
             {"hoverProvider", true},
+            {"signatureHelpProvider", {{"triggerCharacters", {"(", ","}}}},
+            {"semanticTokensProvider", {{"legend", semanticLegend()}, {"full", true}}},
             {"definitionProvider", true},
             {"referencesProvider", true},
             {"renameProvider", {{"prepareProvider", true}}},
             {"documentSymbolProvider", true},
             {"foldingRangeProvider", true},
+            {"documentFormattingProvider", true},
             {"documentLinkProvider", {{"resolveProvider", false}}},
             {"colorProvider", true}}},
           {"serverInfo", {{"name", "kpg"}, {"version", kitVersion()}}}};
+}
+
+// Pages are made of files that nobody has open.
+void LspServer::initialized(const json&) {
+  if (!canWatchFiles) return;
+  const json watcher = {{"globPattern", "**/*.{yaml,yml,bob,csv,png,gif,ttf}"}};
+  const json registration = {
+      {"id", "files"}, {"method", "workspace/didChangeWatchedFiles"}, {"registerOptions", {{"watchers", {watcher}}}}};
+  connection.send({{"jsonrpc", "2.0"},
+                   {"id", "files"},
+                   {"method", "client/registerCapability"},
+                   {"params", {{"registrations", {registration}}}}});
 }
 
 json LspServer::shutdown(const json&) {
@@ -213,7 +236,7 @@ void LspServer::diagnoseOne(const OpenFile& file) {
   bool isSaved = file.isSaved;
   for (const std::string& source : publisher.sourcesOf(file.path))
     if (const OpenFile* other = files.at(source)) isSaved = isSaved && other->isSaved;
-  diagnoser.add(file.path, {sourceKindOf(file.path, file.text->text()), isSaved, files.snapshot()});
+  diagnoser.add(file.path, {views.kindOf(file.path), isSaved, files.snapshot()});
 }
 
 // ---- questions
@@ -226,17 +249,26 @@ LspServer::Place LspServer::placeOf(const json& params) {
 
 json LspServer::completion(const json& params) {
   const Place place = placeOf(params);
-  return place.isPage() ? completePage(views, place.file.path, place.offset) : json();
+  if (!place.isSource()) return nullptr;
+  json inScript = completeScript(views, place.file.path, place.offset);
+  return inScript.is_null() ? completePage(views, place.file.path, place.offset) : inScript;
 }
 
 json LspServer::hover(const json& params) {
   const Place place = placeOf(params);
-  return place.isPage() ? hoverPage(views, place.file.path, place.offset) : json();
+  if (!place.isSource()) return nullptr;
+  json inScript = hoverScript(views, place.file.path, place.offset);
+  return inScript.is_null() && place.isPage() ? hoverPage(views, place.file.path, place.offset) : inScript;
+}
+
+json LspServer::signatureHelp(const json& params) {
+  const Place place = placeOf(params);
+  return place.isSource() ? signatureAt(views, place.file.path, place.offset) : json();
 }
 
 json LspServer::definition(const json& params) {
   const Place place = placeOf(params);
-  return place.isPage() ? definitionInPage(views, place.file.path, place.offset) : json();
+  return place.isSource() ? definitionAt(views, place.file.path, place.offset) : json();
 }
 
 json LspServer::references(const json& params) {
@@ -244,33 +276,48 @@ json LspServer::references(const json& params) {
   const json* context = findMember(params, "context");
   const json* with = context ? findMember(*context, "includeDeclaration") : nullptr;
   const bool withDefinitions = with && with->is_boolean() && with->get<bool>();
-  return place.isPage() ? referencesInPage(views, place.file.path, place.offset, withDefinitions) : json();
+  return place.isSource() ? referencesAt(views, place.file.path, place.offset, withDefinitions) : json();
 }
 
 json LspServer::prepareRename(const json& params) {
   const Place place = placeOf(params);
-  return place.isPage() ? prepareRenameInPage(views, place.file.path, place.offset) : json();
+  return place.isSource() ? prepareRenameAt(views, place.file.path, place.offset) : json();
 }
 
 json LspServer::rename(const json& params) {
   const Place place = placeOf(params);
   const std::string to = textOf(params, "newName");
-  return place.isPage() ? renameInPage(views, place.file.path, place.offset, to) : json();
+  return place.isSource() ? renameAt(views, place.file.path, place.offset, to) : json();
 }
 
 json LspServer::documentSymbol(const json& params) {
   const Place place = placeOf(params);
-  return place.isPage() ? outlineOfPage(*views.page(place.file.path)) : json();
+  if (place.isPage()) return outlineOfPage(*views.page(place.file.path));
+  return place.isSource() ? outlineOfScript(*views.scripts(place.file.path).front()) : json();
 }
 
 json LspServer::foldingRange(const json& params) {
   const Place place = placeOf(params);
-  return place.isPage() ? foldsOfPage(*views.page(place.file.path)) : json();
+  if (!place.isSource()) return nullptr;
+  json folds = place.isPage() ? foldsOfPage(*views.page(place.file.path)) : json::array();
+  for (const auto& script : views.scripts(place.file.path))
+    for (json& fold : foldsOfScript(*script)) folds.push_back(std::move(fold));
+  return folds;
+}
+
+json LspServer::semanticTokens(const json& params) {
+  const Place place = placeOf(params);
+  return place.isSource() ? semanticTokensOf(views, place.file.path) : json();
+}
+
+json LspServer::formatting(const json& params) {
+  const Place place = placeOf(params);
+  return place.isSource() ? formatScripts(views, place.file.path) : json();
 }
 
 json LspServer::documentLink(const json& params) {
   const Place place = placeOf(params);
-  return place.isPage() ? linksOfPage(views, place.file.path) : json();
+  return place.isSource() ? linksIn(views, place.file.path) : json();
 }
 
 json LspServer::documentColor(const json& params) {

@@ -32,6 +32,7 @@ class LspServer {
   void notify(const std::string& method, const json& params);
 
   json initialize(const json& params);
+  void initialized(const json& params);
   json shutdown(const json& params);
   void didOpen(const json& params);
   void didChange(const json& params);
@@ -41,12 +42,15 @@ class LspServer {
 
   json completion(const json& params);
   json hover(const json& params);
+  json signatureHelp(const json& params);
   json definition(const json& params);
   json references(const json& params);
   json prepareRename(const json& params);
   json rename(const json& params);
   json documentSymbol(const json& params);
   json foldingRange(const json& params);
+  json semanticTokens(const json& params);
+  json formatting(const json& params);
   json documentLink(const json& params);
   json documentColor(const json& params);
   json colorPresentation(const json& params);
@@ -57,6 +61,7 @@ class LspServer {
     size_t offset;
     SourceKind kind;
     bool isPage() const { return kind == SourceKind::page || kind == SourceKind::part; }
+    bool isSource() const { return isPage() || kind == SourceKind::script; }
   };
   Place placeOf(const json& params);  // offset 0 for a request without a position
   OpenFile& openFile(const json& params);
@@ -68,5 +73,6 @@ class LspServer {
   SourceViews views;
   Publisher publisher;
   Diagnoser diagnoser;
+  bool canWatchFiles = false;
   bool isInitialized = false, isShutDown = false, hasEnded = false;
 };

@@ -3,8 +3,8 @@
 #include <set>
 #include <utility>
 
+#include "kit/lsp/features.h"
 #include "kit/lsp/lspjson.h"
-#include "kit/lsp/pagefeatures.h"
 
 using nlohmann::json;
 
@@ -16,7 +16,7 @@ enum Kind { kClass = 5, kField = 8, kConstant = 14, kObject = 19, kEvent = 24, k
 class PageOutlineMaker {
  public:
   explicit PageOutlineMaker(const PageView& v) : view(v), text(*v.text) {
-    for (const PageScript& script : view.scripts) scripts.insert(script.pair);
+    for (const SourceScript& script : view.scripts) scripts.insert(script.pair);
   }
 
   json all() {
@@ -65,7 +65,7 @@ class PageOutlineMaker {
 
   void addObjects(const LooseNode& list, json& into) const {
     for (const LooseNode& item : list.list) {
-      const PageObject* object = view.objectOf(item);
+      const SourceObject* object = view.objectOf(item);
       if (!object) continue;
       const LoosePair* name = item.find("name");
       const bool isNamed = name && name->value.isScalar();

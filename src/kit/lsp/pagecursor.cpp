@@ -48,7 +48,7 @@ class CursorFinder {
 
   bool visitValue(const LoosePair& pair, const LooseNode& map) {
     if (!holds(pair.value.begin, pair.value.end)) return false;
-    const PageScript* script = cursor.view->scriptAt(offset);
+    const SourceScript* script = cursor.view->scriptAt(offset);
     if (!script || script->pair != &pair) return foundScalar(pair.value, &map);
     cursor.kind = PageCursor::script;
     cursor.scriptText = pair.value.text;
@@ -87,7 +87,7 @@ class CursorFinder {
   }
 
   void takeObject(const LooseNode& map) {
-    if (const PageObject* object = cursor.view->objectOf(map)) cursor.object = *object;
+    if (const SourceObject* object = cursor.view->objectOf(map)) cursor.object = *object;
   }
 
   const size_t offset;

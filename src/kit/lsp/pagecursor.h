@@ -16,15 +16,15 @@ struct PageCursor {
   bool isQuoted = false;
   std::string written;  // of the word, before the cursor
 
-  std::vector<std::string> path;     // keys from the outermost to that of the map which the key, or the value, is of
-  std::string keyOfValue;            // of a value; of an entry of a list that of the list
-  bool isEntry = false;              // of a value: an entry of a list, which may become a map
-  bool hasColon = false;             // of a key: there is one already
-  std::vector<std::string> keys;     // of a key: what the map has besides
-  std::optional<PageObject> object;  // that the key, or the value, is of; its node is of `view`
-  std::unique_ptr<PageView> view;    // of the source with the mark
-  std::string scriptText;            // of a script, without the mark
-  size_t scriptOffset = 0;           // of the cursor in it
+  std::vector<std::string> path;       // keys from the outermost to that of the map which the key, or the value, is of
+  std::string keyOfValue;              // of a value; of an entry of a list that of the list
+  bool isEntry = false;                // of a value: an entry of a list, which may become a map
+  bool hasColon = false;               // of a key: there is one already
+  std::vector<std::string> keys;       // of a key: what the map has besides
+  std::optional<SourceObject> object;  // that the key, or the value, is of; its node is of `view`
+  std::unique_ptr<PageView> view;      // of the source with the mark
+  std::string scriptText;              // of a script, without the mark
+  size_t scriptOffset = 0;             // of the cursor in it
 };
 
 PageCursor pageCursorAt(const EditedText& text, size_t offset);

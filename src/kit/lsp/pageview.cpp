@@ -79,11 +79,18 @@ void PageView::readObject(const LooseNode& node, ObjectKind kind, size_t number,
   if (const std::string name = node.textOf("name"); !name.empty() && (isWidgetKind(kind) || kind == ObjectKind::style))
     objectsByName.try_emplace({isWidgetKind(kind) ? NameKind::widget : NameKind::style, name}, index);
   objects.push_back({kind, type, label, &node, node.find("template") || node.find("include"), inside});
-  for (const LoosePair& pair : node.map) readPair(pair, index);
+  const SourceObject object = objects[index];  // which moves while what lies in it is added
+  for (const LoosePair& pair : node.map) readPair(pair, object);
 }
 
-void PageView::readPair(const LoosePair& pair, size_t index) {
-  const PageObject object = objects[index];
+const AttributeRow* PageView::rowOf(const SourceObject& object, const std::string& key) {
+  std::string what = std::to_string(int(object.kind)) + object.type + "." + key;
+  const auto [known, isNew] = rows.try_emplace(std::move(what), nullptr);
+  if (isNew) known->second = rowOfAttribute(object.kind, object.type, key);
+  return known->second;
+}
+
+void PageView::readPair(const LoosePair& pair, const SourceObject& object) {
   const LooseNode& value = pair.value;
   if (value.isScalar()) readExpressions(value, object.inside);
   if (pair.key == "template") return mention(NameKind::madeBy, value);
@@ -94,8 +101,9 @@ void PageView::readPair(const LoosePair& pair, size_t index) {
     if (object.kind == ObjectKind::style) mention(NameKind::style, value, true);
     return;
   }
-  const AttributeForm form = attributeForm(object.kind, object.type, pair.key);
-  switch (namedBy(object.kind, object.type, pair.key)) {
+  const AttributeRow* row = rowOf(object, pair.key);
+  const AttributeForm form = row ? AttributeForm(row->kind) : std::nullopt;
+  switch (row ? namedBy(*row) : NamedThing::nothing) {
     case NamedThing::widget: return mention(NameKind::widget, value);
     case NamedThing::style: return mention(NameKind::style, value);
     case NamedThing::file:
@@ -187,12 +195,12 @@ void PageView::define(NameKind kind, const LoosePair& pair, const std::string& n
 
 // ---- looking up
 
-const PageObject* PageView::objectOf(const LooseNode& map) const {
+const SourceObject* PageView::objectOf(const LooseNode& map) const {
   const auto found = objectsByNode.find(&map);
   return found == objectsByNode.end() ? nullptr : &objects[found->second];
 }
 
-const PageObject* PageView::named(NameKind kind, const std::string& name) const {
+const SourceObject* PageView::named(NameKind kind, const std::string& name) const {
   const auto found = objectsByName.find(std::pair(kind, name));
   return found == objectsByName.end() ? nullptr : &objects[found->second];
 }
@@ -203,8 +211,8 @@ const NameMention* PageView::nameAt(size_t offset) const {
   return nullptr;
 }
 
-const PageScript* PageView::scriptAt(size_t offset) const {
-  for (const PageScript& script : scripts)
+const SourceScript* PageView::scriptAt(size_t offset) const {
+  for (const SourceScript& script : scripts)
     if (script.pair->value.begin <= offset && offset <= script.pair->value.end) return &script;
   return nullptr;
 }

@@ -25,7 +25,7 @@ struct NameMention {
   bool isDefinition;
 };
 
-struct PageObject {
+struct SourceObject {
   ObjectKind kind;
   std::string type;  // its own, or that of its template as far as this file has it; empty for a plain box
   std::string label;
@@ -40,7 +40,7 @@ struct FileMention {
   size_t begin, end;
 };
 
-struct PageScript {
+struct SourceScript {
   const LoosePair* pair;
   std::string of;  // the label of the object
 };
@@ -58,16 +58,16 @@ class PageView {
 
   const std::shared_ptr<const EditedText> text;
   const LooseNode top;
-  std::vector<PageObject> objects;  // in the order of the source, what lies in one after it
+  std::vector<SourceObject> objects;  // in the order of the source, what lies in one after it
   std::vector<NameMention> names;
   std::vector<FileMention> files;
-  std::vector<PageScript> scripts;
+  std::vector<SourceScript> scripts;
   std::vector<ColorMention> colors;
 
-  const PageObject* objectOf(const LooseNode& map) const;                 // null for a map that is no object
-  const PageObject* named(NameKind kind, const std::string& name) const;  // the first widget or style of that name
+  const SourceObject* objectOf(const LooseNode& map) const;                 // null for a map that is no object
+  const SourceObject* named(NameKind kind, const std::string& name) const;  // the first widget or style of that name
   const NameMention* nameAt(size_t offset) const;
-  const PageScript* scriptAt(size_t offset) const;
+  const SourceScript* scriptAt(size_t offset) const;
   const LooseNode* templateNamed(std::string_view name) const;
   std::vector<std::string> included() const;     // names of files
   std::vector<std::string> scriptFiles() const;  // likewise, .bob
@@ -76,7 +76,8 @@ class PageView {
   void readTop();
   void readTemplates(const LooseNode& all);
   void readObject(const LooseNode& node, ObjectKind kind, size_t number, const std::string& inside);
-  void readPair(const LoosePair& pair, size_t object);
+  void readPair(const LoosePair& pair, const SourceObject& object);
+  const AttributeRow* rowOf(const SourceObject& object, const std::string& key);
   void readTable(const LooseNode& list, ObjectKind kind, const std::string& inside);
   void readColor(const LooseNode& scalar);
   void readOther(const LooseNode& node, const std::string& inside);
@@ -88,4 +89,5 @@ class PageView {
   std::unordered_map<const LooseNode*, size_t> objectsByNode;
   std::map<std::pair<NameKind, std::string>, size_t, std::less<>> objectsByName;
   std::set<std::string> parameters;
+  std::unordered_map<std::string, const AttributeRow*> rows;  // that have been looked up
 };

@@ -6,12 +6,27 @@
 
 #include "kit/lsp/fileuri.h"
 #include "kit/lsp/lspjson.h"
+#include "kit/yaml/looseyaml.h"
 
 using nlohmann::json;
 
 namespace {
 
 constexpr int kError = 1, kWarning = 2;  // severities
+
+// The first pair of that key which begins between two bytes.
+const LoosePair* pairIn(const LooseNode& node, std::string_view key, size_t begin, size_t end) {
+  for (const LoosePair& pair : node.map) {
+    if (pair.key == key && begin <= pair.begin && pair.begin < end) return &pair;
+    if (pair.value.begin >= end || pair.value.end <= begin) continue;
+    if (const LoosePair* inside = pairIn(pair.value, key, begin, end)) return inside;
+  }
+  for (const LooseNode& item : node.list) {
+    if (item.begin >= end || item.end <= begin) continue;
+    if (const LoosePair* inside = pairIn(item, key, begin, end)) return inside;
+  }
+  return nullptr;
+}
 
 // The text of a file that may be open, read once.
 class Texts {
@@ -35,14 +50,27 @@ class Texts {
     return open != files.end() ? open->second.uri : uriOfPath(path);
   }
 
+  // The line, or the pair in it that the message names: "align of title: ...".
   json range(const KitMessage& message) {
-    return rangeJson(at(fullPath(message.file)).rangeOfLine(size_t(std::max(message.line, 1) - 1)));
+    const std::string path = fullPath(message.file);
+    const EditedText& text = at(path);
+    const auto line = size_t(std::max(message.line, 1) - 1);
+    const size_t of = message.text.find(" of ");
+    if (of < message.text.find(": ") && line < text.lineCount()) {
+      const auto [tree, isNew] = trees.try_emplace(path);
+      if (isNew) tree->second = parseLooseYaml(text.text());
+      const size_t begin = text.lineBegin(line), end = begin + text.line(line).size();
+      if (const LoosePair* pair = pairIn(tree->second, message.text.substr(0, of), begin, end))
+        return rangeJson(text.rangeOf(pair->begin, pair->value.end <= end ? pair->value.end : pair->end));
+    }
+    return rangeJson(text.rangeOfLine(line));
   }
 
  private:
   const FileSnapshot& files;
   const ReadFile read;
   std::map<std::string, EditedText> fromDisk;
+  std::map<std::string, LooseNode> trees;
 };
 
 json diagnosticJson(const KitMessage& message, int severity, Texts& texts) {

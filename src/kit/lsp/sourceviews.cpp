@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <set>
+#include <unordered_map>
 #include <utility>
 
 #include "kit/errors.h"
@@ -76,26 +77,66 @@ std::string SourceViews::besides(const std::string& source, const std::string& n
   return fullPath((fs::path(source).parent_path() / name).string());
 }
 
-std::shared_ptr<const PageView> SourceViews::page(const std::string& path) {
-  std::shared_ptr<const PageView>& view = views[path];
-  if (const OpenFile* file = files.at(path)) {
-    if (!view || view->text != file->text) view = std::make_shared<const PageView>(file->text);
-    return view;
-  }
+// The same object for as long as the text is the same.
+std::shared_ptr<const EditedText> SourceViews::textOf(const std::string& path) {
+  if (const OpenFile* file = files.at(path)) return file->text;
   std::optional<std::string> text = files.textOf(path);
-  if (!text) {
-    views.erase(path);
-    return nullptr;
-  }
-  if (view && view->text->text() == *text) return view;
-  const auto made = std::make_shared<const PageView>(std::make_shared<const EditedText>(std::move(*text)));
+  if (!text) return nullptr;
+  if (texts.size() > kMostViews) texts.clear();
+  std::shared_ptr<const EditedText>& known = texts[path];
+  if (!known || known->text() != *text) known = std::make_shared<const EditedText>(std::move(*text));
+  return known;
+}
+
+std::shared_ptr<const PageView> SourceViews::page(const std::string& path) {
+  const auto text = textOf(path);
+  if (!text) return nullptr;
   if (views.size() > kMostViews) views.clear();
-  return views[path] = made;
+  std::shared_ptr<const PageView>& view = views[path];
+  if (!view || view->text != text) view = std::make_shared<const PageView>(text);
+  return view;
+}
+
+SourceViews::Scripts SourceViews::scripts(const std::string& path) {
+  const auto text = textOf(path);
+  if (!text) return {};
+  if (scriptViews.size() > kMostViews) scriptViews.clear();
+  auto& [madeOf, all] = scriptViews[path];
+  if (madeOf == text) return all;
+  madeOf = text;
+  std::unordered_map<std::string, std::shared_ptr<const ScriptCode>> known;
+  for (const auto& before : all) known.emplace(before->text, before->code);
+  const ScriptView::CodeOf codeOf = [&](std::string code, BobSourceKind kind) {
+    const auto found = known.find(code);
+    return found == known.end() ? ScriptView::newCode(std::move(code), kind) : found->second;
+  };
+  all.clear();
+  if (!isYaml(path)) {
+    all.push_back(std::make_shared<const ScriptView>(path, text, codeOf));
+  } else if (const auto view = page(path)) {
+    for (const SourceScript& script : view->scripts)
+      all.push_back(std::make_shared<const ScriptView>(path, view, script, codeOf));
+  }
+  return all;
+}
+
+SourceViews::Scripts SourceViews::relatedScripts(const std::string& path) {
+  Scripts result;
+  for (const std::string& file : related(path)) {
+    const Scripts own = scripts(file);
+    result.insert(result.end(), own.begin(), own.end());
+  }
+  return result;
+}
+
+SourceKind SourceViews::looksLike(const std::string& path) {
+  const auto text = textOf(path);
+  return text ? sourceKindOf(path, text->text()) : SourceKind::other;
 }
 
 SourceKind SourceViews::kindOf(const std::string& path) {
-  const std::optional<std::string> text = files.textOf(path);
-  return text ? sourceKindOf(path, *text) : SourceKind::other;
+  const SourceKind kind = looksLike(path);
+  return kind == SourceKind::other && isYaml(path) && related(path).size() > 1 ? SourceKind::part : kind;
 }
 
 void SourceViews::addParts(const std::string& path, std::vector<std::string>& into) {
@@ -111,7 +152,7 @@ void SourceViews::addParts(const std::string& path, std::vector<std::string>& in
 std::vector<std::string> SourceViews::pagesAround(const std::string& path) {
   std::vector<std::string> pages;
   const auto add = [&](const std::string& file) {
-    if (isYaml(file) && kindOf(file) == SourceKind::page) addOnce(pages, file);
+    if (isYaml(file) && looksLike(file) == SourceKind::page) addOnce(pages, file);
   };
   for (const auto& [open, file] : files.all()) add(open);
   const fs::path folder = fs::path(path).parent_path();
@@ -132,7 +173,7 @@ std::vector<std::string> SourceViews::pagesAround(const std::string& path) {
 
 std::vector<std::string> SourceViews::related(const std::string& path) {
   std::vector<std::string> result{path};
-  if (kindOf(path) == SourceKind::page) {
+  if (looksLike(path) == SourceKind::page) {
     result.clear();
     addParts(path, result);
     return result;

@@ -11,6 +11,7 @@
 #include "kit/lsp/diagnosis.h"
 #include "kit/lsp/editedfiles.h"
 #include "kit/lsp/pageview.h"
+#include "kit/lsp/scriptview.h"
 
 class SourceViews {
  public:
@@ -19,6 +20,12 @@ class SourceViews {
   // A page source, or what page sources include; null for a file that is neither open nor there.
   std::shared_ptr<const PageView> page(const std::string& path);
 
+  // The scripts in a page source, or that of a script file; empty for a file that is neither open nor there.
+  using Scripts = std::vector<std::shared_ptr<const ScriptView>>;
+  Scripts scripts(const std::string& path);
+  Scripts relatedScripts(const std::string& path);
+
+  // Also part for YAML that looks like nothing, if a page includes it.
   SourceKind kindOf(const std::string& path);
 
   // The sources that share names with this one, itself first: of a page what it includes and its scripts; of any other
@@ -38,8 +45,13 @@ class SourceViews {
   const EditedFiles& files;
 
  private:
+  SourceKind looksLike(const std::string& path);
   void addParts(const std::string& path, std::vector<std::string>& into);
   std::vector<std::string> pagesAround(const std::string& path);
 
+  std::shared_ptr<const EditedText> textOf(const std::string& path);
+
+  std::map<std::string, std::shared_ptr<const EditedText>> texts;  // of files that aren't open
   std::map<std::string, std::shared_ptr<const PageView>> views;
+  std::map<std::string, std::pair<std::shared_ptr<const EditedText>, Scripts>> scriptViews;
 };

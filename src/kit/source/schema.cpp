@@ -83,10 +83,13 @@ std::vector<std::string> attributeNames(ObjectKind kind, std::string_view type) 
 
 NamedThing namedBy(ObjectKind kind, std::string_view type, std::string_view name) {
   const AttributeRow* row = rowOfAttribute(kind, type, name);
-  if (!row) return NamedThing::nothing;
-  if (row->value == "widget name") return NamedThing::widget;
-  if (row->value == "style name") return NamedThing::style;
-  return row->value.ends_with("file") || row->kind == AttributeKind::files ? NamedThing::file : NamedThing::nothing;
+  return row ? namedBy(*row) : NamedThing::nothing;
+}
+
+NamedThing namedBy(const AttributeRow& row) {
+  if (row.value == "widget name") return NamedThing::widget;
+  if (row.value == "style name") return NamedThing::style;
+  return row.value.ends_with("file") || row.kind == AttributeKind::files ? NamedThing::file : NamedThing::nothing;
 }
 
 std::string whatHas(std::string_view name) {

@@ -35,6 +35,7 @@ std::vector<std::string> attributeNames(ObjectKind kind, std::string_view type);
 // What a text of a page names.
 enum class NamedThing { nothing, widget, style, file };
 NamedThing namedBy(ObjectKind kind, std::string_view type, std::string_view name);
+NamedThing namedBy(const AttributeRow& row);
 
 // The objects that have an attribute of that name, as people call them: "a text or a number", "the page"; empty when
 // nothing has.

@@ -25,6 +25,7 @@ class LooseReader {
   size_t column() const { return at - lines[line].begin; }
   char next() const { return at < lineEnd() ? text[at] : '\0'; }
   bool isNext(char c) const { return next() == c && at < lineEnd(); }
+  size_t afterBlanks(size_t from, size_t end) const;
   void skipBlanks();    // in the line
   void goTo(size_t n);  // the first of that line and those after it that is not blank, at its indentation
   void nextLine() { goTo(line + 1); }

@@ -40,8 +40,9 @@ LooseReader::LooseReader(std::string_view t) : text(t) {
   for (size_t begin = text.starts_with("\xEF\xBB\xBF") ? 3 : 0; begin <= text.size();) {
     const size_t newLine = std::min(text.find('\n', begin), text.size());
     const size_t end = newLine > begin && text[newLine - 1] == '\r' ? newLine - 1 : newLine;
-    const size_t first = std::min(text.find_first_not_of(' ', begin), end);
-    const size_t content = std::min(text.find_first_not_of(" \t", begin), end);
+    size_t first = begin;
+    while (first < end && text[first] == ' ') ++first;
+    const size_t content = afterBlanks(first, end);
     lines.push_back({begin, end, first - begin, content == end || text[content] == '#'});
     begin = newLine + 1;
   }
@@ -53,12 +54,15 @@ void LooseReader::goTo(size_t n) {
   at = isAtEnd() ? text.size() : lines[line].begin + lines[line].indent;
 }
 
-void LooseReader::skipBlanks() {
-  while (isNext(' ') || isNext('\t')) ++at;
+size_t LooseReader::afterBlanks(size_t from, size_t end) const {
+  while (from < end && (text[from] == ' ' || text[from] == '\t')) ++from;
+  return from;
 }
 
+void LooseReader::skipBlanks() { at = afterBlanks(at, lineEnd()); }
+
 bool LooseReader::isLineOver() const {
-  const size_t content = std::min(text.find_first_not_of(" \t", at), lineEnd());
+  const size_t content = afterBlanks(at, lineEnd());
   if (content == lineEnd()) return true;
   return text[content] == '#' &&
          (content == lines[line].begin || text[content - 1] == ' ' || text[content - 1] == '\t');

@@ -1,0 +1,1 @@
+autocmd BufNewFile,BufRead *.bob setfiletype bob
