@@ -93,9 +93,7 @@ std::vector<KitMessage> inOrder(std::vector<KitMessage> messages, const std::str
     once.push_back(std::move(message));
   }
   for (const auto& [place, repeats] : used)
-    if (repeats.more > 0)
-      once[repeats.first].uses.push_back(
-          {"", 0, "and in " + std::to_string(repeats.more) + (repeats.more == 1 ? " more use" : " more uses")});
+    if (repeats.more > 0) once[repeats.first].uses.push_back(moreUses(repeats.more));
   return once;
 }
 

@@ -44,6 +44,19 @@ TEST_F(CheckTest, WidgetsThatTheFocusCannotLeave) {
   EXPECT_EQ(checkChildren("    - {name: a, onClick: x = 1;}\n"), Found{});
 }
 
+TEST_F(CheckTest, WhatATemplateBringsInIsSaidOnce) {
+  writeText(
+      "p.yaml",
+      "templates:\n  t:\n    right: gone\npage:\n  type: group\n  children:\n"
+      "    - {template: t, name: a}\n    - {template: t, name: b}\n    - {template: t, name: c}\n    - {left: gone}\n");
+  const CheckReport report = checkPageSource("p.yaml");
+  ASSERT_EQ(report.findings.size(), 2u);
+  EXPECT_EQ(report.findings[0].whole(),
+            "p.yaml:3: no-such-name: right of a: there is no widget 'gone', and the key leads nowhere\n"
+            "  p.yaml:7: used here: template 't'\n"
+            "  and in 2 more uses");
+}
+
 TEST_F(CheckTest, WhatAnAuthorAllowsIsNotFound) {
   const auto page = [](const std::string& top, const std::string& above, const std::string& beside) {
     return top + "page:\n  type: group\n  children:\n" + above + "    - {up: x}" + beside + "\n    - {up: y}\n";
