@@ -40,6 +40,18 @@ std::vector<std::string> allowedAround(const std::string& page) {
   return project.empty() ? std::vector<std::string>() : readProject(project).allow;
 }
 
+MadeNames namesOf(const CheckedPage& page) {
+  MadeNames names;
+  for (const CheckedWidget& widget : page.widgets)
+    if (!widget.name.empty()) names.widgets.push_back({widget.name, widget.type});
+  if (const PageValue* styles = page.root().find("textStyles"))
+    for (const PageValue& style : styles->table)
+      for (const PageNode& node : style.object)
+        for (const PageEntry& entry : node.attributes)
+          if (entry.name == "name") names.styles.push_back(entry.value.bytes);
+  return names;
+}
+
 // Those of the checks that need nothing but the page itself, while it isn't saved.
 void checkEdited(const PageTree& tree, const std::string& path, Diagnosis& into) {
   std::vector<Finding> found;
@@ -64,6 +76,7 @@ void diagnosePage(const std::string& path, bool isSaved, const ReadFile& read, D
   const PageTree tree = readPageSource(
       path, [&](const KitMessage& warning) { warnings.push_back(withoutPrefix(warning)); }, options);
   into.sources = tree.sources;
+  into.made = std::make_shared<const MadeNames>(namesOf(CheckedPage(tree)));
   if (!isSaved) {
     into.warnings = std::move(warnings);
     checkEdited(tree, path, into);
@@ -145,6 +158,8 @@ Diagnosis diagnose(const std::string& path, SourceKind kind, bool isSaved, const
     result.sources.insert(result.sources.end(), e.inputs.begin(), e.inputs.end());
   } catch (const KitError& e) {
     result.errors = e.messages;
+  } catch (const std::exception& e) {  // such as a page that is too large for the memory
+    result.errors.push_back({path, 0, e.what()});
   }
   if (kind == SourceKind::script || kind == SourceKind::page || kind == SourceKind::part)
     addSyntaxErrors(path, kind, read, result);
