@@ -1,4 +1,6 @@
-// Records of an object file: each is read, listed and run, and whatever it says stays inside its own code.
+// Records of an object file: each is read, listed, looked through and run, and whatever it says stays inside its own
+// code.
+#include "bob/tools/codeuses.h"
 #include "bob/tools/disassemble.h"
 #include "bobinterp.h"
 
@@ -8,8 +10,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   bobTry(interp, [&] {
     BobStringInput input(bytes);
     BobValue value;
-    if (bobReadValue(bobRootScope(interp), &input, &value) && bobIsA(interp, value, kBobCompiledCode))
-      bobDisassemble(interp, value, bobStdout(interp));
+    if (!bobReadValue(bobRootScope(interp), &input, &value) || !bobIsA(interp, value, kBobCompiledCode)) return;
+    bobDisassemble(interp, value, bobStdout(interp));
+    bobCodeUses(interp, value);
   });
   BobStringInput input(bytes);
   bobLoadObjectStream(bobRootScope(interp), &input);

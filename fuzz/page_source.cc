@@ -1,5 +1,6 @@
-// Page sources: what builds is dumped, has an outline, and doesn't differ from itself.
+// Page sources: what builds is dumped, has an outline, doesn't differ from itself, and is checked.
 #include "folder.h"
+#include "kit/check/checkpage.h"
 #include "kit/diff/pagediff.h"
 #include "kit/errors.h"
 #include "kit/source/pagebuild.h"
@@ -14,6 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     outlineJson(outlinePage("p.yaml", built.bytes, built.places));
     dumpPage("p.kpg", built.bytes);
     if (!pageDifferences("p.yaml", "p.yaml").empty()) __builtin_trap();
+    checkPageSource("p.yaml");
   } catch (const KitError&) {
   }
   return 0;

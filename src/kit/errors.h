@@ -22,6 +22,11 @@ struct KitMessage {
   }
 };
 
+// The last of a message's uses, where more are left out.
+inline KitMessage moreUses(size_t count) {
+  return {"", 0, "and in " + std::to_string(count) + (count == 1 ? " more use" : " more uses")};
+}
+
 // What every function of the kit throws; what() has the messages with their places, a line or more each, up to 50 of
 // them and how many more there are.
 struct KitError : std::runtime_error {

@@ -30,9 +30,8 @@ bool isProject(const std::string& source) {
 }
 
 void buildOnePage(const BuildCommandOptions& options) {
-  buildPage(
-      options.source, options.output, [](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; },
-      options.page, options.depfile);
+  const KitWarn warn = [&](const KitMessage& warning) { sayWarning(warning, options.check); };
+  buildPage(options.source, options.output, warn, options.page, options.depfile);
 }
 
 // It must be neither an input nor what the build itself has written.
@@ -56,7 +55,7 @@ void buildPageOfProject(BuildCommandOptions options) {
   if (options.project.page.empty())
     throw KitError(options.source, "is none of the pages of " + file + "; add it there, or say -o PAGE.kpg");
   if (options.page.strip) project.strip = true;
-  const BuildReport report = buildOnTerminal(project, options.project);
+  const BuildReport report = buildOnTerminal(project, options.project, options.check);
   writeDepfile(options.depfile, project, report);
 }
 
@@ -64,17 +63,15 @@ void buildWholeProject(const BuildCommandOptions& options) {
   if (options.expand) KpgCommand::refuse("--expand takes a page source");
   Project project = openProject(options.source, options.output);
   if (options.page.strip) project.strip = true;
-  const BuildReport report = buildOnTerminal(project, options.project);
+  const BuildReport report = buildOnTerminal(project, options.project, options.check);
   writeDepfile(options.depfile, project, report);
 }
 
 // After a build that has succeeded, of what was built.
 void checkBuilt(const BuildCommandOptions& options) {
-  const std::vector<Finding> found = isProject(options.source)
-                                         ? checkProject(openProject(options.source, options.output))
-                                         : checkPages({options.source});
-  printFindings(found, std::cerr);
-  if (!found.empty()) throw CommandFailure(1, "");
+  report(isProject(options.source) ? checkProject(openProject(options.source, options.output))
+                                   : checkPages({options.source}),
+         std::cerr);
 }
 
 void printPlain(const std::string& source, const std::string& output) {

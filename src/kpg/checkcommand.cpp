@@ -18,10 +18,7 @@ void addCheckCommand(CommandLine& line) {
   command.add("page", options->pages, "The sources; by default all pages of the project around").type("PAGE.yaml");
   command.flag("--json", options->json, "Print JSON, for tools");
   command.runs([options] {
-    const std::vector<Finding> found =
-        options->pages.empty() ? checkProject(openProject("", "")) : checkPages(options->pages);
-    if (options->json) std::cout << findingsJson(found);
-    if (!options->json) printFindings(found, std::cout);
-    if (!found.empty()) throw CommandFailure(1, "");
+    report(options->pages.empty() ? checkProject(openProject("", "")) : checkPages(options->pages), std::cout,
+           options->json);
   });
 }

@@ -9,9 +9,10 @@
 #include "kit/project/project.h"
 
 // Of all pages of the project.
-std::vector<Finding> checkProject(const Project& project);
+CheckReport checkProject(const Project& project);
 
 // Of sources, each with what the project around it allows.
-std::vector<Finding> checkPages(const std::vector<std::string>& sources);
+CheckReport checkPages(const std::vector<std::string>& sources);
 
-void printFindings(const std::vector<Finding>& findings, std::ostream& out);
+// Prints errors to the standard error stream and findings to `out`, and fails when there are any.
+void report(const CheckReport& checked, std::ostream& out, bool asJson = false);

@@ -34,11 +34,15 @@ Project openProject(const std::string& folder, const std::string& output) {
   return project;
 }
 
-BuildReport buildOnTerminal(const Project& project, BuildOptions options) {
+void sayWarning(const KitMessage& warning, bool checkFollows) {
+  if (!checkFollows || warning.check.empty()) std::cerr << warning.whole() << "\n";
+}
+
+BuildReport buildOnTerminal(const Project& project, BuildOptions options, bool checkFollows) {
   ProgressBar bar;
   options.warn = [&](const KitMessage& warning) {
     bar.clear();
-    std::cerr << warning.whole() << "\n";
+    sayWarning(warning, checkFollows);
   };
   if (bar.isShown()) {
     options.progress = [&](size_t done, size_t steps, const std::string& step) { bar.show(done, steps, step); };

@@ -48,7 +48,7 @@ FLOORS = {
 
 # The files of a subsystem that others may include; the rest of it is its own.
 DOORS = {
-    'bob': ['bob/bob.h', 'bob/compile/statementreader.h', 'bob/debug/codelines.h', 'bob/tools/disassemble.h', 'bob/tools/objectformat.h',
+    'bob': ['bob/bob.h', 'bob/compile/statementreader.h', 'bob/debug/codelines.h', 'bob/tools/disassemble.h', 'bob/tools/codeuses.h', 'bob/tools/objectformat.h',
             'bob/tools/textcalls.h'],
 }
 

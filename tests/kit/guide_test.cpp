@@ -27,10 +27,12 @@ std::string tableOf(const std::string& what, const Rows& rows, const IsIn& isIn)
   return table + "\n";
 }
 
-std::string guideText() {
-  std::ifstream in(VISTREL_GUIDE);
+std::string textOf(const char* file) {
+  std::ifstream in(file);
   return {std::istreambuf_iterator<char>(in), {}};
 }
+
+std::string guideText() { return textOf(VISTREL_GUIDE); }
 
 TEST(Guide, HasATableForEachKindOfObject) {
   const std::string guide = guideText();
@@ -55,6 +57,19 @@ TEST(Guide, HasATableOfTheChecks) {
   for (const CheckKind& kind : checkKinds())
     table += "| `" + std::string(kind.name) + "` | " + std::string(kind.about) + " |\n";
   EXPECT_NE(guideText().find(table + "\n"), std::string::npos) << "docs/authoring.md needs this table:\n" << table;
+}
+
+// At the trap that it finds, too.
+TEST(Guide, NamesEachCheckWhereItWarns) {
+  const std::string text = guideText() + textOf(VISTREL_BOB_MANUAL);
+  for (const CheckKind& kind : checkKinds()) {
+    const std::string name = "`" + std::string(kind.name) + "`";
+    size_t mentions = 0;
+    for (size_t at = text.find(name); at != std::string::npos; at = text.find(name, at + 1)) ++mentions;
+    if (kind.name != "unknown-allow") {
+      EXPECT_GT(mentions, 1u) << name;
+    }
+  }
 }
 
 class GuideProject : public PageTest {};

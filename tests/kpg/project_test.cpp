@@ -155,9 +155,19 @@ TEST_F(ProjectCommandsTest, AColorShowsAsThePageShowsIt) {
 TEST_F(KpgTest, CheckEndsWithStatusOneForFindings) {
   writeText("p.yaml", "page:\n  up: nowhere\n");
   EXPECT_EQ(kpg("check p.yaml"), 1);
-  EXPECT_EQ(out, "p.yaml:2: no-such-name: up of page: there is no widget 'nowhere'\n");
+  EXPECT_EQ(out, "p.yaml:2: no-such-name: up of page: there is no widget 'nowhere', and the key leads nowhere\n");
+  EXPECT_EQ(kpg("check --json p.yaml"), 1);
+  EXPECT_NE(out.find("\"check\": \"no-such-name\""), std::string::npos) << out;
+  const std::string finding =
+      "p.yaml:2: no-such-name: up of page: there is no widget 'nowhere', and the key leads nowhere\n";
   EXPECT_EQ(kpg("build --check p.yaml -o p.kpg"), 1);
+  EXPECT_EQ(err, finding);
   EXPECT_TRUE(std::filesystem::exists("p.kpg"));
+  writeText("bad.yaml", "page:\n  bgColor: no color\n");
+  EXPECT_EQ(kpg("check bad.yaml p.yaml gone.yaml"), 1);
+  EXPECT_EQ(out, finding);
+  EXPECT_NE(err.find("bad.yaml:2: bgColor"), std::string::npos) << err;
+  EXPECT_NE(err.find("gone.yaml: "), std::string::npos) << err;
   writeText("vistrel.yaml", "pages: [p.yaml]\nallow: [no-such-name]\n");
   EXPECT_EQ(kpg("check"), 0);
   EXPECT_EQ(out, "");

@@ -67,7 +67,10 @@ void BobCodePaths::flow(uint32_t to, const State& state, bool jump) {
   if (jump) targets[to] = true;
   if (jump && bytes[to] == kOpNewVector) proven = false;  // its count is known only from the LIT before it
   if (reached[to] != kUnreached) {
-    if (proven && !(states[size_t(reached[to])] == state)) proven = false;
+    if (proven && !(states[size_t(reached[to])] == state)) {
+      proven = false;
+      unevenAt = to;
+    }
     return;
   }
   reached[to] = int(states.size());

@@ -47,8 +47,9 @@ class BobCodePaths {
   const uint8_t* bytes;  // lie in the heap
   uint32_t length;
   uint32_t literals;
-  bool closes = false;  // makes closures
-  bool proven = true;   // the depth of the stack is the same on every path, and enough for every instruction
+  bool closes = false;    // makes closures
+  uint32_t unevenAt = 0;  // where paths first met with different stacks; 0 for nowhere
+  bool proven = true;     // the depth of the stack is the same on every path, and enough for every instruction
 
  private:
   // Block frames, innermost first: what was pushed in the frame outside before this one was made.

@@ -32,15 +32,6 @@ bool hasPoint(const Bounds& b, int64_t x, int64_t y) {
 }
 
 bool isHidden(const Widget* widget) { return widget->flags & kWidgetContentHidden; }
-bool showsBackground(const Widget* widget) {
-  return !(widget->flags & kWidgetBackgroundHidden) && (widget->flags & kWidgetHasBgColor || widget->background);
-}
-
-// The widget whose background is under the content; null for the screen's transparent colour.
-const Widget* backgroundOf(const Widget* widget) {
-  while (widget && !showsBackground(widget)) widget = widget->parentWidget;
-  return widget;
-}
 
 // What the widget certainly paints over. A picture may be smaller or transparent, a bar may leave a gap, and choices
 // side by side paint no background.

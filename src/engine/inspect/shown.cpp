@@ -64,6 +64,15 @@ StringAttribute styleAttributeShown(const Widget* widget) {
   return nullptr;
 }
 
+bool showsBackground(const Widget* widget) {
+  return !(widget->flags & kWidgetBackgroundHidden) && (widget->flags & kWidgetHasBgColor || widget->background);
+}
+
+const Widget* backgroundOf(const Widget* widget) {
+  while (widget && !showsBackground(widget)) widget = widget->parentWidget;
+  return widget;
+}
+
 std::string textShown(const Widget* widget) {
   if (const auto* text = dynamic_cast<const TextWidget*>(widget)) {
     const char* bytes = text->shownText();

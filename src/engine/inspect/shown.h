@@ -13,6 +13,11 @@ std::string styleName(const Widget* widget, const TextStyle* style);
 // The attribute that names it in the present state; null where there is none.
 StringAttribute styleAttributeShown(const Widget* widget);
 
+// The nearest of it and the widgets around it whose background shows: what is under the content. Null for the screen's
+// transparent colour.
+const Widget* backgroundOf(const Widget* widget);
+bool showsBackground(const Widget* widget);
+
 std::string textShown(const Widget* widget);
 std::string pictureShown(const Widget* widget);  // empty for none
 FontState fontStateOf(const FontEntry* font);    // null: missing

@@ -45,24 +45,26 @@ const TextStyle& styleOf(const SelectWidget* widget, size_t place) {
   return place == widget->current ? *widget->styles.highlighted : *widget->styles.plain;
 }
 
+struct Separator {
+  int32_t width, height, ascent;
+};
+
+Separator separatorOf(const SelectWidget* widget) {
+  Separator s;
+  textMeasure(*widget->styles.plain, kSeparator.data(), uint32_t(kSeparator.size()), &s.width, &s.height, &s.ascent);
+  return s;
+}
+
 void drawRow(SelectWidget* widget) {
-  int32_t separatorWidth, separatorHeight, separatorAscent;
-  textMeasure(*widget->styles.plain, kSeparator.data(), uint32_t(kSeparator.size()), &separatorWidth, &separatorHeight,
-              &separatorAscent);
-  int32_t width = 0, height = 0;
-  for (size_t i = 0; i < widget->choices.size(); ++i) {
-    const SelectChoice& choice = measured(widget->choices[i], styleOf(widget, i));
-    if (i != 0) width = hsWrapAdd(width, separatorWidth);
-    width = hsWrapAdd(width, choice.width);
-    height = std::max(height, choice.height);
-  }
-  int32_t x = alignedLeft(widget->bounds, widget->alignment, width);
-  const int32_t top = alignedTop(widget->bounds, widget->alignment, height);
+  const Separator separator = separatorOf(widget);
+  const RowSize row = selectRowSize(widget);
+  int32_t x = alignedLeft(widget->bounds, widget->alignment, row.width);
+  const int32_t top = alignedTop(widget->bounds, widget->alignment, row.height);
   for (size_t i = 0; i < widget->choices.size(); ++i) {
     const SelectChoice& choice = widget->choices[i];
     if (i != 0) {
-      drawAt(*widget->styles.plain, kSeparator, x, hsWrapAdd(top, separatorAscent));
-      x = hsWrapAdd(x, separatorWidth);
+      drawAt(*widget->styles.plain, kSeparator, x, hsWrapAdd(top, separator.ascent));
+      x = hsWrapAdd(x, separator.width);
     }
     drawAt(styleOf(widget, i), choice.text, x, hsWrapAdd(top, choice.ascent));
     x = hsWrapAdd(x, choice.width);
@@ -186,6 +188,18 @@ int SelectWidget::handleEvent(const Event* event) {
     case kAddChoice: return addChoice(this, *event);
     default: return widgetBaseEvent(this, *event);
   }
+}
+
+RowSize selectRowSize(SelectWidget* widget) {
+  const int32_t between = separatorOf(widget).width;
+  RowSize row{0, 0};
+  for (size_t i = 0; i < widget->choices.size(); ++i) {
+    const SelectChoice& choice = measured(widget->choices[i], styleOf(widget, i));
+    if (i != 0) row.width = hsWrapAdd(row.width, between);
+    row.width = hsWrapAdd(row.width, choice.width);
+    row.height = std::max(row.height, choice.height);
+  }
+  return row;
 }
 
 Widget* selectCreate(WidgetOwner* owner, Widget* parent, PageObject record) {

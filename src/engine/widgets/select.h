@@ -27,5 +27,12 @@ struct SelectWidget : Widget {
   uint32_t current = 0;               // place of the chosen one; 0 too when there is none
 };
 
+struct RowSize {
+  int32_t width, height;  // pixels
+};
+
+// Of all choices side by side, with what is drawn between them. Measures those that were never drawn.
+RowSize selectRowSize(SelectWidget* widget);
+
 // Null on failure; where all choices show, a missing style is one.
 Widget* selectCreate(WidgetOwner* owner, Widget* parent, PageObject record);

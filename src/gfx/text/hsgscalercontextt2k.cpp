@@ -61,6 +61,12 @@ bool hsFontOpens(uint32_t fontID) {
   return hsGT2KRef::Find(hsGFontRegistry::GetFontByID(fontID), kFixed1, true)->Open() != nullptr;
 }
 
+bool hsFontHasGlyph(uint32_t fontID, uint16_t code, bool unicode) {
+  const hsRef<hsGT2KRef> font = hsGT2KRef::Find(hsGFontRegistry::GetFontByID(fontID), kFixed1, unicode);
+  T2K* scaler = font->Open();
+  return scaler && T2K_GetGlyphIndex(scaler, hsGScalerContextT2K::EngineCode(*font, code)) != 0;
+}
+
 hsFontState hsFontKnownState(uint32_t fontID) {
   for (const hsGT2KRef* ref : hsGLibrary::Current().fT2KRefs) {
     if (ref->FontID() != fontID) continue;
@@ -117,8 +123,8 @@ void hsGScalerContextT2K::Purge() {
   if (error != 0) hsStatusMessage("T2K_PurgeMemory failed", error);
 }
 
-uint16_t hsGScalerContextT2K::EngineCode(uint16_t code) const {
-  if (!fRef->NeedsTranslation()) return code;
+uint16_t hsGScalerContextT2K::EngineCode(const hsGT2KRef& font, uint16_t code) {
+  if (!font.NeedsTranslation()) return code;
   const hsCharMapper mapper = hsGFontRegistry::CharMapper();
   return mapper ? mapper(code) : code & 0xFF;
 }

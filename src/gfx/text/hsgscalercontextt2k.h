@@ -15,12 +15,19 @@ class hsGT2KRef;
 // Whether the engine can open a font of the registry.
 bool hsFontOpens(uint32_t fontID);
 
+// Whether it has a glyph for a character of a text that is Unicode, or bytes; the scaler draws another for those
+// without. False for a font that doesn't open.
+bool hsFontHasGlyph(uint32_t fontID, uint16_t code, bool unicode);
+
 // What has come of it so far, without trying. A font that nothing uses any more is as one that was not tried.
 enum class hsFontState { notTried, opens, fails };
 hsFontState hsFontKnownState(uint32_t fontID);
 
 class hsGScalerContextT2K : public hsGScalerContext {
  public:
+  // The code by which the engine knows the character.
+  static uint16_t EngineCode(const hsGT2KRef& font, uint16_t code);
+
   explicit hsGScalerContextT2K(const hsDescriptor* desc);
   ~hsGScalerContextT2K() override;
 
@@ -36,7 +43,7 @@ class hsGScalerContextT2K : public hsGScalerContext {
  private:
   T2K* Scaler();  // under this context's transformation; null if the font doesn't open
   T2K* Render(uint16_t code, int command, const T2KRows& rows = {});
-  uint16_t EngineCode(uint16_t code) const;
+  uint16_t EngineCode(uint16_t code) const { return EngineCode(*fRef, code); }
   void Purge();
 
   hsRef<hsGT2KRef> fRef;

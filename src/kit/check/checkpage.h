@@ -1,6 +1,6 @@
-// Reads a page source as the player would and tells the traps in it.
+// Reads a page source, opens it in a player, and tells the traps in it.
 //
-// Nothing is written. What doesn't compile is no finding but a BuildError.
+// Nothing is written. What doesn't compile, or can't be made for the page, is an error and no finding.
 #pragma once
 
 #include <string>
@@ -8,7 +8,14 @@
 
 #include "kit/check/finding.h"
 
-// `allowed` are names of checks that are switched off. In the order of files and lines. Throws BuildError.
-std::vector<Finding> checkPageSource(const std::string& path, const std::vector<std::string>& allowed = {});
+struct CheckReport {
+  std::vector<Finding> findings;   // in the order of files and lines
+  std::vector<KitMessage> errors;  // with some there are few findings, or none
+
+  bool isClean() const { return findings.empty() && errors.empty(); }
+};
+
+// `allowed` are names of checks that are switched off.
+CheckReport checkPageSource(const std::string& path, const std::vector<std::string>& allowed = {});
 
 std::string findingsJson(const std::vector<Finding>& findings);

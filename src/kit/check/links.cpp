@@ -1,40 +1,12 @@
 // Where the keys move the focus, and who shares whose highlight.
 #include <algorithm>
-#include <array>
 #include <set>
 
+#include "engine/engine.h"
 #include "kit/check/checks.h"
+#include "kit/focus/focusways.h"
 
 namespace {
-
-constexpr size_t kDigitTargets = 9;
-
-struct Direction {
-  std::string_view link, script;
-  bool isVertical, isHorizontal;
-};
-constexpr Direction kDirections[] = {
-    {"up", "onUp", true, false},       {"down", "onDown", true, false}, {"left", "onLeft", false, true},
-    {"right", "onRight", false, true}, {"upLeft", "", true, true},      {"upRight", "", true, true},
-    {"downLeft", "", true, true},      {"downRight", "", true, true},
-};
-
-bool answersFocus(const CheckedWidget& widget) {
-  constexpr std::array<std::string_view, 5> kSigns{"navigate", "maxLength", "onClick", "onFocus", "onBlur"};
-  const auto has = [&](std::string_view attribute) { return !attribute.empty() && widget.has(attribute); };
-  return std::any_of(std::begin(kSigns), std::end(kSigns), has) ||
-         std::any_of(std::begin(kDirections), std::end(kDirections),
-                     [&](const Direction& d) { return has(d.link) || has(d.script); });
-}
-
-// Whether the widget takes the key for itself, to change its value or to move its lines.
-bool takes(const CheckedWidget& widget, const Direction& direction) {
-  if (widget.type == "textContainer") return direction.isVertical && !direction.isHorizontal;
-  if (widget.type != "number" && widget.type != "slider" && widget.type != "select") return false;
-  const std::string navigate = widget.text("navigate");
-  return (direction.isVertical && (navigate == "upDown" || navigate == "both")) ||
-         (direction.isHorizontal && (navigate == "leftRight" || navigate == "both"));
-}
 
 bool mentions(const std::vector<PageEntry>& attributes, std::string_view word) {
   return std::any_of(attributes.begin(), attributes.end(), [&](const PageEntry& entry) {
@@ -66,12 +38,13 @@ void checkMasters(const CheckedPage& page, const Find& find) {
 
 class Focus {
  public:
-  Focus(const CheckedPage& p, const Find& f) : page(p), find(f) {}
+  Focus(const CheckedPage& p, OpenedPage& opened, const Find& f)
+      : page(p), find(f), ways(opened.engine(), opened.engine().topFrame->id) {}
 
-  void check() {
+  void check() const {
     const auto start = page.named(page.root().text("start"));
-    if (!start || scriptsMayMoveFocus(page)) return;
-    reach(*start);
+    if (!start) return;
+    const std::set<size_t> reached = ways.reached(false);
     size_t stops = 0;
     for (size_t i = 0; i < page.widgets.size(); ++i) stops += reached.contains(i) || isStop(i);
     for (size_t i = 0; i < page.widgets.size(); ++i) {
@@ -86,49 +59,35 @@ class Focus {
 
  private:
   // What shares the highlight of another isn't meant to have the focus.
-  bool isStop(size_t i) const { return answersFocus(page.widgets[i]) && !page.widgets[i].has("master"); }
-
-  std::optional<size_t> target(size_t from, const Direction& direction) const {
-    const CheckedWidget& widget = page.widgets[from];
-    if (takes(widget, direction) || (!direction.script.empty() && widget.has(direction.script))) return std::nullopt;
-    return page.named(widget.text(direction.link));
-  }
-
-  void reach(size_t start) {
-    std::vector<size_t> waiting{start};
-    reached.insert(start);
-    while (!waiting.empty()) {
-      const size_t from = waiting.back();
-      waiting.pop_back();
-      for (const Direction& direction : kDirections)
-        if (const auto to = target(from, direction); to && reached.insert(*to).second) waiting.push_back(*to);
-    }
-  }
+  bool isStop(size_t i) const { return ways.widgets()[i].answersFocus && !page.widgets[i].has("master"); }
 
   // A page inside a frame has keys of its own, and a script may open another page.
   bool leaves(size_t i) const {
-    const CheckedWidget& widget = page.widgets[i];
-    return widget.type == "frame" || std::any_of(std::begin(kDirections), std::end(kDirections), [&](const auto& d) {
-             const auto to = target(i, d);
-             return (to && *to != i) || (!d.script.empty() && widget.has(d.script) && !takes(widget, d));
+    const FocusWidget& widget = ways.widgets()[i];
+    return page.widgets[i].type == "frame" ||
+           std::any_of(widget.links.begin(), widget.links.end(), [&](const LinkView& link) {
+             const ArrowState state = widget.stateOf(link);
+             const bool leads = link.target != 0 && link.target != widget.view.id;
+             return state == ArrowState::script || (state == ArrowState::followed && leads);
            });
   }
 
   void sayUnreachable(size_t i, const CheckedWidget& start) const {
-    const auto order = std::find(page.complete.begin(), page.complete.end(), i) - page.complete.begin();
     const std::string from = "no direction key leads from '" + start.name + "' to " + page.widgets[i].label;
+    const auto digit = std::find(ways.digits().begin(), ways.digits().end(), i);
+    const auto number = std::to_string(digit - ways.digits().begin() + 1);
     find("unreachable", page.widgets[i].place(),
-         size_t(order) < kDigitTargets ? from + "; only the digit " + std::to_string(order + 1) + " does" : from);
+         digit == ways.digits().end() ? from : from + "; only the digit " + number + " does");
   }
 
   const CheckedPage& page;
   const Find& find;
-  std::set<size_t> reached;
+  const FocusWays ways;  // its widgets are those of the page, in the same order
 };
 
 }  // namespace
 
-void checkLinks(const CheckedPage& page, const Find& find) {
+void checkLinks(const CheckedPage& page, OpenedPage& opened, const Find& find) {
   checkMasters(page, find);
-  Focus(page, find).check();
+  if (!opened.widgetsOf(page).empty() && !scriptsMayMoveFocus(page)) Focus(page, opened, find).check();
 }

@@ -1,9 +1,8 @@
 // What is drawn otherwise than its source looks.
+#include "engine/screen/display.h"
 #include "kit/check/checks.h"
 
 namespace {
-
-constexpr int32_t kScreenWidth = 720, kScreenHeight = 480;
 
 // As the player compares the sizes of a bar.
 uint16_t swapped(uint16_t word) { return uint16_t(word << 8 | word >> 8); }
@@ -20,36 +19,75 @@ void checkSlider(const CheckedWidget& widget, const Find& find) {
              std::to_string(width & 0xFF) + ", is greater than the height's, " + std::to_string(height & 0xFF));
 }
 
+bool showsFocus(const CheckedWidget& widget) {
+  return widget.has("navigate") || widget.has("onClick") || widget.has("master");
+}
+
 void checkVanishing(const CheckedWidget& widget, const Find& find) {
-  const bool answersFocus = widget.has("navigate") || widget.has("onClick") || widget.has("master");
-  if (answersFocus && widget.has("textStyle") && !widget.has("highlightTextStyle"))
+  if (showsFocus(widget) && widget.has("textStyle") && !widget.has("highlightTextStyle"))
     find("vanishes", widget.place(),
          widget.label + " has no highlightTextStyle, so it disappears while it has, or shares, the focus");
 }
 
-std::optional<int32_t> sizeOfStyle(const CheckedPage& page, const std::string& name) {
-  const PageValue* styles = page.root().find("textStyles");
-  if (!styles) return std::nullopt;
-  for (const PageValue& style : styles->table) {
-    if (style.object.empty()) continue;
-    std::string called = "default";
-    int32_t size = 24;
-    for (const PageEntry& entry : style.object.front().attributes) {
-      if (entry.name == "name" && !entry.value.bytes.empty()) called = entry.value.bytes;
-      if (entry.name == "size" && entry.value.tag == PageTag::integer) size = int32_t(entry.value.number);
-    }
-    if (called == name) return size;
-  }
-  return std::nullopt;
-}
-
 void checkStyleSizes(const CheckedPage& page, const CheckedWidget& widget, const Find& find) {
-  const auto plain = sizeOfStyle(page, widget.text("textStyle"));
-  const auto highlit = sizeOfStyle(page, widget.text("highlightTextStyle"));
-  if (!widget.isTrue("showAll") || !plain || !highlit || *plain == *highlit) return;
+  const CheckedStyle* plain = page.style(widget.text("textStyle"));
+  const CheckedStyle* highlit = page.style(widget.text("highlightTextStyle"));
+  if (!widget.isTrue("showAll") || !plain || !highlit || plain->size == highlit->size) return;
   find("two-sizes", widget.place("highlightTextStyle"),
        widget.label + " keeps for each choice the size that it is first drawn in, and its styles have the sizes " +
-           std::to_string(*plain) + " and " + std::to_string(*highlit));
+           std::to_string(plain->size) + " and " + std::to_string(highlit->size));
+}
+
+void checkPicture(const CheckedWidget& widget, const Find& find) {
+  if (showsFocus(widget) && widget.has("src") && !widget.has("highlightSrc"))
+    find("vanishes", widget.place(),
+         widget.label + " has no highlightSrc, so its picture disappears while it has, or shares, the focus");
+}
+
+// Choices side by side paint no background, not even before they are drawn in another style.
+void checkRow(const CheckedPage& page, const CheckedWidget& widget, const Find& find) {
+  if (!widget.isTrue("showAll") || widget.isTrue("vertical")) return;
+  for (const char* attribute : {"bgColor", "background"})
+    if (widget.has(attribute))
+      find("row-not-erased", widget.place(attribute),
+           widget.label + " shows its choices in a row, and the player paints no background under that; " +
+               "let a group around it have one");
+  for (const char* attribute : {"textStyle", "highlightTextStyle"})
+    if (const CheckedStyle* style = page.style(widget.text(attribute)); style && style->antialias)
+      find("row-not-erased", widget.place(attribute),
+           widget.label + " shows its choices in a row, which the player draws over the old ones, so that " +
+               "antialiased text grows thicker with each change");
+}
+
+void checkEcho(const CheckedWidget& widget, const Find& find) {
+  if (widget.has("maxLength") && widget.has("echoChar") && !widget.text("value").empty())
+    find("echoed-value", widget.place("value"),
+         widget.label + " has an echoChar, and the player draws empty boxes for a value that wasn't typed");
+}
+
+void checkBar(const CheckedPage& page, const CheckedWidget& widget, const Find& find) {
+  if (widget.number("min").value_or(1) == widget.number("max").value_or(100))
+    find("empty-bar", widget.place("max"), widget.label + " has a range of one value, and the player draws no bar");
+  const bool is16Bit = !(page.tree.flags & kPageIs8Bit);
+  for (const char* attribute : {"fgColor", "bgColor"})
+    if (is16Bit && !widget.has(attribute))
+      find("bar-color", widget.place(),
+           widget.label + " has no " + attribute + ", and when this is the first page, the player chooses a wrong one");
+}
+
+// Without a selection the list scrolls at once; with one it scrolls along.
+void checkList(const CheckedWidget& widget, const Find& find) {
+  const bool isSelecting = widget.number("selectedLine").value_or(0) > 0;
+  if (isSelecting && !widget.has("selectTextStyle"))
+    find("stuck-selection", widget.place("selectedLine"),
+         widget.label + " has no selectTextStyle, and the player neither shows its selection nor moves it");
+}
+
+void checkHiding(const CheckedWidget& widget, const Find& find) {
+  const bool backgroundShows = widget.has("background") && widget.text("hidden") == "content";
+  if (backgroundShows)
+    find("shown-anyway", widget.place("hidden"),
+         "hidden content above a background picture: the player shows all of " + widget.label + " as the page opens");
 }
 
 void checkScreen(const CheckedWidget& widget, const Find& find) {
@@ -64,10 +102,20 @@ void checkScreen(const CheckedWidget& widget, const Find& find) {
 
 void checkLooks(const CheckedPage& page, const Find& find) {
   for (const CheckedWidget& widget : page.widgets) {
-    if (widget.type == "slider") checkSlider(widget, find);
+    if (widget.type == "slider") {
+      checkSlider(widget, find);
+      checkBar(page, widget, find);
+    }
     if (widget.type == "number") checkVanishing(widget, find);
-    if (widget.type == "select" && !widget.isTrue("showAll")) checkVanishing(widget, find);
-    if (widget.type == "select") checkStyleSizes(page, widget, find);
+    if (widget.type == "select") {
+      if (!widget.isTrue("showAll")) checkVanishing(widget, find);
+      checkStyleSizes(page, widget, find);
+      checkRow(page, widget, find);
+    }
+    if (widget.type == "image") checkPicture(widget, find);
+    if (widget.type == "text") checkEcho(widget, find);
+    if (widget.type == "textContainer") checkList(widget, find);
+    checkHiding(widget, find);
     checkScreen(widget, find);
   }
 }

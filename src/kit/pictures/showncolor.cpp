@@ -28,7 +28,22 @@ double hueDistance(double a, double b) {
   return std::min(d, 360 - d);
 }
 
+// Of sRGB, 0 to 1.
+double lightness(uint32_t rgb) {
+  const auto linear = [](int channel) {
+    const double c = channel / 255.0;
+    return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
+  };
+  const auto [r, g, b] = channels(rgb);
+  return 0.2126 * linear(r) + 0.7152 * linear(g) + 0.0722 * linear(b);
+}
+
 }  // namespace
+
+double contrastOf(uint32_t rgb, uint32_t other) {
+  const auto [darker, lighter] = std::minmax({lightness(rgb), lightness(other)});
+  return (lighter + 0.05) / (darker + 0.05);
+}
 
 uint32_t shownColor(uint32_t rgb) {
   const uint32_t color = rgbToYCrCb(rgb << 8);

@@ -13,4 +13,8 @@ uint32_t shownColor(uint32_t rgb);
 // no hue, stays free of one as far as it can.
 uint32_t colorOfSameHue(uint32_t rgb);
 
+// How well the one is read on the other, both 0x00RRGGBB: the ratio of their lightness, from 1 for none to 21 for black
+// and white. Large letters want 3.
+double contrastOf(uint32_t rgb, uint32_t other);
+
 double hueOf(uint32_t rgb);  // degrees, 0 to 360; -1 for a grey

@@ -4,6 +4,7 @@
 #include <set>
 #include <utility>
 
+#include "gfx/foundation/hsascii.h"
 #include "kit/files.h"
 #include "kit/lines/bobmap.h"
 #include "kit/pictures/convertpicture.h"
@@ -94,6 +95,33 @@ const MadeFile* LiveFiles::find(const fs::path& file) {
   if (project)
     if (const MadeFile* found = findInProject(file)) return found;
   return findBeside(file);
+}
+
+fs::path LiveFiles::findIgnoringCase(const fs::path& file) {
+  std::vector<fs::path> candidates;
+  for (const BuildStep& step : plan.steps)
+    for (const std::string& output : step.outputs) candidates.push_back(fullName(outputPath(*project, output)));
+  std::vector<fs::path> folders{file.parent_path()};
+  if (project)
+    folders.push_back(
+        project->pathOf(file.parent_path().lexically_relative(fullName(outputPath(*project, ""))).string()));
+  for (const fs::path& folder : folders) {
+    std::error_code error;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) {
+      const fs::path name = file.parent_path() / entry.path().filename();
+      candidates.push_back(name);
+      for (const auto& [ending, extensions] : kSourcesOf)
+        if (std::find(std::begin(extensions), std::end(extensions), name.extension()) != std::end(extensions))
+          candidates.push_back(fs::path(name).replace_extension(ending));
+    }
+  }
+  std::sort(candidates.begin(), candidates.end());
+  std::error_code error;
+  for (const fs::path& candidate : candidates)
+    if (hsAsciiEqualIgnoringCase(candidate.c_str(), file.c_str()) &&
+        (find(candidate) || fs::is_regular_file(candidate, error)))
+      return candidate;
+  return {};
 }
 
 const MadeFile* LiveFiles::findInProject(const fs::path& file) {

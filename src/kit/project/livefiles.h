@@ -31,6 +31,9 @@ class LiveFiles : public MadeFiles {
 
   std::string pageOf(const std::string& source) override;
   const MadeFile* find(const std::filesystem::path& file) override;
+  // What would be made under a name that differs only by case, or is there; an empty path for nothing. The player finds
+  // such a file once it is built.
+  std::filesystem::path findIgnoringCase(const std::filesystem::path& file);
   std::vector<KitMessage> errors() const override;
   std::vector<KitMessage> warnings() const override;
   std::vector<std::string> sources() const override;

@@ -8,15 +8,14 @@
 
 namespace fs = std::filesystem;
 
-namespace {
-
-// To the player a picture with any other ending is the .kpx of that name.
 std::string pictureFile(const std::string& name) {
   const std::string extension = fs::path(name).extension().string();
   const bool isItself = extension.empty() || hsAsciiEqualIgnoringCase(extension.c_str(), ".gif") ||
                         hsAsciiEqualIgnoringCase(extension.c_str(), ".kpx");
   return isItself ? name : fs::path(name).replace_extension(".kpx").string();
 }
+
+namespace {
 
 class UseFinder {
  public:

@@ -12,3 +12,6 @@
 
 // `folder` is the page's in the output folder, from which its names count.
 std::vector<FileUse> pageUses(const std::string& source, const std::string& folder, const BuiltPage& page);
+
+// The file that the player reads for a picture of that name: one with another ending is the .kpx of the name.
+std::string pictureFile(const std::string& name);

@@ -13,9 +13,11 @@
 
 class PageNames {
  public:
-  // `what` calls the attribute in messages, as in "start of page".
+  // `what` calls the attribute in messages, as in "start of page"; `otherwise` says what the player does when nothing
+  // has the name.
   void define(NamedThing thing, const std::string& name, const YamlPlace& place, const std::string& what);
-  void use(NamedThing thing, const std::string& name, const YamlPlace& place, const std::string& what);
+  void use(NamedThing thing, const std::string& name, const YamlPlace& place, const std::string& what,
+           const std::string& otherwise);
 
   // Names that nothing has, and widgets of one name.
   std::vector<KitMessage> warnings() const;
@@ -25,7 +27,7 @@ class PageNames {
     NamedThing thing;
     std::string name;
     YamlPlace place;
-    std::string what;
+    std::string what, otherwise;
   };
 
   std::vector<std::string> namesOf(NamedThing thing) const;

@@ -93,9 +93,7 @@ std::vector<KitMessage> inOrder(std::vector<KitMessage> messages, const std::str
     once.push_back(std::move(message));
   }
   for (const auto& [place, repeats] : used)
-    if (repeats.more > 0)
-      once[repeats.first].uses.push_back(
-          {"", 0, "and in " + std::to_string(repeats.more) + (repeats.more == 1 ? " more use" : " more uses")});
+    if (repeats.more > 0) once[repeats.first].uses.push_back(moreUses(repeats.more));
   return once;
 }
 
@@ -283,7 +281,14 @@ class SourceReader {
       names.define(NamedThing::style, value.bytes, pair.place, whatIsRead());
     const NamedThing thing = namedBy(object.kind, object.type, pair.key);
     if (thing == NamedThing::widget || thing == NamedThing::style)
-      names.use(thing, value.bytes, pair.value.place, whatIsRead());
+      names.use(thing, value.bytes, pair.value.place, whatIsRead(), withoutWhatItNames(thing, pair.key));
+  }
+
+  // What the player does if nothing has the name in that attribute.
+  static const char* withoutWhatItNames(NamedThing thing, std::string_view key) {
+    if (thing == NamedThing::style) return "the player goes on without one";
+    if (key == "start") return "nothing has the focus as the page opens";
+    return key == "master" ? "the widget follows nobody's highlight" : "the key leads nowhere";
   }
 
   // What only shows when all attributes of an object are there.

@@ -1,8 +1,7 @@
 // Where the keys move the focus on a page, as values to draw.
 //
-// Only what is certain counts: a script that runs in place of a move may do anything, and is shown as such. The digit
-// keys go to the first nine widgets of a page wherever those lie, so what they alone can reach is kept apart: it is
-// seldom meant.
+// A script that runs in place of a move may do anything, and is shown as such. What the digit keys alone can reach is
+// kept apart: it is seldom meant.
 #pragma once
 
 #include <cstdint>
@@ -11,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "kit/focus/focusways.h"
 #include "studio/inspector/widgetsources.h"
 
 struct FocusPoint {
@@ -28,13 +28,6 @@ struct FocusStop {
   Bounds bounds;
   FocusReach reach = FocusReach::never;
   bool isStart = false, isFocused = false, isHidden = false;
-};
-
-enum class ArrowState {
-  followed,
-  script,       // one runs in place of the move
-  takenByKind,  // the key changes its value, or moves its lines
-  staysInside,  // the page inside has the focus and takes the key
 };
 
 struct FocusArrow {

@@ -1,29 +1,6 @@
-#include "kit/check/checkpage.h"
-
-#include "support/pagefixture.h"
+#include "checkfixture.h"
 
 namespace {
-
-class CheckTest : public PageTest {
- protected:
-  // Each as "LINE NAME".
-  std::vector<std::string> check(const std::string& source, const std::vector<std::string>& allowed = {}) {
-    writeText("p.yaml", source);
-    std::vector<std::string> found;
-    for (const Finding& finding : checkPageSource("p.yaml", allowed)) {
-      EXPECT_EQ(finding.message.file, "p.yaml");
-      found.push_back(std::to_string(finding.message.line) + " " + finding.check);
-    }
-    return found;
-  }
-
-  // Of a page with these children; the first of them is in line 7.
-  std::vector<std::string> checkChildren(const std::string& children, const std::string& start = "a") {
-    return check("page:\n  type: group\n  width: 720\n  height: 480\n  start: " + start + "\n  children:\n" + children);
-  }
-
-  using Found = std::vector<std::string>;
-};
 
 TEST_F(CheckTest, NamesThatNothingHasOrThatTwoHave) {
   EXPECT_EQ(checkChildren("    - {name: a, right: b}\n"
@@ -67,31 +44,17 @@ TEST_F(CheckTest, WidgetsThatTheFocusCannotLeave) {
   EXPECT_EQ(checkChildren("    - {name: a, onClick: x = 1;}\n"), Found{});
 }
 
-TEST_F(CheckTest, BarsThatComeOutTheOtherWay) {
-  EXPECT_EQ(checkChildren("    - {name: a, type: slider, width: 256, height: 20}\n"
-                          "    - {type: slider, width: 20, height: 256}\n"
-                          "    - {type: slider, width: 300, height: 20}\n"
-                          "    - {type: slider, width: 20, height: 200}\n"),
-            (Found{"7 slider-direction", "8 slider-direction"}));
-}
-
-TEST_F(CheckTest, WhatTheFocusMakesDisappear) {
-  const auto page = [](const std::string& widget, int size) {
-    return "page:\n  type: group\n  textStyles: [{name: s}, {name: t, size: " + std::to_string(size) +
-           "}]\n  children:\n    - {textStyle: s, " + widget + "}\n";
-  };
-  EXPECT_EQ(check(page("type: number, navigate: both", 20)), Found{"5 vanishes"});
-  EXPECT_EQ(check(page("type: number", 20)), Found{});
-  EXPECT_EQ(check(page("type: select, navigate: both, highlightTextStyle: t", 20)), Found{});
-  EXPECT_EQ(check(page("type: select, showAll: true, highlightTextStyle: t", 20)), Found{"5 two-sizes"});
-  EXPECT_EQ(check(page("type: select, showAll: true, highlightTextStyle: t", 24)), Found{});
-}
-
-TEST_F(CheckTest, WidgetsOutsideTheScreen) {
-  EXPECT_EQ(checkChildren("    - {name: a, x: 719, y: 479, width: 2, height: 2}\n"
-                          "    - {x: 720, width: 2, height: 2}\n"
-                          "    - {y: 480, width: 2, height: 2}\n"),
-            (Found{"8 outside-screen", "9 outside-screen"}));
+TEST_F(CheckTest, WhatATemplateBringsInIsSaidOnce) {
+  writeText(
+      "p.yaml",
+      "templates:\n  t:\n    right: gone\npage:\n  type: group\n  children:\n"
+      "    - {template: t, name: a}\n    - {template: t, name: b}\n    - {template: t, name: c}\n    - {left: gone}\n");
+  const CheckReport report = checkPageSource("p.yaml");
+  ASSERT_EQ(report.findings.size(), 2u);
+  EXPECT_EQ(report.findings[0].whole(),
+            "p.yaml:3: no-such-name: right of a: there is no widget 'gone', and the key leads nowhere\n"
+            "  p.yaml:7: used here: template 't'\n"
+            "  and in 2 more uses");
 }
 
 TEST_F(CheckTest, WhatAnAuthorAllowsIsNotFound) {
@@ -105,6 +68,25 @@ TEST_F(CheckTest, WhatAnAuthorAllowsIsNotFound) {
   EXPECT_EQ(check(page("", "", ""), {"no-such-name"}), Found{});
   EXPECT_EQ(check(page("", "", "  # kpg: allow no-such-nam")),
             (Found{"4 no-such-name", "4 unknown-allow", "5 no-such-name"}));
+}
+
+TEST_F(CheckTest, ReadersOfJsonGetAllOfAFinding) {
+  EXPECT_EQ(findingsJson({}), "[]\n");
+  EXPECT_EQ(findingsJson({{"focus-trap", {"p.yaml", 7, "a \"quoted\" text"}}, {"vanishes", {"p.yaml", 9, "b"}}}),
+            "[\n"
+            "  {\n"
+            "    \"file\": \"p.yaml\",\n"
+            "    \"line\": 7,\n"
+            "    \"check\": \"focus-trap\",\n"
+            "    \"text\": \"a \\\"quoted\\\" text\"\n"
+            "  },\n"
+            "  {\n"
+            "    \"file\": \"p.yaml\",\n"
+            "    \"line\": 9,\n"
+            "    \"check\": \"vanishes\",\n"
+            "    \"text\": \"b\"\n"
+            "  }\n"
+            "]\n");
 }
 
 }  // namespace

@@ -217,11 +217,14 @@ TEST_F(SourceTest, NamesThatNothingHasAreWarnedOf) {
       "  {name: films},\n"
       "  {name: films, master: guide}]}\n");
   EXPECT_EQ(warnings,
-            "p.yaml:1: warning: start of page: there is no widget 'gude'; did you mean 'guide'?\n"
-            "p.yaml:2: warning: textStyle of guide: there is no text style 'titel'; did you mean 'title'?\n"
-            "p.yaml:2: warning: right of guide: there is no widget 'flims'; did you mean 'films'?\n"
-            "p.yaml:4: warning: name of films: another widget has the name 'films', in line 3; the player finds one of "
-            "them\n");
+            "p.yaml:1: warning: start of page: there is no widget 'gude', and nothing has the focus as the page opens; "
+            "did you mean 'guide'?\n"
+            "p.yaml:2: warning: textStyle of guide: there is no text style 'titel', and the player goes on without "
+            "one; did you mean 'title'?\n"
+            "p.yaml:2: warning: right of guide: there is no widget 'flims', and the key leads nowhere; did you mean "
+            "'films'?\n"
+            "p.yaml:4: warning: name of films: another widget has the name 'films', in line 3; links lead to "
+            "the one that the player makes first, scripts reach the last\n");
 }
 
 TEST_F(SourceTest, ASizeAtWhichNothingIsDrawnIsWarnedOf) {
