@@ -59,8 +59,9 @@ void checkEdited(const PageTree& tree, const std::string& path, Diagnosis& into)
   const Find find = [&](std::string_view check, const YamlPlace& place, std::string text) {
     found.push_back({std::string(check), messageAt(place, std::move(text))});
   };
-  checkLinks(page, find);
   checkLooks(page, find);
+  checkHighlights(page, find);
+  checkStyles(page, find);
   AllowedFindings allowed(allowedAround(path));
   for (Finding& finding : found) {
     if (allowed.allows(finding)) continue;
@@ -84,10 +85,13 @@ void diagnosePage(const std::string& path, bool isSaved, const ReadFile& read, D
   }
   for (KitMessage& warning : warnings)
     if (warning.check.empty()) into.warnings.push_back(std::move(warning));
-  for (Finding& finding : checkPageSource(path, allowedAround(path))) {
+  CheckReport report = checkPageSource(path, allowedAround(path));
+  for (Finding& finding : report.findings) {
     finding.message.check = finding.check;
     into.warnings.push_back(std::move(finding.message));
   }
+  // Of the files that the player asked for when the checks opened the page.
+  into.warnings.insert(into.warnings.end(), report.errors.begin(), report.errors.end());
 }
 
 void diagnoseScript(const std::string& path, const ReadFile& read) {
