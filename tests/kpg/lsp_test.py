@@ -169,6 +169,13 @@ def completes_pages(kpg, folder):
     client.take('page.yaml', client.complete('page.yaml', 'textStyle: pl')['plain'])
     assert 'textStyle: plain\n' in client.texts['page.yaml']
 
+    # Also what a repetition makes, for as long as the page has been without errors once.
+    client.open('rows.yaml', 'page:\n  type: group\n  children:\n  - {repeat: 2, type: text, name: row$(index)}\n'
+                             '  - {name: last, up: row1}\n')
+    assert client.diagnostics('rows.yaml') == []
+    client.put('rows.yaml', 'up: row1', 'up: r')
+    assert set(client.complete('rows.yaml', 'up: r')) == {'row0', 'row1', 'last'}
+
     # In braces, in lists, at the top, in a map of a direction, and in quotes.
     client.put('page.yaml', ', size: 20', ', size: 20, ant')
     assert 'antialias' in client.complete('page.yaml', 'size: 20, ant')
@@ -267,7 +274,7 @@ def shows_the_whole(kpg, folder):
     folds = client.ask('textDocument/foldingRange', textDocument=document)
     lines = client.texts['page.yaml'].split('\n')
     shown = [(lines[f['startLine']].strip(), lines[f['endLine']].strip()) for f in folds]
-    assert ('# One.', '# Two.') in shown and ('onLoad: |', 'count = add(count, 2);') in shown, shown
+    assert ('# One.', '# kpg: allow missing-file') in shown and ('onLoad: |', 'count = add(count, 2);') in shown, shown
     assert ('- type: text', 'down: two') in shown and ('page:', 'background: dawn.kpx') in shown, shown
 
     color, = client.ask('textDocument/documentColor', textDocument=document)

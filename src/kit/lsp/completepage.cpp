@@ -65,8 +65,16 @@ class PageCompletion {
     return wanted;
   }
 
-  size_t begin() const { return std::min(isInExpression ? wordBegin : cursor.begin, text.text().size()); }
-  size_t end() const { return std::max(begin(), isInExpression ? offset : std::min(cursor.end, text.text().size())); }
+  // What is replaced: the word, as far as it lies in the cursor's line.
+  size_t begin() const {
+    const size_t line = text.lineBegin(size_t(text.positionOf(offset).line));
+    return std::min(offset, std::max(line, isInExpression ? wordBegin : cursor.begin));
+  }
+  size_t end() const {
+    const auto line = size_t(text.positionOf(offset).line);
+    const size_t lineEnd = text.lineBegin(line) + text.line(line).size();
+    return std::max(offset, isInExpression ? offset : std::min(cursor.end, lineEnd));
+  }
 
   // -- keys
 
@@ -195,6 +203,12 @@ class PageCompletion {
                                                                      : object->type;
         add(name.name, kind == NameKind::madeBy ? kClass : kVariable, asValue(name.name), type);
       }
+    const auto made = views.madeNames(path);  // what expressions have become
+    if (made && kind == NameKind::widget)
+      for (const MadeNames::Widget& widget : made->widgets)
+        add(widget.name, kVariable, asValue(widget.name), widget.type.empty() ? "box" : widget.type);
+    if (made && kind == NameKind::style)
+      for (const std::string& style : made->styles) add(style, kVariable, asValue(style));
   }
 
   void addColors() {

@@ -154,6 +154,10 @@ class ScriptCompletion {
         const SourceObject* object = view->named(kind, name.name);
         add(name.name, kObject, object && kind == NameKind::widget ? object->type.empty() ? "box" : object->type : "");
       }
+    const auto made = views.madeNames(path);  // what expressions have become
+    if (!made || kind != NameKind::widget) return;
+    for (const MadeNames::Widget& widget : made->widgets)
+      if (isExpressionName(widget.name)) add(widget.name, kObject, widget.type.empty() ? "box" : widget.type);
   }
 
   SourceViews& views;

@@ -40,6 +40,18 @@ std::vector<std::string> allowedAround(const std::string& page) {
   return project.empty() ? std::vector<std::string>() : readProject(project).allow;
 }
 
+MadeNames namesOf(const CheckedPage& page) {
+  MadeNames names;
+  for (const CheckedWidget& widget : page.widgets)
+    if (!widget.name.empty()) names.widgets.push_back({widget.name, widget.type});
+  if (const PageValue* styles = page.root().find("textStyles"))
+    for (const PageValue& style : styles->table)
+      for (const PageNode& node : style.object)
+        for (const PageEntry& entry : node.attributes)
+          if (entry.name == "name") names.styles.push_back(entry.value.bytes);
+  return names;
+}
+
 // Those of the checks that need nothing but the page itself, while it isn't saved.
 void checkEdited(const PageTree& tree, const std::string& path, Diagnosis& into) {
   std::vector<Finding> found;
@@ -65,6 +77,7 @@ void diagnosePage(const std::string& path, bool isSaved, const ReadFile& read, D
   const PageTree tree = readPageSource(
       path, [&](const KitMessage& warning) { warnings.push_back(withoutPrefix(warning)); }, options);
   into.sources = tree.sources;
+  into.made = std::make_shared<const MadeNames>(namesOf(CheckedPage(tree)));
   if (!isSaved) {
     into.warnings = std::move(warnings);
     checkEdited(tree, path, into);
@@ -73,11 +86,12 @@ void diagnosePage(const std::string& path, bool isSaved, const ReadFile& read, D
   for (KitMessage& warning : warnings)
     if (warning.check.empty()) into.warnings.push_back(std::move(warning));
   CheckReport report = checkPageSource(path, allowedAround(path));
-  into.errors = std::move(report.errors);
   for (Finding& finding : report.findings) {
     finding.message.check = finding.check;
     into.warnings.push_back(std::move(finding.message));
   }
+  // Of the files that the player asked for when the checks opened the page.
+  into.warnings.insert(into.warnings.end(), report.errors.begin(), report.errors.end());
 }
 
 void diagnoseScript(const std::string& path, const ReadFile& read) {
@@ -148,6 +162,8 @@ Diagnosis diagnose(const std::string& path, SourceKind kind, bool isSaved, const
     result.sources.insert(result.sources.end(), e.inputs.begin(), e.inputs.end());
   } catch (const KitError& e) {
     result.errors = e.messages;
+  } catch (const std::exception& e) {  // such as a page that is too large for the memory
+    result.errors.push_back({path, 0, e.what()});
   }
   if (kind == SourceKind::script || kind == SourceKind::page || kind == SourceKind::part)
     addSyntaxErrors(path, kind, read, result);

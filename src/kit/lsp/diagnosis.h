@@ -3,6 +3,7 @@
 // All that a page is made of is looked at with it, so messages may be of other files.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -15,9 +16,19 @@ enum class SourceKind { page, part, project, tests, script, other };  // part: w
 // that for much else.
 SourceKind sourceKindOf(const std::string& path, const std::string& text);
 
+// What a page has once it is built: also what templates and repetitions make.
+struct MadeNames {
+  struct Widget {
+    std::string name, type;
+  };
+  std::vector<Widget> widgets;
+  std::vector<std::string> styles;
+};
+
 struct Diagnosis {
   std::vector<KitMessage> errors, warnings;
-  std::vector<std::string> sources;  // all that was read
+  std::vector<std::string> sources;       // all that was read
+  std::shared_ptr<const MadeNames> made;  // of a page without errors; null for anything else
 };
 
 // After the first fault of a script the compiler says nothing more of it; what the tolerant parser finds then comes

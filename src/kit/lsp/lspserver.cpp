@@ -69,6 +69,7 @@ LspServer::LspServer(RpcConnection& c)
       views(files),
       publisher(c),
       diagnoser([this](const std::string& path, const DiagnosisTask& task, const Diagnosis& found) {
+        if (found.made) views.setMadeNames(path, found.made);
         publisher.publish(path, task, found);
       }) {}
 

@@ -1,6 +1,6 @@
 // The outline of a script, what folds in it, and the kinds of its words.
 #include <algorithm>
-#include <array>
+#include <string_view>
 #include <utility>
 
 #include "kit/language/boboutline.h"
@@ -15,8 +15,9 @@ namespace {
 constexpr int kSymbolKinds[] = {12, 6, 19, 7, 13};
 
 // The protocol's words, for each BobSemantic.
-constexpr std::array kTokenTypes = {"comment",  "keyword",   "string",   "number",   "operator",   "function", "method",
-                                    "property", "parameter", "variable", "variable", "enumMember", "macro"};
+constexpr std::string_view kTokenTypes[] = {"comment",  "keyword",    "string",   "number",    "operator",
+                                            "function", "method",     "property", "parameter", "variable",
+                                            "variable", "enumMember", "macro"};
 constexpr unsigned kDefinition = 1, kGlobal = 2;  // modifiers
 
 json outlineJson(const ScriptView& script, const std::vector<BobOutlineItem>& items) {
@@ -94,4 +95,8 @@ json semanticTokensOf(SourceViews& views, const std::string& path) {
   return {{"data", std::move(packer.data)}};
 }
 
-json semanticLegend() { return {{"tokenTypes", kTokenTypes}, {"tokenModifiers", {"definition", "global"}}}; }
+json semanticLegend() {
+  json types = json::array();
+  for (const std::string_view type : kTokenTypes) types.push_back(type);
+  return {{"tokenTypes", std::move(types)}, {"tokenModifiers", {"definition", "global"}}};
+}

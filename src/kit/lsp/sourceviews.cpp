@@ -196,6 +196,17 @@ std::vector<std::pair<std::string, std::shared_ptr<const PageView>>> SourceViews
   return result;
 }
 
+std::shared_ptr<const MadeNames> SourceViews::madeNames(const std::string& path) {
+  const std::lock_guard lock(mutex);
+  const auto known = made.find(path);
+  return known == made.end() ? nullptr : known->second;
+}
+
+void SourceViews::setMadeNames(const std::string& path, std::shared_ptr<const MadeNames> names) {
+  const std::lock_guard lock(mutex);
+  made[path] = std::move(names);
+}
+
 std::vector<std::string> SourceViews::filesFor(const std::string& path, const std::string& value) {
   const fs::path folder = fs::path(path).parent_path();
   std::set<std::string> names;

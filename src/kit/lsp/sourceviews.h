@@ -4,6 +4,7 @@
 
 #include <map>
 #include <memory>
+#include <mutex>
 #include <set>
 #include <string>
 #include <vector>
@@ -35,6 +36,10 @@ class SourceViews {
   // Those of them that are YAML, in the same order.
   std::vector<std::pair<std::string, std::shared_ptr<const PageView>>> relatedPages(const std::string& path);
 
+  // What the page had when it was last without errors; null if it never was. Both from any thread.
+  std::shared_ptr<const MadeNames> madeNames(const std::string& path);
+  void setMadeNames(const std::string& path, std::shared_ptr<const MadeNames> names);
+
   // Full name of a file as a source names it.
   static std::string besides(const std::string& source, const std::string& name);
 
@@ -48,6 +53,9 @@ class SourceViews {
   SourceKind looksLike(const std::string& path);
   void addParts(const std::string& path, std::vector<std::string>& into);
   std::vector<std::string> pagesAround(const std::string& path);
+
+  std::mutex mutex;  // of what comes next
+  std::map<std::string, std::shared_ptr<const MadeNames>> made;
 
   std::shared_ptr<const EditedText> textOf(const std::string& path);
 
