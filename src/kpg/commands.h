@@ -12,6 +12,7 @@ void addDumpCommand(CommandLine& line);
 void addTreeCommand(CommandLine& line);
 void addShotCommand(CommandLine& line);
 void addFilmCommand(CommandLine& line);
+void addFormatCommand(CommandLine& line);
 void addTestCommand(CommandLine& line);
 void addDiffCommand(CommandLine& line);
 void addWatchCommand(CommandLine& line);

@@ -49,6 +49,7 @@ constexpr Command kCommands[] = {
     {"decode", addDecodeCommand},
     {"profile", addProfileCommand},
     {"dap", addDapCommand},
+    {"format", addFormatCommand},
     {"schema", addSchemaCommand},
     {"lsp", addLspCommand},
     {"completion", addCompletionCommand},

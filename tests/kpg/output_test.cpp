@@ -149,4 +149,25 @@ TEST_F(OutputTest, AReaderThatLeavesEndsTheProgramAfterThePictureIsSaved) {
   EXPECT_EQ(text("status"), "1\n");
 }
 
+TEST_F(OutputTest, ScriptsAreFormattedInPlaceOnlyWhenAsked) {
+  const std::string untidy = "// Adds.\ndefine  add(a,b){ return a+b; }\n",
+                    tidy = "// Adds.\ndefine add(a, b) {\n  return a + b;\n}\n";
+  writeText("a.bob", untidy);
+  writeText("b.bob", tidy);
+  EXPECT_EQ(kpg("format a.bob"), 0);
+  EXPECT_EQ(out, tidy);
+  EXPECT_EQ(shell("kpg format <a.bob >c.bob"), 0);
+  EXPECT_EQ(text("c.bob"), tidy);
+  EXPECT_EQ(text("a.bob"), untidy);
+  EXPECT_EQ(kpg("format --check a.bob b.bob"), 1);
+  EXPECT_EQ(out, "a.bob\n");
+  writeText("bad.bob", "define (;\n");
+  EXPECT_EQ(kpg("format -w bad.bob a.bob b.bob"), 1);
+  EXPECT_EQ(out, "a.bob written\n");
+  EXPECT_TRUE(err.starts_with("bad.bob:1: ")) << err;
+  EXPECT_EQ(text("a.bob"), tidy);
+  EXPECT_EQ(text("bad.bob"), "define (;\n");
+  EXPECT_EQ(kpg("format --check a.bob b.bob"), 0);
+}
+
 }  // namespace
