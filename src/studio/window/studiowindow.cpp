@@ -74,7 +74,8 @@ StudioWindow::StudioWindow(const std::string& p) : page(p), driver(p) {
       for (const KitMessage& warning : driver.session().warnings()) console->warn(warning);
     state->setText(driver.session().errors().empty()
                        ? QString("Opened in %1 ms").arg(driver.lastReload(), 0, 'f', driver.lastReload() < 10 ? 1 : 0)
-                       : QString("Not opened: the page before stays"));
+                   : driver.session().run() ? QString("Not opened: the page before stays")
+                                            : QString("Not opened"));
   };
   driver.busy = [this] { stopAction->setEnabled(driver.isBusy()); };
   screen->setFocus();  // so that keys go to the page from the start
