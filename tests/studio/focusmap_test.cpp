@@ -63,8 +63,14 @@ TEST_F(FocusMapTest, ArrowsLeadAlongLinksAndDeadOnesAreTold) {
   EXPECT_EQ(map.deadLinks[0].name, "nowhere");
   EXPECT_EQ(map.deadLinks[0].direction, "upLeft");
   EXPECT_EQ(map.deadLinks[0].place->line, 7);
+  EXPECT_EQ(map.deadLinks[0].tail, (FocusPoint{100, 100}));
+  EXPECT_EQ(map.deadLinks[0].head, (FocusPoint{76, 76}));
   EXPECT_EQ(map.deadLinks[1].label, "lost");
+  EXPECT_TRUE(map.deadLinks[1].isHidden);
   EXPECT_EQ(map.deadLinks[1].place->line, 13);
+  EXPECT_EQ(
+      summaryOf(map),
+      "Focus map: no direction key reaches 1 widget, though scripts may; 2 links lead nowhere: upLeft of a and others");
 }
 
 TEST_F(FocusMapTest, WithoutAStartTheSearchBeginsAtTheFocus) {
@@ -75,6 +81,9 @@ TEST_F(FocusMapTest, WithoutAStartTheSearchBeginsAtTheFocus) {
   for (const FocusStop& stop : mapOf().stops) EXPECT_EQ(stop.reach, FocusReach::never) << stop.label;
   open("page: {type: group, start: z, onLoad: 'widgets.a.Focus();', " + children);
   EXPECT_EQ(mapOf().missingStart, "z");
+  EXPECT_EQ(summaryOf(mapOf()), "Focus map: there is no widget 'z' to start at");
+  open("page: {type: group, start: a, children: [{name: a, right: b}, {name: b}]}");
+  EXPECT_EQ(summaryOf(mapOf()), "Focus map: the direction keys reach every widget");
 }
 
 TEST_F(FocusMapTest, KeysGoToThePageInside) {

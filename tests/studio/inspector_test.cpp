@@ -5,6 +5,7 @@
 #include "studio/inspector/attributelines.h"
 #include "studio/inspector/unseen.h"
 #include "studio/inspector/widgettree.h"
+#include "support/blockfont.h"
 
 namespace {
 
@@ -63,6 +64,24 @@ page:
   EXPECT_EQ(rows[0].parent, std::nullopt);
   EXPECT_EQ(findRow(rows, idOf("second")), size_t{3});
   EXPECT_EQ(widgetLabels(engine()).at(inspectWidgets(engine()).front().id), "screen");
+}
+
+TEST_F(InspectorTest, AnEmptyFieldIsSeenByItsBackground) {
+  const std::vector<uint8_t> font = BlockFontFile();
+  writeFile(at("a.ttf"), font.data(), font.size());
+  open(R"(page:
+  type: group
+  textStyles: [{name: s, font: a.ttf, size: 20, color: white}]
+  children:
+    - {type: text, name: field, width: 90, height: 20, bgColor: '#C00000', textStyle: s}
+    - {type: text, name: bare, width: 90, height: 20, y: 30, textStyle: s}
+    - {type: text, name: full, width: 90, height: 20, y: 60, bgColor: '#C00000', textStyle: s, value: a}
+)");
+  std::map<std::string, bool> notSeen;
+  for (const TreeRow& row : widgetTree(engine())) notSeen[row.label] = row.notSeen;
+  EXPECT_TRUE(notSeen.at("bare"));
+  EXPECT_FALSE(notSeen.at("field"));
+  EXPECT_FALSE(notSeen.at("full"));
 }
 
 TEST_F(InspectorTest, ARowIsFoundAgainAfterASave) {

@@ -16,6 +16,9 @@ TEST(OpenPlace, EachEditorGetsTheLineInItsOwnWay) {
       {{"gvim", {}}, {"gvim", "+7", "a b.yaml"}},
       {{"unheard-of", {}}, {"unheard-of", "a b.yaml"}},
       {{"vim", {"xdg-open"}}, {"xdg-open", "a b.yaml"}},  // it would need a terminal
+      {{"vim -n", {"xdg-open"}, "xterm"}, {"xterm", "-e", "vim", "-n", "+7", "a b.yaml"}},
+      {{"/opt/hx", {}, "gnome-terminal"}, {"gnome-terminal", "--", "/opt/hx", "a b.yaml:7"}},
+      {{"gvim", {}, "xterm"}, {"gvim", "+7", "a b.yaml"}},
       {{"", {"code", "xdg-open"}}, {"code", "--goto", "a b.yaml:7"}},
   };
   for (const auto& c : cases) EXPECT_EQ(editorCommand(c.choice, "a b.yaml", 7), c.command) << c.choice.visual;

@@ -48,6 +48,13 @@ std::vector<std::string> nativeNames(BobInterp* interp, BobValue object) {
   return names;
 }
 
+void addNames(BobInterp* interp, BobValue object, std::vector<std::string>* names) {
+  bobForEachProperty(interp, object, [&](BobValue p) {
+    const BobValue key = interp->words(p)[kKey];
+    if (interp->isA(key, kBobSymbol)) names->emplace_back(interp->symbolOf(key));
+  });
+}
+
 void visitNative(BobInterp* interp, BobValue object, size_t first, size_t count, const BobVisitMember& visit) {
   const BobLocal kept(interp->locals, object);
   const std::vector<std::string> names = nativeNames(interp, object);
@@ -96,4 +103,17 @@ void bobForEachMember(BobInterp* interp, BobValue value, size_t first, size_t co
     member(printed(interp, interp->words(p)[kKey], bobDisplay), interp->words(p)[kValue]);
   });
   if (interp->words(value)[kParent] != kBobNil) member("parent", interp->words(value)[kParent]);
+}
+
+std::vector<std::string> bobGlobalNames(BobInterp* interp, BobValue scopeObject) {
+  std::vector<std::string> names;
+  for (BobValue scope = scopeObject; interp->isObject(scope); scope = interp->words(scope)[kParent])
+    addNames(interp, scope, &names);
+  return names;
+}
+
+std::vector<std::string> bobSymbolNames(BobInterp* interp) {
+  std::vector<std::string> names;
+  addNames(interp, interp->symbolTable, &names);
+  return names;
 }

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "bob/base/value.h"
 
@@ -22,3 +23,8 @@ size_t bobMemberCount(BobInterp* interp, BobValue value);
 // values move with the next allocation, as everywhere. A property that can't be read has its error as `text`, and nil.
 using BobVisitMember = std::function<void(const std::string& name, BobValue value, const std::string& text)>;
 void bobForEachMember(BobInterp* interp, BobValue value, size_t first, size_t count, const BobVisitMember& visit);
+
+// The globals that are seen from a scope's object, from the inside out.
+std::vector<std::string> bobGlobalNames(BobInterp* interp, BobValue scopeObject);
+// All symbols: the globals, selectors and properties that the language, the host and the code so far have names for.
+std::vector<std::string> bobSymbolNames(BobInterp* interp);

@@ -8,7 +8,17 @@
 
 namespace {
 
-constexpr int64_t kLane = 4;  // pixels beside the middle of an edge, so that arrows there and back are two
+constexpr int64_t kStub = 24;  // pixels of an arrow that leads nowhere
+constexpr int64_t kLane = 4;   // pixels beside the middle of an edge, so that arrows there and back are two
+
+FocusPoint pointOf(int64_t x, int64_t y) {
+  const auto fitting = [](int64_t v) { return int32_t(std::clamp<int64_t>(v, INT32_MIN, INT32_MAX)); };
+  return {fitting(x), fitting(y)};
+}
+
+std::string counted(size_t count, const char* one, const char* many) {
+  return std::to_string(count) + " " + (count == 1 ? one : many);
+}
 
 // In the middle of the edge or at the corner that lies that way, a little to the right of who goes there.
 FocusPoint edgePoint(const Bounds& b, const FocusWay& side, const FocusWay& going) {
@@ -17,8 +27,7 @@ FocusPoint edgePoint(const Bounds& b, const FocusWay& side, const FocusWay& goin
     if (side != 0) return side < 0 ? begin : begin + size - 1;
     return begin + size / 2 + std::clamp(lane * kLane, -size / 4, size / 4);
   };
-  const auto point = [](int64_t v) { return int32_t(std::clamp<int64_t>(v, INT32_MIN, INT32_MAX)); };
-  return {point(along(b.x, b.w, side.x, -going.y)), point(along(b.y, b.h, side.y, going.x))};
+  return pointOf(along(b.x, b.w, side.x, -going.y), along(b.y, b.h, side.y, going.x));
 }
 
 class FocusMapper {
@@ -62,8 +71,10 @@ class FocusMapper {
       const FocusWay& way = focusWay(link.direction);
       if (to == 0) {
         const std::string attribute(link.direction);
-        map.deadLinks.push_back(
-            {from.id, labelOf(from.id), way.direction, link.name, sources.placeOf(from.id, attribute)});
+        const FocusPoint tail = edgePoint(from.bounds, way, way);
+        map.deadLinks.push_back({from.id, labelOf(from.id), way.direction, link.name, from.contentHidden, tail,
+                                 pointOf(int64_t(tail.x) + kStub * way.x, int64_t(tail.y) + kStub * way.y),
+                                 sources.placeOf(from.id, attribute)});
         continue;
       }
       const FocusWay opposite{"", -way.x, -way.y};
@@ -88,4 +99,24 @@ class FocusMapper {
 
 FocusMap focusMap(PageRun& run, WidgetSources& sources, WidgetId frame) {
   return FocusMapper(run, sources, frame).run();
+}
+
+std::string summaryOf(const FocusMap& map) {
+  if (!map.missingStart.empty()) return "Focus map: there is no widget '" + map.missingStart + "' to start at";
+  const size_t lost = size_t(std::count_if(map.stops.begin(), map.stops.end(), [](const FocusStop& stop) {
+    return !stop.isHidden && stop.reach != FocusReach::arrows;
+  }));
+  std::string text = "Focus map: ";
+  if (lost == 0) {
+    text += "the direction keys reach every widget";
+  } else {
+    text += "no direction key reaches " + counted(lost, "widget", "widgets");
+    if (map.scriptsMayMove) text += ", though scripts may";
+  }
+  if (!map.deadLinks.empty()) {
+    const DeadLink& link = map.deadLinks.front();
+    text += "; " + counted(map.deadLinks.size(), "link leads", "links lead") + " nowhere: ";
+    text += std::string(link.direction) + " of " + link.label + (map.deadLinks.size() > 1 ? " and others" : "");
+  }
+  return text;
 }

@@ -42,6 +42,8 @@ struct DeadLink {
   std::string label;
   std::string_view direction;
   std::string name;                // that no widget of the page has
+  bool isHidden = false;           // the widget with the link
+  FocusPoint tail{}, head{};       // from its edge a little way on
   std::optional<YamlPlace> place;  // where it was written
 };
 
@@ -57,3 +59,6 @@ struct FocusMap {
 
 // Of the page in that frame; 0 for the innermost one that keys go to.
 FocusMap focusMap(PageRun& run, WidgetSources& sources, WidgetId frame = 0);
+
+// What is wrong on it, in a sentence.
+std::string summaryOf(const FocusMap& map);

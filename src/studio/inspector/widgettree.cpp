@@ -25,6 +25,9 @@ bool isContainer(WidgetKind kind) {
 
 bool isNotSeen(const WidgetView& widget, const std::vector<UnseenReason>& reasons) {
   if (widget.contentHidden || reasons.empty()) return false;
+  // A field to type into is seen by its background.
+  const bool isEmptyField = reasons.size() == 1 && reasons.front().why == Unseen::emptyText;
+  if (isEmptyField && widget.bgColor && !widget.backgroundHidden) return false;
   const auto showsNothing = [](const UnseenReason& reason) { return reason.why == Unseen::nothingToShow; };
   return !isContainer(widget.kind) || std::none_of(reasons.begin(), reasons.end(), showsNothing);
 }

@@ -17,6 +17,8 @@ namespace {
 
 constexpr int kMostLines = 20000;
 constexpr size_t kMostHistory = 500;
+constexpr int kMostOffered = 60;                         // words
+constexpr int kInkProperty = QTextFormat::UserProperty;  // of a piece of text
 
 // The console's characters are bytes, and are shown as such.
 QString textOf(std::string_view bytes) { return QString::fromLatin1(bytes.data(), qsizetype(bytes.size())); }
@@ -61,7 +63,7 @@ ConsoleView::ConsoleView() : output(new QPlainTextEdit), input(new QLineEdit), f
     if (history.size() > qsizetype(kMostHistory)) history.removeFirst();
     recalled = int(history.size());
     input->clear();
-    append("> " + line + "\n", look().faint);
+    append("> " + line + "\n", Ink::faint);
     if (entered) entered(line);
   });
   QObject::connect(filter, &QLineEdit::textChanged, this, [this] { applyFilter(); });
@@ -71,13 +73,11 @@ void ConsoleView::focusInput() { input->setFocus(); }
 
 void ConsoleView::focusFilter() { filter->setFocus(); }
 
-void ConsoleView::setWords(const QStringList& w) { words = w; }
-
 void ConsoleView::setLog(uint64_t now, const std::string& log, const std::vector<std::string_view>& complaints,
                          const Placed& placed) {
   if (now == opening && log.size() == seen) return;
   if (now != opening) {
-    if (seen > 0) append(QString(24, QChar(0x2500)) + "\n", look().faint);
+    if (seen > 0) append(QString(24, QChar(0x2500)) + "\n", Ink::faint);
     opening = now;
     seen = 0;
   }
@@ -85,24 +85,36 @@ void ConsoleView::setLog(uint64_t now, const std::string& log, const std::vector
   for (const std::string_view complaint : complaints) {
     const size_t begin = size_t(complaint.data() - log.data()), end = begin + complaint.size();
     if (end <= at) continue;
-    if (begin > at) append(textOf(std::string_view(log).substr(at, begin - at)), look().text);
+    if (begin > at) append(textOf(std::string_view(log).substr(at, begin - at)), Ink::text);
     at = std::max(at, begin);
-    appendWithPlaces(textOf(placed(std::string_view(log).substr(at, end - at))), look().error);
+    appendWithPlaces(textOf(placed(std::string_view(log).substr(at, end - at))), Ink::error);
     at = end;
   }
-  append(textOf(std::string_view(log).substr(at)), look().text);
+  append(textOf(std::string_view(log).substr(at)), Ink::text);
   seen = log.size();
   if (!filter->text().isEmpty()) applyFilter();
 }
 
-void ConsoleView::append(const QString& text, const QColor& color, const QString& place) {
+QColor ConsoleView::colorOf(Ink ink) {
+  switch (ink) {
+    case Ink::text: return look().text;
+    case Ink::faint: return look().faint;
+    case Ink::warning: return look().warning;
+    case Ink::error: return look().error;
+    case Ink::place: return look().accent;
+  }
+  return look().text;
+}
+
+void ConsoleView::append(const QString& text, Ink ink, const QString& place) {
   if (text.isEmpty()) return;
   QScrollBar* bar = output->verticalScrollBar();
   const bool follows = bar->value() >= bar->maximum() - 1;
   QTextCursor cursor(output->document());
   cursor.movePosition(QTextCursor::End);
   QTextCharFormat format;
-  format.setForeground(color);
+  format.setForeground(colorOf(ink));
+  format.setProperty(kInkProperty, int(ink));
   if (!place.isEmpty()) {
     format.setAnchor(true);
     format.setAnchorHref(place);
@@ -113,19 +125,43 @@ void ConsoleView::append(const QString& text, const QColor& color, const QString
 }
 
 // A place is what a line ends in: " at FILE:LINE".
-void ConsoleView::appendWithPlaces(const QString& text, const QColor& color) {
+void ConsoleView::appendWithPlaces(const QString& text, Ink ink) {
   static const QRegularExpression kPlace(" at (.+:[0-9]+)$", QRegularExpression::MultilineOption);
   qsizetype done = 0;
   for (auto places = kPlace.globalMatch(text); places.hasNext();) {
     const QRegularExpressionMatch place = places.next();
-    append(text.mid(done, place.capturedStart(1) - done), color);
-    append(place.captured(1), look().accent, place.captured(1));
+    append(text.mid(done, place.capturedStart(1) - done), ink);
+    append(place.captured(1), Ink::place, place.captured(1));
     done = place.capturedEnd(1);
   }
-  append(text.mid(done), color);
+  append(text.mid(done), ink);
 }
 
-void ConsoleView::print(const QString& text) { append(text, look().text); }
+void ConsoleView::print(const QString& text) { append(text, Ink::text); }
+
+void ConsoleView::warn(const KitMessage& message) {
+  QString text = QString::fromStdString(message.text);
+  if (message.line > 0) text += QString(" at %1:%2").arg(QString::fromStdString(message.file)).arg(message.line);
+  appendWithPlaces(text + "\n", Ink::warning);
+}
+
+void ConsoleView::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::PaletteChange) colorAgain();
+  QWidget::changeEvent(event);
+}
+
+// What was written in the colours of another look.
+void ConsoleView::colorAgain() {
+  QTextCursor cursor(output->document());
+  for (QTextBlock block = output->document()->begin(); block.isValid(); block = block.next())
+    for (auto part = block.begin(); !part.atEnd(); ++part) {
+      QTextCharFormat format;
+      format.setForeground(colorOf(Ink(part.fragment().charFormat().intProperty(kInkProperty))));
+      cursor.setPosition(part.fragment().position());
+      cursor.setPosition(part.fragment().position() + part.fragment().length(), QTextCursor::KeepAnchor);
+      cursor.mergeCharFormat(format);
+    }
+}
 
 void ConsoleView::applyFilter() {
   for (QTextBlock block = output->document()->begin(); block.isValid(); block = block.next())
@@ -165,21 +201,25 @@ void ConsoleView::recall(int step) {
   input->setText(recalled == history.size() ? typed : history[recalled]);
 }
 
-// To as much as all words that begin so have in common; further presses go through them.
+// To as much as all words that begin so have in common; a further press shows them.
 void ConsoleView::complete() {
   static const QRegularExpression kWord("[A-Za-z_][A-Za-z0-9_]*$");
   const QString before = input->text().left(input->cursorPosition());
   const QString begun = kWord.match(before).captured();
+  const bool isAfterDot = before.chopped(begun.size()).endsWith('.');
+  if ((begun.isEmpty() && !isAfterDot) || !wordsWanted) return;
   QStringList fitting;
-  for (const QString& word : words)
+  for (const QString& word : wordsWanted(isAfterDot))
     if (word.startsWith(begun) && word != begun) fitting.push_back(word);
-  if (begun.isEmpty() || fitting.isEmpty()) return;
+  if (fitting.isEmpty()) return;
   QString common = fitting.front();
   for (const QString& word : fitting)
     while (!word.startsWith(common)) common.chop(1);
   if (common.size() > begun.size()) {
     input->insert(common.mid(begun.size()));
   } else {
-    append("  " + fitting.join("  ") + "\n", look().faint);
+    const qsizetype more = fitting.size() - kMostOffered;
+    const QString end = more > 0 ? QString("  ... %1 more").arg(more) : QString();
+    append("  " + fitting.mid(0, kMostOffered).join("  ") + end + "\n", Ink::faint);
   }
 }

@@ -22,21 +22,27 @@ class ConsoleView : public QWidget {
   using Placed = std::function<std::string(std::string_view complaint)>;
   void setLog(uint64_t opening, const std::string& log, const std::vector<std::string_view>& complaints,
               const Placed& placed);
-  void print(const QString& text);          // what isn't of the log
-  void setWords(const QStringList& words);  // for completion
+  void print(const QString& text);       // what isn't of the log
+  void warn(const KitMessage& message);  // of the builder, about the page
   void focusInput();
   void focusFilter();
 
   std::function<void(const QString& line)> entered;
   std::function<void(const KitMessage& place)> placeClicked;
-  std::function<void()> left;  // with Esc
+  std::function<void()> left;                               // with Esc
+  std::function<QStringList(bool isAfterDot)> wordsWanted;  // that the word at the cursor may become
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
+  void changeEvent(QEvent* event) override;
 
  private:
-  void append(const QString& text, const QColor& color, const QString& place = {});
-  void appendWithPlaces(const QString& text, const QColor& color);
+  enum class Ink { text, faint, warning, error, place };  // whose colours change with the look
+
+  static QColor colorOf(Ink ink);
+  void append(const QString& text, Ink ink, const QString& place = {});
+  void appendWithPlaces(const QString& text, Ink ink);
+  void colorAgain();
   void applyFilter();
   void point(const QMouseEvent& event);
   void recall(int step);
@@ -47,7 +53,7 @@ class ConsoleView : public QWidget {
   QLineEdit* filter;
   uint64_t opening = 0;
   size_t seen = 0;  // bytes of its log
-  QStringList history, words;
+  QStringList history;
   int recalled = 0;  // in the history; its size for the line that is being typed
   QString typed;
 };

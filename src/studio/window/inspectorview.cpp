@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QComboBox>
+#include <QEvent>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -187,6 +188,17 @@ void InspectorView::refresh() {
   rows = std::move(now);
   if (!isSame) showTree();
   showAttributes();
+}
+
+// The lists keep the colours that they were filled with.
+void InspectorView::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::PaletteChange && run) {
+    showTree();
+    attributes->clear();
+    lines.clear();
+    showAttributes();
+  }
+  QWidget::changeEvent(event);
 }
 
 std::optional<TreeRow> InspectorView::chosen() const {

@@ -33,6 +33,9 @@ class InspectorView : public QWidget {
   std::function<void(const std::string& attribute)> valueRemoved;  // so that its default counts
   std::function<void(const std::string& sentence)> editRefused;
 
+ protected:
+  void changeEvent(QEvent* event) override;
+
  private:
   void showTree();
   void showAttributes();

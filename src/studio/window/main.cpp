@@ -2,16 +2,31 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QTimer>
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <memory>
+#include <string_view>
 
 #include "kit/version.h"
 #include "studio/window/look.h"
 #include "studio/window/studiowindow.h"
 
+namespace {
+
+// Such questions are answered without a desktop.
+bool asksOnly(int argc, char** argv) {
+  return std::any_of(argv + 1, argv + argc, [](std::string_view word) {
+    return word == "--help" || word == "-h" || word == "--help-all" || word == "--version" || word == "-v";
+  });
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);  // an editor may go in the middle of a message
-  QApplication application(argc, argv);
+  const std::unique_ptr<QCoreApplication> application(asksOnly(argc, argv) ? new QCoreApplication(argc, argv)
+                                                                           : new QApplication(argc, argv));
   QApplication::setApplicationName("vistrel-studio");
   QApplication::setApplicationVersion(kitVersion());
   QCommandLineParser words;
@@ -26,12 +41,12 @@ int main(int argc, char** argv) {
   const QCommandLineOption debug("dap", "Let kpg dap --attach debug the page through a socket that is made here",
                                  "PATH");
   words.addOptions({control, debug, dark, light});
-  words.process(application);
+  words.process(*application);
   if (words.positionalArguments().size() != 1) {
     std::fputs("vistrel-studio: name one page to open, vistrel-studio PAGE.yaml\n", stderr);
     return 1;
   }
-  applyLook(application, words.isSet(dark) || (desktopIsDark() && !words.isSet(light)));
+  applyLook(*qApp, words.isSet(dark) || (desktopIsDark() && !words.isSet(light)));
   StudioWindow window(words.positionalArguments().front().toStdString());
   try {
     if (words.isSet(control)) window.listenAt(words.value(control).toStdString());

@@ -124,11 +124,7 @@ void StudioWindow::addLookingTools(QToolBar* bar) {
       bar, "Find a widget: point at it", "Ctrl+I", signIcon(Sign::pick), [this](bool on) { screen->setPicking(on); },
       true);
   tool(
-      bar, "Focus map: where the keys lead", "Ctrl+M", signIcon(Sign::focus),
-      [this](bool on) {
-        showsFocusMap = on;
-        showMarks();
-      },
+      bar, "Focus map: where the keys lead", "Ctrl+M", signIcon(Sign::focus), [this](bool on) { setFocusMap(on); },
       true);
   tool(
       bar, "Pixel grid, from 4\u00d7 on", "Ctrl+G", signIcon(Sign::grid), [this](bool on) { screen->setGrid(on); },

@@ -20,10 +20,10 @@
 #include "engine/screen/display.h"
 #include "kit/files.h"
 #include "kit/pictures/png.h"
+#include "kit/run/scriptwords.h"
 #include "kit/run/valuetree.h"
 #include "studio/editor/openplace.h"
 #include "studio/editor/scripterrors.h"
-#include "studio/inspector/focusmap.h"
 #include "studio/record/saverecording.h"
 #include "studio/timeline/runwatch.h"
 #include "studio/window/look.h"
@@ -37,17 +37,6 @@ QString storedPixel(Engine& engine, QPoint at) {
   if (engine.display->depth() == 8) return QString("index %1").arg(bitmap->Row<uint8_t>(at.y())[at.x()]);
   const uint16_t word = bitmap->Row<uint16_t>(at.y())[at.x()];
   return QString("word %1").arg(word, 4, 16, QChar('0'));
-}
-
-// What a line of the console may go on with: names of widgets, and what every page's scripts have.
-QStringList wordsOf(Engine& engine) {
-  QStringList words{"widgets",  "textStyles", "topFrame", "frame",      "parent",      "stdout",  "value",
-                    "minValue", "maxValue",   "bgColor",  "background", "highlighted", "LoadPage"};
-  for (const WidgetView& widget : inspectWidgets(engine))
-    if (!widget.name.empty()) words << QString::fromStdString(widget.name);
-  words.removeDuplicates();
-  words.sort();
-  return words;
 }
 
 // As wide as there is room, and as high as it wants to be.
@@ -81,9 +70,12 @@ StudioWindow::StudioWindow(const std::string& p) : page(p), driver(p) {
     showEdits();
     showErrors();
     showPage();
+    if (driver.session().errors().empty())
+      for (const KitMessage& warning : driver.session().warnings()) console->warn(warning);
     state->setText(driver.session().errors().empty()
                        ? QString("Opened in %1 ms").arg(driver.lastReload(), 0, 'f', driver.lastReload() < 10 ? 1 : 0)
-                       : QString("Not opened: the page before stays"));
+                   : driver.session().run() ? QString("Not opened: the page before stays")
+                                            : QString("Not opened"));
   };
   driver.busy = [this] { stopAction->setEnabled(driver.isBusy()); };
   screen->setFocus();  // so that keys go to the page from the start
@@ -183,6 +175,7 @@ void StudioWindow::buildViews() {
   remote->pressed = [this](const QString& name) { press(name); };
   console->entered = [this](const QString& line) { enter(line); };
   console->placeClicked = [this](const KitMessage& place) { openPlace(place); };
+  console->wordsWanted = [this](bool isAfterDot) { return wordsToGoOnWith(isAfterDot); };
   console->left = [this] { screen->setFocus(); };
   screen->picked = [this](QPoint at) {
     if (!inspected || driver.isBusy()) return;
@@ -252,7 +245,6 @@ void StudioWindow::showPage() {
   if (run != inspected) {
     inspected = run;
     inspector->setRun(run);
-    console->setWords(wordsOf(run->engine()));
   } else if (inspector->isVisible()) {
     inspector->refresh();
   }
@@ -265,29 +257,6 @@ void StudioWindow::showPage() {
   if (editor && editor->isThere()) editor->showLog(run->logWithPlaces());
   showReplay();
   if (pointedAt) showPointed(pointedAt);
-}
-
-void StudioWindow::showMarks() {
-  std::vector<ScreenMark> marks;
-  std::vector<ScreenArrow> arrows;
-  const auto rectOf = [](const Bounds& b) { return QRectF(b.x, b.y, b.w, b.h); };
-  if (inspected && showsFocusMap && inspector->sources()) {
-    const FocusMap map = focusMap(*inspected, *inspector->sources());
-    for (const FocusStop& stop : map.stops)
-      marks.push_back({rectOf(stop.bounds), stop.reach == FocusReach::arrows ? look().accent : look().error,
-                       stop.reach != FocusReach::arrows});
-    for (const DeadLink& link : map.deadLinks)
-      for (const FocusStop& stop : map.stops)
-        if (stop.id == link.from) marks.push_back({rectOf(stop.bounds), look().error, false});
-    for (const FocusArrow& arrow : map.arrows)
-      if (arrow.state == ArrowState::followed)
-        arrows.push_back({QPointF(arrow.tail.x, arrow.tail.y), QPointF(arrow.head.x, arrow.head.y), look().accent});
-  }
-  const auto row = inspected ? inspector->chosen() : std::nullopt;
-  const bool hasSource = row && inspector->sources() && inspector->sources()->of(row->id);
-  if (row && !hasSource) marks.push_back({rectOf(row->bounds), look().chosen, false});
-  screen->setMarks(std::move(marks), std::move(arrows));
-  screen->setHandles(hasSource ? std::optional(row->bounds) : std::nullopt);
 }
 
 // How far what is played has come.
@@ -312,6 +281,15 @@ void StudioWindow::enter(const QString& line) {
   std::string tree;
   driver.obey([&] { tree = valueTree(*run, line.mid(1).toLatin1().toStdString()); });
   console->print(QString::fromLatin1(tree.data(), qsizetype(tree.size())));
+}
+
+QStringList StudioWindow::wordsToGoOnWith(bool isAfterDot) {
+  QStringList words;
+  PageRun* run = driver.session().run();
+  if (!run || driver.isBusy()) return words;
+  const ScriptWords known = scriptWords(*run);
+  for (const std::string& word : isAfterDot ? known.selectors : known.globals) words << QString::fromStdString(word);
+  return words;
 }
 
 // What keeps the page from being opened; or else what went wrong in its scripts.
@@ -357,8 +335,10 @@ void StudioWindow::fitZoom() {
 void StudioWindow::openPlace(const KitMessage& message) {
   if (message.file.empty()) return;
   EditorChoice choice{qEnvironmentVariable("VISUAL", qEnvironmentVariable("EDITOR")).toStdString(), {}};
-  for (const char* program : {"code", "codium", "xdg-open"})
-    if (!QStandardPaths::findExecutable(program).isEmpty()) choice.programs.push_back(program);
+  const auto isThere = [](const char* program) { return !QStandardPaths::findExecutable(program).isEmpty(); };
+  std::copy_if(std::begin(kEditors), std::end(kEditors), std::back_inserter(choice.programs), isThere);
+  const auto terminal = std::find_if(std::begin(kTerminals), std::end(kTerminals), isThere);
+  if (terminal != std::end(kTerminals)) choice.terminal = *terminal;
   const auto command = editorCommand(choice, std::filesystem::absolute(message.file).string(), message.line);
   QStringList arguments;
   if (command)

@@ -57,9 +57,9 @@ class StudioWindow : public QMainWindow {
   void callOften(std::function<void()> work);
   void press(const QString& key);
   void enter(const QString& line);
+  QStringList wordsToGoOnWith(bool isAfterDot);
   void showPage();
   void showErrors();
-  void showMarks();
   void showPointed(std::optional<QPoint> pixel);
   void setZoom(int factor);
   void fitZoom();
@@ -81,6 +81,10 @@ class StudioWindow : public QMainWindow {
                 bool isSwitch = false);
   QAction* entry(QMenu* menu, const QString& text, const char* keys, std::function<void(bool)> work,
                  std::optional<bool> isOn = std::nullopt);
+
+  // In studiomarks.cpp.
+  void showMarks();
+  void setFocusMap(bool on);
 
   // In studioedits.cpp.
   std::optional<WidgetSource> chosenSource();

@@ -99,6 +99,57 @@ TEST_F(WindowTest, TheRemoteControlAndTheConsoleDriveThePage) {
   EXPECT_EQ(window->pageDriver().session().recording().actions.size(), 2u);
 }
 
+TEST_F(WindowTest, TheConsoleCompletesWhatScriptsHaveMadeAndWhatMayFollowADot) {
+  write(source("#000000"));
+  open();
+  QLineEdit* input = window->consoleView().findChild<QLineEdit*>();
+  const auto completed = [&](const QString& begun) {
+    input->clear();
+    QTest::keyClicks(input, begun);
+    QTest::keyClick(input, Qt::Key_Tab);
+    return input->text().toStdString();
+  };
+  EXPECT_EQ(completed("programmesO"), "programmesO");
+  window->consoleView().entered("programmesOfToday = 3;");
+  EXPECT_EQ(completed("programmesO"), "programmesOfToday");
+  EXPECT_EQ(completed("widgets.n.SetFo"), "widgets.n.SetFocus");
+  EXPECT_EQ(completed("1 + "), "1 + ");
+}
+
+TEST_F(WindowTest, WhatTheBuilderWarnsOfIsInTheConsole) {
+  write(
+      "flags: 16bit\npage: {type: group, width: 720, height: 480, start: a, children: [\n"
+      "  {name: a, width: 9, height: 9, right: nowhere}]}\n");
+  open();
+  const QString text = window->consoleView().findChild<QPlainTextEdit*>()->toPlainText();
+  EXPECT_TRUE(text.startsWith("warning: ") && text.contains("nowhere") && text.contains("p.yaml:3\n"))
+      << text.toStdString();
+}
+
+// Also what the console has written before.
+TEST_F(WindowTest, DarkAndLightChangeEverything) {
+  write(source("#000000"));
+  open();
+  window->consoleView().print("before\n");
+  const auto tree = [&] {
+    for (auto* list : window->inspectorView().findChildren<QTreeWidget*>())
+      if (list->accessibleName() != "Attributes") return list->topLevelItem(0)->foreground(0).color().lightness();
+    return -1;
+  };
+  auto* output = window->consoleView().findChild<QPlainTextEdit*>();
+  const auto ink = [&] {
+    QTextCursor cursor = output->document()->find("before");
+    return cursor.charFormat().foreground().color().lightness();
+  };
+  EXPECT_LT(ink(), 100);
+  applyLook(*qApp, true);
+  EXPECT_GT(ink(), 150);
+  EXPECT_GT(tree(), 150);
+  applyLook(*qApp, false);
+  EXPECT_LT(ink(), 100);
+  EXPECT_LT(tree(), 100);
+}
+
 TEST_F(WindowTest, AnErrorOfAScriptShowsWithItsLine) {
   write(
       "flags: 16bit\npage:\n  type: group\n  width: 720\n  height: 480\n  bgColor: '#FFFFFF'\n  start: a\n  children:\n"
