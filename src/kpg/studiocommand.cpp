@@ -15,12 +15,16 @@ namespace {
 constexpr char kProgram[] = "vistrel-studio";
 
 struct StudioOptions {
-  std::string page, control;
+  std::string page, control, dap;
+  bool dark = false, light = false;
 };
 
 void run(const fs::path& program, const StudioOptions& options) {
   std::vector<std::string> words = {program.string()};
   if (!options.control.empty()) words.insert(words.end(), {"--control", options.control});
+  if (!options.dap.empty()) words.insert(words.end(), {"--dap", options.dap});
+  if (options.dark) words.push_back("--dark");
+  if (options.light) words.push_back("--light");
   words.insert(words.end(), {"--", options.page});
   std::vector<char*> argv;
   for (std::string& word : words) argv.push_back(word.data());
@@ -47,5 +51,9 @@ void addStudioCommand(CommandLine& line) {
   command.add("page", options->page, "The page or its source").required().type("PAGE.kpg|PAGE.yaml");
   command.add("--control", options->control, "Let kpg remote drive the page through a socket that is made there")
       .type("PATH");
+  command.add("--dap", options->dap, "Let kpg dap --attach debug the page through a socket that is made there")
+      .type("PATH");
+  command.flag("--dark", options->dark, "Light on dark, whatever the desktop does");
+  command.flag("--light", options->light, "Dark on light, whatever the desktop does");
   command.runs([options] { openStudio(*options); });
 }

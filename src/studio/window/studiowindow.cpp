@@ -354,8 +354,10 @@ void StudioWindow::savePicture() {
   const std::vector<uint32_t> pixels = run->player().window();
   const QString file = QFileDialog::getSaveFileName(this, "Save the picture", nameWith(".png"), "Pictures (*.png)");
   if (file.isEmpty()) return;
-  tryTo("The picture can't be saved",
-        [&] { writePng(file.toStdString(), ScreenView::kWidth, ScreenView::kHeight, pixels); });
+  tryTo("The picture can't be saved", [&] {
+    writePng(file.toStdString(), ScreenView::kWidth, ScreenView::kHeight, pixels);
+    state->setText("Saved as " + file);
+  });
 }
 
 QString StudioWindow::nameWith(const char* extension) const {
@@ -377,7 +379,11 @@ void StudioWindow::setRecording(bool on) {
   const QString file =
       QFileDialog::getSaveFileName(this, "Save what was done", nameWith(".recording.yaml"),
                                    "Recordings (*.yaml);;Tests of the page (*.test.yaml);;Films (*.gif *.png)");
-  if (!file.isEmpty()) tryTo("It can't be saved", [&] { saveRecording(recorded, page, file.toStdString()); });
+  if (file.isEmpty()) return;
+  tryTo("It can't be saved", [&] {
+    saveRecording(recorded, page, file.toStdString());
+    state->setText("Saved as " + file);
+  });
 }
 
 void StudioWindow::openRecording() {
