@@ -92,8 +92,8 @@ def failures(guide, root, build, fonts, folder):
         elif not language:
             for line in text.split('\n'):
                 command = line.split('  ')[0]
-                if command == 'kpg lsp':
-                    continue  # it waits for an editor
+                if command == 'kpg lsp':  # which goes on until an editor ends it
+                    continue
                 if command.startswith('kpg ') and not re.search(r'\b[A-Z]{2}|\w\|\w', command):
                     yield from fails(command)
 
