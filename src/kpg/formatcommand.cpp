@@ -31,7 +31,7 @@ void format(FormatOptions options) {
   std::vector<KitMessage> errors;
   size_t others = 0;
   for (const std::string& file : options.files) try {
-      const std::string before = textOf(file), after = formatBob(before, isStandardOutput(file) ? "" : file);
+      const std::string before = textOf(file), after = formatBob(before, file);
       const bool isSame = before == after;
       if (options.check) {
         if (!isSame) std::cout << file << "\n";

@@ -274,7 +274,7 @@ def shows_the_whole(kpg, folder):
     folds = client.ask('textDocument/foldingRange', textDocument=document)
     lines = client.texts['page.yaml'].split('\n')
     shown = [(lines[f['startLine']].strip(), lines[f['endLine']].strip()) for f in folds]
-    assert ('# One.', '# kpg: allow missing-file') in shown and ('onLoad: |', 'count = add(count, 2);') in shown, shown
+    assert ('# One.', '# Two.') in shown and ('onLoad: |', 'count = add(count, 2);') in shown, shown
     assert ('- type: text', 'down: two') in shown and ('page:', 'background: dawn.kpx') in shown, shown
 
     color, = client.ask('textDocument/documentColor', textDocument=document)

@@ -151,7 +151,7 @@ TEST_F(OutputTest, AReaderThatLeavesEndsTheProgramAfterThePictureIsSaved) {
 
 TEST_F(OutputTest, ScriptsAreFormattedInPlaceOnlyWhenAsked) {
   const std::string untidy = "// Adds.\ndefine  add(a,b){ return a+b; }\n",
-                    tidy = "// Adds.\ndefine add(a, b) {\n  return a + b;\n}\n";
+                    tidy = "// Adds.\ndefine add(a, b) { return a + b; }\n";
   writeText("a.bob", untidy);
   writeText("b.bob", tidy);
   EXPECT_EQ(kpg("format a.bob"), 0);
