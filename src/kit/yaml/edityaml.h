@@ -1,4 +1,5 @@
-// Changes or removes one value of a YAML text and leaves everything else as the author wrote it: comments, order, spaces, quotes.
+// Changes or removes one value of a YAML text and leaves everything else as the author wrote it: comments, order,
+// spaces, quotes.
 #pragma once
 
 #include <string>

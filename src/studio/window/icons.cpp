@@ -183,8 +183,8 @@ class SignEngine : public QIconEngine {
     painter->setRenderHint(QPainter::Antialiasing);
     painter->translate(rect.topLeft());
     painter->scale(rect.width() / 20.0, rect.height() / 20.0);
-    painter->setPen(QPen(sign == Sign::record && mode != QIcon::Disabled ? l.error : color, 1.6,
-                         Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter->setPen(QPen(sign == Sign::record && mode != QIcon::Disabled ? l.error : color, 1.6, Qt::SolidLine,
+                         Qt::RoundCap, Qt::RoundJoin));
     draw(painter, sign);
     painter->restore();
   }
