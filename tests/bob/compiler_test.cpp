@@ -102,6 +102,7 @@ TEST(Compiler, SaysWhatItMissesInItsOwnWords) {
       {"{ 1;", "Expecting a primary expression"},
       {"\\if;", "Expecting a symbol, vector or object literal"},
       {"super.f();", "Use of super outside of a method"},
+      {"{ local this; super.f(); }", "Use of super outside of a method"},
       {"new 5;", "Expecting an object expression"},
       {"define f(..) {}", "Expecting ')', found '..'"},
       {"define f(a.., b) {}", "Expecting ')', found ','"},

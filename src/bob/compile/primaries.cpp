@@ -42,7 +42,7 @@ void BobCompiler::functionLiteral() {
 
 void BobCompiler::superSend() {
   std::optional<Place> self = findVariable("this");
-  if (!self) fail("Use of super outside of a method");
+  if (!self || !findVariable("_next")) fail("Use of super outside of a method");
   load(*self);
   emit.op(kOpPush);
   expect('.');
@@ -50,7 +50,7 @@ void BobCompiler::superSend() {
   emit.op(kOpPush);
   expect('(');
   const BobSourcePlace at = scanner.place;
-  std::optional<Place> next = findVariable("_next");  // there is one wherever there is a this
+  std::optional<Place> next = findVariable("_next");
   load(*next);
   emit.op(kOpPush);
   call(kOpSend, at);

@@ -140,5 +140,5 @@ class BobParser {
   size_t breaks = 0, continues = 0, breakBase = 0, continueBase = 0, switchBase = 0;
   std::vector<std::unordered_set<std::string>> switches;  // the labels of each
   int functions = 0;                                      // that are open
-  int ownThis = 0;                                        // open blocks that declare a variable `this`
+  int ownThis = 0, ownNext = 0;                           // open blocks that declare a variable `this`, or `_next`
 };

@@ -243,7 +243,7 @@ void BobParser::functionLiteral() {
 }
 
 void BobParser::superSend() {
-  if (functions == 0 && ownThis == 0) fail("Use of super outside of a method");
+  if (functions == 0 && (ownThis == 0 || ownNext == 0)) fail("Use of super outside of a method");
   advance();
   member();
   call();

@@ -56,7 +56,7 @@ void BobParser::block() {
   const Start from = start();
   if (!expect(Token::kOpenBrace)) return missing();
   ++blocks;
-  const int outerThis = ownThis;
+  const int outerThis = ownThis, outerNext = ownNext;
   while (peek() == Token::kLocal) localDeclarations();
   for (;;) {
     if (closesAllBlocks()) {
@@ -72,6 +72,7 @@ void BobParser::block() {
   }
   --blocks;
   ownThis = outerThis;
+  ownNext = outerNext;
   finish(Node::kBlock, from);
 }
 
@@ -80,10 +81,11 @@ void BobParser::localDeclarations() {
   advance();
   do {
     const Start declaration = start();
-    const bool isThis = tree.text(tree.tokens.all[at]) == "this";
+    const std::string_view declared = tree.text(tree.tokens.all[at]);
     name(Node::kName);
     if (accept(Token::kAssign)) assignment();
-    ownThis += isThis;
+    ownThis += declared == "this";
+    ownNext += declared == "_next";
     finish(Node::kVariable, declaration);
   } while (accept(Token::kComma));
   endStatement();
