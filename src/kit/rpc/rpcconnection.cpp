@@ -1,5 +1,7 @@
 #include "kit/rpc/rpcconnection.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cctype>
 #include <charconv>
@@ -46,6 +48,15 @@ std::optional<size_t> readHeader(std::FILE* in) {
   return {};
 }
 
+// The standard output, on which nothing but messages may come: what the system itself prints there goes to the error
+// stream from now on.
+std::shared_ptr<std::FILE> standardOutputAlone() {
+  std::fflush(stdout);
+  const int kept = dup(STDOUT_FILENO);
+  dup2(STDERR_FILENO, STDOUT_FILENO);
+  return {fdopen(kept, "w"), [](std::FILE* stream) { std::fclose(stream); }};
+}
+
 }  // namespace
 
 struct RpcConnection::Inbox {
@@ -76,8 +87,7 @@ RpcConnection::RpcConnection(std::shared_ptr<std::FILE> in, std::shared_ptr<std:
 }
 
 RpcConnection::RpcConnection()
-    : RpcConnection(std::shared_ptr<std::FILE>(stdin, [](std::FILE*) {}),
-                    std::shared_ptr<std::FILE>(stdout, [](std::FILE*) {})) {}
+    : RpcConnection(std::shared_ptr<std::FILE>(stdin, [](std::FILE*) {}), standardOutputAlone()) {}
 
 std::optional<json> RpcConnection::take(std::chrono::milliseconds wait) {
   std::unique_lock lock(inbox->mutex);

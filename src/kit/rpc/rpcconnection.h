@@ -16,7 +16,7 @@ class RpcConnection {
  public:
   // A read of a stream can't be interrupted, so the thread keeps `in` until it ends.
   RpcConnection(std::shared_ptr<std::FILE> in, std::shared_ptr<std::FILE> out);
-  // Over the standard input and output.
+  // Over the standard input and output; what else is printed there goes to the error stream.
   RpcConnection();
 
   // The next message, after at most so long; none in time, or none ever after the end. What is no JSON comes as null.
