@@ -2,6 +2,9 @@
 
 #include <utility>
 
+#include "kit/errors.h"
+#include "kit/files.h"
+
 ScriptCompiler::ScriptCompiler() {
   bobSetStderr(runtime.interp, &errors);
   bobSetErrorHandler(runtime.interp, keepError);
@@ -46,6 +49,19 @@ std::string ScriptCompiler::compileFile(std::string_view source, const BobCodeNa
 
 std::vector<BobTextCall> ScriptCompiler::pagesLoaded(std::string_view source) {
   return bobTextCalls(runtime.interp, source, "LoadPage");
+}
+
+ScriptFile compileScriptFile(const std::string& path, const BobCodeNames& names) {
+  const std::vector<uint8_t> source = readFile(path);
+  try {
+    const std::string_view text(reinterpret_cast<const char*>(source.data()), source.size());
+    ScriptFile made{"", path, ""};
+    const ScriptOrigin origin{path, {}, made.lines};
+    made.bytes = ScriptCompiler().compileFile(text, names, &origin);
+    return made;
+  } catch (const ScriptError& e) {
+    throw KitError(path, e.line, e.what());
+  }
 }
 
 std::string listScript(std::string_view records) {

@@ -10,6 +10,7 @@
 #include "bob/tools/textcalls.h"
 #include "kit/lines/codeplaces.h"
 #include "kit/run/bobruntime.h"
+#include "kit/source/pagetree.h"
 
 // An error in a script; `line` counts from 1 inside the script.
 struct ScriptError : std::runtime_error {
@@ -46,6 +47,9 @@ class ScriptCompiler {
   BobRuntime runtime;
   ErrorStream errors;
 };
+
+// An object file of a source file, with its lines and without a name of its own. Throws KitError.
+ScriptFile compileScriptFile(const std::string& path, const BobCodeNames& names);
 
 // The instructions of compiled records, as far as they are sound.
 std::string listScript(std::string_view records);
