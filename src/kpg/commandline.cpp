@@ -146,7 +146,8 @@ CommandLine::CommandLine(const char* name, const char* version, const char* abou
 
 CommandLine::~CommandLine() = default;
 
-KpgCommand CommandLine::command(const char* name, const char* about) {
+KpgCommand CommandLine::command(const char* name, const char* about, int errorStatus) {
+  errorStatuses[name] = errorStatus;
   return KpgCommand(app->add_subcommand(name, about));
 }
 
@@ -185,6 +186,7 @@ int CommandLine::run(int argc, char** argv) {
               << ending;
     return 1;
   }
+  const int failed = command == commands.end() ? 1 : errorStatuses.at(command->name);
   try {
     app->parse(argc, argv);
   } catch (const CLI::ParseError& e) {
@@ -198,13 +200,13 @@ int CommandLine::run(int argc, char** argv) {
     std::cerr << program << " " << command->name << ": " << problem(*app->get_subcommand(command->name), *command, e)
               << "\n"
               << program << " " << command->name << " --help lists its options\n";
-    return 1;
+    return failed;
   } catch (const CommandFailure& e) {
     if (*e.what()) std::cerr << e.what() << "\n";
     return e.status;
   } catch (const std::exception& e) {
     if (*e.what()) std::cerr << e.what() << "\n";
-    return 1;
+    return failed;
   }
   return 0;
 }
