@@ -40,7 +40,7 @@ ScriptFile compileScript(const std::string& path, bool strip) {
     made.bytes = ScriptCompiler().compileFile(text, strip ? BobCodeNames() : codeNamesByLine(path), &origin);
     return made;
   } catch (const ScriptError& e) {
-    throw KitError(path, e.line, e.what());
+    throw KitError(path, e.place.line, e.what());
   }
 }
 

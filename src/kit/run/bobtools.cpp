@@ -108,8 +108,9 @@ bool compileBobFile(BobRuntime& runtime, const std::string& source, const std::s
 }
 
 BobCodeNames codeNamesByLine(const std::string& path) {
-  return
-      [name = std::filesystem::path(path).filename().string()](int line) { return name + ":" + std::to_string(line); };
+  return [name = std::filesystem::path(path).filename().string()](const BobSourcePlace& begin) {
+    return name + ":" + std::to_string(begin.line);
+  };
 }
 
 bool listBobFile(BobRuntime& runtime, const std::string& path, const KitWarn& warn) {

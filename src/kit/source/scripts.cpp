@@ -11,7 +11,7 @@ ScriptCompiler::ScriptCompiler() {
 void ScriptCompiler::keepError(BobInterp* interp, int code, const BobErrorArgument& argument) {
   auto* errors = static_cast<ErrorStream*>(bobStderr(interp));
   errors->text.clear();
-  errors->line = bobCurrentLine(interp);
+  errors->place = bobCurrentPlace(interp);
   bobPrintError(interp, code, argument);
 }
 
@@ -34,7 +34,7 @@ std::string ScriptCompiler::compile(std::string_view source, const BobCodeNames&
   std::string message = errors.text.substr(0, errors.text.find('\n'));
   constexpr std::string_view kPrefix = "Error: ";
   if (message.starts_with(kPrefix)) message.erase(0, kPrefix.size());
-  throw ScriptError(errors.line, message);
+  throw ScriptError(errors.place, message);
 }
 
 std::string ScriptCompiler::compileFile(std::string_view source, const BobCodeNames& names,
