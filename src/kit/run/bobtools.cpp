@@ -93,8 +93,9 @@ void compileBobFile(const std::string& source, const std::string& object, const 
 }
 
 BobCodeNames codeNamesByLine(const std::string& path) {
-  return
-      [name = std::filesystem::path(path).filename().string()](int line) { return name + ":" + std::to_string(line); };
+  return [name = std::filesystem::path(path).filename().string()](const BobSourcePlace& begin) {
+    return name + ":" + std::to_string(begin.line);
+  };
 }
 
 bool listBobFile(BobRuntime& runtime, const std::string& path, const KitWarn& warn) {

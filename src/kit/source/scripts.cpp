@@ -14,7 +14,7 @@ ScriptCompiler::ScriptCompiler() {
 void ScriptCompiler::keepError(BobInterp* interp, int code, const BobErrorArgument& argument) {
   auto* errors = static_cast<ErrorStream*>(bobStderr(interp));
   errors->text.clear();
-  errors->line = bobCurrentLine(interp);
+  errors->place = bobCurrentPlace(interp);
   bobPrintError(interp, code, argument);
 }
 
@@ -37,7 +37,7 @@ std::string ScriptCompiler::compile(std::string_view source, const BobCodeNames&
   std::string message = errors.text.substr(0, errors.text.find('\n'));
   constexpr std::string_view kPrefix = "Error: ";
   if (message.starts_with(kPrefix)) message.erase(0, kPrefix.size());
-  throw ScriptError(errors.line, message);
+  throw ScriptError(errors.place, message);
 }
 
 std::string ScriptCompiler::compileFile(std::string_view source, const BobCodeNames& names,
@@ -60,7 +60,7 @@ ScriptFile compileScriptFile(const std::string& path, const BobCodeNames& names)
     made.bytes = ScriptCompiler().compileFile(text, names, &origin);
     return made;
   } catch (const ScriptError& e) {
-    throw KitError(path, e.line, e.what());
+    throw KitError(path, e.place.line, e.what());
   }
 }
 
