@@ -49,7 +49,8 @@ page: {type: group, start: a, children: [
 }
 
 TEST_F(FocusTest, OfOneNameTheFirstInTheListIsFound) {
-  ASSERT_TRUE(load("page: {children: [{name: a, x: 1}, {name: b, x: 2}, {name: a, x: 3}, {name: a, x: 4}]}"));
+  ASSERT_TRUE(
+      load("page: {type: group, children: [{name: a, x: 1}, {name: b, x: 2}, {name: a, x: 3}, {name: a, x: 4}]}"));
   for (const auto& [a, b] : {std::pair(1, 2), {3, 2}, {3, 0}, {4, 0}, {0, 0}}) {
     EXPECT_EQ(widget("a") ? widget("a")->bounds.x : 0, a);
     EXPECT_EQ(widget("b") ? widget("b")->bounds.x : 0, b);
