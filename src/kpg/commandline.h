@@ -87,9 +87,9 @@ class CommandLine {
   KpgCommand command(const char* name, const char* about);
   std::vector<CommandSummary> summaries() const;
 
-  // Parses, runs the command and prints what went wrong; returns the exit status: 0, 1, or a
-  // CommandFailure's.
-  int run(int argc, char** argv);
+  // Parses what follows the program's name, runs the command and prints what went wrong; returns the exit status: 0,
+  // 1, or a CommandFailure's.
+  int run(const std::vector<std::string>& words);
 
  private:
   std::unique_ptr<CLI::App> app;
