@@ -2,6 +2,7 @@
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -56,6 +57,26 @@ void KeyToPixels(benchmark::State& state) {
   }
 }
 BENCHMARK(KeyToPixels)->Unit(benchmark::kMicrosecond);
+
+// A page of so many boxes, each a slave of the one before it, which is found by its name.
+void LoadSlaves(benchmark::State& state) {
+  PageTree page = ringPage();
+  PageEntry& children = page.root.attributes[2];
+  children.value.table.clear();
+  for (int i = 0; i < state.range(0); ++i) {
+    PageNode node{0, 0, 1, 1, {text("name", nameOf(i)), text("master", nameOf(std::max(i - 1, 0)))}};
+    children.value.table.push_back({PageTag::object, 0, "", {node}, {}});
+  }
+  const auto bytes = writePage(page);
+  const std::string path = std::filesystem::temp_directory_path() / "vistrel-bench-slaves.kpg";
+  writeFile(path, bytes.data(), bytes.size());
+  HeadlessDesktop desktop;
+  desktop.start();
+  for (auto _ : state)
+    if (!desktop.shell.loadPage(path)) return state.SkipWithError("the page does not load");
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(LoadSlaves)->RangeMultiplier(10)->Range(500, 50000)->Unit(benchmark::kMillisecond);
 
 // Squares all over the screen, each fill with its flush: display surface, device, converter, blitter, and the
 // conversion of what changed.

@@ -147,7 +147,8 @@ CommandLine::CommandLine(const char* name, const char* version, const char* abou
 
 CommandLine::~CommandLine() = default;
 
-KpgCommand CommandLine::command(const char* name, const char* about) {
+KpgCommand CommandLine::command(const char* name, const char* about, int errorStatus) {
+  errorStatuses[name] = errorStatus;
   return KpgCommand(app->add_subcommand(name, about));
 }
 
@@ -186,6 +187,7 @@ int CommandLine::run(const std::vector<std::string>& words) {
               << ending;
     return 1;
   }
+  const int failed = command == commands.end() ? 1 : errorStatuses.at(command->name);
   try {
     app->parse(std::vector<std::string>(words.rbegin(), words.rend()));  // it takes them from the end
   } catch (const CLI::ParseError& e) {
@@ -199,13 +201,13 @@ int CommandLine::run(const std::vector<std::string>& words) {
     std::cerr << program << " " << command->name << ": " << problem(*app->get_subcommand(command->name), *command, e)
               << "\n"
               << program << " " << command->name << " --help lists its options\n";
-    return 1;
+    return failed;
   } catch (const CommandFailure& e) {
     if (*e.what()) std::cerr << e.what() << "\n";
     return e.status;
   } catch (const std::exception& e) {
     if (*e.what()) std::cerr << e.what() << "\n";
-    return 1;
+    return failed;
   }
   return 0;
 }

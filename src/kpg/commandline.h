@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -84,13 +85,15 @@ class CommandLine {
   CommandLine(const char* name, const char* version, const char* about);
   ~CommandLine();
 
-  KpgCommand command(const char* name, const char* about);
+  // `errorStatus` is the exit status after an error: 2 for a command that answers by 0 or 1.
+  KpgCommand command(const char* name, const char* about, int errorStatus = 1);
   std::vector<CommandSummary> summaries() const;
 
   // Parses what follows the program's name, runs the command and prints what went wrong; returns the exit status: 0,
-  // 1, or a CommandFailure's.
+  // that of errors, or a CommandFailure's.
   int run(const std::vector<std::string>& words);
 
  private:
   std::unique_ptr<CLI::App> app;
+  std::map<std::string, int> errorStatuses;  // by command
 };

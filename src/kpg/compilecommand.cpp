@@ -2,8 +2,8 @@
 #include <memory>
 
 #include "kit/files.h"
+#include "kit/run/bobtools.h"
 #include "kpg/commands.h"
-#include "kpg/standardruntime.h"
 
 namespace {
 
@@ -13,11 +13,10 @@ struct CompileOptions {
 };
 
 void compile(const CompileOptions& options) {
-  StandardRuntime runtime;
   const BobCodeNames names = options.names ? codeNamesByLine(options.source) : nullptr;
   if (options.lines && isStandardOutput(options.object))
     throw KitError("kpg compile: the line table goes beside the object file, which needs a name");
-  runtime.failUnless(compileBobFile(runtime, options.source, options.object, {names, options.lines}));
+  compileBobFile(options.source, options.object, {names, options.lines});
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "kit/errors.h"
 #include "kit/files.h"
 #include "kit/film/filmfiles.h"
+#include "kit/run/longtext.h"
 #include "kit/run/preparedpages.h"
 #include "kit/run/stdoutaside.h"
 #include "kpg/commands.h"
@@ -30,6 +31,7 @@ void play(const FilmCommandOptions& options, FilmSink& sink) {
   refuseClashes({options.output}, run.inputs());
   Film film(run, sink, {uint32_t(options.pace), uint32_t(options.last)});
   for (const PageAction& action : options.actions) film.act(action);
+  for (const std::string& complaint : run.complaintsWithPlaces()) std::cerr << cutInTheMiddle(complaint);
   if (!run.stopped().empty()) throw KitError(options.page, run.stopped());
   film.finish();
 }
@@ -54,6 +56,7 @@ void film(const FilmCommandOptions& options) {
 
 void addFilmCommand(CommandLine& line) {
   auto options = std::make_shared<FilmCommandOptions>();
+  options->lines = true;
   KpgCommand command =
       line.command("film", "Open a page or a page source, do the actions in order, save all that the screen showed");
   command

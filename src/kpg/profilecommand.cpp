@@ -7,7 +7,9 @@
 #include "kit/errors.h"
 #include "kit/files.h"
 #include "kit/profile/profilereport.h"
+#include "kit/project/livefiles.h"
 #include "kit/run/pagerun.h"
+#include "kit/run/stdoutaside.h"
 #include "kpg/commands.h"
 #include "kpg/pageactions.h"
 
@@ -27,6 +29,13 @@ void write(const std::string& file, const std::string& text, const std::vector<s
 void profile(ProfileOptions options) {
   refuseClashes({options.flameGraph, options.speedscope}, {options.page});
   options.lines = true;
+  // What a source needs is made in memory; a page is taken as it is.
+  LiveFiles files(options.page);
+  if (isPageSource(options.page)) {
+    files.begin();
+    options.files = &files;
+  }
+  StandardOutputAside aside;  // what the system prints is no part of the table
   BobProfiler profiler;
   PageRun run(options);
   run.trace(profiler);
@@ -34,19 +43,25 @@ void profile(ProfileOptions options) {
     throw run.refusal(options.page);
   for (const PageAction& action : options.actions) run.act(action);
   for (const std::string& complaint : run.complaintsWithPlaces()) std::cerr << complaint;
+  for (const KitMessage& error : files.errors()) std::cerr << error.whole() << "\n";
   if (!run.stopped().empty()) throw KitError(options.page, run.stopped());
 
   // Scripts of page sources are called by their places already.
-  const ProfileName nameOf = [&](const BobProfileFunction& function) {
+  const ProfileName nameOf = [&](const BobProfileFunction& function) -> ProfiledName {
     const BobCodeLines* lines = run.knownCode().linesOf(function.hash);
     const std::string place = lines ? lines->file + ":" + std::to_string(lines->starts.front().line) : "";
-    if (function.name.empty()) return place.empty() ? std::string("(statement)") : place;
-    return place.empty() || function.name.find(':') != std::string::npos ? function.name : function.name + " " + place;
+    const bool isStatement = !lines || lines->arguments.empty(),
+               isPlaced = function.name.find(':') != std::string::npos;
+    if (isStatement && (isPlaced || function.name.empty()))
+      return {isPlaced ? function.name : place.empty() ? "(statement)" : place, lines && lines->continuesLine};
+    if (isPlaced) return {function.name + " function"};
+    if (function.name.empty()) return {place + " function"};
+    return {place.empty() ? function.name : function.name + " " + place};
   };
   const std::string title = std::filesystem::path(options.page).filename().string();
   write(options.flameGraph, profileFlameGraph(profiler, nameOf, title), run.inputs());
   write(options.speedscope, profileSpeedscope(profiler, nameOf, title), run.inputs());
-  std::cout << profileTable(profiler, nameOf);
+  aside.print(profileTable(profiler, nameOf));
 }
 
 }  // namespace

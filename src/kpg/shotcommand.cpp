@@ -6,16 +6,15 @@
 #include "kit/errors.h"
 #include "kit/files.h"
 #include "kit/pictures/png.h"
-#include "kit/project/plan.h"
 #include "kit/run/explain.h"
 #include "kit/run/longtext.h"
 #include "kit/run/pagerun.h"
+#include "kit/run/preparedpages.h"
 #include "kit/run/stdoutaside.h"
 #include "kit/source/pagebuild.h"
 #include "kit/source/pagecut.h"
 #include "kpg/commands.h"
 #include "kpg/pageactions.h"
-#include "kpg/projectbuild.h"
 
 namespace {
 
@@ -49,10 +48,10 @@ bool isCutShort(const std::string& page) try { return pageIsCutShort(readFile(pa
   return false;  // the log will say what is wrong
 }
 
-Shot play(const ShotOptions& options) {
+Shot play(const ShotOptions& options, const PreparedPages& pages) {
   Shot shot;
   PageRun run(options);
-  shot.loaded = run.load(options.page, [](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; });
+  shot.loaded = pages.open(run, options.page);
   if (shot.loaded)
     for (const PageAction& action : options.actions) run.act(action);
   shot.log = run.logWithPlaces();
@@ -66,9 +65,9 @@ Shot play(const ShotOptions& options) {
   return shot;
 }
 
-Shot playAside(const ShotOptions& options) {
+Shot playAside(const ShotOptions& options, const PreparedPages& pages) {
   StandardOutputAside aside;
-  Shot shot = play(options);
+  Shot shot = play(options, pages);
   if (forward(aside.end())) shot.complaints.push_back("");  // which is on the error stream already
   return shot;
 }
@@ -106,36 +105,22 @@ void save(const ShotOptions& options, const Shot& shot) {
   if (!problem.empty()) throw KitError(problem);
 }
 
-// A page of a project shows pictures and fonts that have to be built, so the project builds it, as far as that is due.
-// Any other source is compiled in memory.
-std::string builtPage(const std::string& source) {
-  const std::string file = findProject(fs::path(source).parent_path().string());
-  if (file.empty()) return source;
-  const Project project = readProject(file);
-  BuildOptions options;
-  options.page = pageOfProject(project, source);
-  if (options.page.empty()) return source;
-  options.warn = [](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; };
-  buildProject(project, options);
-  for (const BuildStep& step : planProject(project).steps)
-    if (step.name == pageStepName(options.page)) return outputPath(project, step.outputs.front());
-  return source;
-}
-
 void shoot(ShotOptions options) {
   const bool named = !options.output.empty();
   if (!named) options.output = fs::path(options.page).stem().string() + ".png";
   checkOutputs(options, named);
   if (fs::is_directory(options.page)) throw KitError(options.page, "is a folder; name a page in it");
-  if (isPageSource(options.page)) options.page = builtPage(options.page);
+  PreparedPages pages([](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; });
+  pages.prepare(options.page);
   const bool cut = isCutShort(options.page);
   if (cut) std::cerr << KitMessage{options.page, 0, kPageIsCutShort}.whole() << "\n";
-  const Shot shot = playAside(options);
-  const std::vector<KitMessage> explained = explainRun(options.page, shot.unusableFonts, shot.inputs);
+  const Shot shot = playAside(options, pages);
+  const std::vector<KitMessage> explained = explainRun(pages.pathOf(options.page), shot.unusableFonts, shot.inputs);
   for (const KitMessage& message : explained) std::cerr << message.whole() << "\n";
   save(options, shot);
+  if (options.strict || options.log.empty())
+    for (const std::string& complaint : shot.complaints) std::cerr << complaint;
   if (!options.strict) return;
-  for (const std::string& complaint : shot.complaints) std::cerr << complaint;
   if (cut || !explained.empty() || !shot.complaints.empty()) throw KitError("");
 }
 
@@ -153,7 +138,11 @@ void addShotCommand(CommandLine& line) {
       .add("-o,--out", options->output,
            "The picture to write; - for the standard output; by default the page's name with .png, here")
       .type("OUT.png");
-  command.add("--log", options->log, "Where to write what the console showed; - for the standard output").type("FILE");
+  command
+      .add(
+          "--log", options->log,
+          "Where to write what the console showed; - for the standard output; by default only what is wrong is printed")
+      .type("FILE");
   command.flag("--lines", options->lines,
                "Say where scripts were written, as FILE:LINE, after the lines of tracebacks in the log and in errors");
   command.flag("--read-only", options->readOnly, "Let no script write a file");

@@ -78,17 +78,12 @@ void test(TestOptions options) {
   refuseClashes({options.json, options.junit, options.coverage}, options.suite.paths);
   if (options.merge && options.suite.coverage) KpgCommand::refuse("--merge runs nothing, so there is no --coverage");
   if (options.merge && options.suite.paths.empty()) KpgCommand::refuse("--merge needs reports, as --json makes them");
-  std::vector<TestResult> results;
-  try {
-    results = options.merge ? merged(options.suite.paths) : runTests(options);
-  } catch (const KitError& e) {
-    throw CommandFailure(2, e.what());
-  }
+  const std::vector<TestResult> results = options.merge ? merged(options.suite.paths) : runTests(options);
   if (!options.json.empty()) save(options.json, reportAsJson({results, options.suite.shard, options.suite.shards}));
   if (!options.junit.empty()) save(options.junit, resultsAsJunit(results));
   if (!options.html.empty()) writeHtmlReport(options.html, results);
   const SuiteCount count = countOf(results);
-  if (results.empty()) throw CommandFailure(2, "there is no such test");
+  if (results.empty()) throw KitError("there is no such test");
   std::cout << countText(count) << "\n";
   if (count.errors > 0) throw CommandFailure(2, "");
   if (count.failed > 0) throw CommandFailure(1, "");
@@ -99,7 +94,7 @@ void test(TestOptions options) {
 void addTestCommand(CommandLine& line) {
   auto options = std::make_shared<TestOptions>();
   SuiteOptions& suite = options->suite;
-  KpgCommand command = line.command("test", "Run the tests of pages, NAME.test.yaml");
+  KpgCommand command = line.command("test", "Run the tests of pages, NAME.test.yaml", 2);
   command.add("files", suite.paths, "Test files, and folders with some; by default the current folder")
       .type("FILE.test.yaml|FOLDER");
   command.flag("--update", suite.update, "Write the pictures that are missing or differ, and name them");

@@ -40,7 +40,8 @@ define spin() {
 
 class Client:
     def __init__(self, kpg, folder, *options):
-        self.process = subprocess.Popen([kpg, 'dap', *options], stdin=subprocess.PIPE, stdout=subprocess.PIPE, cwd=folder)
+        self.process = subprocess.Popen([kpg, 'dap', *options], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                        stderr=subprocess.PIPE, cwd=folder)
         self.number, self.events, self.seen = 0, [], 0
 
     def message(self):
@@ -116,9 +117,12 @@ class Client:
         return found
 
     def end(self):
+        """Returns what came on the error stream."""
         self.ask('disconnect')
-        self.process.stdin.close()
-        assert self.process.wait(60) == 0
+        rest, aside = self.process.communicate()
+        assert rest == b'', rest
+        assert self.process.returncode == 0
+        return aside.decode()
 
 
 def begin(kpg, folder, breakpoints=(), errors=False, **launch):
@@ -206,6 +210,60 @@ def pauses_and_enters(kpg, folder):
     assert client.process.wait(60) == 0
 
 
+LINES = '''page:
+  type: group
+  start: one
+  onLoad: count = 0;
+  children:
+  - {type: image, name: one, width: 10, height: 10,
+     onClick: "count += 1; count += 10;"}
+  - type: image
+    name: other
+    onKey: >
+      count += 100;
+      count += 1000;
+'''
+
+
+def counts_statements_of_a_line_as_one(kpg, folder):
+    (folder / 'page.yaml').write_text(LINES)
+    client = begin(kpg, folder, [('page.yaml', 7, {'logMessage': 'at {count}'})],
+                   steps=[{'key': 'Select'}, {'key': 'Select'}])
+    client.ask('evaluate', expression='1;', context='repl')
+    output = client.output()
+    assert [line for line in output.split('\n') if line.startswith('at ')] == ['at 0', 'at 11'], output
+    assert client.ask('setBreakpoints', source={'path': str(folder / 'page.yaml')},
+                      breakpoints=[{'line': 11}, {'line': 12}])['breakpoints'][1]['line'] == 12
+    client.end()
+
+
+def runs_what_a_project_makes(kpg, folder):
+    (folder / 'vistrel.yaml').write_text('pages: [page.yaml]\nfonts: [DejaVu Sans]\n')
+    (folder / 'page.yaml').write_text('''page:
+  type: group
+  start: one
+  scripts: [tools.bob]
+  onLoad: count = add(1, 2);
+  textStyles: [{name: plain, font: DejaVuSans.ttf, size: 20}]
+  children:
+  - {type: text, name: one, width: 200, height: 40, textStyle: plain, value: Text}
+''')
+    client = begin(kpg, folder, [('tools.bob', 5)])
+    assert client.event('stopped')['reason'] == 'breakpoint'
+    assert client.where() == [('add', 'tools.bob', 5), ('page.yaml:5 page.onLoad', 'page.yaml', 5)], client.where()
+    names = [scope['name'] for scope in client.ask('scopes', frameId=1)['scopes']]
+    for scope in client.ask('scopes', frameId=1)['scopes']:
+        members = client.ask('variables', variablesReference=scope['variablesReference'])['variables']
+        assert len({member['name'] for member in members}) == len(members), (names, members)
+    client.ask('continue', threadId=1)
+    client.ask('evaluate', expression='count;', context='repl')
+    output = client.output()
+    assert '--> 3' in output and 'DejaVu' not in output, output
+    assert sorted(file.name for file in folder.iterdir()) == ['page.yaml', 'tools.bob', 'vistrel.yaml']
+    # What the system itself prints, as when it lets go of glyphs, comes on neither side of a message.
+    assert 'glyph cache' in client.end()
+
+
 def refuses(kpg, folder):
     client = Client(kpg, folder)
     assert 'no request' in client.fails('frobnicate')
@@ -227,7 +285,8 @@ def refuses(kpg, folder):
 
 def main():
     kpg = pathlib.Path(sys.argv[1]).resolve()
-    for test in (breaks_steps_and_shows, stops_where_it_is_told, pauses_and_enters, refuses):
+    for test in (breaks_steps_and_shows, stops_where_it_is_told, pauses_and_enters, counts_statements_of_a_line_as_one,
+                 runs_what_a_project_makes, refuses):
         with tempfile.TemporaryDirectory() as name:
             folder = pathlib.Path(name).resolve()
             (folder / 'page.yaml').write_text(PAGE)

@@ -209,6 +209,8 @@ TEST_F(FilmTest, AFolderIsOnlyTakenWhenItHasAFilm) {
   EXPECT_EQ(kpg("film p.yaml -o film.mpg"), 1);
   EXPECT_EQ(kpg("film none.yaml -o x.png"), 1);
   EXPECT_EQ(err, "none.yaml: No such file or directory\n");
+  EXPECT_EQ(kpg("film p.yaml --eval 'nosuch;' -o e.png"), 0);
+  EXPECT_TRUE(err.starts_with("Error: Unbound variable - nosuch\n")) << err;
   EXPECT_EQ(kpg("film p.yaml --eval 'while (true) ;' --timeout 0.1 -o x.png"), 1);
   EXPECT_NE(err.find("stopped after 0.1 seconds of processor time"), std::string::npos) << err;
   EXPECT_FALSE(fs::exists("x.png"));

@@ -5,10 +5,10 @@ import subprocess
 
 
 class Client:
-    def __init__(self, kpg, folder, **capabilities):
+    def __init__(self, kpg, folder, stderr=None, **capabilities):
         self.folder = pathlib.Path(folder)
         self.process = subprocess.Popen([kpg, 'lsp', '--stdio'], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                        cwd=folder)
+                                        stderr=stderr, cwd=folder)
         self.number, self.notified, self.asked, self.texts, self.versions = 0, [], [], {}, {}
         self.server = self.ask('initialize', processId=None, rootUri=self.folder.as_uri(), capabilities=capabilities)
         self.notify('initialized')

@@ -91,8 +91,8 @@ TEST_F(OutputTest, AFileThatNobodyNamedIsWrittenOverOnlyIfKpgMadeIt) {
 
 TEST_F(OutputTest, ACompilationThatFailsLeavesNoFile) {
   writeText("bad.bob", "x = 1;\ny = ;\n");
-  expectNothingLost("compile bad.bob -o bad.bobo", "Syntax error");
-  expectNothingLost("compile none.bob -o none.bobo", "none.bob: can't be opened");
+  expectNothingLost("compile bad.bob -o bad.bobo", "bad.bob:2: Syntax error - Expecting a primary expression\n");
+  expectNothingLost("compile none.bob -o none.bobo", "none.bob: No such file or directory");
   expectNothingLost("build m.yaml -o none/m.kpg", "none/m.kpg: can't be written: No such file or directory");
 }
 

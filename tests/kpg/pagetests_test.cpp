@@ -98,6 +98,8 @@ TEST_F(PageTestsTest, WhatCannotBeRunEndsWithTwoAndNamesTheLine) {
       {"page: p.yaml\nsteps:\n- {screen: a.png, area: [1, 2, 3]}\n", "an area is a list [x, y, width, height]\n"},
       {"page: p.yaml\nsteps:\n- {key: Up, wait: 3}\n", "write another step for 'wait'\n"},
       {"page: p.yaml\nsteps:\n- value: x\n", "'value' needs is or contains beside it\n"},
+      {"page: p.yaml\nsteps:\n- memory: {}\n", "t.test.yaml:3: memory has heap or cache"},
+      {"page: p.yaml\nsteps:\n- log: {}\n", "t.test.yaml:3: log has contains or lacks"},
       {"page: p.yaml\ntests:\n- name: a\n- name: a\n", "t.test.yaml:4: there is a test 'a' already, in line 3\n"},
       {"tests:\n- name: a\n", "t.test.yaml:2: the test has no page"},
       {"page: p.yaml\n", "a test file has tests, a list, or steps of one test\n"},
@@ -268,7 +270,8 @@ TEST_F(ManyPageTests, SharesTogetherAreTheWhole) {
   EXPECT_EQ(err, "the report of share 3/4 is missing\n");
   EXPECT_EQ(kpg("test --merge r1.json r2.json r1.json"), 2);
   EXPECT_EQ(err, "r1.json: is the same share as r1.json\n");
-  EXPECT_EQ(kpg("test --shard 5/4"), 1);
+  EXPECT_EQ(kpg("test --shard 5/4"), 2);
+  EXPECT_EQ(kpg("test --jobs 0"), 2);
   writeText("other.json", "{\"report\": \"another\"}");
   EXPECT_EQ(kpg("test --merge other.json"), 2);
   EXPECT_EQ(err, "other.json: is no report of kpg test; --json makes one\n");
@@ -296,7 +299,7 @@ TEST_F(PageTestsTest, TheReportShowsPicturesAndWhatIsMarkupIsText) {
   EXPECT_FALSE(fs::exists("report/kpg-test-0001.png"));
   fs::create_directory("site");
   writeText("site/index.html", "precious");
-  EXPECT_EQ(runSteps("- focus: a\n", "--html site"), 1);
+  EXPECT_EQ(runSteps("- focus: a\n", "--html site"), 2);
   EXPECT_EQ(text("site/index.html"), "precious");
 }
 

@@ -56,6 +56,16 @@ TEST_F(ShotTest, APageOfAProjectIsShotWithWhatTheProjectMakes) {
   writeText("p/other.yaml", "page: {}");  // none of its pages
   EXPECT_EQ(kpg("shot p/other.yaml -o other.png"), 0) << err;
   EXPECT_FALSE(fs::exists("p/build/other.kpg"));
+
+  // Pages that a script opens are those of now.
+  writeText("p/vistrel.yaml", "pages: [first.yaml, next.yaml]\n");
+  writeText("p/first.yaml", "page: {width: 720, height: 480, onLoad: topFrame.LoadPage(\"next.kpg\");}");
+  for (const char* color : {"'#204060'", "'#602040'"}) {
+    writeText("p/next.yaml", std::string("flags: 16bit\npage: {width: 720, height: 480, bgColor: ") + color + "}");
+    EXPECT_EQ(kpg("shot p/first.yaml -o led.png --strict"), 0) << err;
+    EXPECT_EQ(kpg("shot p/next.yaml -o next.png"), 0) << err;
+    EXPECT_EQ(text("led.png"), text("next.png"));
+  }
 }
 
 TEST_F(ShotTest, ErrorsNameTheLinesOfTheirScripts) {
@@ -63,6 +73,8 @@ TEST_F(ShotTest, ErrorsNameTheLinesOfTheirScripts) {
   const std::string log = "Error: Unbound variable - nosuch\nHappened in p.yaml:4 page.onLoad at p.yaml:5\n";
   EXPECT_EQ(kpg("shot p.yaml --lines --strict --log - -o p.png"), 1);
   EXPECT_EQ(out, log);
+  EXPECT_EQ(err, log);
+  EXPECT_EQ(kpg("shot p.yaml --lines -o p.png"), 0);
   EXPECT_EQ(err, log);
   ASSERT_EQ(kpg("build p.yaml -o built/p.kpg --lines"), 1);  // there is no such folder
   fs::create_directory("built");

@@ -48,6 +48,15 @@ page: {type: group, start: a, children: [
   EXPECT_TRUE(highlighted("b"));
 }
 
+TEST_F(FocusTest, OfOneNameTheFirstInTheListIsFound) {
+  ASSERT_TRUE(load("page: {children: [{name: a, x: 1}, {name: b, x: 2}, {name: a, x: 3}, {name: a, x: 4}]}"));
+  for (const auto& [a, b] : {std::pair(1, 2), {3, 2}, {3, 0}, {4, 0}, {0, 0}}) {
+    EXPECT_EQ(widget("a") ? widget("a")->bounds.x : 0, a);
+    EXPECT_EQ(widget("b") ? widget("b")->bounds.x : 0, b);
+    if (topFrame()->widgets) widgetDestroy(topFrame()->takeFirst());
+  }
+}
+
 TEST_F(FocusTest, WithoutAFocusKeysAreUnanswered) {
   ASSERT_TRUE(load("page: {type: group, children: [{name: a}]}"));
   EXPECT_EQ(eventPostSimple(kDirectionKey, kDirectionUp, 0), 0);

@@ -1,6 +1,7 @@
 // The extension: a language server, a debugger and a preview, all of them the program kpg.
 import * as vscode from 'vscode';
 import { LanguageClient, TransportKind } from 'vscode-languageclient/node';
+import { adapterArguments } from './adapter';
 import { Preview } from './preview';
 
 let client: LanguageClient | undefined;
@@ -30,8 +31,8 @@ async function startServer(): Promise<void> {
 }
 
 class DebugAdapter implements vscode.DebugAdapterDescriptorFactory, vscode.DebugConfigurationProvider {
-  createDebugAdapterDescriptor(): vscode.DebugAdapterDescriptor {
-    return new vscode.DebugAdapterExecutable(kpg(), ['dap']);
+  createDebugAdapterDescriptor(session: vscode.DebugSession): vscode.DebugAdapterDescriptor {
+    return new vscode.DebugAdapterExecutable(kpg(), adapterArguments(session.configuration));
   }
 
   // F5 without a configuration debugs the source that is open.

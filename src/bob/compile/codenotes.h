@@ -33,6 +33,7 @@ struct BobCodeNotes {
   // Variables of the functions and blocks that the function is written in, as far as they are declared by its end, by
   // slot, the innermost first.
   std::vector<std::vector<std::string>> around;
+  BobSourcePlace before;  // where the top-level statement before ended; nowhere for the first one, and for functions
 
   void openBlock(int begin) { blocks.push_back({begin, 0, {}}); }
   void closeBlock(int end, const std::vector<std::string>& names);

@@ -33,12 +33,14 @@ BobValue BobCompiler::compileStatement(BobValue scopeObject) {
   const BobLocal scope(interp, scopeObject);
   reset();
   try {
+    const BobSourcePlace before = scanner.place;
     const int token = scanner.next();
     if (token == kTokenEof) return 0;
-    const BobSourcePlace at = scanner.place;
+    const BobSourcePlace at = scanner.place, named = scanner.placeInLine();
     scanner.unread(token);
     beginNotes();
-    nameCode();
+    if (emit.notes) emit.notes->before = before;
+    nameCode(named);
     emit.from(at);
     emit.op(kOpAframe, 2, 0);
     statement();

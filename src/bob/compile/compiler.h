@@ -71,7 +71,7 @@ struct BobCompiler {
   bool accept(int token);
 
   // functions.cpp
-  void nameCode();
+  void nameCode(const BobSourcePlace& begin);
   void beginNotes();
   void endNotes(BobValue code);
   void function(const char* name);

@@ -2,16 +2,16 @@
 #include "bob/compile/compiler.h"
 
 // The first literal of code that has no name of its own.
-void BobCompiler::nameCode() {
+void BobCompiler::nameCode(const BobSourcePlace& begin) {
   if (codeNames)
-    emit.addString(codeNames(scanner.lineNumber));
+    emit.addString(codeNames(begin));
   else
     emit.addLiteral(kBobNil);
 }
 
 void BobCompiler::beginNotes() {
   if (!listener) return;
-  notes.push_back({sourceName, {}, {}, {}, {}});
+  notes.push_back({sourceName, {}, {}, {}, {}, {}});
   emit.notes = &notes.back();
 }
 
@@ -39,7 +39,7 @@ void BobCompiler::function(const char* name) {
   if (name)
     emit.addString(name);
   else
-    nameCode();
+    nameCode(scanner.placeInLine());
   names.add("this");
   names.add("_next");
   const int opcodeAt = emit.here();

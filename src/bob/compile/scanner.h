@@ -85,6 +85,8 @@ class BobScanner {
   double tokenFloat = 0;   // of floats
   int lineNumber = 0;      // of the line that is being read; the interpreter's sourceLine follows it
   BobSourcePlace place;    // of the token that was taken last, and not pushed back
+  // That token's place if it begins in the line that is being read, else the line's begin.
+  BobSourcePlace placeInLine() const { return {lineNumber, place.line == lineNumber ? place.column : 1}; }
 
  private:
   static constexpr size_t kTextLimit = 255;

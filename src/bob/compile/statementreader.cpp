@@ -34,6 +34,9 @@ void bobSetCodeListener(BobInterp* interp, BobCodeListener listener) {
 }
 
 int bobCurrentLine(const BobInterp* interp) { return interp->sourceLine; }
+BobSourcePlace bobCurrentPlace(const BobInterp* interp) {
+  return interp->compiler ? interp->compiler->scanner.placeInLine() : BobSourcePlace{interp->sourceLine, 1};
+}
 std::string bobCurrentSource(const BobInterp* interp) {
   return interp->compiler ? interp->compiler->sourceName : std::string();
 }

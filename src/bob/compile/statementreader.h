@@ -15,9 +15,9 @@
 
 struct BobScope;
 
-// What code without a name of its own is called in tracebacks and listings, by the line on which it begins: that is
+// What code without a name of its own is called in tracebacks and listings, by the place at which it begins: that is
 // top-level statements and functions without a name.
-using BobCodeNames = std::function<std::string(int line)>;
+using BobCodeNames = std::function<std::string(const BobSourcePlace& begin)>;
 
 class BobStatementReader {
  public:
@@ -40,6 +40,8 @@ class BobStatementReader {
 // Of all that is compiled from here on; an empty one ends it. The interpreter must have a compiler.
 void bobSetCodeListener(BobInterp* interp, BobCodeListener listener);
 
-// The line of the source that is being read, for messages; 0 when there has been none. And what its reader calls it.
+// The line of the source that is being read, for messages; 0 when there has been none. Also the token in it that was
+// read last, and what its reader calls the source.
 int bobCurrentLine(const BobInterp* interp);
+BobSourcePlace bobCurrentPlace(const BobInterp* interp);
 std::string bobCurrentSource(const BobInterp* interp);

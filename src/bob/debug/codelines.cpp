@@ -18,6 +18,7 @@ std::vector<BobCodeLines::Start> BobCodeLines::firstStarts() const {
     // The frame is made by the call: what it comes from has no instruction of its own if another line follows at once.
     if (n + 1 < starts.size() && starts[n + 1].offset <= kBobFirstOffset) continue;
     const auto [offset, line] = starts[n];
+    if (continuesLine && line == starts.front().line) continue;
     if (std::none_of(first.begin(), first.end(), [line = line](const Start& s) { return s.line == line; }))
       first.push_back({std::max(offset, kBobFirstOffset), line});
   }
@@ -31,12 +32,14 @@ BobCodeLines bobCodeLinesOf(BobInterp* interp, BobValue code, const BobCodeNotes
   lines.file = std::move(file);
   lines.arguments = notes.arguments;
   lines.around = notes.around;
+  const auto lineAt = [&](const BobSourcePlace& place) { return lineOf ? lineOf(place) : place.line; };
   for (const BobCodeNotes::Instruction& instruction : notes.instructions) {
-    const int line = lineOf ? lineOf(instruction.place) : instruction.place.line;
+    const int line = lineAt(instruction.place);
     if (lines.starts.empty() || lines.starts.back().line != line)
       lines.starts.push_back({uint32_t(instruction.offset), line});
   }
   for (const BobCodeNotes::Block& block : notes.blocks)
     lines.blocks.push_back({uint32_t(block.begin), uint32_t(block.end), block.names});
+  lines.continuesLine = notes.before.line > 0 && lineAt(notes.before) == lines.starts.front().line;
   return lines;
 }

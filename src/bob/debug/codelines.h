@@ -31,10 +31,12 @@ struct BobCodeLines {
   std::vector<std::string> arguments;  // by slot, from 1: this, _next and so on; none for a top-level statement
   std::vector<Block> blocks;           // outer ones before those in them
   std::vector<std::vector<std::string>> around;  // variables of what the function was written in, innermost first
+  bool continuesLine = false;                    // a top-level statement in whose first line the one before it ends
 
   int lineAt(uint32_t offset) const;
   // For each line the first place where it begins, by offset: of a call over several lines the instructions go to and
-  // fro between them. Offsets are those of instructions that are run.
+  // fro between them. Offsets are those of instructions that are run. A line that the statement before has begun is
+  // none.
   std::vector<Start> firstStarts() const;
   bool operator==(const BobCodeLines&) const = default;
 };

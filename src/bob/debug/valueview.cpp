@@ -1,6 +1,7 @@
 #include "bob/debug/valueview.h"
 
 #include <algorithm>
+#include <string_view>
 #include <vector>
 
 #include "bob/debug/evaluation.h"
@@ -71,6 +72,16 @@ void visitNative(BobInterp* interp, BobValue object, size_t first, size_t count,
   }
 }
 
+// The parent of an object, unless it has a property of that name, as scopes of frames do.
+bool showsParent(BobInterp* interp, BobValue object) {
+  bool show = interp->words(object)[kParent] != kBobNil;
+  bobForEachProperty(interp, object, [&](BobValue p) {
+    const BobValue key = interp->words(p)[kKey];
+    if (interp->isA(key, kBobSymbol) && std::string_view(interp->symbolOf(key)) == "parent") show = false;
+  });
+  return show;
+}
+
 }  // namespace
 
 std::string bobValueText(BobInterp* interp, BobValue value) { return printed(interp, value, bobPrint); }
@@ -81,8 +92,7 @@ std::string bobTypeName(BobInterp* interp, BobValue value) {
 
 size_t bobMemberCount(BobInterp* interp, BobValue value) {
   if (isVector(interp, value)) return bobVectorSize(interp, value);
-  if (interp->isObject(value))
-    return bobPropertyCount(interp, value) + (interp->words(value)[kParent] != kBobNil ? 1 : 0);
+  if (interp->isObject(value)) return bobPropertyCount(interp, value) + showsParent(interp, value);
   return isNative(interp, value) ? nativeNames(interp, value).size() : 0;
 }
 
@@ -102,7 +112,7 @@ void bobForEachMember(BobInterp* interp, BobValue value, size_t first, size_t co
   bobForEachProperty(interp, value, [&](BobValue p) {
     member(printed(interp, interp->words(p)[kKey], bobDisplay), interp->words(p)[kValue]);
   });
-  if (interp->words(value)[kParent] != kBobNil) member("parent", interp->words(value)[kParent]);
+  if (showsParent(interp, value)) member("parent", interp->words(value)[kParent]);
 }
 
 std::vector<std::string> bobGlobalNames(BobInterp* interp, BobValue scopeObject) {

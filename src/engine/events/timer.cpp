@@ -1,5 +1,7 @@
 #include "engine/events/timer.h"
 
+#include <utility>
+
 #include "engine/base/watch.h"
 #include "engine/events/graveyard.h"
 #include "host/host.h"
@@ -9,20 +11,19 @@ constexpr uint32_t kFiringsToBreath = 4096;
 }
 
 void TimerQueue::unlink(Timer* timer) {
-  for (Timer** link = &head; *link; link = &(*link)->next) {
-    if (*link != timer) continue;
-    *link = timer->next;
-    timer->next = nullptr;
-    return;
-  }
+  if (!timer->place) return;
+  timer->spare = order.extract(*timer->place);
+  timer->place.reset();
 }
 
 void TimerQueue::insert(Timer* timer, uint32_t due) {
   timer->due = due;
-  Timer** link = &head;
-  while (*link && (*link)->due <= due) link = &(*link)->next;
-  timer->next = *link;
-  *link = timer;
+  if (timer->spare) {
+    timer->spare.key() = due;
+    timer->place = order.insert(std::move(timer->spare));
+  } else {
+    timer->place = order.emplace(due, timer);
+  }
   timer->timerFlags |= kTimerArmed;
 }
 
@@ -56,12 +57,6 @@ void TimerQueue::destroy(Timer* timer) {
   bury(timer);
 }
 
-bool TimerQueue::lists(const Timer* timer) const {
-  for (const Timer* t = head; t; t = t->next)
-    if (t == timer) return true;
-  return false;
-}
-
 void TimerQueue::fire(Timer* timer, uint32_t now) {
   if (const ObserverReport report; report) report->timerFired(timer->identity());
   timer->callback(timer, TimerReason::fired);
@@ -76,23 +71,24 @@ void TimerQueue::fire(Timer* timer, uint32_t now) {
 
 void TimerQueue::fire() {
   EngineCall call;
-  if (!head) return;
+  if (order.empty()) return;
   const uint32_t now = hostMilliseconds();
   // A repeating timer of interval 0 is due again at once, and the loop doesn't end.
-  for (uint32_t fired = 1; head && head->due <= now; ++fired) {
+  for (uint32_t fired = 1; !order.empty() && order.begin()->first <= now; ++fired) {
     if (fired % kFiringsToBreath == 0 && !hostBreathe()) return;
-    Timer* timer = head;
-    head = timer->next;
-    timer->next = nullptr;
+    Timer* const timer = order.begin()->second;
+    unlink(timer);
     fire(timer, now);
   }
 }
 
-std::optional<uint32_t> TimerQueue::nextDue() const { return head ? std::optional(head->due) : std::nullopt; }
+std::optional<uint32_t> TimerQueue::nextDue() const {
+  return order.empty() ? std::nullopt : std::optional(order.begin()->first);
+}
 
 void timerStart(Timer* timer, uint32_t interval, bool repeat) { currentTimers().start(timer, interval, repeat); }
 void timerSetInterval(Timer* timer, uint32_t interval) { currentTimers().setInterval(timer, interval); }
 void timerStop(Timer* timer) { currentTimers().stop(timer); }
 void timerDestroy(Timer* timer) { currentTimers().destroy(timer); }
 int32_t timerRemaining(const Timer* timer) { return int32_t(timer->due - hostMilliseconds()); }
-bool timerIsListed(const Timer* timer) { return currentTimers().lists(timer); }
+bool timerIsListed(const Timer* timer) { return timer->place.has_value(); }

@@ -1,16 +1,22 @@
 // Timers: the only deferred work apart from the redraw queue. Times are hostMilliseconds, unsigned and wrapping.
 //
 // The armed bit of a one-shot timer stays set when it has fired, so destroying it later calls its callback once more
-// to say that it stopped. Whoever makes a timer owns it and ends it by timerDestroy alone, since it may be firing; the
-// list of those that wait is intrusive, as a callback may take any other out of it.
+// to say that it stopped. Whoever makes a timer owns it and ends it by timerDestroy alone, since it may be firing; a
+// callback may take any other out of the queue.
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 
 #include "engine/base/observer.h"
 
 enum class TimerReason { fired = 1, stopped = 2 };
+
+struct Timer;
+
+// Those that wait, by the time they are due; equal times in the order of arming.
+using TimerOrder = std::multimap<uint32_t, Timer*>;
 
 struct Timer {
   using Callback = void (*)(Timer* timer, TimerReason reason);
@@ -23,8 +29,9 @@ struct Timer {
   uint32_t interval = 0;  // milliseconds
   uint32_t due = 0;       // time of the next firing
   Callback callback;
-  Timer* next = nullptr;
-  bool gone = false;  // destroyed; only its memory is still here
+  std::optional<TimerOrder::iterator> place;  // while it waits
+  TimerOrder::node_type spare;                // otherwise its place of before, so that arming it again takes no memory
+  bool gone = false;                          // destroyed; only its memory is still here
 };
 
 inline constexpr uint32_t kTimerArmed = 1;
@@ -37,21 +44,20 @@ class TimerQueue {
   void setInterval(Timer* timer, uint32_t interval);
   void stop(Timer* timer);
   void destroy(Timer* timer);
-  bool lists(const Timer* timer) const;
 
   // Fires all that are due at the one moment that is read at the start. A repeating timer of interval 0 is due again at
   // once, so it never ends.
   void fire();
 
   std::optional<uint32_t> nextDue() const;  // nothing when no timer waits
-  const Timer* first() const { return head; }
+  const TimerOrder& waiting() const { return order; }
 
  private:
   void unlink(Timer* timer);
   void insert(Timer* timer, uint32_t due);
   void fire(Timer* timer, uint32_t now);
 
-  Timer* head = nullptr;  // sorted by due; equal times in the order of arming
+  TimerOrder order;
 };
 
 TimerQueue& currentTimers();  // of the engine that is current on this thread

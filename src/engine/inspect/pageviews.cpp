@@ -95,8 +95,8 @@ std::vector<FontView> inspectFonts(Engine& engine) {
 std::vector<TimerView> inspectTimers(Engine& engine) {
   const EngineScope here(engine);
   std::vector<TimerView> views;
-  for (const Timer* timer = engine.timers.first(); timer; timer = timer->next) {
-    TimerView view{timer->identity(), timer->due, timer->interval, (timer->timerFlags & kTimerRepeating) != 0, ""};
+  for (const auto& [due, timer] : engine.timers.waiting()) {
+    TimerView view{timer->identity(), due, timer->interval, (timer->timerFlags & kTimerRepeating) != 0, ""};
     if (const auto* script = dynamic_cast<const ScriptTimer*>(timer))
       view.callback = bobFunctionName(engine.scripts->interp, script->callback);
     views.push_back(std::move(view));

@@ -1,7 +1,5 @@
 #include "engine/page/frame.h"
 
-#include <cstring>
-
 #include "bob/bob.h"
 #include "engine/events/eventtrail.h"
 #include "engine/events/graveyard.h"
@@ -56,11 +54,7 @@ int Frame::ownerEvent(const Event& event) {
   return answer;
 }
 
-Widget* Frame::findWidget(const char* wanted) const {
-  for (Widget* widget = widgets; widget; widget = widget->nextInFrame)
-    if (widget->name && std::strcmp(widget->name, wanted) == 0) return widget;
-  return nullptr;
-}
+Widget* Frame::findWidget(const char* wanted) const { return names.find(wanted); }
 
 bool Frame::countWidget() {
   return widgetsMade++ < kMaxPageWidgets && currentLoadCount().widgetsMade++ < kMaxLoadWidgets;
@@ -80,12 +74,14 @@ void Frame::runScript(const EventTarget* widget, ScriptAttribute hook, PageScrip
 void Frame::append(Widget* widget) {
   *widgetsTail = widget;
   widgetsTail = &widget->nextInFrame;
+  names.append(widget);
 }
 
 Widget* Frame::takeFirst() {
   Widget* widget = widgets;
   widgets = widget->nextInFrame;
   if (!widgets) widgetsTail = &widgets;
+  names.takeFirst(widget);
   if (focus == widget) focus = nullptr;
   return widget;
 }

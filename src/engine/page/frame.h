@@ -12,6 +12,7 @@
 #include "engine/page/language.h"
 #include "engine/page/scriptscope.h"
 #include "engine/page/widget.h"
+#include "engine/page/widgetnames.h"
 #include "engine/text/textstyle.h"
 
 // Widgets made since the outermost load under way began, so that pages that hold themselves end.
@@ -45,6 +46,7 @@ struct Frame : Widget, WidgetOwner {
   PageObject rootObject;               // like language, stale after an unload until the next load
   Widget* widgets = nullptr;           // all the page's widgets; children come before their parent, the root last
   Widget** widgetsTail = &widgets;
+  WidgetNames names;           // of the same
   uint32_t widgetsMade = 0;  // by the page's load
   Widget* focus = nullptr;
   TextStyles textStyles;

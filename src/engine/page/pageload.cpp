@@ -160,6 +160,7 @@ int load(Frame* frame, const char* path) {
   frame->widgetsMade = 0;
   frame->widgets = nullptr;
   frame->widgetsTail = &frame->widgets;
+  frame->names.clear();
   frame->textStyles.clear();
   ++frame->generation;
   return PageLoad(frame).run();

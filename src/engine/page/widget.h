@@ -68,6 +68,7 @@ struct Widget : EventTarget, Redrawable {
   Widget* nextSlave = nullptr;
   Widget* master = nullptr;       // the widget whose slaves this one is among
   Widget* nextInFrame = nullptr;  // in the frame's list
+  Widget* nextOfName = nullptr;   // in that list, after this one
 };
 
 // Widget flags.

@@ -25,7 +25,7 @@ constexpr CheckKind kKinds[] = {
     {"echoed-value", "a text with an `echoChar` that doesn't begin empty"},
     {"empty-bar", "a slider whose `min` equals its `max`"},
     {"bar-color", "a slider on a 16-bit page that leaves a colour to the player"},
-    {"outside-screen", "a widget that begins outside the screen"},
+    {"outside-screen", "a widget that begins or ends outside the screen"},
     {"missing-file", "a picture, colour table, font, script or page that isn't there, and that nothing makes"},
     {"file-case", "a file that the player finds only because it ignores upper and lower case"},
     {"unreadable-file", "a picture or a font that the player can't read"},

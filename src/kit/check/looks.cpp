@@ -92,10 +92,15 @@ void checkHiding(const CheckedWidget& widget, const Find& find) {
 
 void checkScreen(const CheckedWidget& widget, const Find& find) {
   if (widget.width == 0 || widget.height == 0) return;
-  if (widget.x < kScreenWidth && widget.y < kScreenHeight) return;
-  find("outside-screen", widget.place(),
-       widget.label + " begins at " + std::to_string(widget.x) + ", " + std::to_string(widget.y) +
-           ", outside the screen of 720 x 480: nothing of it is seen");
+  const int32_t right = widget.x + widget.width, bottom = widget.y + widget.height;
+  const auto say = [&](const char* does, int32_t x, int32_t y, const char* seen) {
+    find("outside-screen", widget.place(),
+         widget.label + does + std::to_string(x) + ", " + std::to_string(y) +
+             ", outside the screen of 720 x 480: " + seen + " of it is seen");
+  };
+  if (widget.x >= kScreenWidth || widget.y >= kScreenHeight) return say(" begins at ", widget.x, widget.y, "nothing");
+  const bool shows = widget.type != "group" || widget.has("bgColor") || widget.has("background");
+  if (shows && (right > kScreenWidth || bottom > kScreenHeight)) say(" ends at ", right, bottom, "only a part");
 }
 
 }  // namespace

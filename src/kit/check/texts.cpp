@@ -105,12 +105,16 @@ class Texts {
               " pixels high; the player draws those that don't fit below the widget, and never erases them");
   }
 
-  // Said once for the page: where a page begins at the very edge, all of it lies too far out.
+  // Said once for the page: where a page begins at the very edge, all of it lies too far out. A line of a list that
+  // lies beyond its box is drawn only where it comes to lie by scrolling.
   void checkSafeArea(const PageText& text) {
     const Bounds& drawn = text.drawn;
     const bool isOnScreen = drawn.x < kScreenWidth && drawn.y < kScreenHeight;
-    const bool isSafe = drawn.x >= kMarginAcross && drawn.x + drawn.w <= kScreenWidth - kMarginAcross &&
-                        drawn.y >= kMarginDown && drawn.y + drawn.h <= kScreenHeight - kMarginDown;
+    const bool isScrolledAway =
+        text.widget->type == "textContainer" && (drawn.y < text.box.y || drawn.y + drawn.h > text.box.y + text.box.h);
+    const bool isSafe =
+        drawn.x >= kMarginAcross && drawn.x + drawn.w <= kScreenWidth - kMarginAcross &&
+        (isScrolledAway || (drawn.y >= kMarginDown && drawn.y + drawn.h <= kScreenHeight - kMarginDown));
     if (isSafe || !isOnScreen || isBlank(text.text)) return;
     if (unsafe++ == 0) firstUnsafe = text.widget->label + ", " + excerpt(text.text);
   }

@@ -158,7 +158,7 @@ void DapServer::serveAll(std::chrono::milliseconds wait) {
   while (const auto message = connection.take(wait)) {
     serve(*message);
     wait = kNow;
-    if (resume || hasEnded) return;
+    if (resume || hasEnded || isToBegin()) return;
   }
   if (connection.hasEnded()) disconnect({});
 }
@@ -194,7 +194,7 @@ void DapServer::goesOn() {
 
 void DapServer::run() {
   while (!hasEnded) {
-    if (isConfigured && !isBegun && !program.empty())
+    if (isToBegin())
       begin();
     else if (isBegun)
       live();

@@ -43,6 +43,7 @@ class DapServer {
   void serveAll(std::chrono::milliseconds wait);
   void serveInMiddle();
   void listen();
+  bool isToBegin() const { return isConfigured && !isBegun && !program.empty(); }
   void begin();
   void live();
   void send(json message);

@@ -24,11 +24,17 @@ DebuggedPage::DebuggedPage() {
 }
 
 void DebuggedPage::load(const std::string& page) {
+  if (isPageSource(page)) {
+    files = std::make_unique<LiveFiles>(page);
+    files->begin();
+    run->use(*files);
+  }
   const bool loaded = run->load(page, [this](const KitMessage& warning) {
     if (printed) printed(warning.whole() + "\n");
   });
   printNew();
   if (!loaded) throw KitError(page, "can't be loaded");
+  isLoaded = true;
   pageDebugger->learn();
 }
 
@@ -41,4 +47,8 @@ void DebuggedPage::printNew() {
   const std::string all = run->logWithPlaces();
   if (all.size() > printedSoFar && printed) printed(all.substr(printedSoFar));
   printedSoFar = all.size();
+  if (!files || !isLoaded) return;
+  const std::vector<KitMessage> errors = files->errors();
+  for (; errorsSoFar < errors.size(); ++errorsSoFar)
+    if (printed) printed(errors[errorsSoFar].whole() + "\n");
 }

@@ -11,6 +11,7 @@
 
 #include "kit/dap/dappage.h"
 #include "kit/debug/pagedebugger.h"
+#include "kit/project/livefiles.h"
 #include "kit/run/pagerun.h"
 
 class DebuggedPage final : public DapPage {
@@ -20,7 +21,8 @@ class DebuggedPage final : public DapPage {
   std::function<BobResume(const BobStop&)> stopped;  // the page stands until it returns
   std::function<void()> whileBusy;                   // now and then while a script runs
 
-  // Throws KitError when the page can't be loaded.
+  // A page source is compiled, with what its project or the files beside it give, in memory. Throws KitError when the
+  // page can't be loaded.
   void load(const std::string& page);
 
   std::vector<WantedBreakpoint> setBreakpoints(const std::string& file,
@@ -34,9 +36,12 @@ class DebuggedPage final : public DapPage {
   BobDebugger& debugger() override { return pageDebugger->core(); }
 
  private:
-  void printNew();  // what the console has got since
+  void printNew();  // what the console has got since, and what couldn't be made
 
-  std::unique_ptr<PageDebugger> pageDebugger;  // outlives the run
+  std::unique_ptr<LiveFiles> files;  // of a page source; these two outlive the run
+  std::unique_ptr<PageDebugger> pageDebugger;
   std::unique_ptr<PageRun> run;
+  bool isLoaded = false;
   size_t printedSoFar = 0;  // bytes of the log
+  size_t errorsSoFar = 0;   // of files that the page has asked for since it was loaded
 };

@@ -9,7 +9,8 @@ void BobSymbolWalk::assigned(uint32_t placeNode, uint32_t value) {
   const Kind kind = tree.nodes[value].kind;
   const bool isMade = kind == Kind::kObject || kind == Kind::kNew;
   const std::string made = bobKindOf(tree, value);
-  const std::string path = pathOf(placeNode);
+  std::string path = pathOf(placeNode);
+  if (path.empty() && kind == Kind::kObject && tree.nodes[placeNode].kind == Kind::kName) path = ownObjectOf(placeNode);
   if (!path.empty() && isMade) {
     BobClass& object = classNamed(path, tree.nodes[placeNode].begin);
     if (object.parent.empty()) object.parent = made;
@@ -48,6 +49,11 @@ std::string BobSymbolWalk::pathOf(uint32_t node) const {
     path += "." + std::string(tree.text(selector));
   }
   return path;
+}
+
+// What a class is called that only a variable has: no script can say such a name.
+std::string BobSymbolWalk::ownObjectOf(uint32_t nameNode) const {
+  return std::string(tree.text(nameNode)) + "@" + std::to_string(tree.nodes[nameNode].begin);
 }
 
 void BobSymbolWalk::holds(uint32_t symbol, const std::string& object) {

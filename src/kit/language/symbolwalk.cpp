@@ -121,7 +121,10 @@ void BobSymbolWalk::block(uint32_t node) {
     }
     for (const uint32_t variable : tree.children(child)) {
       const std::span<const uint32_t> parts = tree.children(variable);
-      if (parts.size() > 1) visit(parts[1]);
+      if (parts.size() > 1 && tree.nodes[parts[1]].kind == Kind::kObject && !isMissing(parts[0]))
+        object(parts[1], ownObjectOf(parts[0]));
+      else if (parts.size() > 1)
+        visit(parts[1]);
       declare(parts[0], BobSymbolKind::kLocal, tree.nodes[variable].end);
       if (parts.size() > 1 && !isMissing(parts[0])) assigned(parts[0], parts[1]);
     }
@@ -186,7 +189,7 @@ void BobSymbolWalk::assign(uint32_t node) {
   if (kind == Kind::kFunction)
     functionLiteral(value, point == std::string::npos ? std::string() : path.substr(0, point));
   else if (kind == Kind::kObject)
-    object(value, path);
+    object(value, path.empty() && tree.nodes[target].kind == Kind::kName ? ownObjectOf(target) : path);
   else
     visit(value);
   assigned(target, value);

@@ -41,6 +41,7 @@ class BobSymbolWalk {
   // classwalk.cpp: objects that are classes, and functions
   void assigned(uint32_t placeNode, uint32_t value);
   std::string pathOf(uint32_t node) const;
+  std::string ownObjectOf(uint32_t nameNode) const;
   void holds(uint32_t symbol, const std::string& object);
   BobClass& classNamed(const std::string& name, uint32_t offset);
   void addMember(const std::string& className, uint32_t nameNode, uint32_t value);

@@ -62,7 +62,8 @@ std::string joined(const std::vector<std::string>& names) {
 
 std::string codeText(const BobCodeLines& code, size_t source) {
   char head[64];
-  std::snprintf(head, sizeof head, "code %016llx %zu\nlines", static_cast<unsigned long long>(code.hash), source);
+  std::snprintf(head, sizeof head, "code %016llx %zu%s\nlines", static_cast<unsigned long long>(code.hash), source,
+                code.continuesLine ? " continues" : "");
   std::string text = head;
   for (const BobCodeLines::Start& start : code.starts)
     text += " " + std::to_string(start.offset) + ":" + std::to_string(start.line);
@@ -164,6 +165,8 @@ class MapReader {
     const size_t source = numberIn<size_t>(word(), SIZE_MAX);
     if (source >= map.sources.size()) fail();
     code.file = map.sources[source].file;
+    code.continuesLine = !line.empty();
+    if (code.continuesLine && word() != "continues") fail();
     map.codes.push_back(std::move(code));
   }
 

@@ -3,7 +3,7 @@
 //     bobmap 1
 //     built 3a0-97c2d1a9b8e75f04           the file that the code is in, by its contents
 //     source 1f2-0a1b2c3d4e5f6071 ../menu.yaml
-//     code 6b1f0a2b3c4d5e6f 0              hash, number of the source
+//     code 6b1f0a2b3c4d5e6f 0              hash, number of the source; "continues" for what continues a line
 //     lines 0:12 9:13 20:14                offset in the bytecode : line of the source
 //     arguments this _next x
 //     block 14 52 i n                      from offset to offset

@@ -36,8 +36,8 @@ constexpr std::string_view kRepeatKeys[][2] = {{"over", "what to repeat over: a 
 
 class PageCompletion {
  public:
-  PageCompletion(SourceViews& v, const std::string& p, size_t o)
-      : views(v), path(p), offset(o), own(v.page(p)), text(*own->text), cursor(pageCursorAt(text, offset)) {}
+  PageCompletion(SourceViews& v, const std::string& p, const EditedText& t, size_t o, PageCursor c)
+      : views(v), path(p), text(t), offset(o), cursor(std::move(c)) {}
 
   json all() {
     if (cursor.kind == PageCursor::key) addKeys();
@@ -255,9 +255,8 @@ class PageCompletion {
 
   SourceViews& views;
   const std::string path;
-  const size_t offset;
-  const std::shared_ptr<const PageView> own;
   const EditedText& text;
+  const size_t offset;
   const PageCursor cursor;
   bool isInExpression = false;
   size_t wordBegin = 0;
@@ -268,6 +267,12 @@ class PageCompletion {
 
 }  // namespace
 
-json completePage(SourceViews& views, const std::string& path, size_t offset) {
-  return PageCompletion(views, path, offset).all();
+// The source is read once: what the cursor is in tells what else has to be known.
+json completeAt(SourceViews& views, const std::string& path, size_t offset) {
+  if (views.kindOf(path) == SourceKind::script)
+    return completeScript(views, path, *views.scripts(path).front(), offset, offset);
+  const std::shared_ptr<const EditedText> text = views.files.at(path)->text;
+  PageCursor cursor = pageCursorAt(*text, offset);
+  if (cursor.kind != PageCursor::script) return PageCompletion(views, path, *text, offset, std::move(cursor)).all();
+  return completeScript(views, path, ScriptView(std::move(cursor.scriptText)), cursor.scriptOffset, offset);
 }

@@ -78,8 +78,18 @@ class ScriptCompletion {
     addGlobals(script);
     for (const KnownMember& member : knownMembers())
       if (member.object.empty()) addKnown(member);
+    if (isAfterNew()) return;
     for (const std::string_view word : bobKeywords()) add(std::string(word), kKeyword);
     for (const char* word : {"true", "false", "this", "_next"}) add(word, kKeyword);
+  }
+
+  // Where only what has instances can stand.
+  bool isAfterNew() const {
+    size_t token = script.tree.tokens.at(cursor.begin);
+    while (token > 0 && script.tree.tokens.all[token].end > cursor.begin) --token;
+    while (token > 0 && script.tree.tokens.all[token].isComment()) --token;
+    return script.tree.tokens.all[token].end <= cursor.begin &&
+           script.tree.tokens.all[token].kind == BobTokenKind::kNew;
   }
 
   void addGlobals(const ScriptView& from) {
@@ -125,7 +135,7 @@ class ScriptCompletion {
       if (!found) return;
       for (const BobClass::Member& member : found->members)
         add(member.name, member.isMethod ? kMethod : kProperty,
-            member.isMethod ? signatureOf(member.parameters) : name);
+            member.isMethod ? signatureOf(member.parameters) : name.substr(0, name.find('@')));
       addClass(found->parent, depth + 1);
       for (const KnownMember* member : membersOfObject(found->parent)) addKnown(*member);
     };
@@ -251,12 +261,9 @@ json signatureJson(const std::string& name, const std::vector<std::string>& para
 
 }  // namespace
 
-json completeScript(SourceViews& views, const std::string& path, size_t offset) {
-  size_t inside = 0;
-  const auto script = scriptAround(views, path, offset, &inside);
-  if (!script) return nullptr;
-  const OpenFile* file = views.files.at(path);
-  return ScriptCompletion(views, path, *script, inside).all(*file->text, offset);
+json completeScript(SourceViews& views, const std::string& path, const ScriptView& script, size_t inside,
+                    size_t offset) {
+  return ScriptCompletion(views, path, script, inside).all(*views.files.at(path)->text, offset);
 }
 
 json hoverScript(SourceViews& views, const std::string& path, size_t offset) {

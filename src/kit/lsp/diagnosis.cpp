@@ -52,7 +52,7 @@ MadeNames namesOf(const CheckedPage& page) {
   return names;
 }
 
-// Those of the checks that need nothing but the page itself, while it isn't saved.
+// Those of the checks that need nothing but the page itself, while it isn't saved or has errors.
 void checkEdited(const PageTree& tree, const std::string& path, Diagnosis& into) {
   std::vector<Finding> found;
   const CheckedPage page(tree);
@@ -74,11 +74,13 @@ void diagnosePage(const std::string& path, bool isSaved, const ReadFile& read, D
   std::vector<KitMessage> warnings;
   PageSourceOptions options;
   options.read = read;
+  options.errors = &into.errors;
   const PageTree tree = readPageSource(
       path, [&](const KitMessage& warning) { warnings.push_back(withoutPrefix(warning)); }, options);
   into.sources = tree.sources;
-  into.made = std::make_shared<const MadeNames>(namesOf(CheckedPage(tree)));
-  if (!isSaved) {
+  const bool isSound = into.errors.empty();
+  if (isSound) into.made = std::make_shared<const MadeNames>(namesOf(CheckedPage(tree)));
+  if (!isSaved || !isSound) {
     into.warnings = std::move(warnings);
     checkEdited(tree, path, into);
     return;
@@ -99,7 +101,7 @@ void diagnoseScript(const std::string& path, const ReadFile& read) {
   try {
     ScriptCompiler().compileFile(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
   } catch (const ScriptError& e) {
-    throw KitError(path, e.line, e.what());
+    throw KitError(path, e.place.line, e.what());
   }
 }
 
@@ -114,10 +116,14 @@ void addSyntaxErrors(const std::string& path, SourceKind kind, const ReadFile& r
   const auto text = std::make_shared<const EditedText>(std::string(bytes.begin(), bytes.end()));
   const auto add = [&](const ScriptView& script) {
     if (script.hasExpressions) return;
+    const auto lineOf = [&](size_t offset) { return text->positionOf(script.sourceOf(offset)).line + 1; };
+    const int begin = lineOf(0), end = lineOf(script.text.size());
     for (const BobSyntaxError& error : script.tree.errors) {
-      const int line = text->positionOf(script.sourceOf(error.offset)).line + 1;
+      const int line = lineOf(error.offset);
       const bool isKnown = std::any_of(into.errors.begin(), into.errors.end(), [&](const KitMessage& known) {
-        return known.line == line && fullPath(known.file) == fullPath(path);
+        const bool isHere = known.line == line || (known.line >= begin && known.line <= end &&
+                                                   known.text.ends_with("Syntax error - " + error.text));
+        return isHere && fullPath(known.file) == fullPath(path);
       });
       if (!isKnown)
         into.errors.push_back(

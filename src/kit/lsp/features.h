@@ -9,12 +9,16 @@
 
 #include "kit/lsp/sourceviews.h"
 
+// Of any source.
+nlohmann::json completeAt(SourceViews& views, const std::string& path, size_t offset);
+// In a script of that file as it is being written, which the place is at byte `inside` of.
+nlohmann::json completeScript(SourceViews& views, const std::string& path, const ScriptView& script, size_t inside,
+                              size_t offset);
+
 // Of a page source, or of what page sources include.
-nlohmann::json completePage(SourceViews& views, const std::string& path, size_t offset);
 nlohmann::json hoverPage(SourceViews& views, const std::string& path, size_t offset);
 
 // Of a script file, or of a script in a page source: null where there is none.
-nlohmann::json completeScript(SourceViews& views, const std::string& path, size_t offset);
 nlohmann::json hoverScript(SourceViews& views, const std::string& path, size_t offset);
 nlohmann::json signatureAt(SourceViews& views, const std::string& path, size_t offset);
 

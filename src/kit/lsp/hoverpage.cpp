@@ -22,18 +22,21 @@ std::string hex(uint32_t rgb) {
   return text;
 }
 
-// The pair whose key is at the offset, and the map that it is in.
-const LoosePair* keyAt(const LooseNode& node, size_t offset, const LooseNode** map) {
+struct PairAt {
+  const LoosePair* pair = nullptr;
+  const LooseNode* map = nullptr;  // that it is in
+  bool isValue = false;            // the offset is in its value, a scalar
+};
+
+PairAt pairAt(const LooseNode& node, size_t offset) {
   for (const LoosePair& pair : node.map) {
-    if (pair.begin <= offset && offset <= pair.end) {
-      *map = &node;
-      return &pair;
-    }
-    if (const LoosePair* found = keyAt(pair.value, offset, map)) return found;
+    if (pair.begin <= offset && offset <= pair.end) return {&pair, &node, false};
+    if (pair.value.isScalar() && pair.value.begin <= offset && offset <= pair.value.end) return {&pair, &node, true};
+    if (const PairAt found = pairAt(pair.value, offset); found.pair) return found;
   }
   for (const LooseNode& item : node.list)
-    if (const LoosePair* found = keyAt(item, offset, map)) return found;
-  return nullptr;
+    if (const PairAt found = pairAt(item, offset); found.pair) return found;
+  return {};
 }
 
 std::string kindOf(const SourceObject& object) {
@@ -97,6 +100,26 @@ std::string aboutKey(const PageView& view, const LooseNode& map, const std::stri
   return "";
 }
 
+// The kinds of widgets, each with what it adds to what every widget has.
+std::string aboutKind(const SourceObject& object) {
+  static constexpr std::string_view kKinds[][2] = {{"group", "widgets that lie and show together"},
+                                                   {"text", "a text in a style"},
+                                                   {"number", "a whole number in a range, which keys move"},
+                                                   {"select", "one of several choices"},
+                                                   {"textContainer", "a list of lines that scrolls"},
+                                                   {"slider", "a bar that shows a value in a range"},
+                                                   {"image", "a picture"},
+                                                   {"frame", "a page inside the page"}};
+  for (const auto& [kind, help] : kKinds) {
+    if (kind != object.type) continue;
+    std::string own;
+    for (const SourceKey& key : objectKeys(object.kind, kind))
+      if (!objectKey(object.kind, "", key.name)) own += (own.empty() ? "" : ", ") + ("`" + std::string(key.name) + "`");
+    return "**" + object.type + "**: " + std::string(help) + (own.empty() ? "" : "\n\nHas also " + own);
+  }
+  return "";
+}
+
 }  // namespace
 
 std::string aboutPageName(SourceViews& views, const std::string& path, NameKind kind, const std::string& name) {
@@ -116,11 +139,15 @@ json hoverPage(SourceViews& views, const std::string& path, size_t offset) {
   if (const NameMention* name = view->nameAt(offset))
     if (const std::string text = aboutPageName(views, path, name->kind, name->name); !text.empty())
       return hoverJson(*view->text, name->begin, name->end, text);
-  const LooseNode* map = nullptr;
-  if (const LoosePair* pair = keyAt(view->top, offset, &map))
-    if (const std::string text = aboutKey(*view, *map, pair->key); !text.empty())
-      return hoverJson(*view->text, pair->begin, pair->end, text);
-  return nullptr;
+  const auto [pair, map, isValue] = pairAt(view->top, offset);
+  if (!pair) return nullptr;
+  if (isValue) {
+    const SourceObject* object = pair->key == "type" ? view->objectOf(*map) : nullptr;
+    const std::string text = object ? aboutKind(*object) : "";
+    return text.empty() ? json() : hoverJson(*view->text, pair->value.begin, pair->value.end, text);
+  }
+  const std::string text = aboutKey(*view, *map, pair->key);
+  return text.empty() ? json() : hoverJson(*view->text, pair->begin, pair->end, text);
 }
 
 json colorsOfPage(const PageView& view) {

@@ -251,8 +251,7 @@ LspServer::Place LspServer::placeOf(const json& params) {
 json LspServer::completion(const json& params) {
   const Place place = placeOf(params);
   if (!place.isSource()) return nullptr;
-  json inScript = completeScript(views, place.file.path, place.offset);
-  return inScript.is_null() ? completePage(views, place.file.path, place.offset) : inScript;
+  return completeAt(views, place.file.path, place.offset);
 }
 
 json LspServer::hover(const json& params) {

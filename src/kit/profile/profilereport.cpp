@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <map>
+#include <set>
+#include <utility>
 #include <vector>
 
 #include "kit/json.h"
@@ -15,25 +17,75 @@ std::string percent(uint64_t part, uint64_t whole) {
   return text;
 }
 
-// Function 0 is the host, which runs no instructions.
-std::vector<uint32_t> byOwnInstructions(const BobProfiler& profiler, const std::vector<BobProfiler::Total>& totals) {
-  std::vector<uint32_t> order;
-  for (uint32_t n = 1; n < profiler.functions().size(); ++n)
-    if (totals[n].own.instructions > 0) order.push_back(n);
-  std::stable_sort(order.begin(), order.end(),
-                   [&](uint32_t a, uint32_t b) { return totals[a].own.instructions > totals[b].own.instructions; });
-  return order;
-}
-
-// What a node did with all that it called, by node. Callers come before what they call.
-std::vector<uint64_t> wholeInstructions(const BobProfiler& profiler) {
-  const std::vector<BobProfileNode>& nodes = profiler.nodes();
-  std::vector<uint64_t> whole(nodes.size());
-  for (size_t n = nodes.size(); n-- > 0;) {
-    whole[n] += nodes[n].own.instructions;
-    if (n > 0) whole[nodes[n].caller] += whole[n];
+// A profile by names. Name 0 is the host's, and node 0 the root; callers come before what they call.
+struct NamedProfile {
+  NamedProfile(const BobProfiler& profiler, const ProfileName& nameOf) {
+    std::vector<uint32_t> numbers{0}, places{0};
+    std::vector<bool> continues{false};
+    std::map<std::string, uint32_t> known;
+    for (size_t n = 1; n < profiler.functions().size(); ++n) {
+      const ProfiledName named = nameOf(profiler.functions()[n]);
+      const auto [found, isNew] = known.try_emplace(named.name, uint32_t(names.size()));
+      if (isNew) names.push_back(named.name);
+      numbers.push_back(found->second);
+      continues.push_back(named.continuesLine);
+    }
+    std::map<std::pair<uint32_t, uint32_t>, uint32_t> children;
+    for (size_t n = 1; n < profiler.nodes().size(); ++n) {
+      BobProfileNode node = profiler.nodes()[n];
+      if (continues[node.function]) node.own.calls = 0;
+      node.caller = places[node.caller];
+      node.function = numbers[node.function];
+      const auto [found, isNew] = children.try_emplace({node.caller, node.function}, uint32_t(nodes.size()));
+      if (isNew)
+        nodes.push_back(node);
+      else
+        nodes[found->second].own += node.own;
+      places.push_back(found->second);
+    }
   }
-  return whole;
+
+  // What a node did with all that it called, by node.
+  std::vector<uint64_t> wholeInstructions() const {
+    std::vector<uint64_t> whole(nodes.size());
+    for (size_t n = nodes.size(); n-- > 0;) {
+      whole[n] += nodes[n].own.instructions;
+      if (n > 0) whole[nodes[n].caller] += whole[n];
+    }
+    return whole;
+  }
+
+  // The nodes' names from the one called by the host down to this one.
+  std::vector<uint32_t> stackOf(uint32_t node) const {
+    std::vector<uint32_t> stack;
+    for (; node != 0; node = nodes[node].caller) stack.push_back(nodes[node].function);
+    std::reverse(stack.begin(), stack.end());
+    return stack;
+  }
+
+  std::vector<std::string> names{1};
+  std::vector<BobProfileNode> nodes{1};
+};
+
+struct ProfileRow {
+  uint32_t name = 0;
+  BobProfileCounts own;
+  uint64_t whole = 0;  // instructions; a function that calls itself counts once
+};
+
+std::vector<ProfileRow> rowsByOwnInstructions(const NamedProfile& profile) {
+  std::vector<ProfileRow> rows(profile.names.size());
+  for (uint32_t node = 0; node < profile.nodes.size(); ++node) {
+    const BobProfileCounts& own = profile.nodes[node].own;
+    rows[profile.nodes[node].function].own += own;
+    const std::vector<uint32_t> stack = profile.stackOf(node);
+    for (const uint32_t name : std::set<uint32_t>(stack.begin(), stack.end())) rows[name].whole += own.instructions;
+  }
+  for (uint32_t name = 0; name < rows.size(); ++name) rows[name].name = name;
+  std::erase_if(rows, [](const ProfileRow& row) { return row.name == 0 || row.own.instructions == 0; });
+  std::stable_sort(rows.begin(), rows.end(),
+                   [](const ProfileRow& a, const ProfileRow& b) { return a.own.instructions > b.own.instructions; });
+  return rows;
 }
 
 std::string escapedXml(const std::string& text) {
@@ -61,9 +113,8 @@ std::string colorOf(const std::string& name) {
 
 class FlameGraph {
  public:
-  FlameGraph(const BobProfiler& p, const ProfileName& n) : profiler(p), nameOf(n), whole(wholeInstructions(p)) {
-    for (uint32_t node = 1; node < profiler.nodes().size(); ++node)
-      children[profiler.nodes()[node].caller].push_back(node);
+  explicit FlameGraph(const NamedProfile& p) : profile(p), whole(p.wholeInstructions()) {
+    for (uint32_t node = 1; node < profile.nodes.size(); ++node) children[profile.nodes[node].caller].push_back(node);
   }
 
   std::string draw(const std::string& title) {
@@ -104,7 +155,7 @@ class FlameGraph {
 
   std::string drawn(const Box& box, double height) const {
     constexpr double kLetter = 6.2, kPadding = 4;
-    const std::string name = nameOf(profiler.functions()[profiler.nodes()[box.node].function]);
+    const std::string& name = profile.names[profile.nodes[box.node].function];
     const double y = height - kMargin - kRow * double(box.depth);
     char head[256];
     std::string text = "<g><title>" + escapedXml(name) + ": " + std::to_string(whole[box.node]) + " instructions, " +
@@ -123,23 +174,14 @@ class FlameGraph {
     return text + "</g>\n";
   }
 
-  const BobProfiler& profiler;
-  const ProfileName& nameOf;
+  const NamedProfile& profile;
   const std::vector<uint64_t> whole;
   std::map<uint32_t, std::vector<uint32_t>> children;
   std::vector<Box> boxes;
   size_t deepest = 0;
 };
 
-// The nodes from the one called by the host down to this one.
-std::vector<uint32_t> stackOf(const BobProfiler& profiler, uint32_t node) {
-  std::vector<uint32_t> stack;
-  for (; node != 0; node = profiler.nodes()[node].caller) stack.push_back(profiler.nodes()[node].function);
-  std::reverse(stack.begin(), stack.end());
-  return stack;
-}
-
-void writeSamples(JsonWriter& json, const BobProfiler& profiler, const char* name, const char* unit,
+void writeSamples(JsonWriter& json, const NamedProfile& profile, const char* name, const char* unit,
                   uint64_t BobProfileCounts::*count) {
   json.beginObject();
   json.string("type", "sampled");
@@ -147,19 +189,19 @@ void writeSamples(JsonWriter& json, const BobProfiler& profiler, const char* nam
   json.string("unit", unit);
   json.number("startValue", 0);
   uint64_t all = 0;
-  for (const BobProfileNode& node : profiler.nodes()) all += node.own.*count;
+  for (const BobProfileNode& node : profile.nodes) all += node.own.*count;
   json.number("endValue", int64_t(all));
   json.beginArray("samples");
-  for (uint32_t node = 1; node < profiler.nodes().size(); ++node) {
-    if (profiler.nodes()[node].own.*count == 0) continue;
+  for (uint32_t node = 1; node < profile.nodes.size(); ++node) {
+    if (profile.nodes[node].own.*count == 0) continue;
     json.beginArray();
-    for (const uint32_t function : stackOf(profiler, node)) json.number({}, int64_t(function) - 1);
+    for (const uint32_t function : profile.stackOf(node)) json.number({}, int64_t(function) - 1);
     json.endArray();
   }
   json.endArray();
   json.beginArray("weights");
-  for (uint32_t node = 1; node < profiler.nodes().size(); ++node)
-    if (profiler.nodes()[node].own.*count > 0) json.number({}, int64_t(profiler.nodes()[node].own.*count));
+  for (uint32_t node = 1; node < profile.nodes.size(); ++node)
+    if (profile.nodes[node].own.*count > 0) json.number({}, int64_t(profile.nodes[node].own.*count));
   json.endArray();
   json.endObject();
 }
@@ -167,43 +209,43 @@ void writeSamples(JsonWriter& json, const BobProfiler& profiler, const char* nam
 }  // namespace
 
 std::string profileTable(const BobProfiler& profiler, const ProfileName& nameOf) {
-  const std::vector<BobProfiler::Total> totals = profiler.totals();
-  const uint64_t all = totals[0].whole.instructions;
+  const NamedProfile profile(profiler, nameOf);
+  const uint64_t all = profile.wholeInstructions().front();
   std::string text = "       own         %      whole         %     calls      bytes   gc  function\n";
-  for (const uint32_t n : byOwnInstructions(profiler, totals)) {
-    const auto& [own, whole] = totals[n];
+  for (const auto& [name, own, whole] : rowsByOwnInstructions(profile)) {
     char line[160];
     std::snprintf(line, sizeof line, "%10llu %9s %10llu %9s %9llu %10llu %4llu  ",
                   static_cast<unsigned long long>(own.instructions), percent(own.instructions, all).c_str(),
-                  static_cast<unsigned long long>(whole.instructions), percent(whole.instructions, all).c_str(),
+                  static_cast<unsigned long long>(whole), percent(whole, all).c_str(),
                   static_cast<unsigned long long>(own.calls), static_cast<unsigned long long>(own.bytes),
                   static_cast<unsigned long long>(own.collections));
-    text += line + nameOf(profiler.functions()[n]) + "\n";
+    text += line + profile.names[name] + "\n";
   }
   return text;
 }
 
 std::string profileFlameGraph(const BobProfiler& profiler, const ProfileName& nameOf, const std::string& title) {
-  return FlameGraph(profiler, nameOf).draw(title);
+  return FlameGraph(NamedProfile(profiler, nameOf)).draw(title);
 }
 
 std::string profileSpeedscope(const BobProfiler& profiler, const ProfileName& nameOf, const std::string& title) {
+  const NamedProfile profile(profiler, nameOf);
   JsonWriter json;
   json.beginObject();
   json.string("$schema", "https://www.speedscope.app/file-format-schema.json");
   json.string("name", title);
   json.beginObject("shared");
   json.beginArray("frames");
-  for (size_t n = 1; n < profiler.functions().size(); ++n) {
+  for (size_t n = 1; n < profile.names.size(); ++n) {
     json.beginObject();
-    json.string("name", nameOf(profiler.functions()[n]));
+    json.string("name", profile.names[n]);
     json.endObject();
   }
   json.endArray();
   json.endObject();
   json.beginArray("profiles");
-  writeSamples(json, profiler, "instructions", "none", &BobProfileCounts::instructions);
-  writeSamples(json, profiler, "bytes", "bytes", &BobProfileCounts::bytes);
+  writeSamples(json, profile, "instructions", "none", &BobProfileCounts::instructions);
+  writeSamples(json, profile, "bytes", "bytes", &BobProfileCounts::bytes);
   json.endArray();
   json.endObject();
   return json.text();

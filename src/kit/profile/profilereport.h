@@ -6,8 +6,13 @@
 
 #include "bob/bob.h"
 
-// How a function is called: its name, its place, or both.
-using ProfileName = std::function<std::string(const BobProfileFunction& function)>;
+// How a function is called: its name, its place, or both. Those of one name count as one, as the statements in one line
+// of a script do; what only continues such a line adds no call.
+struct ProfiledName {
+  std::string name;
+  bool continuesLine = false;
+};
+using ProfileName = std::function<ProfiledName(const BobProfileFunction& function)>;
 
 // A table of functions, those with the most instructions of their own first: calls, instructions of their own and with
 // all that they called, bytes allocated, collections.

@@ -31,19 +31,6 @@ std::string outputName(const std::string& source, const char* extension = nullpt
 
 std::vector<uint8_t> bytesOf(std::string_view text) { return {text.begin(), text.end()}; }
 
-ScriptFile compileScript(const std::string& path, bool strip) {
-  const std::vector<uint8_t> source = readFile(path);
-  try {
-    const std::string_view text(reinterpret_cast<const char*>(source.data()), source.size());
-    ScriptFile made{"", path, ""};
-    const ScriptOrigin origin{path, {}, made.lines};
-    made.bytes = ScriptCompiler().compileFile(text, strip ? BobCodeNames() : codeNamesByLine(path), &origin);
-    return made;
-  } catch (const ScriptError& e) {
-    throw KitError(path, e.line, e.what());
-  }
-}
-
 // The line table of the file that was added last. It costs the player nothing, so stripped code has one, too: then
 // nothing else says where an error is.
 void addLines(StepResult* result, const std::string& folder, const std::vector<BobCodeLines>& lines) {
@@ -207,7 +194,7 @@ class Planner {
     step.outputs.push_back(bobMapName(output));
     step.run = [path, output, strip = project.strip, outputs = project.pathOf(project.output)](const KitWarn&,
                                                                                                const ReadFile&) {
-      const ScriptFile made = compileScript(path, strip);
+      const ScriptFile made = compileScriptFile(path, strip ? BobCodeNames() : codeNamesByLine(path));
       StepResult result{{{output, bytesOf(made.bytes)}}, {path}, {}};
       addLines(&result, outputs, made.lines);
       return result;

@@ -7,6 +7,7 @@
 #include "kit/files.h"
 #include "kit/lines/bobmap.h"
 #include "kit/run/sourcelisting.h"
+#include "kit/source/scripts.h"
 
 namespace {
 
@@ -77,39 +78,24 @@ std::string errorPlaces(BobInterp* interp, int code, ScriptPlaces& places) {
   return text;
 }
 
-bool compileBobFile(BobRuntime& runtime, const std::string& source, const std::string& object,
-                    const BobCompileOptions& options) {
+void compileBobFile(const std::string& source, const std::string& object, const BobCompileOptions& options) {
   refuseClashes({object, options.lines ? bobMapName(object) : ""}, {source});
-  BobInterp* interp = runtime.interp;
-  const std::unique_ptr<BobStream> input = open(interp, source, "r");
-  BobTextStream output;
-  std::vector<BobCodeLines> lines;
-  if (options.lines)
-    bobSetCodeListener(interp, [&](BobInterp* i, BobValue code, const BobCodeNotes& notes) {
-      lines.push_back(bobCodeLinesOf(i, code, notes, source));
-    });
-  const bool compiled = bobTry(interp, [&] {
-    bobWriteHeader(&output);
-    BobStatementReader statements(bobRootScope(interp), input.get(), options.names);
-    while (const BobValue method = statements.next())
-      if (!bobWriteValue(interp, bobMethodCode(interp, method), &output)) bobRaise(interp, kBobWritingFile);
-  });
-  bobSetCodeListener(interp, {});
-  if (!compiled) return false;
+  ScriptFile compiled = compileScriptFile(source, options.names);
   OutputFiles files;
-  files.add(object, output.text.data(), output.text.size());
+  files.add(object, compiled.bytes.data(), compiled.bytes.size());
   if (options.lines) {
-    const std::string path = bobMapName(object), text = bobMapText(path, makeBobMap(output.text, std::move(lines)));
+    const std::string path = bobMapName(object);
+    const std::string text = bobMapText(path, makeBobMap(compiled.bytes, std::move(compiled.lines)));
     refuseForeign(path, isBobMap, "move what is there");
     files.add(path, text.data(), text.size());
   }
   files.finish();
-  return true;
 }
 
 BobCodeNames codeNamesByLine(const std::string& path) {
-  return
-      [name = std::filesystem::path(path).filename().string()](int line) { return name + ":" + std::to_string(line); };
+  return [name = std::filesystem::path(path).filename().string()](const BobSourcePlace& begin) {
+    return name + ":" + std::to_string(begin.line);
+  };
 }
 
 bool listBobFile(BobRuntime& runtime, const std::string& path, const KitWarn& warn) {

@@ -1,7 +1,7 @@
 // The language without a page: running, compiling and listing files.
 //
 // What a program writes goes to the streams of the runtime, errors of the language included; false means that such an
-// error has been reported there. A file that can't be opened is a KitError.
+// error has been reported there. A file that can't be opened, or compiled, is a KitError.
 #pragma once
 
 #include <string>
@@ -23,8 +23,7 @@ struct BobCompileOptions {
   bool lines = false;  // writes a line table beside the object file
 };
 // After an error there is no object file, or the one that was there before.
-bool compileBobFile(BobRuntime& runtime, const std::string& source, const std::string& object,
-                    const BobCompileOptions& options = {});
+void compileBobFile(const std::string& source, const std::string& object, const BobCompileOptions& options = {});
 
 // Calls code FILE:LINE, without folders, so that the bytes don't depend on where a file lies.
 BobCodeNames codeNamesByLine(const std::string& path);

@@ -6,13 +6,16 @@
 
 namespace fs = std::filesystem;
 
-PageRun::PageRun(const PageRunOptions& options)
-    : lines(options.lines), files(options.files), desktop(options.limitSeconds) {
+PageRun::PageRun(const PageRunOptions& options) : lines(options.lines), desktop(options.limitSeconds) {
   desktop.shell.engine.scriptsMayWriteFiles = !options.readOnly;
   desktop.start();
   desktop.watchScripts(lines ? &places : nullptr);
   desktop.settle();
-  if (!files) return;
+  if (options.files) use(*options.files);
+}
+
+void PageRun::use(MadeFiles& f) {
+  files = &f;
   desktop.makeFile = [this](const fs::path& path) -> const std::string* {
     const MadeFile* file = files->find(path);
     if (!file) return nullptr;

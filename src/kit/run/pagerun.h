@@ -27,13 +27,16 @@ struct PageRunOptions {
   bool readOnly = false;       // every script's attempt to write a file fails
   double limitSeconds = 0;     // of processor time, for the load, a key, an evaluation or one millisecond of a wait;
                                // 0 for no limit. What takes longer is ended, and so is the run.
-  MadeFiles* files = nullptr;  // what makes the page and the files that it names; must outlive the run
+  MadeFiles* files = nullptr;  // as for PageRun::use
 };
 
 class PageRun {
  public:
   explicit PageRun(const PageRunOptions& options);
   ~PageRun();
+
+  // What makes the page and the files that it names; to be called before load(). It must outlive the run.
+  void use(MadeFiles& files);
 
   // Loads the page, or compiles the page source (.yaml or .yml) and loads that, and draws it; false when it can't be
   // loaded, which the log explains. Throws KitError for a source with errors.
@@ -89,7 +92,7 @@ class PageRun {
 
   ScriptPlaces places;
   const bool lines;
-  MadeFiles* const files;
+  MadeFiles* files = nullptr;
   std::unique_ptr<EngineObserver> observer;
   RunDesktop desktop;
   std::vector<std::string> sources;

@@ -29,26 +29,26 @@ PreparedPages::Prepared PreparedPages::make(const std::string& page) {
   return {page, std::make_shared<BuiltPage>(compilePage(page, warn, options)), {}};
 }
 
-// What the project around the source makes of it; empty if that has no such page. All of the project is built, since
-// scripts open other pages; what is wrong with those is said, and no more.
+// What the project around the source makes of it; empty if that has no such page. Then all of the project is built,
+// since scripts open other pages; what is wrong with those is said, and no more.
 std::string PreparedPages::builtByProject(const std::string& source) {
   const std::string file = findProject(fs::path(source).parent_path().string());
   if (file.empty()) return {};
   const Project project = readProject(file);
   BuildOptions options;
-  options.page = pageOfProject(project, source);
-  if (options.page.empty()) return {};
-  BuildOptions whole;
-  whole.warn = warn;
+  const std::string name = options.page = pageOfProject(project, source);
+  if (name.empty()) return {};
+  options.warn = warn;
+  buildProject(project, options);
+  options.page.clear();
   if (projects.insert(file).second) try {
-      buildProject(project, whole);
+      buildProject(project, options);
     } catch (const KitError& e) {
       for (const KitMessage& message : e.messages)
         if (warn) warn(message);
     }
-  buildProject(project, options);
   for (const BuildStep& step : planProject(project).steps)
-    if (step.name == pageStepName(options.page)) return outputPath(project, step.outputs.front());
+    if (step.name == pageStepName(name)) return outputPath(project, step.outputs.front());
   return {};
 }
 

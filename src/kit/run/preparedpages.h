@@ -21,6 +21,10 @@ class PreparedPages {
   // On one thread, before anything runs. What is wrong with the page is kept for those that open it.
   void prepare(const std::string& page);
 
+  // What the player loads for a page that was prepared: the page itself, or what its project makes of the source. A
+  // source without a project is its own name.
+  const std::string& pathOf(const std::string& page) const { return pages.at(page).path; }
+
   // Opens a page that was prepared. False when the player doesn't load it; KitError when it can't be built.
   bool open(PageRun& run, const std::string& page) const;
 

@@ -135,7 +135,9 @@ class SourceReader {
       expectNoTag(*root);
       page.root = node(*root, ObjectKind::root, 1);
     });
-    if (!errors.empty()) throw KitError(inOrder(std::move(errors), file));
+    errors = inOrder(std::move(errors), file);
+    if (!errors.empty() && !options.errors) throw KitError(errors);
+    if (options.errors) *options.errors = std::move(errors);
     if (!warn) return;
     for (const KitMessage& warning : inOrder(names.warnings(), file)) warn(warning);
   }
@@ -427,33 +429,28 @@ class SourceReader {
     PageValue result;
     result.tag = PageTag::script;
     const std::string source = value.isNull() ? "" : scalarText(value, "a script");
+    const BobLineOfPlace lineOf = lineOfPlace(value);
     try {
-      const ScriptOrigin origin{*value.place.file, lineOfPlace(value), page.lines};
-      result.bytes = compiler().compile(source, codeNames(pair), options.lines ? &origin : nullptr);
+      const ScriptOrigin origin{*value.place.file, lineOf, page.lines};
+      result.bytes = compiler().compile(source, codeNames(pair, lineOf), options.lines ? &origin : nullptr);
       for (const BobTextCall& call : compiler().pagesLoaded(source)) {
         YamlPlace place = value.place;
-        place.line = lineInSource(value, call.line);
+        place.line = lineOf({call.line, 1});
         page.loadedPages.push_back({call.text, place, whatIsRead()});
       }
     } catch (const ScriptError& e) {
       YamlPlace place = value.place;
-      place.line = lineInSource(value, e.line);
+      place.line = lineOf(e.place);
       fail(place, e.what());
     }
     return result;
   }
 
   // FILE:LINE WIDGET.HOOK
-  BobCodeNames codeNames(const YamlPair& pair) const {
+  BobCodeNames codeNames(const YamlPair& pair, const BobLineOfPlace& lineOf) const {
     if (options.strip) return nullptr;
-    const YamlNode& value = pair.value;
-    return [&value, name = fs::path(*value.place.file).filename().string(), hook = object.label + "." + pair.key](
-               int line) { return name + ":" + std::to_string(lineInSource(value, line)) + " " + hook; };
-  }
-
-  // Only after a bar do the lines of a script lie in the source as they are.
-  static int lineInSource(const YamlNode& script, int line) {
-    return script.style == YamlNode::Style::block ? script.textLine + line - 1 : script.textLine;
+    return [&lineOf, name = fs::path(*pair.value.place.file).filename().string(), hook = object.label + "." + pair.key](
+               const BobSourcePlace& begin) { return name + ":" + std::to_string(lineOf(begin)) + " " + hook; };
   }
 
   // The compiler's places are those in the script's text.
@@ -509,7 +506,7 @@ class SourceReader {
       for (const BobTextCall& call : compiler().pagesLoaded(text))
         page.loadedPages.push_back({call.text, {script, call.line, 1, nullptr}, ""});
     } catch (const ScriptError& e) {
-      errors.push_back({path, e.line, e.what()});
+      errors.push_back({path, e.place.line, e.what()});
     }
     return name + "o";
   }

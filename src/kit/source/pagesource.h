@@ -18,9 +18,12 @@ struct PageSourceOptions {
   bool lines = false;
   // For texts that are being edited.
   ReadFile read = readFile;
+  // Where what is wrong goes; the tree then lacks what can't be read. Without it, that is thrown.
+  std::vector<KitMessage>* errors = nullptr;
 };
 
-// Reads the source at `path` and compiles its scripts. Throws BuildError.
+// Reads the source at `path` and compiles its scripts. Throws BuildError; in spite of PageSourceOptions::errors for a
+// source that can't be read as a whole, such as one that is no YAML.
 PageTree readPageSource(const std::string& path, const KitWarn& warn = {}, const PageSourceOptions& options = {});
 
 // A source as the page's reader sees it: without constants, templates and the like.

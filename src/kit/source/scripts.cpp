@@ -2,6 +2,9 @@
 
 #include <utility>
 
+#include "kit/errors.h"
+#include "kit/files.h"
+
 ScriptCompiler::ScriptCompiler() {
   bobSetStderr(runtime.interp, &errors);
   bobSetErrorHandler(runtime.interp, keepError);
@@ -11,7 +14,7 @@ ScriptCompiler::ScriptCompiler() {
 void ScriptCompiler::keepError(BobInterp* interp, int code, const BobErrorArgument& argument) {
   auto* errors = static_cast<ErrorStream*>(bobStderr(interp));
   errors->text.clear();
-  errors->line = bobCurrentLine(interp);
+  errors->place = bobCurrentPlace(interp);
   bobPrintError(interp, code, argument);
 }
 
@@ -34,7 +37,7 @@ std::string ScriptCompiler::compile(std::string_view source, const BobCodeNames&
   std::string message = errors.text.substr(0, errors.text.find('\n'));
   constexpr std::string_view kPrefix = "Error: ";
   if (message.starts_with(kPrefix)) message.erase(0, kPrefix.size());
-  throw ScriptError(errors.line, message);
+  throw ScriptError(errors.place, message);
 }
 
 std::string ScriptCompiler::compileFile(std::string_view source, const BobCodeNames& names,
@@ -46,6 +49,19 @@ std::string ScriptCompiler::compileFile(std::string_view source, const BobCodeNa
 
 std::vector<BobTextCall> ScriptCompiler::pagesLoaded(std::string_view source) {
   return bobTextCalls(runtime.interp, source, "LoadPage");
+}
+
+ScriptFile compileScriptFile(const std::string& path, const BobCodeNames& names) {
+  const std::vector<uint8_t> source = readFile(path);
+  try {
+    const std::string_view text(reinterpret_cast<const char*>(source.data()), source.size());
+    ScriptFile made{"", path, ""};
+    const ScriptOrigin origin{path, {}, made.lines};
+    made.bytes = ScriptCompiler().compileFile(text, names, &origin);
+    return made;
+  } catch (const ScriptError& e) {
+    throw KitError(path, e.place.line, e.what());
+  }
 }
 
 std::string listScript(std::string_view records) {

@@ -10,11 +10,12 @@
 #include "bob/tools/textcalls.h"
 #include "kit/lines/codeplaces.h"
 #include "kit/run/bobruntime.h"
+#include "kit/source/pagetree.h"
 
-// An error in a script; `line` counts from 1 inside the script.
+// An error in a script, at a place inside the script.
 struct ScriptError : std::runtime_error {
-  ScriptError(int l, const std::string& message) : std::runtime_error(message), line(l) {}
-  int line;
+  ScriptError(const BobSourcePlace& p, const std::string& message) : std::runtime_error(message), place(p) {}
+  BobSourcePlace place;
 };
 
 // Where a script comes from, and who wants to know the lines of its code.
@@ -37,15 +38,18 @@ class ScriptCompiler {
   std::vector<BobTextCall> pagesLoaded(std::string_view source);
 
  private:
-  // Keeps the first error's message and line.
+  // Keeps the first error's message and place.
   struct ErrorStream : BobTextStream {
-    int line = 0;
+    BobSourcePlace place;
   };
   static void keepError(BobInterp* interp, int code, const BobErrorArgument& argument);
 
   BobRuntime runtime;
   ErrorStream errors;
 };
+
+// An object file of a source file, with its lines and without a name of its own. Throws KitError.
+ScriptFile compileScriptFile(const std::string& path, const BobCodeNames& names);
 
 // The instructions of compiled records, as far as they are sound.
 std::string listScript(std::string_view records);

@@ -18,13 +18,13 @@ size_t ranOf(const Lines& lines) {
 
 std::string share(size_t ran, size_t all) { return std::to_string(ran) + " of " + std::to_string(all) + " lines"; }
 
-// Lines with code that didn't run, those that follow each other together: "12, 30 to 32".
+// Lines with code that didn't run, those that follow each other without a gap together: "12, 30 to 32".
 std::string missed(const Lines& lines) {
   std::string text;
   for (auto at = lines.begin(); at != lines.end(); ++at) {
     if (at->second > 0) continue;
     const int first = at->first;
-    while (std::next(at) != lines.end() && std::next(at)->second == 0) ++at;
+    while (std::next(at) != lines.end() && std::next(at)->second == 0 && std::next(at)->first == at->first + 1) ++at;
     text += (text.empty() ? "" : ", ") + std::to_string(first);
     if (at->first != first) text += " to " + std::to_string(at->first);
   }

@@ -81,9 +81,10 @@ class HtmlReport {
     html += "<details open" + head + "<summary>" + title + "</summary>\n<div class=\"inside\">\n";
     for (const KitMessage& message : result.messages)
       html += "<p class=\"message\">" + markupText(message.whole()) + "</p>\n";
-    for (const ComparedPicture& picture : result.pictures) add(picture);
-    if (!result.film.empty())
-      html += "<h3>Film</h3>\n<div class=\"pictures\">" + figure("the test", result.film) + "</div>\n";
+    std::string large;
+    for (const ComparedPicture& picture : result.pictures) large += add(picture);
+    large += figure("film of the test", result.film);
+    if (!large.empty()) html += "<div class=\"pictures large\">" + large + "</div>\n";
     addSteps(result.steps);
     if (!result.log.empty()) html += "<h3>Log</h3>\n<pre>" + markupText(result.log) + "</pre>\n";
     html += "</div></details>\n";
@@ -106,17 +107,20 @@ class HtmlReport {
     return png.empty() ? "" : figureOf(caption, kept(png));
   }
 
-  void add(const ComparedPicture& picture) {
+  // Returns the slider between the two pictures, if there are two.
+  std::string add(const ComparedPicture& picture) {
     html += "<h3>" + markupText(picture.name) + "</h3>\n<div class=\"pictures\">";
     if (picture.expected.empty()) {
       html += figure("actual; there is no expected one", picture.actual) + "</div>\n";
-      return;
+      return {};
     }
     const std::string expected = kept(picture.expected), actual = kept(picture.actual);
     html += figureOf("expected", expected) + figureOf("actual", actual) + figure("difference", picture.difference) +
-            "</div>\n<div class=\"slider\"><img src=\"" + actual + "\" alt=\"actual\"><img class=\"over\" src=\"" +
-            expected + "\" alt=\"expected\"><input type=\"range\" min=\"0\" max=\"100\" value=\"50\" " +
-            "aria-label=\"expected on the left, actual on the right\"></div>\n";
+            "</div>\n";
+    return "<figure><div class=\"slider\"><img src=\"" + actual + "\" alt=\"actual\"><img class=\"over\" src=\"" +
+           expected + "\" alt=\"expected\"><input type=\"range\" min=\"0\" max=\"100\" value=\"50\" " +
+           "aria-label=\"how much of the expected picture shows\"></div>" +
+           "<figcaption>expected on the left of the line, actual on the right</figcaption></figure>";
   }
 
   void addSteps(const std::vector<std::string>& steps) {

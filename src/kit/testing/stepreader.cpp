@@ -152,6 +152,7 @@ class StepReader {
     readOptions(node, own, {});
     LogStep step;
     if (own.value.isMap()) {
+      if (own.value.map.empty()) in.fail(own.value.place, "log has contains or lacks, or is none or a list of lines");
       in.readMap(own.value, "log",
                  {{"contains", [&](const YamlPair& p) { step.contains = in.texts(p.value, "a text"); }},
                   {"lacks", [&](const YamlPair& p) { step.lacks = in.texts(p.value, "a text"); }}});
@@ -193,6 +194,8 @@ class StepReader {
     in.readMap(own.value, "memory",
                {{"heap", [&](const YamlPair& p) { step.heap = in.number(p.value, 0, kMostBytes); }},
                 {"cache", [&](const YamlPair& p) { step.cache = in.number(p.value, 0, kMostBytes); }}});
+    if (own.value.isMap() && own.value.map.empty())
+      in.fail(own.value.place, "memory has heap or cache: how many bytes there are at most");
     return step;
   }
 

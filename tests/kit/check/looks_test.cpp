@@ -24,10 +24,13 @@ TEST_F(CheckTest, WhatTheFocusMakesDisappear) {
 }
 
 TEST_F(CheckTest, WidgetsOutsideTheScreen) {
-  EXPECT_EQ(checkChildren("    - {name: a, x: 719, y: 479, width: 2, height: 2}\n"
+  EXPECT_EQ(checkChildren("    - {name: a, x: 718, y: 478, width: 2, height: 2}\n"
                           "    - {x: 720, width: 2, height: 2}\n"
-                          "    - {y: 480, width: 2, height: 2}\n"),
-            (Found{"8 outside-screen", "9 outside-screen"}));
+                          "    - {y: 480, width: 2, height: 2}\n"
+                          "    - {x: 719, width: 2, height: 2}\n"
+                          "    - {y: 479, width: 2, height: 2}\n"
+                          "    - {type: group, x: 719, width: 2, height: 2}\n"),
+            (Found{"8 outside-screen", "9 outside-screen", "10 outside-screen", "11 outside-screen"}));
 }
 
 TEST_F(CheckTest, BarsThatDontShowTheirRange) {

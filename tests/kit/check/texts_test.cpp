@@ -94,7 +94,10 @@ TEST_F(CheckedTextsTest, TextThatFadesIntoItsGround) {
 
 TEST_F(CheckedTextsTest, TextsThatTelevisionsCutOff) {
   EXPECT_EQ(checkTexts("    - {type: text, x: 72, y: 48, textStyle: s, value: ab}\n"
-                       "    - {type: text, x: 0, width: 720, y: 421, textStyle: s, align: center, value: ab}\n"),
+                       "    - {type: text, x: 0, width: 720, y: 421, textStyle: s, align: center, value: ab}\n"
+                       // A list scrolls to its last lines.
+                       "    - {type: textContainer, x: 72, y: 48, width: 99, height: 99, layout: column, children: "
+                       "[{repeat: 50, content: ab, style: s}]}\n"),
             Found{});
   for (const char* place : {"x: 71, y: 48", "x: 72, y: 47", "x: 633, y: 48", "x: 72, y: 423"})
     EXPECT_EQ(checkTexts(std::string("    - {type: text, ") + place + ", textStyle: s, value: ab}\n"),

@@ -37,7 +37,7 @@ class Compiler {
       constexpr std::string_view kPrefix = "Syntax error - ";
       if (text.starts_with(kPrefix)) text.erase(0, kPrefix.size());
       const bool space = text == "Too much code" || text == "too many literals" || text == "Insufficient memory";
-      return {false, text, e.line, space};
+      return {false, text, e.place.line, space};
     }
   }
 

@@ -177,6 +177,7 @@ TEST_F(LinesTest, ATableIsReadAsItWasWritten) {
   code.hash = 0xFEDCBA9876543210;
   code.file = "a b/50%\nx.yaml";
   code.starts = {{0, 3}, {7, 1}, {65535, 1 << 30}};
+  code.continuesLine = true;
   code.arguments = {"this", "_next", "a"};
   code.blocks = {{5, 20, {"i", "n"}}, {6, 6, {}}};
   BobCodeLines other;
@@ -202,8 +203,8 @@ TEST_F(LinesTest, ATableIsReadAsItWasWritten) {
       {"65535", "65536"},       {"block 5 20", "block 20 5"},
       {"block 5", "block -5"},  {"\narguments", "\n\narguments"},
       {"end\n", "end\nend\n"},  {"arguments", "names"},
-      {"3210 0\n", "3210 1\n"}, {"fedc", "gedc"},
-      {"lines 0:1\n", ""},
+      {"3210 0 ", "3210 1 "},   {"fedc", "gedc"},
+      {"lines 0:1\n", ""},      {" continues", " continue"},
   };
   for (const auto& [from, to] : changes) {
     const size_t at = text.find(from);

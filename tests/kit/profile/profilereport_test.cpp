@@ -32,7 +32,7 @@ class ProfileReportTest : public PageTest {
   }
 
   BobProfiler profiler;
-  const ProfileName nameOf = [](const BobProfileFunction& function) { return function.name; };
+  const ProfileName nameOf = [](const BobProfileFunction& function) { return ProfiledName{function.name}; };
 };
 
 TEST_F(ProfileReportTest, TheTableHasTheDearestFunctionFirst) {
