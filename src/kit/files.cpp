@@ -1,21 +1,20 @@
 #include "kit/files.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <charconv>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <optional>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "kit/errors.h"
+#include "platform/openfile.h"
 
 namespace fs = std::filesystem;
 
@@ -23,9 +22,10 @@ namespace {
 
 constexpr int kMaxLinks = 40;
 
-[[noreturn]] void failWriting(const std::string& path, int error) {
-  throw KitError(isStandardOutput(path) ? "standard output" : path,
-                 std::string("can't be written: ") + std::strerror(error));
+std::error_code lastError() { return {errno, std::generic_category()}; }
+
+[[noreturn]] void failWriting(const std::string& path, std::error_code error = lastError()) {
+  throw KitError(isStandardOutput(path) ? "standard output" : path, "can't be written: " + error.message());
 }
 
 // An open file of this process; closed at the latest with the object.
@@ -56,6 +56,11 @@ class Descriptor {
   int descriptor;
 };
 
+void drop(const fs::path& file) {
+  std::error_code ignored;
+  fs::remove(file, ignored);
+}
+
 // The open file that a name means. To open /dev/stdout anew would begin a file again that a shell has redirected
 // the output to.
 std::optional<int> openFileNamed(std::string_view path) {
@@ -74,8 +79,8 @@ std::optional<int> openFileNamed(std::string_view path) {
 void writeInto(const std::string& path, const std::string& bytes) {
   const std::optional<int> open = openFileNamed(path);
   std::fflush(stdout);
-  Descriptor file(open ? dup(*open) : ::open(path.c_str(), O_WRONLY | O_CLOEXEC));
-  if (!file.isOpen() || !file.write(bytes.data(), bytes.size()) || !file.close()) failWriting(path, errno);
+  Descriptor file(open ? dup(*open) : openDescriptor(path, O_WRONLY));
+  if (!file.isOpen() || !file.write(bytes.data(), bytes.size()) || !file.close()) failWriting(path);
 }
 
 // Where the bytes are to end up: the end of a chain of links, which need not be there yet.
@@ -86,30 +91,48 @@ fs::path followLinks(const std::string& path) {
   return at;
 }
 
-// Writes a new file in the folder of `target`, with the permissions of the one that is to go.
-std::string writeBeside(const std::string& path, const fs::path& target, const struct stat* before, const void* bytes,
-                        size_t size) {
+#ifdef _WIN32
+
+// False with errno set.
+bool mayWriteOver(const fs::path& file) { return _waccess(file.c_str(), W_OK) == 0; }
+
+// The folder gives a new file its permissions.
+bool takeOverPermissions(const Descriptor&, const fs::path&) { return true; }
+
+#else
+
+// False with errno set. A rename asks the folder alone.
+bool mayWriteOver(const fs::path& file) { return faccessat(AT_FDCWD, file.c_str(), W_OK, AT_EACCESS) == 0; }
+
+// False with errno set. Only the superuser can give a file away; for anybody else it is now theirs.
+bool takeOverPermissions(const Descriptor& file, const fs::path& old) {
+  struct stat before;
+  if (stat(old.c_str(), &before) != 0) return false;
+  if (fchown(file.number(), before.st_uid, before.st_gid) != 0) errno = 0;
+  return fchmod(file.number(), before.st_mode & 07777) == 0;
+}
+
+#endif
+
+// Writes a new file in the folder of `target`, with the permissions of the one that is to go, if there is one.
+std::string writeBeside(const std::string& path, const fs::path& target, bool exists, const void* bytes, size_t size) {
   // Short, since the name of the target may be as long as names can be.
-  std::string name;
+  fs::path name;
   int number = 0;
   const auto create = [&] {
     name = target.parent_path() / (".kpg-" + std::to_string(getpid()) + "-" + std::to_string(number++) + ".part");
-    return open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    return openDescriptor(name, O_WRONLY | O_CREAT | O_EXCL);
   };
   int created = create();
   while (created < 0 && errno == EEXIST) created = create();
   Descriptor file(created);
-  if (!file.isOpen()) failWriting(path, errno);
-  bool good = file.write(static_cast<const char*>(bytes), size);
-  if (good && before) {
-    // Only the superuser can give a file away; for anybody else it is now theirs.
-    if (fchown(file.number(), before->st_uid, before->st_gid) != 0) errno = 0;
-    good = fchmod(file.number(), before->st_mode & 07777) == 0;
-  }
-  good = good && file.close();
-  if (good) return name;
-  const int error = errno;
-  unlink(name.c_str());
+  if (!file.isOpen()) failWriting(path);
+  const bool good = file.write(static_cast<const char*>(bytes), size) &&
+                    (!exists || takeOverPermissions(file, target)) && file.close();
+  if (good) return name.string();
+  const std::error_code error = lastError();
+  file.close();
+  drop(name);
   failWriting(path, error);
 }
 
@@ -134,8 +157,8 @@ bool isSameOutput(const std::string& a, const std::string& b) {
 std::vector<uint8_t> readFile(const std::string& path) {
   std::error_code error;
   if (fs::is_directory(path, error)) throw KitError(path, "is a folder; name a file in it");
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw KitError(path, std::strerror(errno));
+  std::ifstream in(fs::path(path), std::ios::binary);
+  if (!in) throw KitError(path, lastError().message());
   std::vector<uint8_t> bytes;
   for (constexpr size_t kBlock = 64 << 10; in;) {
     const size_t before = bytes.size();
@@ -156,21 +179,22 @@ void writeFile(const std::string& path, const void* bytes, size_t size) {
 }
 
 OutputFiles::~OutputFiles() {
-  for (const Beside& file : beside) unlink(file.written.c_str());
+  for (const Beside& file : beside) drop(file.written);
 }
 
 void OutputFiles::add(const std::string& path, const void* bytes, size_t size) {
-  struct stat before;
-  const bool exists = stat(path.c_str(), &before) == 0;
-  if (exists && S_ISDIR(before.st_mode) && !openFileNamed(path)) failWriting(path, EISDIR);
-  if (openFileNamed(path) || (exists && !S_ISREG(before.st_mode))) {
+  std::error_code error;
+  const fs::file_status before = fs::status(path, error);
+  const bool exists = fs::exists(before);
+  if (fs::is_directory(before) && !openFileNamed(path))
+    failWriting(path, std::make_error_code(std::errc::is_a_directory));
+  if (openFileNamed(path) || (exists && !fs::is_regular_file(before))) {
     into.push_back({path, std::string(static_cast<const char*>(bytes), size)});
     return;
   }
-  // A rename asks the folder alone.
-  if (exists && faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) failWriting(path, errno);
+  if (exists && !mayWriteOver(path)) failWriting(path);
   const fs::path target = followLinks(path);
-  beside.push_back({path, writeBeside(path, target, exists ? &before : nullptr, bytes, size), target.string()});
+  beside.push_back({path, writeBeside(path, target, exists, bytes, size), target.string()});
 }
 
 // What is written into comes first: it can fail where a rename can't.
@@ -178,8 +202,9 @@ void OutputFiles::finish() {
   for (const Into& file : into) writeInto(file.path, file.bytes);
   into.clear();
   while (!beside.empty()) {
-    if (std::rename(beside.front().written.c_str(), beside.front().target.c_str()) != 0)
-      failWriting(beside.front().path, errno);
+    std::error_code error;
+    fs::rename(beside.front().written, beside.front().target, error);
+    if (error) failWriting(beside.front().path, error);
     beside.erase(beside.begin());
   }
 }

@@ -142,6 +142,7 @@ CommandLine::CommandLine(const char* name, const char* version, const char* abou
     : app(std::make_unique<CLI::App>(about, name)) {
   app->set_version_flag("--version", std::string(name) + " " + version, "Print the version and exit");
   app->require_subcommand(1);
+  app->allow_windows_style_options(false);  // a word that begins with a slash is a file everywhere
 }
 
 CommandLine::~CommandLine() = default;
@@ -171,29 +172,29 @@ std::vector<CommandSummary> CommandLine::summaries() const {
   return all;
 }
 
-int CommandLine::run(int argc, char** argv) {
+int CommandLine::run(const std::vector<std::string>& words) {
   const std::vector<CommandSummary> commands = summaries();
   const std::string program = app->get_name(), ending = program + " --help lists the commands\n";
-  if (argc < 2) {
+  if (words.empty()) {
     std::cerr << program << ": a command is missing\n" << ending;
     return 1;
   }
-  const auto isFirstWord = [&](const CommandSummary& command) { return command.name == argv[1]; };
+  const auto isFirstWord = [&](const CommandSummary& command) { return command.name == words[0]; };
   const auto command = std::find_if(commands.begin(), commands.end(), isFirstWord);
-  if (argv[1][0] != '-' && command == commands.end()) {
-    std::cerr << program << ": there is no command '" << argv[1] << "'" << suggestion(argv[1], namesOf(commands))
+  if (words[0][0] != '-' && command == commands.end()) {
+    std::cerr << program << ": there is no command '" << words[0] << "'" << suggestion(words[0], namesOf(commands))
               << "\n"
               << ending;
     return 1;
   }
   const int failed = command == commands.end() ? 1 : errorStatuses.at(command->name);
   try {
-    app->parse(argc, argv);
+    app->parse(std::vector<std::string>(words.rbegin(), words.rend()));  // it takes them from the end
   } catch (const CLI::ParseError& e) {
     if (e.get_exit_code() == 0) return app->exit(e);  // it has printed what was asked for
     if (command == commands.end()) {
-      std::cerr << program << ": there is no option '" << argv[1] << "'" << suggestion(argv[1], {"--help", "--version"})
-                << "\n"
+      std::cerr << program << ": there is no option '" << words[0] << "'"
+                << suggestion(words[0], {"--help", "--version"}) << "\n"
                 << ending;
       return 1;
     }

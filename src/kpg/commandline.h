@@ -89,9 +89,9 @@ class CommandLine {
   KpgCommand command(const char* name, const char* about, int errorStatus = 1);
   std::vector<CommandSummary> summaries() const;
 
-  // Parses, runs the command and prints what went wrong; returns the exit status: 0, that of errors, or a
-  // CommandFailure's.
-  int run(int argc, char** argv);
+  // Parses what follows the program's name, runs the command and prints what went wrong; returns the exit status: 0,
+  // that of errors, or a CommandFailure's.
+  int run(const std::vector<std::string>& words);
 
  private:
   std::unique_ptr<CLI::App> app;

@@ -1,10 +1,6 @@
 // kpg: makes pages and pictures of them.
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -14,6 +10,7 @@
 #include "gfx/foundation/hsdebug.h"
 #include "kit/version.h"
 #include "kpg/commands.h"
+#include "kpg/process.h"
 
 namespace {
 
@@ -65,12 +62,6 @@ void addCommands(CommandLine& line, std::string_view called) {
   for (const Command& each : kCommands) each.add(line);
 }
 
-// A file must not get the number of a stream that the caller has closed. Writing there fails, as it should.
-void openStandardStreams() {
-  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-    if (fcntl(stream, F_GETFD) < 0) open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
-}
-
 // The exit status: what was printed has not got there before it has been flushed.
 int finishStandardOutput(int status) {
   errno = 0;
@@ -83,14 +74,14 @@ int finishStandardOutput(int status) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  openStandardStreams();
-  std::signal(SIGPIPE, SIG_IGN);  // what is to be saved is saved, whether or not somebody reads what is printed
+  prepareStandardStreams();
   // A command must not hang. The report has been printed, but perhaps aside.
   hsSetHaltProc([] {
     if (*hsReportText()) std::fprintf(stderr, "%s\n", hsReportText());
     std::_Exit(2);
   });
   CommandLine line("kpg", kitVersion(), "Makes pages for the player's on-screen interface, and pictures of them.");
-  addCommands(line, argc > 1 ? argv[1] : "");
-  return finishStandardOutput(line.run(argc, argv));
+  const std::vector<std::string> words = programArguments(argc, argv);
+  addCommands(line, words.empty() ? "" : words[0]);
+  return finishStandardOutput(line.run(words));
 }

@@ -1,21 +1,16 @@
 #include "kpg/progressbar.h"
 
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
+#include "kpg/process.h"
+
 namespace {
 
-constexpr size_t kBarWidth = 24, kMostColumns = 79;
-
-size_t columns() {
-  winsize size{};
-  if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kMostColumns;
-  return size.ws_col - 1u;
-}
+constexpr size_t kBarWidth = 24, kUsualColumns = 80;
 
 }  // namespace
 
@@ -26,7 +21,7 @@ void ProgressBar::show(size_t done, size_t all, const std::string& what) {
   const size_t filled = kBarWidth * done / all;
   std::string line = "[" + std::string(filled, '#') + std::string(kBarWidth - filled, ' ') + "] " +
                      std::to_string(done) + "/" + std::to_string(all) + " " + what;
-  line.resize(std::min(line.size(), columns()));
+  line.resize(std::min(line.size(), terminalColumns(kUsualColumns) - 1));
   if (colored && line.size() > kBarWidth)
     line = "\x1b[32m" + line.substr(0, kBarWidth + 2) + "\x1b[0m" + line.substr(kBarWidth + 2);
   std::fprintf(stderr, "\r\x1b[K%s", line.c_str());

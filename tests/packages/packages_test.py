@@ -1,11 +1,13 @@
-"""Looks at the Debian packages as somebody does who installs them: packages_test.py FOLDER
+"""Looks at packages as somebody does who installs them: packages_test.py FOLDER
 
-They are unpacked beside each other; the programs run from there, are hardened, and lintian has nothing to say.
+The Debian packages are unpacked beside each other; the programs run from there, are hardened, and lintian has nothing to
+say. The zip's kpg runs under Wine. Both show the demo, and as the same pixels.
 """
 import pathlib
 import subprocess
 import sys
 import tempfile
+import zipfile
 
 faults = []
 
@@ -42,14 +44,39 @@ def check_programs(root):
     expect(shot.returncode == 0, f'the demo: {shot.stdout}')
 
 
-def main():
-    packages = sorted(pathlib.Path(sys.argv[1]).glob('*.deb'))
+def check_debian(packages, root):
     expect(len(packages) == 4, f'packages: {packages}')
+    for package in packages:
+        check_package(package)
+        run('dpkg-deb', '-x', package, root)
+    check_programs(root)
+
+
+def check_windows(package, root):
+    with zipfile.ZipFile(package) as archive:
+        expect(archive.testzip() is None, f'{package.name} is damaged')
+        archive.extractall(root)
+    inside = root / package.stem
+    for name in ('vistrel.exe', 'kpg.exe', 'README.txt', 'demo/guide.kpg', 'docs/tutorial.md', 'licences/zlib.txt'):
+        expect((inside / name).is_file(), f'{package.name} has no {name}')
+    wine = pathlib.Path(__file__).parents[2] / 'scripts/wine'
+    shot = run(wine, inside / 'kpg.exe', 'shot', inside / 'demo/guide.kpg', '--strict', '-o', root / 'guide-windows.png')
+    expect(shot.returncode == 0, f'the demo of {package.name}: {shot.stdout}')
+
+
+def main():
+    packages = pathlib.Path(sys.argv[1])
+    debian, windows = sorted(packages.glob('*.deb')), sorted(packages.glob('*-windows.zip'))
+    expect(debian or windows, 'there is no package')
     with tempfile.TemporaryDirectory() as folder:
-        for package in packages:
-            check_package(package)
-            run('dpkg-deb', '-x', package, folder)
-        check_programs(pathlib.Path(folder))
+        root = pathlib.Path(folder)
+        if debian:
+            check_debian(debian, root)
+        for package in windows:
+            check_windows(package, root)
+        if debian and windows:
+            same = run(root / 'usr/bin/kpg', 'diff', root / 'guide.png', root / 'guide-windows.png')
+            expect(same.returncode == 0, f'the two show the demo differently: {same.stdout}')
     print('\n'.join(faults))
     sys.exit(1 if faults else 0)
 

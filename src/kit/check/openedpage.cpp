@@ -43,7 +43,9 @@ FileLook OpenedPage::look(const std::string& name) {
   const fs::path file = (folder / plain).lexically_normal();
   std::error_code error;
   if (files.find(file) || fs::is_regular_file(file, error)) return {FileLook::exactly, name};
-  const auto isEqual = [&](const fs::path& other) { return hsAsciiEqualIgnoringCase(other.c_str(), file.c_str()); };
+  const auto isEqual = [&](const fs::path& other) {
+    return hsAsciiEqualIgnoringCase(other.string().c_str(), file.string().c_str());
+  };
   const EngineScope here(engine());
   fs::path found = files.findIgnoringCase(file);
   if (found.empty() && openHostFile(name.c_str())) {

@@ -5,7 +5,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstring>
+#include <thread>
 
 #include "kit/errors.h"
 
@@ -16,6 +18,17 @@ constexpr int kQuietly = MSG_NOSIGNAL;
 #else
 constexpr int kQuietly = 0;
 #endif
+
+// Until there is no more, or nobody takes it.
+void pass(int from, int to) {
+  char bytes[65536];
+  for (ssize_t n; (n = read(from, bytes, sizeof bytes)) > 0;)
+    for (ssize_t done = 0; done < n;) {
+      const ssize_t part = write(to, bytes + done, size_t(n - done));
+      if (part < 0) return;
+      done += part;
+    }
+}
 
 }  // namespace
 
@@ -57,4 +70,14 @@ std::string ControlClient::ask(std::string_view line) {
     if (n == 0) throw KitError(path, "the studio has gone without an answer");
     received.append(bytes, size_t(n));
   }
+}
+
+void joinLocally(const std::string& path) {
+  std::signal(SIGPIPE, SIG_IGN);
+  const int there = connectLocally(path);
+  std::thread([there] {
+    pass(STDIN_FILENO, there);
+    shutdown(there, SHUT_WR);
+  }).detach();
+  pass(there, STDOUT_FILENO);
 }

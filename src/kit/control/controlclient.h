@@ -23,3 +23,7 @@ class ControlClient {
 
 // A connection to a local socket, to be closed by the caller. Throws KitError when nobody listens there.
 int connectLocally(const std::string& path);
+
+// Passes on what comes from one side to the other, between the standard streams and the socket, until the socket ends.
+// Throws KitError when nobody listens there.
+void joinLocally(const std::string& path);

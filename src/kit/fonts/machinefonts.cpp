@@ -26,6 +26,9 @@ std::vector<std::string> fontFolders() {
   if (const char* home = std::getenv("HOME"))
     for (const char* each : {"/.local/share/fonts", "/.fonts", "/Library/Fonts"})
       folders.push_back(std::string(home) + each);
+  if (const char* windows = std::getenv("WINDIR")) folders.push_back(std::string(windows) + "\\Fonts");
+  if (const char* local = std::getenv("LOCALAPPDATA"))
+    folders.push_back(std::string(local) + "\\Microsoft\\Windows\\Fonts");
   return folders;
 }
 
@@ -40,7 +43,7 @@ std::vector<uint8_t> readPiece(std::ifstream& in, uint32_t offset, uint32_t leng
 
 // The `name` table alone: fonts are large, and there may be many.
 std::vector<uint8_t> nameTable(const std::string& file) {
-  std::ifstream in(file, std::ios::binary);
+  std::ifstream in(fs::path(file), std::ios::binary);
   const auto header = readPiece(in, 0, hsSfnt::kDirectoryHeader);
   const uint32_t tables = std::min(hsSfntU16(header, 4), kMostTables);
   const auto directory = readPiece(in, 0, hsSfnt::kDirectoryHeader + tables * hsSfnt::kDirectoryEntry);

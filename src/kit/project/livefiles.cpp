@@ -118,7 +118,7 @@ fs::path LiveFiles::findIgnoringCase(const fs::path& file) {
   std::sort(candidates.begin(), candidates.end());
   std::error_code error;
   for (const fs::path& candidate : candidates)
-    if (hsAsciiEqualIgnoringCase(candidate.c_str(), file.c_str()) &&
+    if (hsAsciiEqualIgnoringCase(candidate.string().c_str(), file.string().c_str()) &&
         (find(candidate) || fs::is_regular_file(candidate, error)))
       return candidate;
   return {};

@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 namespace {
 
 bool hasExtension(const std::string& file, const char* extension) {
-  return hsAsciiEqualIgnoringCase(fs::path(file).extension().c_str(), extension);
+  return hsAsciiEqualIgnoringCase(fs::path(file).extension().string().c_str(), extension);
 }
 
 // The table that a built picture names; empty for the page's.

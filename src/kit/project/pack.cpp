@@ -1,7 +1,5 @@
 #include "kit/project/pack.h"
 
-#include <fnmatch.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <map>
@@ -18,6 +16,7 @@
 #include "kit/project/manifest.h"
 #include "kit/project/mentions.h"
 #include "kit/project/missingfiles.h"
+#include "kit/wildcards.h"
 
 namespace fs = std::filesystem;
 
@@ -62,7 +61,7 @@ class Packer {
         take(*file);
     for (const std::string& pattern : project.keep)
       for (const std::string& file : built.files)
-        if (fnmatch(pattern.c_str(), file.c_str(), 0) == 0) take(file);
+        if (matchesWildcards(pattern, file)) take(file);
   }
 
   // A picture mentions its table, a page or a script whatever it may open.

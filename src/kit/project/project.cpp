@@ -1,7 +1,5 @@
 #include "kit/project/project.h"
 
-#include <fnmatch.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <functional>
@@ -13,6 +11,7 @@
 #include "kit/pictures/png.h"
 #include "kit/source/sourcevalue.h"
 #include "kit/suggest.h"
+#include "kit/wildcards.h"
 #include "kit/yaml/readyaml.h"
 
 namespace fs = std::filesystem;
@@ -155,6 +154,7 @@ class ProjectReader {
   std::vector<ProjectName> matching(const ProjectName& pattern) {
     if (pattern.text.find('*') == std::string::npos) return {pattern};
     const fs::path path = pattern.text;
+    const std::string last = path.filename().string();
     std::vector<ProjectName> found;
     std::error_code error;
     const std::string folder = project.pathOf(path.parent_path().string());
@@ -162,7 +162,8 @@ class ProjectReader {
          at.increment(error)) {
       const std::string file = at->path().filename().string();
       if (file == kProjectFileName || file.ends_with(".test.yaml") || !at->is_regular_file(error)) continue;
-      if (fnmatch(path.filename().c_str(), file.c_str(), FNM_PERIOD) == 0)
+      const bool isHidden = file.starts_with('.') && !last.starts_with('.');
+      if (!isHidden && matchesWildcards(last, file))
         found.push_back({(path.parent_path() / file).string(), pattern.place, true});
     }
     std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.text < b.text; });

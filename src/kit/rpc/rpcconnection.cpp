@@ -54,7 +54,7 @@ std::shared_ptr<std::FILE> standardOutputAlone() {
   std::fflush(stdout);
   const int kept = dup(STDOUT_FILENO);
   dup2(STDERR_FILENO, STDOUT_FILENO);
-  return {fdopen(kept, "w"), [](std::FILE* stream) { std::fclose(stream); }};
+  return {fdopen(kept, "wb"), [](std::FILE* stream) { std::fclose(stream); }};
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ bool isPageFile(const std::string& path) {
   std::error_code error;
   if (!fs::is_regular_file(path, error)) return false;
   char magic[kPageMagic.size()] = {};
-  std::ifstream(path, std::ios::binary).read(magic, sizeof magic);
+  std::ifstream(fs::path(path), std::ios::binary).read(magic, sizeof magic);
   return std::string_view(magic, sizeof magic) == kPageMagic;
 }
 

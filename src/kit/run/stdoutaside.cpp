@@ -7,9 +7,10 @@
 #include <utility>
 
 #include "kit/errors.h"
+#include "platform/openfile.h"
 
 // Without space for a temporary file the error stream takes it.
-StandardOutputAside::StandardOutputAside() : written(std::tmpfile(), std::fclose) {
+StandardOutputAside::StandardOutputAside() : written(openTemporaryFile(), std::fclose) {
   std::fflush(stdout);
   kept = dup(STDOUT_FILENO);
   dup2(written ? fileno(written.get()) : STDERR_FILENO, STDOUT_FILENO);

@@ -1,7 +1,5 @@
 #include "kit/testing/suite.h"
 
-#include <fnmatch.h>
-
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
@@ -15,6 +13,7 @@
 
 #include "kit/files.h"
 #include "kit/pictures/png.h"
+#include "kit/wildcards.h"
 
 namespace {
 
@@ -61,7 +60,7 @@ std::vector<SuiteItem> itemsOf(const SuiteOptions& options) {
   for (const std::string& file : testFiles(options.paths)) try {
       for (PageTestCase& test : readTestFile(file).tests) {
         const std::string title = file + ": " + test.name, pattern = "*" + options.only + "*";
-        if (options.only.empty() || fnmatch(pattern.c_str(), title.c_str(), 0) == 0)
+        if (options.only.empty() || matchesWildcards(pattern, title))
           items.push_back({file, std::move(test), {}});
       }
     } catch (const KitError& e) {
