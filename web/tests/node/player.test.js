@@ -4,7 +4,7 @@ import {existsSync, readFileSync, statSync} from 'node:fs';
 import {join} from 'node:path';
 import {test} from 'node:test';
 import {KEYS, Player, SCREEN_HEIGHT, SCREEN_WIDTH} from '../../viewer/player.js';
-import {demoPages, guidePages, shot, viewer} from '../native.js';
+import {demo, demoPages, guidePages, shot, viewer} from '../native.js';
 
 const {default: startModule} = await import(join(viewer, 'vistrel-player.js'));
 const wasmBinary = readFileSync(join(viewer, 'vistrel-player.wasm'));
@@ -105,15 +105,15 @@ test('numbers are read and printed alike', async () => {
 });
 
 test('files in memory come first, in whatever case', async () => {
-  const bytes = readFileSync(demoPages[5]);
   const asked = [];
   const player = await Player.start(startModule, {wasmBinary, fetchFile: (path) => (asked.push(path), null)});
   player.run(0);
-  player.put('/pages/Gallery.kpg', bytes);
+  player.put('/pages/gallery.kpg', readFileSync(demoPages[5]));
+  player.put('/pages/GALLERY.clut', readFileSync(join(demo, 'gallery.clut')));
   assert.ok(player.open('/pages/gallery.kpg'));
   assert.ok(!player.open('/pages/other.kpg'));
   assert.match(player.log(), /other\.kpg/);
-  assert.ok(asked.includes('/pages/other.kpg'));
+  assert.ok(asked.includes('/pages/other.kpg') && !asked.includes('/pages/gallery.kpg'));
   assert.equal(player.key('Fire'), false);
 });
 
