@@ -1,7 +1,8 @@
-# Sourced by ./check and ./preview: makes sure that the Debian packages they need are there.
+# Sourced by ./check, ./preview and ./web: makes sure that the Debian packages they need are there.
 
-BUILD_PACKAGES="g++ cmake ninja-build pkg-config libcli11-dev libyaml-cpp-dev nlohmann-json3-dev libgif-dev libpng-dev zlib1g-dev qt6-base-dev fonts-dejavu-core"
+BUILD_PACKAGES="g++ cmake ninja-build pkg-config libcli11-dev libyaml-cpp-dev libcpp-httplib-dev libssl-dev nlohmann-json3-dev libgif-dev libpng-dev zlib1g-dev qt6-base-dev fonts-dejavu-core"
 TEST_PACKAGES="libgtest-dev fonts-liberation fonts-urw-base35 python3 python3-jsonschema python3-yaml clang-format-14 xvfb xauth"
+WEB_PACKAGES="emscripten cmake ninja-build nlohmann-json3-dev fonts-dejavu-core nodejs"
 BENCH_PACKAGES="libbenchmark-dev libcairo2-dev libpixman-1-dev liblua5.4-dev libfreetype-dev"
 
 # require_packages NAME...: installs what is missing, as root or through sudo; otherwise names it and stops.
