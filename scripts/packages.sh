@@ -3,6 +3,7 @@
 BUILD_PACKAGES="g++ cmake ninja-build pkg-config libcli11-dev libyaml-cpp-dev libcpp-httplib-dev libssl-dev nlohmann-json3-dev libgif-dev libpng-dev zlib1g-dev qt6-base-dev fonts-dejavu-core"
 TEST_PACKAGES="libgtest-dev fonts-liberation fonts-urw-base35 python3 python3-jsonschema python3-yaml clang-format-14 xvfb xauth"
 WEB_PACKAGES="emscripten cmake ninja-build nlohmann-json3-dev fonts-dejavu-core nodejs"
+WEB_TEST_PACKAGES="chromium"
 BENCH_PACKAGES="libbenchmark-dev libcairo2-dev libpixman-1-dev liblua5.4-dev libfreetype-dev"
 
 # require_packages NAME...: installs what is missing, as root or through sudo; otherwise names it and stops.
@@ -41,4 +42,14 @@ build_preset() {
 # the previewer needs no test packages.
 tests_wanted() {
   if grep -q 'VISTREL_TESTS:BOOL=ON' "$1/CMakeCache.txt" 2>/dev/null; then echo ON; else echo OFF; fi
+}
+
+# build_web: the modules, the viewer and the playground, in build/web. Needs Node 20 and npm, which come with the
+# package nodejs, or with Debian's npm.
+build_web() {
+  scripts/web-libraries
+  cmake --preset web >/dev/null
+  cmake --build --preset web
+  command -v npm >/dev/null 2>&1 || require_packages npm
+  (cd browser && npm ci --no-progress --silent && npm run --silent build)
 }

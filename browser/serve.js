@@ -1,4 +1,5 @@
 // A static server for a folder, on the loopback only: what `./web` and the tests open. Any other server does as well.
+import {spawn} from 'node:child_process';
 import {createReadStream, statSync} from 'node:fs';
 import {createServer} from 'node:http';
 import {extname, join, resolve, sep} from 'node:path';
@@ -43,4 +44,5 @@ export const addressOf = (server) => `http://127.0.0.1:${server.address().port}/
 if (process.argv[1] === import.meta.filename) {
   const server = await serve({'/': process.argv[2] ?? '.'}, Number(process.argv[3] ?? 0));
   console.log(addressOf(server));
+  if (process.argv[4] === '--open') spawn('xdg-open', [addressOf(server)], {stdio: 'ignore'}).on('error', () => undefined);
 }

@@ -7,7 +7,7 @@ const FIRST_REPEAT = 400, REPEAT = 90;  // milliseconds
 
 const PAD = [
   ['UpLeft', 'Up and left', '↖'], ['Up', 'Up', '▲'], ['UpRight', 'Up and right', '↗'],
-  ['Left', 'Left', '◀'], ['Select', 'Select', 'OK'], ['Right', 'Right', '▶'],
+  ['Left', 'Left', '◀'], ['Select', 'OK, select', 'OK'], ['Right', 'Right', '▶'],
   ['DownLeft', 'Down and left', '↙'], ['Down', 'Down', '▼'], ['DownRight', 'Down and right', '↘'],
   ['Backspace', 'Back', 'Back'], ['S', 'Letter S', 'S'], ['Clear', 'Clear', 'Clear'],
 ];

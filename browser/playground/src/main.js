@@ -75,6 +75,7 @@ function showFiles() {
     button.onclick = () => edit(name);
     return element('li', {}, button);
   }));
+  byId('file-list').querySelector('[aria-current=true]')?.scrollIntoView({block: 'nearest', inline: 'nearest'});
   const has = Boolean(current);
   byId('rename-file').disabled = byId('remove-file').disabled = !has;
 }
@@ -141,7 +142,7 @@ screen.addEventListener('console', ({detail}) => {
 screen.addEventListener('message', ({detail}) => {
   if (detail.made) {
     stageProblems = detail.made;
-    byId('status').textContent = detail.opened ? `Made in ${Math.max(1, Math.round(detail.spent))} ms` : 'Not shown until the errors are mended';
+    byId('status').textContent = detail.isShown ? `Made in ${Math.max(1, Math.round(detail.spent))} ms` : 'Not shown until the errors are mended';
     document.body.dataset.made = String(Number(document.body.dataset.made ?? 0) + 1);
     showProblems();
     if (byId('inspector').open) screen.send({inspect: true});

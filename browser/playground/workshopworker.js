@@ -2,14 +2,14 @@
 // editor: each has files of its own, so that a script that doesn't end keeps nobody from editing.
 //
 // Takes {put, bytes}, bytes being null for a file that goes. The stage further takes {open}, {reload}, {key}, {type},
-// {inspect} and {pack, archive}, and answers as playerworker.js does, and {messages}, {errors}, {stopped}, {inspected}
+// {inspect} and {pack, archive}, and answers as playerworker.js does, and {made}: what was said of the sources, {errors}, {stopped}, {inspected}
 // and {packed}. The language takes {lsp} and answers {lsp}: messages of the Language Server Protocol.
 import startModule from './vistrel-workshop.js';
 
 const utf8 = new TextEncoder();
 const text = new TextDecoder();
 
-const started = startModule().then((module) => (module._workshopStart(), module));
+const started = startModule({print: () => undefined}).then((module) => (module._workshopStart(), module));
 started.catch((error) => postMessage({failed: String(error)}));
 
 function withTexts(module, values, use) {
@@ -81,7 +81,7 @@ function takeOfStage(module, message) {
   if ('open' in message || 'reload' in message) {
     const begun = performance.now();
     const opened = 'open' in message ? asked(module, '_stageOpen', message.open) : asked(module, '_stageReload');
-    postMessage({made: opened.messages, opened: opened.opened, spent: performance.now() - begun});
+    postMessage({made: opened.messages, isShown: opened.opened, spent: performance.now() - begun});
   } else {
     passTime(module);
     if ('key' in message) withTexts(module, [message.key], module._stageKey);

@@ -18,7 +18,9 @@ export class Project {
   }
 
   names() {
-    return Object.keys(this.files).sort((a, b) => a.localeCompare(b));
+    // What can be edited first, and what lies in folders behind.
+    const place = (name) => `${isText(name) ? 0 : 1}${name.includes('/') ? 1 : 0}${name}`;
+    return Object.keys(this.files).sort((a, b) => place(a).localeCompare(place(b)));
   }
 
   text(name) {
@@ -81,7 +83,7 @@ export function toArchive(project) {
 /** What has been dropped: files, a folder, or an archive. Takes the event's items at once, since they don't last. */
 export function fromDrop(transfer) {
   const entries = [...transfer.items].map((item) => item.webkitGetAsEntry?.()).filter(Boolean);
-  return fromEntries(entries);
+  return entries.length > 0 ? fromEntries(entries) : fromInput(transfer.files);
 }
 
 async function fromEntries(entries) {

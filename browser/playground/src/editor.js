@@ -127,6 +127,7 @@ export class Editor {
       lineNumbers(), foldGutter(), lintGutter(), highlightActiveLineGutter(), history(), drawSelection(), indentOnInput(),
       bracketMatching(), closeBrackets(), highlightActiveLine(), highlightSelectionMatches(), search({top: true}),
       indentUnit.of('  '), EditorState.tabSize.of(2), EditorView.lineWrapping,
+      EditorView.contentAttributes.of({tabindex: '0'}),
       name.endsWith('.bob') ? bob : /\.ya?ml$/.test(name) ? yaml() : [],
       autocompletion({override: [(context) => this.#complete(context)], icons: false}),
       hoverTooltip((view, at) => this.#hover(view, at)),
