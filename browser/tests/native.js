@@ -9,7 +9,7 @@ export const top = resolve(import.meta.dirname, '../..');
 const build = process.env.VISTREL_BUILD ?? join(top, 'build/dev');  // the folder of the native build
 export const demo = join(build, 'demo');
 export const viewer = join(top, 'build/web/viewer');
-const kpg = join(build, 'src/kpg/kpg');
+export const kpg = join(build, 'src/kpg/kpg');
 
 export function run(...words) {
   return execFileSync(kpg, words, {encoding: 'latin1', maxBuffer: 1 << 28});

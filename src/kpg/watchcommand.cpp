@@ -67,6 +67,7 @@ class PageWatch {
   void take() {
     const auto begun = Clock::now();
     messages.clear();
+    opened.clear();
     try {
       play();
       const auto spent = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begun);
@@ -160,7 +161,7 @@ class PageWatch {
   FileWatch watch;
   std::vector<fs::path> dependencies;
   std::vector<std::string> messages;  // of the last attempt
-  fs::path opened;                    // the page as the player opens it
+  fs::path opened;                    // the page as the player opens it; empty while it can't
   std::mutex playing;                 // the files
   PageServer server;                  // goes first, as it asks for the files
 };
