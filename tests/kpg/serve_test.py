@@ -74,7 +74,7 @@ def main():
 
             port = address.port
             second = subprocess.run([kpg, 'watch', 'page.yaml', '--serve', '--viewer', viewer, '--port', str(port)],
-                                    cwd=folder, stderr=subprocess.PIPE, text=True)
+                                    cwd=folder, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
             assert second.returncode == 1 and str(port) in second.stderr, second
             outside = socket.gethostbyname(socket.gethostname())
             if not outside.startswith('127.'):

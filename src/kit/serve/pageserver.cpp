@@ -69,6 +69,11 @@ struct PageServer::State {
 };
 
 void PageServer::State::answerAll() {
+  // A port that another program listens on is taken, and one that was just left isn't.
+  server.set_socket_options([](socket_t socket) {
+    const int yes = 1;
+    setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+  });
   server.new_task_queue = [] { return new httplib::ThreadPool(kThreads); };
   server.set_default_headers({{"Cache-Control", "no-store"},
                               {"Referrer-Policy", "no-referrer"},
@@ -114,7 +119,9 @@ void PageServer::State::answerEvents(httplib::Response& answer) {
                                           std::unique_lock lock(mutex);
                                           told.wait_for(lock, kSignOfLife, [&] { return ends || count > seen; });
                                           if (ends) return false;
-                                          text = count > seen ? "data: " + last + "\n\n" : ": here\n\n";
+                                          text = count > seen ? "data: " : ": here";
+                                          if (count > seen) text += last;
+                                          text += "\n\n";
                                           seen = count;
                                         }
                                         return sink.write(text.data(), text.size());
@@ -145,7 +152,9 @@ void PageServer::start(int port) {
 }
 
 std::string PageServer::address() const {
-  return std::string("http://") + kLoopback + ":" + std::to_string(state->port) + "/" + state->token + "/";
+  std::string all = "http://";
+  all.append(kLoopback).append(":").append(std::to_string(state->port)).append("/").append(state->token).append("/");
+  return all;
 }
 
 std::string PageServer::placeOf(const fs::path& file) const { return "/" + state->token + "/files" + file.string(); }
