@@ -66,10 +66,10 @@ function(vistrel_web_module name folder)
 endfunction()
 
 # vistrel_hot(TARGET file...): sources that the time of a picture goes into, or most of it. Modules are compiled to be
-# small, and these to be quick; native builds are quick anyhow.
+# small, and these to be quick: emscripten turns inlining off with -Os. Native builds are quick anyhow.
 function(vistrel_hot target)
   if(EMSCRIPTEN)
     set_source_files_properties(${ARGN} TARGET_DIRECTORY ${target} PROPERTIES
-      COMPILE_OPTIONS "-O3;-msimd128" SKIP_PRECOMPILE_HEADERS ON)
+      COMPILE_OPTIONS "-O3;-finline-functions;-msimd128" SKIP_PRECOMPILE_HEADERS ON)
   endif()
 endfunction()

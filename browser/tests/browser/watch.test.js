@@ -16,11 +16,13 @@ page:
   width: 720
   height: 480
   bgColor: "${color}"
-  start: list
+  start: one
   textStyles: [{name: body, font: DejaVuSans.ttf, size: 24, color: white}]
   children:
-    - {type: select, name: list, x: 60, y: 60, width: 300, height: 200, textStyle: body, highlightTextStyle: body,
-       highlightColor: "#FF0000", lines: 4, choices: "|one|two|three", navigate: upDown}
+    - {type: select, name: one, x: 60, y: 60, width: 300, height: 40, textStyle: body, highlightFrame: true,
+       frameColor: "#F0F000", frameWidth: 4, choices: "|One|Two", down: two}
+    - {type: select, name: two, x: 60, y: 160, width: 300, height: 40, textStyle: body, highlightFrame: true,
+       frameColor: "#F0F000", frameWidth: 4, choices: "|One|Two", up: one}
 `;
 
 let browser, watch, folder, address;
@@ -51,10 +53,11 @@ test('a page that is saved shows at once, with the keys that were pressed', asyn
   assert.ok(await showsSoon(page, shotOf(SOURCE('#000080'))));
   await page.locator('canvas').focus();
   await page.keyboard.press('ArrowDown');
+  assert.notDeepEqual(shotOf(SOURCE('#000080')), shotOf(SOURCE('#000080'), '--key', 'Down'));
   assert.ok(await showsSoon(page, shotOf(SOURCE('#000080'), '--key', 'Down')));
   writeFileSync(join(folder, 'page.yaml'), SOURCE('#008000'));
   assert.ok(await showsSoon(page, shotOf(SOURCE('#008000'), '--key', 'Down')));
-  writeFileSync(join(folder, 'page.yaml'), SOURCE('#008000').replace('type: select', 'type: selcet'));
+  writeFileSync(join(folder, 'page.yaml'), SOURCE('#008000').replace('select', 'selcet'));
   await page.getByRole('status').getByText('selcet').first().waitFor();
   assert.ok(await showsSoon(page, shotOf(SOURCE('#008000'), '--key', 'Down')), 'the page before stays');
   assert.deepEqual(faults, []);
