@@ -4,8 +4,9 @@ import {zipSync} from 'fflate';
 import {createHash} from 'node:crypto';
 import {cpSync, mkdirSync, readdirSync, readFileSync, rmSync, statSync, writeFileSync} from 'node:fs';
 import {join, relative, resolve} from 'node:path';
+import {fileURLToPath} from 'node:url';
 
-const here = import.meta.dirname;
+const here = fileURLToPath(new URL('.', import.meta.url));
 const top = resolve(here, '..');
 const out = join(top, 'build/web/playground');
 const fonts = process.env.VISTREL_FONTS ?? '/usr/share/fonts/truetype/dejavu';

@@ -3,6 +3,7 @@ import {spawn} from 'node:child_process';
 import {createReadStream, statSync} from 'node:fs';
 import {createServer} from 'node:http';
 import {extname, join, resolve, sep} from 'node:path';
+import {pathToFileURL} from 'node:url';
 
 const KINDS = {
   '.html': 'text/html; charset=utf-8', '.js': 'text/javascript; charset=utf-8', '.css': 'text/css; charset=utf-8',
@@ -41,7 +42,7 @@ export function serve(folders, port = 0) {
 
 export const addressOf = (server) => `http://127.0.0.1:${server.address().port}/`;
 
-if (process.argv[1] === import.meta.filename) {
+if (process.argv[1] && import.meta.url === pathToFileURL(process.argv[1]).href) {
   const server = await serve({'/': process.argv[2] ?? '.'}, Number(process.argv[3] ?? 0));
   console.log(addressOf(server));
   if (process.argv[4] === '--open') spawn('xdg-open', [addressOf(server)], {stdio: 'ignore'}).on('error', () => undefined);

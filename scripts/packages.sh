@@ -44,8 +44,8 @@ tests_wanted() {
   if grep -q 'VISTREL_TESTS:BOOL=ON' "$1/CMakeCache.txt" 2>/dev/null; then echo ON; else echo OFF; fi
 }
 
-# build_web: the modules, the viewer and the playground, in build/web. Needs Node 20 and npm, which come with the
-# package nodejs, or with Debian's npm.
+# build_web: the modules, the viewer and the playground, in build/web. npm comes with some packages of nodejs, and with
+# one of its own.
 build_web() {
   scripts/web-libraries
   cmake --preset web >/dev/null

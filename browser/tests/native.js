@@ -2,10 +2,11 @@
 import {execFileSync} from 'node:child_process';
 import {mkdtempSync, readFileSync, readdirSync, symlinkSync} from 'node:fs';
 import {tmpdir} from 'node:os';
-import {join, resolve} from 'node:path';
+import {join} from 'node:path';
+import {fileURLToPath} from 'node:url';
 import {PNG} from 'pngjs';
 
-export const top = resolve(import.meta.dirname, '../..');
+export const top = fileURLToPath(new URL('../..', import.meta.url)).replace(/\/$/, '');
 const build = process.env.VISTREL_BUILD ?? join(top, 'build/dev');  // the folder of the native build
 export const demo = join(build, 'demo');
 export const viewer = join(top, 'build/web/viewer');
