@@ -170,7 +170,7 @@ class PageWatch {
 std::string viewerBeside() {
   std::error_code error;
   const fs::path here = fs::read_symlink("/proc/self/exe", error).parent_path();
-  for (const char* folder : {"../share/vistrel/viewer", "../../../../web/viewer"})
+  for (const char* folder : {"../share/vistrel/viewer", "../../../web/viewer"})
     if (fs::is_regular_file(here / folder / "vistrel-player.wasm", error)) return (here / folder).string();
   return "";
 }
