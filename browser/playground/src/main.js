@@ -32,10 +32,12 @@ const editor = new Editor(byId('editor'), language, (name, text) => {
   fileChanged(name);
 });
 
-function notify(text) {
+// What went wrong stays until somebody has read it.
+function notify(text, isFault = false) {
   clearTimeout(noticeTimer);
   byId('notice').textContent = text;
-  noticeTimer = setTimeout(() => (byId('notice').textContent = ''), 5000);
+  if (!isFault) noticeTimer = setTimeout(() => (byId('notice').textContent = ''), 5000);
+  else byId('notice').append(' ', element('button', {type: 'button', textContent: 'Close', onclick: () => (byId('notice').textContent = '')}));
 }
 
 function element(tag, properties = {}, ...children) {
@@ -275,21 +277,25 @@ byId('remove-file').onclick = () => {
   const name = current, bytes = project.files[current];
   put(name, null);
   namesChanged(project.names()[0]);
-  notify(`${name} is removed. `);
+  notify(`${name} is removed.`, true);
   const back = element('button', {type: 'button', textContent: 'Bring it back'});
   back.onclick = () => (put(name, bytes), namesChanged(name), notify(`${name} is back`));
-  byId('notice').append(back);
+  byId('notice').append(' ', back);
 };
 
 // ---- in and out
 
+const closeDialogs = () => document.querySelectorAll('dialog[open]').forEach((dialog) => dialog.close());
+
 async function tryOpen(next) {
   try {
-    await openProject(await next);
-    for (const dialog of document.querySelectorAll('dialog[open]')) dialog.close();
+    const opened = await next;
+    closeDialogs();
+    await openProject(opened);
     notify(`${project.title}: ${project.names().length} files`);
   } catch (error) {
-    notify(error.message);
+    closeDialogs();  // they would lie over what is wrong
+    notify(error.message, true);
   }
 }
 
@@ -315,7 +321,7 @@ async function showGallery() {
   byId('gallery').showModal();
 }
 
-byId('gallery-button').onclick = () => showGallery().catch((error) => notify(error.message));
+byId('gallery-button').onclick = () => showGallery().catch((error) => notify(error.message, true));
 byId('open-button').onclick = () => byId('open').showModal();
 byId('save-button').onclick = () => byId('save').showModal();
 for (const id of ['open-files', 'open-folder'])
@@ -345,15 +351,15 @@ function download(bytes, name) {
 const fileTitle = () => project.title.replace(/[^\w-]+/g, '-').replace(/^-|-$/g, '').toLowerCase() || 'project';
 byId('save-project').onclick = async () => download(await toArchive(project), `${fileTitle()}.zip`);
 byId('save-pack').onclick = async () => {
-  if (!project.files['vistrel.yaml']) return notify('For that the project needs a vistrel.yaml that names its pages');
+  closeDialogs();
+  if (!project.files['vistrel.yaml']) return notify('For that the project needs a vistrel.yaml that names its pages', true);
   screen.send({pack: `${ROOT}vistrel.yaml`, archive: '/packed.zip'});
   const {packed: bytes, messages} = await new Promise((done) => (packed = done));
   packed = null;
   if (bytes) return download(bytes, `${fileTitle()}-player.zip`);
-  byId('save').close();
   stageProblems = messages;
   showProblems();
-  notify('It can’t be built; the problems say why');
+  notify('It can’t be built; the problems say why', true);
 };
 
 byId('link-button').onclick = async () => {
@@ -363,7 +369,7 @@ byId('link-button').onclick = async () => {
     await navigator.clipboard.writeText(location.href);
     notify('The link is copied. It holds the whole project.');
   } catch (error) {
-    notify(location.hash.startsWith('#p=') && error.name === 'NotAllowedError' ? 'The link is in the address bar' : error.message);
+    notify(location.hash.startsWith('#p=') && error.name === 'NotAllowedError' ? 'The link is in the address bar' : error.message, error.name !== 'NotAllowedError');
   }
 };
 
@@ -376,7 +382,7 @@ async function begin() {
     const linked = await fromFragment(location.hash);
     if (linked) return openProject(linked.project, linked.page);
   } catch (error) {
-    notify(error.message);
+    notify(error.message, true);
   }
   const kept = await storage.load();
   if (kept && Object.keys(kept.files).length > 0) return openProject(new Project(kept.files, kept.title), kept.page);
@@ -387,5 +393,5 @@ async function begin() {
 addEventListener('hashchange', async () => {
   if (location.hash.startsWith('#p=')) tryOpen(fromFragment(location.hash).then((linked) => linked.project));
 });
-begin().catch((error) => notify(`The playground can't begin: ${error.message}`));
+begin().catch((error) => notify(`The playground can't begin: ${error.message}`, true));
 if ('serviceWorker' in navigator) navigator.serviceWorker.register('sw.js').catch(() => undefined);  // it works online
