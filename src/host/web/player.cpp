@@ -1,4 +1,5 @@
-// The player as a module for JavaScript: one page at a time, in an engine of its own. browser/viewer/player.js calls it.
+// The player as a module for JavaScript: one page at a time, in an engine of its own. browser/viewer/player.js calls
+// it.
 //
 // Texts are UTF-8 and end with a zero byte; what is returned lasts until the next call.
 #include <emscripten.h>

@@ -1,4 +1,5 @@
-// The authoring kit and a page in its author's hands as a module for JavaScript. browser/playground/workshopworker.js calls it.
+// The authoring kit and a page in its author's hands as a module for JavaScript. browser/playground/workshopworker.js
+// calls it.
 //
 // Sources lie in the module's own file system. What a function has to tell is JSON; it lasts until the next call.
 #include <emscripten.h>
