@@ -57,3 +57,25 @@ function(vistrel_bench name)
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} benchmark::benchmark_main)
 endfunction()
+
+# vistrel_web_module(NAME FOLDER): makes the program NAME an ES module in FOLDER, one function that starts an instance.
+function(vistrel_web_module name folder)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${folder} SUFFIX .js)
+  target_link_options(${name} PRIVATE
+    --no-entry
+    -sMODULARIZE -sEXPORT_ES6 -sENVIRONMENT=web,worker
+    -sTOTAL_STACK=8MB -sINITIAL_MEMORY=32MB -sALLOW_MEMORY_GROWTH
+    -sEXPORTED_FUNCTIONS=_malloc,_free
+    -sDYNAMIC_EXECUTION=0
+    -sINCOMING_MODULE_JS_API=wasmBinary,locateFile,fetchFile,print,printErr,onAbort
+    -sUSE_ES6_IMPORT_META)
+endfunction()
+
+# vistrel_hot(TARGET file...): sources that the time of a picture goes into, or most of it. Modules are compiled to be
+# small, and these to be quick: emscripten turns inlining off with -Os. Native builds are quick anyhow.
+function(vistrel_hot target)
+  if(EMSCRIPTEN)
+    set_source_files_properties(${ARGN} TARGET_DIRECTORY ${target} PROPERTIES
+      COMPILE_OPTIONS "-O3;-finline-functions;-msimd128" SKIP_PRECOMPILE_HEADERS ON)
+  endif()
+endfunction()

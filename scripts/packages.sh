@@ -1,7 +1,9 @@
-# Sourced by ./check and ./preview: makes sure that the Debian packages they need are there.
+# Sourced by ./check, ./preview and ./web: makes sure that the Debian packages they need are there.
 
-BUILD_PACKAGES="g++ cmake ninja-build pkg-config libcli11-dev libyaml-cpp-dev nlohmann-json3-dev libgif-dev libpng-dev zlib1g-dev qt6-base-dev fonts-dejavu-core"
+BUILD_PACKAGES="g++ cmake ninja-build pkg-config libcli11-dev libyaml-cpp-dev libcpp-httplib-dev libssl-dev nlohmann-json3-dev libgif-dev libpng-dev zlib1g-dev qt6-base-dev fonts-dejavu-core"
 TEST_PACKAGES="libgtest-dev fonts-liberation fonts-urw-base35 python3 python3-jsonschema python3-yaml clang-format-14 xvfb xauth"
+WEB_PACKAGES="emscripten cmake ninja-build nlohmann-json3-dev fonts-dejavu-core nodejs"
+WEB_TEST_PACKAGES="chromium"
 BENCH_PACKAGES="libbenchmark-dev libcairo2-dev libpixman-1-dev liblua5.4-dev libfreetype-dev"
 WINDOWS_PACKAGES="g++-mingw-w64-x86-64-posix cmake ninja-build libcli11-dev nlohmann-json3-dev googletest"
 WINDOWS_TEST_PACKAGES="wine wine64 xdotool imagemagick"
@@ -42,4 +44,14 @@ build_preset() {
 # the previewer needs no test packages.
 tests_wanted() {
   if grep -q 'VISTREL_TESTS:BOOL=ON' "$1/CMakeCache.txt" 2>/dev/null; then echo ON; else echo OFF; fi
+}
+
+# build_web: the modules, the viewer and the playground, in build/web. npm comes with some packages of nodejs, and with
+# one of its own.
+build_web() {
+  scripts/web-libraries
+  cmake --preset web >/dev/null
+  cmake --build --preset web
+  command -v npm >/dev/null 2>&1 || require_packages npm
+  (cd browser && npm ci --no-progress --silent && npm run --silent build)
 }

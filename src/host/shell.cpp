@@ -28,7 +28,7 @@ bool Shell::start() {
   EditControl* edit = desktop.createConsole("KOVA Messages", kConsoleWidth, kConsoleHeight);
   if (!edit) return false;
   console = std::make_unique<MessageConsole>(*edit);
-  imageCacheMemory = std::make_unique_for_overwrite<uint8_t[]>(kImageCacheSize);
+  imageCacheMemory.reset(new uint8_t[kImageCacheSize]);  // not filled with zeros
   engine.start(imageCacheMemory.get(), kImageCacheSize);
   bobInitCompiler();
   return true;

@@ -1,7 +1,9 @@
 #include "kit/readjson.h"
 
+#include <cerrno>
 #include <charconv>
 #include <cstdint>
+#include <cstdlib>
 
 #include "kit/errors.h"
 #include "kit/utf8.h"
@@ -114,8 +116,14 @@ class JsonReader {
       digits();
     }
     double found = 0;
-    const auto [end, error] = std::from_chars(text.data() + begin, text.data() + at, found);
-    if (error != std::errc()) fail("a number that is not as large or small");
+#ifdef __cpp_lib_to_chars
+    const bool fits = std::from_chars(text.data() + begin, text.data() + at, found).ec == std::errc();
+#else  // where a library lacks that for doubles, no program changes the locale
+    errno = 0;
+    found = std::strtod(std::string(text.substr(begin, at - begin)).c_str(), nullptr);
+    const bool fits = errno == 0;
+#endif
+    if (!fits) fail("a number that is not as large or small");
     return found;
   }
 

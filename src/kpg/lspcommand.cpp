@@ -11,6 +11,6 @@ void addLspCommand(CommandLine& line) {
   command.flag("--stdio", *stdio, "Nothing: editors add it, and the standard input and output are always used");
   command.runs([] {
     RpcConnection connection;
-    if (LspServer(connection).run() != 0) throw CommandFailure(1, "");
+    if (LspServer(connection).run(connection) != 0) throw CommandFailure(1, "");
   });
 }

@@ -1,27 +1,35 @@
-// kpg watch: takes the picture of a page again whenever something that it is made of is saved.
+// kpg watch: takes the picture of a page again, or shows it in browsers anew, whenever something that it is made of is
+// saved.
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <mutex>
 
 #include "kit/errors.h"
 #include "kit/files.h"
+#include "kit/json.h"
 #include "kit/pictures/png.h"
 #include "kit/project/livefiles.h"
 #include "kit/run/pagerun.h"
+#include "kit/serve/pageserver.h"
 #include "kit/watch/filewatch.h"
 #include "kpg/commands.h"
 #include "kpg/pageactions.h"
 
 namespace {
 
+namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
 struct WatchOptions : PageRunOptions {
-  std::string page, output, log;
+  std::string page, output, log, viewer;
   std::vector<PageAction> actions;
+  bool serve = false;
+  size_t port = 0;
 };
 
 std::atomic<bool> isToEnd = false;
@@ -32,12 +40,19 @@ void endOn(int signal) {
 
 class PageWatch {
  public:
-  explicit PageWatch(WatchOptions o) : options(std::move(o)), files(options.page) {
+  explicit PageWatch(WatchOptions o)
+      : options(std::move(o)),
+        files(options.page),
+        server(options.viewer, [this](const fs::path& file) { return bytesOf(file); }) {
     options.files = &files;
     options.lines = true;
   }
 
   void run() {
+    if (options.serve) {
+      server.start(int(options.port));
+      std::cout << server.address() << std::endl;
+    }
     constexpr std::chrono::milliseconds kBetweenLooks{200};  // whether somebody wants it to end
     while (!isToEnd) {
       const FileWatch::Time readSince = FileWatch::Time::clock::now();
@@ -51,16 +66,70 @@ class PageWatch {
  private:
   void take() {
     const auto begun = Clock::now();
+    messages.clear();
+    opened.clear();
     try {
-      savePicture();
+      play();
       const auto spent = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begun);
-      std::cout << options.output << ": " << spent.count() << " ms" << std::endl;
+      std::cout << (options.output.empty() ? options.page : options.output) << ": " << spent.count() << " ms"
+                << std::endl;
     } catch (const KitError& e) {
-      std::cout << e.what() << std::endl;  // the picture before stays
+      say(e.what());  // the picture before stays
+    }
+    if (options.serve) server.tell(news());
+  }
+
+  void say(const std::string& message) {
+    std::cout << message << (message.ends_with('\n') ? "" : "\n") << std::flush;
+    messages.push_back(message);
+  }
+
+  // What the viewer's watch.js takes.
+  std::string news() const {
+    JsonWriter json(JsonForm::oneLine);
+    json.beginObject();
+    json.string("page", opened.empty() ? "" : server.placeOf(opened));
+    json.beginArray("messages");
+    for (const std::string& message : messages) json.string("", message);
+    json.endArray();
+    json.endObject();
+    return json.text();
+  }
+
+  // For browsers: what is made of the sources, or is there.
+  std::optional<std::string> bytesOf(const fs::path& file) {
+    const std::lock_guard lock(playing);
+    if (const MadeFile* made = files.find(file)) return made->bytes;
+    fs::path there = file;
+    if (std::error_code error; !fs::is_regular_file(there, error)) {
+      there = files.findIgnoringCase(file);
+      if (there.empty()) return {};
+      if (const MadeFile* made = files.find(there)) return made->bytes;
+    }
+    if (!isOfPage(there)) return {};
+    try {
+      const std::vector<uint8_t> bytes = readFile(there.string());
+      return std::string(bytes.begin(), bytes.end());
+    } catch (const KitError&) {
+      return {};
     }
   }
 
-  void savePicture() {
+  // Beside the page, in its project, or what it has been seen to read elsewhere.
+  bool isOfPage(const fs::path& file) const {
+    const auto isBelow = [&](const fs::path& folder) {
+      const fs::path way = file.lexically_relative(fs::absolute(folder).lexically_normal());
+      return !way.empty() && *way.begin() != "..";
+    };
+    const fs::path beside = fs::absolute(options.page).parent_path();
+    const std::string project = findProject(beside.string());
+    if (isBelow(beside) || (!project.empty() && isBelow(fs::absolute(project).parent_path()))) return true;
+    return std::any_of(dependencies.begin(), dependencies.end(),
+                       [&](const fs::path& read) { return fs::absolute(read).lexically_normal() == file; });
+  }
+
+  void play() {
+    const std::lock_guard lock(playing);
     files.begin();
     PageRun page(options);
     const auto noteFiles = [&] {
@@ -68,7 +137,7 @@ class PageWatch {
       for (const std::string& file : page.dependencies()) dependencies.emplace_back(file);
     };
     try {
-      const auto warn = [](const KitMessage& warning) { std::cout << warning.whole() << std::endl; };
+      const auto warn = [this](const KitMessage& warning) { say(warning.whole()); };
       if (!page.load(options.page, warn)) throw page.refusal(options.page);
       for (const PageAction& action : options.actions) page.act(action);
     } catch (const KitError&) {
@@ -76,11 +145,13 @@ class PageWatch {
       throw;
     }
     noteFiles();
-    for (const std::string& complaint : page.complaintsWithPlaces()) std::cout << complaint << std::flush;
+    opened = files.pageOf(options.page);
+    for (const std::string& complaint : page.complaintsWithPlaces()) say(complaint);
     if (!page.stopped().empty()) throw KitError(options.page, page.stopped());
     refuseClashes({options.output, options.log}, page.inputs());
     const std::string log = page.logWithPlaces();
     if (!options.log.empty()) writeFile(options.log, log.data(), log.size());
+    if (options.output.empty()) return;
     const PagePicture picture = page.take();
     writePng(options.output, picture.width, picture.height, picture.pixels);
   }
@@ -88,12 +159,30 @@ class PageWatch {
   WatchOptions options;
   LiveFiles files;
   FileWatch watch;
-  std::vector<std::filesystem::path> dependencies;
+  std::vector<fs::path> dependencies;
+  std::vector<std::string> messages;  // of the last attempt
+  fs::path opened;                    // the page as the player opens it; empty while it can't
+  std::mutex playing;                 // the files
+  PageServer server;                  // goes first, as it asks for the files
 };
 
-void watchPage(const WatchOptions& options) {
+// Where the viewer is installed, or built, with this program.
+std::string viewerBeside() {
+  std::error_code error;
+  const fs::path here = fs::read_symlink("/proc/self/exe", error).parent_path();
+  for (const char* folder : {"../share/vistrel/viewer", "../../../web/viewer"})
+    if (fs::is_regular_file(here / folder / "vistrel-player.wasm", error)) return (here / folder).string();
+  return "";
+}
+
+void watchPage(WatchOptions options) {
+  if (options.output.empty() && !options.serve) throw KitError("say where the picture goes (-o), or --serve");
+  if (options.serve && options.viewer.empty()) options.viewer = viewerBeside();
+  if (options.serve && !fs::is_regular_file(fs::path(options.viewer) / "watch.html"))
+    throw KitError(options.viewer.empty() ? "the viewer isn't installed with kpg; say where it is (--viewer)"
+                                          : options.viewer + ": the viewer isn't there");
   refuseClashes({options.output, options.log}, {options.page});
-  if (!std::filesystem::is_regular_file(options.page)) throw KitError(options.page, "is not there");
+  if (!fs::is_regular_file(options.page)) throw KitError(options.page, "is not there");
   endOn(SIGINT);
   endOn(SIGTERM);
   PageWatch(options).run();
@@ -107,7 +196,13 @@ void addWatchCommand(CommandLine& line) {
   command.add("page", options->page, "The page or its source; all that it names is made in memory")
       .required()
       .type("PAGE.kpg|PAGE.yaml");
-  command.add("-o,--out", options->output, "The picture to write").required().type("OUT.png");
+  command.add("-o,--out", options->output, "The picture to write").type("OUT.png");
+  command.flag("--serve", options->serve,
+               "Show the page in browsers of this machine: open the address that is printed, and keys go to the page");
+  command.add("--port", options->port, "The port to listen on; by default any that is free")
+      .type("PORT")
+      .between(1, 65535);
+  command.add("--viewer", options->viewer, "Where the viewer is; by default where it is installed").type("FOLDER");
   command.add("--log", options->log, "Where to write what the console showed").type("FILE");
   command.flag("--read-only", options->readOnly, "Let no script write a file");
   addTimeLimit(command, options->limitSeconds);

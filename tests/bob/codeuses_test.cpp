@@ -40,17 +40,17 @@ std::string shown(const BobKnownValue& value) {
 
 std::string shown(const BobCodeUses& code) {
   std::string text;
-  for (const BobUse& use : code.uses) {
+  for (const BobCodeUse& use : code.uses) {
     std::string arguments;
     for (const BobKnownValue& argument : use.arguments) arguments += (arguments.empty() ? "" : ", ") + shown(argument);
     const std::string member = shown(use.object) + "." + use.name;
     switch (use.kind) {
-      case BobUse::readGlobal: text += use.name; break;
-      case BobUse::setGlobal: text += use.name + " = " + shown(use.value); break;
-      case BobUse::readMember: text += member; break;
-      case BobUse::setMember: text += member + " = " + shown(use.value); break;
-      case BobUse::call: text += shown(use.object) + "(" + arguments + ")"; break;
-      case BobUse::send: text += member + "(" + arguments + ")"; break;
+      case BobCodeUse::readGlobal: text += use.name; break;
+      case BobCodeUse::setGlobal: text += use.name + " = " + shown(use.value); break;
+      case BobCodeUse::readMember: text += member; break;
+      case BobCodeUse::setMember: text += member + " = " + shown(use.value); break;
+      case BobCodeUse::call: text += shown(use.object) + "(" + arguments + ")"; break;
+      case BobCodeUse::send: text += member + "(" + arguments + ")"; break;
     }
     text += "; ";
   }

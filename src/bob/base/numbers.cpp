@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <limits>
 
 #include "bob/base/ascii.h"
@@ -23,6 +24,8 @@ bool takeSign(std::string_view& text) {
   return negative;
 }
 
+#ifdef __cpp_lib_to_chars
+
 // from_chars leaves the value alone when the number is out of range: it is then infinite or 0, whichever side of 1
 // it lies. That takes the first digit's place and the exponent together: a long fraction can have a large exponent.
 double outOfRange(std::string_view number, bool hex) {
@@ -38,6 +41,32 @@ double outOfRange(std::string_view number, bool hex) {
   const int64_t place = int64_t(point) - int64_t(first);
   return place * (hex ? 4 : 1) + (negative ? -exponent : exponent) > 0 ? HUGE_VAL : 0.0;
 }
+
+// What stands at the beginning of the text; 0 for no number. A hexadecimal one comes without its 0x.
+double parseUnsigned(std::string_view text, bool hex) {
+  double value = 0;
+  const auto format = hex ? std::chars_format::hex : std::chars_format::general;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, format);
+  if (error == std::errc::result_out_of_range) value = outOfRange(text.substr(0, size_t(end - text.data())), hex);
+  return value;
+}
+
+char* formatGeneral(char* begin, char* end, double number) {
+  return std::to_chars(begin, end, number, std::chars_format::general, 6).ptr;
+}
+
+#else  // a library that lacks these; where it is used, no program changes the locale
+
+double parseUnsigned(std::string_view text, bool hex) {
+  if (text.empty() || text.front() == '+' || bobIsSpace(text.front())) return 0;  // strtod would skip it
+  return std::strtod(((hex ? "0x" : "") + std::string(text)).c_str(), nullptr);
+}
+
+char* formatGeneral(char* begin, char* end, double number) {
+  return begin + std::snprintf(begin, size_t(end - begin), "%.6g", number);
+}
+
+#endif
 
 // Flags, width and precision of one conversion, each number cut to what the buffer can show.
 size_t readConversion(std::string_view text, std::string& spec) {
@@ -78,24 +107,17 @@ double bobParseFloat(std::string_view text) {
   skipSpace(text);
   const bool negative = takeSign(text);
   if (!text.empty() && text.front() == '-') return 0;  // from_chars would take a second sign
-  std::chars_format format = std::chars_format::general;
   const bool hex = text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X') &&
                    (bobDigitOf(text[2], 16) >= 0 || text[2] == '.');
-  if (hex) {
-    text.remove_prefix(2);
-    format = std::chars_format::hex;
-  }
-  double value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, format);
-  if (error == std::errc::result_out_of_range) value = outOfRange(text.substr(0, size_t(end - text.data())), hex);
+  if (hex) text.remove_prefix(2);
+  const double value = parseUnsigned(text, hex);
   return negative ? -value : value;
 }
 
 std::string bobFormatFloat(double number) {
   char buffer[64];
   if (std::isnan(number)) number = std::fabs(number);
-  const auto end = std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::general, 6).ptr;
-  std::string text(buffer, end);
+  std::string text(buffer, formatGeneral(buffer, buffer + sizeof buffer, number));
   return text.find('.') == std::string::npos ? text + ".0" : text;
 }
 

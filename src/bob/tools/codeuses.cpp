@@ -62,7 +62,7 @@ class Walker {
       case kOpT: val = {Known::truth}; return;
       case kOpNil: val = {Known::nil}; return;
       case kOpGref: return readGlobal(at, symbolAt(bobWordAt(p + 1)));
-      case kOpGset: return use({BobUse::setGlobal, at, symbolAt(bobWordAt(p + 1)), {}, val});
+      case kOpGset: return use({BobCodeUse::setGlobal, at, symbolAt(bobWordAt(p + 1)), {}, val});
       case kOpPush: return push(val);
       case kOpOver: return push(below(1));
       case kOpDup: return push(below(0));
@@ -109,7 +109,7 @@ class Walker {
 
   // ---- instructions
 
-  void use(BobUse u) { found.uses.push_back(std::move(u)); }
+  void use(BobCodeUse u) { found.uses.push_back(std::move(u)); }
 
   std::string symbolAt(uint32_t number) const {
     const BobValue value = number < literals ? interp->words(code)[kCodeElements + number] : kBobNil;
@@ -133,28 +133,28 @@ class Walker {
   }
 
   void readGlobal(uint32_t at, const std::string& name) {
-    use({BobUse::readGlobal, at, name, {}, {}});
+    use({BobCodeUse::readGlobal, at, name, {}, {}});
     val = {Known::path, name};
   }
 
   void readMember(uint32_t at) {
     const Known object = pop();
     const std::string name = val.kind == Known::symbol ? val.name : "";
-    use({BobUse::readMember, at, name, object, {}});
+    use({BobCodeUse::readMember, at, name, object, {}});
     val = object.kind == Known::path && !name.empty() ? Known{Known::path, object.name + "." + name} : Known{};
   }
 
   void setMember(uint32_t at) {
     const Known key = pop(), object = pop();
-    use({BobUse::setMember, at, key.kind == Known::symbol ? key.name : "", object, val});
+    use({BobCodeUse::setMember, at, key.kind == Known::symbol ? key.name : "", object, val});
   }
 
   // `slots` are the arguments, this and _next; below those lies the function, or the object and the selector.
   void call(uint32_t at, uint32_t slots) {
-    BobUse made{BobUse::call, at, "", {}, {}};
+    BobCodeUse made{BobCodeUse::call, at, "", {}, {}};
     for (uint32_t i = slots; i > 2; --i) made.arguments.push_back(below(i - 3));
     if (bytes[at] == kOpSend) {
-      made.kind = BobUse::send;
+      made.kind = BobCodeUse::send;
       const Known selector = slots < 2 ? Known{} : below(slots - 1);
       made.name = selector.kind == Known::symbol ? selector.name : "";
       made.object = below(slots);

@@ -20,7 +20,7 @@ struct BobKnownValue {
   bool isPath(const char* other) const { return kind == path && name == other; }
 };
 
-struct BobUse {
+struct BobCodeUse {
   enum Kind { readGlobal, setGlobal, readMember, setMember, call, send } kind;
   uint32_t offset;                         // of the instruction
   std::string name;                        // of the global, the member or the method; empty for a computed one
@@ -31,7 +31,7 @@ struct BobUse {
 
 struct BobCodeUses {
   uint64_t hash = 0;  // bobCodeHash
-  std::vector<BobUse> uses;
+  std::vector<BobCodeUse> uses;
   std::vector<uint32_t> throws;        // offsets of what is no more than the end of its value
   std::optional<uint32_t> unevenAt;    // where paths meet that have left different blocks, so that the code goes wrong
   std::vector<BobCodeUses> functions;  // in it, in order

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <iterator>
 
 #include "gfx/foundation/hsmatrix.h"
 #include "gfx/pixel/hsgbitmap.h"
@@ -45,8 +46,8 @@ constexpr uint8_t kBilerpWeights[16][4] = {
     {8, 0, 8, 0},  {6, 2, 6, 2},  {4, 4, 4, 4}, {2, 6, 2, 6},   //
     {4, 0, 12, 0}, {3, 1, 9, 3},  {2, 2, 6, 6}, {1, 3, 3, 9},
 };
-static_assert(std::ranges::all_of(kBilerpWeights,
-                                  [](const uint8_t (&w)[4]) { return w[0] + w[1] + w[2] + w[3] == 16; }),
+static_assert(std::all_of(std::begin(kBilerpWeights), std::end(kBilerpWeights),
+                          [](const uint8_t (&w)[4]) { return w[0] + w[1] + w[2] + w[3] == 16; }),
               "bad table");
 
 // All four channels, two in each product.

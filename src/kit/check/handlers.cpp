@@ -18,8 +18,8 @@ std::string lastName(const std::string& path) { return path.substr(path.rfind('.
 class Handlers {
  public:
   Handlers(const PageCode& c, const Find& f) : code(c), find(f) {
-    code.eachUse([&](const PageFunction&, const BobUse& use) {
-      if (use.kind != BobUse::send) return;
+    code.eachUse([&](const PageFunction&, const BobCodeUse& use) {
+      if (use.kind != BobCodeUse::send) return;
       const bool stopsTimer = use.name == "Clear" || (use.name == "Set" && use.arguments.size() == 1);
       if (stopsTimer && isPath(use.object)) stopped.insert(lastName(use.object.name));
       if (stopsTimer && !isPath(use.object)) stopsUnknown = true;
@@ -29,9 +29,9 @@ class Handlers {
 
   void check() {
     for (const auto& function : code.functions()) {
-      const std::vector<BobUse>& uses = function->code->uses;
+      const std::vector<BobCodeUse>& uses = function->code->uses;
       for (size_t i = 0; i < uses.size(); ++i) {
-        if (uses[i].kind != BobUse::send) continue;
+        if (uses[i].kind != BobCodeUse::send) continue;
         if (uses[i].name == "initialize") checkNewTimer(*function, i);
         if (uses[i].name == "Set") checkSet(*function, uses[i]);
         if (uses[i].name == "Push") checkPush(*function, uses[i]);
@@ -48,15 +48,15 @@ class Handlers {
   // ---- timers
 
   // Where a value is put that has just been made; empty for nowhere, or nowhere known.
-  static std::string storedIn(const std::vector<BobUse>& uses, size_t made) {
+  static std::string storedIn(const std::vector<BobCodeUse>& uses, size_t made) {
     if (made + 1 >= uses.size()) return "";
-    const BobUse& next = uses[made + 1];
-    const bool stores = next.kind == BobUse::setGlobal || next.kind == BobUse::setMember;
+    const BobCodeUse& next = uses[made + 1];
+    const bool stores = next.kind == BobCodeUse::setGlobal || next.kind == BobCodeUse::setMember;
     return stores && next.value.kind == BobKnownValue::made ? next.name : "";
   }
 
   void checkNewTimer(const PageFunction& function, size_t i) const {
-    const BobUse& made = function.code->uses[i];
+    const BobCodeUse& made = function.code->uses[i];
     const bool isTimer = made.object.kind == BobKnownValue::made && made.object.name == "Timer";
     if (!isTimer || made.arguments.size() < 3 || made.arguments[2].kind != BobKnownValue::truth) return;
     if (isZero(made.arguments[1]))
@@ -66,7 +66,7 @@ class Handlers {
     checkOwnClear(function, made, name);
   }
 
-  void checkSet(const PageFunction& function, const BobUse& use) const {
+  void checkSet(const PageFunction& function, const BobCodeUse& use) const {
     if (use.arguments.size() < 2 || use.arguments[1].kind != BobKnownValue::truth) return;
     if (isZero(use.arguments[0]))
       return say("zero-timer", function, use.offset,
@@ -82,13 +82,13 @@ class Handlers {
   }
 
   // Of a timer whose own function clears it.
-  void checkOwnClear(const PageFunction& function, const BobUse& made, const std::string& name) const {
+  void checkOwnClear(const PageFunction& function, const BobCodeUse& made, const std::string& name) const {
     if (name.empty() || made.arguments[0].kind != BobKnownValue::function) return;
     bool setsAgain = false;
-    const BobUse* clear = nullptr;
+    const BobCodeUse* clear = nullptr;
     const BobCodeUses& own = function.code->functions[size_t(made.arguments[0].number)];
-    for (const BobUse& use : own.uses) {
-      if (use.kind != BobUse::send || !isPath(use.object) || lastName(use.object.name) != name) continue;
+    for (const BobCodeUse& use : own.uses) {
+      if (use.kind != BobCodeUse::send || !isPath(use.object) || lastName(use.object.name) != name) continue;
       setsAgain |= use.name == "Set";
       if (use.name == "Clear") clear = &use;
     }
@@ -101,14 +101,14 @@ class Handlers {
   // ---- events
 
   // A vector's Push takes a value.
-  void checkPush(const PageFunction& function, const BobUse& use) const {
+  void checkPush(const PageFunction& function, const BobCodeUse& use) const {
     const bool isOfPage = isPath(use.object) && (use.object.name.starts_with("widgets.") || use.object.name == "frame");
     if (!use.arguments.empty() || isOfPage || removes || !code.isComplete()) return;
     say("stays-active", function, use.offset,
         "nothing removes this target again, and it gets keys before all pages, also when this one has gone");
   }
 
-  void checkHandler(const PageFunction& function, const BobUse& use) {
+  void checkHandler(const PageFunction& function, const BobCodeUse& use) {
     if (!isPath(use.object) || use.arguments.empty()) return;
     const bool isOnEvent = use.name == "OnEvent";
     const char* const again = isOnEvent ? "the target has a function for that event by then, and takes no second one"
@@ -130,8 +130,8 @@ class Handlers {
 
 bool handlesScrolling(const PageCode& code) {
   bool handles = false;
-  code.eachUse([&](const PageFunction&, const BobUse& use) {
-    const bool isHandler = use.kind == BobUse::send && use.name == "OnEvent" && !use.arguments.empty();
+  code.eachUse([&](const PageFunction&, const BobCodeUse& use) {
+    const bool isHandler = use.kind == BobCodeUse::send && use.name == "OnEvent" && !use.arguments.empty();
     const auto isOther = [](const BobKnownValue& id) {
       return id.kind == BobKnownValue::integer && id.number != kScrollLines;
     };

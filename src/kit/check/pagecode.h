@@ -33,7 +33,7 @@ class PageCode {
   template <class F>
   void eachUse(F&& visit) const {
     for (const auto& function : all)
-      for (const BobUse& use : function->code->uses) visit(*function, use);
+      for (const BobCodeUse& use : function->code->uses) visit(*function, use);
   }
 
  private:

@@ -20,20 +20,21 @@ class Scripts {
   Scripts(const CheckedPage& p, OpenedPage& o, const PageCode& c, const Find& f)
       : page(p), opened(o), code(c), find(f) {
     for (const auto& function : code.functions()) findSet(function->code->uses);
-    code.eachUse([&](const PageFunction&, const BobUse& use) {
-      if (use.kind == BobUse::setMember) (isPlayers(use.object) ? setOnWidgets : set).insert(use.name);
-      if (use.kind == BobUse::readMember || use.kind == BobUse::send) read.insert(use.name);
-      if (use.kind == BobUse::call && isOneOf(use.name, {"Eval", "Load", "LoadObjectFile"})) runsOthers = true;
+    code.eachUse([&](const PageFunction&, const BobCodeUse& use) {
+      if (use.kind == BobCodeUse::setMember) (isPlayers(use.object) ? setOnWidgets : set).insert(use.name);
+      if (use.kind == BobCodeUse::readMember || use.kind == BobCodeUse::send) read.insert(use.name);
+      if (use.kind == BobCodeUse::call && isOneOf(use.name, {"Eval", "Load", "LoadObjectFile"})) runsOthers = true;
     });
   }
 
   void check() {
     const bool isOpen = !opened.widgetsOf(page).empty();
-    code.eachUse([&](const PageFunction& function, const BobUse& use) {
-      if (isOpen && use.kind == BobUse::readGlobal && mayCheckGlobals()) checkGlobal(function, use);
-      if (isOpen && (use.kind == BobUse::readMember || use.kind == BobUse::send || use.kind == BobUse::setMember))
+    code.eachUse([&](const PageFunction& function, const BobCodeUse& use) {
+      if (isOpen && use.kind == BobCodeUse::readGlobal && mayCheckGlobals()) checkGlobal(function, use);
+      if (isOpen &&
+          (use.kind == BobCodeUse::readMember || use.kind == BobCodeUse::send || use.kind == BobCodeUse::setMember))
         checkMember(function, use);
-      if (use.kind == BobUse::setMember && use.name == "aliasCount")
+      if (use.kind == BobCodeUse::setMember && use.name == "aliasCount")
         say("alias-count", function, use.offset, "a text style takes an aliasCount for its bgColor");
     });
     for (const auto& function : code.functions()) checkForm(*function);
@@ -48,10 +49,10 @@ class Scripts {
   // ---- names
 
   // A step such as count++ sets nothing that isn't there.
-  void findSet(const std::vector<BobUse>& uses) {
+  void findSet(const std::vector<BobCodeUse>& uses) {
     for (size_t i = 0; i < uses.size(); ++i) {
-      const bool isStep = i > 0 && uses[i - 1].kind == BobUse::readGlobal && uses[i - 1].name == uses[i].name;
-      if (uses[i].kind == BobUse::setGlobal && !isStep) set.insert(uses[i].name);
+      const bool isStep = i > 0 && uses[i - 1].kind == BobCodeUse::readGlobal && uses[i - 1].name == uses[i].name;
+      if (uses[i].kind == BobCodeUse::setGlobal && !isStep) set.insert(uses[i].name);
     }
   }
 
@@ -62,7 +63,7 @@ class Scripts {
   // A page in a frame sees the variables of the page around.
   bool mayCheckGlobals() const { return page.fillsScreen() && code.isComplete() && !runsOthers; }
 
-  void checkGlobal(const PageFunction& function, const BobUse& use) {
+  void checkGlobal(const PageFunction& function, const BobCodeUse& use) {
     if (use.name.empty() || set.contains(use.name) || opened.resolves(use.name)) return;
     unset.insert(use.name);
     say("unset-global", function, use.offset,
@@ -71,26 +72,26 @@ class Scripts {
   }
 
   // What the player has made: widgets, styles and frames, a name deep or two.
-  void checkMember(const PageFunction& function, const BobUse& use) const {
+  void checkMember(const PageFunction& function, const BobCodeUse& use) const {
     if (use.object.kind != BobKnownValue::path || use.name.empty()) return;
     const std::string& object = use.object.name;
     const bool isTable = isOneOf(object, {"widgets", "textStyles"});
     if (!isTable && !isPlayers(use.object) && !isOneOf(object, {"frame", "topFrame"})) return;
     if (std::count(object.begin(), object.end(), '.') > 1 || !opened.resolves(object)) return;
     if (set.contains(use.name) || opened.resolves(object + "." + use.name)) return;
-    if (isTable && use.kind != BobUse::setMember)
+    if (isTable && use.kind != BobCodeUse::setMember)
       say("no-such-name", function, use.offset,
           "there is no " + std::string(object == "widgets" ? "widget" : "text style") + " '" + use.name +
               "', and the script ends there with \"No property\"" + suggestion(use.name, namesIn(object)));
     if (isTable) return;
-    if (use.kind == BobUse::setMember && !read.contains(use.name))
+    if (use.kind == BobCodeUse::setMember && !read.contains(use.name))
       say("unknown-member", function, use.offset,
           "the player keeps '" + use.name + "' with " + object + ", and nothing changes that can be seen" +
               meant(use.name));
-    if (use.kind != BobUse::setMember && !setOnWidgets.contains(use.name))
+    if (use.kind != BobCodeUse::setMember && !setOnWidgets.contains(use.name))
       say("unknown-member", function, use.offset,
           object + " has no '" + use.name + "', and the script ends there with \"" +
-              (use.kind == BobUse::send ? "No method for selector" : "No property") + "\"" + meant(use.name));
+              (use.kind == BobCodeUse::send ? "No method for selector" : "No property") + "\"" + meant(use.name));
   }
 
   std::vector<std::string> namesIn(const std::string& table) const {

@@ -171,7 +171,7 @@ class PageComparison {
       if (now && place.contains(now)) {
         const auto& siblings = old->parent->children;
         const auto at =
-            std::find_if(siblings.begin(), siblings.end(), [&](const auto& each) { return each.get() == old; });
+            std::find_if(siblings.begin(), siblings.end(), [one = old](const auto& each) { return each.get() == one; });
         stayed.emplace_back(size_t(at - siblings.begin()), now);
       }
     std::sort(stayed.begin(), stayed.end());

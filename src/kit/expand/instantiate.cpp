@@ -67,7 +67,7 @@ class Instantiator {
     YamlNode result;
     try {
       guarded([&] { result = value(node, constants); });
-      for (const auto& [name, unused] : definitions.constants) guarded([&] { constant(name); });
+      for (const auto& each : definitions.constants) guarded([&] { constant(each.first); });
     } catch (const TooLarge& e) {
       errors.push_back(e.message);
     }

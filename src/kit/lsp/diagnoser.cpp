@@ -9,7 +9,9 @@ constexpr std::chrono::milliseconds kRest{60};
 
 }  // namespace
 
-Diagnoser::Diagnoser(Done d) : done(std::move(d)), thread([this] { work(); }) {}
+Diagnoser::Diagnoser(Done d, Works works) : done(std::move(d)) {
+  if (works == Works::onItsThread) thread = std::thread([this] { work(); });
+}
 
 Diagnoser::~Diagnoser() {
   {
@@ -17,7 +19,7 @@ Diagnoser::~Diagnoser() {
     ends = true;
   }
   changed.notify_one();
-  thread.join();
+  if (thread.joinable()) thread.join();
 }
 
 void Diagnoser::add(const std::string& path, DiagnosisTask task) {
@@ -31,21 +33,32 @@ void Diagnoser::drop(const std::string& path) {
   waiting.erase(path);
 }
 
+// Diagnoses the first that is due, without the lock. Returns when the first is due where none is yet.
+std::optional<std::chrono::steady_clock::time_point> Diagnoser::takeDue(std::unique_lock<std::mutex>& lock) {
+  const auto first = std::min_element(waiting.begin(), waiting.end(),
+                                      [](const auto& a, const auto& b) { return a.second.due < b.second.due; });
+  if (first->second.due > std::chrono::steady_clock::now()) return first->second.due;
+  const auto next = waiting.extract(first);
+  lock.unlock();
+  const DiagnosisTask& task = next.mapped().task;
+  done(next.key(), task, diagnose(next.key(), task.kind, task.isSaved, readerOf(task.files)));
+  lock.lock();
+  return {};
+}
+
 void Diagnoser::work() {
   std::unique_lock lock(mutex);
   while (true) {
     changed.wait(lock, [this] { return ends || !waiting.empty(); });
     if (ends) return;
-    const auto first = std::min_element(waiting.begin(), waiting.end(),
-                                        [](const auto& a, const auto& b) { return a.second.due < b.second.due; });
-    if (first->second.due > std::chrono::steady_clock::now()) {
-      changed.wait_until(lock, std::chrono::steady_clock::time_point(first->second.due));
-      continue;
-    }
-    const auto next = waiting.extract(first);
-    lock.unlock();
-    const DiagnosisTask& task = next.mapped().task;
-    done(next.key(), task, diagnose(next.key(), task.kind, task.isSaved, readerOf(task.files)));
-    lock.lock();
+    if (const auto due = takeDue(lock)) changed.wait_until(lock, *due);
   }
+}
+
+std::optional<std::chrono::milliseconds> Diagnoser::workNow() {
+  std::unique_lock lock(mutex);
+  while (!waiting.empty())
+    if (const auto due = takeDue(lock))
+      return std::chrono::ceil<std::chrono::milliseconds>(*due - std::chrono::steady_clock::now());
+  return {};
 }

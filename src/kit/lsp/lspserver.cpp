@@ -64,18 +64,20 @@ LspServer::Notification LspServer::notificationNamed(const std::string& method) 
   return find(kNotifications, method);
 }
 
-LspServer::LspServer(RpcConnection& c)
-    : connection(c),
+LspServer::LspServer(RpcSender& c, Diagnoser::Works works)
+    : client(c),
       views(files),
       publisher(c),
-      diagnoser([this](const std::string& path, const DiagnosisTask& task, const Diagnosis& found) {
-        if (found.made) views.setMadeNames(path, found.made);
-        publisher.publish(path, task, found);
-      }) {}
+      diagnoser(
+          [this](const std::string& path, const DiagnosisTask& task, const Diagnosis& found) {
+            if (found.made) views.setMadeNames(path, found.made);
+            publisher.publish(path, task, found);
+          },
+          works) {}
 
-int LspServer::run() {
-  while (!hasEnded && !connection.hasEnded())
-    if (const auto message = connection.take(kForever)) serve(*message);
+int LspServer::run(RpcConnection& messages) {
+  while (!hasEnded && !messages.hasEnded())
+    if (const auto message = messages.take(kForever)) serve(*message);
   return isShutDown ? 0 : 1;
 }
 
@@ -85,9 +87,9 @@ void LspServer::serve(const json& message) {
   if (!method || !method->is_string()) {
     if (message.contains("result") || message.contains("error")) return;  // what the editor answers
     const LspErrorCode code = message.is_null() ? LspErrorCode::parseError : LspErrorCode::invalidRequest;
-    connection.send({{"jsonrpc", "2.0"},
-                     {"id", id ? *id : json()},
-                     {"error", {{"code", int(code)}, {"message", "expecting a message with a method"}}}});
+    client.send({{"jsonrpc", "2.0"},
+                 {"id", id ? *id : json()},
+                 {"error", {{"code", int(code)}, {"message", "expecting a message with a method"}}}});
     return;
   }
   const json* given = findMember(message, "params");
@@ -106,7 +108,7 @@ void LspServer::serve(const json& message) {
   } catch (const std::exception& e) {
     fail(LspErrorCode::internalError, e.what());
   }
-  connection.send(answer);
+  client.send(answer);
 }
 
 json LspServer::resultOf(const std::string& method, const json& params) {
@@ -126,9 +128,9 @@ void LspServer::notify(const std::string& method, const json& params) {
   try {
     (this->*notification)(params);
   } catch (const std::exception& e) {
-    connection.send({{"jsonrpc", "2.0"},
-                     {"method", "window/logMessage"},
-                     {"params", {{"type", 1}, {"message", method + ": " + e.what()}}}});
+    client.send({{"jsonrpc", "2.0"},
+                 {"method", "window/logMessage"},
+                 {"params", {{"type", 1}, {"message", method + ": " + e.what()}}}});
   }
 }
 
@@ -165,10 +167,10 @@ void LspServer::initialized(const json&) {
   const json watcher = {{"globPattern", "**/*.{yaml,yml,bob,csv,png,gif,ttf}"}};
   const json registration = {
       {"id", "files"}, {"method", "workspace/didChangeWatchedFiles"}, {"registerOptions", {{"watchers", {watcher}}}}};
-  connection.send({{"jsonrpc", "2.0"},
-                   {"id", "files"},
-                   {"method", "client/registerCapability"},
-                   {"params", {{"registrations", {registration}}}}});
+  client.send({{"jsonrpc", "2.0"},
+               {"id", "files"},
+               {"method", "client/registerCapability"},
+               {"params", {{"registrations", {registration}}}}});
 }
 
 json LspServer::shutdown(const json&) {

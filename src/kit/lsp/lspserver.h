@@ -15,10 +15,16 @@
 
 class LspServer {
  public:
-  explicit LspServer(RpcConnection& connection);
+  explicit LspServer(RpcSender& client, Diagnoser::Works works = Diagnoser::Works::onItsThread);
 
   // Until the client says exit, or goes away. Returns the exit status: 0 after a shutdown, else 1.
-  int run();
+  int run(RpcConnection& messages);
+
+  // One message. What isn't JSON comes as null.
+  void serve(const nlohmann::json& message);
+
+  // For one whose diagnoser works when it is called; see there.
+  std::optional<std::chrono::milliseconds> diagnoseNow() { return diagnoser.workNow(); }
 
  private:
   using json = nlohmann::json;
@@ -27,7 +33,6 @@ class LspServer {
 
   static Request requestNamed(const std::string& method);
   static Notification notificationNamed(const std::string& method);
-  void serve(const json& message);
   json resultOf(const std::string& method, const json& params);
   void notify(const std::string& method, const json& params);
 
@@ -68,7 +73,7 @@ class LspServer {
   void diagnoseAgain(const std::string& path);
   void diagnoseOne(const OpenFile& file);
 
-  RpcConnection& connection;
+  RpcSender& client;
   EditedFiles files;
   SourceViews views;
   Publisher publisher;

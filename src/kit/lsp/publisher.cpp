@@ -150,6 +150,6 @@ void Publisher::send(const std::set<std::string>& paths, const FileSnapshot& fil
     const auto open = files.find(path);
     json params = {{"uri", open != files.end() ? open->second.uri : uriOfPath(path)}, {"diagnostics", std::move(all)}};
     if (open != files.end()) params["version"] = open->second.version;
-    connection.send({{"jsonrpc", "2.0"}, {"method", "textDocument/publishDiagnostics"}, {"params", std::move(params)}});
+    client.send({{"jsonrpc", "2.0"}, {"method", "textDocument/publishDiagnostics"}, {"params", std::move(params)}});
   }
 }

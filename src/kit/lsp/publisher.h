@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "kit/lsp/diagnoser.h"
-#include "kit/rpc/rpcconnection.h"
+#include "kit/rpc/rpcsender.h"
 
 class Publisher {
  public:
-  explicit Publisher(RpcConnection& c) : connection(c) {}
+  explicit Publisher(RpcSender& c) : client(c) {}
 
   // What is found of files that are not expected, or no more, is dropped: they have been closed meanwhile.
   void expect(const std::string& path);
@@ -29,7 +29,7 @@ class Publisher {
 
   void send(const std::set<std::string>& paths, const FileSnapshot& files);
 
-  RpcConnection& connection;
+  RpcSender& client;
   std::mutex mutex;
   std::set<std::string> expected;
   std::map<std::string, ByFile> found;                   // by the file that was diagnosed

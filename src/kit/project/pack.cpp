@@ -41,7 +41,7 @@ class Packer {
     }
     for (const std::string& file : built.files) {
       if (taken.contains(file)) {
-        pack.files.push_back({file, fs::file_size(outputPath(project, file))});
+        pack.files.push_back({file, size_t(fs::file_size(outputPath(project, file)))});
       } else {
         pack.unused.push_back(file);
       }

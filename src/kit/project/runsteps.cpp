@@ -55,7 +55,8 @@ class Queue {
 void runSteps(const std::vector<BuildStep>& steps, size_t jobs, const std::function<void(size_t)>& run) {
   if (jobs == 0) jobs = std::max(1u, std::thread::hardware_concurrency());
   Queue queue(steps, run);
-  std::vector<std::jthread> threads;
+  std::vector<std::thread> threads;
   for (size_t i = 1; i < std::min(jobs, steps.size()); ++i) threads.emplace_back([&] { queue.work(); });
   queue.work();
+  for (std::thread& thread : threads) thread.join();
 }

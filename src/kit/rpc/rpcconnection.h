@@ -12,7 +12,9 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
-class RpcConnection {
+#include "kit/rpc/rpcsender.h"
+
+class RpcConnection : public RpcSender {
  public:
   // A read of a stream can't be interrupted, so the thread keeps `in` until it ends.
   RpcConnection(std::shared_ptr<std::FILE> in, std::shared_ptr<std::FILE> out);
@@ -23,8 +25,7 @@ class RpcConnection {
   std::optional<nlohmann::json> take(std::chrono::milliseconds wait);
   bool hasEnded() const;  // and everything has been taken
 
-  // From any thread.
-  void send(const nlohmann::json& message);
+  void send(const nlohmann::json& message) override;
 
  private:
   struct Inbox;

@@ -83,11 +83,10 @@ class SuiteRun {
   SuiteReport run() {
     const size_t machine = std::max(1u, std::thread::hardware_concurrency());
     const size_t threads = std::min(options.jobs == 0 ? machine : options.jobs, items.size());
-    {
-      std::vector<std::jthread> others;
-      for (size_t i = 1; i < threads; ++i) others.emplace_back([this] { work(); });
-      work();
-    }
+    std::vector<std::thread> others;
+    for (size_t i = 1; i < threads; ++i) others.emplace_back([this] { work(); });
+    work();
+    for (std::thread& other : others) other.join();
     if (failure) std::rethrow_exception(failure);
     if (options.update) writePictures();
     return std::move(report);

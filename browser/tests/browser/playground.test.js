@@ -1,0 +1,214 @@
+// The playground in a browser: the demo as kpg shows it, edit and see, what comes in and goes out, no network.
+import assert from 'node:assert/strict';
+import {unzipSync, zipSync} from 'fflate';
+import {mkdirSync, mkdtempSync, readFileSync, writeFileSync} from 'node:fs';
+import {createRequire} from 'node:module';
+import {tmpdir} from 'node:os';
+import {join} from 'node:path';
+import {after, before, test} from 'node:test';
+import {addressOf, serve} from '../../serve.js';
+import {demo, run, shot, top} from '../native.js';
+import {hasShown, openBrowser, openPage, pixelsOf, rememberPictures, showsSoon} from './browser.js';
+
+const axe = createRequire(import.meta.url).resolve('axe-core/axe.min.js');
+const playground = join(top, 'build/web/playground');
+const PAGE = (color) => `flags: 16bit\npage: {type: group, width: 720, height: 480, bgColor: "${color}"}\n`;
+let browser, server, address;
+
+before(async () => {
+  server = await serve({'/': playground});
+  address = addressOf(server);
+  browser = await openBrowser();
+});
+
+after(async () => {
+  await browser?.close();
+  server?.close();
+});
+
+const made = (page) => page.waitForFunction(() => Number(document.body.dataset.made) > 0);
+
+async function open(where = '', options = {}) {
+  const opened = await openPage(browser, options);
+  await opened.page.goto(address + where);
+  await made(opened.page);
+  return opened;
+}
+
+/** What kpg shows of a source. */
+function shotOf(source) {
+  const folder = mkdtempSync(join(tmpdir(), 'vistrel-'));
+  writeFileSync(join(folder, 'page.yaml'), source);
+  run('build', join(folder, 'page.yaml'), '-o', join(folder, 'page.kpg'));
+  return shot(join(folder, 'page.kpg')).pixels;
+}
+
+async function chooseArchive(page, files, name = 'mine.zip') {
+  await page.getByRole('button', {name: 'Open…'}).click();
+  await page.locator('#open-files').setInputFiles({name, mimeType: 'application/zip', buffer: Buffer.from(zipSync(files))});
+  await page.getByText(`${name.replace('.zip', '')}: ${Object.keys(files).length} file`).waitFor();
+}
+
+const bytes = (text) => new TextEncoder().encode(text);
+
+async function typeSource(page, text) {
+  await page.locator('.cm-content').click();
+  await page.keyboard.press('Control+a');
+  await page.keyboard.insertText(text);
+}
+
+test('the demo, made in the browser, shows as kpg shows it', async () => {
+  const {page, faults, context} = await open();
+  await rememberPictures(page);
+  for (const name of ['settings', 'tour', 'panel', 'game', 'gallery', 'guide']) {
+    await page.getByLabel('Page', {exact: true}).selectOption(`${name}.yaml`);
+    await hasShown(page, shot(join(demo, `${name}.kpg`)).pixels);
+  }
+  assert.deepEqual(faults, []);
+  await context.close();
+});
+
+test('what is written shows, keys are kept, and errors say where they are', async () => {
+  const {page, faults, context} = await open();
+  await chooseArchive(page, {'page.yaml': bytes(PAGE('#000000'))});
+  assert.ok(await showsSoon(page, shotOf(PAGE('#000000'))));
+  await typeSource(page, PAGE('#FF8000'));
+  assert.ok(await showsSoon(page, shotOf(PAGE('#FF8000'))));
+  await typeSource(page, PAGE('#FF8000').replace('group', 'gruop'));
+  await page.locator('#problem-list').getByText('gruop').first().waitFor();
+  assert.ok(await showsSoon(page, shotOf(PAGE('#FF8000'))), 'the page before stays');
+  await page.locator('#problem-list button').first().click();
+  await typeSource(page, PAGE('#FFFFFF'));
+  assert.ok(await showsSoon(page, shotOf(PAGE('#FFFFFF'))));
+  await page.waitForFunction(() => document.querySelectorAll('#problem-list .error').length === 0);
+  await page.reload();
+  assert.ok(await showsSoon(page, shotOf(PAGE('#FFFFFF'))), 'it is kept');
+  assert.deepEqual(faults, []);
+  await context.close();
+});
+
+test('keys and help come from the language server', async () => {
+  const {page, context} = await open();
+  await chooseArchive(page, {'page.yaml': bytes(PAGE('#000000'))});
+  await typeSource(page, 'flags: 16bit\npage:\n  bgCo');
+  await page.keyboard.press('Control+Space');
+  await page.locator('.cm-tooltip-autocomplete').getByText('bgColor').first().waitFor();
+  await page.keyboard.press('Enter');
+  await page.waitForFunction(() => document.querySelector('.cm-content').innerText.includes('bgColor'));
+  await context.close();
+});
+
+test('the console runs scripts, and one that does not end is ended', async () => {
+  const {page, context} = await open();
+  await page.getByLabel('Script').fill('stdout.Display(6 * 7);');
+  await page.keyboard.press('Enter');
+  await page.locator('#console').getByText('42').waitFor();
+  await page.getByLabel('Script').fill('while (true) {}');
+  await page.keyboard.press('Enter');
+  await page.locator('#notice').getByText('stopped').waitFor();
+  await page.getByLabel('Script').fill('stdout.Display(600 + 7);');
+  await page.keyboard.press('Enter');
+  await page.locator('#console').getByText('607').waitFor();
+  await context.close();
+});
+
+test('a folder comes in by its input, and by being dropped', async () => {
+  const folder = join(mkdtempSync(join(tmpdir(), 'vistrel-')), 'mine');
+  mkdirSync(join(folder, 'pages'), {recursive: true});
+  writeFileSync(join(folder, 'pages/one.yaml'), PAGE('#00FF00'));
+  const {page, faults, context} = await open();
+  await page.locator('#open-folder').setInputFiles(folder);
+  assert.ok(await showsSoon(page, shotOf(PAGE('#00FF00'))));
+  await page.evaluate((text) => {
+    const transfer = new DataTransfer();
+    transfer.items.add(new File([text], 'dropped.yaml'));
+    dispatchEvent(new DragEvent('drop', {dataTransfer: transfer, bubbles: true, cancelable: true}));
+  }, PAGE('#0000FF'));
+  assert.ok(await showsSoon(page, shotOf(PAGE('#0000FF'))));
+  assert.deepEqual(faults, []);
+  await context.close();
+});
+
+test('a project goes out as an archive, and as what the player needs', async () => {
+  const {page, context} = await open();
+  const save = async (name) => {
+    await page.getByRole('button', {name: 'Save…'}).click();
+    const download = page.waitForEvent('download');
+    await page.getByRole('button', {name}).click();
+    return unzipSync(readFileSync(await (await download).path()));
+  };
+  const project = await save(/The project/);
+  assert.deepEqual(Buffer.from(project['guide.bob']), readFileSync(join(top, 'demo/guide.bob')));
+  const packed = await save(/For the player/);
+  for (const name of ['guide.kpg', 'gallery.clut', 'dawn.kpx'])
+    assert.ok(Buffer.from(packed[name] ?? '').equals(readFileSync(join(demo, name))), `${name} as kpg builds it`);
+  await context.close();
+});
+
+test('a link holds the project', async () => {
+  const {page, context} = await open();
+  await chooseArchive(page, {'page.yaml': bytes(PAGE('#123456')), 'other.yaml': bytes(PAGE('#FFFF00'))});
+  await page.getByLabel('Page', {exact: true}).selectOption('other.yaml');
+  await page.getByRole('button', {name: 'Copy link'}).click();
+  await page.waitForFunction(() => location.hash.startsWith('#p='));
+  const link = page.url();
+  await context.close();
+  const other = await open(link.slice(address.length));
+  assert.ok(await showsSoon(other.page, shotOf(PAGE('#FFFF00'))));
+  await other.context.close();
+  const broken = await open(link.slice(address.length, -20));
+  await broken.page.locator('#notice').getByText("can't be read").waitFor();
+  await broken.context.close();
+});
+
+test('files are added, renamed, removed and brought back', async () => {
+  const {page, context} = await open();
+  await chooseArchive(page, {'page.yaml': bytes(PAGE('#123456'))});
+  await page.getByRole('button', {name: 'Add'}).click();
+  await page.getByRole('textbox', {name: 'Name'}).fill('../bad');
+  await page.keyboard.press('Enter');
+  await page.getByRole('alert').getByText('can be in a name').waitFor();
+  await page.getByRole('textbox', {name: 'Name'}).fill('second.yaml');
+  await page.keyboard.press('Enter');
+  await page.getByRole('button', {name: 'second.yaml'}).waitFor();
+  await page.getByRole('button', {name: 'Rename'}).click();
+  await page.getByRole('textbox', {name: 'Name'}).fill('third.yaml');
+  await page.keyboard.press('Enter');
+  await page.getByRole('button', {name: 'third.yaml'}).waitFor();
+  await page.getByRole('button', {name: 'Remove'}).click();
+  await page.getByRole('button', {name: 'third.yaml'}).waitFor({state: 'detached'});
+  await page.getByRole('button', {name: 'Bring it back'}).click();
+  await page.getByRole('button', {name: 'third.yaml'}).waitFor();
+  await context.close();
+});
+
+test('it works without a network', async () => {
+  const {page, context} = await open();
+  await page.evaluate(() => navigator.serviceWorker.ready);
+  await page.reload();
+  await made(page);
+  await context.setOffline(true);
+  await page.reload();
+  await made(page);
+  assert.equal((await pixelsOf(page)).length, 720 * 480 * 4);
+  await context.close();
+});
+
+for (const [title, viewport] of [['a desktop', {width: 1400, height: 900}], ['a telephone', {width: 390, height: 844}]])
+  test(`on ${title} everybody can use it`, async () => {
+    const {page, context} = await open('', {viewport, bypassCSP: true});
+    const check = async () => {
+      await page.addScriptTag({path: axe});
+      const {violations} = await page.evaluate(() => window.axe.run());
+      assert.deepEqual(violations.map(({id, nodes}) => `${id}: ${nodes.map(({target}) => target).join(' ')}`), []);
+    };
+    await check();
+    if (viewport.width < 1000) await page.getByRole('button', {name: 'Source'}).click();
+    await check();
+    const isWider = await page.evaluate(() => document.documentElement.scrollWidth > innerWidth);
+    assert.ok(!isWider, 'it scrolls sideways');
+    await page.getByRole('button', {name: 'New…'}).click();
+    await page.getByRole('dialog').getByText('Start from').waitFor();
+    await check();
+    await context.close();
+  });
