@@ -19,7 +19,8 @@ namespace {
 // A damaged page stays one, whatever it holds.
 bool isTextFile(const std::string& path) try {
   std::error_code error;
-  if (!fs::is_regular_file(path, error) || hsAsciiEqualIgnoringCase(fs::path(path).extension().string().c_str(), ".kpg"))
+  if (!fs::is_regular_file(path, error) ||
+      hsAsciiEqualIgnoringCase(fs::path(path).extension().string().c_str(), ".kpg"))
     return false;
   const std::vector<uint8_t> bytes = readFile(path);
   const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());

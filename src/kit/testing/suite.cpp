@@ -60,8 +60,7 @@ std::vector<SuiteItem> itemsOf(const SuiteOptions& options) {
   for (const std::string& file : testFiles(options.paths)) try {
       for (PageTestCase& test : readTestFile(file).tests) {
         const std::string title = file + ": " + test.name, pattern = "*" + options.only + "*";
-        if (options.only.empty() || matchesWildcards(pattern, title))
-          items.push_back({file, std::move(test), {}});
+        if (options.only.empty() || matchesWildcards(pattern, title)) items.push_back({file, std::move(test), {}});
       }
     } catch (const KitError& e) {
       items.push_back({file, std::nullopt, e.messages});
