@@ -62,7 +62,7 @@ class Programs(unittest.TestCase):
 
     def test_pages_show_the_same_pixels(self):
         for page in PAGES:
-            keys = ['key', 'Down', 'wait', '300', 'key', 'Select', 'wait', '300']
+            keys = ['--key', 'Down', '--wait', '300', '--key', 'Select', '--wait', '300']
             self.kpg('shot', PEER / f'demo/{page}.kpg', *keys, '-o', f'{page}.png')
             self.assert_same_picture(page, page, keys)
 

@@ -97,9 +97,9 @@ class Windows(unittest.TestCase):
     def test_2_a_page_is_shown_and_answers_keys(self):
         wait_for(self.shows, 'settings')
         keys('KOVA Screen', 'Down')
-        wait_for(self.shows, 'settings', 'key', 'Down')
+        wait_for(self.shows, 'settings', '--key', 'Down')
         keys('KOVA Screen', 'm', 'k')
-        wait_for(self.shows, 'settings', 'key', 'Down', 'key', 'DownLeft', 'key', 'Select')
+        wait_for(self.shows, 'settings', '--key', 'Down', '--key', 'DownLeft', '--key', 'Select')
 
     def test_3_a_line_of_the_console_is_a_statement(self):
         type_text('KOVA Messages', 'stdout.Display(6*7);\n')
