@@ -46,7 +46,7 @@ struct Frame : Widget, WidgetOwner {
   PageObject rootObject;               // like language, stale after an unload until the next load
   Widget* widgets = nullptr;           // all the page's widgets; children come before their parent, the root last
   Widget** widgetsTail = &widgets;
-  WidgetNames names;           // of the same
+  WidgetNames names;         // of the same
   uint32_t widgetsMade = 0;  // by the page's load
   Widget* focus = nullptr;
   TextStyles textStyles;
