@@ -49,7 +49,9 @@ void FileWatch::watch(const std::vector<fs::path>& paths, Time readSince) {
       now.insert(files.extract(known));
       continue;
     }
-    File file{stampOf(name), fileHash(name.string())};
+    // The hash first: a save after it has a stamp that shows it.
+    const std::string hash = fileHash(name.string());
+    File file{stampOf(name), hash};
     if (file.seen.exists && file.seen.written + kClockGranularity >= readSince) file = File{};
     now.emplace(name, file);
   }
