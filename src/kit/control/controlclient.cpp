@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 #include <cstring>
 #include <thread>
 
@@ -73,7 +72,6 @@ std::string ControlClient::ask(std::string_view line) {
 }
 
 void joinLocally(const std::string& path) {
-  std::signal(SIGPIPE, SIG_IGN);
   const int there = connectLocally(path);
   std::thread([there] {
     pass(STDIN_FILENO, there);

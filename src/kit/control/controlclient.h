@@ -25,5 +25,5 @@ class ControlClient {
 int connectLocally(const std::string& path);
 
 // Passes on what comes from one side to the other, between the standard streams and the socket, until the socket ends.
-// Throws KitError when nobody listens there.
+// Throws KitError when nobody listens there. SIGPIPE must be ignored.
 void joinLocally(const std::string& path);
