@@ -30,10 +30,9 @@ uint32_t BobTree::nodeAt(size_t offset) const {
   }
 }
 
-BobTree parseBob(std::string_view source, BobSourceKind kind) {
+BobTree parseBob(std::string_view source) {
   BobTree tree;
   tree.source = source;
-  tree.kind = kind;
   tree.tokens = bobTokensOf(source);
   if (tree.tokens.unclosedString) tree.tokens = bobTokensOf(source, true);
   if (parse(&tree, false)) parse(&tree, true);

@@ -16,11 +16,6 @@
 
 #include "kit/language/boblexer.h"
 
-enum class BobSourceKind {
-  kFile,       // a script file
-  kAttribute,  // a script attribute of a page: the same statements
-};
-
 // With the children of each; [x] may be left out, all others are always there, as kMissing if need be. Words,
 // punctuation and comments are tokens only.
 enum class BobNodeKind : uint8_t {
@@ -95,7 +90,6 @@ struct BobSyntaxError {
 
 struct BobTree {
   std::string_view source;  // as it was given: it must outlive the tree
-  BobSourceKind kind = BobSourceKind::kFile;
   BobTokens tokens;
   std::vector<BobNode> nodes;  // children before parents; the root is the last one
   std::vector<uint32_t> childIndices;
@@ -116,4 +110,4 @@ struct BobTree {
 };
 
 // In time and space linear in the source's length, whatever it is.
-BobTree parseBob(std::string_view source, BobSourceKind kind = BobSourceKind::kFile);
+BobTree parseBob(std::string_view source);

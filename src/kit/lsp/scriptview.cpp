@@ -22,18 +22,17 @@ std::string withoutExpressions(std::string text) {
 
 }  // namespace
 
-ScriptCode::ScriptCode(std::string t, BobSourceKind kind)
-    : text(std::move(t)), tree(parseBob(text, kind)), symbols(symbolsOf(tree)) {}
+ScriptCode::ScriptCode(std::string t) : text(std::move(t)), tree(parseBob(text)), symbols(symbolsOf(tree)) {}
 
-std::shared_ptr<const ScriptCode> ScriptView::newCode(std::string text, BobSourceKind kind) {
-  return std::make_shared<const ScriptCode>(std::move(text), kind);
+std::shared_ptr<const ScriptCode> ScriptView::newCode(std::string text) {
+  return std::make_shared<const ScriptCode>(std::move(text));
 }
 
 ScriptView::ScriptView(std::string p, std::shared_ptr<const EditedText> f, const CodeOf& codeOf)
     : path(std::move(p)),
       file(std::move(f)),
       node(nullptr),
-      code(codeOf(file->text(), BobSourceKind::kFile)),
+      code(codeOf(file->text())),
       hasExpressions(false),
       text(code->text),
       tree(code->tree),
@@ -46,7 +45,7 @@ ScriptView::ScriptView(std::string p, std::shared_ptr<const PageView> of, const 
       page(std::move(of)),
       node(&script.pair->value),
       what(script.pair->key + " of " + script.of),
-      code(codeOf(withoutExpressions(node->text), BobSourceKind::kAttribute)),
+      code(codeOf(withoutExpressions(node->text))),
       hasExpressions(code->text != node->text),
       text(code->text),
       tree(code->tree),
@@ -54,7 +53,7 @@ ScriptView::ScriptView(std::string p, std::shared_ptr<const PageView> of, const 
 
 ScriptView::ScriptView(std::string t)
     : node(nullptr),
-      code(newCode(withoutExpressions(std::move(t)), BobSourceKind::kAttribute)),
+      code(newCode(withoutExpressions(std::move(t)))),
       hasExpressions(false),
       text(code->text),
       tree(code->tree),

@@ -14,7 +14,7 @@
 
 // What a script says, wherever it lies; of many scripts in one page most stay as they are from one edit to the next.
 struct ScriptCode {
-  ScriptCode(std::string text, BobSourceKind kind);
+  explicit ScriptCode(std::string text);
   ScriptCode(const ScriptCode&) = delete;
   ScriptCode& operator=(const ScriptCode&) = delete;
 
@@ -25,8 +25,8 @@ struct ScriptCode {
 
 struct ScriptView {
   // How views get the code of a text, which may be known already.
-  using CodeOf = std::function<std::shared_ptr<const ScriptCode>(std::string text, BobSourceKind kind)>;
-  static std::shared_ptr<const ScriptCode> newCode(std::string text, BobSourceKind kind);
+  using CodeOf = std::function<std::shared_ptr<const ScriptCode>(std::string text)>;
+  static std::shared_ptr<const ScriptCode> newCode(std::string text);
 
   ScriptView(std::string path, std::shared_ptr<const EditedText> file, const CodeOf& codeOf = newCode);
   ScriptView(std::string path, std::shared_ptr<const PageView> page, const SourceScript& script,

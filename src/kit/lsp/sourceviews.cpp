@@ -106,9 +106,9 @@ SourceViews::Scripts SourceViews::scripts(const std::string& path) {
   madeOf = text;
   std::unordered_map<std::string, std::shared_ptr<const ScriptCode>> known;
   for (const auto& before : all) known.emplace(before->text, before->code);
-  const ScriptView::CodeOf codeOf = [&](std::string code, BobSourceKind kind) {
+  const ScriptView::CodeOf codeOf = [&](std::string code) {
     const auto found = known.find(code);
-    return found == known.end() ? ScriptView::newCode(std::move(code), kind) : found->second;
+    return found == known.end() ? ScriptView::newCode(std::move(code)) : found->second;
   };
   all.clear();
   if (!isYaml(path)) {
