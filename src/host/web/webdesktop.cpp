@@ -4,9 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <utility>
-
-#include "host/keytable.h"
+#include <memory>
 
 // Module.fetchFile(path) answers a Uint8Array, or null for a file that isn't there. Returns the bytes, which the caller
 // frees, and their number; null for none.
@@ -28,23 +26,6 @@ int WebDesktop::run(uint32_t now, double budget) {
   const auto due = shell.nextTimer();
   if (!due) return -1;
   return *due <= clock ? 0 : int(std::min<uint32_t>(*due - clock, INT32_MAX));
-}
-
-bool WebDesktop::key(std::string_view name) {
-  const auto key = keyMessageNamed(name);
-  if (!key) return false;
-  if (key->virtualKey) {
-    shell.keyDown(key->virtualKey);
-  } else {
-    shell.character(key->character);
-  }
-  return true;
-}
-
-void WebDesktop::typeLine(std::string_view text) {
-  edit.select({edit.textLength(), edit.textLength()});
-  edit.replaceSelection(text);
-  shell.consoleEnter([this] { edit.replaceSelection("\r\n"); });
 }
 
 void WebDesktop::invalidate(const DesktopRect& rect) {

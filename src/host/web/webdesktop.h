@@ -1,16 +1,14 @@
-// A desktop inside of a browser's page, or of node: files that are fetched when the player asks for them, a clock that
-// its caller sets, pixels to read by the rectangle that has changed, and the console's text.
+// A desktop inside of a browser's page, or of node. To one without windows it adds files that are fetched when the player
+// asks for them, a clock that its caller sets, and pixels to read by the rectangle that has changed.
 #pragma once
 
 #include <filesystem>
-#include <optional>
 #include <set>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
-#include "host/edittext.h"
-#include "host/shell.h"
+#include "host/headless/headlessdesktop.h"
 
 // What has changed on the screen: w x h pixels, rows from the top, each four bytes R G B A. w is 0 when nothing has.
 struct WebFrame {
@@ -18,20 +16,12 @@ struct WebFrame {
   const uint32_t* pixels = nullptr;
 };
 
-class WebDesktop : public Desktop {
+class WebDesktop : public HeadlessDesktop {
  public:
-  bool start() { return shell.start(); }
-
   // Sets the clock (milliseconds since the start) and steps until nothing is left to draw, or until `budget`
   // milliseconds have been spent; a script or a load that runs on is not interrupted. Returns when to call it again: 0
   // at once, the milliseconds until the next timer, or -1 for not before somebody does something.
   int run(uint32_t now, double budget);
-
-  // A key of the remote control by its name (keytable.h); false for an unknown one. Does not step.
-  bool key(std::string_view name);
-
-  // Types the text at the end of the console and presses Enter. Does not step.
-  void typeLine(std::string_view text);
 
   // What has changed since the last call; lasts until the next one.
   WebFrame frame();
@@ -42,23 +32,11 @@ class WebDesktop : public Desktop {
   // Forgets what wasn't there, and the files that were fetched: they may have changed.
   void forgetFetched();
 
-  EditControl* createConsole(const std::string&, int, int) override { return &edit; }
   void createScreen(const std::string&, int width, int height) override { invalidate({0, 0, width, height}); }
   void invalidate(const DesktopRect& rect) override;
-  std::optional<std::string> chooseFile(const std::string&, const std::string&, const std::string&) override {
-    return std::nullopt;
-  }
-  void consoleOutput(char c) override { log += c; }
   const std::string* fileMade(const std::filesystem::path& path) override;
-  uint32_t milliseconds() override { return clock; }
-  void quit() override {}
-
-  Shell shell{*this};
 
  private:
-  uint32_t clock = 0;
-  EditText edit;
-  std::string log;
   int left = 0, top = 0, right = 0, bottom = 0;  // what has changed
   std::vector<uint32_t> pixels;
   std::set<std::filesystem::path> fetched, missing;
