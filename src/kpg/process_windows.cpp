@@ -20,7 +20,7 @@ std::vector<std::string> programArguments(int, char**) {
 }
 
 void prepareStandardStreams() {
-  _set_fmode(_O_BINARY);
+  _fmode = _O_BINARY;
   for (std::FILE* stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
   SetConsoleOutputCP(CP_UTF8);
   for (const DWORD stream : {STD_OUTPUT_HANDLE, STD_ERROR_HANDLE}) {
