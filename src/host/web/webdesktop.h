@@ -1,5 +1,5 @@
-// A desktop inside of a browser's page, or of node. To one without windows it adds files that are fetched when the player
-// asks for them, a clock that its caller sets, and pixels to read by the rectangle that has changed.
+// A desktop inside of a browser's page, or of node. To one without windows it adds files that are fetched when the
+// player asks for them, a clock that its caller sets, and pixels to read by the rectangle that has changed.
 #pragma once
 
 #include <filesystem>
