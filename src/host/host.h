@@ -48,8 +48,9 @@ uint32_t hostMilliseconds();
 
 struct HostFile;
 
-// Opens for reading; null when there is no such file. Separators may be '/' or '\', and a name that does not exist
-// exactly so is tried without regard to case, since pages come from a system that had none.
+// Opens for reading; null when there is no such file, and when it is none that a page may read, which the console
+// tells. Separators may be '/' or '\', and a name that does not exist exactly so is tried without regard to case, since
+// pages come from a system that had none.
 HostFile* hostOpen(const char* name);
 size_t hostRead(HostFile* file, void* buffer, size_t size);  // the bytes read
 void hostClose(HostFile* file);
@@ -59,3 +60,7 @@ bool hostHasFileSystem();
 
 // A name, as a page gives it, of a file that is to be written: relative to the page's folder, and otherwise unchanged.
 std::string hostFullName(const char* name);
+
+// Whether a script may open a file of this name, as the page gives it. The console tells when it may not. One that is
+// read is looked at once more when it is opened.
+bool hostLetsScriptOpen(const char* name, bool forWriting);

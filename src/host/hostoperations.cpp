@@ -145,6 +145,8 @@ const std::string* findInMemory(const fs::path& name) {
   return nullptr;
 }
 
+void refuse(const char* name, const char* why) { hostLog("'%s' is not opened: %s\n", name, why); }
+
 }  // namespace
 
 HostFile* hostOpen(const char* name) {
@@ -156,6 +158,10 @@ HostFile* hostOpen(const char* name) {
     return file.release();
   }
   const fs::path path = resolve(wanted);
+  if (shell && !path.empty() && !shell->access.mayRead(path, shell->folder)) {
+    refuse(name, "it is outside the folders that the page may read");
+    return nullptr;
+  }
   if (!path.empty()) file->disk.reset(openFile(path, "rb"));
   if (!file->disk) {
     if (shell) shell->desktop.fileMissing(folder() / wanted);
@@ -193,3 +199,15 @@ size_t hostFileSize(HostFile* file) {
 bool hostHasFileSystem() { return true; }
 
 std::string hostFullName(const char* name) { return (folder() / name).string(); }
+
+bool hostLetsScriptOpen(const char* name, bool forWriting) {
+  const Shell* shell = currentShell();
+  if (!shell) return true;
+  if (!shell->access.scriptsOpenFiles) {
+    refuse(name, "scripts may open no files");
+    return false;
+  }
+  if (!forWriting || shell->access.mayWrite(hostFullName(name), shell->folder)) return true;
+  refuse(name, "it is no plain file in the page's folder");
+  return false;
+}

@@ -14,6 +14,7 @@
 #include "engine/engine.h"
 #include "host/console.h"
 #include "host/desktop.h"
+#include "host/fileaccess.h"
 #include "host/screen.h"
 
 enum class Command { loadPage = 1000, exit = 1001 };
@@ -42,7 +43,8 @@ class Shell : public Host {
   bool busy() const { return engine.busy(); }  // whether a step would do anything but fire timers
   std::optional<uint32_t> nextTimer() const { return engine.timers.nextDue(); }  // on the desktop's clock
 
-  // Messages, in the terms that the windows get them. Each is to be followed by a step.
+  // Messages, in the terms that the windows get them. Each is to be followed by a step. What these, a step and a load
+  // can't get the memory for is left undone, and the console says so.
   void keyDown(int virtualKey);
   void character(char c);
   void command(Command command);
@@ -56,6 +58,7 @@ class Shell : public Host {
   ScreenSurface screen;
   std::unique_ptr<MessageConsole> console;
   std::filesystem::path folder;  // where relative names lead; empty for where the program was started
+  FileAccess access;
   // Bytes by the full name of their file, which are found before what the disk has, if it has any.
   std::map<std::filesystem::path, std::string> filesInMemory;
 

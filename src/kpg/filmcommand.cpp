@@ -22,10 +22,7 @@ struct FilmCommandOptions : PageRunOptions {
   std::vector<PageAction> actions;
 };
 
-void play(const FilmCommandOptions& options, FilmSink& sink) {
-  StandardOutputAside aside;
-  PreparedPages pages([](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; });
-  pages.prepare(options.page);
+void play(const FilmCommandOptions& options, const PreparedPages& pages, FilmSink& sink) {
   PageRun run(options);
   if (!pages.open(run, options.page)) throw run.refusal(options.page);
   refuseClashes({options.output}, run.inputs());
@@ -36,10 +33,26 @@ void play(const FilmCommandOptions& options, FilmSink& sink) {
   film.finish();
 }
 
+// Of a folder that is to be made, as far as it is there.
+fs::path existingPartOf(fs::path folder) {
+  for (folder = fs::absolute(folder); !fs::is_directory(folder); folder = folder.parent_path())
+    ;
+  return folder;
+}
+
+void playAside(const FilmCommandOptions& options, FilmSink& sink, const std::vector<fs::path>& alsoWritable = {}) {
+  StandardOutputAside aside;
+  PreparedPages pages([](const KitMessage& warning) { std::cerr << warning.whole() << "\n"; });
+  pages.prepare(options.page);
+  ThreadFolders folders = foldersOf(pages.pathOf(options.page), options);
+  folders.writable.insert(folders.writable.end(), alsoWritable.begin(), alsoWritable.end());
+  runContained(folders, [&] { play(options, pages, sink); });
+}
+
 template <class Sink>
 void playIntoFile(const FilmCommandOptions& options) {
   Sink sink;
-  play(options, sink);
+  playAside(options, sink);
   writeFile(options.output, sink.bytes().data(), sink.bytes().size());
 }
 
@@ -49,7 +62,7 @@ void film(const FilmCommandOptions& options) {
   if (kind == ".png" || kind == ".apng" || isStandardOutput(options.output)) return playIntoFile<AnimatedPng>(options);
   if (!kind.empty()) KpgCommand::refuse("--out: a film is a .gif, an animated .png or a folder");
   FilmFolder sink(options.output);
-  play(options, sink);
+  playAside(options, sink, {existingPartOf(options.output)});
 }
 
 }  // namespace
@@ -77,7 +90,7 @@ void addFilmCommand(CommandLine& line) {
       .between(0, 60000)
       .type("MS");
   command.flag("--read-only", options->readOnly, "Let no script write a file");
-  addTimeLimit(command, options->limitSeconds);
+  addRunLimits(command, *options);
   addPageActions(command, [options](const PageAction& action) { options->actions.push_back(action); });
   command.runs([options] { film(*options); });
 }

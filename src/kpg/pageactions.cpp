@@ -3,13 +3,31 @@
 #include "host/keytable.h"
 #include "kit/run/recording.h"
 
-void addTimeLimit(KpgCommand& command, double& seconds) {
-  seconds = 10;
+namespace {
+
+constexpr size_t kMostSteps = 4'000'000'000;
+
+}  // namespace
+
+void addRunLimits(KpgCommand& command, RunLimits& limits) {
+  limits.limitSeconds = 10;
   command
-      .add("--timeout", seconds,
+      .each(
+          "--files", [&limits](const std::string& name) { limits.reach = *fileReachNamed(name); },
+          "Which files scripts may open: those of the page's folder, its project and the machine's fonts (page, the "
+          "default), all, or none")
+      .type("page|all|none")
+      .oneOf({"page", "all", "none"}, "such choice");
+  command
+      .add("--timeout", limits.limitSeconds,
            "End what runs for longer than this processor time after the load or an action; 10 by default, 0 for never")
       .type("SECONDS")
       .notNegative();
+  command
+      .add("--max-steps", limits.limitSteps,
+           "End what makes more branches and calls of scripts than this after the load or an action")
+      .type("N")
+      .between(1, kMostSteps);
 }
 
 void addPageActions(KpgCommand& command, const std::function<void(const PageAction&)>& take) {

@@ -5,10 +5,11 @@
 #include <vector>
 
 #include "kit/run/pageaction.h"
+#include "kit/run/runlimits.h"
 #include "kpg/commandline.h"
 
-// How much processor time, in seconds, what runs may take: --timeout, 10 by default.
-void addTimeLimit(KpgCommand& command, double& seconds);
+// What the page may use: --files, --timeout, which is 10 by default, and --max-steps.
+void addRunLimits(KpgCommand& command, RunLimits& limits);
 
 // `take` gets each action.
 void addPageActions(KpgCommand& command, const std::function<void(const PageAction&)>& take);

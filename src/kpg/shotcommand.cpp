@@ -67,7 +67,8 @@ Shot play(const ShotOptions& options, const PreparedPages& pages) {
 
 Shot playAside(const ShotOptions& options, const PreparedPages& pages) {
   StandardOutputAside aside;
-  Shot shot = play(options, pages);
+  Shot shot;
+  runContained(foldersOf(pages.pathOf(options.page), options), [&] { shot = play(options, pages); });
   if (forward(aside.end())) shot.complaints.push_back("");  // which is on the error stream already
   return shot;
 }
@@ -148,7 +149,7 @@ void addShotCommand(CommandLine& line) {
   command.flag("--read-only", options->readOnly, "Let no script write a file");
   command.flag("--strict", options->strict,
                "End with status 1 if a script failed, a file was missing or the system refused anything");
-  addTimeLimit(command, options->limitSeconds);
+  addRunLimits(command, *options);
 
   addPageActions(command, [options](const PageAction& action) { options->actions.push_back(action); });
   command.runs([options] { shoot(*options); });

@@ -11,6 +11,7 @@
 #include "kit/testing/suite.h"
 #include "kit/testing/testreport.h"
 #include "kpg/commands.h"
+#include "kpg/pageactions.h"
 #include "kpg/progressbar.h"
 
 namespace {
@@ -102,11 +103,7 @@ void addTestCommand(CommandLine& line) {
   command.add("--jobs", suite.jobs, "This number of threads; by default as many as the machine runs at once")
       .between(1, 1024);
   command.add("--seed", options->seed, "For the keys of walks; 1 by default").between(0, 0xFFFFFFFF);
-  command
-      .add("--timeout", suite.limitSeconds,
-           "End what runs for longer than this processor time after a step; 10 by default, 0 for never")
-      .type("SECONDS")
-      .notNegative();
+  addRunLimits(command, suite);
   command.add("--shard", options->shard, "Run one of N equal shares of the tests, the one with number I").type("I/N");
   command.add("--json", options->json, "Write all results, for --merge; - for the standard output").type("FILE");
   command.add("--junit", options->junit, "Write the results for build servers").type("FILE.xml");

@@ -205,7 +205,7 @@ void addWatchCommand(CommandLine& line) {
   command.add("--viewer", options->viewer, "Where the viewer is; by default where it is installed").type("FOLDER");
   command.add("--log", options->log, "Where to write what the console showed").type("FILE");
   command.flag("--read-only", options->readOnly, "Let no script write a file");
-  addTimeLimit(command, options->limitSeconds);
+  addRunLimits(command, *options);
   addPageActions(command, [options](const PageAction& action) { options->actions.push_back(action); });
   command.runs([options] { watchPage(*options); });
 }

@@ -190,4 +190,41 @@ TEST_F(ShotTest, TheErrorStreamHasNoStatusAndTheLogIsTheConsoles) {
   }
 }
 
+TEST_F(ShotTest, AStrangersPageIsKeptToItsFolder) {
+  std::filesystem::create_directories("pages/inner");
+  writeText("secret.txt", "secret");
+  writeText("pages/own.txt", "own");
+  build("pages/p.kpg", "page: {}");
+  const std::string lines =
+      " --eval 'new File(\"../secret.txt\", \"r\") ? 1 : 0;' --eval 'new File(\"own.txt\", \"r\") ? 1 : 0;'"
+      " --eval 'new File(\"../made.txt\", \"w\") ? 1 : 0;' --eval 'new File(\"made.txt\", \"w\") ? 1 : 0;'";
+  const std::string refusedReading =
+                        "'../secret.txt' is not opened: it is outside the folders that the page may read\n",
+                    refusedWriting = "'../made.txt' is not opened: it is no plain file in the page's folder\n";
+  for (const char* way : {"", " --files page"}) {
+    EXPECT_EQ(kpg("shot pages/p.kpg --log -" + std::string(way) + lines), 0) << err;
+    EXPECT_EQ(out, refusedReading + "--> 0\n--> 1\n" + refusedWriting + "--> 0\n--> 1\n");
+  }
+  EXPECT_FALSE(std::filesystem::exists("made.txt"));
+  EXPECT_EQ(kpg("shot pages/p.kpg --files none --log -" + lines), 0) << err;
+  EXPECT_EQ(out.find("--> 1"), std::string::npos) << out;
+  EXPECT_EQ(kpg("shot pages/p.kpg --files all --log -" + lines), 0) << err;
+  EXPECT_EQ(out, "--> 1\n--> 1\n--> 1\n--> 1\n");
+  EXPECT_EQ(kpg("shot pages/p.kpg --files some"), 1);
+
+  // A project's folder is the page's as well, for reading.
+  writeText("vistrel.yaml", "pages: [pages/q.yaml]\n");
+  EXPECT_EQ(kpg("shot pages/p.kpg --log -" + lines), 0) << err;
+  EXPECT_EQ(out, "--> 1\n--> 1\n" + refusedWriting + "--> 0\n--> 1\n");
+}
+
+TEST_F(ShotTest, ScriptsEndAfterSoManySteps) {
+  build("p.kpg", "page: {}");
+  const std::string loop = " --eval 'for (i = 0; i < 1000; ++i) ;'";
+  EXPECT_EQ(kpg("shot p.kpg --log - --max-steps 100000" + loop + loop), 0) << err;
+  EXPECT_EQ(out, "--> nil\n--> nil\n");
+  EXPECT_EQ(kpg("shot p.kpg --max-steps 900" + loop), 1);
+  EXPECT_TRUE(err.starts_with("p.kpg: stopped after 900 steps of its scripts in <CompiledCode-")) << err;
+}
+
 }  // namespace

@@ -107,7 +107,9 @@ class AttributesTest : public BlocksTest {
     std::vector<uint32_t> pixels;
     std::string log;
     for (const std::vector<const char*>& keys : {std::vector<const char*>{}, {"Up"}, {"Down"}}) {
-      PageRun run({.readOnly = true});
+      PageRunOptions options;
+      options.readOnly = true;
+      PageRun run(options);
       run.load("page.kpg");
       run.load("page.kpg");  // a slider takes its default colours for the screen as the page before has left it
       for (const char* name : keys) run.act({PageAction::key, name});

@@ -34,8 +34,11 @@ class HostStream : public BobStream {
 
 // Files to be written have exactly the name that the script asks for.
 std::unique_ptr<BobStream> openScriptFile(const char* path, const char* mode) {
-  if (std::string_view(mode).find_first_of("wa+") != std::string_view::npos)
-    return currentScripts().mayWriteFiles ? bobOpenPlainFile(hostFullName(path).c_str(), mode) : nullptr;
+  ScriptRuntime& scripts = currentScripts();
+  const bool writes = std::string_view(mode).find_first_of("wa+") != std::string_view::npos;
+  if (writes && !scripts.mayWriteFiles) return nullptr;
+  if (!std::exchange(scripts.opensPageFile, false) && !hostLetsScriptOpen(path, writes)) return nullptr;
+  if (writes) return bobOpenPlainFile(hostFullName(path).c_str(), mode);
   HostFilePtr file = openHostFile(path);
   return file ? std::make_unique<HostStream>(std::move(file)) : nullptr;
 }

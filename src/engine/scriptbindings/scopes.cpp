@@ -80,6 +80,7 @@ int scriptLoadFile(Frame* frame, const char* path) {
   bool loaded = false;
   if (observerListens()) return 0;
   ScriptWatch watch([&] { return ScriptRun{ScriptKind::file, frame->id, "", 0, path}; });
+  currentScripts().opensPageFile = true;
   loaded = bobTry(bobScopeInterp(scope), [&] { loaded = bobLoadObjectFile(scope, path); }) && loaded;
   watch.ended(loaded);
   return loaded;

@@ -65,7 +65,7 @@ constexpr BobMethodRow kMethods[] = {
 }  // namespace
 
 std::unique_ptr<StringTableFile> StringTableFile::open(const char* name) {
-  const HostFilePtr file = openHostFile(name);
+  const HostFilePtr file = hostLetsScriptOpen(name, false) ? openHostFile(name) : nullptr;
   if (!file) {
     if (logVerbose) hostLog("Can't open '%s'\n", name);
     return nullptr;

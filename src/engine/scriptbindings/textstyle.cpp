@@ -83,7 +83,7 @@ BobValue cacheGlyphsFromFile(BobInterp* interp) {
   void* pointer;
   const char* path;
   bobParse(interp, "P=*S", currentScripts().styleKind, &pointer, &path);
-  const HostFilePtr file = pointer ? openHostFile(path) : nullptr;
+  const HostFilePtr file = pointer && hostLetsScriptOpen(path, false) ? openHostFile(path) : nullptr;
   const auto bytes = file ? readWhole(file.get()) : std::nullopt;
   if (!bytes) return kBobFalse;
   const std::string_view text(reinterpret_cast<const char*>(bytes->data()), bytes->size());

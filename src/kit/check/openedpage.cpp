@@ -18,6 +18,7 @@ constexpr double kMostSeconds = 10;  // of processor time, for scripts that neve
 PageRunOptions optionsOf(LiveFiles& files) {
   PageRunOptions options;
   options.lines = true;
+  options.reach = FileReach::all;  // as the player does it
   options.readOnly = true;
   options.limitSeconds = kMostSeconds;
   options.files = &files;

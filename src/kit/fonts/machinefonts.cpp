@@ -19,19 +19,6 @@ enum Platform : uint16_t { kMacintosh = 1, kWindows = 3 };
 
 constexpr uint32_t kMostTables = 256, kMostNameBytes = 1 << 20;
 
-std::vector<std::string> fontFolders() {
-  std::vector<std::string> folders = {"/usr/share/fonts", "/usr/local/share/fonts", "/Library/Fonts",
-                                      "/System/Library/Fonts"};
-  if (const char* data = std::getenv("XDG_DATA_HOME")) folders.push_back(std::string(data) + "/fonts");
-  if (const char* home = std::getenv("HOME"))
-    for (const char* each : {"/.local/share/fonts", "/.fonts", "/Library/Fonts"})
-      folders.push_back(std::string(home) + each);
-  if (const char* windows = std::getenv("WINDIR")) folders.push_back(std::string(windows) + "\\Fonts");
-  if (const char* local = std::getenv("LOCALAPPDATA"))
-    folders.push_back(std::string(local) + "\\Microsoft\\Windows\\Fonts");
-  return folders;
-}
-
 std::vector<uint8_t> readPiece(std::ifstream& in, uint32_t offset, uint32_t length) {
   std::vector<uint8_t> bytes(length);
   in.clear();
@@ -72,7 +59,20 @@ bool equal(const std::string& a, const std::string& b) { return hsAsciiEqualIgno
 
 }  // namespace
 
-MachineFonts::MachineFonts() : MachineFonts(fontFolders()) {}
+std::vector<std::string> MachineFonts::folders() {
+  std::vector<std::string> folders = {"/usr/share/fonts", "/usr/local/share/fonts", "/Library/Fonts",
+                                      "/System/Library/Fonts"};
+  if (const char* data = std::getenv("XDG_DATA_HOME")) folders.push_back(std::string(data) + "/fonts");
+  if (const char* home = std::getenv("HOME"))
+    for (const char* each : {"/.local/share/fonts", "/.fonts", "/Library/Fonts"})
+      folders.push_back(std::string(home) + each);
+  if (const char* windows = std::getenv("WINDIR")) folders.push_back(std::string(windows) + "\\Fonts");
+  if (const char* local = std::getenv("LOCALAPPDATA"))
+    folders.push_back(std::string(local) + "\\Microsoft\\Windows\\Fonts");
+  return folders;
+}
+
+MachineFonts::MachineFonts() : MachineFonts(folders()) {}
 
 MachineFonts::MachineFonts(const std::vector<std::string>& folders) {
   std::set<std::string> files;

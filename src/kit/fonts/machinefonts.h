@@ -17,6 +17,9 @@ class MachineFonts {
 
   std::vector<std::string> names() const;  // full names and families
 
+  // Where desktops keep them; some may not be there.
+  static std::vector<std::string> folders();
+
  private:
   struct Font {
     std::string file, family, style, fullName;

@@ -3,10 +3,36 @@
 #include <filesystem>
 
 #include "gfx/text/hsgscalercontextt2k.h"
+#include "kit/fonts/machinefonts.h"
+#include "kit/project/project.h"
 
 namespace fs = std::filesystem;
 
-PageRun::PageRun(const PageRunOptions& options) : lines(options.lines), desktop(options.limitSeconds) {
+namespace {
+
+// Beside the page's own folder; the page itself, too, which may be a link.
+std::vector<fs::path> readableAround(const std::string& page) {
+  const std::vector<std::string> fonts = MachineFonts::folders();
+  std::vector<fs::path> readable(fonts.begin(), fonts.end());
+  readable.push_back(page);
+  const std::string project = findProject(fs::absolute(page).parent_path().string());
+  if (!project.empty()) readable.push_back(fs::path(project).parent_path());
+  return readable;
+}
+
+}  // namespace
+
+ThreadFolders foldersOf(const std::string& page, const RunLimits& limits) {
+  if (limits.reach == FileReach::all) return {std::nullopt, {"/"}};
+  ThreadFolders folders{readableAround(page), {}};
+  (limits.readOnly ? *folders.readable : folders.writable).push_back(fs::absolute(page).parent_path());
+  return folders;
+}
+
+PageRun::PageRun(const PageRunOptions& options) : lines(options.lines), desktop(options) {
+  FileAccess& access = desktop.shell.access;
+  access.readAnywhere = access.writeAnywhere = options.reach == FileReach::all;
+  access.scriptsOpenFiles = options.reach != FileReach::none;
   desktop.shell.engine.scriptsMayWriteFiles = !options.readOnly;
   desktop.start();
   desktop.watchScripts(lines ? &places : nullptr);
@@ -49,6 +75,7 @@ bool PageRun::loadMade(const std::string& path, const KitWarn& warn) {
 }
 
 bool PageRun::loadFile(const std::string& page) {
+  desktop.shell.access.readable = readableAround(page);
   desktop.beginActivity();
   if (!desktop.shell.loadPage(fs::absolute(page).string())) return false;
   desktop.settle();

@@ -12,9 +12,11 @@
 #include <vector>
 
 #include "kit/errors.h"
+#include "kit/run/containedthread.h"
 #include "kit/run/madefiles.h"
 #include "kit/run/pageaction.h"
 #include "kit/run/rundesktop.h"
+#include "kit/run/runlimits.h"
 #include "kit/source/pagebuild.h"
 
 struct PagePicture {
@@ -22,13 +24,13 @@ struct PagePicture {
   std::vector<uint32_t> pixels;  // 0x00RRGGBB, rows from the top
 };
 
-struct PageRunOptions {
+struct PageRunOptions : RunLimits {
   bool lines = false;          // tracebacks say where their code was written, as " at FILE:LINE"
-  bool readOnly = false;       // every script's attempt to write a file fails
-  double limitSeconds = 0;     // of processor time, for the load, a key, an evaluation or one millisecond of a wait;
-                               // 0 for no limit. What takes longer is ended, and so is the run.
   MadeFiles* files = nullptr;  // as for PageRun::use
 };
+
+// Where a page, opened by that path, reads and writes files under these limits, for runContained().
+ThreadFolders foldersOf(const std::string& page, const RunLimits& limits);
 
 class PageRun {
  public:

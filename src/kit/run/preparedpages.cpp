@@ -14,7 +14,7 @@ void PreparedPages::prepare(const std::string& page) {
   try {
     prepared = make(page);
   } catch (const KitError& e) {
-    prepared.errors = e.messages;
+    prepared = {page, nullptr, e.messages};
   }
 }
 

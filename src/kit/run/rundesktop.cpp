@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr size_t kMostLog = size_t{64} << 20;  // bytes
+constexpr size_t kMostLog = size_t{16} << 20;  // bytes
 constexpr size_t kMostComplaints = 1000;       // more tell nobody anything new
 constexpr uint32_t kStepsBetweenLooks = 1 << 14;
 
@@ -43,10 +43,26 @@ void RunDesktop::watchScripts(ScriptPlaces* p) {
   bobSetRest(interp, [](BobInterp* i) {
     RunDesktop& desktop = ofThisThread();
     const bool wasStopped = !desktop.stopped().empty();
+    desktop.steps += desktop.stepsOfThisTurn;
     // The first script to be ended says where it was; those that would still run end without a word.
     if (!desktop.mayGoOn(i)) bobRaise(i, wasStopped ? kBobRestart : kBobExit);
+    desktop.beginTurn(i);
   });
-  bobRestOften(interp, kStepsBetweenLooks);
+  beginTurn(interp);
+}
+
+void RunDesktop::beginActivity() {
+  begun.reset();
+  steps = 0;
+  if (limits.limitSteps == 0 || !reason.empty()) return;
+  const EngineScope here(shell.engine);
+  if (BobInterp* interp = scriptInterp()) beginTurn(interp);
+}
+
+void RunDesktop::beginTurn(BobInterp* interp) {
+  stepsOfThisTurn = kStepsBetweenLooks;
+  if (limits.limitSteps != 0) stepsOfThisTurn = uint32_t(std::min<size_t>(stepsOfThisTurn, limits.limitSteps - steps));
+  bobRestOften(interp, stepsOfThisTurn);
 }
 
 void RunDesktop::scriptFailed(BobInterp* interp, int code, const BobErrorArgument& argument) {
@@ -106,19 +122,25 @@ std::vector<std::string_view> RunDesktop::complaints() const {
 bool RunDesktop::mayGoOn(BobInterp* running) {
   if (!reason.empty()) return false;
   if (whileBusy) whileBusy();
-  if (interrupted.exchange(false)) stop("stopped", running);
-  if (limit == 0) return reason.empty();
-  const double now = processorTime();
-  if (!begun) begun = now;
-  if (log.size() > kMostLog) stop(double(kMostLog >> 20), " megabytes of log", running);
-  if (now - *begun > limit)
-    stop(limit, limit == 1 ? " second of processor time" : " seconds of processor time", running);
+  if (interrupted.exchange(false)) {
+    stop("stopped", running);
+  } else if (log.size() > kMostLog) {
+    stop(double(kMostLog >> 20), " megabytes of log", running);
+  } else if (limits.limitSteps != 0 && steps >= limits.limitSteps) {
+    stop(double(limits.limitSteps), limits.limitSteps == 1 ? " step of its scripts" : " steps of its scripts", running);
+  } else if (const double limit = limits.limitSeconds; limit != 0) {
+    const double now = processorTime();
+    if (!begun) begun = now;
+    if (now - *begun > limit)
+      stop(limit, limit == 1 ? " second of processor time" : " seconds of processor time", running);
+  }
   return reason.empty();
 }
 
 void RunDesktop::goOn() {
   const EngineScope here(shell.engine);
-  if (BobInterp* interp = scriptInterp()) bobRestOften(interp, kStepsBetweenLooks);
+  steps = 0;
+  if (BobInterp* interp = scriptInterp()) beginTurn(interp);
   reason.clear();
   interrupted = false;
   beginActivity();
@@ -126,7 +148,7 @@ void RunDesktop::goOn() {
 
 void RunDesktop::stop(double count, const char* unit, BobInterp* running) {
   char number[32];
-  std::snprintf(number, sizeof number, "%g", count);
+  std::snprintf(number, sizeof number, "%.15g", count);
   stop(std::string("stopped after ") + number + unit, running);
 }
 

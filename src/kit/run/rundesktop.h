@@ -14,6 +14,7 @@
 
 #include "bob/bob.h"
 #include "host/headless/headlessdesktop.h"
+#include "kit/run/runlimits.h"
 #include "kit/run/scriptplaces.h"
 
 // Whether a message of the system, which it has written to the console itself, says that something is wrong. Everything
@@ -22,14 +23,14 @@ bool isComplaint(std::string_view systemMessage);
 
 class RunDesktop : public HeadlessDesktop {
  public:
-  // Times are processor time of this thread; 0 seconds is no limit. The limit holds for each step by itself.
-  explicit RunDesktop(double limitSeconds) : limit(limitSeconds) {}
+  // Times are processor time of this thread. Without any limit a script can still be interrupted.
+  explicit RunDesktop(const RunLimits& l) : limits(l) {}
 
   // After the engine has started: listens to its scripts. With `places` errors say where their code was written.
   void watchScripts(ScriptPlaces* places = nullptr);
 
   // Measures from here on. To be called when something begins that is to end by itself.
-  void beginActivity() { begun.reset(); }
+  void beginActivity();
 
   // Why what ran was ended, as what follows the page's name in a message; empty when nothing was.
   const std::string& stopped() const { return reason; }
@@ -77,13 +78,16 @@ class RunDesktop : public HeadlessDesktop {
 
   static RunDesktop& ofThisThread();
   bool mayGoOn(BobInterp* running);
+  void beginTurn(BobInterp* interp);
   void stop(const std::string& why, BobInterp* running);
   void stop(double count, const char* unit, BobInterp* running);
   void scriptFailed(BobInterp* interp, int code, const BobErrorArgument& argument);
   void reportWithPlaces(BobInterp* interp, int code, const BobErrorArgument& argument);
 
-  double limit;                 // seconds
-  std::optional<double> begun;  // seconds of processor time; empty until somebody first asks
+  const RunLimits limits;
+  std::optional<double> begun;   // seconds of processor time; empty until somebody first asks
+  size_t steps = 0;              // since then, those of the present turn included
+  uint32_t stepsOfThisTurn = 0;  // which lasts until the script is looked at next
   std::string reason;
   std::vector<Range> complained;  // in the log
   ScriptPlaces* places = nullptr;

@@ -10,12 +10,11 @@
 #include "kit/testing/testfile.h"
 #include "kit/testing/testresult.h"
 
-struct TestRunOptions {
-  uint32_t seed = 1;         // for walks
-  double limitSeconds = 10;  // of processor time, as of PageRunOptions
-  bool update = false;       // pictures that are missing or differ are wanted, and fail nothing
-  bool films = false;        // a test that fails is filmed
-  bool coverage = false;     // lines of scripts that ran are counted
+struct TestRunOptions : RunLimits {
+  uint32_t seed = 1;      // for walks
+  bool update = false;    // pictures that are missing or differ are wanted, and fail nothing
+  bool films = false;     // a test that fails is filmed
+  bool coverage = false;  // lines of scripts that ran are counted
 };
 
 // What tests on several threads share.

@@ -12,14 +12,16 @@ constexpr double kMostOwed = 250;   // of the page; what a slow machine can't do
 
 }  // namespace
 
-PageDriver::PageDriver(const std::string& p) : page(p, sessionOptions()), watcher([this] { watchSaves(); }) {
+PageDriver::PageDriver(const std::string& p, FileReach reach)
+    : page(p, sessionOptions(reach)), watcher([this] { watchSaves(); }) {
   timer.setTimerType(Qt::PreciseTimer);
   timer.setInterval(kTick);
   QObject::connect(&timer, &QTimer::timeout, &context, [this] { letTimePass(); });
 }
 
-SessionOptions PageDriver::sessionOptions() {
+SessionOptions PageDriver::sessionOptions(FileReach reach) {
   SessionOptions options;
+  options.reach = reach;
   options.lines = true;
   options.prepare = [this](PageRun& run) {
     player = &run.player();

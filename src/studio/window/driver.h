@@ -21,7 +21,7 @@
 
 class PageDriver {
  public:
-  explicit PageDriver(const std::string& page);
+  PageDriver(const std::string& page, FileReach reach);
   ~PageDriver();
   PageDriver(const PageDriver&) = delete;
   PageDriver& operator=(const PageDriver&) = delete;
@@ -57,7 +57,7 @@ class PageDriver {
   std::function<void()> busy;                                         // begun or ended to run for long
 
  private:
-  SessionOptions sessionOptions();
+  SessionOptions sessionOptions(FileReach reach);
   void serveWindows();
   void run(const std::function<void()>& work);
   void open(bool anew);

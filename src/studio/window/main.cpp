@@ -40,14 +40,23 @@ int main(int argc, char** argv) {
                                    "PATH");
   const QCommandLineOption debug("dap", "Let kpg dap --attach debug the page through a socket that is made here",
                                  "PATH");
-  words.addOptions({control, debug, dark, light});
+  const QCommandLineOption files("files",
+                                 "Which files scripts may open: those of the page's folder, its project and the "
+                                 "machine's fonts (page, the default), all, or none",
+                                 "page|all|none", "page");
+  words.addOptions({control, debug, dark, files, light});
   words.process(*application);
   if (words.positionalArguments().size() != 1) {
     std::fputs("vistrel-studio: name one page to open, vistrel-studio PAGE.yaml\n", stderr);
     return 1;
   }
+  const std::optional<FileReach> reach = fileReachNamed(words.value(files).toStdString());
+  if (!reach) {
+    std::fputs("vistrel-studio: --files: page, all or none\n", stderr);
+    return 1;
+  }
   applyLook(*qApp, words.isSet(dark) || (desktopIsDark() && !words.isSet(light)));
-  StudioWindow window(words.positionalArguments().front().toStdString());
+  StudioWindow window(words.positionalArguments().front().toStdString(), *reach);
   try {
     if (words.isSet(control)) window.listenAt(words.value(control).toStdString());
     if (words.isSet(debug)) window.debugAt(words.value(debug).toStdString());

@@ -51,7 +51,7 @@ QScrollArea* scrolled(QWidget* widget) {
 
 }  // namespace
 
-StudioWindow::StudioWindow(const std::string& p) : page(p), driver(p) {
+StudioWindow::StudioWindow(const std::string& p, FileReach reach) : page(p), driver(p, reach) {
   setWindowTitle(QString::fromStdString(std::filesystem::path(page).filename().string()) + "[*] \u2013 Vistrel Studio");
   buildViews();
   buildTools();

@@ -30,7 +30,7 @@ class QToolBar;
 
 class StudioWindow : public QMainWindow {
  public:
-  explicit StudioWindow(const std::string& page);
+  explicit StudioWindow(const std::string& page, FileReach reach = FileReach::page);
 
   // Lets others drive the page through a local socket. Throws KitError when it can't be made.
   void listenAt(const std::string& path);

@@ -67,4 +67,28 @@ TEST_F(TimerTest, ADestroyedTimerIsNeverHeardOfAgain) {
   EXPECT_EQ(passing(9), "a!a.b.c!c.c.");
 }
 
+// Times are compared as they are, so what is due beyond the clock's wrap comes at once, and what was due before it
+// comes when the clock is there again.
+TEST_F(TimerTest, TheClockMayJumpAndWrap) {
+  auto *soon = new NamedTimer('s'), *late = new NamedTimer('l'), *ago = new NamedTimer('a');
+  desktop.clock = 0xFFFFFFF0;
+  timerStart(soon, 0x20, false);       // due at 0x10
+  timerStart(late, 5, false);          // at 0xFFFFFFF5
+  timerStart(ago, UINT32_MAX, false);  // a millisecond ago
+  EXPECT_EQ(timerRemaining(soon), 0x20);
+  EXPECT_EQ(passing(1), "s!s.a!a.");
+  EXPECT_EQ(timerRemaining(ago), -2);
+  EXPECT_EQ(passing(3), "");
+  desktop.clock = 0;  // has wrapped
+  EXPECT_EQ(passing(1000), "");
+  desktop.clock = 0xFFFFFFFE;  // has jumped
+  EXPECT_EQ(passing(1), "l!l.");
+  desktop.clock = 5;  // backwards
+  timerStart(soon, 0, true);
+  soon->onFired = [&] { timerDestroy(soon); };
+  EXPECT_EQ(passing(1), "s!s.");
+  timerDestroy(late);
+  timerDestroy(ago);
+}
+
 }  // namespace

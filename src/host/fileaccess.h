@@ -1,0 +1,19 @@
+// Which files of the disk a page may use, beside what the system's permissions say.
+//
+// A page is a program from somebody else. Names are judged by where they lead, after links, ".." and the search that
+// ignores case. A page opens plain files alone whatever the rules: it would wait at a pipe for ever.
+#pragma once
+
+#include <filesystem>
+#include <vector>
+
+struct FileAccess {
+  bool readAnywhere = true;
+  bool writeAnywhere = false;                   // or in the page's folder and in those within it
+  bool scriptsOpenFiles = true;                 // or the player alone, for what pages are made of
+  std::vector<std::filesystem::path> readable;  // files, and folders with all in them, beside the page's own
+
+  // Both for a full name. The first is for a file that exists; what is to be written may be new.
+  bool mayRead(const std::filesystem::path& file, const std::filesystem::path& pageFolder) const;
+  bool mayWrite(const std::filesystem::path& file, const std::filesystem::path& pageFolder) const;
+};
