@@ -2,12 +2,11 @@
 //
 // The first byte says how many of the following are actions; what is left is the page. It lies under the name "p", so
 // that a page can hold itself.
-#include "folder.h"
-#include "host/headless/headlessdesktop.h"
 #include "kit/errors.h"
 #include "kit/source/pagedump.h"
 #include "kit/source/pagelimits.h"
 #include "kit/source/pageoutline.h"
+#include "player.h"
 #include "support/looking.h"
 
 namespace {
@@ -25,14 +24,10 @@ void act(HeadlessDesktop& desktop, uint8_t action) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size < 1 || size - 1 < data[0]) return 0;
-  enterFolder();
   const uint8_t* actions = data + 1;
   const uint8_t* page = actions + data[0];
+  HeadlessDesktop& desktop = playerWithoutPage();
   writeBytes("p", page, size_t(data + size - page));
-
-  HeadlessDesktop desktop;
-  desktop.start();
-  desktop.settle();
   if (desktop.shell.loadPage("p")) desktop.settle();
   lookAtAll(desktop.shell.engine);
   for (size_t i = 0; i < data[0]; ++i) act(desktop, actions[i]);

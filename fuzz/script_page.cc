@@ -3,14 +3,17 @@
 // The first byte chooses the page, each of the following is one action; bytes from 0x80 on are lines of the console,
 // whose statements take their pieces from the bytes after it.
 #include <string>
+#include <utility>
 
-#include "folder.h"
-#include "host/headless/headlessdesktop.h"
+#include "choices.h"
 #include "kit/files.h"
 #include "kit/source/pagebuild.h"
+#include "player.h"
 #include "support/looking.h"
 
 namespace {
+
+constexpr size_t kEventsBetweenLooks = 16;
 
 constexpr const char* kKeys[] = {"Up", "Down", "Left", "Right", "Select", "Clear", "1", "2", "5", "S"};
 constexpr const char* kObjects[] = {"widgets.a", "widgets.b", "widgets.nest",  "topFrame", "frame",
@@ -69,7 +72,9 @@ std::string pageSource(const std::string& other) {
 }
 
 void buildPages() {
-  if (!enterFolder()) return;
+  enterFolder();
+  static bool built = false;
+  if (std::exchange(built, true)) return;
   for (const auto& [page, other] : {std::pair("one", "two"), std::pair("two", "one")}) {
     const std::string source = pageSource(std::string(other) + ".kpg");
     writeFile(std::string(page) + ".yaml", source.data(), source.size());
@@ -77,23 +82,9 @@ void buildPages() {
   }
 }
 
-class Input {
- public:
-  Input(const uint8_t* data, size_t size) : at(data), end(data + size) {}
-  bool isEmpty() const { return at == end; }
-  uint8_t byte() { return isEmpty() ? 0 : *at++; }
-  template <size_t kCount>
-  std::string pick(const char* const (&list)[kCount]) {
-    return list[byte() % kCount];
-  }
+std::string callOf(Choices& input) { return std::string(input.pick(kObjects)) + input.pick(kCalls) + ";"; }
 
- private:
-  const uint8_t *at, *end;
-};
-
-std::string callOf(Input& input) { return input.pick(kObjects) + input.pick(kCalls) + ";"; }
-
-std::string lineOf(Input& input) {
+std::string lineOf(Choices& input) {
   switch (input.byte() % 4) {
     case 0: return input.pick(kWhole);
     case 1: {
@@ -109,11 +100,9 @@ std::string lineOf(Input& input) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   buildPages();
-  Input input(data, size);
-  HeadlessDesktop desktop;
-  const LookingObserver observer(desktop.shell.engine);
-  desktop.start();
-  desktop.settle();
+  Choices input(data, size);
+  HeadlessDesktop& desktop = playerWithoutPage();
+  const LookingObserver observer(desktop.shell.engine, kEventsBetweenLooks);
   desktop.typeLine("KOVA.f = function (e) { return nil; };");
   desktop.shell.loadPage(input.byte() & 1 ? "one.kpg" : "two.kpg");
   for (int actions = 0; !input.isEmpty() && actions < 60; ++actions) {

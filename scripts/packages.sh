@@ -5,6 +5,7 @@ TEST_PACKAGES="libgtest-dev fonts-liberation fonts-urw-base35 python3 python3-js
 WEB_PACKAGES="emscripten cmake ninja-build nlohmann-json3-dev fonts-dejavu-core nodejs"
 WEB_TEST_PACKAGES="chromium"
 BENCH_PACKAGES="libbenchmark-dev libcairo2-dev libpixman-1-dev liblua5.4-dev libfreetype-dev"
+FUZZ_PACKAGES="clang llvm"
 WINDOWS_PACKAGES="g++-mingw-w64-x86-64-posix cmake ninja-build libcli11-dev nlohmann-json3-dev googletest"
 WINDOWS_TEST_PACKAGES="wine wine64 xdotool imagemagick"
 

@@ -17,10 +17,11 @@ inline size_t lookAtAll(Engine& engine) {
          inspectHeap(engine).collections + size_t(inspectGlyphCache(engine).strikes);
 }
 
-// Looks each time that it hears something, in the middle of scripts, loads and collections, too.
+// Looks each time that it hears something, in the middle of scripts, loads and collections, too, or at every so many of
+// those times.
 class LookingObserver : public EngineObserver {
  public:
-  explicit LookingObserver(Engine& e) : engine(e) { engine.observer = this; }
+  explicit LookingObserver(Engine& e, size_t each = 1) : engine(e), every(each) { engine.observer = this; }
   ~LookingObserver() override { engine.observer = nullptr; }
 
   void stepEnded(uint32_t, const DrawCost&) override { look(); }
@@ -39,7 +40,11 @@ class LookingObserver : public EngineObserver {
   size_t seen = 0;
 
  private:
-  void look() { seen += lookAtAll(engine); }
+  void look() {
+    if (heard++ % every == 0) seen += lookAtAll(engine);
+  }
 
   Engine& engine;
+  const size_t every;
+  size_t heard = 0;
 };

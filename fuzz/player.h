@@ -1,0 +1,30 @@
+// The player for targets that load whole pages: one engine for many inputs, since its start takes longer than most
+// pages, and no pixels of the desktop, which nobody looks at.
+#pragma once
+
+#include <memory>
+
+#include "folder.h"
+#include "host/headless/headlessdesktop.h"
+
+// Without a page, and with little left of the inputs before. The current directory is a folder for the input's files.
+inline HeadlessDesktop& playerWithoutPage() {
+  constexpr int kInputsOfAnEngine = 50;
+  static std::unique_ptr<HeadlessDesktop> desktop;
+  static int inputs = 0;
+  enterFolder();
+  if (!desktop || ++inputs == kInputsOfAnEngine) {
+    desktop.reset();
+    desktop = std::make_unique<HeadlessDesktop>();
+    desktop->start();
+    desktop->shell.screen.take();
+    inputs = 0;
+  }
+  desktop->typeLine("topFrame.UnloadPage();");
+  desktop->typeLine("KOVA.w = KOVA.t = KOVA.e = KOVA.f = KOVA.s = nil; gc();");
+  desktop->settle();
+  desktop->edit.select({0, -1});
+  desktop->edit.replaceSelection("");
+  desktop->log.clear();
+  return *desktop;
+}
