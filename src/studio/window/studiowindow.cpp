@@ -61,7 +61,10 @@ StudioWindow::StudioWindow(const std::string& p) : page(p), driver(p) {
     debugDesk.begin(run);
   };
   driver.edited = [this](const std::string& file) { return edits.unsavedText(file); };
-  driver.changed = [this] { showPage(); };
+  driver.changed = [this] {
+    debugDesk.followNow();
+    showPage();
+  };
   driver.opened = [this] {
     debugDesk.keepOnly(driver.session().run());
     debugDesk.setSilent(false);
@@ -91,6 +94,7 @@ void StudioWindow::followDebugger() {
     console->print(QString::fromStdString(line) + "\n");
     if (editor) editor->print(line);
   };
+  debugDesk.isBusy = [this] { return driver.isBusy(); };
   debugDesk.stopped = [this](const BobStop& stop) { return stand(stop); };
 }
 
