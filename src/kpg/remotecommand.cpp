@@ -89,7 +89,7 @@ void addRemoteCommand(CommandLine& line) {
   command.add("path", options->path, "The socket, as the studio's --control has it").required().type("PATH");
   command
       .add("request", options->words,
-           "What to do, one after the other: key NAME, wait MS, eval TEXT, shot OUT.png, tree, log, reload")
+           "What to do, one after the other: key NAME, wait MS, eval TEXT, shot OUT.png, tree, log, reload, stop")
       .required()
       .type("REQUEST");
   command.flag("--json", options->json, "Print the answers as they come, lines of JSON");

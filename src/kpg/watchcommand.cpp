@@ -8,6 +8,7 @@
 #include <iostream>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 #include "kit/errors.h"
 #include "kit/files.h"
@@ -40,18 +41,16 @@ void endOn(int signal) {
 
 class PageWatch {
  public:
-  explicit PageWatch(WatchOptions o)
-      : options(std::move(o)),
-        files(options.page),
-        server(options.viewer, [this](const fs::path& file) { return bytesOf(file); }) {
+  explicit PageWatch(WatchOptions o) : options(std::move(o)), files(options.page) {
     options.files = &files;
     options.lines = true;
   }
 
   void run() {
     if (options.serve) {
-      server.start(int(options.port));
-      std::cout << server.address() << std::endl;
+      server.emplace(options.viewer, [this](const fs::path& file) { return bytesOf(file); });
+      server->start(int(options.port));
+      std::cout << server->address() << std::endl;
     }
     constexpr std::chrono::milliseconds kBetweenLooks{200};  // whether somebody wants it to end
     while (!isToEnd) {
@@ -76,7 +75,7 @@ class PageWatch {
     } catch (const KitError& e) {
       say(e.what());  // the picture before stays
     }
-    if (options.serve) server.tell(news());
+    if (server) server->tell(news());
   }
 
   void say(const std::string& message) {
@@ -88,7 +87,7 @@ class PageWatch {
   std::string news() const {
     JsonWriter json(JsonForm::oneLine);
     json.beginObject();
-    json.string("page", opened.empty() ? "" : server.placeOf(opened));
+    json.string("page", opened.empty() ? "" : server->placeOf(opened));
     json.beginArray("messages");
     for (const std::string& message : messages) json.string("", message);
     json.endArray();
@@ -163,7 +162,7 @@ class PageWatch {
   std::vector<std::string> messages;  // of the last attempt
   fs::path opened;                    // the page as the player opens it; empty while it can't
   std::mutex playing;                 // the files
-  PageServer server;                  // goes first, as it asks for the files
+  std::optional<PageServer> server;   // goes first, as it asks for the files
 };
 
 // Where the viewer is installed, or built, with this program.

@@ -210,6 +210,27 @@ TEST(Debugger, StopsAtBreakpoints) {
   }
 }
 
+// A breakpoint in the line of a function that has only one is in the function; what else its line does counts, too.
+TEST(Debugger, StopsInAFunctionOfOneLineAndNotAtItsDefinition) {
+  const struct {
+    const char* source;
+    BobBreakpoint breakpoint;
+    const char* stops;
+  } cases[] = {
+      {"define f(n) { return n; }\nf(1); f(2);", {1, "n == 2", 0, ""}, "b1"},
+      {"\nf = function (n) { return n; };\nf(2);", {2, "n == 2", 0, ""}, "b2"},
+      {"o = new Object();\ndefine o.f(n) { return n; }\no.f(2);", {2, "n == 2", 0, ""}, "b2"},
+      {"define g(f) { return f(2); }\nx = g(function (n) { return n; });", {2, "", 0, ""}, "b2 b2"},
+      {"\ndefine f(n) {\n  return n; }\nf(2);", {2, "", 0, ""}, "b2"},
+  };
+  for (const auto& c : cases) {
+    DebuggedSession session;
+    session.debugger.setBreakpoints("test.bob", {c.breakpoint});
+    EXPECT_EQ(session.stopsOf(c.source), c.stops) << c.source;
+    EXPECT_EQ(session.log, "") << c.source;
+  }
+}
+
 TEST(Debugger, Steps) {
   using enum BobResume;
   struct Case {
@@ -310,6 +331,8 @@ TEST(Debugger, UnfoldsObjectsAndVectors) {
     EXPECT_TRUE(session.debugger.setMember(object->number, "name", 0, "\"y\"", &error));
     EXPECT_FALSE(session.debugger.setMember(members[0].number, "[-1]", 0, "1", &error));
     EXPECT_EQ(error.substr(0, 5), "Index");
+    for (const char* none : {"[x]", "[", "[2000000000]", "[99999999999]"})
+      EXPECT_FALSE(session.debugger.setMember(members[0].number, none, 0, "1", &error));
     EXPECT_FALSE(session.debugger.setMember(77, "x", 0, "1", &error));
   };
   EXPECT_TRUE(session.run("o = \\{ name: \"x\", list: \\[1, 2, 3, 4] };\nself = \\[1]; self[0] = self;\nself;"));
@@ -391,6 +414,19 @@ TEST(Profiler, CountsWhatFunctionsDo) {
     else
       EXPECT_EQ(all, first);
   }
+}
+
+// Statements take the same place on the stack, one after the other. Where the first here ends, the second has the byte
+// of a jump.
+TEST(Profiler, CountsEachStatementAsCalled) {
+  Session session;
+  BobProfiler profiler;
+  ASSERT_TRUE(bobTrace(session.interp, &profiler));
+  session.run("define add(a, b) { return a + b; }\nx = 0;\nx = add(x, 2);");
+  bobTrace(session.interp, nullptr);
+  const std::vector<BobProfiler::Total> totals = profiler.totals();
+  ASSERT_EQ(totals.size(), 5u);  // the host, three statements and the function
+  for (size_t n = 1; n < totals.size(); ++n) EXPECT_EQ(totals[n].own.calls, 1u) << n;
 }
 
 TEST(Coverage, CountsLines) {

@@ -47,8 +47,8 @@ TEST(Guide, HasATableForEachKindOfObject) {
 }
 
 TEST(Guide, HasATableOfLayouts) {
-  const std::string table =
-      tableOf("Key", directions(), [](const Direction& direction) { return direction.owner == DirectionOwner::group; });
+  const std::string table = tableOf(
+      "Key", directions(), [](const SourceDirection& direction) { return direction.owner == DirectionOwner::group; });
   EXPECT_NE(guideText().find(table), std::string::npos) << "docs/authoring.md needs this table:\n" << table;
 }
 

@@ -205,6 +205,18 @@ def pauses_and_enters(kpg, folder):
     assert client.answer(spinning + 1)['success']
     assert client.event('stopped')['reason'] == 'pause'
     assert client.where()[0][0] == 'spin', client.where()
+    # What is evaluated may run on and on, too. The page stands as it did.
+    endless = client.send('evaluate', expression='spin()', frameId=1)
+    client.send('stackTrace', threadId=1)
+    client.send('pause', threadId=1)
+    assert client.answer(endless + 2)['success']
+    ended = client.answer(endless)
+    assert not ended['success'] and ended['message'] == 'the evaluation was ended', ended
+    assert client.answer(endless + 1)['body']['stackFrames'][0]['name'] == 'spin'
+    assert client.ask('evaluate', expression='spinning', frameId=1)['result'] == 'true'
+    client.ask('continue', threadId=1)
+    client.ask('pause', threadId=1)
+    assert client.event('stopped')['reason'] == 'pause'
     client.send('disconnect')
     client.process.stdin.close()
     assert client.process.wait(60) == 0

@@ -360,6 +360,14 @@ def helps_in_scripts(kpg, folder):
         'Hide' not in client.complete('tools.bob', 'p.z = p.'), client.complete('tools.bob', 'p.z = p.')
     assert 'Clock' in client.complete('tools.bob', 'new ') and 'while' not in client.complete('tools.bob', 'new ')
     client.put('tools.bob', '  local p = \\{ x: 1, y: 2 };\n  p.z = p.;\n  sum = new ;\n', '')
+    # A variable that holds a widget is one, and so is one that a script has given something.
+    used = '  local w = widgets.two;\n  widgets.two.extra = 4;\n  w.;\n'
+    client.put('tools.bob', '  sum += b;\n', used + '  sum += b;\n')
+    items = client.complete('tools.bob', '= 4;\n  w.')
+    assert {'Hide', 'LoadPage', 'extra', 'Clone'} <= set(items) and not {'Intern', 'PushFront', 'tick'} & set(items), items
+    client.put('tools.bob', '  w.;\n', '  widgets.two.;\n')
+    assert set(client.complete('tools.bob', '= 4;\n  widgets.two.')) == set(items)
+    client.put('tools.bob', used.replace('  w.;', '  widgets.two.;'), '')
     assert {'tick', 'now'} <= set(client.complete('tools.bob', 'add(this.')), client.complete('tools.bob', 'add(this.')
     assert not client.complete('tools.bob', '// Adds')
 

@@ -46,6 +46,19 @@ def debug(kpg, folder):
     client.ask('evaluate', expression='count;', context='repl')
     while '--> 140' not in client.output():
         client.events.append(client.message())
+
+    # A line from the editor's console may stop, too, and what runs on and on can be ended from outside.
+    evaluating = client.send('evaluate', expression='count = add(1, 2);', context='repl')
+    while not [e for e in client.events if e['event'] == 'stopped']:
+        client.events.append(client.message())
+    client.event('stopped')
+    assert client.where()[0][1:] == ('tools.bob', 5), client.where()
+    client.ask('continue', threadId=1)
+    assert client.answer(evaluating)['success']
+    spinning = subprocess.Popen([kpg, 'remote', folder / 'control', 'eval', 'spin();'], stderr=subprocess.PIPE)
+    while subprocess.run([kpg, 'remote', folder / 'control', 'stop']).returncode or spinning.poll() is None:
+        time.sleep(0.05)
+    assert b'stopped' in spinning.communicate()[1] and spinning.returncode == 1
     client.end()
 
     # Another editor finds the page as it is; what stands goes on when it leaves.

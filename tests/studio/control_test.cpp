@@ -220,6 +220,28 @@ TEST_F(ControlSocketTest, ClientsMayBeClumsy) {
   EXPECT_EQ(next.ask(R"({"wait":1})"), kDone);
 }
 
+// The one who waits is told; what others ask for meanwhile comes after it.
+TEST_F(ControlSocketTest, AStopEndsAScriptThatAnotherRequestWaitsFor) {
+  std::atomic<bool> runs = false;
+  session->run()->player().whileBusy = [&] {
+    runs = true;
+    socket->stepAmidst([this](std::string_view line) { return protocol->answerAmidst(line); });
+  };
+  listen();
+  ControlClient idle(path);
+  EXPECT_EQ(idle.ask(R"({"stop":true})"), kDone) << "nothing runs";
+  std::string waited;
+  std::thread waiting([&] { waited = ControlClient(path).ask(R"({"eval":"for (;;) widgets.n.value = 7;"})"); });
+  while (!runs) std::this_thread::yield();
+  std::string later;
+  std::thread laterOne([&] { later = ControlClient(path).ask(R"({"eval":"widgets.n.value;"})"); });
+  EXPECT_EQ(idle.ask(R"({"stop":true})"), kDone);
+  waiting.join();
+  laterOne.join();
+  EXPECT_NE(waited.find("stopped"), std::string::npos) << waited;
+  EXPECT_EQ(later, R"({"ok":true,"output":"--> 7\u000a"})");
+}
+
 TEST_F(ControlSocketTest, WhatIsNotItsOwnIsLeftAlone) {
   write("control", "a file");
   EXPECT_THROW(ControlSocket(path, nullptr), KitError);

@@ -57,6 +57,25 @@ class DebugDeskTest : public WatchedSessionTest {
   std::vector<BobResume> resumes;
 };
 
+// A run can't begin to be followed in the middle of a script; what was wanted there counts from its end on.
+TEST_F(DebugDeskTest, WhatIsWantedWhileAScriptRunsCountsAfterIt) {
+  reload(true);
+  bool busy = true;
+  int wanted = 0;
+  desk.isBusy = [&] { return busy; };
+  session->run()->player().whileBusy = [&] {
+    if (wanted++ == 0) desk.toggle(file, 14);
+    desk.pause();
+  };
+  session->act({PageAction::eval, "for (i = 0; i < 100000; ++i) total = 1;"});
+  EXPECT_GT(wanted, 0);
+  session->run()->player().whileBusy = nullptr;
+  busy = false;
+  desk.followNow();
+  session->act({PageAction::key, "Select"});
+  EXPECT_EQ(lines, (std::vector<int>{12, 14}));
+}
+
 TEST_F(DebugDeskTest, BreakpointsStayOverReloadsAndReplaysPassThem) {
   reload(false);
   EXPECT_EQ(desk.filesWithCode(), std::vector<std::string>{file});

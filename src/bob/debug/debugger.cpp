@@ -1,6 +1,7 @@
 #include "bob/debug/debugger.h"
 
 #include <algorithm>
+#include <charconv>
 #include <utility>
 
 #include "bob/base/opcodes.h"
@@ -16,12 +17,13 @@
 #include "bob/model/vectors.h"
 #include "bob/run/report.h"
 #include "bob/tools/codehash.h"
+#include "bob/tools/codeuses.h"
 
 using namespace BobLayout;
 
 namespace {
 
-constexpr uint8_t kLineBegins = 1, kHasBreakpoint = 2;
+constexpr uint8_t kLineBegins = 1, kHasBreakpoint = 2, kIsFunctions = 4;
 
 // Calls that are going on, those from the host included.
 size_t depthOf(BobInterp* interp) {
@@ -29,6 +31,22 @@ size_t depthOf(BobInterp* interp) {
   for (const uint32_t* frame = interp->fp; frame < interp->stackTop; frame = interp->words(frame[kFramePrevious]))
     depth += frame[kFrameRecord] != kBlockFrame;
   return depth;
+}
+
+// The function that a statement does nothing but store, as a definition does; nil for any other code.
+BobValue storedFunction(BobInterp* interp, BobValue code) {
+  const BobCodeUses all = bobCodeUses(interp, code);
+  const bool calls = std::any_of(all.uses.begin(), all.uses.end(), [](const BobCodeUse& use) {
+    return use.kind == BobCodeUse::call || use.kind == BobCodeUse::send;
+  });
+  if (calls || all.uses.empty() || all.functions.size() != 1) return kBobNil;
+  const BobCodeUse& last = all.uses.back();
+  const bool stores = last.kind == BobCodeUse::setGlobal || last.kind == BobCodeUse::setMember;
+  if (!stores || last.value.kind != BobKnownValue::function) return kBobNil;
+  const uint32_t* words = interp->words(code);
+  for (uint32_t n = 0; n < bobCodeCount(words[kCodeCount]); ++n)
+    if (interp->isA(words[kCodeElements + n], kBobCompiledCode)) return words[kCodeElements + n];
+  return kBobNil;
 }
 
 // Holds the flag, and what the program goes on with, over whatever happens meanwhile.
@@ -65,8 +83,24 @@ uint32_t BobDebugger::codeIsReady(BobInterp* i, BobValue value) {
   if (code.lines || !(code.lines = linesOf(i, value))) return known->second;
   code.marks.assign(std::max(code.lines->starts.back().offset, kBobFirstOffset) + 1, 0);
   for (const BobCodeLines::Start& start : code.lines->firstStarts()) code.marks[start.offset] = kLineBegins;
+  leaveToFunction(i, value, &code);
   markBreakpoints(code);
   return known->second;
+}
+
+// Who asks for the line in which a function begins means what the function does there, if it does anything, and not
+// that it is defined.
+void BobDebugger::leaveToFunction(BobInterp* i, BobValue value, Code* code) {
+  if (!code->lines->arguments.empty()) return;
+  const BobValue function = storedFunction(i, value);
+  const BobCodeLines* inner = function == kBobNil ? nullptr : linesOf(i, function);
+  if (!inner || inner->file != code->lines->file) return;
+  const int line = code->lines->starts.front().line;
+  const auto isThere = [line](const BobCodeLines::Start& start) { return start.line == line; };
+  const std::vector<BobCodeLines::Start> outside = code->lines->firstStarts(), inside = inner->firstStarts();
+  const auto start = std::find_if(outside.begin(), outside.end(), isThere);
+  if (start != outside.end() && std::any_of(inside.begin(), inside.end(), isThere))
+    code->marks[start->offset] |= kIsFunctions;
 }
 
 void BobDebugger::markBreakpoints(Code& code) {
@@ -74,8 +108,8 @@ void BobDebugger::markBreakpoints(Code& code) {
   const auto file = breakpoints.find(code.lines->file);
   for (uint32_t offset = 0; offset < code.marks.size(); ++offset) {
     uint8_t& mark = code.marks[offset];
-    mark &= kLineBegins;
-    if (!mark || file == breakpoints.end()) continue;
+    mark &= uint8_t(~kHasBreakpoint);
+    if (!mark || mark & kIsFunctions || file == breakpoints.end()) continue;
     for (const Breakpoint& breakpoint : file->second)
       if (breakpoint.line == code.lines->lineAt(offset)) mark |= kHasBreakpoint;
   }
@@ -269,12 +303,16 @@ std::optional<BobVariableView> BobDebugger::setMember(size_t number, const std::
   const std::vector<BobRunningFrame> running = bobRunningFrames(interp);
   if (frame >= running.size()) return *error = "there is no such frame", std::nullopt;
   const BobCodeLines* lines = linesOf(interp, running[frame].code);
+  const bool isElement = member.starts_with('[');
+  int index = 0;
+  if (isElement && (std::from_chars(member.data() + 1, member.data() + member.size(), index).ec != std::errc() ||
+                    bobSmallValue(bobSmall(index)) != index))
+    return *error = "there is no such element", std::nullopt;
   BobLocal value(interp->locals, kBobNil);
   bool isSet = false;
   const bool done = bobTryAside(interp, error, [&] {
     value.value = bobEvaluateIn(interp, frame, lines, text);
-    const bool isElement = member.starts_with('[');
-    const BobValue key = isElement ? bobSmall(std::stoi(member.substr(1))) : bobIntern(interp, member);
+    const BobValue key = isElement ? bobSmall(index) : bobIntern(interp, member);
     isSet = bobSetProperty(interp, kept[number - 1], key, value);
   });
   if (done && isSet) return view(member, value);

@@ -93,6 +93,7 @@ class BobDebugger final : public BobTracer {
     std::vector<uint8_t> marks;  // by offset
   };
 
+  void leaveToFunction(BobInterp* interp, BobValue value, Code* code);
   void markBreakpoints(Code& code);
   bool stepEnds(uint8_t mark) const;
   bool holds(const std::string& condition);

@@ -44,9 +44,8 @@ uint32_t BobProfiler::find(BobInterp* interp, uint32_t code) {
   return node;
 }
 
-// At the first instruction: whether the one before it, of the same call, has jumped there.
+// Whether the instruction before, of the same code and frame, has jumped here.
 bool BobProfiler::isLoop(BobInterp* interp) const {
-  if (interp->fp != frame) return false;
   const BobValue bytecode = interp->words(interp->code)[BobLayout::kCodeElements];
   switch (interp->bytes(bytecode)[BobLayout::kStringBytes + last]) {
     case kOpBr:
@@ -70,9 +69,10 @@ void BobProfiler::countAllocations(BobInterp* interp) {
 // What was allocated since the last instruction is the last one's.
 void BobProfiler::atInstruction(BobInterp* interp, uint32_t code, uint32_t offset) {
   countAllocations(interp);
-  if (interp->fp != frame || tree[current].function != code) current = find(interp, code);
+  const bool goesOn = interp->fp == frame && tree[current].function == code;
+  if (!goesOn) current = find(interp, code);
   ++tree[current].own.instructions;
-  tree[current].own.calls += offset == kBobFirstOffset && !isLoop(interp);
+  tree[current].own.calls += offset == kBobFirstOffset && !(goesOn && isLoop(interp));
   frame = interp->fp;
   last = offset;
 }

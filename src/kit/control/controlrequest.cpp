@@ -19,10 +19,10 @@ struct RequestName {
   const char* argument;  // on a command line; null for none
 };
 constexpr RequestName kRequestNames[] = {
-    {"key", ControlRequest::key, "NAME"},       {"wait", ControlRequest::wait, "MS"},
-    {"eval", ControlRequest::eval, "TEXT"},     {"shot", ControlRequest::shot, "OUT.png"},
-    {"tree", ControlRequest::tree, nullptr},    {"log", ControlRequest::log, nullptr},
-    {"reload", ControlRequest::reload, nullptr}};
+    {"key", ControlRequest::key, "NAME"},        {"wait", ControlRequest::wait, "MS"},
+    {"eval", ControlRequest::eval, "TEXT"},      {"shot", ControlRequest::shot, "OUT.png"},
+    {"tree", ControlRequest::tree, nullptr},     {"log", ControlRequest::log, nullptr},
+    {"reload", ControlRequest::reload, nullptr}, {"stop", ControlRequest::stop, nullptr}};
 
 std::vector<std::string> requestWords() {
   std::vector<std::string> words;

@@ -7,6 +7,7 @@
 //   {"tree":true}        the widgets, each before what lies in it
 //   {"log":true}         what was logged since the last such request
 //   {"reload":true}      open the page anew
+//   {"stop":true}        end the script that runs on and on, which another request may wait for
 //
 // Each is answered by one line, {"ok":true,...} or {"error":"..."}.
 #pragma once
@@ -16,7 +17,7 @@
 #include <vector>
 
 struct ControlRequest {
-  enum Kind { key, wait, eval, shot, tree, log, reload } kind;
+  enum Kind { key, wait, eval, shot, tree, log, reload, stop } kind;
   std::string argument;  // empty where there is none, and for a picture in the answer
 
   bool operator==(const ControlRequest&) const = default;

@@ -143,6 +143,7 @@ void DapServer::serve(const json& message) {
   } catch (const std::exception& e) {
     response["success"] = false;
     response["message"] = e.what();
+    response["body"] = json::object();
   }
   const bool isDone = response["success"];
   send(std::move(response));
@@ -167,7 +168,8 @@ void DapServer::serveAll(std::chrono::milliseconds wait) {
 void DapServer::serveInMiddle() {
   while (const auto message = connection.take(kNow)) {
     const Request* request = find(textOf(*message, "command"));
-    if (request && request->when == Request::resting)
+    const bool waits = request && (isEvaluating ? request->when != Request::always : request->when == Request::resting);
+    if (waits)
       waiting.push_back(*message);
     else
       serve(*message);
@@ -175,7 +177,7 @@ void DapServer::serveInMiddle() {
   if (connection.hasEnded()) disconnect({});
 }
 
-void DapServer::serveNow(bool scriptRuns) { scriptRuns ? serveInMiddle() : serveAll(kNow); }
+void DapServer::serveNow(bool scriptRuns) { scriptRuns || isEvaluating ? serveInMiddle() : serveAll(kNow); }
 
 void DapServer::stand(const BobStop& stop) {
   stands = true;
@@ -303,6 +305,7 @@ json DapServer::threads(const json&) { return {{"threads", json::array({{{"id", 
 
 json DapServer::pause(const json&) {
   if (!stands) page.pause();
+  if (isEvaluating && launched) launched->endEvaluation();
   return nullptr;
 }
 
@@ -313,6 +316,15 @@ json DapServer::disconnect(const json&) {
 }
 
 // ---- requests while the page stands
+
+// For what may run for long, and is ended by a pause then.
+void DapServer::evaluating(const std::function<void(BobDebugger&)>& work) {
+  BobDebugger& debugger = page.debugger();
+  isEvaluating = true;
+  work(debugger);  // throws nothing
+  isEvaluating = false;
+  if (launched && !hasEnded && launched->goOnIfEnded()) throw KitError("the evaluation was ended");
+}
 
 json DapServer::stackTrace(const json& arguments) {
   const std::vector<BobFrameView> frames = page.debugger().frames();
@@ -384,11 +396,11 @@ json DapServer::setVariable(const json& arguments) {
   std::string error;
   std::optional<BobVariableView> view;
   if (reference % 2 == 0) {
-    view = page.debugger().setMember(size_t(reference / 2), name, 0, text, &error);
+    evaluating([&](BobDebugger& at) { view = at.setMember(size_t(reference / 2), name, 0, text, &error); });
   } else if (size_t(reference / 2) <= groups.size() && reference > 1) {
     Scope& group = groups[size_t(reference / 2) - 1];
     if (name == "this") throw KitError("'this' can't be set");
-    view = page.debugger().evaluate(group.frame, name + " = (" + text + ")", &error);
+    evaluating([&](BobDebugger& at) { view = at.evaluate(group.frame, name + " = (" + text + ")", &error); });
     for (BobVariableView& known : group.variables)
       if (view && known.name == name) known = *view, known.name = name;
   } else {
@@ -407,7 +419,9 @@ json DapServer::evaluate(const json& arguments) {
     return {{"result", ""}, {"variablesReference", 0}};
   }
   std::string error;
-  const auto view = page.debugger().evaluate(size_t(numberOf(arguments, "frameId", 1) - 1), text, &error);
+  const size_t frame = size_t(numberOf(arguments, "frameId", 1) - 1);
+  std::optional<BobVariableView> view;
+  evaluating([&](BobDebugger& at) { view = at.evaluate(frame, text, &error); });
   if (!view) throw KitError(error);
   return {{"result", view->text}, {"type", view->type}, {"variablesReference", referenceOf(view->number)}};
 }

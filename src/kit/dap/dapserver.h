@@ -8,6 +8,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -48,6 +49,7 @@ class DapServer {
   void live();
   void send(json message);
   void event(const std::string& name, json body);
+  void evaluating(const std::function<void(BobDebugger&)>& work);  // throws KitError when it was ended
 
   json initialize(const json& arguments);
   json launch(const json& arguments);
@@ -85,5 +87,6 @@ class DapServer {
   std::vector<Scope> groups;  // while the page stands: reference n is groups[n - 1]
   std::optional<BobResume> resume;
   bool isConfigured = false, isBegun = false, stands = false, hasEnded = false, stopsOnEntry = false;
+  bool isEvaluating = false;  // runs code of its own while the page stands
   bool linesFromOne = true;
 };

@@ -43,6 +43,12 @@ void DebuggedPage::act(const PageAction& action) {
   printNew();
 }
 
+bool DebuggedPage::goOnIfEnded() {
+  if (run->player().stopped().empty()) return false;
+  run->player().goOn();
+  return true;
+}
+
 void DebuggedPage::printNew() {
   const std::string all = run->logWithPlaces();
   if (all.size() > printedSoFar && printed) printed(all.substr(printedSoFar));

@@ -33,6 +33,8 @@ class DebuggedPage final : public DapPage {
   void pause() override { debugger().pause(); }
   void leave() override { run->player().interrupt(); }
   void act(const PageAction& action) override;
+  void endEvaluation() { run->player().interrupt(); }
+  bool goOnIfEnded();  // lets scripts run again, if one was ended
   BobDebugger& debugger() override { return pageDebugger->core(); }
 
  private:

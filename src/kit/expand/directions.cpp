@@ -9,7 +9,7 @@ namespace {
 using enum DirectionOwner;
 
 // clang-format off: one row a line, whatever its length.
-constexpr Direction kDirections[] = {
+constexpr SourceDirection kDirections[] = {
     {"include", any, "", "source file", "",
      "stands for what the file has; in a map for its pairs, save those that the map has itself"},
     {"template", any, "", "template name", "", "takes all that the template has, save what is said here"},
@@ -37,23 +37,23 @@ bool isAttributeElsewhere(std::string_view name) {
 
 }  // namespace
 
-std::span<const Direction> directions() { return kDirections; }
+std::span<const SourceDirection> directions() { return kDirections; }
 
 bool isDirectionName(std::string_view key) {
-  return std::any_of(std::begin(kDirections), std::end(kDirections), [key](const Direction& direction) {
+  return std::any_of(std::begin(kDirections), std::end(kDirections), [key](const SourceDirection& direction) {
     return direction.name == key && direction.needs.empty() && direction.owner != styles;
   });
 }
 
 std::vector<std::string> directionNames() {
   std::vector<std::string> names;
-  for (const Direction& direction : kDirections)
+  for (const SourceDirection& direction : kDirections)
     if (!isAttributeElsewhere(direction.name)) names.emplace_back(direction.name);
   return names;
 }
 
 std::string directionNeededBy(std::string_view key) {
-  for (const Direction& direction : kDirections)
+  for (const SourceDirection& direction : kDirections)
     if (direction.name == key && !isAttributeElsewhere(key)) return std::string(direction.needs);
   return "";
 }

@@ -13,14 +13,14 @@
 enum class DirectionOwner { any, group, styles };  // group: what a layout can place the children of
 
 // In the words of the engine's table of attributes (engine/format/attributes.h).
-struct Direction {
+struct SourceDirection {
   std::string_view name;
   DirectionOwner owner;
   std::string_view needs;  // the direction without which it means nothing; empty for none
   std::string_view value, byDefault, help;
 };
 
-std::span<const Direction> directions();
+std::span<const SourceDirection> directions();
 
 // Whether an attribute of that name has to have a tag, on whatever object.
 bool isDirectionName(std::string_view key);

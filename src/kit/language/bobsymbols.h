@@ -26,7 +26,8 @@ struct BobSymbol {
   BobSymbolKind kind;
   uint32_t scope;              // in BobSymbols::scopes; the source's, 0, for what has no scope
   std::vector<uint32_t> uses;  // in BobSymbols::uses, by ascending offset
-  // The class-like object that it is or is a child of, as far as its assignments agree: see BobClass.
+  // The class-like object that it is or is a child of, as far as its assignments agree: see BobClass. It may be a path
+  // that no class is called by, "widgets.bar".
   std::string object;
   uint32_t visibleFrom = 0;  // of a variable: where its declaration ends
 };

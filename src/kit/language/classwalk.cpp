@@ -19,7 +19,8 @@ void BobSymbolWalk::assigned(uint32_t placeNode, uint32_t value) {
   if (tree.nodes[placeNode].kind == Kind::kName) {
     const uint32_t symbol = resolve(tree.text(placeNode));
     if (kind == Kind::kFunction && !path.empty()) addFunction({}, path, value, placeNode);
-    if (kind != Kind::kNil) holds(symbol, isMade && !path.empty() ? path : made);
+    const bool isPath = kind == Kind::kName || kind == Kind::kChain;
+    if (kind != Kind::kNil) holds(symbol, isPath ? pathOf(value) : isMade && !path.empty() ? path : made);
     return;
   }
   const size_t point = path.rfind('.');

@@ -104,13 +104,14 @@ class ScriptCompletion {
   }
 
   void addMembers() {
-    const std::string& chain = cursor.chain;
-    if (chain == "widgets" || chain.ends_with(".widgets")) return addPageNames(NameKind::widget);
-    if (chain == "textStyles" || chain.ends_with(".textStyles")) return addPageNames(NameKind::style);
-    std::string object = cursor.object.empty() ? objectOfChain(chain) : cursor.object;
-    if (object == "Widget" && isFrame(chain.substr(chain.rfind('.') + 1))) object = "Frame";
+    const std::string& path = cursor.object.empty() ? cursor.chain : cursor.object;
+    if (path == "widgets" || path.ends_with(".widgets")) return addPageNames(NameKind::widget);
+    if (path == "textStyles" || path.ends_with(".textStyles")) return addPageNames(NameKind::style);
+    std::string object = objectOfChain(path);
+    if (object.empty()) object = cursor.object;
+    if (object == "Widget" && isFrame(path.substr(path.rfind('.') + 1))) object = "Frame";
     const size_t before = items.size();
-    addClass(object, 0);
+    addClass(cursor.object, 0);  // what scripts give it, beside what it has
     for (const KnownMember* member : membersOfObject(object)) addKnown(*member);
     if (items.size() == before) {  // whatever it is
       for (const KnownMember& member : knownMembers())

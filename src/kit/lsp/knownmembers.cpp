@@ -157,5 +157,7 @@ std::string objectOfChain(std::string_view chain) {
   const size_t point = chain.rfind('.');
   const std::string_view before = point == std::string_view::npos ? "" : chain.substr(0, point);
   if (before == "widgets" || before.ends_with(".widgets")) return "Widget";
+  if (chain.ends_with(".style") || chain.ends_with(".highlightStyle"))
+    return objectOfChain(before) == "Widget" ? "TextStyle" : "";
   return before == "textStyles" || before.ends_with(".textStyles") ? "TextStyle" : "";
 }

@@ -21,7 +21,7 @@ constexpr SourceKey kRectangle[] = {
     {"height", "pixels", "0", "nothing inside is cut to it"},
 };
 
-bool isFor(const Direction& direction, ObjectKind kind, std::string_view type) {
+bool isFor(const SourceDirection& direction, ObjectKind kind, std::string_view type) {
   switch (direction.owner) {
     case DirectionOwner::any:
       return direction.name != "links" || kind == ObjectKind::root || kind == ObjectKind::widget;
@@ -46,7 +46,7 @@ std::vector<SourceKey> objectKeys(ObjectKind kind, std::string_view type) {
         std::any_of(keys.begin(), keys.end(), [&](const SourceKey& key) { return key.name == std::string_view(name); });
     if (row && !isKnown) keys.push_back({row->name, row->value, row->byDefault, row->help, row->kind});
   }
-  for (const Direction& direction : directions())
+  for (const SourceDirection& direction : directions())
     if (isFor(direction, kind, type))
       keys.push_back({direction.name, direction.value, direction.byDefault, direction.help});
   return keys;

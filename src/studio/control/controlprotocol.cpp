@@ -82,7 +82,19 @@ std::string ControlProtocol::answer(std::string_view line) {
   return text;
 }
 
+std::optional<std::string> ControlProtocol::answerAmidst(std::string_view line) try {
+  if (line.size() > kMostControlLine || readControlRequest(line).kind != ControlRequest::stop) return std::nullopt;
+  if (stop)
+    stop();
+  else if (PageRun* run = session.run())
+    run->player().interrupt();
+  return answerOf(nullptr, "");
+} catch (const std::exception&) {
+  return std::nullopt;
+}
+
 std::string ControlProtocol::obey(const ControlRequest& request) {
+  if (request.kind == ControlRequest::stop) return answerOf(nullptr, "");  // nothing runs
   if (request.kind == ControlRequest::reload) {
     reload ? reload() : void(session.reload());
     return session.errors().empty() ? answerOf(nullptr, "") : errorAnswer(joined(session.errors()));

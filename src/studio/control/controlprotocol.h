@@ -4,6 +4,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,9 +18,14 @@ class ControlProtocol {
   // One line without its end; so is the answer. A request in the middle of another one, as when the windows are served
   // while a script runs, is answered by an error.
   std::string answer(std::string_view line);
+  // While a request is being answered, or the page runs otherwise: the answer to a stop, which ends what runs. Other
+  // lines get none, and are to wait.
+  std::optional<std::string> answerAmidst(std::string_view line);
 
   // How the page is opened anew; by the session itself when it is empty. Errors are those of the session.
   std::function<void()> reload;
+  // How what runs is ended; by the run itself when it is empty.
+  std::function<void()> stop;
 
  private:
   std::string obey(const ControlRequest& request);

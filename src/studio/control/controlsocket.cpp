@@ -44,7 +44,8 @@ struct ControlSocket::Client {
   bool wantsToRead() const { return !hasEnded && out.empty() && !hasLine(); }
 
   void receive();
-  std::optional<std::string> takeLine();
+  std::string firstLine() const;
+  void dropLine();
   void sendOut();
 
   const int file;
@@ -52,6 +53,7 @@ struct ControlSocket::Client {
   bool isTooLong = false;  // the line that is coming, whose bytes are no longer kept
   bool hasEnded = false;   // sends no more
   bool isBroken = false;
+  bool isAnswered = false;  // right now: its line is the first that is here
 };
 
 void ControlSocket::Client::receive() {
@@ -69,13 +71,15 @@ void ControlSocket::Client::receive() {
 }
 
 // Of a line that is too long its end is left, and as many bytes before that it stays too long.
-std::optional<std::string> ControlSocket::Client::takeLine() {
-  const size_t end = in.find('\n');
-  if (end == in.npos) return std::nullopt;
-  std::string line = in.substr(0, end);
-  in.erase(0, end + 1);
-  if (std::exchange(isTooLong, false)) line.resize(kMostControlLine + 1);
+std::string ControlSocket::Client::firstLine() const {
+  std::string line = in.substr(0, in.find('\n'));
+  if (isTooLong) line.resize(kMostControlLine + 1);
   return line;
+}
+
+void ControlSocket::Client::dropLine() {
+  in.erase(0, in.find('\n') + 1);
+  isTooLong = false;
 }
 
 void ControlSocket::Client::sendOut() {
@@ -96,40 +100,54 @@ ControlSocket::~ControlSocket() = default;
 std::vector<pollfd> ControlSocket::watched() const {
   std::vector<pollfd> all;
   if (connected.size() < kMostClients) all.push_back({listener.file(), POLLIN, 0});
-  for (const auto& client : connected)
-    all.push_back({client->file, short(client->wantsToRead() ? POLLIN : POLLOUT), 0});
+  for (const Client& client : connected)
+    all.push_back({client.file, short(client.wantsToRead() ? POLLIN : POLLOUT), 0});
   return all;
 }
 
 void ControlSocket::step(int milliseconds) {
   if (isStepping) return;
+  isStepping = true;
+  serveReady(milliseconds, answer);
+  connected.remove_if([](const Client& client) { return client.isFinished(); });
+  isStepping = false;
+}
+
+void ControlSocket::stepAmidst(const UrgentAnswer& urgent) { serveReady(0, urgent); }
+
+// A request may take long, and be answered in the middle of another one; nobody leaves the list meanwhile.
+void ControlSocket::serveReady(int milliseconds, const UrgentAnswer& answerTo) {
   std::vector<pollfd> files = watched();
   if (poll(files.data(), nfds_t(files.size()), milliseconds) <= 0) return;
-  isStepping = true;
   for (const pollfd& file : files) {
     if (file.revents == 0) continue;
     if (file.fd == listener.file()) {
       acceptAll();
       continue;
     }
-    for (const auto& client : connected)
-      if (client->file == file.fd) serve(*client);
+    for (Client& client : connected)
+      if (client.file == file.fd && !client.isAnswered) serve(client, answerTo);
   }
-  std::erase_if(connected, [](const auto& client) { return client->isFinished(); });
-  isStepping = false;
 }
 
 void ControlSocket::acceptAll() {
   while (connected.size() < kMostClients) {
     const int file = listener.accept();
     if (file < 0) return;
-    connected.push_back(std::make_unique<Client>(file));
+    connected.emplace_back(file);
   }
 }
 
-void ControlSocket::serve(Client& client) {
+void ControlSocket::serve(Client& client, const UrgentAnswer& answerTo) {
   if (client.wantsToRead()) client.receive();
-  if (client.out.empty() && !client.isBroken)
-    if (const auto line = client.takeLine()) client.out = answer(*line) + "\n";
+  if (client.out.empty() && !client.isBroken && client.hasLine()) {
+    client.isAnswered = true;
+    const std::optional<std::string> text = answerTo(client.firstLine());
+    client.isAnswered = false;
+    if (text) {
+      client.dropLine();
+      client.out = *text + "\n";
+    }
+  }
   client.sendOut();
 }

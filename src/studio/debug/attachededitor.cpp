@@ -41,7 +41,9 @@ void AttachedEditor::step(bool scriptRuns) {
     if (file < 0) return;
     client = std::make_unique<Client>(file, *this);
   }
+  ++depth;
   client->server.serveNow(scriptRuns && !stands);
+  if (--depth > 0 && client->server.ended()) return;  // it is still being served further out
   if (client->server.ended()) {
     printed = nullptr;
     breakpointMoved = nullptr;

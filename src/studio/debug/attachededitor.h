@@ -44,5 +44,6 @@ class AttachedEditor final : public DapPage {
   DebugDesk& desk;
   std::unique_ptr<Client> client;
   bool stands = false;
+  int depth = 0;            // of steps: what an editor asks for may run for long, or stop
   size_t printedSoFar = 0;  // bytes of the log
 };

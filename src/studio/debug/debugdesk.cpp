@@ -11,7 +11,7 @@ bool DebugDesk::isNeeded() const {
 
 void DebugDesk::begin(PageRun& run) {
   runs.push_back({&run, nullptr});
-  if (isNeeded()) follow(runs.back());
+  if (isNeeded()) attach(runs.back());
 }
 
 void DebugDesk::keepOnly(PageRun* run) {
@@ -19,7 +19,16 @@ void DebugDesk::keepOnly(PageRun* run) {
 }
 
 void DebugDesk::follow(Followed& followed) {
-  if (followed.debugger) return;
+  if (!followed.debugger && !(isBusy && isBusy())) attach(followed);
+}
+
+void DebugDesk::followNow() {
+  if (runs.empty() || !(isNeeded() || wantsPause)) return;
+  for (Followed& each : runs) follow(each);
+  if (wantsPause) pause();
+}
+
+void DebugDesk::attach(Followed& followed) {
   followed.debugger = std::make_unique<PageDebugger>(*followed.run);
   PageDebugger& debugger = *followed.debugger;
   debugger.stopped = [this, &debugger](const BobStop& stop) { return stand(debugger, stop); };
@@ -85,7 +94,8 @@ void DebugDesk::setStopsAtErrors(bool on) {
 void DebugDesk::pause() {
   if (runs.empty()) return;
   follow(runs.back());
-  runs.back().debugger->core().pause();
+  wantsPause = !runs.back().debugger;
+  if (!wantsPause) runs.back().debugger->core().pause();
 }
 
 std::vector<WantedBreakpoint> DebugDesk::breakpointsOf(const std::string& file) {

@@ -16,11 +16,13 @@ class DebugDesk {
   std::function<BobResume(const BobStop&)> stopped;     // the page stands until it returns
   std::function<void(const std::string& line)> logged;  // by breakpoints
   std::function<void(const WantedBreakpoint&)> breakpointMoved;
+  std::function<bool()> isBusy;  // whether a script may run, in whose middle no run can begin to be followed
 
   // -- runs
 
   void begin(PageRun& run);                 // each new one, before it loads anything
   void keepOnly(PageRun* run);              // all others have ended; null for all
+  void followNow();                         // what was wanted while they were busy
   void setSilent(bool on) { silent = on; }  // stops at nothing meanwhile, as while what was done is done again
 
   // -- what stops them
@@ -50,6 +52,7 @@ class DebugDesk {
   };
 
   bool isNeeded() const;
+  void attach(Followed& followed);
   void follow(Followed& followed);
   void set(const std::string& file);
   BobResume stand(PageDebugger& debugger, const BobStop& stop);
@@ -57,5 +60,5 @@ class DebugDesk {
   std::map<std::string, std::vector<BobBreakpoint>> wanted;  // by file
   std::vector<Followed> runs;                                // the latest last
   PageDebugger* latest = nullptr;                            // that stands
-  bool atErrors = false, silent = false, isStanding = false;
+  bool atErrors = false, silent = false, isStanding = false, wantsPause = false;
 };

@@ -61,7 +61,10 @@ StudioWindow::StudioWindow(const std::string& p, FileReach reach) : page(p), dri
     debugDesk.begin(run);
   };
   driver.edited = [this](const std::string& file) { return edits.unsavedText(file); };
-  driver.changed = [this] { showPage(); };
+  driver.changed = [this] {
+    debugDesk.followNow();
+    showPage();
+  };
   driver.opened = [this] {
     debugDesk.keepOnly(driver.session().run());
     debugDesk.setSilent(false);
@@ -91,6 +94,7 @@ void StudioWindow::followDebugger() {
     console->print(QString::fromStdString(line) + "\n");
     if (editor) editor->print(line);
   };
+  debugDesk.isBusy = [this] { return driver.isBusy(); };
   debugDesk.stopped = [this](const BobStop& stop) { return stand(stop); };
 }
 
@@ -198,23 +202,25 @@ void StudioWindow::buildViews() {
   errors->clicked = [this](const KitMessage& message) { openPlace(message); };
 }
 
-// Also while a script runs, or stands.
+// Also while a script runs, or stands, and so in the middle of itself: a timer that calls directly would wait for that.
 void StudioWindow::callOften(std::function<void()> work) {
   constexpr int kBetween = 15;  // milliseconds
   auto* timer = new QTimer(this);
-  QObject::connect(timer, &QTimer::timeout, this, std::move(work));
+  QObject::connect(timer, &QTimer::timeout, this, std::move(work), Qt::QueuedConnection);
   timer->start(kBetween);
 }
 
 void StudioWindow::listenAt(const std::string& path) {
   protocol = std::make_unique<ControlProtocol>(driver.session());
+  protocol->stop = [this] { driver.stop(); };
   control = std::make_unique<ControlSocket>(path, [this](std::string_view line) {
     std::string answer;
     driver.obey([&] { answer = protocol->answer(line); });
     return answer;
   });
   callOften([this] {
-    if (!driver.isBusy()) control->step();
+    if (!driver.isBusy()) return control->step();
+    control->stepAmidst([this](std::string_view line) { return protocol->answerAmidst(line); });
   });
 }
 

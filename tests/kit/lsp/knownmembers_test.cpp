@@ -87,6 +87,7 @@ TEST(KnownMembers, DescendFromOneAnother) {
   EXPECT_EQ(knownMember("Timer", "OnEvent"), nullptr);
   EXPECT_EQ(knownMember("", "OnEvent"), nullptr);
   EXPECT_EQ(objectOfChain("topFrame.widgets.bar"), "Widget");
+  EXPECT_EQ(objectOfChain("widgets.bar.highlightStyle"), "TextStyle");
   EXPECT_EQ(objectOfChain("bar"), "");
 }
 
