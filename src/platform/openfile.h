@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <system_error>
 
-// As fopen does it; the mode is ASCII. A path is made of a narrow name as UTF-8 everywhere.
+// As fopen does it; the mode is ASCII. A path takes a narrow name for UTF-8 everywhere (utf8paths_windows.cpp).
 inline std::FILE* openFile(const std::filesystem::path& name, const char* mode) {
 #ifdef _WIN32
   return _wfopen(name.c_str(), std::filesystem::path(mode).c_str());

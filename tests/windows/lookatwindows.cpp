@@ -17,15 +17,6 @@ void print(const char* name, HWND window) {
               outer.bottom - outer.top, client.right, client.bottom);
 }
 
-void printMenu(HMENU menu) {
-  for (int i = 0; i < GetMenuItemCount(menu); ++i) {
-    char text[128] = "";
-    GetMenuStringA(menu, UINT(i), text, sizeof text, MF_BYPOSITION);
-    std::printf("menu \"%s\" %d\n", text, int(GetMenuItemID(menu, i)));
-    if (const HMENU popup = GetSubMenu(menu, i)) printMenu(popup);
-  }
-}
-
 }  // namespace
 
 int main() {
@@ -36,7 +27,6 @@ int main() {
   print("console", console);
   print("screen", screen);
   print("edit", edit);
-  printMenu(GetMenu(screen));
   std::string text(size_t(SendMessageA(edit, WM_GETTEXTLENGTH, 0, 0)) + 1, '\0');
   text.resize(size_t(SendMessageA(edit, WM_GETTEXT, text.size(), LPARAM(text.data()))));
   std::printf("text\n%s", text.c_str());

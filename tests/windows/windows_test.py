@@ -2,6 +2,7 @@
 
 A program beside it tells what the windows are and what the console says; the screen is seen as it is painted.
 """
+import inspect
 import pathlib
 import re
 import subprocess
@@ -26,7 +27,7 @@ def wait_for(what, *arguments):
         if found:
             return found
         time.sleep(0.2)
-    raise AssertionError(f'{what.__name__}{arguments} never came')
+    raise AssertionError(f'{inspect.getsource(what).strip()} never came')
 
 
 def window(title):
@@ -34,12 +35,31 @@ def window(title):
     return found.stdout.split()[-1] if found.stdout else None
 
 
+# A click below the text, which leaves the caret at its end, or where a page has nothing; a dialog has the keys anyway.
+PLACES = {'KOVA Messages': (700, 580), 'KOVA Screen': (719, 490)}
+
+
+def focus(title):
+    """Does what a window manager would, if there was one, and clicks, which makes the window the active one."""
+    number = window(title)
+    run('xdotool', 'windowfocus', number)
+    if title in PLACES:
+        run('xdotool', 'mousemove', '--window', number, *PLACES[title], 'click', '1')
+    wait_for(lambda: focused() == number)
+
+
+def focused():
+    return run('xdotool', 'getwindowfocus').decode().strip()
+
+
 def keys(title, *names):
-    run('xdotool', 'windowfocus', '--sync', window(title), 'key', '--delay', '60', *names)
+    focus(title)
+    run('xdotool', 'key', '--delay', '60', *names)
 
 
 def type_text(title, text):
-    run('xdotool', 'windowfocus', '--sync', window(title), 'type', '--delay', '40', text)
+    focus(title)
+    run('xdotool', 'type', '--delay', '40', text)
 
 
 def rows(picture, *options):
@@ -57,6 +77,7 @@ class Windows(unittest.TestCase):
         cls.folder = pathlib.Path(cls.temporary.name)
         cls.program = subprocess.Popen([WINE, str(BUILD / 'src/host/win32/vistrel.exe')], cwd=cls.folder)
         wait_for(window, 'KOVA Screen')
+        run('xdotool', 'windowmove', wait_for(window, 'KOVA Messages'), 760, 40)  # beside the screen
         cls.load(PEER / 'demo/settings.kpg')
 
     @classmethod
@@ -88,11 +109,9 @@ class Windows(unittest.TestCase):
 
     def test_1_windows_are_what_the_player_has(self):
         seen = self.look()
-        self.assertRegex(seen, r'console class "KOVA Messages" style 1?[0-9a-f]*cf0000 outer \d+x\d+ client 800x600')
-        self.assertRegex(seen, r'screen class "KOVA Screen" style 1?[0-9a-f]*cf0000 outer \d+x\d+ client 720x480')
+        self.assertRegex(seen, r'console class "KOVA Messages" style 14cf0000 outer 808x627 client 800x600')
+        self.assertRegex(seen, r'screen class "KOVA Screen" style 14cf0000 outer \d+x\d+ client 720x480')
         self.assertRegex(seen, r'edit class "Edit" style 50200124 outer \d+x\d+')
-        self.assertEqual(re.findall(r'menu "(.*)" (-?\d+)', seen),
-                         [('&File', '-1'), ('&Load KOVA Page File...', '1000'), ('', '0'), ('E&xit', '1001')])
 
     def test_2_a_page_is_shown_and_answers_keys(self):
         wait_for(self.shows, 'settings')
@@ -102,20 +121,20 @@ class Windows(unittest.TestCase):
         wait_for(self.shows, 'settings', '--key', 'Down', '--key', 'DownLeft', '--key', 'Select')
 
     def test_3_a_line_of_the_console_is_a_statement(self):
-        type_text('KOVA Messages', 'stdout.Display(6*7);\n')
+        type_text('KOVA Messages', 'stdout.Display(6*7);')
+        keys('KOVA Messages', 'Return')
         wait_for(lambda: '42' in self.console())
 
     def test_4_a_message_lands_in_the_middle_of_what_is_typed(self):
         type_text('KOVA Messages', 'abcdef')
         wait_for(lambda: self.console().endswith('abcdef'))
-        for _ in range(3):
-            keys('KOVA Messages', 'Left')
+        keys('KOVA Messages', 'Left', 'Left', 'Left')
         self.load('/no/page.kpg')
         wait_for(lambda: re.search(r'abc[^\n]*page\.kpg[^\n]*\ndef$', self.console()))
 
     def test_5_closing_a_window_ends_the_program(self):
         keys('KOVA Screen', 'alt+f', 'x')
-        self.assertEqual(self.program.wait(60), 0)
+        self.assertEqual(wait_for(lambda: self.program.poll() is not None) and self.program.returncode, 0)
 
 
 if __name__ == '__main__':

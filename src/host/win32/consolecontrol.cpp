@@ -4,7 +4,8 @@
 
 namespace {
 
-constexpr DWORD kStyle = WS_CHILD | WS_VISIBLE | WS_VSCROLL | ES_MULTILINE | ES_AUTOVSCROLL | ES_NOHIDESEL;
+// The scroll bar makes the control scroll by itself. That it hides what is typed is for controls of one line only.
+constexpr DWORD kStyle = WS_CHILD | WS_VISIBLE | WS_VSCROLL | ES_MULTILINE | ES_PASSWORD | ES_NOHIDESEL;
 
 // The desktop's fixed font, or, on a screen of small pixels, one that is so many times as large.
 HFONT fixedFont(int factor) {
