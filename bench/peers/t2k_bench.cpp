@@ -1,10 +1,16 @@
-// The font engine beside FreeType without hinting, on DejaVu Sans: all glyphs at 24 pixels in grey, their outlines
-// alone, and opening the font. Time is for one glyph, or one opening.
+// The font engine beside FreeType without hinting. Time is for one glyph, or one opening.
 //
-// Grey level 3 is what the text system asks for; the other side always makes 256 levels.
+// Glyphs: all that a font has, one after the other and none of them kept, in grey or as outlines; DejaVu Sans and
+// Liberation Sans at 8 to 40 pixels. Grey level 3 is what the text system asks for; the other side always makes 256
+// levels, and is told not to hint. Before it is timed, the ink of both is compared.
+//
+// Opening: fonts in memory, from their bytes to a scaler, and on to a first glyph in grey. The other side keeps its
+// library from one to the next.
 #include <benchmark/benchmark.h>
 #include <ft2build.h>
 
+#include <array>
+#include <cmath>
 #include <fstream>
 #include <iterator>
 #include <vector>
@@ -15,29 +21,33 @@
 
 namespace {
 
-constexpr const char* kFontPath = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
-constexpr int kPixels = 24;
+constexpr const char* kFonts[] = {"/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf",
+                                  "/usr/share/fonts/truetype/liberation/LiberationSans-Regular.ttf"};
 
-const std::vector<uint8_t>& FontBytes() {
-  static const std::vector<uint8_t> bytes = [] {
-    std::ifstream in(kFontPath, std::ios::binary);
-    return std::vector<uint8_t>{std::istreambuf_iterator<char>(in), {}};
+const std::vector<uint8_t>& FontBytes(int64_t font) {
+  static const auto kBytes = [] {
+    std::array<std::vector<uint8_t>, std::size(kFonts)> all;
+    for (size_t i = 0; i < all.size(); ++i) {
+      std::ifstream in(kFonts[i], std::ios::binary);
+      all[i] = {std::istreambuf_iterator<char>(in), {}};
+    }
+    return all;
   }();
-  return bytes;
+  return kBytes[size_t(font)];
 }
 
 class Engine {
  public:
-  Engine() {
-    mem_ = tsi_NewMemhandler(&err_);
-    in_ = New_InputStream3(mem_, FontBytes().data(), uint32_t(FontBytes().size()), &err_);
-    font_ = New_sfntClass(mem_, kFontTypeSfnt, 0, in_, nullptr, &err_);
-    if (font_) t = NewT2K(mem_, font_, &err_);
+  explicit Engine(int64_t font) {
+    mem_ = tsi_NewMemhandler(&err);
+    in_ = New_InputStream3(mem_, FontBytes(font).data(), uint32_t(FontBytes(font).size()), &err);
+    font_ = New_sfntClass(mem_, kFontTypeSfnt, 0, in_, nullptr, &err);
+    if (font_) t = NewT2K(mem_, font_, &err);
   }
   ~Engine() {
-    DeleteT2K(t, &err_);
-    Delete_sfntClass(font_, &err_);
-    Delete_InputStream(in_, &err_);
+    DeleteT2K(t, &err);
+    Delete_sfntClass(font_, &err);
+    Delete_InputStream(in_, &err);
     tsi_DeleteMemhandler(mem_);
   }
   Engine(const Engine&) = delete;
@@ -45,13 +55,14 @@ class Engine {
 
   void SetSize(int pixels) {
     const T2KMatrix matrix{pixels << 16, 0, 0, pixels << 16};
-    T2K_NewTransformation(t, true, 72, 72, &matrix, &err_);
+    T2K_NewTransformation(t, false, 72, 72, &matrix, &err);
   }
+  void Render(int code, int level, int cmd) { T2K_RenderGlyph(t, code, 0, 0, level, cmd, &err); }
 
   T2K* t = nullptr;
+  int err = 0;
 
  private:
-  int err_ = 0;
   tsiMemObject* mem_;
   InputStream* in_;
   sfntClass* font_ = nullptr;
@@ -59,66 +70,125 @@ class Engine {
 
 class Peer {
  public:
-  Peer() {
-    FT_Init_FreeType(&library_);
-    FT_New_Memory_Face(library_, FontBytes().data(), FT_Long(FontBytes().size()), 0, &face);
+  explicit Peer(int64_t font) {
+    FT_New_Memory_Face(Library(), FontBytes(font).data(), FT_Long(FontBytes(font).size()), 0, &face);
   }
-  ~Peer() {
-    FT_Done_Face(face);
-    FT_Done_FreeType(library_);
-  }
+  ~Peer() { FT_Done_Face(face); }
   Peer(const Peer&) = delete;
   Peer& operator=(const Peer&) = delete;
+
+  void Render(FT_UInt glyph, bool grey) {
+    FT_Load_Glyph(face, glyph, FT_LOAD_NO_HINTING | FT_LOAD_NO_BITMAP);
+    if (grey) FT_Render_Glyph(face->glyph, FT_RENDER_MODE_NORMAL);
+  }
 
   FT_Face face = nullptr;
 
  private:
-  FT_Library library_ = nullptr;
+  static FT_Library Library() {
+    static const FT_Library kLibrary = [] {
+      FT_Library library;
+      FT_Init_FreeType(&library);
+      return library;
+    }();
+    return kLibrary;
+  }
 };
 
-void RenderAll(benchmark::State& state, int level, int cmd) {
-  if (FontBytes().empty()) return state.SkipWithError("DejaVu Sans isn't installed");
-  Engine engine;
-  engine.SetSize(kPixels);
-  int err = 0, glyph = 0;
-  for (auto _ : state) {
-    T2K_RenderGlyph(engine.t, glyph, 0, 0, level, cmd | kT2KByIndex, &err);
-    glyph = glyph + 1 < engine.t->numGlyphs ? glyph + 1 : 0;
+// Of all glyphs, in pixels.
+double InkOf(Engine& engine) {
+  double ink = 0;
+  for (int glyph = 0; glyph < engine.t->numGlyphs; ++glyph) {
+    engine.Render(glyph, 3, kT2KBitmap | kT2KByIndex);
+    for (int i = 0; i < engine.t->rowBytes * engine.t->height; ++i) ink += engine.t->baseAddr[i] / 120.0;
   }
-  if (err) state.SkipWithError("a glyph failed");
+  return ink;
+}
+double InkOf(Peer& peer) {
+  double ink = 0;
+  for (FT_UInt glyph = 0; FT_Long(glyph) < peer.face->num_glyphs; ++glyph) {
+    peer.Render(glyph, true);
+    const FT_Bitmap& bitmap = peer.face->glyph->bitmap;
+    for (unsigned y = 0; y < bitmap.rows; ++y)
+      for (unsigned x = 0; x < bitmap.width; ++x) ink += bitmap.buffer[int(y) * bitmap.pitch + int(x)] / 255.0;
+  }
+  return ink;
 }
 
-void PeerRenderAll(benchmark::State& state, bool render) {
-  if (FontBytes().empty()) return state.SkipWithError("DejaVu Sans isn't installed");
-  Peer peer;
-  FT_Set_Pixel_Sizes(peer.face, kPixels, kPixels);
+// Two per cent are the few lines that a pixel is sampled by.
+bool DrawAlike(int64_t font, int pixels) {
+  Engine engine(font);
+  Peer peer(font);
+  engine.SetSize(pixels);
+  FT_Set_Pixel_Sizes(peer.face, 0, FT_UInt(pixels));
+  const double ours = InkOf(engine), theirs = InkOf(peer);
+  return std::abs(ours - theirs) < theirs / 50;
+}
+
+// range(0): the font; range(1): pixels an em. One iteration is a glyph.
+void Glyphs(benchmark::State& state, int level, int cmd) {
+  if (FontBytes(state.range(0)).empty()) return state.SkipWithError("the font isn't installed");
+  if (level == 3 && !DrawAlike(state.range(0), int(state.range(1)))) return state.SkipWithError("the ink differs");
+  Engine engine(state.range(0));
+  engine.SetSize(int(state.range(1)));
+  int glyph = 0;
+  for (auto _ : state) {
+    engine.Render(glyph, level, cmd | kT2KByIndex);
+    glyph = glyph + 1 < engine.t->numGlyphs ? glyph + 1 : 0;
+  }
+  if (engine.err) state.SkipWithError("a glyph failed");
+}
+
+void PeersGlyphs(benchmark::State& state, bool grey) {
+  if (FontBytes(state.range(0)).empty()) return state.SkipWithError("the font isn't installed");
+  Peer peer(state.range(0));
+  FT_Set_Pixel_Sizes(peer.face, 0, FT_UInt(state.range(1)));
   FT_UInt glyph = 0;
   for (auto _ : state) {
-    FT_Load_Glyph(peer.face, glyph, FT_LOAD_NO_HINTING | FT_LOAD_NO_BITMAP);
-    if (render) FT_Render_Glyph(peer.face->glyph, FT_RENDER_MODE_NORMAL);
+    peer.Render(glyph, grey);
     glyph = FT_Long(glyph) + 1 < peer.face->num_glyphs ? glyph + 1 : 0;
   }
 }
 
 void Open(benchmark::State& state) {
-  for (auto _ : state) Engine();
+  for (auto _ : state) benchmark::DoNotOptimize(Engine(state.range(0)).t);
+}
+void PeersOpen(benchmark::State& state) {
+  for (auto _ : state) benchmark::DoNotOptimize(Peer(state.range(0)).face);
 }
 
-void PeerOpen(benchmark::State& state) {
-  for (auto _ : state) Peer();
+void FirstGlyph(benchmark::State& state) {
+  for (auto _ : state) {
+    Engine engine(state.range(0));
+    engine.SetSize(20);
+    engine.Render('g', 3, kT2KBitmap);
+    benchmark::DoNotOptimize(engine.t->baseAddr);
+  }
+}
+void PeersFirstGlyph(benchmark::State& state) {
+  for (auto _ : state) {
+    Peer peer(state.range(0));
+    FT_Set_Pixel_Sizes(peer.face, 0, 20);
+    peer.Render(FT_Get_Char_Index(peer.face, 'g'), true);
+    benchmark::DoNotOptimize(peer.face->glyph->bitmap.buffer);
+  }
 }
 
-// Each run walks all 6,253 glyphs some times over.
-constexpr int kGlyphRuns = 6253 * 20;
+// Whole walks over a font, so that every run times the same glyphs.
+void EachFontAndSize(benchmark::internal::Benchmark* bench) {
+  bench->ArgsProduct({{0, 1}, {8, 12, 16, 24, 40}})->Iterations(6253 * 2);
+}
 
-BENCHMARK_CAPTURE(RenderAll, grey_3, 3, kT2KBitmap)->Iterations(kGlyphRuns);
-BENCHMARK_CAPTURE(PeerRenderAll, grey, true)->Iterations(kGlyphRuns);
-BENCHMARK_CAPTURE(RenderAll, grey_1, 1, kT2KBitmap)->Iterations(kGlyphRuns);
-BENCHMARK_CAPTURE(RenderAll, grey_3_hinted, 3, kT2KBitmap | kT2KGridFit)->Iterations(kGlyphRuns);
-BENCHMARK_CAPTURE(RenderAll, mono, 0, kT2KBitmap)->Iterations(kGlyphRuns);
-BENCHMARK_CAPTURE(RenderAll, outlines, 0, 0)->Iterations(kGlyphRuns);
-BENCHMARK_CAPTURE(PeerRenderAll, outlines, false)->Iterations(kGlyphRuns);
-BENCHMARK(Open);
-BENCHMARK(PeerOpen);
+BENCHMARK_CAPTURE(Glyphs, grey, 3, kT2KBitmap)->Name("grey")->Apply(EachFontAndSize);
+BENCHMARK_CAPTURE(PeersGlyphs, grey, true)->Name("grey/freetype")->Apply(EachFontAndSize);
+BENCHMARK_CAPTURE(Glyphs, outlines, 0, 0)->Name("outlines")->Apply(EachFontAndSize);
+BENCHMARK_CAPTURE(PeersGlyphs, outlines, false)->Name("outlines/freetype")->Apply(EachFontAndSize);
+BENCHMARK_CAPTURE(Glyphs, grey_1, 1, kT2KBitmap)->Name("grey level 1")->Args({0, 24});
+BENCHMARK_CAPTURE(Glyphs, hinted, 3, kT2KBitmap | kT2KGridFit)->Name("grey, hinted")->Args({0, 24});
+BENCHMARK_CAPTURE(Glyphs, mono, 0, kT2KBitmap)->Name("bits")->Args({0, 24});
+BENCHMARK(Open)->Name("open")->Arg(0)->Arg(1);
+BENCHMARK(PeersOpen)->Name("open/freetype")->Arg(0)->Arg(1);
+BENCHMARK(FirstGlyph)->Name("first glyph")->Arg(0)->Arg(1);
+BENCHMARK(PeersFirstGlyph)->Name("first glyph/freetype")->Arg(0)->Arg(1);
 
 }  // namespace

@@ -11,7 +11,7 @@ constexpr int kNoFormat = -1;
 
 int FormatOf(const cmapClass& cmap, int record) {
   const uint64_t offset = cmap.platform[record].offset;
-  return offset + 2 <= cmap.length ? hsBig16(cmap.cmapData + offset) : kNoFormat;
+  return offset + 2 <= cmap.length ? hsBig16(cmap.cmapData.at + offset) : kNoFormat;
 }
 
 bool IsReadable(int format) { return format == 0 || format == 4 || format == 6; }
@@ -64,8 +64,7 @@ cmapClass* ReadCmap(InputStream& in) {
   }
   Rewind(in);
   cmap->length = BytesLeft(in);
-  cmap->cmapData = tsi_NewArray<uint8_t>(in.mem, cmap->length);
-  ReadBytes(in, cmap->cmapData, cmap->length);
+  cmap->cmapData = KeepBytes(in, cmap->length);
 
   cmap->selectedPlatform = uint16_t(ChooseRecord(*cmap));
   const int format = FormatOf(*cmap, cmap->selectedPlatform);
@@ -78,13 +77,13 @@ cmapClass* ReadCmap(InputStream& in) {
 void DeleteCmap(cmapClass* cmap) {
   if (!cmap) return;
   tsi_DeAllocMem(cmap->mem, cmap->platform);
-  tsi_DeAllocMem(cmap->mem, cmap->cmapData);
+  tsi_DeAllocMem(cmap->mem, cmap->cmapData.copy);
   tsi_DeAllocMem(cmap->mem, cmap);
 }
 
 uint16_t MapToGlyph(const cmapClass& cmap, uint32_t code) {
   const uint32_t table = std::min(cmap.platform[cmap.selectedPlatform].offset, cmap.length);
-  const CharMap map{cmap.cmapData + table, cmap.length - table};
+  const CharMap map{cmap.cmapData.at + table, cmap.length - table};
   switch (cmap.selectedFormat) {
     case 0: return MapByBytes(map, code);
     case 4: return MapBySegments(map, code);

@@ -17,7 +17,7 @@ struct cmapClass {
   uint16_t version;
   uint16_t numEncodingTables;
   cmapEncoding* platform;
-  uint8_t* cmapData;          // the whole table
+  KeptBytes cmapData;         // the whole table
   uint32_t length;            // of cmapData
   uint16_t selectedPlatform;  // index into platform
   uint16_t selectedFormat;    // 0, 4 or 6

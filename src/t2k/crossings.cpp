@@ -47,11 +47,15 @@ class CrossingTable::LineSink {
     }
   }
   // A crossing that isn't one is written down too, after those that count.
-  void AddIf(bool vertical, int32_t number, int32_t along, uint32_t kind, int32_t is) {
-    const int slot = number - (vertical ? lowColumn_ : lowRow_);
-    const int32_t used = count_[slot];
-    entries_[slot * kRoom + (used & (kRoom - 1))] = MakeCrossing(along, kind);
-    count_[slot] = used + is;
+  void AddFour(CrossingLanes number, CrossingLanes along, CrossingLanes kind, CrossingLanes is) {
+    const CrossingLanes slots = number - CrossingLanes{lowColumn_, lowRow_, lowColumn_, lowRow_};
+    const CrossingLanes crossings = (along + kCrossingLimit) << kKindBits | kind;
+    for (int i = 0; i < 4; ++i) {
+      const int slot = slots[i];
+      const int32_t used = count_[slot];
+      entries_[slot * kRoom + (used & (kRoom - 1))] = Crossing(crossings[i]);
+      count_[slot] = used + is[i];
+    }
   }
 
  private:
@@ -73,8 +77,8 @@ class CrossingTable::SequenceSink {
     for (int i = 0; i < length; ++i) all.push_back(uint64_t(slot + i) << 32 | MakeCrossing(next(), kind));
   }
 
-  void AddIf(bool vertical, int32_t number, int32_t along, uint32_t kind, int32_t is) {
-    AddRun(vertical, number * 64, is, kind, [along] { return along; });
+  void AddFour(CrossingLanes number, CrossingLanes along, CrossingLanes kind, CrossingLanes is) {
+    for (int i = 0; i < 4; ++i) AddRun(i % 2 == 0, number[i] * 64, is[i], uint32_t(kind[i]), [&] { return along[i]; });
   }
 
   std::vector<SequencedCrossing> all;

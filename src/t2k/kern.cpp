@@ -2,19 +2,15 @@
 
 namespace {
 
+constexpr uint32_t kPairBytes = 6;
+
 kernPairs* ReadPairs(InputStream& in) {
-  const uint16_t nPairs = ReadUInt16(in);
-  const uint16_t searchRange = ReadUInt16(in);
-  const uint16_t entrySelector = ReadUInt16(in);
-  const uint16_t rangeShift = ReadUInt16(in);
-  tsi_Assert(in.mem, nPairs * 6u <= BytesLeft(in));
-  void* block = tsi_AllocMem(in.mem, uint32_t(sizeof(kernPairs) + nPairs * sizeof(kernPair)));
-  auto* pairs = new (block) kernPairs{nPairs, searchRange, entrySelector, rangeShift, nullptr};
-  pairs->pairs = reinterpret_cast<kernPair*>(pairs + 1);
-  for (int i = 0; i < nPairs; ++i) {
-    const uint32_t key = ReadUInt32(in);
-    pairs->pairs[i] = {key, ReadInt16(in)};
-  }
+  auto* pairs = tsi_NewRecord<kernPairs>(in.mem);
+  pairs->nPairs = ReadUInt16(in);
+  pairs->searchRange = ReadUInt16(in);
+  pairs->entrySelector = ReadUInt16(in);
+  pairs->rangeShift = ReadUInt16(in);
+  pairs->pairs = KeepBytes(in, pairs->nPairs * kPairBytes);
   return pairs;
 }
 
@@ -50,7 +46,11 @@ kernClass* ReadKern(InputStream& in) {
 
 void DeleteKern(kernClass* kern) {
   if (!kern) return;
-  for (uint32_t i = 0; i < kern->nTables; ++i) tsi_DeAllocMem(kern->mem, kern->table[i].pairs);
+  for (uint32_t i = 0; i < kern->nTables; ++i) {
+    kernPairs* const pairs = kern->table[i].pairs;
+    if (pairs) tsi_DeAllocMem(kern->mem, pairs->pairs.copy);
+    tsi_DeAllocMem(kern->mem, pairs);
+  }
   tsi_DeAllocMem(kern->mem, kern->table);
   tsi_DeAllocMem(kern->mem, kern);
 }
@@ -63,9 +63,10 @@ int16_t LookUpKern(const kernClass& kern, uint16_t left, uint16_t right) {
   int high = pairs.nPairs - 1;
   while (low <= high) {
     const int middle = (low + high) >> 1;
-    const kernPair& pair = pairs.pairs[middle];
-    if (pair.key == key) return pair.value;
-    if (pair.key < key) {
+    const uint8_t* const pair = pairs.pairs.at + size_t(middle) * kPairBytes;
+    const uint32_t found = hsBig32(pair);
+    if (found == key) return int16_t(hsBig16(pair + 4));
+    if (found < key) {
       low = middle + 1;
     } else {
       high = middle - 1;

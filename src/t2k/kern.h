@@ -6,14 +6,11 @@
 
 #include "t2k/t2kstrm.h"
 
-struct kernPair {
-  uint32_t key;  // left glyph in the high half, right glyph in the low half
-  int16_t value;
-};
-
 struct kernPairs {
   uint16_t nPairs, searchRange, entrySelector, rangeShift;
-  kernPair* pairs;  // sorted by key; in one block with this record
+  // As they lie in the file, sorted by key: a key of 32 bits, the left glyph in the high half and the right glyph in
+  // the low half, and a value of 16.
+  KeptBytes pairs;
 };
 
 struct kernSubTable {

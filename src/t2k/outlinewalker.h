@@ -41,9 +41,7 @@ inline uint32_t QuotientOf(uint64_t dividend, uint32_t divisor) {
     return uint32_t(dividend * kReciprocal[divisor] >> 32);
   return dividend <= UINT32_MAX ? uint32_t(dividend) / divisor : uint32_t(dividend / divisor);
 }
-inline int32_t SmallQuotientOf(int32_t dividend, uint32_t divisor) {
-  return int32_t(int64_t{dividend} * kReciprocal[divisor] >> 32) - (dividend >> 31);
-}
+using CrossingLanes = int32_t __attribute__((vector_size(16)));
 
 // Beyond this a line is computed by a halved, coarser slope, and its crossings can lie a little beyond its ends.
 inline constexpr int32_t kLongSpan = 32768;
@@ -51,9 +49,10 @@ inline constexpr int32_t kLongSpan = 32768;
 inline constexpr int kMaxCurveDepth = 16;  // 32 bits of error, two less at each halving
 
 // Sink gets the crossings in the order of the walk. AddRun(vertical, line, length, kind, next) are length of them on
-// neighbouring lines from line up, next() giving one place after the other; AddIf(vertical, number, along, kind, is) is
-// the one with line number * 64 + 32 if `is` is 1, and none if it is 0; then only number means something: it is that of
-// a line of the outline or of the next one.
+// neighbouring lines from line up, next() giving one place after the other. AddFour(numbers, places, kinds, is) are
+// four at once, a vertical line's, a horizontal one's and two like them: the one with line number * 64 + 32 where `is`
+// is 1, and none where it is 0; then only number means something: it is that of a line of the outline or of the next
+// one.
 template <class Sink>
 class OutlineWalker {
  public:
@@ -193,8 +192,7 @@ class OutlineWalker {
         curve = left;
         continue;
       }
-      AddLine(left.front(), right.front());
-      AddLine(right.front(), right.back());
+      AddLines(left.front(), right.front(), right.back());
       if (top == stack) return;
       --top;
       curve = top->curve;
@@ -205,35 +203,42 @@ class OutlineWalker {
   [[gnu::always_inline]] void AddLine(Point p, Point q) {
     p = {p.x | 1, p.y | 1};
     q = {q.x | 1, q.y | 1};
-    const int32_t column = LinesBelow(p.x), row = LinesBelow(p.y);
-    const int32_t columns = LinesBelow(q.x) - column, rows = LinesBelow(q.y) - row;
-    if (uint32_t(columns + 1) <= 2 && uint32_t(rows + 1) <= 2) [[likely]] {
-      const int32_t dx = q.x - p.x, dy = q.y - p.y;
-      AddShort<true>(p.x, p.y, dx, dy, column, columns);
-      AddShort<false>(p.y, p.x, dy, dx, row, rows);
-      return;
-    }
-    if (columns) AddCrossings<true>(p.x, p.y, q.x, q.y);
-    if (rows) AddCrossings<false>(p.y, p.x, q.y, q.x);
+    if (LinesBelow(p.x) != LinesBelow(q.x)) AddCrossings<true>(p.x, p.y, q.x, q.y);
+    if (LinesBelow(p.y) != LinesBelow(q.y)) AddCrossings<false>(p.y, p.x, q.y, q.x);
   }
 
-  // The number of the first centre line above an odd coordinate.
-  static int32_t LinesBelow(int32_t a) { return (a + 32) >> 6; }
+  // The number of the first centre line above an odd coordinate, or several of them.
+  template <class T>
+  static T LinesBelow(T a) {
+    return (a + 32) >> 6;
+  }
 
-  // The same as below for a piece that crosses one line (ahead is 1 or -1) or none, without a branch: most pieces of
-  // curves are such, and which of them cross a line nobody foresees. It goes from a, b by da, db, which are below 128;
-  // line is the number of the first one above a.
-  template <bool kVertical>
-  [[gnu::always_inline]] void AddShort(int32_t a, int32_t b, int32_t da, int32_t db, int32_t line, int32_t ahead) {
-    constexpr uint32_t kRising = kVertical ? kVerticalRising : kHorizontalRising;
-    const int32_t falls = ahead >> 31;  // all ones: the piece begins at its other end
-    a += da & falls;
-    b += db & falls;
-    line += falls;
-    const auto across = uint32_t((da ^ falls) - falls) & 127;  // whatever it is where no line is crossed
-    const int32_t along = (db ^ falls) - falls;
-    const int32_t place = b + SmallQuotientOf(along * (line * 64 + 32 - a), across);
-    sink_.AddIf(kVertical, line, place, kRising + (kRising & uint32_t(falls)), ahead & 1);
+  // The line pieces from p to q and from q to r. Most pieces of curves are so short that they cross one line of a
+  // direction or none, and which of them do nobody foresees. So both directions of both pieces, each a lane, are worked
+  // out together and without a branch, as AddCrossings would.
+  [[gnu::always_inline]] void AddLines(Point p, Point q, Point r) {
+    using Lanes = CrossingLanes;
+    using Floats = float __attribute__((vector_size(16)));
+    const Lanes from = Lanes{p.x, p.y, q.x, q.y} | 1, to = Lanes{q.x, q.y, r.x, r.y} | 1;
+    const Lanes first = LinesBelow(from), ahead = LinesBelow(to) - first;  // 1 or -1 where it crosses one
+    const Lanes tooMany = Lanes((ahead + 1) & ~3) | Lanes(ahead == 2);
+    if ((tooMany[0] | tooMany[1]) | (tooMany[2] | tooMany[3])) {
+      AddLine(p, q);
+      AddLine(q, r);
+      return;
+    }
+    const Lanes falls = ahead >> 31;  // all ones where the piece begins at its other end
+    const Lanes way = to - from, across = (way ^ falls) - falls;
+    const Lanes begin = from + (way & falls), line = first + falls;
+    const Lanes sideways = __builtin_shufflevector(way, way, 1, 0, 3, 2), along = (sideways ^ falls) - falls;
+    const Lanes besideBegin = __builtin_shufflevector(from, from, 1, 0, 3, 2) + (sideways & falls);
+    // Products below 2^14 of numbers below 2^7, and their quotients, are told from whole numbers by a float.
+    const auto floats = [](Lanes lanes) { return __builtin_convertvector(lanes, Floats); };
+    const Floats steps = floats(along) * floats(line * 64 + 32 - begin) / floats(across | Lanes(across == 0));
+    const Lanes place = besideBegin + __builtin_convertvector(steps, Lanes);
+    constexpr Lanes kRising = {kVerticalRising, kHorizontalRising, kVerticalRising, kHorizontalRising};
+    const Lanes kind = kRising + (kRising & falls), is = ahead & 1;
+    sink_.AddFour(line, place, kind, is);
   }
 
   // The crossings with the centre lines of one axis: a runs across the lines, b along them. Places are b0 plus

@@ -85,6 +85,18 @@ void ReadBytes(InputStream& in, uint8_t* destination, uint32_t count) {
   in.pos += count;
 }
 
+KeptBytes KeepBytes(InputStream& in, uint32_t count) {
+  tsi_Assert(in.mem, count <= BytesLeft(in));
+  if (in.privateBase && !in.copy) {
+    const uint8_t* const at = in.privateBase + in.pos;
+    in.pos += count;
+    return {at, nullptr};
+  }
+  uint8_t* const copy = tsi_NewArray<uint8_t>(in.mem, count);
+  ReadBytes(in, copy, count);
+  return {copy, copy};
+}
+
 uint8_t ReadByteThroughCallback(InputStream& in) {
   tsi_Assert(in.mem, in.readToRam && in.readToRam(in.nonRamID, &in.tmp, in.pos, 1));
   in.pos++;

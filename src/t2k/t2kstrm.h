@@ -1,8 +1,8 @@
 // Where the engine reads a font from: bytes in memory, or a callback that fetches them.
 //
-// A stream over memory doesn't copy it: the caller keeps the bytes alive and unchanged. Positions count from the
-// beginning of the font, also in a sub-stream. All numbers are big-endian. Reading beyond the end is an error of
-// the font (kT2KDamagedFont), never a read outside its bytes.
+// A stream over memory doesn't copy it: the caller keeps the bytes alive and unchanged, and tables are read in place.
+// Positions count from the beginning of the font, also in a sub-stream. All numbers are big-endian. Reading beyond the
+// end is an error of the font (kT2KDamagedFont), never a read outside its bytes.
 #pragma once
 
 #include "gfx/foundation/hsbytes.h"
@@ -41,6 +41,8 @@ class SubStream {
 
   InputStream& operator*() { return stream_; }
   InputStream* operator->() { return &stream_; }
+  // Where it begins; valid for the scope, or null if there is nothing.
+  const uint8_t* Bytes() const { return stream_.privateBase ? stream_.privateBase + stream_.posZero : nullptr; }
 
  private:
   InputStream stream_;
@@ -53,6 +55,14 @@ inline void Rewind(InputStream& in) { in.pos = in.posZero; }
 void SeekTo(InputStream& in, uint32_t offset);
 void SkipBytes(InputStream& in, uint32_t count);
 void ReadBytes(InputStream& in, uint8_t* destination, uint32_t count);
+
+// Bytes of a font that are wanted for as long as it is open.
+struct KeptBytes {
+  const uint8_t* at;
+  uint8_t* copy;  // a block that holds them, or null if they lie in the caller's memory
+};
+// The next count of them; whoever keeps them frees the copy.
+KeptBytes KeepBytes(InputStream& in, uint32_t count);
 
 uint8_t ReadByteThroughCallback(InputStream& in);
 

@@ -115,22 +115,29 @@ void ReadHmtx(sfntClass* font, InputStream& in) {
   hmtx->numberOfHMetrics = font->hhea->numberOfHMetrics;
   hmtx->lsb = tsi_NewArray<int16_t>(font->mem, hmtx->numGlyphs * 2u);
   hmtx->aw = reinterpret_cast<uint16_t*>(hmtx->lsb + hmtx->numGlyphs);
-  uint16_t aw = 0;
-  for (int i = 0; i < hmtx->numGlyphs; ++i) {
-    if (i < hmtx->numberOfHMetrics) aw = ReadUInt16(in);
-    hmtx->aw[i] = aw;
-    hmtx->lsb[i] = ReadInt16(in);
+  const int pairs = std::min(hmtx->numGlyphs, hmtx->numberOfHMetrics), singles = hmtx->numGlyphs - pairs;
+  const uint32_t size = pairs * 4u + singles * 2u;
+  tsi_Assert(font->mem, size <= BytesLeft(in));
+  const SubStream bytes(in, in.pos - in.posZero, size);
+  const uint8_t* p = bytes.Bytes();
+  for (int i = 0; i < pairs; ++i, p += 4) {
+    hmtx->aw[i] = hsBig16(p);
+    hmtx->lsb[i] = int16_t(hsBig16(p + 2));
   }
+  std::fill_n(hmtx->aw + pairs, singles, pairs > 0 ? hmtx->aw[pairs - 1] : uint16_t{0});
+  for (int i = pairs; i < hmtx->numGlyphs; ++i, p += 2) hmtx->lsb[i] = int16_t(hsBig16(p));
 }
 
 void ReadLoca(sfntClass* font, InputStream& in) {
   tsi_Assert(font->mem, font->head && font->maxp);
   const int16_t format = font->head->indexToLocFormat;
   tsi_Assert(font->mem, format == 0 || format == 1);
-  const uint32_t count = font->maxp->numGlyphs + 1u;
-  tsi_Assert(font->mem, count * (format ? 4 : 2) <= BytesLeft(in));
-  font->loca = tsi_NewArray<uint32_t>(font->mem, count);
-  for (uint32_t i = 0; i < count; ++i) font->loca[i] = format ? ReadUInt32(in) : ReadUInt16(in) * 2u;
+  font->loca = KeepBytes(in, (font->maxp->numGlyphs + 1u) * (format ? 4 : 2));
+}
+
+uint32_t GlyphOffset(const sfntClass* font, int32_t index) {
+  const uint8_t* const loca = font->loca.at;
+  return font->head->indexToLocFormat ? hsBig32(loca + size_t(index) * 4) : hsBig16(loca + size_t(index) * 2) * 2u;
 }
 
 void OpenSfnt(sfntClass* font, int32_t fontNumber) {
@@ -173,10 +180,10 @@ void NeedCmap(sfntClass* font) {
 }
 
 GlyphClass* ReadSfntGlyph(sfntClass* font, int32_t index, bool readHints) {
-  tsi_Assert(font->mem, font->head && font->loca && font->hmtx);
+  tsi_Assert(font->mem, font->head && font->loca.at && font->hmtx);
   const GlyphMetrics metrics{font->hmtx->lsb[index], font->hmtx->aw[index]};
-  const uint32_t offset = font->loca[index];
-  const uint32_t end = font->loca[index + 1];
+  const uint32_t offset = GlyphOffset(font, index);
+  const uint32_t end = GlyphOffset(font, index + 1);
   if (offset == end) return NewEmptyGlyph(font->mem, metrics);
 
   const sfntTableEntry* glyf = GetSfntTable(font, hsTag("glyf"));
@@ -226,7 +233,7 @@ void Delete_sfntClass(sfntClass* font, int* errCode) {
     tsi_DeAllocMem(mem, font->maxp);
     if (font->hmtx) tsi_DeAllocMem(mem, font->hmtx->lsb);
     tsi_DeAllocMem(mem, font->hmtx);
-    tsi_DeAllocMem(mem, font->loca);
+    tsi_DeAllocMem(mem, font->loca.copy);
     DeleteCmap(font->cmap);
     DeleteKern(font->kern);
     tsi_DeleteT1Class(font->T1);

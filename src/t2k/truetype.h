@@ -84,7 +84,7 @@ struct sfntClass {
   ttcfClass* ttcf;
   headClass* head;
   maxpClass* maxp;
-  uint32_t* loca;  // numGlyphs + 1 offsets into glyf
+  KeptBytes loca;  // numGlyphs + 1 offsets into glyf, as they lie in the file
   hheaClass* hhea;
   hmtxClass* hmtx;
   cmapClass* cmap;

@@ -1,6 +1,7 @@
 #include "engine/images/gifdecoder.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 #include "gfx/foundation/hsbytes.h"
@@ -9,8 +10,6 @@ namespace {
 
 constexpr int kMaxBits = 12;
 constexpr int kMaxCodes = 1 << kMaxBits;
-constexpr size_t kHead = 8;  // indices of an entry that are written at one stroke, wanted or not
-
 struct Pass {
   uint32_t start, step;
 };
@@ -19,82 +18,102 @@ constexpr Pass kPlain[] = {{0, 1}};
 
 int tableSize(uint8_t packed) { return 2 << (packed & 7); }
 
-// Collects indices into rows and passes each on when it is full, in the order of the passes.
+// Passes on finished rows in the order of the passes.
 class RowSink {
  public:
-  RowSink(uint32_t w, uint32_t h, bool interlaced, const GifDecoder::Row& r)
-      : width(w),
-        height(h),
+  RowSink(uint32_t h, bool interlaced, const GifDecoder::Row& r)
+      : height(h),
         emit(r),
-        row(w + kHead),
         pass(interlaced ? kInterlaced : kPlain),
         passEnd(interlaced ? std::end(kInterlaced) : std::end(kPlain)),
         y(pass->start) {}
 
-  // Where the next `length` indices, up to kMaxCodes, are to be written; put() then takes them. They go straight into
-  // the row where that has space. There is always space for kHead.
-  uint8_t* place(size_t length) { return length <= width - filled ? row.data() + filled : overhang.data(); }
-  void put(const uint8_t* from, size_t length) {
-    if (from != overhang.data()) return advance(length);
-    while (length > 0) {
-      const size_t part = std::min(length, width - filled);
-      std::copy_n(from, part, row.data() + filled);
-      advance(part);
-      from += part;
-      length -= part;
-    }
-  }
-
- private:
-  void advance(size_t length) {
-    filled += length;
-    if (filled < width) return;
-    filled = 0;
+  void put(const uint8_t* row, uint32_t width) {
     if (pass == passEnd) return;  // more than the image holds
-    emit(y, row.data(), uint32_t(width));
+    emit(y, row, width);
     y += pass->step;
     while (y >= height && ++pass != passEnd) y = pass->start;
   }
 
-  size_t width;
+ private:
   uint32_t height;
   const GifDecoder::Row& emit;
-  std::vector<uint8_t> row;
-  std::array<uint8_t, kMaxCodes + kHead> overhang;
-  size_t filled = 0;
   const Pass *pass, *passEnd;
   uint32_t y;
 };
 
-// The dictionary: each code is a shorter one and a last index.
-class Dictionary {
+// Bits of an image's data, the low ones first, and the bytes of the block that follow them.
+struct GifBits {
+  uint64_t buffer = 0;
+  int count = 0;
+  const uint8_t* at = nullptr;
+  const uint8_t* end = nullptr;
+
+  // Bytes that don't fit as a whole come again at the same place.
+  void refill() {
+    buffer |= hsLittle64(at) << count;
+    at += (63 - count) / 8;
+    count |= 56;
+  }
+  bool canRefill() const { return end - at >= 8; }
+  int peek(int bits) const { return int(buffer & ((1u << bits) - 1)); }
+  void drop(int bits) {
+    buffer >>= bits;
+    count -= bits;
+  }
+};
+
+// Expands codes, all into one buffer. What a code means has been written there before, and since the next code's
+// indices follow it, so has what it means with one index more: an entry of the dictionary is no more than a place and a
+// length. Indices stay while entries may point at them and until their row is full.
+class Expander {
  public:
-  explicit Dictionary(int minimum) : clear(1 << minimum), minimumBits(minimum) {
-    for (int i = 0; i < clear; ++i) entries[size_t(i)] = {{uint8_t(i)}, 0, 1, uint8_t(i)};
+  Expander(int minimum, uint32_t w, RowSink& s) : clear(1 << minimum), width(w), minimumBits(minimum), sink(s) {
+    written.resize(kLeastSpace);
+    for (int i = 0; i < clear; ++i) {
+      written[size_t(i)] = uint8_t(i);
+      entries[size_t(i)] = {uint32_t(i), 1};
+    }
+    end = row = size_t(clear);
     reset();
   }
 
   void reset() {
     count = clear + 2;
     bits = minimumBits + 1;
-    previous = -1;
+    isFirst = true;
+    kept = size_t(clear);
   }
 
-  // Passes the indices of the code to the sink, and defines the next code. False for a code that can't be.
-  bool expand(int code, RowSink* sink) {
-    if (previous < 0) {  // the first after a clear means itself
-      if (code >= clear) return false;
-    } else {
-      if (code > count || (code == count && count >= kMaxCodes)) return false;
-      define(entries[size_t(code == count ? previous : code)].head[0]);
+  // Takes codes for indices, of which there is at least one, up to any other code and as long as bits can be had; each
+  // code's indices are written, and the next code is defined. False for a code that can't be.
+  bool expand(GifBits* input) {
+    GifBits in = *input;
+    Entry before = last;  // what was written for the code before
+    for (;;) {
+      if (in.count < bits) {
+        if (!in.canRefill()) break;
+        in.refill();
+      }
+      const int code = in.peek(bits);
+      if ((code & ~1) == clear) break;
+      in.drop(bits);
+      if (isFirst) {  // after a clear it means itself
+        if (code >= clear) return false;
+      } else {
+        if (code > count || (code == count && count >= kMaxCodes)) return false;
+        if (count < kMaxCodes) define(before);
+      }
+      const Entry entry = entries[size_t(code)];
+      if (written.size() - end < entry.length + kAtOnce) makeSpace(entry.length);
+      isFirst = false;
+      copy(written.data() + entry.at, written.data() + end, entry.length);
+      before = {uint32_t(end), entry.length};
+      end += entry.length;
+      if (end - row >= width) passRowsOn();
     }
-    previous = code;
-    const Entry* entry = &entries[size_t(code)];
-    const size_t length = entry->length;
-    uint8_t* out = sink->place(length);
-    for (size_t at = length; at > kHead; entry = &entries[entry->prefix]) out[--at] = entry->last;
-    std::copy_n(entry->head.data(), kHead, out);
-    sink->put(out, length);
+    last = before;
+    *input = in;
     return true;
   }
 
@@ -102,23 +121,57 @@ class Dictionary {
   int bits;         // of the codes now
 
  private:
-  // The next code is the one before, and one index more.
-  void define(uint8_t last) {
-    if (count == kMaxCodes) return;  // it is full and stays as it is
-    Entry& made = entries[size_t(count)];
-    const Entry& from = entries[size_t(previous)];
-    made = {from.head, uint16_t(previous), uint16_t(from.length + 1), last};
-    if (from.length < kHead) made.head[from.length] = last;
-    if (++count == 1 << bits && bits < kMaxBits) ++bits;
-  }
+  static constexpr size_t kAtOnce = 16;  // indices that are written at one stroke, wanted or not
+  static constexpr size_t kLeastSpace = 1 << 16;
 
   struct Entry {
-    std::array<uint8_t, kHead> head;  // the first indices, which are all of most entries
-    uint16_t prefix, length;
-    uint8_t last;
+    uint32_t at, length;
   };
+
+  // The next code is the one before, and the index that follows it. A dictionary that is full stays as it is.
+  void define(Entry before) {
+    entries[size_t(count)] = {before.at, before.length + 1};
+    if (++count == kMaxCodes) kept = end + 1;
+    if (count == 1 << bits && bits < kMaxBits) ++bits;
+  }
+
+  // A code that means the one before and its first index again reads what it has just written.
+  static void copy(const uint8_t* from, uint8_t* to, size_t length) {
+    if (from + length > to) {
+      for (size_t i = 0; i < length; ++i) to[i] = from[i];
+      return;
+    }
+    for (size_t i = 0; i < length; i += kAtOnce) {
+      std::array<uint8_t, kAtOnce> some;
+      std::memcpy(some.data(), from + i, kAtOnce);
+      std::memcpy(to + i, some.data(), kAtOnce);
+    }
+  }
+
+  void passRowsOn() {
+    for (; end - row >= width; row += width) sink.put(written.data() + row, width);
+  }
+
+  // Where no entry points at what lies between those kept and the unfinished row, that goes; else the buffer grows,
+  // which 4,096 entries of 4,096 indices bound.
+  void makeSpace(size_t length) {
+    if ((isFirst || count == kMaxCodes) && row > kept + width) {
+      std::memmove(written.data() + kept, written.data() + row, end - row);
+      end -= row - kept;
+      row = kept;
+    }
+    if (written.size() - end < length + kAtOnce + kLeastSpace / 2) written.resize(2 * (end + length + kLeastSpace));
+  }
+
+  const uint32_t width;
   const int minimumBits;
-  int count, previous;
+  RowSink& sink;
+  int count;
+  bool isFirst;
+  Entry last{};
+  size_t kept;      // once no more are defined, entries point at nothing from here on
+  size_t row, end;  // where the unfinished row begins, and where what is written ends
+  std::vector<uint8_t> written;
   std::array<Entry, kMaxCodes> entries;
 };
 
@@ -228,33 +281,36 @@ GifError GifDecoder::readPixels(const Row& row) {
   if (minimumBits < 2 || minimumBits > 8) return GifError::badCodeSize;
   if (current.width == 0 || current.height == 0) return skipBlocks();
 
-  RowSink sink(current.width, current.height, current.interlaced, row);
-  Dictionary dictionary(minimumBits);
-  uint64_t bitBuffer = 0;
-  int bitCount = 0, blockLeft = 0;
+  RowSink sink(current.height, current.interlaced, row);
+  Expander expander(minimumBits, current.width, sink);
+  GifBits bits;
+  int blockLeft = 0;
   for (;;) {
-    while (bitCount < dictionary.bits) {
+    while (bits.count < expander.bits) {
       if (blockLeft == 0) {
         blockLeft = next();
         if (blockLeft < 0) return GifError::endOfFile;
         if (blockLeft == 0) return GifError::none;  // the data ends without an end code
       }
       if (position == filled && !fill()) return GifError::endOfFile;
-      for (; blockLeft > 0 && position < filled && bitCount <= 56; --blockLeft, bitCount += 8)
-        bitBuffer |= uint64_t{buffer[position++]} << bitCount;
+      for (; blockLeft > 0 && position < filled && bits.count <= 48; --blockLeft, bits.count += 8)
+        bits.buffer |= uint64_t{buffer[position++]} << bits.count;
     }
-    const int code = int(bitBuffer & ((1u << dictionary.bits) - 1));
-    bitBuffer >>= dictionary.bits;
-    bitCount -= dictionary.bits;
-
-    if (code == dictionary.clear) {
-      dictionary.reset();
-    } else if (code == dictionary.clear + 1) {
+    const int code = bits.peek(expander.bits);
+    if (code == expander.clear) {
+      bits.drop(expander.bits);
+      expander.reset();
+    } else if (code == expander.clear + 1) {
       for (; blockLeft > 0; --blockLeft)
         if (next() < 0) return GifError::endOfFile;
       return skipBlocks();
-    } else if (!dictionary.expand(code, &sink)) {
-      return GifError::badCode;
+    } else {
+      const uint8_t* const from = buffer.data() + position;
+      bits.at = from;
+      bits.end = from + std::min(size_t(blockLeft), filled - position);
+      if (!expander.expand(&bits)) return GifError::badCode;
+      position += size_t(bits.at - from);
+      blockLeft -= int(bits.at - from);
     }
   }
 }

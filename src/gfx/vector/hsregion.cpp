@@ -75,7 +75,7 @@ hsRegion::hsRegion(int32_t count, const int16_t runs[], const hsIntRect* bounds)
 }
 
 hsRegion::hsRegion(const hsRegion& other)
-    : fBounds(other.fBounds), fRunCount(other.fRunCount), fIsChecked(other.fIsChecked) {
+    : fBounds(other.fBounds), fRunCount(other.fRunCount), fIsChecked(other.fIsChecked), fIsJoined(other.fIsJoined) {
   if (other.fRuns) fRuns = CopyOf(fRunCount, other.fRuns.get());
 }
 
@@ -105,17 +105,19 @@ void hsRegion::Swap(hsRegion& other) noexcept {
   std::swap(fBounds, other.fBounds);
   std::swap(fRunCount, other.fRunCount);
   std::swap(fIsChecked, other.fIsChecked);
+  std::swap(fIsJoined, other.fIsJoined);
   fRuns.swap(other.fRuns);
   fSpanClipper.reset();  // a clipper knows its region by address
   other.fSpanClipper.reset();
 }
 
-void hsRegion::Adopt(int32_t count, std::unique_ptr<int16_t[]> runs, const hsIntRect& bounds) {
+void hsRegion::Adopt(int32_t count, std::unique_ptr<int16_t[]> runs, const hsIntRect& bounds, bool isJoined) {
   fSpanClipper.reset();
   fRuns = std::move(runs);
   fRunCount = count;
   fBounds = bounds;
   fIsChecked = true;
+  fIsJoined = isJoined;
 }
 
 bool hsRegion::operator==(const hsRegion& other) const {

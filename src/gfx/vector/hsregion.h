@@ -93,13 +93,14 @@ class hsRegion {
  private:
   // Validate, spared for runs that have been looked through and can't have changed since.
   bool Check() const { return fIsChecked || Validate(); }
-  void Adopt(int32_t count, std::unique_ptr<int16_t[]> runs, const hsIntRect& bounds);
+  void Adopt(int32_t count, std::unique_ptr<int16_t[]> runs, const hsIntRect& bounds, bool isJoined = false);
   friend class hsRegionOperator;
 
   hsIntRect fBounds{0, 0, 0, 0};    // exact
   int32_t fRunCount = kEmptyCount;  // elements of fRuns, or one of the two counts without any
   std::unique_ptr<int16_t[]> fRuns;
   bool fIsChecked = true;                                     // false once Translate has moved runs out of their range
+  bool fIsJoined = false;                                     // bands that follow each other are known to differ
   mutable std::unique_ptr<hsRegionSpanClipper> fSpanClipper;  // made by the first ClipSpan
 };
 

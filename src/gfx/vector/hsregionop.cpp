@@ -110,7 +110,8 @@ struct Band {
   const int16_t* spans;
   const int16_t* end;  // the band's sentinel
 
-  explicit Band(const int16_t* runs) : top(runs[0]) { Enter(runs + 1); }
+  explicit Band(const int16_t* runs) : Band(runs[0], runs + 1) {}
+  Band(int32_t t, const int16_t* slot) : top(t) { Enter(slot); }
   bool IsUsedUp() const { return top == S; }
   int32_t Size() const { return int32_t(end - spans); }
   // Leaves out the rows above y; y is at most the bottom.
@@ -144,6 +145,35 @@ bool AreSame(const int16_t* a, const int16_t* b) {
   return false;
 }
 
+// The slot of the first band that ends below row y, where there is one. From any place in the array the next sentinel
+// leads to a slot, so there is no need to walk through all bands.
+const int16_t* FindBand(const int16_t* runs, int32_t count, int32_t y) {
+  const int16_t* above = runs + 1;  // a band that doesn't
+  if (*above > y) return above;
+  const int16_t* end = runs + count - 1;  // after all that are still in question
+  const int16_t* found = nullptr;
+  while (end - above > 2) {
+    const int16_t* const middle = above + (end - above) / 2;
+    const int16_t* next = middle;
+    while (*next++ != S) {
+    }
+    if (next < end && *next <= y) {
+      above = next;
+    } else {
+      if (next < end) found = next;
+      end = middle + 1;
+    }
+  }
+  return found;
+}
+
+// From the slot of a band to that of the band above it, which there is.
+const int16_t* BandAbove(const int16_t* slot, const int16_t* runs) {
+  slot -= 2;
+  while (slot - 1 != runs && slot[-1] != S) --slot;
+  return slot;
+}
+
 // A rectangle written out as runs.
 struct RectRuns {
   int16_t runs[hsRegion::kRectRuns];
@@ -162,8 +192,23 @@ class hsRegionOperator {
     if (!hsAssert(!a.IsEmpty() && !b.IsEmpty(), "need non-empty rgns")) return;
     const RectRuns aRect(a.fRuns ? hsIntRect{} : a.fBounds), bRect(b.fRuns ? hsIntRect{} : b.fBounds);
     hsRegionOperator bands(a.fRunCount + b.fRunCount + 2 * hsRegion::kRectRuns);
-    bands.MergeBands<merge, keepsA, keepsB>(a.fRuns ? a.fRuns.get() : aRect.runs, b.fRuns ? b.fRuns.get() : bRect.runs);
+    Band aBand(a.fRuns ? a.fRuns.get() : aRect.runs), bBand(b.fRuns ? b.fRuns.get() : bRect.runs);
+    bands.MergeBands<merge, keepsA, keepsB, false>(aBand, bBand);
     bands.Deliver(result, bounds);
+  }
+
+  // The union of a region whose bands are joined and a rectangle that begins above its end: bands wholly above and
+  // below the rectangle are copied as they stand.
+  static void UniteWithRect(const hsRegion& a, const hsIntRect& b, const hsIntRect& bounds, hsRegion* result) {
+    const RectRuns rect(b);
+    const int16_t* const runs = a.fRuns.get();
+    const int16_t* const first = FindBand(runs, a.fRunCount, b.fTop);
+    hsRegionOperator bands(a.fRunCount + 3 * hsRegion::kRectRuns);
+    bands.TakeAllAbove(first, runs);
+    Band old(first == runs + 1 ? runs[0] : *BandAbove(first, runs), first), added(rect.runs);
+    bands.MergeBands<UniteSpans, true, true, true>(old, added);
+    bands.TakeRest(old, runs + a.fRunCount - 1);
+    bands.Deliver(result, &bounds);
   }
 
  private:
@@ -187,10 +232,10 @@ class hsRegionOperator {
     fPrev = prev < 0 ? nullptr : fRuns.get() + prev;
   }
 
-  template <SpanMerge merge, bool keepsA, bool keepsB>
-  void MergeBands(const int16_t* aRuns, const int16_t* bRuns) {
-    Band a(aRuns), b(bRuns);
+  template <SpanMerge merge, bool keepsA, bool keepsB, bool endsWithB>
+  void MergeBands(Band& a, Band& b) {
     for (;;) {
+      if (endsWithB && b.IsUsedUp()) return;
       if (a.top < b.top) {
         if (!keepsA && b.IsUsedUp()) return;
         TakeAlone(&a, b.top, keepsA);
@@ -212,6 +257,28 @@ class hsRegionOperator {
         b.ConsumeTo(bottom);
       }
     }
+  }
+
+  // All bands above first.
+  void TakeAllAbove(const int16_t* first, const int16_t* runs) {
+    if (first == runs + 1) return;
+    const int16_t* last = BandAbove(first, runs);
+    const int16_t* end = first;
+    if (last[1] == S) {  // a gap, which comes with the band after it
+      end = last;
+      last = BandAbove(last, runs);
+    }
+    fOut = std::copy(runs, end, fRuns.get());
+    fPrev = fRuns.get() + (last - runs);
+  }
+
+  // What is left of a region's bands, up to its final sentinel.
+  void TakeRest(Band& band, const int16_t* final) {
+    if (band.IsUsedUp()) return;
+    if (band.Size() == 0) band.ConsumeTo(band.bottom);
+    PutSpansOf(band, band.bottom);
+    EnsureRoom(int32_t(final - band.end));
+    fOut = std::copy(band.end + 1, final, fOut);
   }
 
   // The rows of band above y, where the other operand has none.
@@ -288,7 +355,7 @@ class hsRegionOperator {
       std::copy_n(fRuns.get(), count, fitting.get());
       fRuns = std::move(fitting);
     }
-    result->Adopt(count, std::move(fRuns), exact);
+    result->Adopt(count, std::move(fRuns), exact, true);
   }
 
   std::unique_ptr<int16_t[]> fRuns;
@@ -327,6 +394,10 @@ void hsRegion::Union(const hsRegion& a, const hsRegion& b) {
   }
   hsIntRect bounds = a.fBounds;
   bounds.Union(b.fBounds);
+  const bool isToB = a.IsRect();
+  const hsRegion &old = isToB ? b : a, &added = isToB ? a : b;
+  if (old.fIsJoined && !old.IsRect() && added.IsRect() && added.fBounds.fTop < old.fBounds.fBottom)
+    return hsRegionOperator::UniteWithRect(old, added.fBounds, bounds, this);
   hsRegionOperator::Perform<UniteSpans, true, true>(a, b, this, &bounds);
 }
 

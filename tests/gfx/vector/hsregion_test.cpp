@@ -74,6 +74,33 @@ TEST(Region, OperationsAgreeWithPixels) {
   }
 }
 
+// Sparse ones and dense ones, thin and thick, so that rectangles fall into gaps, join bands and cover them; now and
+// then something is taken away again.
+TEST(Region, GathersRectanglesOneByOne) {
+  Random random(37);
+  ThrowOnHalt halt;
+  const auto below = [&](int n) { return int(random() % unsigned(n)); };
+  for (int i = 0; i < 300; ++i) {
+    hsRegion region;
+    PixelModel model;
+    const int most = 1 + below(20);
+    for (int k = 0; k < 40; ++k) {
+      const int x = below(kModelSize - most), y = below(kModelSize - most);
+      const hsIntRect rect{x, y, x + 1 + below(most), y + 1 + below(most)};
+      const bool adds = below(8) > 0;
+      model.Fill(rect, adds);
+      if (!adds)
+        region.Difference(region, rect);
+      else if (k % 2)
+        region.Union(region, rect);
+      else
+        region.Union(hsRegion(rect), region);
+      ASSERT_TRUE(region == model.Region()) << i << " " << k;
+      ASSERT_TRUE(region.Validate());
+    }
+  }
+}
+
 // As runs they may be given apart.
 TEST(Region, BandsAlikeAreJoined) {
   hsRegion region;

@@ -1,0 +1,187 @@
+"""What bench/report and bench/check measure: one line a row. A new row goes into ROWS or GROWTH, and nothing else changes.
+
+A row names a program of the benchmarks, a benchmark in it and its peer, which by custom is called after it: "grey" with
+the arguments 0/8 is the benchmark grey/0/8 and its peer FreeType's grey/freetype/0/8. Programs that aren't written with
+Google Benchmark have a function here that runs them and says the times.
+"""
+import json
+import os
+import re
+import statistics
+import subprocess
+import time
+from dataclasses import dataclass, field
+from typing import Callable, Optional
+
+UNITS = {'ns': 1e-9, 'us': 1e-6, 'ms': 1e-3, 's': 1.0}
+
+
+def google(program, names, repetitions, seconds, build):
+    """Median processor time in seconds of each benchmark in names, run in turns by one process."""
+    wanted = '^(' + '|'.join(re.escape(name) for name in names) + ')(/iterations:[0-9]+)?$'
+    command = [os.path.join(build, 'bench', program), '--benchmark_filter=' + wanted, '--benchmark_format=json',
+               f'--benchmark_repetitions={repetitions}', f'--benchmark_min_time={seconds}',
+               '--benchmark_enable_random_interleaving=' + ('true' if repetitions > 1 else 'false')]
+    output = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=True).stdout
+    times = {}
+    for run in json.loads(output)['benchmarks']:
+        if run.get('error_occurred'):
+            raise RuntimeError(f"{program}: {run['name']}: {run['error_message']}")
+        if run['run_type'] == 'iteration':
+            name = re.sub('/iterations:[0-9]+', '', run['run_name'])
+            times.setdefault(name, []).append(run['cpu_time'] * UNITS[run['time_unit']])
+    missing = [name for name in names if name not in times]
+    if missing:
+        raise RuntimeError(f'{program} has no ' + ', '.join(missing))
+    return {name: statistics.median(values) for name, values in times.items()}
+
+
+@dataclass
+class Row:
+    """Work beside a peer's: one ratio for each of cases, an argument of the benchmark and what it is called."""
+    title: str
+    program: str
+    name: str
+    peer: str  # its name in the program
+    peers_name: str
+    aim: float
+    cases: dict = field(default_factory=lambda: {'': ''})
+    peer_has_cases: bool = True
+
+    def ours(self, case):
+        return self.name + ('/' + case if case else '')
+
+    def peers(self, case):
+        return self.name + '/' + self.peer + ('/' + case if case and self.peer_has_cases else '')
+
+    def measure(self, build, repetitions=5, seconds=0.1):
+        """Label to our time and the peer's."""
+        names = {self.ours(case) for case in self.cases} | {self.peers(case) for case in self.cases}
+        times = google(self.program, sorted(names), repetitions, seconds, build)
+        return {label: (times[self.ours(case)], times[self.peers(case)]) for case, label in self.cases.items()}
+
+    def measure_ours(self, build):
+        """Label to time, short."""
+        times = google(self.program, sorted(self.ours(case) for case in self.cases), 1, 0.05, build)
+        return {label: times[self.ours(case)] for case, label in self.cases.items()}
+
+
+@dataclass
+class OwnRow:
+    """The same by a function from a build to label to (our time, the peer's or None)."""
+    title: str
+    peers_name: str
+    aim: float
+    run: Callable
+
+    def measure(self, build):
+        return self.run(build)
+
+    def measure_ours(self, build):
+        return {label: times[0] for label, times in self.run(build).items()}
+
+
+@dataclass
+class Growth:
+    """The same work once, ten and a hundred times: three benchmarks of a program."""
+    title: str
+    work: str  # what there is 1, 10 and 100 times of
+    program: str
+    names: tuple
+    remark: Optional[str] = None  # why it grows faster than its work, if it does
+
+    def measure(self, build, repetitions=3, seconds=0.05):
+        times = google(self.program, self.names, repetitions, seconds, build)
+        return [times[name] for name in self.names]
+
+
+def cases(*pairs):
+    return dict(pairs)
+
+
+def same(*names):
+    return {name: name for name in names}
+
+
+def bob_programs(build):
+    """bench/bob_bench runs both sides itself, alternately."""
+    output = subprocess.run([os.path.join(build, 'bench/bob_bench')], stdout=subprocess.PIPE, check=True, text=True).stdout
+    found = re.findall(r'^(\S+) +bob +([0-9.]+) ms +lua +([0-9.]+) ms', output, re.MULTILINE)
+    return {name: (float(ours) / 1e3, float(lua) / 1e3) for name, ours, lua in found}
+
+
+def process(*command, runs=15):
+    """For an OwnRow: the least wall time of whole processes; {build} stands for the build in a word of the command."""
+    def run(build):
+        words = [word.format(build=build) for word in command]
+        best = float('inf')
+        for _ in range(runs):
+            start = time.perf_counter()
+            subprocess.run(words, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=True)
+            best = min(best, time.perf_counter() - start)
+        return {'': (best, None)}
+    return run
+
+
+FONTS_AND_SIZES = {f'{font}/{size}': f'{name} {size}' for font, name in ((0, 'DejaVu'), (1, 'Liberation'))
+                   for size in (8, 12, 16, 24, 40)}
+BOTH_FONTS = cases(('0', 'DejaVu'), ('1', 'Liberation'))
+SIZES = cases(('16', '16 pixels'), ('64', '64'), ('360', '360'))
+SHAPES = ('star', 'triangles', 'scribble', 'circle', 'letters', 'blob')
+STROKED = ('star', 'scribble', 'circle', 'blob')
+RECTS = cases(('100', '100'), ('1000', '1,000'))
+TEXT_SIZES = {f'size:{size}/grey:{grey}': f'{size} pixels, {"grey" if grey else "bits"}' for grey in (1, 0)
+              for size in (12, 20, 32)}
+
+
+def per_shape(title, name, aim, shapes):
+    return [Row(f'{title}: {shape}', 'gfx_scan_bench', f'{name}/{shape}', 'cairo', 'Cairo', aim) for shape in shapes]
+
+
+ROWS = [
+    Row('Grey glyphs, level 3, none kept', 't2k_bench', 'grey', 'freetype', 'FreeType, no hinting', 0.8, FONTS_AND_SIZES),
+    Row('Outlines, none kept', 't2k_bench', 'outlines', 'freetype', 'FreeType', 0.8, FONTS_AND_SIZES),
+    Row('Opening a font', 't2k_bench', 'open', 'freetype', 'FreeType', 1.0, BOTH_FONTS),
+    Row('Opening a font, and its first glyph', 't2k_bench', 'first glyph', 'freetype', 'FreeType', 1.0, BOTH_FONTS),
+    Row('Solid rectangles', 'gfx_pixel_bench', 'solid', 'pixman', 'pixman', 0.6, SIZES),
+    Row('Blends over noise', 'gfx_pixel_bench', 'blend/noise', 'pixman', 'pixman', 0.3, SIZES),
+    Row('Blends over runs', 'gfx_pixel_bench', 'blend/runs', 'pixman', 'pixman', 0.3, SIZES),
+    Row('8-bit to 16-bit sprites', 'gfx_pixel_bench', 'sprite8to16', 'pixman', 'pixman', 0.33, SIZES),
+    Row('Region union', 'gfx_region_bench', 'union', 'pixman', 'pixman', 0.5, RECTS),
+    Row('Region intersection', 'gfx_region_bench', 'intersect', 'pixman', 'pixman', 0.5, RECTS),
+    Row('Region difference', 'gfx_region_bench', 'difference', 'pixman', 'pixman', 0.5, RECTS),
+    Row('Gathering rectangles', 'gfx_region_bench', 'gather', 'pixman', 'pixman', 0.5, RECTS),
+    *per_shape('Fill', 'fill', 0.4, SHAPES),
+    *per_shape('Anti-aliased fill', 'antifill', 0.3, SHAPES),
+    *per_shape('Stroke', 'stroke', 0.5, STROKED),
+    *per_shape('Anti-aliased stroke', 'antistroke', 0.3, STROKED),
+    *per_shape('Hairline', 'hair', 0.4, STROKED),
+    Row('60 characters, warm', 'text_bench', 'text', 'cairo', 'Cairo', 0.3, TEXT_SIZES),
+    Row('40 lines of 60 characters, warm', 'textpage_bench', 'warm', 'cairo', 'Cairo, the same lines', 0.5,
+        cases(('1', 'grey'), ('0', 'bits'))),
+    Row('40 lines of 60 characters, cold', 'textpage_bench', 'cold', 'cairo', 'Cairo, the same lines', 0.5,
+        cases(('1', 'grey'), ('0', 'bits'))),
+    Row('GIF to indices', 'gif_bench', 'gif', 'giflib', 'giflib', 0.5,
+        cases(('0', 'flat'), ('1', 'photograph'), ('2', 'noise'), ('3', 'interlaced'))),
+    Row('16-bit screen to RGB, flat', 'page_bench', 'rgb', 'copy', 'a copy of the output', 1.3, cases(('0', 'flat')),
+        peer_has_cases=False),
+    Row('16-bit screen to RGB, noise', 'page_bench', 'rgb', 'copy', 'a copy of the output', 2.0, cases(('1', 'noise')),
+        peer_has_cases=False),
+    Row('8-bit fills with their flush', 'page_bench', 'fill and flush, 8 bits', '16', 'the same in 16 bits', 1.0, SIZES),
+    OwnRow('Bob', 'Lua 5.4', 0.8, bob_programs),
+]
+
+GROWTH = [
+    Growth('Fill', 'points of a star', 'gfx_scan_bench', ('points/fill/12', 'points/fill/120', 'points/fill/1200')),
+    Growth('Anti-aliased fill', 'points of a star', 'gfx_scan_bench',
+           ('points/antifill/12', 'points/antifill/120', 'points/antifill/1200')),
+    Growth('Stroke', 'points of a star', 'gfx_scan_bench',
+           ('points/stroke/12', 'points/stroke/120', 'points/stroke/1200')),
+    Growth('Region union', 'rectangles', 'gfx_region_bench', ('union/10', 'union/100', 'union/1000')),
+    Growth('Gathering', 'rectangles', 'gfx_region_bench', ('gather/10', 'gather/100', 'gather/1000'),
+           'Each rectangle is added to a region that has grown, so the work itself grows with the square; the peer’s '
+           'does as well.'),
+    Growth('A page of text, warm', 'lines', 'textpage_bench', ('lines/warm/4', 'lines/warm/40', 'lines/warm/400')),
+    Growth('GIF to indices', 'rows', 'gif_bench', ('rows/48', 'rows/480', 'rows/4800')),
+    Growth('Loading a page', 'widgets', 'page_bench', ('LoadSlaves/500', 'LoadSlaves/5000', 'LoadSlaves/50000')),
+]
