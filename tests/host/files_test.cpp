@@ -1,5 +1,3 @@
-#include <sys/stat.h>
-
 #include <iterator>
 
 #include "engine/images/imageload.h"
@@ -57,100 +55,6 @@ TEST_F(HostTest, EveryReaderClosesItsFile) {
   desktop.typeLine("Load(\"any.txt\");");
   EXPECT_FALSE(loadFile("any.txt"));
   EXPECT_EQ(openFiles(), before);
-}
-
-// What a script gets when it opens the files, in order, as '1' and '0'.
-class FileAccessTest : public HostTest {
- protected:
-  FileAccessTest() {
-    std::filesystem::create_directories("top/page/inner");
-    std::filesystem::create_directories("top/beside");
-    for (const char* name : {"top/page/in.txt", "top/page/inner/in.txt", "top/beside/in.txt", "outside.txt"})
-      writeText(name, "some");
-    std::filesystem::current_path("top/page");
-    std::filesystem::create_symlink("../../outside.txt", "link.txt");
-    std::filesystem::create_symlink("../../new.txt", "danglinglink.txt");
-    std::filesystem::create_directory_symlink("../beside", "linkedfolder");
-    std::filesystem::create_symlink("in.txt", "insidelink.txt");
-    EXPECT_EQ(mkfifo("pipe", 0600), 0);
-    build("page.kpg", "page: {}");
-    EXPECT_TRUE(loadFile("top/page/page.kpg"));
-  }
-
-  std::string opened(const std::string& mode, const std::vector<std::string>& names) {
-    std::string all;
-    for (const std::string& name : names) {
-      const size_t before = desktop.log.size();
-      desktop.typeLine("new File(\"" + name + "\", \"" + mode + "\") ? 1 : 0;");
-      desktop.settle();
-      const std::string answer = desktop.log.substr(before);
-      all += answer.ends_with("--> 1\n") ? '1' : '0';
-      if (all.back() == '0' && answer.find("' is not opened: ") == std::string::npos) all += "(silently)";
-    }
-    return all;
-  }
-  FileAccess& access() { return desktop.shell.access; }
-
-  const std::vector<std::string> inside = {"in.txt", "inner/in.txt", "./inner/../in.txt", "insidelink.txt",
-                                           std::filesystem::current_path().string() + "/top/page/in.txt"};
-  const std::vector<std::string> outside = {"../../outside.txt", "link.txt", "inner/../../../outside.txt",
-                                            "linkedfolder/in.txt", "../beside/in.txt"};
-};
-
-TEST_F(FileAccessTest, APageReadsAnythingAndWritesInItsFolderUnlessToldOtherwise) {
-  EXPECT_EQ(opened("r", inside), "11111");
-  EXPECT_EQ(opened("r", outside), "11111");
-  for (const char* mode : {"a", "r+", "w"}) {
-    EXPECT_EQ(opened(mode, inside), "11111") << mode;
-    EXPECT_EQ(opened(mode, outside), "00000") << mode;
-  }
-  EXPECT_EQ(opened("w", {"danglinglink.txt", "pipe", "inner", "/dev/null", "/dev/../dev/full"}), "00000");
-  EXPECT_EQ(opened("w", {"new.txt", "inner/new.txt"}), "11");
-  EXPECT_FALSE(std::filesystem::exists("../../new.txt"));
-  EXPECT_EQ(contents("../../outside.txt"), "some");
-
-  access().writeAnywhere = true;
-  EXPECT_EQ(opened("w", {"link.txt", "../../else.txt"}), "11");
-  EXPECT_EQ(opened("w", {"danglinglink.txt", "pipe"}), "00");
-}
-
-TEST_F(FileAccessTest, APageKeptToItsFolderReadsWhatIsBesideOnlyWithLeave) {
-  access().readAnywhere = false;
-  EXPECT_EQ(opened("r", inside), "11111");
-  EXPECT_EQ(opened("r", outside), "00000");
-  EXPECT_EQ(opened("r", {"IN.TXT", "..\\\\..\\\\OUTSIDE.txt", "LinkedFolder/in.txt"}), "100");
-  writeText("../beside/page.kpg", "");
-  EXPECT_EQ(contents("../beside/page.kpg"), "(none)");  // pages and pictures, too
-
-  access().readable = {std::filesystem::absolute("../beside"), "nowhere"};
-  EXPECT_EQ(opened("r", outside), "00011");
-  EXPECT_EQ(opened("w", {"../beside/in.txt"}), "0");
-
-  access().readable = {std::filesystem::absolute("../../outside.txt")};
-  EXPECT_EQ(opened("r", outside), "11100");
-}
-
-TEST_F(FileAccessTest, WhereScriptsMayOpenNothingThePageStillDoes) {
-  access().scriptsOpenFiles = false;
-  EXPECT_EQ(opened("r", inside), "00000");
-  EXPECT_EQ(opened("w", {"in.txt"}), "0");
-  EXPECT_EQ(contents("in.txt"), "some");
-  writeText("strings.tbl", "");
-  desktop.typeLine("new StringTable(\"strings.tbl\");");
-  EXPECT_TRUE(desktop.log.find("'strings.tbl' is not opened: scripts may open no files\n") != std::string::npos)
-      << desktop.log;
-}
-
-TEST_F(FileAccessTest, NamesThatNoFileHasEndInAMessage) {
-  access().readAnywhere = false;
-  EXPECT_EQ(contents(std::string(4096, 'x').c_str()), "(none)");
-  std::string deep;
-  for (int i = 0; i < 400; ++i) deep += "../";
-  EXPECT_EQ(contents((deep + "etc/passwd").c_str()), "(none)");
-  EXPECT_EQ(opened("w", {std::string(251, 'x') + ".text", deep.substr(0, 201) + "tmp/made-by-a-page"}), "00");
-  EXPECT_EQ(opened("r", {"pipe"}), "0(silently)");  // as if it were not there
-  desktop.typeLine("new File(\"in.txt\\0.doc\", \"r\") ? 1 : 0;");
-  EXPECT_TRUE(desktop.log.ends_with("--> 1\n") || desktop.log.ends_with("--> 0\n")) << desktop.log;
 }
 
 TEST_F(HostTest, ALogLineBeyondItsBufferIsCut) {
