@@ -7,7 +7,6 @@ WEB_TEST_PACKAGES="chromium"
 BENCH_PACKAGES="libbenchmark-dev libcairo2-dev libpixman-1-dev liblua5.4-dev libfreetype-dev"
 WINDOWS_PACKAGES="g++-mingw-w64-x86-64-posix cmake ninja-build libcli11-dev nlohmann-json3-dev googletest"
 WINDOWS_TEST_PACKAGES="wine wine64 xdotool imagemagick"
-LIBCXX_PACKAGES="clang libc++-dev libc++abi-dev googletest"
 PACKAGE_PACKAGES="dpkg-dev fakeroot gzip python3 nsis"
 
 # require_packages NAME...: installs what is missing, as root or through sudo; otherwise names it and stops.
