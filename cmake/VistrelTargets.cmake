@@ -13,7 +13,7 @@ endfunction()
 # LONG tests carry the label "long" and run by ./check --long only. All share the precompiled headers of test_headers.
 function(vistrel_test name)
   cmake_parse_arguments(ARG "LONG" "" "SOURCES;LIBRARIES" ${ARGN})
-  add_executable(${name} ${ARG_SOURCES})
+  add_executable(${name} ${ARG_SOURCES} $<$<PLATFORM_ID:Windows>:${CMAKE_SOURCE_DIR}/tests/support/binaryfiles_windows.cpp>)
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} GTest::gtest_main)
   vistrel_test_sources(${name})

@@ -22,6 +22,13 @@ function(vistrel_package component name depends summary text)
   set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${name} PARENT_SCOPE)
   set(CPACK_DEBIAN_${upper}_PACKAGE_DEPENDS "${depends}" PARENT_SCOPE)
   set(CPACK_COMPONENT_${upper}_DESCRIPTION "${summary}\n${text}" PARENT_SCOPE)
+  set(overrides lintian-overrides.in)
+  if(EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/lintian-overrides-${component}.in)
+    set(overrides lintian-overrides-${component}.in)
+  endif()
+  configure_file(${overrides} lintian/${name} @ONLY)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/lintian/${name} DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides
+    COMPONENT ${component} EXCLUDE_FROM_ALL)
   set(docs ${CMAKE_INSTALL_DATADIR}/doc/${name})
   install(FILES ${CMAKE_CURRENT_SOURCE_DIR}/copyright ${CMAKE_CURRENT_BINARY_DIR}/changelog.gz
     ${CMAKE_CURRENT_BINARY_DIR}/changelog.Debian.gz DESTINATION ${docs} COMPONENT ${component} EXCLUDE_FROM_ALL)

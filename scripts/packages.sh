@@ -1,4 +1,4 @@
-# Sourced by ./check, ./preview and ./web: makes sure that the Debian packages they need are there.
+# Sourced by ./check, ./package, ./preview and ./web: makes sure that the Debian packages they need are there.
 
 BUILD_PACKAGES="g++ cmake ninja-build pkg-config libcli11-dev libyaml-cpp-dev libcpp-httplib-dev libssl-dev nlohmann-json3-dev libgif-dev libpng-dev zlib1g-dev qt6-base-dev fonts-dejavu-core"
 TEST_PACKAGES="libgtest-dev fonts-liberation fonts-urw-base35 python3 python3-jsonschema python3-yaml clang-format-14 xvfb xauth"
@@ -8,6 +8,7 @@ BENCH_PACKAGES="libbenchmark-dev libcairo2-dev libpixman-1-dev liblua5.4-dev lib
 FUZZ_PACKAGES="clang llvm"
 WINDOWS_PACKAGES="g++-mingw-w64-x86-64-posix cmake ninja-build libcli11-dev nlohmann-json3-dev googletest"
 WINDOWS_TEST_PACKAGES="wine wine64 xdotool imagemagick"
+PACKAGE_PACKAGES="dpkg-dev fakeroot gzip python3 nsis"
 
 # require_packages NAME...: installs what is missing, as root or through sudo; otherwise names it and stops.
 require_packages() {

@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "bob/session.h"
+#include "bob/temporaryname.h"
 
 namespace {
 
@@ -134,7 +135,7 @@ TEST(Language, RandomNumbersAreTheMinimalStandardOnes) {
 }
 
 TEST(Language, LoadingGoesOnAfterTheStatementThatLoads) {
-  const std::string inner = testing::TempDir() + "/bob_inner.bob";
+  const std::string inner = TemporaryName("bob_inner.bob");
   std::ofstream(inner) << "a = 1;\na + 1;\n\"text\";";
   Session session;
   EXPECT_TRUE(session.run("Load(\"" + inner + "\"); b = a + 10;"));
@@ -144,7 +145,7 @@ TEST(Language, LoadingGoesOnAfterTheStatementThatLoads) {
   EXPECT_FALSE(session.run("\n\nLoad(\"" + inner + "\");\nc = ;"));
   EXPECT_EQ(session.answer(), "Error: Syntax error - Expecting a primary expression\n  in line 4\n\n1\n2\n\"text\"\n");
   // A File to echo on may be closed by what is loaded.
-  const std::string echo = testing::TempDir() + "/bob_echo.txt";
+  const std::string echo = TemporaryName("bob_echo.txt");
   std::ofstream(inner) << "1;\nf.Close();\n3;\n";
   session.run("f = new File(\"" + echo + "\", \"w\"); Load(\"" + inner + "\", f);");
   EXPECT_EQ(session.answer(), "");

@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "bob/session.h"
+#include "bob/temporaryname.h"
 #include "bob/tools/disassemble.h"
 
 namespace {
@@ -190,7 +191,7 @@ TEST(ObjectFile, AWriteThatFailsIsAnErrorAndAFileThatCannotBeOpenedIsNone) {
   TextStream nothing;
   bobCompileText(session.root(), "// no statement", &nothing);
   EXPECT_EQ(nothing.text, "");
-  const std::string path = testing::TempDir() + "/bob_unwritten";
+  const std::string path = TemporaryName("bob_unwritten");
   EXPECT_EQ(session.eval("CompileFile(\"" + path + ".none\", \"" + path + "\");"), "--> nil\n");
   if (std::ofstream("/dev/full")) {  // what is written first fails when the file is closed
     std::ofstream(path + ".bob") << "a = 1;\n";
@@ -205,7 +206,7 @@ TEST(ObjectFile, AWriteThatFailsIsAnErrorAndAFileThatCannotBeOpenedIsNone) {
 
 TEST(ObjectFile, HeaderAndFileAreChecked) {
   Session session;
-  const std::string path = testing::TempDir() + "/bob_header.bobo";
+  const std::string path = TemporaryName("bob_header.bobo");
   const auto load = [&](const std::string& bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
     return session.eval("LoadObjectFile(\"" + path + "\");");

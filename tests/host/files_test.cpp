@@ -26,7 +26,7 @@ TEST_F(HostTest, NamesLeadThroughEitherSeparatorAndAnyCaseButTheExactOneFirst) {
   writeText("Art/Icons/Play.gif", "play");
   EXPECT_EQ(contents("Art/Icons/Play.gif"), "play");
   EXPECT_EQ(contents("art\\ICONS\\play.GIF"), "play");
-  EXPECT_EQ(contents((std::filesystem::current_path() / "art/icons/PLAY.gif").c_str()), "play");
+  EXPECT_EQ(contents((std::filesystem::current_path() / "art/icons/PLAY.gif").string().c_str()), "play");
 
   writeText("Art/Icons/play.gif", "lower");
   EXPECT_EQ(contents("art/icons/play.gif"), "lower");

@@ -1,13 +1,18 @@
 """Looks at packages as somebody does who installs them: packages_test.py FOLDER
 
 The Debian packages are unpacked beside each other; the programs run from there, are hardened, and lintian has nothing to
-say. The zip's kpg runs under Wine. Both show the demo, and as the same pixels.
+say. What is in the zip for Windows runs under Wine, and so does the installer, which puts the same files into a folder and
+takes them away again. Both show the demo, and as the same pixels. The playground is whole.
 """
 import pathlib
+import re
 import subprocess
 import sys
+import tarfile
 import tempfile
 import zipfile
+
+TREE = pathlib.Path(__file__).parents[2]
 
 faults = []
 
@@ -52,6 +57,10 @@ def check_debian(packages, root):
     check_programs(root)
 
 
+def wine(*command):
+    return run(TREE / 'scripts/wine', *command)
+
+
 def check_windows(package, root):
     with zipfile.ZipFile(package) as archive:
         expect(archive.testzip() is None, f'{package.name} is damaged')
@@ -59,21 +68,53 @@ def check_windows(package, root):
     inside = root / package.stem
     for name in ('vistrel.exe', 'kpg.exe', 'README.txt', 'demo/guide.kpg', 'docs/tutorial.md', 'licences/zlib.txt'):
         expect((inside / name).is_file(), f'{package.name} has no {name}')
-    wine = pathlib.Path(__file__).parents[2] / 'scripts/wine'
-    shot = run(wine, inside / 'kpg.exe', 'shot', inside / 'demo/guide.kpg', '--strict', '-o', root / 'guide-windows.png')
+    shot = wine(inside / 'kpg.exe', 'shot', inside / 'demo/guide.kpg', '--strict', '-o', root / 'guide-windows.png')
     expect(shot.returncode == 0, f'the demo of {package.name}: {shot.stdout}')
+
+
+def contents(folder):
+    return {str(file.relative_to(folder)): file.read_bytes() for file in folder.rglob('*') if file.is_file()}
+
+
+def check_installer(installer, root):
+    installed = root / 'installed'
+    done = wine(installer, '/S', '/D=Z:' + str(installed).replace('/', '\\'))
+    expect(done.returncode == 0 and installed.is_dir(), f'{installer.name}: {done.stdout}')
+    if not installed.is_dir():
+        return
+    packed = contents(root / installer.stem.removesuffix('-setup'))
+    expect(packed.items() <= contents(installed).items(), f'{installer.name} installs other files than the zip has')
+    (installed / 'demo/mine.yaml').write_text('mine')
+    # It would start a copy of itself and end at once, but for the last word.
+    done = wine(installed / 'uninstall.exe', '/S', '_?=Z:' + str(installed).replace('/', '\\'))
+    left = set(contents(installed)) - {'uninstall.exe'}  # the copy would have taken that
+    expect(left == {'demo/mine.yaml'}, f'uninstalling leaves {left}: {done.stdout}')
+
+
+def check_playground(package, root):
+    with tarfile.open(package) as archive:
+        archive.extractall(root)
+    inside = root / package.name.removesuffix('.tar.gz')
+    page = (inside / 'index.html').read_text()
+    for name in re.findall(r'(?:src|href)="([^":#]+)"', page):
+        expect((inside / name).is_file(), f'{package.name}: the page names {name}, which is missing')
+    expect(list(inside.rglob('*.wasm')), f'{package.name} has no module')
 
 
 def main():
     packages = pathlib.Path(sys.argv[1])
     debian, windows = sorted(packages.glob('*.deb')), sorted(packages.glob('*-windows.zip'))
-    expect(debian or windows, 'there is no package')
+    expect(any(packages.iterdir()), 'there is no package')
     with tempfile.TemporaryDirectory() as folder:
         root = pathlib.Path(folder)
         if debian:
             check_debian(debian, root)
         for package in windows:
             check_windows(package, root)
+        for installer in packages.glob('*-setup.exe'):
+            check_installer(installer, root)
+        for package in packages.glob('*-playground.tar.gz'):
+            check_playground(package, root)
         if debian and windows:
             same = run(root / 'usr/bin/kpg', 'diff', root / 'guide.png', root / 'guide-windows.png')
             expect(same.returncode == 0, f'the two show the demo differently: {same.stdout}')

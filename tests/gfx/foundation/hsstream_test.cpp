@@ -174,7 +174,7 @@ TEST(Strings, SubstringsAreFoundWithoutBackingUp) {
 TEST(FolderIterator, WalksAFolderInOrder) {
   TemporaryFolder folder;
   for (const char* name : {"b.ttf", "a.ttf", "c.TTF", "d.ttf.bak", "ttf"}) std::ofstream(folder.path() / name) << "x";
-  hsFolderIterator it(folder.path().c_str());
+  hsFolderIterator it(folder.path().string().c_str());
   EXPECT_THROW(it.GetFileName(), const char*);
   std::string names;
   while (it.NextFileSuffix("ttf")) names += it.GetFileName() + std::string(" ");
@@ -184,7 +184,7 @@ TEST(FolderIterator, WalksAFolderInOrder) {
   EXPECT_TRUE(it.NextFile());
   char buffer[kFolderIterator_MaxPath];
   EXPECT_EQ(it.GetPathAndName(buffer), int(folder.path().string().size()) + 7);
-  EXPECT_EQ(buffer, (folder.path() / "a.ttf").string());
+  EXPECT_EQ(buffer, folder.path().string() + "/a.ttf");
   hsFolderIterator none((folder.path() / "none").string().c_str());
   EXPECT_FALSE(none.NextFile());
 }

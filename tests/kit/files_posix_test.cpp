@@ -1,0 +1,89 @@
+// Links, permissions, devices, pipes, and files that others have open: what POSIX systems make of them.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <fstream>
+
+#include "kit/errors.h"
+#include "kit/filesfixture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST_F(FilesTest, AReaderNeverSeesHalfAFile) {
+  writeFile(at("a"), "before", 6);
+  fs::permissions(at("a"), fs::perms(0640));
+  std::ifstream reader(at("a"));
+  writeFile(at("a"), "after", 5);
+  std::string word;
+  reader >> word;
+  EXPECT_EQ(word, "before");  // who had it open goes on reading the old file
+  EXPECT_EQ(read(at("a")), "after");
+  EXPECT_EQ(fs::status(at("a")).permissions(), fs::perms(0640));
+  EXPECT_EQ(count(), 1u);  // nothing is left beside it
+}
+
+TEST_F(FilesTest, ALinkGoesOnLeadingToItsFile) {
+  writeFile(at("file"), "old", 3);
+  fs::create_symlink("file", at("link"));
+  writeFile(at("link"), "new", 3);
+  EXPECT_TRUE(fs::is_symlink(at("link")));
+  EXPECT_EQ(read(at("file")), "new");
+}
+
+TEST_F(FilesTest, ALinkToNothingMakesItsFile) {
+  fs::create_directory(at("d"));
+  fs::create_symlink("d/file", at("link"));
+  writeFile(at("link"), "new", 3);
+  EXPECT_TRUE(fs::is_symlink(at("link")));
+  EXPECT_EQ(read(at("d/file")), "new");
+}
+
+TEST_F(FilesTest, APipeIsWrittenIntoAndStays) {
+  ASSERT_EQ(mkfifo(at("pipe").c_str(), 0600), 0);
+  const int reader = open(at("pipe").c_str(), O_RDONLY | O_NONBLOCK);
+  writeFile(at("pipe"), "through", 7);
+  char bytes[16];
+  EXPECT_EQ(::read(reader, bytes, sizeof bytes), 7);
+  close(reader);
+  EXPECT_TRUE(fs::is_fifo(at("pipe")));
+}
+
+TEST_F(FilesTest, AReadOnlyFileIsNotReplaced) {
+  if (geteuid() == 0) GTEST_SKIP() << "the superuser may write everything";
+  writeFile(at("a"), "before", 6);
+  fs::permissions(at("a"), fs::perms(0444));
+  EXPECT_THROW(writeFile(at("a"), "after", 5), KitError);
+  EXPECT_EQ(read(at("a")), "before");
+}
+
+TEST_F(FilesTest, ADeviceFailsLateWhenAllOthersHaveBeenPrepared) {
+  if (!fs::exists("/dev/full")) GTEST_SKIP() << "this system has no device that is full";
+  writeFile(at("a"), "before", 6);
+  try {
+    OutputFiles files;
+    files.add(at("a"), "after", 5);
+    files.add("/dev/full", "x", 1);
+    files.finish();
+    ADD_FAILURE();
+  } catch (const KitError& e) {
+    EXPECT_STREQ(e.what(), "/dev/full: can't be written: No space left on device");
+    EXPECT_EQ(e.messages.at(0).file, "/dev/full");
+  }
+  EXPECT_EQ(read(at("a")), "before");
+  EXPECT_EQ(count(), 1u);
+}
+
+TEST_F(FilesTest, ALinkIsItsFileAndADeviceTakesWhatComes) {
+  writeFile(at("a"), "x", 1);
+  fs::create_symlink("a", at("link"));
+  fs::create_symlink("none", at("dangling"));
+  EXPECT_THROW(refuseClashes({at("link")}, {at("a")}), KitError);
+  EXPECT_THROW(refuseClashes({at("none"), at("dangling")}, {}), KitError);
+  EXPECT_NO_THROW(refuseClashes({"-", "/dev/null", "/dev/null"}, {at("a")}));
+}
+
+}  // namespace
