@@ -61,7 +61,7 @@ void BenchPixman(benchmark::State& state) {
   }
 }
 
-BENCHMARK(BenchOurs<UnionOurs>)->Name("union")->Arg(100)->Arg(1000);
+BENCHMARK(BenchOurs<UnionOurs>)->Name("union")->Arg(10)->Arg(100)->Arg(1000);
 BENCHMARK(BenchPixman<pixman_region32_union>)->Name("union/pixman")->Arg(100)->Arg(1000);
 BENCHMARK(BenchOurs<IntersectOurs>)->Name("intersect")->Arg(100)->Arg(1000);
 BENCHMARK(BenchPixman<pixman_region32_intersect>)->Name("intersect/pixman")->Arg(100)->Arg(1000);
@@ -75,7 +75,7 @@ void GatherOurs(benchmark::State& state) {
 void GatherPixman(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(Pixman(3, int(state.range(0))).region.data);
 }
-BENCHMARK(GatherOurs)->Name("gather")->Arg(100)->Arg(1000);
+BENCHMARK(GatherOurs)->Name("gather")->Arg(10)->Arg(100)->Arg(1000);
 BENCHMARK(GatherPixman)->Name("gather/pixman")->Arg(100)->Arg(1000);
 
 }  // namespace

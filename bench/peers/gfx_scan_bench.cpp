@@ -169,6 +169,15 @@ void StrokeCairo(benchmark::State& state, const hsPath& path, double width, bool
   for (auto _ : state) cairo_stroke_preserve(cairo);
 }
 
+void PointsFill(benchmark::State& state) { FillOurs(state, Star(int(state.range(0)), 360, 240, 230, 140), false); }
+void PointsAntiFill(benchmark::State& state) { FillOurs(state, Star(int(state.range(0)), 360, 240, 230, 140), true); }
+void PointsStroke(benchmark::State& state) {
+  StrokeOurs(state, Star(int(state.range(0)), 360, 240, 230, 140), 6, false);
+}
+BENCHMARK(PointsFill)->Name("points/fill")->Arg(12)->Arg(120)->Arg(1200)->Unit(benchmark::kMicrosecond);
+BENCHMARK(PointsAntiFill)->Name("points/antifill")->Arg(12)->Arg(120)->Arg(1200)->Unit(benchmark::kMicrosecond);
+BENCHMARK(PointsStroke)->Name("points/stroke")->Arg(12)->Arg(120)->Arg(1200)->Unit(benchmark::kMicrosecond);
+
 void HairOurs(benchmark::State& state, const hsPath& path) {
   StoreBlitter blitter(0xFC00);
   for (auto _ : state) {

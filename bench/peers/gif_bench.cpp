@@ -17,10 +17,10 @@ enum Kind { flat, photo, noise, interlacedPhoto };
 const char* const kNames[] = {"flat", "photo", "noise", "interlaced photo"};
 
 // Indices as pages, photographs, and nothing that compresses have them.
-std::vector<uint8_t> Pixels(int kind) {
+std::vector<uint8_t> Pixels(int kind, int height = kHeight) {
   std::mt19937 random(4);
   std::vector<uint8_t> pixels;
-  for (int y = 0; y < kHeight; ++y) {
+  for (int y = 0; y < height; ++y) {
     for (int x = 0; x < kWidth; ++x) {
       if (kind == flat)
         pixels.push_back(uint8_t(x / 90 + y / 60 * 8));
@@ -55,25 +55,25 @@ int Take(GifFileType* gif, GifByteType* bytes, int size) {
 constexpr struct { int start, step; } kPasses[] = {{0, 8}, {4, 8}, {2, 4}, {1, 2}}, kPlain[] = {{0, 1}};
 
 template <class Line>
-void EachRow(bool interlaced, Line&& line) {
+void EachRow(bool interlaced, int height, Line&& line) {
   const auto rows = [&](const auto& passes) {
     for (const auto& pass : passes)
-      for (int y = pass.start; y < kHeight; y += pass.step) line(y);
+      for (int y = pass.start; y < height; y += pass.step) line(y);
   };
   if (interlaced) return rows(kPasses);
   rows(kPlain);
 }
 
-std::vector<uint8_t> Gif(int kind) {
+std::vector<uint8_t> Gif(int kind, int height = kHeight) {
   const bool interlaced = kind == interlacedPhoto;
-  std::vector<uint8_t> pixels = Pixels(kind);
+  std::vector<uint8_t> pixels = Pixels(kind, height);
   Bytes file;
   int error;
   GifFileType* gif = EGifOpen(&file, Append, &error);
   ColorMapObject* colors = GifMakeMapObject(256, nullptr);
-  EGifPutScreenDesc(gif, kWidth, kHeight, 8, 0, colors);
-  EGifPutImageDesc(gif, 0, 0, kWidth, kHeight, interlaced, nullptr);
-  EachRow(interlaced, [&](int y) { EGifPutLine(gif, pixels.data() + y * kWidth, kWidth); });
+  EGifPutScreenDesc(gif, kWidth, height, 8, 0, colors);
+  EGifPutImageDesc(gif, 0, 0, kWidth, height, interlaced, nullptr);
+  EachRow(interlaced, height, [&](int y) { EGifPutLine(gif, pixels.data() + y * kWidth, kWidth); });
   EGifCloseFile(gif, &error);
   GifFreeMapObject(colors);
   return file.bytes;
@@ -100,7 +100,7 @@ bool DecodePeers(Bytes* file, std::vector<uint8_t>* out) {
   GifRecordType type;
   bool good =
       DGifGetRecordType(gif, &type) == GIF_OK && type == IMAGE_DESC_RECORD_TYPE && DGifGetImageDesc(gif) == GIF_OK;
-  EachRow(gif->Image.Interlace,
+  EachRow(gif->Image.Interlace, kHeight,
           [&](int y) { good = good && DGifGetLine(gif, out->data() + y * kWidth, kWidth) == GIF_OK; });
   DGifCloseFile(gif, &error);
   return good;
@@ -126,7 +126,16 @@ void Giflib(benchmark::State& state) {
   state.SetLabel(kNames[kind]);
 }
 
-BENCHMARK(Ours)->DenseRange(flat, interlacedPhoto)->Unit(benchmark::kMicrosecond);
-BENCHMARK(Giflib)->DenseRange(flat, interlacedPhoto)->Unit(benchmark::kMicrosecond);
+// A photograph of so many rows.
+void Rows(benchmark::State& state) {
+  const std::vector<uint8_t> file = Gif(photo, int(state.range(0)));
+  std::vector<uint8_t> out(size_t(kWidth) * size_t(state.range(0)));
+  for (auto _ : state)
+    if (!DecodeOurs(file, &out)) return state.SkipWithError("did not decode");
+}
+BENCHMARK(Rows)->Name("rows")->Arg(48)->Arg(480)->Arg(4800)->Unit(benchmark::kMicrosecond);
+
+BENCHMARK(Ours)->Name("gif")->DenseRange(flat, interlacedPhoto)->Unit(benchmark::kMicrosecond);
+BENCHMARK(Giflib)->Name("gif/giflib")->DenseRange(flat, interlacedPhoto)->Unit(benchmark::kMicrosecond);
 
 }  // namespace

@@ -79,7 +79,7 @@ void BM_CairoShowText(benchmark::State& state) {
   FT_Done_FreeType(library);
 }
 
-BENCHMARK(BM_DrawText)->ArgsProduct({{12, 20, 32}, {1, 0}})->ArgNames({"size", "grey"});
-BENCHMARK(BM_CairoShowText)->ArgsProduct({{12, 20, 32}, {1, 0}})->ArgNames({"size", "grey"});
+BENCHMARK(BM_DrawText)->Name("text")->ArgsProduct({{12, 20, 32}, {1, 0}})->ArgNames({"size", "grey"});
+BENCHMARK(BM_CairoShowText)->Name("text/cairo")->ArgsProduct({{12, 20, 32}, {1, 0}})->ArgNames({"size", "grey"});
 
 }  // namespace
