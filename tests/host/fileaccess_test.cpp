@@ -100,7 +100,7 @@ TEST_F(FileAccessTest, NamesThatNoFileHasEndInAMessage) {
   EXPECT_EQ(contents(std::string(4096, 'x')), "(none)");
   std::string deep;
   for (int i = 0; i < 400; ++i) deep += "../";
-  EXPECT_EQ(contents((deep + "etc/passwd")), "(none)");
+  EXPECT_EQ(contents(deep + "etc/passwd"), "(none)");
   EXPECT_EQ(opened("w", {std::string(251, 'x') + ".text", deep.substr(0, 201) + "tmp/made-by-a-page"}), "00");
   EXPECT_EQ(opened("r", {"pipe"}), "0(silently)");  // as if it were not there
   desktop.typeLine("new File(\"in.txt\\0.doc\", \"r\") ? 1 : 0;");
