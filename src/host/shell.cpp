@@ -1,8 +1,10 @@
 #include "host/shell.h"
 
+#include <new>
 #include <system_error>
 
 #include "engine/page/pageload.h"
+#include "host/host.h"
 #include "host/keytable.h"
 
 namespace {
@@ -17,6 +19,20 @@ void post(const std::optional<RemoteKey>& key) {
   event.code = key->code;
   event.data = key->data;
   eventPost(event);
+}
+
+// Does the work with the engine as the current one. What it can't get the memory for is left undone.
+template <class Work>
+void surviving(Engine& engine, Work work) {
+  const EngineScope here(engine);
+  try {
+    try {
+      work();
+    } catch (const std::bad_alloc&) {
+      hostLog("Out of memory\n");
+    }
+  } catch (const std::bad_alloc&) {  // not even for the message
+  }
 }
 
 }  // namespace
@@ -34,16 +50,16 @@ bool Shell::start() {
   return true;
 }
 
-void Shell::step() { engine.step(); }
+void Shell::step() {
+  surviving(engine, [this] { engine.step(); });
+}
 
 void Shell::keyDown(int virtualKey) {
-  const EngineScope here(engine);
-  post(remoteKeyForVirtualKey(virtualKey));
+  surviving(engine, [=] { post(remoteKeyForVirtualKey(virtualKey)); });
 }
 
 void Shell::character(char c) {
-  const EngineScope here(engine);
-  post(remoteKeyForCharacter(c));
+  surviving(engine, [=] { post(remoteKeyForCharacter(c)); });
 }
 
 void Shell::command(Command command) {
@@ -53,20 +69,24 @@ void Shell::command(Command command) {
 }
 
 bool Shell::loadPage(const std::string& path) {
-  const EngineScope here(engine);
-  std::error_code ignored;  // a folder that isn't there leaves the present one; the load then says what it misses
-  const std::filesystem::path file = path;
-  const auto next = std::filesystem::absolute(folder / file.parent_path(), ignored);
-  const auto isThere = [&] {
-    return std::filesystem::is_directory(next, ignored) || desktop.fileMade(next / file.filename());
-  };
-  if (file.has_parent_path() && isThere()) folder = next;
-  return engine.topFrame && frameLoad(engine.topFrame, path.c_str()) != 0;
+  bool loaded = false;
+  surviving(engine, [&] {
+    std::error_code ignored;  // a folder that isn't there leaves the present one; the load then says what it misses
+    const std::filesystem::path file = path;
+    const auto next = std::filesystem::absolute(folder / file.parent_path(), ignored);
+    const auto isThere = [&] {
+      return std::filesystem::is_directory(next, ignored) || desktop.fileMade(next / file.filename());
+    };
+    if (file.has_parent_path() && isThere()) folder = next;
+    loaded = engine.topFrame && frameLoad(engine.topFrame, path.c_str()) != 0;
+  });
+  return loaded;
 }
 
 void Shell::consoleEnter(const std::function<void()>& breakLine) {
-  const EngineScope here(engine);
-  console->enter(breakLine, [this](std::string_view text) {
-    consoleEvaluate(engine.topFrame, text.data(), uint32_t(text.size()));
+  surviving(engine, [&] {
+    console->enter(breakLine, [this](std::string_view text) {
+      consoleEvaluate(engine.topFrame, text.data(), uint32_t(text.size()));
+    });
   });
 }

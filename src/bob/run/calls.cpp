@@ -58,5 +58,8 @@ bool bobTry(BobInterp* interp, void (*body)(void* data), void* data) {
   } catch (const BobUnwind&) {
     saved.restore();
     return false;
+  } catch (...) {  // the host's, which ends the call
+    saved.restore();
+    throw;
   }
 }

@@ -72,9 +72,9 @@ void Frame::runScript(const EventTarget* widget, ScriptAttribute hook, PageScrip
 }
 
 void Frame::append(Widget* widget) {
+  names.append(widget);  // first, as it may find no memory
   *widgetsTail = widget;
   widgetsTail = &widget->nextInFrame;
-  names.append(widget);
 }
 
 Widget* Frame::takeFirst() {
