@@ -22,9 +22,9 @@ void addGlyph(SfntBuilder& font, Choices& choices) {
   const int advance = int(choices.below(1200)) - 100;
   switch (choices.below(3)) {
     case 0: {
-      std::vector<FontContour> contours(choices.below(4));
+      std::vector<FontContour> contours(1 + choices.below(3));
       for (FontContour& contour : contours)
-        for (uint32_t points = choices.below(12); points > 0; --points)
+        for (uint32_t points = 1 + choices.below(11); points > 0; --points)
           contour.push_back({int(choices.below(1000)) - 100, int(choices.below(1000)) - 200, choices.below(2) == 0});
       font.AddGlyph(SimpleGlyph(contours), advance, 0);
       break;

@@ -36,18 +36,18 @@ def readme(root, folder):
 
 
 def contributing(root, folder):
-    """The tests that it runs are there, and so is the corpus that it begins with."""
+    """The tests that it runs are there, and so are the targets of its campaign."""
     text = (root / 'CONTRIBUTING.md').read_text()
     filtered = re.findall(r"^    (build/dev/\S+) (--gtest_filter='\S+')", text, re.M)
-    corpora = re.findall(r'\bfuzz/corpus/\w+', text)
+    targets = re.findall(r'^    fuzz/campaign(?: --\w+ \d+)*((?: \w+)+)$', text, re.M)
     for program, tests in filtered:
         if 'Test' not in run(f'{program} {tests} --gtest_list_tests | grep "^ " && echo Test', folder)[1]:
             yield f'CONTRIBUTING.md: {program} has no test for {tests}'
-    for corpus in corpora:
-        if not (root / corpus).is_dir():
-            yield f'CONTRIBUTING.md: there is no {corpus}'
-    if not filtered or not corpora:
-        yield 'CONTRIBUTING.md: neither tests nor a corpus found'
+    for target in ' '.join(targets).split():
+        if not (root / 'fuzz' / f'{target}.cc').is_file():
+            yield f'CONTRIBUTING.md: there is no fuzz/{target}.cc'
+    if not filtered or not targets:
+        yield 'CONTRIBUTING.md: neither tests nor a target found'
 
 
 def kit(root, _):
