@@ -173,14 +173,25 @@ void hsGColorBlitter16::BlendSpan(uint16_t* pixels, int32_t width) const {
   for (; width > 0; --width, ++pixels) *pixels = LerpPixel(r5 * 2, g5, b5, *pixels, scale);
 }
 
+// Rows of shapes are mostly nothing, or the colour itself, with a little between.
 void hsGColorBlitter16::BlendCovered(uint16_t* pixels, int32_t width, const uint8_t* coverage) const {
+  const uint32_t scale = (fColor.fA >> 8) + 1u;
   if (width >= kWide16) {
     const WideColor wide(fColor);
-    return BlendWide(pixels, width, [&](const uint16_t* p) {
-      return wide.Covered(hsLoadWide(p), hsLoadWide(coverage + (p - pixels)));
-    });
+    const hsWide16 full = wide.r6 << 10 | wide.g5 << 5 | wide.b5;
+    uint16_t* const last = pixels + width - kWide16;
+    const hsWide16 end = wide.Covered(hsLoadWide(last), hsLoadWide(coverage + width - kWide16));
+    for (; pixels < last; pixels += kWide16, coverage += kWide16) {
+      uint64_t eight;
+      std::memcpy(&eight, coverage, sizeof eight);
+      if (eight == 0) continue;
+      if (eight == UINT64_MAX && scale == 256)
+        hsStoreWide(pixels, full);
+      else
+        wide.BlendCovered(pixels, hsLoadWide(coverage));
+    }
+    return hsStoreWide(last, end);
   }
-  const uint32_t scale = (fColor.fA >> 8) + 1u;
   const uint32_t r5 = fColor.fR >> 11, g5 = fColor.fG >> 11, b5 = fColor.fB >> 11;
   for (int32_t i = 0; i < width; ++i) {
     const uint32_t v = (coverage[i] * scale) >> 8;
