@@ -9,31 +9,38 @@ import os
 import re
 import statistics
 import subprocess
+import tempfile
 import time
 from dataclasses import dataclass, field
 from typing import Callable, Optional
 
 UNITS = {'ns': 1e-9, 'us': 1e-6, 'ms': 1e-3, 's': 1.0}
 
+ALIKE = 0.15  # by how much the ink of two pictures of the same may differ
+
 
 def google(program, names, repetitions, seconds, build):
-    """Median processor time in seconds of each benchmark in names, run in turns by one process."""
+    """Median processor time in seconds of each benchmark in names, run in turns by one process; and what it has inked."""
     wanted = '^(' + '|'.join(re.escape(name) for name in names) + ')(/iterations:[0-9]+)?$'
-    command = [os.path.join(build, 'bench', program), '--benchmark_filter=' + wanted, '--benchmark_format=json',
-               f'--benchmark_repetitions={repetitions}', f'--benchmark_min_time={seconds}',
-               '--benchmark_enable_random_interleaving=' + ('true' if repetitions > 1 else 'false')]
-    output = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=True).stdout
-    times = {}
-    for run in json.loads(output)['benchmarks']:
+    with tempfile.NamedTemporaryFile(suffix='.json') as out:  # the system's own log goes to the standard output
+        subprocess.run([os.path.join(build, 'bench', program), '--benchmark_filter=' + wanted,
+                        '--benchmark_out=' + out.name, '--benchmark_out_format=json',
+                        f'--benchmark_repetitions={repetitions}', f'--benchmark_min_time={seconds}',
+                        '--benchmark_enable_random_interleaving=' + ('true' if repetitions > 1 else 'false')],
+                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=True)
+        runs = json.load(out)['benchmarks']
+    times, ink = {}, {}
+    for run in runs:
         if run.get('error_occurred'):
             raise RuntimeError(f"{program}: {run['name']}: {run['error_message']}")
         if run['run_type'] == 'iteration':
             name = re.sub('/iterations:[0-9]+', '', run['run_name'])
             times.setdefault(name, []).append(run['cpu_time'] * UNITS[run['time_unit']])
+            ink[name] = run.get('inked')
     missing = [name for name in names if name not in times]
     if missing:
         raise RuntimeError(f'{program} has no ' + ', '.join(missing))
-    return {name: statistics.median(values) for name, values in times.items()}
+    return {name: statistics.median(values) for name, values in times.items()}, ink
 
 
 @dataclass
@@ -57,12 +64,16 @@ class Row:
     def measure(self, build, repetitions=5, seconds=0.1):
         """Label to our time and the peer's."""
         names = {self.ours(case) for case in self.cases} | {self.peers(case) for case in self.cases}
-        times = google(self.program, sorted(names), repetitions, seconds, build)
+        times, ink = google(self.program, sorted(names), repetitions, seconds, build)
+        for case in self.cases:
+            ours, peers = ink[self.ours(case)], ink[self.peers(case)]
+            if ours and peers and abs(ours - peers) > ALIKE * peers:
+                raise RuntimeError(f'{self.ours(case)} and its peer draw {ours:.0f} and {peers:.0f} pixels')
         return {label: (times[self.ours(case)], times[self.peers(case)]) for case, label in self.cases.items()}
 
     def measure_ours(self, build):
         """Label to time, short."""
-        times = google(self.program, sorted(self.ours(case) for case in self.cases), 1, 0.05, build)
+        times, _ = google(self.program, sorted(self.ours(case) for case in self.cases), 1, 0.05, build)
         return {label: times[self.ours(case)] for case, label in self.cases.items()}
 
 
@@ -91,7 +102,7 @@ class Growth:
     remark: Optional[str] = None  # why it grows faster than its work, if it does
 
     def measure(self, build, repetitions=3, seconds=0.05):
-        times = google(self.program, self.names, repetitions, seconds, build)
+        times, _ = google(self.program, self.names, repetitions, seconds, build)
         return [times[name] for name in self.names]
 
 
@@ -142,7 +153,7 @@ ROWS = [
     Row('Grey glyphs, level 3, none kept', 't2k_bench', 'grey', 'freetype', 'FreeType, no hinting', 0.8, FONTS_AND_SIZES),
     Row('Outlines, none kept', 't2k_bench', 'outlines', 'freetype', 'FreeType', 0.8, FONTS_AND_SIZES),
     Row('Opening a font', 't2k_bench', 'open', 'freetype', 'FreeType', 1.0, BOTH_FONTS),
-    Row('Opening a font, and its first glyph', 't2k_bench', 'first glyph', 'freetype', 'FreeType', 1.0, BOTH_FONTS),
+    Row('Opening a font, and its first glyph', 't2k_bench', 'first_glyph', 'freetype', 'FreeType', 1.0, BOTH_FONTS),
     Row('Solid rectangles', 'gfx_pixel_bench', 'solid', 'pixman', 'pixman', 0.6, SIZES),
     Row('Blends over noise', 'gfx_pixel_bench', 'blend/noise', 'pixman', 'pixman', 0.3, SIZES),
     Row('Blends over runs', 'gfx_pixel_bench', 'blend/runs', 'pixman', 'pixman', 0.3, SIZES),
@@ -167,7 +178,7 @@ ROWS = [
         peer_has_cases=False),
     Row('16-bit screen to RGB, noise', 'page_bench', 'rgb', 'copy', 'a copy of the output', 2.0, cases(('1', 'noise')),
         peer_has_cases=False),
-    Row('8-bit fills with their flush', 'page_bench', 'fill and flush, 8 bits', '16', 'the same in 16 bits', 1.0, SIZES),
+    Row('8-bit fills with their flush', 'page_bench', 'fill8_and_flush', '16', 'the same in 16 bits', 1.0, SIZES),
     OwnRow('Bob', 'Lua 5.4', 0.8, bob_programs),
 ]
 

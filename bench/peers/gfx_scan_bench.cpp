@@ -1,14 +1,18 @@
 // Scan conversion beside Cairo's image backend: the same shapes on 720 x 480 pixels of 16 bits, an opaque colour.
-// Both sides keep their path built and fill it again and again.
+// Both sides keep their path built and fill it again and again; ours with the blitters that a paint of that colour has.
 #include <benchmark/benchmark.h>
 #include <cairo.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <memory>
 #include <random>
 
-#include "../gfx_storeblitter.h"
+#include "gfx/foundation/hsref.h"
+#include "gfx/pixel/hsgattribute.h"
+#include "gfx/pixel/hsgbitmap.h"
+#include "gfx/pixel/hsgmask.h"
 #include "gfx/vector/hspath.h"
 #include "gfx/vector/hspathiter.h"
 #include "gfx/vector/hsregion.h"
@@ -16,6 +20,7 @@
 
 namespace {
 
+constexpr int kWidth = 720, kHeight = 480;
 constexpr double kPi = 3.14159265358979;
 
 hsPoint At(double x, double y) { return {hsScalar(std::lround(x * 65536)), hsScalar(std::lround(y * 65536))}; }
@@ -113,6 +118,16 @@ void ToCairo(const hsPath& path, cairo_t* cairo) {
   cairo_set_fill_rule(cairo, evenOdd ? CAIRO_FILL_RULE_EVEN_ODD : CAIRO_FILL_RULE_WINDING);
 }
 
+// Both sides begin with black.
+void CountPixels(benchmark::State& state, const void* pixels, int stride = kWidth * 2) {
+  int inked = 0;
+  for (int y = 0; y < kHeight; ++y) {
+    const auto* const row = reinterpret_cast<const uint16_t*>(static_cast<const uint8_t*>(pixels) + y * stride);
+    inked += int(kWidth - std::count(row, row + kWidth, 0));
+  }
+  state.counters["inked"] = inked;
+}
+
 class Cairo {
  public:
   explicit Cairo(cairo_antialias_t antialias)
@@ -122,42 +137,69 @@ class Cairo {
     cairo_set_source_rgb(cairo.get(), 1, 0.5, 0);
   }
   operator cairo_t*() { return cairo.get(); }
+  void CountInked(benchmark::State& state) {
+    cairo_surface_flush(surface.get());
+    CountPixels(state, cairo_image_surface_get_data(surface.get()), cairo_image_surface_get_stride(surface.get()));
+  }
 
  private:
   std::unique_ptr<cairo_surface_t, void (*)(cairo_surface_t*)> surface;
   std::unique_ptr<cairo_t, void (*)(cairo_t*)> cairo;
 };
 
+class Screen {
+ public:
+  explicit Screen(bool antiAlias) : pixels_(size_t(kWidth * kHeight)), bitmap_(hsGBitmap::kConfig_RGB16) {
+    bitmap_.fImage = pixels_.data();
+    bitmap_.fWidth = kWidth;
+    bitmap_.fHeight = kHeight;
+    bitmap_.fRowBytes = kWidth * 2;
+    paint_.SetColor(0xFFFF, 0xFFFF, 0x8000, 0);
+    blitter_ = hsAdopt(paint_.GetBlitter(bitmap_, antiAlias ? kMask_Alpha : kMask_Bit, hsMatrix()));
+  }
+  hsGBlitter* Blitter() { return blitter_.get(); }
+  const uint16_t* Pixels() const { return pixels_.data(); }
+
+ private:
+  std::vector<uint16_t> pixels_;
+  hsGBitmap bitmap_;
+  hsGAttribute paint_;
+  hsRef<hsGBlitter> blitter_;
+};
+
 const hsRegion kScreen(hsIntRect{0, 0, kWidth, kHeight});
 
 void FillOurs(benchmark::State& state, const hsPath& path, bool antiAlias) {
-  StoreBlitter blitter(0xFC00);
+  Screen screen(antiAlias);
   for (auto _ : state) {
     if (antiAlias)
-      HSScan::AntiFillPath(&path, &kScreen, &blitter);
+      HSScan::AntiFillPath(&path, &kScreen, screen.Blitter());
     else
-      HSScan::FillPath(&path, &kScreen, &blitter);
-    benchmark::DoNotOptimize(blitter.Pixels());
+      HSScan::FillPath(&path, &kScreen, screen.Blitter());
+    benchmark::ClobberMemory();
   }
+  CountPixels(state, screen.Pixels());
 }
 
 void FillCairo(benchmark::State& state, const hsPath& path, bool antiAlias) {
   Cairo cairo(antiAlias ? CAIRO_ANTIALIAS_DEFAULT : CAIRO_ANTIALIAS_NONE);
   ToCairo(path, cairo);
   for (auto _ : state) cairo_fill_preserve(cairo);
+  cairo.CountInked(state);
 }
 
 void StrokeOurs(benchmark::State& state, const hsPath& path, double width, bool antiAlias) {
-  StoreBlitter blitter(0xFC00);
+  Screen screen(antiAlias);
   for (auto _ : state) {
     hsPath outline;
     HSScan::StrokePath(&path, At(width / 2, 0).fX, At(4, 0).fX, HSScan::kRoundJoin | HSScan::kRoundCap, &outline);
     if (antiAlias)
-      HSScan::AntiFillPath(&outline, &kScreen, &blitter);
+      HSScan::AntiFillPath(&outline, &kScreen, screen.Blitter());
     else
-      HSScan::FillPath(&outline, &kScreen, &blitter);
-    benchmark::DoNotOptimize(blitter.Pixels());
+      HSScan::FillPath(&outline, &kScreen, screen.Blitter());
+    benchmark::ClobberMemory();
   }
+  CountPixels(state, screen.Pixels());
 }
 
 void StrokeCairo(benchmark::State& state, const hsPath& path, double width, bool antiAlias) {
@@ -167,6 +209,7 @@ void StrokeCairo(benchmark::State& state, const hsPath& path, double width, bool
   cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
   cairo_set_line_cap(cairo, CAIRO_LINE_CAP_ROUND);
   for (auto _ : state) cairo_stroke_preserve(cairo);
+  cairo.CountInked(state);
 }
 
 void PointsFill(benchmark::State& state) { FillOurs(state, Star(int(state.range(0)), 360, 240, 230, 140), false); }
@@ -179,11 +222,12 @@ BENCHMARK(PointsAntiFill)->Name("points/antifill")->Arg(12)->Arg(120)->Arg(1200)
 BENCHMARK(PointsStroke)->Name("points/stroke")->Arg(12)->Arg(120)->Arg(1200)->Unit(benchmark::kMicrosecond);
 
 void HairOurs(benchmark::State& state, const hsPath& path) {
-  StoreBlitter blitter(0xFC00);
+  Screen screen(false);
   for (auto _ : state) {
-    HSScan::HairPath(&path, &kScreen, &blitter);
-    benchmark::DoNotOptimize(blitter.Pixels());
+    HSScan::HairPath(&path, &kScreen, screen.Blitter());
+    benchmark::ClobberMemory();
   }
+  CountPixels(state, screen.Pixels());
 }
 
 void Register(const std::string& name, const std::function<void(benchmark::State&)>& ours,

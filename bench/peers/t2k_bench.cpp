@@ -183,12 +183,12 @@ BENCHMARK_CAPTURE(Glyphs, grey, 3, kT2KBitmap)->Name("grey")->Apply(EachFontAndS
 BENCHMARK_CAPTURE(PeersGlyphs, grey, true)->Name("grey/freetype")->Apply(EachFontAndSize);
 BENCHMARK_CAPTURE(Glyphs, outlines, 0, 0)->Name("outlines")->Apply(EachFontAndSize);
 BENCHMARK_CAPTURE(PeersGlyphs, outlines, false)->Name("outlines/freetype")->Apply(EachFontAndSize);
-BENCHMARK_CAPTURE(Glyphs, grey_1, 1, kT2KBitmap)->Name("grey level 1")->Args({0, 24});
-BENCHMARK_CAPTURE(Glyphs, hinted, 3, kT2KBitmap | kT2KGridFit)->Name("grey, hinted")->Args({0, 24});
+BENCHMARK_CAPTURE(Glyphs, grey_1, 1, kT2KBitmap)->Name("grey_level_1")->Args({0, 24});
+BENCHMARK_CAPTURE(Glyphs, hinted, 3, kT2KBitmap | kT2KGridFit)->Name("grey_hinted")->Args({0, 24});
 BENCHMARK_CAPTURE(Glyphs, mono, 0, kT2KBitmap)->Name("bits")->Args({0, 24});
 BENCHMARK(Open)->Name("open")->Arg(0)->Arg(1);
 BENCHMARK(PeersOpen)->Name("open/freetype")->Arg(0)->Arg(1);
-BENCHMARK(FirstGlyph)->Name("first glyph")->Arg(0)->Arg(1);
-BENCHMARK(PeersFirstGlyph)->Name("first glyph/freetype")->Arg(0)->Arg(1);
+BENCHMARK(FirstGlyph)->Name("first_glyph")->Arg(0)->Arg(1);
+BENCHMARK(PeersFirstGlyph)->Name("first_glyph/freetype")->Arg(0)->Arg(1);
 
 }  // namespace

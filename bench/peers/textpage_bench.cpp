@@ -48,14 +48,13 @@ std::string pageOfText(bool antialias, int count) {
   return source;
 }
 
+// Pixels that aren't black. How bright they are is no measure: the player's grey is dark.
 template <class Pixels>
-double inkOf(const Pixels& pixels) {
-  double ink = 0;
-  for (const uint32_t pixel : pixels) ink += (pixel & 255) / 255.0;
-  return ink;
+double inkedOf(const Pixels& pixels) {
+  return double(std::count_if(pixels.begin(), pixels.end(), [](uint32_t pixel) { return (pixel & 0xFFFFFF) != 0; }));
 }
 
-// Returns the ink of the last picture, 0 after an error.
+// Returns the inked pixels of the last picture, 0 after an error.
 double drawPage(benchmark::State& state, bool antialias, int count, bool warm) {
   std::filesystem::current_path(std::filesystem::temp_directory_path());
   const std::string source = pageOfText(antialias, count);
@@ -75,7 +74,7 @@ double drawPage(benchmark::State& state, bool antialias, int count, bool warm) {
     widgetMarkDirty(lines, kWidgetFullRedraw);
     desktop.settle();
   }
-  return inkOf(desktop.shell.screen.dibBits);
+  return inkedOf(desktop.shell.screen.dibBits);
 }
 
 void drawCairo(benchmark::State& state, bool antialias, bool warm) {
@@ -111,7 +110,7 @@ void drawCairo(benchmark::State& state, bool antialias, bool warm) {
     cairo_surface_flush(surface);
   }
   const auto* const pixels = reinterpret_cast<const uint32_t*>(cairo_image_surface_get_data(surface));
-  state.counters["ink"] = inkOf(std::vector<uint32_t>(pixels, pixels + kWidth * kHeight));
+  state.counters["inked"] = inkedOf(std::vector<uint32_t>(pixels, pixels + kWidth * kHeight));
   cairo_font_options_destroy(options);
   cairo_font_face_destroy(cairoFace);
   cairo_destroy(cairo);
@@ -122,8 +121,8 @@ void drawCairo(benchmark::State& state, bool antialias, bool warm) {
 
 // range(0): grey or bits.
 void Page(benchmark::State& state, bool warm) {
-  const double ink = drawPage(state, state.range(0), kLines, warm);
-  if (ink > 0) state.counters["ink"] = ink;
+  const double inked = drawPage(state, state.range(0), kLines, warm);
+  if (inked > 0) state.counters["inked"] = inked;
 }
 void CairosPage(benchmark::State& state, bool warm) { drawCairo(state, state.range(0), warm); }
 

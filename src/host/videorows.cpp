@@ -8,7 +8,7 @@
 #include "host/color.h"
 #include "platform/cpu.h"
 
-#if defined(__x86_64__)
+#ifdef VISTREL_AVX2
 #include <immintrin.h>
 #endif
 
@@ -47,7 +47,7 @@ void convertByTable(const Pixel* source, uint32_t* destination, int count, const
   for (int i = 0; i < count; ++i) destination[i] = table[source[i]];
 }
 
-#if defined(__x86_64__)
+#ifdef VISTREL_AVX2
 
 // The rule is one of doubles, but a step of luma is 340/73 of a step of red, green or blue. So in units of 1/73 luma is
 // whole, what chroma adds can be cut to whole units, and 16 bits hold everything. The numbers were searched for; that
@@ -175,7 +175,7 @@ void convertVideoRowPlain(const uint16_t* source, uint32_t* destination, int cou
 }
 
 void convertVideoRow(const uint16_t* source, uint32_t* destination, int count) {
-#if defined(__x86_64__)
+#ifdef VISTREL_AVX2
   if (hasAvx2()) return convertByAvx2(source, destination, count);
 #endif
   convertVideoRowPlain(source, destination, count);

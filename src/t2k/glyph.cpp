@@ -23,7 +23,7 @@ constexpr uint8_t kYSameOrPositive = 0x20;
 // A glyph with space for its arrays in the same block, which is enough for most.
 struct RoomyGlyph {
   static constexpr int kContours = 12;
-  static constexpr int kPoints = 64;
+  static constexpr int kPoints = 60;  // so that the block stays below 1 KB, which allocators hand out quickly
 
   GlyphClass glyph;  // first, so that the two have one address
   int16_t contours[kContours * 2];
@@ -97,6 +97,10 @@ class ByteCursor {
     at_ += 2;
     return int16_t(hsBig16(at_ - 2));
   }
+  // For those that look first and know how far they go.
+  bool HasWord() const { return end_ - at_ >= 2; }
+  const uint8_t* At() const { return at_; }
+  void Skip(int bytes) { at_ += bytes; }
 
  private:
   InputStream& in_;
@@ -117,7 +121,18 @@ void ReadFlags(ByteCursor& in, uint8_t* flags, int count) {
 void ReadCoordinates(ByteCursor& in, const uint8_t* flags, int count, uint8_t isShort, uint8_t sameOrPositive,
                      int16_t* out) {
   int32_t value = 0;
-  for (int i = 0; i < count; ++i) {
+  int i = 0;
+  // Which of the four forms comes next can't be foreseen, so nothing branches on it.
+  for (; i < count && in.HasWord(); ++i) {
+    const uint8_t* const p = in.At();
+    const int32_t small = (flags[i] & isShort) ? 1 : 0, same = (flags[i] & sameOrPositive) ? 1 : 0;
+    const int32_t sign = same - 1;  // -1 for a byte that is taken off
+    const int32_t byte = (p[0] ^ sign) - sign, word = int16_t(hsBig16(p)) & sign;
+    value += (byte & -small) | (word & (small - 1));
+    out[i] = int16_t(value);
+    in.Skip(small + (2 & sign & (small - 1)));
+  }
+  for (; i < count; ++i) {
     const uint8_t flag = flags[i];
     if (flag & isShort) {
       const int32_t delta = in.Byte();

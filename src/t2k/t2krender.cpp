@@ -107,10 +107,8 @@ void ScalePoints(const RenderCall& call, GlyphClass* glyph) {
   const T2K* t = call.t;
   const UnitScale scaleX(t->xPixelsPerEm, GetUPEM(t->font)), scaleY(t->yPixelsPerEm, GetUPEM(t->font));
   const int count = glyph->pointCount;
-  for (int i = 0; i < count + 2; ++i) {
-    glyph->x[i] = scaleX(glyph->oox[i]);
-    glyph->y[i] = scaleY(glyph->ooy[i]);
-  }
+  scaleX.Scale(glyph->oox, count + 2, glyph->x);
+  scaleY.Scale(glyph->ooy, count + 2, glyph->y);
   if (call.GridFits() || !(call.xFracPenDelta | call.yFracPenDelta)) return;
   for (int i = 0; i < count; ++i) {
     glyph->x[i] = hsWrapAdd(glyph->x[i], call.xFracPenDelta);

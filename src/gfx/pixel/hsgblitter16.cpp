@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 #include "gfx/foundation/hsdebug.h"
 #include "gfx/pixel/fillrow.h"
@@ -11,6 +12,7 @@
 #include "gfx/pixel/maskwalk.h"
 #include "gfx/pixel/storebits.h"
 #include "gfx/pixel/wide16.h"
+#include "platform/cpu.h"
 
 namespace {
 
@@ -33,19 +35,83 @@ struct WideColor {
     using Signed = int16_t __attribute__((vector_size(16)));
     return dst + hsWide16(Signed((src - dst) * scale) >> 8);
   }
-  // Scales 0 to 256.
-  void Blend(uint16_t* pixels, hsWide16 scale) const {
-    const hsWide16 d = hsLoadWide(pixels);
-    hsStoreWide(pixels, LerpWide(r6, d >> 10, scale) << 10 | LerpWide(g5, d >> 5 & 31, scale) << 5 |
-                            LerpWide(b5, d & 31, scale));
+  // Of eight pixels, by scales 0 to 256.
+  hsWide16 Blended(hsWide16 d, hsWide16 scale) const {
+    return LerpWide(r6, d >> 10, scale) << 10 | LerpWide(g5, d >> 5 & 31, scale) << 5 | LerpWide(b5, d & 31, scale);
+  }
+  hsWide16 Covered(hsWide16 d, hsWide8 coverage) const {
+    const hsWide16 v = __builtin_convertvector(coverage, hsWide16) * alphaScale >> 8;
+    return Blended(d, v - hsWide16(v != 0));  // one more, but for none
   }
   void BlendCovered(uint16_t* pixels, hsWide8 coverage) const {
-    const hsWide16 v = __builtin_convertvector(coverage, hsWide16) * alphaScale >> 8;
-    Blend(pixels, v - hsWide16(v != 0));  // one more, but for none
+    hsStoreWide(pixels, Covered(hsLoadWide(pixels), coverage));
   }
 
   hsWide16 r6, g5, b5, alphaScale;
 };
+
+// A row of at least eight pixels; blended() gives eight from where they lie. The last eight may lie over others that
+// are blended before them, so they are taken first and stored last.
+template <class Blended>
+void BlendWide(uint16_t* pixels, int32_t width, Blended blended) {
+  uint16_t* const last = pixels + width - kWide16;
+  const hsWide16 end = blended(last);
+  for (; pixels < last; pixels += kWide16) hsStoreWide(pixels, blended(pixels));
+  hsStoreWide(last, end);
+}
+
+#ifdef VISTREL_AVX2
+
+using Wider16 = uint16_t __attribute__((vector_size(32)));
+using Wider8 = uint8_t __attribute__((vector_size(16)));
+
+constexpr int32_t kWider = 16;  // pixels
+constexpr int32_t WholeWider(int32_t width) { return (width + kWider - 1) & -kWider; }
+
+// WideColor for sixteen pixels at a time.
+struct WiderColor {
+  VISTREL_AVX2 explicit WiderColor(const hsGColor& c)
+      : r6(Wider16{} + uint16_t((c.fR >> 11) * 2u)),
+        g5(Wider16{} + uint16_t(c.fG >> 11)),
+        b5(Wider16{} + uint16_t(c.fB >> 11)),
+        alphaScale(Wider16{} + uint16_t((c.fA >> 8) + 1u)) {}
+
+  VISTREL_AVX2 static Wider16 Lerp(Wider16 src, Wider16 dst, Wider16 scale) {
+    using Signed = int16_t __attribute__((vector_size(32)));
+    return dst + Wider16(Signed((src - dst) * scale) >> 8);
+  }
+  VISTREL_AVX2 void BlendCovered(uint16_t* pixels, Wider8 coverage) const {
+    const Wider16 v = __builtin_convertvector(coverage, Wider16) * alphaScale >> 8, scale = v - Wider16(v != 0);
+    Wider16 d;
+    std::memcpy(&d, pixels, sizeof d);
+    d = Lerp(r6, d >> 10, scale) << 10 | Lerp(g5, d >> 5 & 31, scale) << 5 | Lerp(b5, d & 31, scale);
+    std::memcpy(pixels, &d, sizeof d);
+  }
+
+  Wider16 r6, g5, b5, alphaScale;
+};
+
+// Of a mask's rows the first `height`; both rows can be read, and the pixels' written, up to the next whole sixteen.
+VISTREL_AVX2 void CoverByAvx2(const hsGColor& color, uint16_t* pixels, uint32_t pixelRowBytes, const hsGMask& mask,
+                              int32_t height) {
+  const WiderColor wider(color);
+  constexpr Wider8 kLanes = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+  const int32_t width = mask.fBounds.Width(), whole = (width - 1) / kWider * kWider;
+  const auto inLast = Wider8(kLanes < uint8_t(width - whole));
+  const uint8_t* coverage = mask.fImage;
+  for (; height > 0; --height, coverage += mask.fRowBytes) {
+    Wider8 some;
+    for (int32_t x = 0; x < whole; x += kWider) {
+      std::memcpy(&some, coverage + x, sizeof some);
+      wider.BlendCovered(pixels + x, some);
+    }
+    std::memcpy(&some, coverage + whole, sizeof some);
+    wider.BlendCovered(pixels + whole, some & inLast);
+    pixels = reinterpret_cast<uint16_t*>(reinterpret_cast<uint8_t*>(pixels) + pixelRowBytes);
+  }
+}
+
+#endif
 
 // What is left of a 5-bit channel (in bits 9-5 of the index) under a coverage of 0 to 31.
 constexpr std::array<uint8_t, 1024> kDarkened = [] {
@@ -98,18 +164,34 @@ hsGColorBlitter16::hsGColorBlitter16(const hsGBitmap& device, const hsGColor& co
     : hsGDeviceBlitter(device), fColor(color) {}
 
 void hsGColorBlitter16::BlendSpan(uint16_t* pixels, int32_t width) const {
-  const WideColor wide(fColor);
-  for (; width >= kWide16; width -= kWide16, pixels += kWide16) wide.Blend(pixels, wide.alphaScale);
+  if (width >= kWide16) {
+    const WideColor wide(fColor);
+    return BlendWide(pixels, width, [&](const uint16_t* p) { return wide.Blended(hsLoadWide(p), wide.alphaScale); });
+  }
   const uint32_t scale = (fColor.fA >> 8) + 1u;
   const uint32_t r5 = fColor.fR >> 11, g5 = fColor.fG >> 11, b5 = fColor.fB >> 11;
   for (; width > 0; --width, ++pixels) *pixels = LerpPixel(r5 * 2, g5, b5, *pixels, scale);
 }
 
+// Rows of shapes are mostly nothing, or the colour itself, with a little between.
 void hsGColorBlitter16::BlendCovered(uint16_t* pixels, int32_t width, const uint8_t* coverage) const {
-  const WideColor wide(fColor);
-  for (; width >= kWide16; width -= kWide16, pixels += kWide16, coverage += kWide16)
-    wide.BlendCovered(pixels, hsLoadWide(coverage));
   const uint32_t scale = (fColor.fA >> 8) + 1u;
+  if (width >= kWide16) {
+    const WideColor wide(fColor);
+    const hsWide16 full = wide.r6 << 10 | wide.g5 << 5 | wide.b5;
+    uint16_t* const last = pixels + width - kWide16;
+    const hsWide16 end = wide.Covered(hsLoadWide(last), hsLoadWide(coverage + width - kWide16));
+    for (; pixels < last; pixels += kWide16, coverage += kWide16) {
+      uint64_t eight;
+      std::memcpy(&eight, coverage, sizeof eight);
+      if (eight == 0) continue;
+      if (eight == UINT64_MAX && scale == 256)
+        hsStoreWide(pixels, full);
+      else
+        wide.BlendCovered(pixels, hsLoadWide(coverage));
+    }
+    return hsStoreWide(last, end);
+  }
   const uint32_t r5 = fColor.fR >> 11, g5 = fColor.fG >> 11, b5 = fColor.fB >> 11;
   for (int32_t i = 0; i < width; ++i) {
     const uint32_t v = (coverage[i] * scale) >> 8;
@@ -147,9 +229,21 @@ void hsGColorBlitter16::BlitMask(const hsGMask& mask, const hsRegion* clip) {
 // Glyphs are narrow: a row is mostly one or two times eight pixels, of which the last are not the glyph's own. They are
 // written as they are.
 void hsGColorBlitter16::BlitCoverage(const hsGMask& mask, const hsRegion* clip) const {
+  hsIntRect rest = mask.fBounds;
+#ifdef VISTREL_AVX2
+  const int32_t widest = WholeWider(rest.Width());
+  if (hasAvx2() && !clip && !rest.IsEmpty() && mask.fRowBytes >= rest.Width() &&
+      rest.fLeft + widest <= int32_t(fDevice.fWidth)) {
+    // The image can end before its last rows' next sixteen.
+    const int32_t spare = std::max(widest - int32_t{mask.fRowBytes}, 0);
+    const int32_t rows = std::max(rest.Height() - (spare + mask.fRowBytes - 1) / mask.fRowBytes, 0);
+    CoverByAvx2(fColor, Pixels<uint16_t>(rest.fTop, rest.fLeft), fDevice.fRowBytes, mask, rows);
+    rest.fTop += rows;
+  }
+#endif
   const WideColor wide(fColor);
   const uint8_t* const end = mask.fImage + mask.PlaneSize();
-  hsWalkMaskSpans(mask.fBounds, clip, [&](int32_t y, int32_t x, int32_t width) {
+  hsWalkMaskSpans(rest, clip, [&](int32_t y, int32_t x, int32_t width) {
     const uint8_t* coverage = mask.Row(y) + (x - mask.fBounds.fLeft);
     uint16_t* pixels = Pixels<uint16_t>(y, x);
     const int32_t wideWidth = (width + 7) & ~7;

@@ -84,10 +84,86 @@ int32_t Select(bool first, int32_t a, int32_t b) { return b ^ ((a ^ b) & -int32_
 
 // At the end of an edge's line: false when nothing follows it.
 template <typename Clip>
-bool GoesOn(hsEdge* edge, const Clip& clip) {
+bool GoesOn(hsEdge* edge, const Clip& clip, int32_t* quiet) {
+  *quiet = 0;
   hsAssert(edge->fCount == 0, kFailed);
   return edge->Advance(clip.Bounds());
 }
+
+// Rows on which no edge begins or ends: which edges bound a span is worked out once, and remains so until one overtakes
+// another.
+constexpr int32_t kSteadyEdges = 16;  // at the most
+constexpr int32_t kSteadyRows = 8;    // from which on it pays
+constexpr int32_t kQuietRows = 3;     // that let hope for so many
+
+template <typename Clip>
+class SteadyRows {
+ public:
+  // From row y on, for which the edges after head are ready.
+  SteadyRows(hsEdge* head, int32_t y, int32_t bottom, int32_t mask, const Clip& clip)
+      : fHead(head), fY(y), fRows(bottom - y), fClip(clip) {
+    int32_t winding = 0, left = 0;
+    hsEdge* edge = head->fNext;
+    for (; edge && edge->fFirstY <= y; edge = edge->fNext) {
+      // The last row of a line, and the one before another edge begins, are left to the walk.
+      fRows = std::min(fRows, fCount < kSteadyEdges ? edge->fCount - 1 : 0);
+      if (fRows < kSteadyRows) break;
+      const int32_t i = fCount++;
+      fEdges[i] = edge;
+      fX[i] = edge->fX;
+      const bool wasInside = (winding & mask) != 0;
+      winding += edge->fWinding;
+      if (!wasInside) left = i;
+      if (wasInside && (winding & mask) == 0) fSpans[fSpanCount++] = {left, i};
+    }
+    if (edge) fRows = std::min(fRows, edge->fFirstY - y - 1);
+    if (fRows < kSteadyRows || fCount == 0) fRows = 0;
+  }
+
+  // Draws these rows as long as the edges keep their order, and returns the row after them, for which all is ready.
+  int32_t Draw() {
+    const int32_t end = fY + fRows;
+    int32_t y = fY;
+    bool overtaken = false;
+    while (y < end && !overtaken && fX[0] >> 16 >= kLeftmost) {
+      for (int32_t i = 0; i < fSpanCount; ++i) {
+        const int32_t left = fX[fSpans[i].left] >> 16, right = fX[fSpans[i].right] >> 16;
+        if (left < right) fClip.Blit(y, left, right);
+      }
+      hsFixed last = kBelowAll;
+      for (int32_t i = 0; i < fCount; ++i) {
+        fX[i] = hsWrapAdd(fX[i], fEdges[i]->fDX);
+        overtaken |= fX[i] < last;
+        last = fX[i];
+      }
+      ++y;
+    }
+    if (y == fY) return y;
+    for (int32_t i = 0; i < fCount; ++i) {
+      fEdges[i]->fX = fX[i];
+      fEdges[i]->fCount = int16_t(fEdges[i]->fCount - (y - fY));
+    }
+    if (overtaken) Sort();
+    return y;
+  }
+
+ private:
+  void Sort() {
+    int32_t i = 1;
+    while (fX[i - 1] <= fX[i]) ++i;
+    SortActive(fHead, {i > 1 ? fEdges[i - 2] : fHead, fEdges[i - 1]}, fEdges[fCount - 1]->fNext);
+  }
+
+  hsEdge* const fHead;
+  const int32_t fY;
+  int32_t fRows;
+  int32_t fCount = 0;
+  const Clip& fClip;
+  hsEdge* fEdges[kSteadyEdges];
+  hsFixed fX[kSteadyEdges];
+  Span fSpans[kSteadyEdges];  // the edges that bound each
+  int32_t fSpanCount = 0;
+};
 
 template <typename Clip>
 void Walk(hsEdge* first, int32_t top, int32_t bottom, int32_t mask, const Clip& clip) {
@@ -95,6 +171,7 @@ void Walk(hsEdge* first, int32_t top, int32_t bottom, int32_t mask, const Clip& 
   head.fNext = first;
   head.fX = kBelowAll;
   Span spans[kManySpans];
+  int32_t quiet = 0;  // rows since a line has ended or an edge overtaken another
   for (int32_t y = top; y < bottom; ++y) {
     hsEdge* beforePrev = &head;
     hsEdge* prev = &head;
@@ -120,7 +197,7 @@ void Walk(hsEdge* first, int32_t top, int32_t bottom, int32_t mask, const Clip& 
       }
       curr->fX = hsWrapAdd(curr->fX, curr->fDX);
       hsEdge* const next = curr->fNext;
-      if (--curr->fCount <= 0 && !GoesOn(curr, clip)) [[unlikely]] {
+      if (--curr->fCount <= 0 && !GoesOn(curr, clip, &quiet)) [[unlikely]] {
         prev->fNext = next;
       } else {
         if (curr->fX < lastX && !sorted.last) [[unlikely]]
@@ -133,6 +210,12 @@ void Walk(hsEdge* first, int32_t top, int32_t bottom, int32_t mask, const Clip& 
     }
     DrawSpans(clip, y, spans, count);
     Resort(sorted, &head, prev, curr, y + 1);
+    // A shape is worth a closer look when some rows have gone by and nothing has happened.
+    if (sorted.last) quiet = 0;
+    if (++quiet < kQuietRows) continue;
+    quiet = 0;
+    SteadyRows<Clip> steady(&head, y + 1, bottom, mask, clip);
+    y = steady.Draw() - 1;
   }
 }
 
