@@ -187,7 +187,9 @@ GROWTH = [
     Growth('Anti-aliased fill', 'points of a star', 'gfx_scan_bench',
            ('points/antifill/12', 'points/antifill/120', 'points/antifill/1200')),
     Growth('Stroke', 'points of a star', 'gfx_scan_bench',
-           ('points/stroke/12', 'points/stroke/120', 'points/stroke/1200')),
+           ('points/stroke/12', 'points/stroke/120', 'points/stroke/1200'),
+           'A thousand spikes lie closer than the stroke is wide: their outlines cross, more often with the square of the '
+           'points.'),
     Growth('Region union', 'rectangles', 'gfx_region_bench', ('union/10', 'union/100', 'union/1000')),
     Growth('Gathering', 'rectangles', 'gfx_region_bench', ('gather/10', 'gather/100', 'gather/1000'),
            'Each rectangle is added to a region that has grown, so the work itself grows with the square; the peer’s '
