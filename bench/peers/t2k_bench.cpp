@@ -2,7 +2,7 @@
 //
 // Glyphs: all that a font has, one after the other and none of them kept, in grey or as outlines; DejaVu Sans and
 // Liberation Sans at 8 to 40 pixels. Grey level 3 is what the text system asks for; the other side always makes 256
-// levels, and is told not to hint. Before it is timed, the ink of both is compared.
+// levels, with its hinting off. Before it is timed, the ink of both is compared.
 //
 // Opening: fonts in memory, from their bytes to a scaler, and on to a first glyph in grey. The other side keeps its
 // library from one to the next.

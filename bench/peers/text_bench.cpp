@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "facepeer.h"
 #include "gfx/pixel/hsgrasterdevice.h"
 #include "gfx/text/hsgfontregistry.h"
 
@@ -48,25 +49,13 @@ void BM_DrawText(benchmark::State& state) {
   state.counters["inked"] = double(Inked(pixels));
 }
 
-// Cairo knows a face by its address, so one stays for all benchmarks.
-FT_Face Face() {
-  static const FT_Face kFace = [] {
-    FT_Library library;
-    FT_Face face = nullptr;
-    FT_Init_FreeType(&library);
-    FT_New_Face(library, kFont, 0, &face);
-    return face;
-  }();
-  return kFace;
-}
-
 void BM_CairoShowText(benchmark::State& state) {
-  if (!Face()) return state.SkipWithError("no font");
+  if (!PeerFace(kFont)) return state.SkipWithError("no font");
   std::vector<uint16_t> pixels(kWidth * kHeight);
   cairo_surface_t* surface = cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(pixels.data()),
                                                                  CAIRO_FORMAT_RGB16_565, kWidth, kHeight, 2 * kWidth);
   cairo_t* cairo = cairo_create(surface);
-  cairo_font_face_t* cairoFace = cairo_ft_font_face_create_for_ft_face(Face(), 0);
+  cairo_font_face_t* cairoFace = cairo_ft_font_face_create_for_ft_face(PeerFace(kFont), 0);
   cairo_set_font_face(cairo, cairoFace);
   cairo_set_font_size(cairo, double(state.range(0)));
   cairo_font_options_t* options = cairo_font_options_create();

@@ -11,6 +11,7 @@
 
 #include "engine/engine.h"
 #include "engine/page/frame.h"
+#include "facepeer.h"
 #include "gfx/text/hsgglyphcache.h"
 #include "host/headless/headlessdesktop.h"
 #include "kit/files.h"
@@ -77,23 +78,11 @@ double drawPage(benchmark::State& state, bool antialias, int count, bool warm) {
   return inkedOf(desktop.shell.screen.dibBits);
 }
 
-// Cairo knows a face by its address, so one stays for all benchmarks.
-FT_Face Face() {
-  static const FT_Face kFace = [] {
-    FT_Library library;
-    FT_Face face = nullptr;
-    FT_Init_FreeType(&library);
-    FT_New_Face(library, kFont, 0, &face);
-    return face;
-  }();
-  return kFace;
-}
-
 void drawCairo(benchmark::State& state, bool antialias, bool warm) {
-  if (!Face()) return state.SkipWithError("no font");
+  if (!PeerFace(kFont)) return state.SkipWithError("no font");
   cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, kWidth, kHeight);
   cairo_t* cairo = cairo_create(surface);
-  cairo_font_face_t* cairoFace = cairo_ft_font_face_create_for_ft_face(Face(), FT_LOAD_NO_HINTING);
+  cairo_font_face_t* cairoFace = cairo_ft_font_face_create_for_ft_face(PeerFace(kFont), FT_LOAD_NO_HINTING);
   cairo_font_options_t* options = cairo_font_options_create();
   cairo_font_options_set_antialias(options, antialias ? CAIRO_ANTIALIAS_GRAY : CAIRO_ANTIALIAS_NONE);
   cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);

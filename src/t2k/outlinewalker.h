@@ -232,7 +232,8 @@ class OutlineWalker {
     const Lanes begin = from + (way & falls), line = first + falls;
     const Lanes sideways = __builtin_shufflevector(way, way, 1, 0, 3, 2), along = (sideways ^ falls) - falls;
     const Lanes besideBegin = __builtin_shufflevector(from, from, 1, 0, 3, 2) + (sideways & falls);
-    // Products below 2^14 of numbers below 2^7, and their quotients, are told from whole numbers by a float.
+    // Divided as floats and cut, this is the quotient of integers: with products below 2^14 and divisors below 2^7, one
+    // that isn't whole is further from a whole number than a float's rounding.
     const auto floats = [](Lanes lanes) { return __builtin_convertvector(lanes, Floats); };
     const Floats steps = floats(along) * floats(line * 64 + 32 - begin) / floats(across | Lanes(across == 0));
     const Lanes place = besideBegin + __builtin_convertvector(steps, Lanes);

@@ -220,7 +220,7 @@ TEST_F(ControlSocketTest, ClientsMayBeClumsy) {
   EXPECT_EQ(next.ask(R"({"wait":1})"), kDone);
 }
 
-// The one who waits is told; what others ask for meanwhile comes after it.
+// The client that waits gets an answer; requests that came meanwhile are answered after it.
 TEST_F(ControlSocketTest, AStopEndsAScriptThatAnotherRequestWaitsFor) {
   std::atomic<bool> runs = false;
   session->run()->player().whileBusy = [&] {
