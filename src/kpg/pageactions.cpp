@@ -13,11 +13,9 @@ void addRunLimits(KpgCommand& command, RunLimits& limits) {
   limits.limitSeconds = 10;
   command
       .each(
-          "--files", [&limits](const std::string& name) { limits.reach = *fileReachNamed(name); },
-          "Which files scripts may open: those of the page's folder, its project and the machine's fonts (page, the "
-          "default), all, or none")
+          "--files", [&limits](const std::string& name) { limits.reach = *fileReachNamed(name); }, kFileReachHelp)
       .type("page|all|none")
-      .oneOf({"page", "all", "none"}, "such choice");
+      .oneOf({kFileReachNames.begin(), kFileReachNames.end()}, "such choice");
   command
       .add("--timeout", limits.limitSeconds,
            "End what runs for longer than this processor time after the load or an action; 10 by default, 0 for never")

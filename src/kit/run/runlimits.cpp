@@ -1,8 +1,9 @@
 #include "kit/run/runlimits.h"
 
+#include <algorithm>
+
 std::optional<FileReach> fileReachNamed(std::string_view name) {
-  if (name == "page") return FileReach::page;
-  if (name == "all") return FileReach::all;
-  if (name == "none") return FileReach::none;
-  return std::nullopt;
+  const auto at = std::find(kFileReachNames.begin(), kFileReachNames.end(), name);
+  if (at == kFileReachNames.end()) return std::nullopt;
+  return FileReach(at - kFileReachNames.begin());
 }

@@ -1,6 +1,7 @@
 // What a page that runs may use: files, time, steps of its scripts. Pages come from strangers, too.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <optional>
 #include <string_view>
@@ -12,8 +13,15 @@ enum class FileReach {
   none,  // as for `page`, but scripts open none themselves
 };
 
-// The names above; nothing for others.
+// The names above, in their order; nothing for others.
+inline constexpr std::array<std::string_view, 3> kFileReachNames = {"page", "all", "none"};
 std::optional<FileReach> fileReachNamed(std::string_view name);
+
+// What programs say of the option that takes such a name.
+inline constexpr char kFileReachHelp[] =
+    "Which files scripts may open: those of the page's folder, its project and the machine's fonts (page, the "
+    "default), "
+    "all, or none";
 
 // A limit holds for each of these by itself: the load, a key, an evaluation, one millisecond of a wait. What goes
 // beyond is ended, and so is the run.

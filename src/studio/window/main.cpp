@@ -40,10 +40,7 @@ int main(int argc, char** argv) {
                                    "PATH");
   const QCommandLineOption debug("dap", "Let kpg dap --attach debug the page through a socket that is made here",
                                  "PATH");
-  const QCommandLineOption files("files",
-                                 "Which files scripts may open: those of the page's folder, its project and the "
-                                 "machine's fonts (page, the default), all, or none",
-                                 "page|all|none", "page");
+  const QCommandLineOption files("files", kFileReachHelp, "page|all|none", "page");
   words.addOptions({control, debug, dark, files, light});
   words.process(*application);
   if (words.positionalArguments().size() != 1) {
