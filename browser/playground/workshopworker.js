@@ -2,8 +2,9 @@
 // editor: each has files of its own, so that a script that doesn't end keeps nobody from editing.
 //
 // Takes {put, bytes}, bytes being null for a file that goes. The stage further takes {open}, {reload}, {key}, {type},
-// {inspect} and {pack, archive}, and answers as playerworker.js does, and {made}: what was said of the sources, {errors}, {stopped}, {inspected}
-// and {packed}. The language takes {lsp} and answers {lsp}: messages of the Language Server Protocol.
+// {inspect}, {timeline} with a text that its rows must have, and {pack, archive}, and answers as playerworker.js does, and
+// {made}: what was said of the sources, {errors}, {stopped}, {inspected}, {timeline} and {packed}. The language takes {lsp}
+// and answers {lsp}: messages of the Language Server Protocol.
 import startModule from './vistrel-workshop.js';
 
 const utf8 = new TextEncoder();
@@ -78,6 +79,7 @@ function takeOfStage(module, message) {
     return postMessage({packed: packed ? module.FS.readFile(message.archive) : null, messages});
   }
   if ('inspect' in message) return postMessage({inspected: asked(module, '_stageInspect')});
+  if ('timeline' in message) return postMessage({timeline: asked(module, '_stageTimeline', message.timeline)});
   if ('open' in message || 'reload' in message) {
     const begun = performance.now();
     const opened = 'open' in message ? asked(module, '_stageOpen', message.open) : asked(module, '_stageReload');

@@ -147,7 +147,7 @@ screen.addEventListener('message', ({detail}) => {
     byId('status').textContent = detail.isShown ? `Made in ${Math.max(1, Math.round(detail.spent))} ms` : 'Not shown until the errors are mended';
     document.body.dataset.made = String(Number(document.body.dataset.made ?? 0) + 1);
     showProblems();
-    if (byId('inspector').open) screen.send({inspect: true});
+    look();
   }
   if (detail.errors) {
     stageProblems = [...stageProblems, ...detail.errors].slice(-100);
@@ -155,16 +155,35 @@ screen.addEventListener('message', ({detail}) => {
   }
   if (detail.stopped) notify(`The page was ${detail.stopped}. It can go on.`);
   if (detail.inspected) showWidgets(detail.inspected);
+  if (detail.timeline) showTimeline(detail.timeline);
   if ('packed' in detail) packed?.(detail);
 });
-screen.addEventListener('frame', () => byId('inspector').open && inspectSoon());
 
-let inspectTimer = 0;
-function inspectSoon() {
-  clearTimeout(inspectTimer);
-  inspectTimer = setTimeout(() => screen.send({inspect: true}), 200);
+// ---- what the studio's models tell of the page, where somebody looks at it
+
+function look() {
+  if (byId('inspector').open) screen.send({inspect: true});
+  if (byId('timeline').open) screen.send({timeline: byId('timeline-filter').value});
 }
-byId('inspector').addEventListener('toggle', () => byId('inspector').open && screen.send({inspect: true}));
+
+let lookTimer = 0;
+function lookSoon() {
+  lookTimer ||= setTimeout(() => ((lookTimer = 0), look()), 200);
+}
+for (const news of ['frame', 'console']) screen.addEventListener(news, lookSoon);
+for (const id of ['inspector', 'timeline']) byId(id).addEventListener('toggle', look);
+byId('timeline-filter').oninput = look;
+
+function showTimeline(rows) {
+  const space = byId('timeline-space');
+  const isAtEnd = space.scrollTop + space.clientHeight >= space.scrollHeight - 4;
+  byId('timeline-rows').replaceChildren(...rows.map(({time, kind, depth, text, cost}) => {
+    const what = element('td', {textContent: text});
+    what.style.paddingLeft = `${depth * 12 + 8}px`;
+    return element('tr', {className: kind}, element('td', {textContent: time}), element('td', {textContent: kind}), what, element('td', {textContent: cost}));
+  }));
+  if (isAtEnd) space.scrollTop = space.scrollHeight;
+}
 
 function showWidgets({widgets, focus}) {
   byId('focus-summary').textContent = focus;

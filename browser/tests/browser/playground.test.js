@@ -112,6 +112,23 @@ test('the console runs scripts, and one that does not end is ended', async () =>
   await context.close();
 });
 
+test('what happened on the page is told, and can be filtered', async () => {
+  const {page, context} = await open();
+  await chooseArchive(page, {'page.yaml': bytes('flags: 16bit\npage: {type: group, width: 720, height: 480, onSelect: "stdout.Display(40 + 2);"}\n')});
+  await page.getByText('What happened').click();
+  const rows = page.locator('#timeline-rows tr');
+  await rows.filter({hasText: 'page.yaml'}).first().waitFor();
+  await page.locator('#screen').focus();
+  await page.keyboard.press('Enter');
+  await rows.filter({hasText: '42'}).first().waitFor();
+  await page.getByLabel('Filter').fill('select');
+  await page.waitForFunction(() => {
+    const shown = [...document.querySelectorAll('#timeline-rows tr')];
+    return shown.length > 0 && shown.every((row) => row.innerText.toLowerCase().includes('select'));
+  });
+  await context.close();
+});
+
 test('a folder comes in by its input, and by being dropped', async () => {
   const folder = join(mkdtempSync(join(tmpdir(), 'vistrel-')), 'mine');
   mkdirSync(join(folder, 'pages'), {recursive: true});

@@ -76,6 +76,10 @@ class PageCompletion {
     return std::max(offset, isInExpression ? offset : std::min(cursor.end, lineEnd));
   }
 
+  std::vector<std::pair<std::string, SourceViews::PageViewPtr>> pages() {
+    return views.relatedPages(path, cursor.view);
+  }
+
   // -- keys
 
   void addKey(const SourceKey& key) {
@@ -111,7 +115,7 @@ class PageCompletion {
     const std::string made = object.node->textOf("template");
     std::string type = object.type;
     if (type.empty() && !made.empty())
-      for (const auto& [file, view] : views.relatedPages(path))
+      for (const auto& [file, view] : pages())
         if (const LooseNode* body = view->templateNamed(made)) type = body->textOf("type");
     for (const SourceKey& key : objectKeys(object.kind, type)) addKey(key);
     const bool isBody = cursor.path.size() == 2 && cursor.path.front() == "templates";
@@ -123,7 +127,7 @@ class PageCompletion {
     for (const SourceObject& object : cursor.view->objects) {
       const LoosePair* with = object.node->find("with");
       if (!with || with->value.begin > offset || offset > with->value.end + 200) continue;
-      for (const auto& [file, view] : views.relatedPages(path)) {
+      for (const auto& [file, view] : pages()) {
         const LooseNode* body = view->templateNamed(object.node->textOf("template"));
         const LoosePair* parameters = body ? body->find("parameters") : nullptr;
         if (!parameters) continue;
@@ -193,7 +197,7 @@ class PageCompletion {
   std::string asValue(const std::string& value) const { return cursor.isQuoted ? value : yamlOnOneLine(value); }
 
   void addNames(NameKind kind) {
-    for (const auto& [file, view] : views.relatedPages(path))
+    for (const auto& [file, view] : pages())
       for (const NameMention& name : view->names) {
         if (!name.isDefinition || name.kind != kind) continue;
         const SourceObject* object = kind == NameKind::madeBy ? nullptr : view->named(kind, name.name);
@@ -213,7 +217,7 @@ class PageCompletion {
 
   void addColors() {
     addWords({"black", "white", "transparent"});
-    for (const auto& [file, view] : views.relatedPages(path)) {
+    for (const auto& [file, view] : pages()) {
       for (const ColorMention& color : view->colors) {
         const std::string written = view->text->text().substr(color.begin, color.end - color.begin);
         add(written, kColor, asValue(written));
@@ -247,7 +251,7 @@ class PageCompletion {
     for (const NameMention& name : cursor.view->names)
       if (name.kind == NameKind::parameter && name.isDefinition && name.name.starts_with(inside + "."))
         add(name.name.substr(inside.size() + 1), kVariable, name.name.substr(inside.size() + 1), "parameter");
-    for (const auto& [file, view] : views.relatedPages(path))
+    for (const auto& [file, view] : pages())
       for (const NameMention& name : view->names)
         if (name.kind == NameKind::constant && name.isDefinition) add(name.name, kConstant, name.name, "constant");
     for (const char* name : {"item", "index", "count"}) add(name, kKeyword, name, "of what repeats");

@@ -12,7 +12,7 @@ class CursorFinder {
   CursorFinder(const EditedText& t, size_t o) : offset(o) {
     std::string marked = t.text();
     marked.insert(offset, kMark);
-    cursor.view = std::make_unique<PageView>(std::make_shared<const EditedText>(std::move(marked)));
+    cursor.view = std::make_shared<const PageView>(std::make_shared<const EditedText>(std::move(marked)));
   }
 
   PageCursor find() {

@@ -22,9 +22,9 @@ struct PageCursor {
   bool hasColon = false;               // of a key: there is one already
   std::vector<std::string> keys;       // of a key: what the map has besides
   std::optional<SourceObject> object;  // that the key, or the value, is of; its node is of `view`
-  std::unique_ptr<PageView> view;      // of the source with the mark
-  std::string scriptText;              // of a script, without the mark
-  size_t scriptOffset = 0;             // of the cursor in it
+  std::shared_ptr<const PageView> view;  // of the source with the mark
+  std::string scriptText;                // of a script, without the mark
+  size_t scriptOffset = 0;               // of the cursor in it
 };
 
 PageCursor pageCursorAt(const EditedText& text, size_t offset);

@@ -139,12 +139,12 @@ SourceKind SourceViews::kindOf(const std::string& path) {
   return kind == SourceKind::other && isYaml(path) && related(path).size() > 1 ? SourceKind::part : kind;
 }
 
-void SourceViews::addParts(const std::string& path, std::vector<std::string>& into) {
+void SourceViews::addParts(const std::string& path, const ViewOf& viewOf, std::vector<std::string>& into) {
   if (into.size() >= kMostParts || std::find(into.begin(), into.end(), path) != into.end()) return;
-  const auto view = page(path);
+  const auto view = viewOf(path);
   if (!view) return;
   into.push_back(path);
-  for (const std::string& name : view->included()) addParts(besides(path, name), into);
+  for (const std::string& name : view->included()) addParts(besides(path, name), viewOf, into);
   for (const std::string& name : view->scriptFiles())
     if (files.textOf(besides(path, name))) addOnce(into, besides(path, name));
 }
@@ -172,27 +172,32 @@ std::vector<std::string> SourceViews::pagesAround(const std::string& path) {
 }
 
 std::vector<std::string> SourceViews::related(const std::string& path) {
+  return related(path, [this](const std::string& file) { return page(file); });
+}
+
+std::vector<std::string> SourceViews::related(const std::string& path, const ViewOf& viewOf) {
   std::vector<std::string> result{path};
   if (looksLike(path) == SourceKind::page) {
     result.clear();
-    addParts(path, result);
+    addParts(path, viewOf, result);
     return result;
   }
   for (const std::string& page : pagesAround(path)) {
     std::vector<std::string> parts;
-    addParts(page, parts);
+    addParts(page, viewOf, parts);
     if (std::find(parts.begin(), parts.end(), path) == parts.end()) continue;
     for (const std::string& part : parts) addOnce(result, part);
   }
   return result;
 }
 
-std::vector<std::pair<std::string, std::shared_ptr<const PageView>>> SourceViews::relatedPages(
-    const std::string& path) {
-  std::vector<std::pair<std::string, std::shared_ptr<const PageView>>> result;
-  for (const std::string& file : related(path))
+std::vector<std::pair<std::string, SourceViews::PageViewPtr>> SourceViews::relatedPages(const std::string& path,
+                                                                                        PageViewPtr own) {
+  const ViewOf viewOf = [&](const std::string& file) { return own && file == path ? own : page(file); };
+  std::vector<std::pair<std::string, PageViewPtr>> result;
+  for (const std::string& file : related(path, viewOf))
     if (isYaml(file))
-      if (auto view = page(file)) result.emplace_back(file, std::move(view));
+      if (auto view = viewOf(file)) result.emplace_back(file, std::move(view));
   return result;
 }
 

@@ -2,6 +2,7 @@
 // pages. A view is kept for as long as its text stays.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -33,8 +34,10 @@ class SourceViews {
   // those of all pages that have it. Pages are looked for among the open files, in the project and in its folder.
   std::vector<std::string> related(const std::string& path);
 
-  // Those of them that are YAML, in the same order.
-  std::vector<std::pair<std::string, std::shared_ptr<const PageView>>> relatedPages(const std::string& path);
+  // Those of them that are YAML, in the same order. With `own`, that is the view of the file itself, which saves
+  // reading its text again when it has been read with a mark in it.
+  using PageViewPtr = std::shared_ptr<const PageView>;
+  std::vector<std::pair<std::string, PageViewPtr>> relatedPages(const std::string& path, PageViewPtr own = nullptr);
 
   // What the page had when it was last without errors; null if it never was. Both from any thread.
   std::shared_ptr<const MadeNames> madeNames(const std::string& path);
@@ -51,7 +54,9 @@ class SourceViews {
 
  private:
   SourceKind looksLike(const std::string& path);
-  void addParts(const std::string& path, std::vector<std::string>& into);
+  using ViewOf = std::function<std::shared_ptr<const PageView>(const std::string&)>;
+  void addParts(const std::string& path, const ViewOf& viewOf, std::vector<std::string>& into);
+  std::vector<std::string> related(const std::string& path, const ViewOf& viewOf);
   std::vector<std::string> pagesAround(const std::string& path);
 
   std::mutex mutex;  // of what comes next

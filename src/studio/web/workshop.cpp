@@ -16,12 +16,14 @@
 #include "studio/inspector/unseen.h"
 #include "studio/inspector/widgettree.h"
 #include "studio/session/session.h"
+#include "studio/timeline/runwatch.h"
 
 using nlohmann::json;
 
 namespace {
 
-constexpr double kScriptSeconds = 2;  // of one key, one line or one millisecond
+constexpr double kScriptSeconds = 2;       // of one key, one line or one millisecond
+constexpr size_t kMostTimelineRows = 300;  // that are told at once, the latest
 
 const char* kept(std::string text) {
   static std::string last;
@@ -51,7 +53,9 @@ void append(json& to, const json& more) { to.insert(to.end(), more.begin(), more
 
 // The page that is shown.
 struct Stage {
-  std::unique_ptr<Session> session;
+  Timeline timeline;
+  MemoryMeter memory;
+  std::unique_ptr<Session> session;  // which writes into them
   uint64_t opening = 0;
   size_t logRead = 0, complaintsRead = 0;
   std::vector<uint32_t> shown, pixels;
@@ -121,7 +125,9 @@ EMSCRIPTEN_KEEPALIVE const char* stageOpen(const char* page) {
   SessionOptions options;
   options.lines = true;
   options.limitSeconds = kScriptSeconds;
+  stage().session.reset();  // before what it writes into
   stage() = {};
+  options.prepare = [](PageRun& run) { run.watch(std::make_unique<RunWatch>(run, stage().timeline, stage().memory)); };
   stage().session = std::make_unique<Session>(page, options);
   const bool well = stage().session->restart();
   stage().noteOpening();
@@ -220,6 +226,24 @@ EMSCRIPTEN_KEEPALIVE const char* stageInspect() {
   }
   WidgetSources sources(*run);
   return kept(json{{"widgets", widgets}, {"focus", summaryOf(focusMap(*run, sources))}});
+}
+
+// What happened on the page, the latest rows that have this text in them, whatever the case of its letters: [{time,
+// kind, depth, text, cost}, ...].
+EMSCRIPTEN_KEEPALIVE const char* stageTimeline(const char* text) {
+  TimelineFilter filter;
+  filter.text = text;
+  const std::vector<uint64_t> numbers = stage().timeline.rowsThat(filter);
+  json rows = json::array();
+  for (size_t i = numbers.size() - std::min(numbers.size(), kMostTimelineRows); i < numbers.size(); ++i) {
+    const TimelineRow& row = stage().timeline.row(numbers[i]);
+    rows.push_back({{"time", timelineTime(row.time)},
+                    {"kind", timelineKindName(row.kind)},
+                    {"depth", row.depth},
+                    {"text", row.text},
+                    {"cost", timelineCost(row.cost)}});
+  }
+  return kept(rows);
 }
 
 // ---- what editors ask
