@@ -5,11 +5,12 @@ import {createHash} from 'node:crypto';
 import {cpSync, mkdirSync, readdirSync, readFileSync, rmSync, statSync, writeFileSync} from 'node:fs';
 import {join, relative, resolve} from 'node:path';
 import {fileURLToPath} from 'node:url';
+import {makeGuide} from './guide.js';
+import {FONTS, guideProject} from './guideproject.js';
 
 const here = fileURLToPath(new URL('.', import.meta.url));
 const top = resolve(here, '..');
 const out = join(top, 'build/web/playground');
-const fonts = process.env.VISTREL_FONTS ?? '/usr/share/fonts/truetype/dejavu';
 
 const filesIn = (folder) => readdirSync(folder).flatMap((name) => {
   const file = join(folder, name);
@@ -29,7 +30,7 @@ await build({
 for (const name of ['index.html', 'app.css', 'manifest.webmanifest', 'workshopworker.js']) copy(join(here, 'playground', name), name);
 copy(join(top, 'packaging/vistrel.svg'), 'vistrel.svg');
 for (const name of ['vistrel-workshop.js', 'vistrel-workshop.wasm']) copy(join(top, 'build/web/workshop', name), name);
-for (const name of ['DejaVuSans.ttf', 'DejaVuSans-Bold.ttf']) copy(join(fonts, name), 'fonts', name);
+for (const name of Object.keys(FONTS)) writeFileSync(join(out, 'fonts', name), FONTS[name]);
 
 // ---- what somebody can start from
 
@@ -40,12 +41,7 @@ const demo = join(top, 'demo');
 const ofDemo = filesIn(demo).map((file) => relative(demo, file)).filter((name) => /\.(yaml|bob|png)$/.test(name) && !name.startsWith('tests/'));
 archive('demo.zip', Object.fromEntries(ofDemo.map((name) => [name, readFileSync(join(demo, name))])));
 
-const pictures = join(top, 'docs/pictures');
-const ofGuide = Object.fromEntries(readdirSync(pictures).filter((name) => /\.(yaml|csv)$/.test(name)).map((name) => [name, readFileSync(join(pictures, name))]));
-for (const name of ['DejaVuSans.ttf', 'DejaVuSans-Bold.ttf']) ofGuide[name] = readFileSync(join(fonts, name));
-ofGuide['plain.png'] = ofGuide['dithered.png'] = readFileSync(join(demo, 'artwork/dawn.png'));
-ofGuide['dunes.png'] = readFileSync(join(demo, 'artwork/dunes.png'));
-archive('widgets.zip', ofGuide);
+archive('widgets.zip', guideProject());
 
 archive('empty.zip', {
   'hello.yaml': bytes('# The first page. What is wrong with it shows below while you type, and Ctrl+Space tells what fits.\nflags: 16bit\npage:\n  type: group\n  width: 720\n  height: 480\n  bgColor: "#204060"\n  textStyles:\n    - {name: title, font: DejaVuSans.ttf, size: 40, color: white}\n  children:\n    - {type: text, x: 60, y: 200, width: 600, height: 80, textStyle: title, align: center, value: Hello}\n'),
@@ -66,3 +62,7 @@ const worker = readFileSync(join(here, 'playground/sw.js'), 'utf8')
     .replace('@VERSION@', `vistrel-${hash.digest('hex').slice(0, 16)}`)
     .replace("['@FILES@']", JSON.stringify(['./', ...kept]));
 writeFileSync(join(out, 'sw.js'), worker);
+
+// ---- the guide, which is read where there is a network
+
+await makeGuide(join(out, 'guide'));

@@ -1,5 +1,7 @@
 // Chromium as Debian has it, without a window.
+import assert from 'node:assert/strict';
 import {createHash} from 'node:crypto';
+import {createRequire} from 'node:module';
 import {chromium} from 'playwright-core';
 
 export async function openBrowser() {
@@ -57,4 +59,16 @@ export async function rememberPictures(page, selector = 'vistrel-screen') {
 export async function hasShown(page, pixels) {
   const hash = createHash('sha256').update(pixels).digest('hex');
   await page.waitForFunction((hash) => window.pictures.has(hash), hash);
+}
+
+/** Holds what is there against the rules of axe-core. The page's context must have bypassCSP. */
+export async function assertAccessible(page) {
+  await page.addScriptTag({path: createRequire(import.meta.url).resolve('axe-core/axe.min.js')});
+  const {violations} = await page.evaluate(() => window.axe.run());
+  assert.deepEqual(violations.map(({id, nodes}) => `${id}: ${nodes.map(({target}) => target).join(' ')}`), []);
+}
+
+/** That nothing has to be scrolled sideways. */
+export async function assertFits(page) {
+  assert.ok(!(await page.evaluate(() => document.documentElement.scrollWidth > innerWidth)), 'it scrolls sideways');
 }

@@ -2,15 +2,13 @@
 import assert from 'node:assert/strict';
 import {unzipSync, zipSync} from 'fflate';
 import {mkdirSync, mkdtempSync, readFileSync, writeFileSync} from 'node:fs';
-import {createRequire} from 'node:module';
 import {tmpdir} from 'node:os';
 import {join} from 'node:path';
 import {after, before, test} from 'node:test';
 import {addressOf, serve} from '../../serve.js';
 import {demo, run, shot, top} from '../native.js';
-import {hasShown, openBrowser, openPage, pixelsOf, rememberPictures, showsSoon} from './browser.js';
+import {assertAccessible, assertFits, hasShown, openBrowser, openPage, pixelsOf, rememberPictures, showsSoon} from './browser.js';
 
-const axe = createRequire(import.meta.url).resolve('axe-core/axe.min.js');
 const playground = join(top, 'build/web/playground');
 const PAGE = (color) => `flags: 16bit\npage: {type: group, width: 720, height: 480, bgColor: "${color}"}\n`;
 let browser, server, address;
@@ -214,18 +212,12 @@ test('it works without a network', async () => {
 for (const [title, viewport] of [['a desktop', {width: 1400, height: 900}], ['a telephone', {width: 390, height: 844}]])
   test(`on ${title} everybody can use it`, async () => {
     const {page, context} = await open('', {viewport, bypassCSP: true});
-    const check = async () => {
-      await page.addScriptTag({path: axe});
-      const {violations} = await page.evaluate(() => window.axe.run());
-      assert.deepEqual(violations.map(({id, nodes}) => `${id}: ${nodes.map(({target}) => target).join(' ')}`), []);
-    };
-    await check();
+    await assertAccessible(page);
     if (viewport.width < 1000) await page.getByRole('button', {name: 'Source'}).click();
-    await check();
-    const isWider = await page.evaluate(() => document.documentElement.scrollWidth > innerWidth);
-    assert.ok(!isWider, 'it scrolls sideways');
+    await assertAccessible(page);
+    await assertFits(page);
     await page.getByRole('button', {name: 'New…'}).click();
     await page.getByRole('dialog').getByText('Start from').waitFor();
-    await check();
+    await assertAccessible(page);
     await context.close();
   });
