@@ -2,8 +2,11 @@
 
 The Debian packages are unpacked beside each other; the programs run from there, are hardened, and lintian has nothing to
 say. What is in the zip for Windows runs under Wine, and so does the installer, which puts the same files into a folder and
-takes them away again. Both show the demo, and as the same pixels. The playground is whole.
+takes them away again. Both show the demo, and as the same pixels. The playground is whole. The bill of materials knows all
+packages by their hashes.
 """
+import hashlib
+import json
 import pathlib
 import re
 import subprocess
@@ -101,10 +104,22 @@ def check_playground(package, root):
     expect(list(inside.rglob('*.wasm')), f'{package.name} has no module')
 
 
+def check_bill(bill, packages):
+    content = json.loads(bill.read_text())
+    hashes = {part['name']: part['hashes'][0]['content'] for part in content['components'] if 'hashes' in part}
+    expect(hashes == {file.name: hashlib.sha256(file.read_bytes()).hexdigest() for file in packages},
+           f'{bill.name} lists other packages: {sorted(hashes)}')
+    known = {part['bom-ref'] for part in content['components']}
+    expect(all(set(package['dependsOn']) <= known for package in content['dependencies']), f'{bill.name} names unknown parts')
+
+
 def main():
     packages = pathlib.Path(sys.argv[1])
     debian, windows = sorted(packages.glob('*.deb')), sorted(packages.glob('*-windows.zip'))
-    expect(any(packages.iterdir()), 'there is no package')
+    bills = list(packages.glob('*.cdx.json'))
+    expect(len(bills) == 1, f'bills of materials: {bills}')
+    for bill in bills:
+        check_bill(bill, [file for file in packages.iterdir() if file != bill])
     with tempfile.TemporaryDirectory() as folder:
         root = pathlib.Path(folder)
         if debian:
