@@ -20,6 +20,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 HEADERS = ['nlohmann-json3-dev', 'libcli11-dev']
 LINKED = {'zlib': 'zlib', 'libpng1.6': 'libpng', 'giflib': 'giflib', 'yaml-cpp': 'yaml-cpp'}  # sources, their names
 FONTS = ['fonts-dejavu-core']
+RUNTIMES = {'windows': ['gcc-mingw-w64-x86-64-posix-runtime', 'mingw-w64-x86-64-dev'], 'web': ['emscripten']}  # linked in
 
 
 def installed(package):
@@ -53,19 +54,16 @@ def npm_modules():
 def parts_of(package):
     """What others have made of a package's contents."""
     name = package.name
-    linked = lambda build: [unpacked(ROOT / 'build' / build / 'sources', source) for source in LINKED]
-    fonts = [installed(font) for font in FONTS]
+    headers, fonts = [installed(header) for header in HEADERS], [installed(font) for font in FONTS]
+    runtime = lambda system: [installed(part) for part in RUNTIMES[system]]
+    linked = lambda system: [unpacked(ROOT / 'build' / system / 'sources', source) for source in LINKED] + runtime(system)
     if name.endswith('playground.tar.gz'):
-        return linked('web') + [installed('nlohmann-json3-dev')] + list(npm_modules()) + fonts
+        return linked('web') + headers[:1] + list(npm_modules()) + fonts
     if 'windows' in name:
-        return linked('windows') + [installed(header) for header in HEADERS] + fonts
-    if name.startswith('kpg_'):
-        return [installed(header) for header in HEADERS]
-    if name.startswith('vistrel-data'):
-        return linked('web') + [installed('nlohmann-json3-dev')] + fonts
-    if name.startswith('vistrel-studio'):
-        return [installed('nlohmann-json3-dev')]
-    return []
+        return linked('windows') + headers + fonts
+    if name.startswith('vistrel-data'):  # has the viewer
+        return runtime('web') + fonts
+    return headers if name.startswith('vistrel-kit') else headers[:1] if name.startswith('vistrel-studio') else []
 
 
 def main():
