@@ -27,7 +27,7 @@ namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
 struct WatchOptions : PageRunOptions {
-  std::string page, output, log, viewer;
+  std::string page, output, log, viewer, server;
   std::vector<PageAction> actions;
   bool serve = false;
   size_t port = 0;
@@ -48,8 +48,9 @@ class PageWatch {
 
   void run() {
     if (options.serve) {
-      server.emplace(options.viewer, [this](const fs::path& file) { return bytesOf(file); });
-      server->start(int(options.port));
+      server = loadPageServer(options.server, options.viewer, [this](const fs::path& file) { return bytesOf(file); });
+      if (!server->start(int(options.port)))
+        throw KitError("port " + std::to_string(options.port) + " can't be listened on; another program may have it");
       std::cout << server->address() << std::endl;
     }
     constexpr std::chrono::milliseconds kBetweenLooks{200};  // whether somebody wants it to end
@@ -159,23 +160,31 @@ class PageWatch {
   LiveFiles files;
   FileWatch watch;
   std::vector<fs::path> dependencies;
-  std::vector<std::string> messages;  // of the last attempt
-  fs::path opened;                    // the page as the player opens it; empty while it can't
-  std::mutex playing;                 // the files
-  std::optional<PageServer> server;   // goes first, as it asks for the files
+  std::vector<std::string> messages;   // of the last attempt
+  fs::path opened;                     // the page as the player opens it; empty while it can't
+  std::mutex playing;                  // the files
+  std::unique_ptr<PageServer> server;  // goes first, as it asks for the files
 };
+
+// The first of these that is there, seen from this program's folder; empty when none is.
+std::string besideProgram(std::initializer_list<const char*> files) {
+  std::error_code error;
+  const fs::path here = fs::read_symlink("/proc/self/exe", error).parent_path();
+  for (const char* file : files)
+    if (fs::is_regular_file(here / file, error)) return (here / file).string();
+  return "";
+}
 
 // Where the viewer is installed, or built, with this program.
 std::string viewerBeside() {
-  std::error_code error;
-  const fs::path here = fs::read_symlink("/proc/self/exe", error).parent_path();
-  for (const char* folder : {"../share/vistrel/viewer", "../../../web/viewer"})
-    if (fs::is_regular_file(here / folder / "vistrel-player.wasm", error)) return (here / folder).string();
-  return "";
+  const fs::path player =
+      besideProgram({"../share/vistrel/viewer/vistrel-player.wasm", "../../../web/viewer/vistrel-player.wasm"});
+  return player.parent_path().string();
 }
 
 void watchPage(WatchOptions options) {
   if (options.output.empty() && !options.serve) throw KitError("say where the picture goes (-o), or --serve");
+  if (options.serve) options.server = besideProgram({"../lib/vistrel/pageserver.so", "../kit/pageserver.so"});
   if (options.serve && options.viewer.empty()) options.viewer = viewerBeside();
   if (options.serve && !fs::is_regular_file(fs::path(options.viewer) / "watch.html"))
     throw KitError(options.viewer.empty() ? "the viewer isn't installed with kpg; say where it is (--viewer)"

@@ -32,7 +32,9 @@ struct PngParts {
 };
 
 PngParts partsOf(const Picture& picture) {
-  const std::vector<uint8_t> bytes = encodePng(int(picture.width), int(picture.height), picture.pixels);
+  // All frames have the head of the first, so they have to be of one form.
+  const std::vector<uint8_t> bytes =
+      encodePng(int(picture.width), int(picture.height), picture.pixels, PngForm::trueColor);
   const std::string_view file(reinterpret_cast<const char*>(bytes.data()), bytes.size());
   PngParts parts{std::string(file.substr(0, kSignature)), ""};
   for (size_t at = kSignature; at < file.size();) {

@@ -3,7 +3,9 @@
 #include <png.h>
 
 #include <algorithm>
+#include <array>
 #include <memory>
+#include <optional>
 #include <string_view>
 
 #include "kit/errors.h"
@@ -23,28 +25,50 @@ void append(png_structp png, png_bytep bytes, png_size_t size) {
   throw KitError(*static_cast<const std::string*>(png_get_error_ptr(png)), message);
 }
 
-std::vector<uint8_t> encode(const std::string& path, int width, int height, const std::vector<uint32_t>& pixels,
-                            bool alpha) {
-  std::vector<uint8_t> file;
-  png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, const_cast<std::string*>(&path), fail, nullptr);
-  png_infop info = png_create_info_struct(png);
-  struct Closer {
-    png_structp* png;
-    png_infop* info;
-    ~Closer() { png_destroy_write_struct(png, info); }
-  } closer{&png, &info};
+// The colours of a picture that has few, in the order in which they come, and each pixel's number among them.
+struct Palette {
+  std::vector<png_color> colors;
+  std::vector<uint8_t> pixels;
+};
 
-  png_set_write_fn(png, &file, append, nullptr);
-  png_set_compression_level(png, 3);  // pages are flat: more effort takes longer and saves little
-  png_set_filter(png, 0, PNG_FILTER_NONE);
-  png_set_IHDR(png, info, png_uint_32(width), png_uint_32(height), 8, alpha ? PNG_COLOR_TYPE_RGBA : PNG_COLOR_TYPE_RGB,
-               PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-  png_text software{};
-  software.compression = PNG_TEXT_COMPRESSION_NONE;
-  software.key = const_cast<char*>(kSoftwareKey);
-  software.text = const_cast<char*>(kSoftware);
-  png_set_text(png, info, &software, 1);
-  png_write_info(png, info);
+constexpr size_t kMostColors = 256;
+
+png_color colorOf(uint32_t pixel) { return {uint8_t(pixel >> 16), uint8_t(pixel >> 8), uint8_t(pixel)}; }
+
+std::optional<Palette> paletteOf(const std::vector<uint32_t>& pixels) {
+  struct Slot {
+    uint32_t key = 0;  // the colour with a bit above it; 0 for none
+    uint8_t number = 0;
+  };
+  std::array<Slot, 4 * kMostColors> slots;
+  Palette palette;
+  palette.pixels.resize(pixels.size());
+  Slot last;
+  for (size_t i = 0; i < pixels.size(); ++i) {
+    const uint32_t key = (pixels[i] & 0xFFFFFF) | 0x1000000;
+    if (key != last.key) {
+      size_t at = (key * 0x9E3779B1u) >> 22;
+      while (slots[at].key != key && slots[at].key != 0) at = (at + 1) % slots.size();
+      if (slots[at].key == 0) {
+        if (palette.colors.size() == kMostColors) return {};
+        slots[at] = {key, uint8_t(palette.colors.size())};
+        palette.colors.push_back(colorOf(key));
+      }
+      last = slots[at];
+    }
+    palette.pixels[i] = last.number;
+  }
+  return palette;
+}
+
+int bitsFor(size_t colors) { return colors <= 2 ? 1 : colors <= 4 ? 2 : colors <= 16 ? 4 : 8; }
+
+void writeRows(png_structp png, int width, int height, const Palette& palette) {
+  png_set_packing(png);
+  for (int y = 0; y < height; ++y) png_write_row(png, palette.pixels.data() + size_t(y) * size_t(width));
+}
+
+void writeRows(png_structp png, int width, int height, const std::vector<uint32_t>& pixels, bool alpha) {
   std::vector<uint8_t> row(size_t(width) * 4);
   const uint32_t* in = pixels.data();
   for (int y = 0; y < height; ++y) {
@@ -57,6 +81,37 @@ std::vector<uint8_t> encode(const std::string& path, int width, int height, cons
     }
     png_write_row(png, row.data());
   }
+}
+
+std::vector<uint8_t> encode(const std::string& path, int width, int height, const std::vector<uint32_t>& pixels,
+                            bool alpha, PngForm form) {
+  const std::optional<Palette> palette = alpha || form == PngForm::trueColor ? std::nullopt : paletteOf(pixels);
+  std::vector<uint8_t> file;
+  png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, const_cast<std::string*>(&path), fail, nullptr);
+  png_infop info = png_create_info_struct(png);
+  struct Closer {
+    png_structp* png;
+    png_infop* info;
+    ~Closer() { png_destroy_write_struct(png, info); }
+  } closer{&png, &info};
+
+  png_set_write_fn(png, &file, append, nullptr);
+  png_set_compression_level(png, 3);  // pages are flat: more effort takes longer and saves little
+  png_set_filter(png, 0, PNG_FILTER_NONE);
+  const int kind = palette ? PNG_COLOR_TYPE_PALETTE : alpha ? PNG_COLOR_TYPE_RGBA : PNG_COLOR_TYPE_RGB;
+  png_set_IHDR(png, info, png_uint_32(width), png_uint_32(height), palette ? bitsFor(palette->colors.size()) : 8, kind,
+               PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+  if (palette) png_set_PLTE(png, info, palette->colors.data(), int(palette->colors.size()));
+  png_text software{};
+  software.compression = PNG_TEXT_COMPRESSION_NONE;
+  software.key = const_cast<char*>(kSoftwareKey);
+  software.text = const_cast<char*>(kSoftware);
+  png_set_text(png, info, &software, 1);
+  png_write_info(png, info);
+  if (palette)
+    writeRows(png, width, height, *palette);
+  else
+    writeRows(png, width, height, pixels, alpha);
   png_write_end(png, info);
   return file;
 }
@@ -142,16 +197,16 @@ Picture decodePng(const std::string& path, const std::vector<uint8_t>& bytes) {
   return picture;
 }
 
-std::vector<uint8_t> encodePng(int width, int height, const std::vector<uint32_t>& pixels) {
-  return encode("the picture", width, height, pixels, false);
+std::vector<uint8_t> encodePng(int width, int height, const std::vector<uint32_t>& pixels, PngForm form) {
+  return encode("the picture", width, height, pixels, false, form);
 }
 
 void writePng(const std::string& path, int width, int height, const std::vector<uint32_t>& pixels) {
-  const std::vector<uint8_t> bytes = encode(path, width, height, pixels, false);
+  const std::vector<uint8_t> bytes = encode(path, width, height, pixels, false, PngForm::smallest);
   writeFile(path, bytes.data(), bytes.size());
 }
 
 void writePngWithAlpha(const std::string& path, int width, int height, const std::vector<uint32_t>& pixels) {
-  const std::vector<uint8_t> bytes = encode(path, width, height, pixels, true);
+  const std::vector<uint8_t> bytes = encode(path, width, height, pixels, true, PngForm::trueColor);
   writeFile(path, bytes.data(), bytes.size());
 }

@@ -1,3 +1,4 @@
+// The module. It has nothing of the kit's but the declaration of what it is.
 #include "kit/serve/pageserver.h"
 
 #include <httplib.h>
@@ -6,13 +7,12 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
+#include <fstream>
+#include <iterator>
 #include <mutex>
 #include <random>
 #include <thread>
 #include <utility>
-
-#include "kit/errors.h"
-#include "kit/files.h"
 
 namespace fs = std::filesystem;
 
@@ -45,11 +45,17 @@ const char* kindOf(const fs::path& name) {
   return "application/octet-stream";
 }
 
-}  // namespace
+class LoopbackServer : public PageServer {
+ public:
+  LoopbackServer(fs::path v, FileOf f) : viewer(std::move(v)), fileOf(std::move(f)) { answerAll(); }
+  ~LoopbackServer() override;
 
-struct PageServer::State {
-  State(fs::path v, FileOf f) : viewer(std::move(v)), fileOf(std::move(f)) {}
+  bool start(int wanted) override;
+  std::string address() const override;
+  std::string placeOf(const fs::path& file) const override { return "/" + token + "/files" + file.string(); }
+  void tell(const std::string& json) override;
 
+ private:
   void answerAll();
   void answerViewer(const std::string& name, httplib::Response& answer) const;
   void answerFile(const std::string& name, httplib::Response& answer) const;
@@ -68,7 +74,7 @@ struct PageServer::State {
   std::thread thread;
 };
 
-void PageServer::State::answerAll() {
+void LoopbackServer::answerAll() {
   // A port that another program listens on is taken, and one that was just left isn't.
   server.set_socket_options([](socket_t socket) {
     const int yes = 1;
@@ -93,17 +99,16 @@ void PageServer::State::answerAll() {
   });
 }
 
-void PageServer::State::answerViewer(const std::string& name, httplib::Response& answer) const {
+void LoopbackServer::answerViewer(const std::string& name, httplib::Response& answer) const {
   const fs::path file = viewer / (name.empty() ? "watch.html" : name);
-  try {
-    const std::vector<uint8_t> bytes = readFile(file.string());
-    answer.set_content(reinterpret_cast<const char*>(bytes.data()), bytes.size(), kindOf(file));
-  } catch (const KitError&) {
+  std::ifstream in(file, std::ios::binary);
+  if (in)
+    answer.set_content(std::string(std::istreambuf_iterator<char>(in), {}), kindOf(file));
+  else
     answer.status = 404;
-  }
 }
 
-void PageServer::State::answerFile(const std::string& name, httplib::Response& answer) const {
+void LoopbackServer::answerFile(const std::string& name, httplib::Response& answer) const {
   if (const auto bytes = fileOf(fs::path(name).lexically_normal()))
     answer.set_content(*bytes, "application/octet-stream");
   else
@@ -111,7 +116,7 @@ void PageServer::State::answerFile(const std::string& name, httplib::Response& a
 }
 
 // Server-sent events: each has one line of data.
-void PageServer::State::answerEvents(httplib::Response& answer) {
+void LoopbackServer::answerEvents(httplib::Response& answer) {
   answer.set_chunked_content_provider("text/event-stream",
                                       [this, seen = uint64_t{0}](size_t, httplib::DataSink& sink) mutable {
                                         std::string text;
@@ -128,42 +133,41 @@ void PageServer::State::answerEvents(httplib::Response& answer) {
                                       });
 }
 
-PageServer::PageServer(fs::path viewer, FileOf fileOf)
-    : state(std::make_unique<State>(std::move(viewer), std::move(fileOf))) {
-  state->answerAll();
-}
-
-PageServer::~PageServer() {
+LoopbackServer::~LoopbackServer() {
   {
-    const std::lock_guard lock(state->mutex);
-    state->ends = true;
+    const std::lock_guard lock(mutex);
+    ends = true;
   }
-  state->told.notify_all();
-  state->server.stop();
-  if (state->thread.joinable()) state->thread.join();
+  told.notify_all();
+  server.stop();
+  if (thread.joinable()) thread.join();
 }
 
-void PageServer::start(int port) {
-  state->port = port;
-  if (port == 0) state->port = state->server.bind_to_any_port(kLoopback);
-  if (state->port < 0 || (port != 0 && !state->server.bind_to_port(kLoopback, port)))
-    throw KitError("port " + std::to_string(port) + " can't be listened on; another program may have it");
-  state->thread = std::thread([s = state.get()] { s->server.listen_after_bind(); });
+bool LoopbackServer::start(int wanted) {
+  port = wanted != 0 ? wanted : server.bind_to_any_port(kLoopback);
+  if (port < 0 || (wanted != 0 && !server.bind_to_port(kLoopback, wanted))) return false;
+  thread = std::thread([this] { server.listen_after_bind(); });
+  return true;
 }
 
-std::string PageServer::address() const {
+std::string LoopbackServer::address() const {
   std::string all = "http://";
-  all.append(kLoopback).append(":").append(std::to_string(state->port)).append("/").append(state->token).append("/");
+  all.append(kLoopback).append(":").append(std::to_string(port)).append("/").append(token).append("/");
   return all;
 }
 
-std::string PageServer::placeOf(const fs::path& file) const { return "/" + state->token + "/files" + file.string(); }
-
-void PageServer::tell(const std::string& json) {
+void LoopbackServer::tell(const std::string& json) {
   {
-    const std::lock_guard lock(state->mutex);
-    state->last = json;
-    ++state->count;
+    const std::lock_guard lock(mutex);
+    last = json;
+    ++count;
   }
-  state->told.notify_all();
+  told.notify_all();
+}
+
+}  // namespace
+
+extern "C" MakePageServer makePageServer;
+PageServer* makePageServer(const fs::path& viewer, PageServer::FileOf& fileOf) {
+  return new LoopbackServer(viewer, std::move(fileOf));
 }

@@ -71,6 +71,20 @@ TEST(Picture, EveryKindOfPngComesAsEightBitsWithAlpha) {
   }
 }
 
+// Every number of colours at which the form changes, and one that hashes of colours meet in.
+TEST(Picture, WhatIsWrittenIsReadBackWhateverTheNumberOfColors) {
+  for (const uint32_t colors : {1u, 2u, 3u, 4u, 5u, 16u, 17u, 256u, 257u, 540u}) {
+    std::vector<uint32_t> pixels(9 * 60);
+    for (uint32_t i = 0; i < pixels.size(); ++i) pixels[i] = 0xFF000000 | ((i % colors) * 0x400040u % 0xFFFFFF);
+    for (const PngForm form : {PngForm::smallest, PngForm::trueColor}) {
+      const std::vector<uint8_t> file = encodePng(9, 60, pixels, form);
+      EXPECT_EQ(decodePng("f", file).pixels, pixels) << colors;
+      EXPECT_EQ(file[25], form == PngForm::smallest && colors <= 256 ? PNG_COLOR_TYPE_PALETTE : PNG_COLOR_TYPE_RGB);
+      EXPECT_TRUE(isKitPng(file));
+    }
+  }
+}
+
 TEST(Picture, ABrokenPngIsNamedAndNeverHalfRead) {
   const std::vector<uint8_t> good = makePng(3, {8, PNG_COLOR_TYPE_RGB, 0, {1, 2, 3, 4, 5, 6, 7, 8, 9}, {}});
   ASSERT_EQ(errorOf(good), "");
