@@ -19,18 +19,21 @@ import zlib
 
 
 def pixels(path):
-    """(width, height, rows as bytes) of a PNG with 8 bits a channel that isn't interlaced."""
-    data, at, packed = path.read_bytes(), 8, b''
+    """(width, height, rows as bytes) of a PNG with 8 bits a channel, or a palette, that isn't interlaced."""
+    data, at, packed, colors = path.read_bytes(), 8, b'', b''
     while at < len(data):
         length, kind = struct.unpack('>I4s', data[at:at + 8])
         body = data[at + 8:at + 8 + length]
         at += length + 12
         if kind == b'IHDR':
-            width, height, _, color = struct.unpack('>IIBB', body[:10])
+            width, height, bits, color = struct.unpack('>IIBB', body[:10])
+        elif kind == b'PLTE':
+            colors = [body[i:i + 3] for i in range(0, length, 3)]
         elif kind == b'IDAT':
             packed += body
-    raw, step = zlib.decompress(packed), {0: 1, 2: 3, 6: 4}[color]
-    size, rows, above = width * step, [], bytes(width * step)
+    raw, step = zlib.decompress(packed), {0: 1, 2: 3, 3: 1, 6: 4}[color]
+    size = (width * step * bits + 7) // 8
+    rows, above = [], bytes(size)
     for y in range(height):
         filtering, row = raw[y * (size + 1)], bytearray(raw[y * (size + 1) + 1:(y + 1) * (size + 1)])
         for x in range(size if filtering else 0):
@@ -39,8 +42,11 @@ def pixels(path):
             nearest = min((abs(up - corner), 0, left), (abs(left - corner), 1, up),
                           (abs(left + up - 2 * corner), 2, corner))[2]
             row[x] = (row[x] + (0, left, up, (left + up) // 2, nearest)[filtering]) & 255
-        rows.append(bytes(row))
         above = row
+        if colors:
+            numbers = [byte >> shift & (1 << bits) - 1 for byte in row for shift in range(8 - bits, -1, -bits)]
+            row = b''.join(colors[n] for n in numbers[:width])
+        rows.append(bytes(row))
     return width, height, rows
 
 

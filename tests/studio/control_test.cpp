@@ -182,7 +182,7 @@ TEST_F(ControlSocketTest, SeveralClientsAreServedAndOnlyTheOwnerMayCome) {
     EXPECT_EQ(one.ask(R"({"key":"Right"})"), kDone);
     EXPECT_EQ(two.ask(R"({"key":"Right"})"), kDone);
     EXPECT_EQ(two.ask(R"({"eval":"widgets.n.value;"})"), R"({"ok":true,"output":"--> 3\u000a"})");
-    EXPECT_GT(one.ask(R"({"shot":null})").size(), 1000u);
+    EXPECT_NE(readJson(one.ask(R"({"shot":null})")).find("png"), nullptr);
   }
   EXPECT_THROW(ControlSocket(path, nullptr), KitError) << "somebody listens";
   leave();

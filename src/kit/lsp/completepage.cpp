@@ -76,8 +76,9 @@ class PageCompletion {
     return std::max(offset, isInExpression ? offset : std::min(cursor.end, lineEnd));
   }
 
+  // With the mark in a value all keys are as they were, and so is what the page brings in.
   std::vector<std::pair<std::string, SourceViews::PageViewPtr>> pages() {
-    return views.relatedPages(path, cursor.view);
+    return views.relatedPages(path, cursor.kind == PageCursor::value ? cursor.view : nullptr);
   }
 
   // -- keys
