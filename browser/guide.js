@@ -86,8 +86,9 @@ function htmlOf(document, pages, copyPicture) {
         return place ? `<a href="${escaped(place)}">${inside}</a>` : inside;
       },
       table(token) {
-        const row = (cells, tag) => `<tr>${cells.map((cell) => `<${tag}>${this.parser.parseInline(cell.tokens)}</${tag}>`).join('')}</tr>`;
-        return `<div class="wide" tabindex="0" role="region" aria-label="Table"><table><thead>${row(token.header, 'th')}</thead><tbody>${token.rows.map((cells) => row(cells, 'td')).join('')}</tbody></table></div>`;
+        const one = (cell, tag) => `<${tag}>${this.parser.parseInline(cell.tokens)}</${tag}>`;
+        const row = (cells, tag) => `<tr>${cells.map((cell) => one(cell, cell.text ? tag : 'td')).join('')}</tr>`;
+        return `<div class="wide" tabindex="0" role="group" aria-label="Table"><table><thead>${row(token.header, 'th')}</thead><tbody>${token.rows.map((cells) => row(cells, 'td')).join('')}</tbody></table></div>`;
       },
       code({text}) {
         return `<pre tabindex="0"><code>${escaped(text)}</code></pre>`;

@@ -25,6 +25,12 @@ export function shot(page, ...actions) {
   return {pixels: PNG.sync.read(readFileSync(picture)).data, log: readFileSync(log, 'latin1')};
 }
 
+/** The pictures of a page of the demo when it has just been opened: a slow machine may show it a second later. */
+export function firstPictures(name) {
+  const page = join(demo, `${name}.kpg`);
+  return [shot(page).pixels, shot(page, '--wait', '1000').pixels];
+}
+
 /** The demo's pages by their full names. */
 export const demoPages = ['guide', 'settings', 'tour', 'panel', 'game', 'gallery'].map((name) => join(demo, `${name}.kpg`));
 

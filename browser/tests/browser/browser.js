@@ -55,10 +55,10 @@ export async function rememberPictures(page, selector = 'vistrel-screen') {
   }, selector);
 }
 
-/** Waits until the screen has shown these pixels, be it for a moment. */
-export async function hasShown(page, pixels) {
-  const hash = createHash('sha256').update(pixels).digest('hex');
-  await page.waitForFunction((hash) => window.pictures.has(hash), hash);
+/** Waits until the screen has shown one of these pictures, be it for a moment. */
+export async function hasShown(page, pictures) {
+  const hashes = pictures.map((pixels) => createHash('sha256').update(pixels).digest('hex'));
+  await page.waitForFunction((hashes) => hashes.some((hash) => window.pictures.has(hash)), hashes);
 }
 
 /** Holds what is there against the rules of axe-core. The page's context must have bypassCSP. */

@@ -126,7 +126,7 @@ EMSCRIPTEN_KEEPALIVE const char* stageOpen(const char* page) {
   options.lines = true;
   options.limitSeconds = kScriptSeconds;
   stage().session.reset();  // before what it writes into
-  stage() = {};
+  stage() = Stage();
   options.prepare = [](PageRun& run) { run.watch(std::make_unique<RunWatch>(run, stage().timeline, stage().memory)); };
   stage().session = std::make_unique<Session>(page, options);
   const bool well = stage().session->restart();
