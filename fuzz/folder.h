@@ -1,19 +1,19 @@
 // A temporary folder that becomes the current directory of a fuzz target, and files in it.
 #pragma once
 
-#include <stdlib.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
 
+#include "support/temporaryfolder.h"
+
 // Enters the folder before the target's first input. False: it is the current directory already.
 inline bool enterFolder() {
   static bool entered = false;
   if (entered) return false;
-  std::string name = (std::filesystem::temp_directory_path() / "vistrel-fuzz-XXXXXX").string();
-  std::filesystem::current_path(mkdtemp(name.data()));
+  static const TemporaryFolder& folder = *new TemporaryFolder;  // for as long as the target runs
+  std::filesystem::current_path(folder.path());
   return entered = true;
 }
 

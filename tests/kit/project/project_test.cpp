@@ -88,7 +88,7 @@ class ProjectTest : public PageTest {
   static std::map<std::string, std::vector<uint8_t>> contents(const std::string& folder) {
     std::map<std::string, std::vector<uint8_t>> all;
     for (const auto& entry : fs::recursive_directory_iterator(folder))
-      if (entry.is_regular_file()) all[entry.path().lexically_relative(folder).string()] = readFile(entry.path());
+      if (entry.is_regular_file()) all[entry.path().lexically_relative(folder).string()] = readFile(entry.path().string());
     return all;
   }
 
