@@ -27,7 +27,7 @@ void PageTest::build(const std::string& name, const std::string& source) {
 }
 
 bool PageTest::loadFile(const std::string& name) {
-  const bool loaded = desktop.shell.loadPage((folder / name).string());
+  const bool loaded = desktop.shell.loadPage((folder / name).generic_string());
   if (loaded) desktop.settle();
   return loaded;
 }

@@ -24,7 +24,7 @@ namespace {
 std::string manifestName(const Project& project, const std::string& path) {
   return fs::path(path).is_absolute()
              ? path
-             : fs::path(path).lexically_proximate(project.folder.empty() ? "." : project.folder).string();
+             : fs::path(path).lexically_proximate(project.folder.empty() ? "." : project.folder).generic_string();
 }
 
 void nameForManifest(const Project& project, KitMessage* at) {
@@ -357,7 +357,7 @@ class ProjectBuild {
       if (name.starts_with(kPageStep)) report.pages.push_back({step.outputs.front().name, step.uses});
     }
     for (const std::string& input : inputs) {
-      const std::string name = fs::path(input).lexically_relative(outputPath(project, "")).string();
+      const std::string name = fs::path(input).lexically_relative(outputPath(project, "")).generic_string();
       if (!findBuilt(report.files, name) && !findBuilt(planned, name)) report.inputs.push_back(input);
     }
   }
@@ -380,7 +380,7 @@ class ProjectBuild {
 }  // namespace
 
 std::string outputPath(const Project& project, const std::string& name) {
-  return project.pathOf((fs::path(project.output) / name).string());
+  return project.pathOf((fs::path(project.output) / name).generic_string());
 }
 
 BuildReport buildProject(const Project& project, const BuildOptions& options) {
@@ -402,13 +402,14 @@ std::vector<std::string> cleanProject(const Project& project, const KitWarn& war
       }
       fs::remove(path, error);
       if (!isLineTable(path)) removed.insert(path);
-      folders.insert(fs::path(output.name).parent_path().string());
+      folders.insert(fs::path(output.name).parent_path().generic_string());
     }
   fs::remove(manifestFile, error);
   fs::remove(outputPath(project, kPackRecordName), error);
   // The deepest first; a folder with anything in it stays.
   for (auto folder = folders.rbegin(); folder != folders.rend(); ++folder)
-    for (fs::path at = *folder; !at.empty(); at = at.parent_path()) fs::remove(outputPath(project, at.string()), error);
+    for (fs::path at = *folder; !at.empty(); at = at.parent_path())
+      fs::remove(outputPath(project, at.generic_string()), error);
   fs::remove(outputPath(project, ""), error);
   return {removed.begin(), removed.end()};
 }

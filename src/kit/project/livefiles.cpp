@@ -42,7 +42,7 @@ std::string newerSource(const fs::path& made, std::initializer_list<const char*>
   for (const char* extension : extensions) {
     const fs::path source = fs::path(made).replace_extension(extension);
     const auto savedAt = fs::last_write_time(source, error);
-    if (!error && (!isBuilt || savedAt > builtAt)) return source.string();
+    if (!error && (!isBuilt || savedAt > builtAt)) return source.generic_string();
   }
   return "";
 }
@@ -50,7 +50,7 @@ std::string newerSource(const fs::path& made, std::initializer_list<const char*>
 }  // namespace
 
 LiveFiles::LiveFiles(std::string p)
-    : page(std::move(p)), projectFile(findProject(fs::path(page).parent_path().string())) {}
+    : page(std::move(p)), projectFile(findProject(fs::path(page).parent_path().generic_string())) {}
 
 void LiveFiles::begin() {
   ++run;
@@ -72,16 +72,17 @@ void LiveFiles::readPlan() {
 }
 
 std::string LiveFiles::pageOf(const std::string& source) {
-  if (!isPageSource(source)) return fullName(source).string();
+  if (!isPageSource(source)) return fullName(source).generic_string();
   if (project)
     if (const std::string name = pageOfProject(*project, source); !name.empty())
       for (const BuildStep& step : plan.steps)
-        if (step.name == pageStepName(name)) return fullName(outputPath(*project, step.outputs.front())).string();
+        if (step.name == pageStepName(name))
+          return fullName(outputPath(*project, step.outputs.front())).generic_string();
   const fs::path beside = fullName(fs::path(source).replace_extension(".kpg"));
   const std::string key = "source " + source;
   made(key, [&](Made& m) { compile(source, beside, m); });
   owners[beside] = key;
-  return beside.string();
+  return beside.generic_string();
 }
 
 const MadeFile* LiveFiles::find(const fs::path& file) {
@@ -104,7 +105,7 @@ fs::path LiveFiles::findIgnoringCase(const fs::path& file) {
   std::vector<fs::path> folders{file.parent_path()};
   if (project)
     folders.push_back(
-        project->pathOf(file.parent_path().lexically_relative(fullName(outputPath(*project, ""))).string()));
+        project->pathOf(file.parent_path().lexically_relative(fullName(outputPath(*project, ""))).generic_string()));
   for (const fs::path& folder : folders) {
     std::error_code error;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) {
@@ -118,7 +119,7 @@ fs::path LiveFiles::findIgnoringCase(const fs::path& file) {
   std::sort(candidates.begin(), candidates.end());
   std::error_code error;
   for (const fs::path& candidate : candidates)
-    if (hsAsciiEqualIgnoringCase(candidate.string().c_str(), file.string().c_str()) &&
+    if (hsAsciiEqualIgnoringCase(candidate.generic_string().c_str(), file.generic_string().c_str()) &&
         (find(candidate) || fs::is_regular_file(candidate, error)))
       return candidate;
   return {};
@@ -133,8 +134,8 @@ const MadeFile* LiveFiles::findInProject(const fs::path& file) {
   // What a page names and nothing makes is copied from among the sources.
   const fs::path inOutput = file.lexically_relative(fullName(outputPath(*project, "")));
   if (inOutput.empty() || *inOutput.begin() == "..") return nullptr;
-  lookFor(project->pathOf(inOutput.string()));
-  const std::string source = project->pathOf(inOutput.string());
+  lookFor(project->pathOf(inOutput.generic_string()));
+  const std::string source = project->pathOf(inOutput.generic_string());
   std::error_code error;
   if (!fs::is_regular_file(source, error)) return nullptr;
   return fileOf("file " + source, file, [&](Made& m) {
@@ -146,10 +147,11 @@ const MadeFile* LiveFiles::findInProject(const fs::path& file) {
 
 // Whoever waits for saves has to know what isn't there yet, too.
 void LiveFiles::lookFor(const fs::path& made) {
-  lookedFor.insert(made.string());
+  lookedFor.insert(made.generic_string());
   for (const auto& [ending, extensions] : kSourcesOf)
     if (made.extension() == ending)
-      for (const char* extension : extensions) lookedFor.insert(fs::path(made).replace_extension(extension).string());
+      for (const char* extension : extensions)
+        lookedFor.insert(fs::path(made).replace_extension(extension).generic_string());
 }
 
 const MadeFile* LiveFiles::findBeside(const fs::path& file) {
@@ -167,10 +169,11 @@ const MadeFile* LiveFiles::findBeside(const fs::path& file) {
     m.inputs.emplace_back(source, "");
     // Names count from the page's folder.
     PictureOptions options;
-    options.clutName = fs::path(ownClutName(kpx.string())).lexically_relative(fullName(page).parent_path()).string();
-    ConvertedPicture picture = pictureForPlayer(source, kpx.string(), options);
+    options.clutName =
+        fs::path(ownClutName(kpx.generic_string())).lexically_relative(fullName(page).parent_path()).generic_string();
+    ConvertedPicture picture = pictureForPlayer(source, kpx.generic_string(), options);
     m.files[kpx].bytes.assign(picture.kpx.begin(), picture.kpx.end());
-    m.files[ownClutName(kpx.string())].bytes.assign(picture.ownClut.begin(), picture.ownClut.end());
+    m.files[ownClutName(kpx.generic_string())].bytes.assign(picture.ownClut.begin(), picture.ownClut.end());
   });
 }
 

@@ -40,7 +40,7 @@ std::string advice(const Project& project, const std::vector<std::string>& files
                                  {".kpx", ".gif", "pictures"},
                                  {".bobo", ".bob", "scripts"}};
   for (const Source& each : kSources) {
-    const std::string source = fs::path(use.target).replace_extension(each.source).string();
+    const std::string source = fs::path(use.target).replace_extension(each.source).generic_string();
     std::error_code error;
     if (hasExtension(use.target, each.built) && fs::is_regular_file(project.pathOf(source), error))
       return "; add " + source + " to " + each.key;
@@ -81,7 +81,7 @@ std::vector<FileUse> usesInProject(const Project& project, const Manifest& built
       if (table.empty()) continue;
       KitMessage at = uses.back().at;
       at.text = "the colour table of " + use.name;
-      uses.push_back({(folder / table).lexically_normal().string(), table, at});
+      uses.push_back({(folder / table).lexically_normal().generic_string(), table, at});
     }
   }
   return uses;

@@ -125,7 +125,7 @@ std::vector<std::string> newProject(const std::string& folder) {
   std::vector<std::string> made;
   OutputFiles files;
   const auto add = [&](const std::string& name, const auto& bytes) {
-    made.push_back((at / name).string());
+    made.push_back((at / name).generic_string());
     files.add(made.back(), bytes.data(), bytes.size());
   };
   add(kProjectFileName, filledIn(kProject, words));
@@ -133,7 +133,7 @@ std::vector<std::string> newProject(const std::string& folder) {
   add("main.bob", std::string(kScript));
   add(fs::path(font).filename().string(), readFile(font));
   files.finish();
-  made.push_back((at / "sun.png").string());
+  made.push_back((at / "sun.png").generic_string());
   writePngWithAlpha(made.back(), kSize, kSize, sun());
   return made;
 }

@@ -57,7 +57,7 @@ class Packer {
 
   void takeListed() {
     for (const ProjectName& listed : project.files)
-      if (const std::string* file = findBuilt(built.files, fs::path(listed.text).lexically_normal().string()))
+      if (const std::string* file = findBuilt(built.files, fs::path(listed.text).lexically_normal().generic_string()))
         take(*file);
     for (const std::string& pattern : project.keep)
       for (const std::string& file : built.files)
@@ -119,26 +119,27 @@ void writeFolder(const Project& project, const std::vector<ArchivedFile>& files,
   std::error_code error;
   const std::string recordFile = outputPath(project, kPackRecordName);
   Manifest record = readManifest(recordFile);
-  StepRecord& before = record.steps[fs::weakly_canonical(fs::absolute(folder, error), error).string()];
+  StepRecord& before = record.steps[fs::weakly_canonical(fs::absolute(folder, error), error).generic_string()];
   std::map<std::string, std::string> ours;
   for (const FileRecord& file : before.outputs) ours[file.name] = file.hash;
   std::vector<std::string> stale;
   if (fs::exists(folder, error))
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
       if (entry.is_directory(error)) continue;
-      const std::string name = entry.path().lexically_relative(folder).string();
+      const std::string name = entry.path().lexically_relative(folder).generic_string();
       const auto known = ours.find(name);
-      if (known == ours.end() || known->second != fileHash(entry.path().string()))
-        throw KitError(entry.path().string(), "is there and no pack put it there; name a folder that is empty or new");
+      if (known == ours.end() || known->second != fileHash(entry.path().generic_string()))
+        throw KitError(entry.path().generic_string(),
+                       "is there and no pack put it there; name a folder that is empty or new");
       if (std::none_of(files.begin(), files.end(), [&](const auto& file) { return file.name == name; }))
-        stale.push_back(entry.path().string());
+        stale.push_back(entry.path().generic_string());
     }
   OutputFiles outputs;
   before.outputs.clear();
   for (const ArchivedFile& file : files) {
     const fs::path path = fs::path(folder) / file.name;
     fs::create_directories(path.parent_path(), error);
-    outputs.add(path.string(), file.bytes.data(), file.bytes.size());
+    outputs.add(path.generic_string(), file.bytes.data(), file.bytes.size());
     before.outputs.push_back({file.name, contentHash(file.bytes)});
   }
   outputs.finish();

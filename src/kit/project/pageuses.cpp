@@ -12,7 +12,7 @@ std::string pictureFile(const std::string& name) {
   const std::string extension = fs::path(name).extension().string();
   const bool isItself = extension.empty() || hsAsciiEqualIgnoringCase(extension.c_str(), ".gif") ||
                         hsAsciiEqualIgnoringCase(extension.c_str(), ".kpx");
-  return isItself ? name : fs::path(name).replace_extension(".kpx").string();
+  return isItself ? name : fs::path(name).replace_extension(".kpx").generic_string();
 }
 
 namespace {
@@ -46,7 +46,7 @@ class UseFinder {
   void add(const std::string& name, const YamlPlace& place, const std::string& what, bool isPicture = false) {
     std::string path = isPicture ? pictureFile(name) : name;
     std::replace(path.begin(), path.end(), '\\', '/');
-    path = (fs::path(folder) / path).lexically_normal().string();
+    path = (fs::path(folder) / path).lexically_normal().generic_string();
     uses.push_back({path, name, place.file ? messageAt(place, what) : KitMessage{source, place.line, what}});
   }
 

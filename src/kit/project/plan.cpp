@@ -26,7 +26,7 @@ namespace {
 std::string outputName(const std::string& source, const char* extension = nullptr) {
   fs::path name = fs::path(source).lexically_normal();
   if (name.is_absolute() || *name.begin() == "..") name = name.filename();
-  return (extension ? name.replace_extension(extension) : name).string();
+  return (extension ? name.replace_extension(extension) : name).generic_string();
 }
 
 std::vector<uint8_t> bytesOf(std::string_view text) { return {text.begin(), text.end()}; }
@@ -37,7 +37,7 @@ void addLines(StepResult* result, const std::string& folder, const std::vector<B
   const BuiltFile& built = result->outputs.back();
   const std::string_view bytes(reinterpret_cast<const char*>(built.bytes.data()), built.bytes.size());
   const std::string name = bobMapName(built.name);
-  const std::string text = bobMapText((fs::path(folder) / name).string(), makeBobMap(bytes, lines));
+  const std::string text = bobMapText((fs::path(folder) / name).generic_string(), makeBobMap(bytes, lines));
   result->outputs.push_back({name, bytesOf(text)});
 }
 
@@ -113,13 +113,13 @@ class Planner {
       if (&page != &project.pages.front() && mine != folder) return output;
       folder = mine;
     }
-    return folder.empty() ? output : fs::path(output).lexically_relative(folder).string();
+    return folder.empty() ? output : fs::path(output).lexically_relative(folder).generic_string();
   }
 
   void planPicture(const ProjectPicture& picture) {
     if (!isThere(picture.file)) return;
     std::string output = outputName(picture.file.text, ".kpx");
-    if (picture.to) output = (fs::path(*picture.to) / fs::path(output).filename()).lexically_normal().string();
+    if (picture.to) output = (fs::path(*picture.to) / fs::path(output).filename()).lexically_normal().generic_string();
     BuildStep step{"picture " + picture.file.text, picture.file.place, {}, {}, {output}, {}, {}};
     step.inputs = {project.pathOf(picture.file.text)};
     PictureOptions options;
@@ -129,7 +129,7 @@ class Planner {
       step.outputs.push_back(clut);
     } else if (const auto maker = makers.find(clut); maker != makers.end()) {
       step.after.push_back(maker->second);
-      options.clut = project.pathOf((fs::path(project.output) / clut).string());
+      options.clut = project.pathOf((fs::path(project.output) / clut).generic_string());
     } else if (isThere(picture.table)) {
       options.clut = project.pathOf(clut);
       step.inputs.push_back(options.clut);
@@ -215,10 +215,10 @@ class Planner {
       options.lines = true;
       BuiltPage built = compilePage(path, warn, options);
       const fs::path folder = fs::path(output).parent_path();
-      StepResult result{{{output, built.bytes}}, built.sources, pageUses(path, folder.string(), built)};
+      StepResult result{{{output, built.bytes}}, built.sources, pageUses(path, folder.generic_string(), built)};
       addLines(&result, outputs, built.lines);
       for (const ScriptFile& script : built.scriptFiles) {
-        result.outputs.push_back({(folder / script.name).lexically_normal().string(), bytesOf(script.bytes)});
+        result.outputs.push_back({(folder / script.name).lexically_normal().generic_string(), bytesOf(script.bytes)});
         addLines(&result, outputs, script.lines);
       }
       return result;

@@ -29,7 +29,7 @@ class ProjectReader {
  public:
   explicit ProjectReader(const std::string& file) {
     project.file = file;
-    project.folder = fs::path(file).parent_path().string();
+    project.folder = fs::path(file).parent_path().generic_string();
   }
 
   Project read() {
@@ -157,14 +157,14 @@ class ProjectReader {
     const std::string last = path.filename().string();
     std::vector<ProjectName> found;
     std::error_code error;
-    const std::string folder = project.pathOf(path.parent_path().string());
+    const std::string folder = project.pathOf(path.parent_path().generic_string());
     for (fs::directory_iterator at(folder.empty() ? "." : folder, error), end; !error && at != end;
          at.increment(error)) {
       const std::string file = at->path().filename().string();
       if (file == kProjectFileName || file.ends_with(".test.yaml") || !at->is_regular_file(error)) continue;
       const bool isHidden = file.starts_with('.') && !last.starts_with('.');
       if (!isHidden && matchesWildcards(last, file))
-        found.push_back({(path.parent_path() / file).string(), pattern.place, true});
+        found.push_back({(path.parent_path() / file).generic_string(), pattern.place, true});
     }
     std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.text < b.text; });
     if (found.empty()) throw SourceFault{pattern.place, "no file is called '" + pattern.text + "'"};
@@ -272,7 +272,7 @@ class ProjectReader {
 
 }  // namespace
 
-std::string Project::pathOf(const std::string& name) const { return (fs::path(folder) / name).string(); }
+std::string Project::pathOf(const std::string& name) const { return (fs::path(folder) / name).generic_string(); }
 
 Project readProject(const std::string& file) { return ProjectReader(file).read(); }
 
@@ -282,7 +282,7 @@ std::string findProject(const std::string& folder) {
   for (fs::path full = fs::canonical(folder.empty() ? "." : folder, error); !error; full = full.parent_path()) {
     const fs::path file = at / kProjectFileName;
     const fs::path plain = file.lexically_normal();
-    if (fs::is_regular_file(file, error)) return (fs::equivalent(plain, file, error) ? plain : file).string();
+    if (fs::is_regular_file(file, error)) return (fs::equivalent(plain, file, error) ? plain : file).generic_string();
     if (full == full.root_path()) break;
     at /= "..";
     error.clear();

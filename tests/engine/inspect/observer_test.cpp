@@ -55,11 +55,11 @@ TEST_F(ObserverTest, APageLoadsFromTheOutsideInAndGoesChildrenFirst) {
                    "made inner in root as frame", "loading inner inner.kpg", "made root of inner in inner as group",
                    "made x in root of inner", "loaded inner inner.kpg", "focus of top - > a", "loaded top page.kpg"}));
   EXPECT_FALSE(loadFile("none.kpg"));
-  EXPECT_EQ(
-      recorder.heard(),
-      (Lines{"loading top none.kpg", "gone a", "gone b", "gone inner", "gone x", "gone root of inner",
-             "unloaded inner inner.kpg", "gone root", "unloaded top page.kpg",
-             "log  -- '" + std::filesystem::current_path().string() + "/none.kpg' not found", "refused top none.kpg"}));
+  EXPECT_EQ(recorder.heard(),
+            (Lines{"loading top none.kpg", "gone a", "gone b", "gone inner", "gone x", "gone root of inner",
+                   "unloaded inner inner.kpg", "gone root", "unloaded top page.kpg",
+                   "log  -- '" + std::filesystem::current_path().generic_string() + "/none.kpg' not found",
+                   "refused top none.kpg"}));
 }
 
 TEST_F(ObserverTest, AnEventTellsItsWayAndWhoTookIt) {
