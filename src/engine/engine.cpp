@@ -40,7 +40,7 @@ bool Engine::start(void* cacheMemory, size_t cacheSize) {
   display = std::make_unique<DisplaySurface>(kScreenWidth, kScreenHeight, kFirstDepth);
   images.init(cacheMemory, cacheSize);
   if (!scriptRuntimeStart(scripts, scriptsMayWriteFiles)) return false;
-  topFrame = frameCreate(nullptr, nullptr, {&topFrameRecord, 0});
+  topFrame = frameCreate(nullptr, nullptr, {&topFrameRecord, 0}).release();
   if (!topFrame) return false;
   addWidgetKinds(widgetTypes);
   return glyphWarming.start();

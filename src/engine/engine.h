@@ -66,7 +66,7 @@ class Engine {
   WidgetTypes widgetTypes;
   LoadCount loadCount;
   ScriptRuntimePtr scripts;   // null before the start
-  Frame* topFrame = nullptr;  // fills the screen; null before the start
+  Frame* topFrame = nullptr;  // fills the screen, and goes with the engine; null before the start
 
  private:
   void work();

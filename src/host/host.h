@@ -55,7 +55,8 @@ HostFile* hostOpen(const char* name);
 size_t hostRead(HostFile* file, void* buffer, size_t size);  // the bytes read
 void hostClose(HostFile* file);
 size_t hostTell(HostFile* file);
-size_t hostFileSize(HostFile* file);  // leaves the position alone
+size_t hostFileSize(HostFile* file);                 // leaves the position alone
+inline constexpr size_t kHostFileFailed = SIZE_MAX;  // what both answer when the desktop can't tell
 bool hostHasFileSystem();
 
 // A name, as a page gives it, of a file that is to be written: relative to the page's folder, and otherwise unchanged.

@@ -190,10 +190,9 @@ size_t hostFileSize(HostFile* file) {
   if (!file->disk) return file->memory.size();
   FILE* disk = file->disk.get();
   const long position = std::ftell(disk);
-  std::fseek(disk, 0, SEEK_END);
+  if (position < 0 || std::fseek(disk, 0, SEEK_END) != 0) return kHostFileFailed;
   const long size = std::ftell(disk);
-  std::fseek(disk, position, SEEK_SET);
-  return size < 0 ? 0 : size_t(size);
+  return std::fseek(disk, position, SEEK_SET) == 0 ? size_t(size) : kHostFileFailed;
 }
 
 bool hostHasFileSystem() { return true; }

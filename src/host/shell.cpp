@@ -40,14 +40,17 @@ void surviving(Engine& engine, Work work) {
 Shell::Shell(Desktop& d) : desktop(d) {}
 
 bool Shell::start() {
-  const EngineScope here(engine);
-  EditControl* edit = desktop.createConsole("KOVA Messages", kConsoleWidth, kConsoleHeight);
-  if (!edit) return false;
-  console = std::make_unique<MessageConsole>(*edit);
-  imageCacheMemory.reset(new uint8_t[kImageCacheSize]);  // not filled with zeros
-  engine.start(imageCacheMemory.get(), kImageCacheSize);
-  bobInitCompiler();
-  return true;
+  bool started = false;
+  surviving(engine, [&] {
+    EditControl* edit = desktop.createConsole("KOVA Messages", kConsoleWidth, kConsoleHeight);
+    if (!edit) return;
+    console = std::make_unique<MessageConsole>(*edit);
+    imageCacheMemory.reset(new uint8_t[kImageCacheSize]);  // not filled with zeros
+    engine.start(imageCacheMemory.get(), kImageCacheSize);
+    bobInitCompiler();
+    started = true;
+  });
+  return started;
 }
 
 void Shell::step() {

@@ -34,7 +34,8 @@ class Shell : public Host {
   Shell(const Shell&) = delete;
   Shell& operator=(const Shell&) = delete;
 
-  // Console, engine, script compiler. False when the console can't be made; the program then ends with -1.
+  // Console, engine, script compiler. False when the console can't be made or memory doesn't reach; the program then
+  // ends with -1.
   bool start();
 
   // One step of the engine, after a message or without one.

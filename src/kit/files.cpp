@@ -115,7 +115,7 @@ bool takeOverPermissions(const Descriptor& file, const fs::path& old) {
 #endif
 
 // Writes a new file in the folder of `target`, with the permissions of the one that is to go, if there is one.
-std::string writeBeside(const std::string& path, const fs::path& target, bool exists, const void* bytes, size_t size) {
+fs::path writeBeside(const std::string& path, const fs::path& target, bool exists, const void* bytes, size_t size) {
   // Short, since the name of the target may be as long as names can be.
   fs::path name;
   int number = 0;
@@ -129,7 +129,7 @@ std::string writeBeside(const std::string& path, const fs::path& target, bool ex
   if (!file.isOpen()) failWriting(path);
   const bool good = file.write(static_cast<const char*>(bytes), size) &&
                     (!exists || takeOverPermissions(file, target)) && file.close();
-  if (good) return name.string();
+  if (good) return name;
   const std::error_code error = lastError();
   file.close();
   drop(name);
@@ -193,8 +193,10 @@ void OutputFiles::add(const std::string& path, const void* bytes, size_t size) {
     return;
   }
   if (exists && !mayWriteOver(path)) failWriting(path);
-  const fs::path target = followLinks(path);
-  beside.push_back({path, writeBeside(path, target, exists, bytes, size), target.string()});
+  Beside file{path, {}, followLinks(path)};
+  beside.reserve(beside.size() + 1);  // first, so that nothing fails between the writing and the note of it
+  file.written = writeBeside(path, file.target, exists, bytes, size);
+  beside.push_back(std::move(file));
 }
 
 // What is written into comes first: it can fail where a rename can't.

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
@@ -32,7 +33,8 @@ class OutputFiles {
 
  private:
   struct Beside {
-    std::string path, written, target;  // as it was given; where the bytes are; where they are to be
+    std::string path;                       // as it was given
+    std::filesystem::path written, target;  // where the bytes are; where they are to be
   };
   struct Into {
     std::string path, bytes;

@@ -102,7 +102,7 @@ void* tsi_AllocMem(tsiMemObject* mem, uint32_t size) {
   const int slot = FindFreeSlot(mem);
   if (slot < 0) tsi_Error(mem, kT2KNoFreeSlot);
   auto* raw = static_cast<uint8_t*>(std::malloc(size + kFrameBytes));
-  if (!raw) tsi_Error(mem, kT2KOutOfMemory);
+  if (!raw) throw std::bad_alloc();
   MarkBlock(raw, size);
   TakeSlot(mem, slot, raw, size);
   return raw + kHeadBytes;
@@ -117,7 +117,7 @@ void* tsi_ReAllocMem(tsiMemObject* mem, void* block, uint32_t size) {
   if (slot < 0) tsi_Error(mem, kT2KUnknownReAlloc);
   CheckBudget(mem, size, oldSize);
   auto* moved = static_cast<uint8_t*>(std::realloc(raw, size + kFrameBytes));
-  if (!moved) tsi_Error(mem, kT2KOutOfMemory);
+  if (!moved) throw std::bad_alloc();
   MarkBlock(moved, size);
   mem->base[slot] = moved;
   mem->totalBytes += size - oldSize;

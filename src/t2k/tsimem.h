@@ -59,6 +59,7 @@ struct tsiMemObject {
   uint32_t state;       // kHandlerState while sound
   uint32_t totalBytes;  // payload of all live blocks
   int failedCode;       // 0, or the error that finished this font
+  bool foundNoMemory;   // that was the machine's want of memory, not what the font asks for
   uint32_t stamp2;      // kHandlerStamp2
 };
 
@@ -71,8 +72,8 @@ tsiMemObject* tsi_NewMemhandler(int* errCode);
 // Frees the handler and whatever is still in it. Null is ignored.
 void tsi_DeleteMemhandler(tsiMemObject* mem);
 
-// The three below throw tsiError. A size of 0 makes a block; null blocks are ignored (reallocated: stay null). Blocks
-// are aligned to 8 bytes and not zeroed.
+// The three below throw tsiError, and std::bad_alloc when there is no memory. A size of 0 makes a block; null blocks
+// are ignored (reallocated: stay null). Blocks are aligned to 8 bytes and not zeroed.
 void* tsi_AllocMem(tsiMemObject* mem, uint32_t size);
 void* tsi_ReAllocMem(tsiMemObject* mem, void* block, uint32_t size);
 void tsi_DeAllocMem(tsiMemObject* mem, void* block);
@@ -175,6 +176,7 @@ auto tsi_Enter(tsiMemObject* mem, int* errCode, Body body) -> decltype(body()) {
       code = error.code;
     } catch (const std::bad_alloc&) {
       code = kT2KOutOfMemory;
+      mem->foundNoMemory = true;
     }
     tsi_TearDown(mem, code);
   }

@@ -54,7 +54,7 @@ TEST_F(FocusTest, OfOneNameTheFirstInTheListIsFound) {
   for (const auto& [a, b] : {std::pair(1, 2), {3, 2}, {3, 0}, {4, 0}, {0, 0}}) {
     EXPECT_EQ(widget("a") ? widget("a")->bounds.x : 0, a);
     EXPECT_EQ(widget("b") ? widget("b")->bounds.x : 0, b);
-    if (topFrame()->widgets) widgetDestroy(topFrame()->takeFirst());
+    if (topFrame()->widgets) topFrame()->takeFirst().reset();
   }
 }
 

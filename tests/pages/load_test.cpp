@@ -15,7 +15,7 @@ std::string* story;
 
 constexpr ScriptingLanguage kPuppet = {
     [](Frame*) { return *story += "attach ", 1; },
-    [](Frame*) { return *story += "detach ", 1; },
+    [](Frame*) noexcept { return *story += "detach ", 1; },
     [](Frame*, const char* path) { return *story += "load:" + std::string(path) + " ", 0; },
     [](Frame*, const uint8_t* bytes, uint32_t length) {
       const std::string name(reinterpret_cast<const char*>(bytes), length);

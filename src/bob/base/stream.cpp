@@ -16,8 +16,11 @@ int BobFileStream::GetC() { return file ? std::fgetc(file) : -1; }
 int BobFileStream::PutC(int c) { return file ? std::fputc(c, file) : -1; }
 
 std::unique_ptr<BobStream> bobOpenPlainFile(const char* path, const char* mode) {
-  FILE* file = openFile(path, mode);
-  return file ? std::make_unique<BobFileStream>(file) : nullptr;
+  std::unique_ptr<FILE, int (*)(FILE*)> file(openFile(path, mode), std::fclose);
+  if (!file) return nullptr;
+  auto stream = std::make_unique<BobFileStream>(file.get());
+  file.release();  // the stream's now
+  return stream;
 }
 
 bool bobPutText(BobStream* stream, std::string_view text) {

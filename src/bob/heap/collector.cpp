@@ -50,9 +50,12 @@ void bobCollect(BobInterp* interp) {
     at += record->Size(interp, object);
     record->Scan(interp, object);
   }
+  struct End {  // which comes though a stream may have no memory for the report
+    ~End() { finalize(interp); }
+    BobInterp* interp;
+  } const end{interp};
   bobSweepQuickCode(interp);
   interp->survivors = space.free - space.base;
   bobPutFormat(interp->stderrStream, " - %d bytes free, total memory %u, allocations %u]\n",
                int(space.top - space.free), interp->totalMemory, interp->allocationCount);
-  finalize(interp);
 }

@@ -1,5 +1,7 @@
 #include "bob/heap/handles.h"
 
+#include <utility>
+
 #include "bob/heap/interp.h"
 
 namespace {
@@ -13,17 +15,17 @@ uint32_t numberOf(uint32_t handle) { return handle & ((1u << kNumberBits) - 1); 
 }  // namespace
 
 uint32_t bobMakeHandle(BobInterp* interp, void* pointer) {
-  uint32_t number;
-  if (!interp->freeHandles.empty()) {
-    number = interp->freeHandles.back();
-    interp->freeHandles.pop_back();
+  uint32_t number = interp->freeHandle;
+  if (number) {
+    interp->freeHandle = interp->handles[number].nextFree;
   } else {
     number = uint32_t(interp->handles.size());
     if (number >> kNumberBits) return 0;
     interp->handles.emplace_back();
   }
-  interp->handles[number].pointer = pointer;
-  return number | interp->handles[number].generation << kNumberBits;
+  BobHandleSlot& slot = interp->handles[number];
+  slot.pointer = pointer;
+  return number | slot.generation << kNumberBits;
 }
 
 void* bobHandlePointer(const BobInterp* interp, uint32_t handle) {
@@ -41,5 +43,5 @@ void bobReleaseHandle(BobInterp* interp, uint32_t handle) {
   // A slot whose generations are used up is never handed out again, so that no old wrapper wakes up with a new widget.
   if (slot.generation == kLastGeneration) return;
   ++slot.generation;
-  interp->freeHandles.push_back(number);
+  slot.nextFree = std::exchange(interp->freeHandle, number);
 }

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstring>
+#include <list>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -72,6 +73,7 @@ struct BobStaticRow {
 struct BobHandleSlot {
   void* pointer = nullptr;
   uint32_t generation = 0;
+  uint32_t nextFree = 0;  // while it is free: the number of the one given up before it, 0 for none
 };
 
 struct BobProtectedBlock {
@@ -151,10 +153,10 @@ struct BobInterp {
   void (*gcHook)(BobInterp*, void* data) = nullptr;
   void* gcHookData = nullptr;
 
-  std::vector<std::unique_ptr<BobStream>> openStreams;  // the streams of File objects, closed with the interpreter
+  std::list<std::unique_ptr<BobStream>> openStreams;  // the streams of File objects, closed with the interpreter
   std::vector<BobStaticRow> staticRows;
-  std::vector<BobHandleSlot> handles{1};  // number 0 is never handed out
-  std::vector<uint32_t> freeHandles;
+  std::vector<BobHandleSlot> handles{1};                  // number 0 is never handed out
+  uint32_t freeHandle = 0;                                // the one given up last
   std::vector<std::unique_ptr<BobQuickCode>> quickCodes;  // by number less 1
 
   int32_t randomSeed = 1;

@@ -18,8 +18,8 @@ void bobProtect(BobInterp* interp, BobValue* variable) {
     (*block)->variables[(*block)->count++] = variable;
     return;
   }
-  interp->countNative(kProtectedBlockSize);
   blocks.push_back(std::make_unique<BobProtectedBlock>());
+  interp->countNative(kProtectedBlockSize);
   blocks.back()->variables[blocks.back()->count++] = variable;
 }
 

@@ -1,6 +1,7 @@
 #include "bob/lib/fileclass.h"
 
-#include <algorithm>
+#include <list>
+#include <memory>
 
 #include "bob/heap/handles.h"
 #include "bob/heap/interp.h"
@@ -15,8 +16,10 @@
 namespace {
 
 void adopt(BobInterp* interp, BobValue file, std::unique_ptr<BobStream> stream) {
-  bobHandleOf(interp, file) = bobMakeHandle(interp, stream.get());
-  interp->openStreams.push_back(std::move(stream));
+  std::list<std::unique_ptr<BobStream>> opened;
+  opened.push_back(std::move(stream));
+  bobHandleOf(interp, file) = bobMakeHandle(interp, opened.front().get());
+  interp->openStreams.splice(interp->openStreams.end(), opened);
 }
 
 // False if closing failed, as it does for a file that is closed already.

@@ -6,6 +6,7 @@
 // Whatever could run a script asks observerListens first, which is the case while an observer hears something.
 #pragma once
 
+#include <exception>
 #include <optional>
 
 #include "engine/base/observer.h"
@@ -37,11 +38,23 @@ class ObserverReport {
   ObserverReport& operator=(const ObserverReport&) = delete;
 
   explicit operator bool() const { return observer != nullptr; }
+  EngineObserver& operator*() const { return *observer; }
   EngineObserver* operator->() const { return observer; }
 
  private:
   EngineObserver* observer;
 };
+
+// Reports the end of something, which nothing may stop: an observer that has no memory left to take it in misses it.
+template <class Report>
+void reportEnd(Report&& tell) noexcept {
+  const ObserverReport report;
+  if (!report) return;
+  try {
+    tell(*report);
+  } catch (const std::exception&) {
+  }
+}
 
 // Where the cost is counted; null when nobody looks.
 inline DrawCost* currentCost() {
@@ -80,8 +93,7 @@ class ScriptWatch {
     report->scriptEntered(*run);
   }
   ~ScriptWatch() {
-    if (!run) return;
-    if (const ObserverReport report; report) report->scriptLeft(*run, failed);
+    if (run) reportEnd([this](EngineObserver& o) { o.scriptLeft(*run, failed); });
   }
   ScriptWatch(const ScriptWatch&) = delete;
   ScriptWatch& operator=(const ScriptWatch&) = delete;

@@ -1,5 +1,6 @@
 #include "engine/events/eventtarget.h"
 
+#include <memory>
 #include <utility>
 
 #include "engine/events/eventtrail.h"
@@ -34,7 +35,7 @@ void destroyHandlers(EventHandler*& head) {
   while (EventHandler* handler = head) {
     handlerRemove(handler);
     handler->fn(nullptr);
-    bury(handler);
+    bury(std::unique_ptr<EventHandler>(handler));
   }
 }
 

@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "engine/base/bounds.h"
+#include "engine/base/mortal.h"
 #include "engine/base/observer.h"
 #include "engine/events/event.h"
 #include "engine/events/scripthandle.h"
@@ -16,10 +17,8 @@ struct EventTarget;
 WidgetId newWidgetId();  // of the current engine; 0 without one
 
 // A hook for one event code. `fn` is also called with a null event when its target goes; the hook is freed after that.
-struct EventHandler {
+struct EventHandler : Mortal {
   explicit EventHandler(uint32_t c) : code(c) {}
-  virtual ~EventHandler() = default;
-
   virtual int fn(const Event* event) = 0;  // non-zero when it has consumed the event
 
   uint32_t code;
@@ -27,9 +26,8 @@ struct EventHandler {
   EventHandler* next = nullptr;
 };
 
-struct EventTarget {
+struct EventTarget : Mortal {
   explicit EventTarget(EventTarget* p) : parent(p) {}
-  virtual ~EventTarget() = default;
   EventTarget(const EventTarget&) = delete;
   EventTarget& operator=(const EventTarget&) = delete;
 

@@ -10,8 +10,9 @@ EventTrail::EventTrail(const Event& e, bool p) : observer(currentObserver()), ev
 EventTrail::~EventTrail() {
   if (!observer) return;
   notesOf(*observer).trail = outer;
-  if (const ObserverReport report; report)
-    report->eventDelivered({event.code, event.data, event.data2, posted, seen, consumer, byHandler});
+  reportEnd([this](EngineObserver& o) {
+    o.eventDelivered({event.code, event.data, event.data2, posted, seen, consumer, byHandler});
+  });
 }
 
 EventTrail* EventTrail::find(EngineObserver& observer, const Event& event) {

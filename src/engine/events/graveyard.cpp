@@ -19,8 +19,10 @@ uintptr_t stackPosition() {
 
 }  // namespace
 
-void Graveyard::take(std::shared_ptr<void> thing) {
-  if (depth > 0) graves.push_back(std::move(thing));
+void Graveyard::take(std::unique_ptr<Mortal> thing) noexcept {
+  if (depth == 0) return;
+  *end = thing.release();
+  end = &(*end)->nextGrave;
 }
 
 bool Graveyard::stackSpent() const {
@@ -33,8 +35,11 @@ EngineCall::EngineCall() : graveyard(currentGraveyard()) {
 }
 
 EngineCall::~EngineCall() {
-  // Freeing one thing may bury another, so the list is taken out first.
-  while (graveyard.depth == 1 && !graveyard.graves.empty()) std::exchange(graveyard.graves, {}).clear();
+  while (graveyard.depth == 1 && graveyard.first) {
+    const std::unique_ptr<Mortal> thing(graveyard.first);  // freeing it may bury another
+    graveyard.first = thing->nextGrave;
+    if (!graveyard.first) graveyard.end = &graveyard.first;
+  }
   --graveyard.depth;
 }
 

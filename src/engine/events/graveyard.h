@@ -7,12 +7,13 @@
 
 #include <cstdint>
 #include <memory>
-#include <vector>
+
+#include "engine/base/mortal.h"
 
 class Graveyard {
  public:
   // Keeps the thing until the outermost call returns; frees it at once when no call is under way.
-  void take(std::shared_ptr<void> thing);
+  void take(std::unique_ptr<Mortal> thing) noexcept;
 
   bool stackSpent() const;
 
@@ -21,7 +22,8 @@ class Graveyard {
 
   int depth = 0;            // engine calls under way, one inside the other
   uintptr_t outermost = 0;  // where the stack of the outermost one began
-  std::vector<std::shared_ptr<void>> graves;
+  Mortal* first = nullptr;  // in the order of burial
+  Mortal** end = &first;
 };
 
 Graveyard& currentGraveyard();  // of the engine that is current on this thread
@@ -42,7 +44,4 @@ class EngineCall {
 // in pages, events that climb, and scripts that send events inside events ask, and then go no deeper.
 bool engineStackSpent();
 
-template <class T>
-void bury(T* thing) {
-  currentGraveyard().take(std::shared_ptr<T>(thing));
-}
+inline void bury(std::unique_ptr<Mortal> thing) noexcept { currentGraveyard().take(std::move(thing)); }

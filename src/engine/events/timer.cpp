@@ -1,5 +1,6 @@
 #include "engine/events/timer.h"
 
+#include <memory>
 #include <utility>
 
 #include "engine/base/watch.h"
@@ -42,24 +43,33 @@ void TimerQueue::setInterval(Timer* timer, uint32_t interval) {
   insert(timer, hostMilliseconds() + interval);
 }
 
-void TimerQueue::stop(Timer* timer) {
+void TimerQueue::stop(Timer* timer) noexcept {
   EngineCall call;
   unlink(timer);
   timer->timerFlags &= ~kTimerArmed;
   timer->callback(timer, TimerReason::stopped);
 }
 
-void TimerQueue::destroy(Timer* timer) {
+void TimerQueue::destroy(Timer* timer) noexcept {
   EngineCall call;
   if (timer->gone) return;
   timer->gone = true;  // so that its callback can neither arm it again nor destroy it once more
   if (timer->timerFlags & kTimerArmed) stop(timer);
-  bury(timer);
+  bury(std::unique_ptr<Timer>(timer));
 }
 
 void TimerQueue::fire(Timer* timer, uint32_t now) {
   if (const ObserverReport report; report) report->timerFired(timer->identity());
+  struct End {  // which comes however the callback ends
+    ~End() { queue.afterFiring(timer, now); }
+    TimerQueue& queue;
+    Timer* timer;
+    uint32_t now;
+  } const end{*this, timer, now};
   timer->callback(timer, TimerReason::fired);
+}
+
+void TimerQueue::afterFiring(Timer* timer, uint32_t now) noexcept {
   if (timer->gone) return;
   if (timer->timerFlags & kTimerRepeating) {
     unlink(timer);  // its own callback may have armed it; this insertion wins

@@ -9,20 +9,20 @@
 #include <map>
 #include <optional>
 
+#include "engine/base/mortal.h"
 #include "engine/base/observer.h"
 
-enum class TimerReason { fired = 1, stopped = 2 };
+enum class TimerReason { fired = 1, stopped = 2 };  // a callback throws nothing when it hears that its timer stopped
 
 struct Timer;
 
 // Those that wait, by the time they are due; equal times in the order of arming.
 using TimerOrder = std::multimap<uint32_t, Timer*>;
 
-struct Timer {
+struct Timer : Mortal {
   using Callback = void (*)(Timer* timer, TimerReason reason);
 
   explicit Timer(Callback c) : callback(c) {}
-  virtual ~Timer() = default;
   virtual TimerIdentity identity() const { return {}; }
 
   uint32_t timerFlags = 0;
@@ -42,8 +42,8 @@ class TimerQueue {
  public:
   void start(Timer* timer, uint32_t interval, bool repeat);
   void setInterval(Timer* timer, uint32_t interval);
-  void stop(Timer* timer);
-  void destroy(Timer* timer);
+  void stop(Timer* timer) noexcept;
+  void destroy(Timer* timer) noexcept;
 
   // Fires all that are due at the one moment that is read at the start. A repeating timer of interval 0 is due again at
   // once, so it never ends.
@@ -56,6 +56,7 @@ class TimerQueue {
   void unlink(Timer* timer);
   void insert(Timer* timer, uint32_t due);
   void fire(Timer* timer, uint32_t now);
+  void afterFiring(Timer* timer, uint32_t now) noexcept;
 
   TimerOrder order;
 };

@@ -11,11 +11,12 @@
 #include <string_view>
 #include <vector>
 
+#include "engine/base/mortal.h"
 #include "engine/format/attributes.h"
 
 inline constexpr std::string_view kPageMagic = "KPGF";  // how a page file begins
 
-struct PageData {
+struct PageData : Mortal {
   explicit PageData(std::vector<uint8_t> file);
 
   std::vector<uint8_t> bytes;

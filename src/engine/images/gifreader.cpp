@@ -25,21 +25,21 @@ HeapHandle gifRead(ImageCache& images, const char* name) {
     if (logVerbose) hostLog("Can't find: %s\n", name);
     return 0;
   }
-  HeapHandle image = 0;
+  NewImage image(images);
   GifDecoder decoder([&](uint8_t* buffer, size_t size) { return hostRead(file.get(), buffer, size); });
   const GifError error = decoder.decode(
       [&](uint32_t width, uint32_t height, const std::array<uint32_t, 256>* colors) {
-        image = images.allocate(name, width, height);
-        if (image && colors) images.setClut(image, clutOf(*colors));
-        return image != 0;
+        image.handle = images.allocate(name, width, height);
+        if (image.handle && colors) images.setClut(image.handle, clutOf(*colors));
+        return image.handle != 0;
       },
       [&](uint32_t y, const uint8_t* indices, uint32_t count) {
-        const CachedImage& target = images.image(image);
+        const CachedImage& target = images.image(image.handle);
         if (y >= target.height) return;
-        std::copy_n(indices, std::min(count, target.width), images.writablePixels(image) + size_t{y} * target.rowBytes);
+        std::copy_n(indices, std::min(count, target.width),
+                    images.writablePixels(image.handle) + size_t{y} * target.rowBytes);
       });
-  if (error == GifError::none) return image;
-  images.refuse(image ? ImageRefusal::badData : ImageRefusal::badHeader);
-  if (image) images.free(image);
+  if (error == GifError::none) return image.keep();
+  images.refuse(image.handle ? ImageRefusal::badData : ImageRefusal::badHeader);
   return 0;
 }

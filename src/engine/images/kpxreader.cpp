@@ -29,8 +29,10 @@ bool readAll(HostFile* file, void* buffer, size_t size) { return hostRead(file, 
 // Reads on to the offset, unless that has been passed.
 bool skipTo(HostFile* file, uint32_t offset) {
   std::array<uint8_t, 1024> chunk;
-  while (hostTell(file) < offset)
-    if (!readAll(file, chunk.data(), std::min<size_t>(chunk.size(), offset - hostTell(file)))) return false;
+  const size_t at = hostTell(file);
+  if (at == kHostFileFailed) return false;
+  for (size_t left = offset > at ? offset - at : 0; left > 0; left -= std::min(left, chunk.size()))
+    if (!readAll(file, chunk.data(), std::min(left, chunk.size()))) return false;
   return true;
 }
 
@@ -76,8 +78,7 @@ HeapHandle kpxRead(ImageCache& images, const char* name) {
     complain(images, ImageRefusal::badHeader, "Failed to read header");
     return 0;
   }
-  const HeapHandle image = images.allocate(name, header.width(), header.height());
-  if (!image || fill(images, image, file.get(), header)) return image;
-  images.free(image);
-  return 0;
+  NewImage image(images);
+  image.handle = images.allocate(name, header.width(), header.height());
+  return image.handle && fill(images, image.handle, file.get(), header) ? image.keep() : 0;
 }

@@ -71,31 +71,28 @@ void Frame::runScript(const EventTarget* widget, ScriptAttribute hook, PageScrip
   watch.ended(language->run(this, script.data(), uint32_t(script.size())));
 }
 
-void Frame::append(Widget* widget) {
-  names.append(widget);  // first, as it may find no memory
-  *widgetsTail = widget;
-  widgetsTail = &widget->nextInFrame;
+void Frame::append(WidgetPtr<> widget) {
+  names.append(widget.get());  // first, as it may find no memory
+  *widgetsTail = widget.release();
+  widgetsTail = &(*widgetsTail)->nextInFrame;
 }
 
-Widget* Frame::takeFirst() {
-  Widget* widget = widgets;
+WidgetPtr<> Frame::takeFirst() {
+  WidgetPtr<> widget(widgets);
   widgets = widget->nextInFrame;
   if (!widgets) widgetsTail = &widgets;
-  names.takeFirst(widget);
-  if (focus == widget) focus = nullptr;
+  names.takeFirst(widget.get());
+  if (focus == widget.get()) focus = nullptr;
   return widget;
 }
 
-void Frame::dropPage() {
-  if (pageData) bury(pageData.release());
-}
-
-void Frame::abandonPage() {
+void Frame::abandonPage() noexcept {
   ++generation;
-  while (widgets) widgetDestroy(takeFirst());
-  if (const ObserverReport report; report && pageData) report->pageUnloaded(id, pageName);
+  while (widgets) takeFirst().reset();
   textStyles.clear();
-  dropPage();
+  if (!pageData) return;
+  reportEnd([this](EngineObserver& observer) { observer.pageUnloaded(id, pageName); });
+  bury(std::move(pageData));
 }
 
 int frameHandleEvent(Frame* frame, const Event* event) {

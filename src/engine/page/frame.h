@@ -29,7 +29,7 @@ struct Frame : Widget, WidgetOwner {
   using Widget::Widget;
 
   int handleEvent(const Event* event) override;  // frameHandleEvent
-  void abandonPage() override;
+  void abandonPage() noexcept override;
 
   Widget* findWidget(const char* name) const override;
   WidgetId ownerId() const override { return id; }
@@ -37,9 +37,8 @@ struct Frame : Widget, WidgetOwner {
   int ownerEvent(const Event& event) override;                                                  // frameEvent
   void runScript(const EventTarget* widget, ScriptAttribute hook, PageScript script) override;  // in its language
 
-  void append(Widget* widget);  // to the list of the page's widgets
-  Widget* takeFirst();          // off the list, and out of the focus
-  void dropPage();              // its bytes, which stay until the outermost engine call returns
+  void append(WidgetPtr<> widget);  // to the list of the page's widgets
+  WidgetPtr<> takeFirst();          // off the list, and out of the focus
 
   std::unique_ptr<PageData> pageData;  // null when no page is loaded
   std::string pageName;                // of the file that was loaded last

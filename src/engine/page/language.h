@@ -9,7 +9,7 @@ struct Frame;
 
 struct ScriptingLanguage {
   int (*attach)(Frame* frame);                      // the page's scripts may start: publishes its widgets and styles
-  int (*detach)(Frame* frame);                      // the page goes: resets the frame's script environment
+  int (*detach)(Frame* frame) noexcept;             // the page goes: resets the frame's script environment
   int (*loadFile)(Frame* frame, const char* path);  // 0 on failure
   int (*run)(Frame* frame, const uint8_t* bytes, uint32_t length);  // a script block stored in the page
 };

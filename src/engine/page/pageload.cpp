@@ -17,6 +17,22 @@ namespace {
 
 constexpr int kMaxFrameNesting = 32;
 
+// Tells an observer of a load, and at the end of the scope how it went.
+struct LoadReport {
+  LoadReport(Frame* f, const char* p) : frame(f), path(p) {
+    if (const ObserverReport report; report) report->pageLoading(frame->id, path);
+  }
+  ~LoadReport() {
+    reportEnd([this](EngineObserver& observer) { observer.pageLoaded(frame->id, path, loaded != 0); });
+  }
+  LoadReport(const LoadReport&) = delete;
+  LoadReport& operator=(const LoadReport&) = delete;
+
+  Frame* const frame;
+  const char* const path;
+  int loaded = 0;
+};
+
 class LoadUnderWay {
  public:
   LoadUnderWay() {
@@ -46,12 +62,32 @@ std::unique_ptr<PageData> readPage(const char* path) {
   return std::make_unique<PageData>(std::move(*bytes));
 }
 
-// One load of one frame, as long as nobody else has loaded or unloaded it.
+// What remains to be done for a page to go when its events and scripts have been heard, or can't be.
+void finishUnload(Frame* frame) noexcept {
+  if (frame->language) frame->language->detach(frame);
+  targetDestroyLists(frame);
+  frame->abandonPage();
+  frame->unloading = false;
+}
+
+// One load of one frame, as long as nobody else has loaded or unloaded it. A page that an exception cuts short goes.
 class PageLoad {
  public:
   explicit PageLoad(Frame* f) : frame(f), generation(f->generation) {}
+  ~PageLoad() {
+    if (!ended && !stale()) finishUnload(frame);
+  }
+  PageLoad(const PageLoad&) = delete;
+  PageLoad& operator=(const PageLoad&) = delete;
 
   int run() {
+    const int loaded = makePage();
+    ended = true;
+    return loaded;
+  }
+
+ private:
+  int makePage() {
     if (!build() || !startLanguage() || !setScreen()) return fail();
     // From here on nothing fails: a page whose script opens another one in its place has been loaded all the same.
     if (!loadScripts()) return 1;
@@ -61,7 +97,6 @@ class PageLoad {
     return 1;
   }
 
- private:
   bool stale() const { return frame->gone || frame->generation != generation; }
   bool isTop() const { return frame->parent == nullptr; }
 
@@ -75,13 +110,9 @@ class PageLoad {
   bool build() {
     PageTable styles;
     if (attrTable(frame->rootObject, "textStyles", &styles) && !stylesLoad(frame, styles)) return false;
-    Widget* root = widgetFromRecord(frame, frame, frame->rootObject);
-    if (!root) return false;
-    if (stale()) {
-      widgetDestroy(root);
-      return false;
-    }
-    frame->append(root);
+    WidgetPtr<> root = widgetFromRecord(frame, frame, frame->rootObject);
+    if (!root || stale()) return false;
+    frame->append(std::move(root));
     return true;
   }
 
@@ -138,8 +169,9 @@ class PageLoad {
     widgetFocus(frame, widget);
   }
 
-  Frame* frame;
-  uint32_t generation;
+  Frame* const frame;
+  const uint32_t generation;
+  bool ended = false;
 };
 
 int load(Frame* frame, const char* path) {
@@ -168,46 +200,40 @@ int load(Frame* frame, const char* path) {
 
 }  // namespace
 
-Frame* frameCreate(WidgetOwner* owner, Widget* parentWidget, PageObject record) {
+WidgetPtr<Frame> frameCreate(WidgetOwner* owner, Widget* parentWidget, PageObject record) {
   EngineCall call;
-  Frame* frame = widgetCreate<Frame>(owner, parentWidget, record);
+  auto frame = widgetCreate<Frame>(owner, parentWidget, record);
   if (!frame) return nullptr;
-  if (const Frame* around = frameOf(frame)) frame->nesting = around->nesting + 1;
-  frame->scriptEnv = scriptScopeCreate(frame);
-  if (!frame->scriptEnv) {
-    widgetDestroy(frame);
-    return nullptr;
-  }
-  if (const char* path = widgetAttrString(frame, "src")) frameLoad(frame, path);
+  if (const Frame* around = frameOf(frame.get())) frame->nesting = around->nesting + 1;
+  frame->scriptEnv = scriptScopeCreate(frame.get());
+  if (!frame->scriptEnv) return nullptr;
+  if (const char* path = widgetAttrString(frame.get(), "src")) frameLoad(frame.get(), path);
   return frame;
 }
 
 int frameLoad(Frame* frame, const char* path) {
   EngineCall call;
   if (observerListens()) return 0;
-  if (const ObserverReport report; report) report->pageLoading(frame->id, path);
-  const int loaded = load(frame, path);
-  if (const ObserverReport report; report) report->pageLoaded(frame->id, path, loaded != 0);
-  return loaded;
+  LoadReport report(frame, path);
+  return report.loaded = load(frame, path);
 }
 
 void frameUnload(Frame* frame) {
   EngineCall call;
   if (frame->gone || frame->unloading || !frame->pageData || observerListens()) return;
   frame->unloading = true;
+  struct End {  // which comes however the events and the script end
+    ~End() { finishUnload(frame); }
+    Frame* frame;
+  } const end{frame};
   ++frame->generation;
   while (Widget* widget = frame->widgets) {
     eventSendSimple(widget, kWidgetDestroyed, 0);
-    if (frame->widgets == widget) widgetDestroy(frame->takeFirst());
+    if (frame->widgets == widget) frame->takeFirst().reset();
   }
   frame->focus = nullptr;
   frame->textStyles.clear();
   frameRunScript(frame, "onUnload");
-  if (frame->language) frame->language->detach(frame);
-  targetDestroyLists(frame);
-  if (const ObserverReport report; report) report->pageUnloaded(frame->id, frame->pageName);
-  frame->dropPage();
-  frame->unloading = false;
 }
 
 int frameUnloadAndClear(Frame* frame) {

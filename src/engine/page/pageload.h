@@ -8,7 +8,7 @@
 
 // Makes a frame and loads the page that its record's `src` names; that load's result is ignored, so a nested frame
 // whose page is missing still exists. Null on failure.
-Frame* frameCreate(WidgetOwner* owner, Widget* parentWidget, PageObject record);
+WidgetPtr<Frame> frameCreate(WidgetOwner* owner, Widget* parentWidget, PageObject record);
 
 // Loads the page, over the present one if there is one. 1 on success; otherwise the log says why and the frame is
 // empty. `path` must stay put while the page loads.

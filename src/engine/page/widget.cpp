@@ -177,11 +177,11 @@ bool widgetInitialize(Widget* widget) {
   return true;
 }
 
-void widgetDestroy(Widget* widget) {
+void widgetDestroy(Widget* widget) noexcept {
   EngineCall call;
   if (widget->gone) return;
   widget->gone = true;
-  if (const ObserverReport report; report) report->widgetGone(widget->id);
+  reportEnd([widget](EngineObserver& observer) { observer.widgetGone(widget->id); });
   widget->scriptHandle.release();
   if (widget->timeoutTimer) timerDestroy(widget->timeoutTimer);
   currentRedraws().remove(widget);
@@ -189,7 +189,7 @@ void widgetDestroy(Widget* widget) {
   freeSlaves(widget);
   targetDestroyLists(widget);
   widget->abandonPage();
-  bury(widget);
+  bury(std::unique_ptr<Widget>(widget));
 }
 
 int widgetBaseEvent(Widget* widget, const Event& event) {

@@ -5,12 +5,15 @@
 // repainting a parent paints over its children without repainting them.
 //
 // The frame's list owns its widgets. It is intrusive, as are those of slaves and of what wants to be drawn: scripts
-// take widgets out of all three while they are walked. A widget ends by widgetDestroy alone, since it may be in use.
+// take widgets out of all three while they are walked. A widget that is no longer, or not yet, on the list is a
+// WidgetPtr's; it ends by widgetDestroy alone, since it may be in use.
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "engine/events/eventtarget.h"
 #include "engine/events/redrawqueue.h"
@@ -51,7 +54,7 @@ struct Widget : EventTarget, Redrawable {
 
   int handleEvent(const Event* event) override;  // draws, and leaves the rest to widgetBaseEvent
   void redraw() override;                        // sends itself the draw events that its flags ask for
-  virtual void abandonPage() {}                  // a frame drops its page, for it goes with the page around it
+  virtual void abandonPage() noexcept {}         // a frame drops its page, for it goes with the page around it
 
   WidgetOwner* owner;    // its frame, which frameOf (frame.h) returns as one; null for the top frame
   Widget* parentWidget;  // the widget that it lies in, or the frame
@@ -86,13 +89,22 @@ inline constexpr uint32_t kWidgetHighlightFrame = 0x00080000;
 
 // ---- life
 
+// Stops its timer, takes it off every list and frees it. A nested frame's page goes with it, without events or scripts.
+void widgetDestroy(Widget* widget) noexcept;
+
+struct WidgetEnd {
+  void operator()(Widget* widget) const { widgetDestroy(widget); }
+};
+template <class T = Widget>
+using WidgetPtr = std::unique_ptr<T, WidgetEnd>;
+
 // Makes a widget of kind T and reads the attributes that all kinds share. Null on failure.
 bool widgetInitialize(Widget* widget);
 template <class T = Widget>
-T* widgetCreate(WidgetOwner* owner, Widget* parent, PageObject record);
-
-// Stops its timer, takes it off every list and frees it. A nested frame's page goes with it, without events or scripts.
-void widgetDestroy(Widget* widget);
+WidgetPtr<T> widgetCreate(WidgetOwner* owner, Widget* parent, PageObject record) {
+  WidgetPtr<T> widget(new T(owner, parent, record));
+  return widgetInitialize(widget.get()) ? std::move(widget) : nullptr;
+}
 
 // ---- events
 
@@ -132,11 +144,3 @@ uint32_t widgetAlign(const Widget* widget);
 
 // Reads `navigate` and `immediate` into the flags.
 void widgetReadNavigate(Widget* widget);
-
-template <class T>
-T* widgetCreate(WidgetOwner* owner, Widget* parent, PageObject record) {
-  T* widget = new T(owner, parent, record);
-  if (widgetInitialize(widget)) return widget;
-  widgetDestroy(widget);
-  return nullptr;
-}

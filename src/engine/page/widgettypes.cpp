@@ -2,9 +2,7 @@
 
 #include <cstring>
 
-#include "engine/page/widget.h"
-
-Widget* WidgetTypes::make(WidgetOwner* owner, Widget* parent, PageObject record) const {
+WidgetPtr<> WidgetTypes::make(WidgetOwner* owner, Widget* parent, PageObject record) const {
   const char* name;
   if (attrString(record, "type", &name)) {
     for (auto type = types.rbegin(); type != types.rend(); ++type)
@@ -13,6 +11,6 @@ Widget* WidgetTypes::make(WidgetOwner* owner, Widget* parent, PageObject record)
   return widgetCreate(owner, parent, record);
 }
 
-Widget* widgetFromRecord(WidgetOwner* owner, Widget* parent, PageObject record) {
+WidgetPtr<> widgetFromRecord(WidgetOwner* owner, Widget* parent, PageObject record) {
   return currentWidgetTypes().make(owner, parent, record);
 }

@@ -3,18 +3,15 @@
 
 #include <vector>
 
-#include "engine/format/pagefile.h"
+#include "engine/page/widget.h"
 
-struct Widget;
-struct WidgetOwner;
-
-using WidgetCreator = Widget* (*)(WidgetOwner* owner, Widget* parent, PageObject record);
+using WidgetCreator = WidgetPtr<> (*)(WidgetOwner* owner, Widget* parent, PageObject record);
 
 // The kinds that one engine knows.
 class WidgetTypes {
  public:
   void add(const char* name, WidgetCreator creator) { types.push_back({name, creator}); }  // hides one of that name
-  Widget* make(WidgetOwner* owner, Widget* parent, PageObject record) const;
+  WidgetPtr<> make(WidgetOwner* owner, Widget* parent, PageObject record) const;
 
  private:
   struct Type {
@@ -27,4 +24,4 @@ class WidgetTypes {
 WidgetTypes& currentWidgetTypes();  // of the engine that is current on this thread
 
 // A widget of the kind that the record's `type` names. An absent or unknown type makes a plain widget. Null on failure.
-Widget* widgetFromRecord(WidgetOwner* owner, Widget* parent, PageObject record);
+WidgetPtr<> widgetFromRecord(WidgetOwner* owner, Widget* parent, PageObject record);

@@ -1,5 +1,7 @@
 #include "engine/screen/clut.h"
 
+#include <algorithm>
+
 #include "engine/base/hostfile.h"
 #include "engine/base/log.h"
 #include "engine/screen/display.h"
@@ -9,13 +11,16 @@
 
 namespace {
 
-// One byte without a meaning, then four a colour, big-endian. What follows the last colour is ignored.
-void readColors(HostFile* file, Clut* clut) {
+// One byte without a meaning, then four a colour, big-endian. What follows the last colour is ignored. False when the
+// file breaks off before its end.
+bool readColors(HostFile* file, Clut* clut) {
   std::array<uint8_t, 1 + 4 * kMaxClutColors> bytes;
   const size_t size = hostRead(file, bytes.data(), bytes.size());
+  if (size != std::min(bytes.size(), hostFileSize(file))) return false;
   clut->count = size == 0 ? 0 : int((size - 1) / 4);
   for (size_t i = 0; i < size_t(clut->count); ++i) clut->colors[i] = hsBig32(bytes.data() + 1 + i * 4);
   clut->colors[kIndexTransparent] = 0;
+  return true;
 }
 
 }  // namespace
@@ -38,7 +43,7 @@ Clut* ClutShelf::load(const char* fileName) {
   }
   auto clut = std::make_unique<Clut>();
   clut->name = fileName;
-  readColors(file.get(), clut.get());
+  if (!readColors(file.get(), clut.get())) return nullptr;
   clutFinish(clut.get());
   cluts.push_back(std::move(clut));
   return cluts.back().get();

@@ -86,7 +86,7 @@ struct ScriptRuntime {
   std::list<ScriptTimer*> timers;
   std::list<ScriptTarget*> targets;
   std::list<ScriptStyle> styles;
-  std::vector<std::unique_ptr<StringTableFile>> tables;
+  std::list<std::unique_ptr<StringTableFile>> tables;
   std::vector<CollectorRoot> roots;
 };
 
@@ -108,7 +108,7 @@ extern const BobPropertyRow kWidgetProperties[];
 // ---- the language's operations on frames
 
 int scriptAttach(Frame* frame);
-int scriptDetach(Frame* frame);
+int scriptDetach(Frame* frame) noexcept;
 int scriptLoadFile(Frame* frame, const char* path);
 int scriptRun(Frame* frame, const uint8_t* bytes, uint32_t length);
 

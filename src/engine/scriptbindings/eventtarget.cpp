@@ -12,7 +12,7 @@ void destroyTarget(ScriptTarget* target) {
   target->scriptHandle.release();
   targetDestroyLists(target);
   currentScripts().targets.remove(target);
-  bury(target);
+  bury(std::unique_ptr<ScriptTarget>(target));
 }
 
 ScriptTarget* scriptTargetOf(BobInterp* interp, BobValue wrapper) {
@@ -23,17 +23,20 @@ BobValue initialize(BobInterp* interp) {
   BobValue self;
   bobParse(interp, "V=*", currentScripts().targetKind, &self);
   scriptReleaseTarget(interp, self);  // one that it had before
-  auto* target = new ScriptTarget(nullptr);
-  currentScripts().targets.push_front(target);
-  target->scriptHandle.make(interp, static_cast<EventTarget*>(target));
-  bobHandleOf(interp, self) = target->scriptHandle.number();
+  struct End {
+    void operator()(ScriptTarget* target) const { destroyTarget(target); }
+  };
+  std::unique_ptr<ScriptTarget, End> target(new ScriptTarget(nullptr));
+  currentScripts().targets.push_front(target.get());
+  target->scriptHandle.make(interp, static_cast<EventTarget*>(target.get()));
+  bobHandleOf(interp, self) = target.release()->scriptHandle.number();
   return self;
 }
 
-ScriptHandler* newHandler(int32_t code, BobValue callback) {
-  auto* handler = new ScriptHandler(uint32_t(code));
+std::unique_ptr<ScriptHandler> newHandler(int32_t code, BobValue callback) {
+  auto handler = std::make_unique<ScriptHandler>(uint32_t(code));
   handler->callback = callback;
-  currentScripts().handlers.push_front(handler);
+  currentScripts().handlers.push_front(handler.get());
   handler->place = currentScripts().handlers.begin();
   return handler;
 }
@@ -44,12 +47,13 @@ BobValue addHook(BobInterp* interp, bool (*add)(EventTarget*, EventHandler*)) {
   BobValue callback;
   bobParse(interp, "P=*iV", currentScripts().targetKind, &pointer, &code, &callback);
   if (!pointer) return kBobFalse;
-  ScriptHandler* handler = newHandler(code, callback);
+  std::unique_ptr<ScriptHandler> handler = newHandler(code, callback);
   handler->target = static_cast<EventTarget*>(pointer)->id;
   handler->kind = add == observerAdd ? ScriptKind::observer : ScriptKind::handler;
-  if (!add(static_cast<EventTarget*>(pointer), handler)) {
+  if (add(static_cast<EventTarget*>(pointer), handler.get())) {
+    handler.release();  // the target's now
+  } else {
     handler->fn(nullptr);
-    delete handler;
   }
   return kBobTrue;  // whether it was taken or refused
 }

@@ -85,13 +85,12 @@ int ConsoleStream::PutC(int c) {
 void ScriptRuntimeDeleter::operator()(ScriptRuntime* runtime) const { delete runtime; }
 
 bool scriptRuntimeStart(ScriptRuntimePtr& place, bool mayWriteFiles) {
-  BobInterp* interp = bobMakeInterp(kScriptHeapBytes, 0, kScriptStackWords);
-  if (!interp) return false;
   place.reset(new ScriptRuntime);
-  place->interp = interp;
+  BobInterp* const interp = place->interp = bobMakeInterp(kScriptHeapBytes, 0, kScriptStackWords);
   place->mayWriteFiles = mayWriteFiles;
   bool started = false;
-  if (bobTry(interp, [&] { started = start(*place); }) && started && languageRegister("script", kScript)) return true;
+  if (interp && bobTry(interp, [&] { started = start(*place); }) && started && languageRegister("script", kScript))
+    return true;
   scriptRuntimeStop(place);
   return false;
 }

@@ -1,4 +1,6 @@
 // Frames in the language: their scopes, what a page publishes there, and running its scripts.
+#include <exception>
+
 #include "engine/base/watch.h"
 #include "engine/events/graveyard.h"
 #include "engine/page/frame.h"
@@ -46,7 +48,7 @@ std::unique_ptr<ScriptScope> scriptScopeCreate(Frame* frame) {
   BobInterp* interp = currentScripts().interp;
   std::unique_ptr<ScriptScope> result;
   const bool made = bobTry(interp, [&] {
-    result = std::make_unique<ScriptScope>(bobMakeScope(scopeAround(frame)));
+    result.reset(new ScriptScope(bobMakeScope(scopeAround(frame))));  // which finds its own memory first
     if (!frame->owner)
       bobSetGlobal(bobRootScope(interp), "topFrame", scriptWrapTarget(interp, currentScripts().frameKind, frame));
     bindOwnNames(result->scope, frame);
@@ -65,13 +67,15 @@ int scriptAttach(Frame* frame) {
   });
 }
 
-int scriptDetach(Frame* frame) {
+int scriptDetach(Frame* frame) noexcept try {
   BobScope* scope = frame->scriptEnv->scope;
   BobInterp* interp = bobScopeInterp(scope);
   return bobTry(interp, [&] {
     bobClearProperties(interp, bobScopeObject(scope));
     bindOwnNames(scope, frame);
   });
+} catch (const std::exception&) {
+  return 0;
 }
 
 int scriptLoadFile(Frame* frame, const char* path) {

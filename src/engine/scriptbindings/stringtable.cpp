@@ -35,8 +35,11 @@ BobValue initialize(BobInterp* interp) {
   std::unique_ptr<StringTableFile> table = StringTableFile::open(name);
   if (!table) return kBobNil;
   closeTable(interp, self);  // one that it had before
-  bobHandleOf(interp, self) = bobMakeHandle(interp, table.get());
-  currentScripts().tables.push_back(std::move(table));
+  std::list<std::unique_ptr<StringTableFile>> opened;
+  opened.push_back(std::move(table));
+  bobHandleOf(interp, self) = bobMakeHandle(interp, opened.front().get());
+  auto& tables = currentScripts().tables;
+  tables.splice(tables.end(), opened);
   return self;
 }
 

@@ -23,11 +23,11 @@ void releaseStyle(BobInterp* interp, BobValue wrapper) {
 }
 
 void holdStyle(BobInterp* interp, BobValue wrapper, const TextStyle& style) {
-  auto& styles = currentScripts().styles;
-  styles.push_front({.style = style, .handle = {}, .place = {}});
-  ScriptStyle& held = styles.front();
-  held.place = styles.begin();
+  std::list<ScriptStyle> made(1, {.style = style, .handle = {}, .place = {}});
+  ScriptStyle& held = made.front();
+  held.place = made.begin();
   held.handle.make(interp, &held);
+  currentScripts().styles.splice(currentScripts().styles.begin(), made);
   bobHandleOf(interp, wrapper) = held.handle.number();
 }
 

@@ -21,9 +21,12 @@ void destroyTimer(ScriptTimer* timer) {
 void fired(ScriptTimer* timer) {
   BobInterp* interp = currentScripts().interp;
   ++timer->firing;
+  struct End {
+    ~End() { --timer->firing; }
+    ScriptTimer* timer;
+  } const end{timer};
   ScriptWatch watch([&] { return ScriptRun{ScriptKind::timer, 0, "", 0, bobFunctionName(interp, timer->callback)}; });
   watch.ended(bobTry(interp, [&] { bobCall(bobRootScope(interp), timer->callback, {}); }));
-  --timer->firing;
 }
 
 void timerCallback(Timer* base, TimerReason reason) {
@@ -56,13 +59,16 @@ BobValue initialize(BobInterp* interp) {
   int32_t interval = 0, repeat = 0;
   bobParse(interp, "V=*V|iB", currentScripts().timerKind, &self, &callback, &interval, &repeat);
   releaseTimer(interp, self);  // one that it had before
-  auto* timer = new ScriptTimer(timerCallback);
+  struct End {
+    void operator()(ScriptTimer* timer) const { destroyTimer(timer); }
+  };
+  std::unique_ptr<ScriptTimer, End> timer(new ScriptTimer(timerCallback));
   timer->callback = callback;
   bobSetParent(interp, self, callback);
-  if (interval != 0) timerStart(timer, uint32_t(interval), repeat);
-  currentScripts().timers.push_front(timer);
-  timer->handle.make(interp, timer);
-  bobHandleOf(interp, self) = timer->handle.number();
+  if (interval != 0) timerStart(timer.get(), uint32_t(interval), repeat);
+  currentScripts().timers.push_front(timer.get());
+  timer->handle.make(interp, timer.get());
+  bobHandleOf(interp, self) = timer.release()->handle.number();
   return self;
 }
 

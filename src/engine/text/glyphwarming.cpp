@@ -49,7 +49,7 @@ bool GlyphWarming::request(const TextStyle& style, std::string_view text) {
   size_t count;
   text = headOf(text, text.size(), &count);  // what doesn't decode would never be finished
   if (count == 0) return true;
-  if (requests.empty()) timerStart(timer, kInterval, false);
+  if (!timerIsListed(timer)) timerStart(timer, kInterval, false);
   requests.push_front({style, std::string(text)});
   return true;
 }
@@ -61,8 +61,8 @@ void GlyphWarming::warmSome() {
     const std::string_view piece = headOf(std::string_view(request.text).substr(request.done), budget, &count);
     budget -= count;
     if (logVerbose) hostLog("Caching '%.*s'\n", int(piece.size()), piece.data());
+    request.done += piece.size();  // whether there is memory for their glyphs or not
     textWarm(request.style, piece.data(), uint32_t(piece.size()));
-    request.done += piece.size();
     if (request.done == request.text.size()) requests.pop_front();
   }
   if (!requests.empty()) timerStart(timer, kInterval, false);

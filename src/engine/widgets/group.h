@@ -6,4 +6,4 @@
 inline constexpr int kMaxWidgetDepth = 256;  // a child nested deeper counts as absent
 
 // Null on failure, a child's included.
-Widget* groupCreate(WidgetOwner* owner, Widget* parent, PageObject record);
+WidgetPtr<> groupCreate(WidgetOwner* owner, Widget* parent, PageObject record);

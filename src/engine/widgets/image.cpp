@@ -46,10 +46,10 @@ int ImageWidget::handleEvent(const Event* event) {
   }
 }
 
-Widget* imageWidgetCreate(WidgetOwner* owner, Widget* parent, PageObject record) {
-  auto* widget = widgetCreate<ImageWidget>(owner, parent, record);
+WidgetPtr<> imageWidgetCreate(WidgetOwner* owner, Widget* parent, PageObject record) {
+  auto widget = widgetCreate<ImageWidget>(owner, parent, record);
   if (!widget) return nullptr;
-  if (const char* name = widgetAttrString(widget, "src")) widget->src = name;
-  if (const char* name = widgetAttrString(widget, "highlightSrc")) widget->highlightSrc = name;
+  if (const char* name = widgetAttrString(widget.get(), "src")) widget->src = name;
+  if (const char* name = widgetAttrString(widget.get(), "highlightSrc")) widget->highlightSrc = name;
   return widget;
 }

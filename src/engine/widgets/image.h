@@ -11,4 +11,4 @@ struct ImageWidget : Widget {
   std::optional<std::string> highlightSrc;  // shown while highlighted; without it a highlighted image shows nothing
 };
 
-Widget* imageWidgetCreate(WidgetOwner* owner, Widget* parent, PageObject record);
+WidgetPtr<> imageWidgetCreate(WidgetOwner* owner, Widget* parent, PageObject record);

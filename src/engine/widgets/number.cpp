@@ -35,12 +35,12 @@ std::string numberFigures(const NumberWidget& widget) {
   return {text, size_t(std::min(length, kMostCharacters))};
 }
 
-Widget* numberCreate(WidgetOwner* owner, Widget* parent, PageObject record) {
-  auto* widget = widgetCreate<NumberWidget>(owner, parent, record);
+WidgetPtr<> numberCreate(WidgetOwner* owner, Widget* parent, PageObject record) {
+  auto widget = widgetCreate<NumberWidget>(owner, parent, record);
   if (!widget) return nullptr;
-  rangeReadAttributes(widget);
-  widgetAttrInt(widget, "size", &widget->digits);
-  widget->styles = widgetTextStyles(widget);
-  widgetReadNavigate(widget);
+  rangeReadAttributes(widget.get());
+  widgetAttrInt(widget.get(), "size", &widget->digits);
+  widget->styles = widgetTextStyles(widget.get());
+  widgetReadNavigate(widget.get());
   return widget;
 }

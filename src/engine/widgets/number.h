@@ -17,4 +17,4 @@ struct NumberWidget : RangeWidget {
 // What it shows.
 std::string numberFigures(const NumberWidget& widget);
 
-Widget* numberCreate(WidgetOwner* owner, Widget* parent, PageObject record);
+WidgetPtr<> numberCreate(WidgetOwner* owner, Widget* parent, PageObject record);

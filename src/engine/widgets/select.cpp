@@ -202,15 +202,14 @@ RowSize selectRowSize(SelectWidget* widget) {
   return row;
 }
 
-Widget* selectCreate(WidgetOwner* owner, Widget* parent, PageObject record) {
-  auto* widget = widgetCreate<SelectWidget>(owner, parent, record);
+WidgetPtr<> selectCreate(WidgetOwner* owner, Widget* parent, PageObject record) {
+  auto widget = widgetCreate<SelectWidget>(owner, parent, record);
   if (!widget) return nullptr;
-  readAttributes(widget);
+  readAttributes(widget.get());
   if (widget->showAll && !(widget->styles.plain && widget->styles.highlighted)) {
     hostLog("Both 'textStyle' and 'highlightTextStyle' must be present when 'showAll' is true\n");
-    widgetDestroy(widget);
     return nullptr;
   }
-  readChoices(widget);
+  readChoices(widget.get());
   return widget;
 }

@@ -35,4 +35,4 @@ struct RowSize {
 RowSize selectRowSize(SelectWidget* widget);
 
 // Null on failure; where all choices show, a missing style is one.
-Widget* selectCreate(WidgetOwner* owner, Widget* parent, PageObject record);
+WidgetPtr<> selectCreate(WidgetOwner* owner, Widget* parent, PageObject record);

@@ -45,14 +45,14 @@ int SliderWidget::handleEvent(const Event* event) {
   return 1;
 }
 
-Widget* sliderCreate(WidgetOwner* owner, Widget* parent, PageObject record) {
-  auto* widget = widgetCreate<SliderWidget>(owner, parent, record);
+WidgetPtr<> sliderCreate(WidgetOwner* owner, Widget* parent, PageObject record) {
+  auto widget = widgetCreate<SliderWidget>(owner, parent, record);
   if (!widget) return nullptr;
-  rangeReadAttributes(widget);
+  rangeReadAttributes(widget.get());
   widget->fillColor = standardColor(kColorWhite);
   widget->restColor = standardColor(kColorBlack);
-  widgetAttrColor(widget, "fgColor", &widget->fillColor);
-  widgetAttrColor(widget, "bgColor", &widget->restColor);
-  widgetReadNavigate(widget);
+  widgetAttrColor(widget.get(), "fgColor", &widget->fillColor);
+  widgetAttrColor(widget.get(), "bgColor", &widget->restColor);
+  widgetReadNavigate(widget.get());
   return widget;
 }

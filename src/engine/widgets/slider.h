@@ -13,4 +13,4 @@ struct SliderWidget : RangeWidget {
   uint32_t restColor = 0;
 };
 
-Widget* sliderCreate(WidgetOwner* owner, Widget* parent, PageObject record);
+WidgetPtr<> sliderCreate(WidgetOwner* owner, Widget* parent, PageObject record);

@@ -208,9 +208,7 @@ std::vector<std::string> textLines(const TextWidget& widget) {
   return lines;
 }
 
-Widget* textCreate(WidgetOwner* owner, Widget* parent, PageObject record) {
-  auto* widget = widgetCreate<TextWidget>(owner, parent, record);
-  if (!widget || readAttributes(widget)) return widget;
-  widgetDestroy(widget);
-  return nullptr;
+WidgetPtr<> textCreate(WidgetOwner* owner, Widget* parent, PageObject record) {
+  auto widget = widgetCreate<TextWidget>(owner, parent, record);
+  return widget && readAttributes(widget.get()) ? std::move(widget) : nullptr;
 }

@@ -36,4 +36,4 @@ struct TextWidget : Widget {
 std::vector<std::string> textLines(const TextWidget& widget);
 
 // Null on failure, a negative maxLength included.
-Widget* textCreate(WidgetOwner* owner, Widget* parent, PageObject record);
+WidgetPtr<> textCreate(WidgetOwner* owner, Widget* parent, PageObject record);

@@ -130,15 +130,16 @@ int TextContainerWidget::handleEvent(const Event* event) {
   }
 }
 
-Widget* textContainerCreate(WidgetOwner* owner, Widget* parent, PageObject record) {
-  auto* widget = widgetCreate<TextContainerWidget>(owner, parent, record);
+WidgetPtr<> textContainerCreate(WidgetOwner* owner, Widget* parent, PageObject record) {
+  auto widget = widgetCreate<TextContainerWidget>(owner, parent, record);
   if (!widget) return nullptr;
   PageTable lines;
-  if (widgetAttrTable(widget, "children", &lines))
-    for (uint32_t i = 0; i < lines.count(); ++i) widget->lines.push_back(readLine(widget, lines.object(i)));
-  if (const char* name = widgetAttrString(widget, "selectTextStyle")) widget->selectTextStyle = findStyle(widget, name);
-  widgetAttrInt(widget, "selectedLine", &widget->selectedLine);
+  if (widgetAttrTable(widget.get(), "children", &lines))
+    for (uint32_t i = 0; i < lines.count(); ++i) widget->lines.push_back(readLine(widget.get(), lines.object(i)));
+  if (const char* name = widgetAttrString(widget.get(), "selectTextStyle"))
+    widget->selectTextStyle = findStyle(widget.get(), name);
+  widgetAttrInt(widget.get(), "selectedLine", &widget->selectedLine);
   if (widget->selectTextStyle) widget->scrollDelta = widget->selectTextStyle->size;
-  widgetAttrInt(widget, "scrollDelta", &widget->scrollDelta);
+  widgetAttrInt(widget.get(), "scrollDelta", &widget->scrollDelta);
   return widget;
 }

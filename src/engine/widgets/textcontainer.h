@@ -26,4 +26,4 @@ struct TextContainerWidget : Widget {
   std::vector<ContainerLine> lines;
 };
 
-Widget* textContainerCreate(WidgetOwner* owner, Widget* parent, PageObject record);
+WidgetPtr<> textContainerCreate(WidgetOwner* owner, Widget* parent, PageObject record);

@@ -11,7 +11,7 @@
 
 namespace {
 
-Widget* createFrame(WidgetOwner* owner, Widget* parent, PageObject record) {
+WidgetPtr<> createFrame(WidgetOwner* owner, Widget* parent, PageObject record) {
   return frameCreate(owner, parent, record);
 }
 

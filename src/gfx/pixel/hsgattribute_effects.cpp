@@ -41,11 +41,11 @@ int32_t hsGAttribute::FlattenEffect(const hsGSizedFlattenable& effect, void* buf
 
 hsGAttribute* hsGAttribute::MakeCopyForScale(int32_t size) const {
   if (size < 1) size = fTextSize;
-  auto* copy = new hsGAttribute;
+  auto copy = hsMake<hsGAttribute>();
   copy->CopyFrom(*this);
-  const auto replace = [&](auto* effect, auto set) { (copy->*set)(Rebuilt(effect, size).get()); };
+  const auto replace = [&](auto* effect, auto set) { (copy.get()->*set)(Rebuilt(effect, size).get()); };
   replace(PathEffect(), &hsGAttribute::SetPathEffect);
   replace(Rasterizer(), &hsGAttribute::SetRasterizer);
   replace(MaskFilter(), &hsGAttribute::SetMaskFilter);
-  return copy;
+  return copy.release();
 }

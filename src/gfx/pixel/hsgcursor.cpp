@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 #include "gfx/foundation/hsdebug.h"
 #include "gfx/pixel/hsgrawdraw.h"
@@ -27,7 +28,7 @@ bool hsGCursor::Touches(const hsIntRect& rect) const {
   return rect.Intersects(Bounds()) || (fBackground.fImage && rect.Intersects(fSavedRect));
 }
 
-void hsGCursor::Draw(const hsGBitmap& target) {
+void hsGCursor::Draw(const hsGBitmap& target) try {
   fBackground.fImage = nullptr;
   hsIntRect rect = Bounds();
   if (!target.fImage || !rect.Intersect(0, 0, int32_t(target.fWidth), int32_t(target.fHeight))) return;
@@ -42,11 +43,11 @@ void hsGCursor::Draw(const hsGBitmap& target) {
   for (int32_t y = 0; y < rect.Height(); ++y)
     std::memcpy(fBackground.Row<uint8_t>(y), target.Row<uint8_t>(rect.fTop + y) + rect.fLeft * (target.fPixelSize / 8),
                 bytes);
-  try {
-    hsGRawDraw::DrawSprite(target, fImage, Bounds().fLeft, Bounds().fTop, nullptr, nullptr, nullptr);
-  } catch (const hsException&) {
-    // It has been reported, and whoever draws below the cursor must not hear of it.
-  }
+  hsGRawDraw::DrawSprite(target, fImage, Bounds().fLeft, Bounds().fTop, nullptr, nullptr, nullptr);
+} catch (const hsException&) {
+  // It has been reported, and whoever draws below the cursor must not hear of it.
+} catch (const std::bad_alloc&) {
+  // The cursor is not seen for once.
 }
 
 void hsGCursor::RestoreBackground(const hsGBitmap& target) {

@@ -129,15 +129,17 @@ void hsGRasterDevice::FreePixels() {
 }
 
 void hsGRasterDevice::SetBitmap(const hsGBitmap* bitmap) {
-  if (bitmap && !bitmap->fImage) CheckSizes(*bitmap);
+  if (!bitmap) return FreePixels();
+  hsGBitmap target = *bitmap;
+  if (!bitmap->fImage) {
+    CheckSizes(target);
+    target.fImage = hsMemory::New(int32_t(target.ImageSize()));
+    std::memset(target.fImage, 0, size_t(target.ImageSize()));
+  }
   FreePixels();
-  if (!bitmap) return;
-  if (bitmap->fWidth != fOwnBitmap.fWidth || bitmap->fHeight != fOwnBitmap.fHeight) fClipDirty = true;
-  fOwnBitmap = *bitmap;
-  if (fOwnBitmap.fImage) return;
-  fOwnBitmap.fImage = hsMemory::New(int32_t(fOwnBitmap.ImageSize()));
-  std::memset(fOwnBitmap.fImage, 0, size_t(fOwnBitmap.ImageSize()));
-  fOwnsPixels = true;
+  if (target.fWidth != fOwnBitmap.fWidth || target.fHeight != fOwnBitmap.fHeight) fClipDirty = true;
+  fOwnBitmap = target;
+  fOwnsPixels = !bitmap->fImage;
 }
 
 void hsGRasterDevice::SetBounds(const hsIntRect* rect, uint8_t config) {

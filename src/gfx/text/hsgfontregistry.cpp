@@ -41,8 +41,12 @@ uint32_t AddFile(hsGFontSet& set, const char* path, uint32_t format) {
   return Append(set, hsMake<hsGFontFile>(++set.fLastID, FormatOr(format), path));
 }
 
+hsRef<hsGFontScaler> MakeMemory(hsGFontSet& set, uint32_t size, const void* data, bool owned, uint32_t format) {
+  return hsMake<hsGFontMemory>(++set.fLastID, FormatOr(format), size, data, owned);
+}
+
 uint32_t AddMemory(hsGFontSet& set, uint32_t size, const void* data, bool owned, uint32_t format) {
-  return Append(set, hsMake<hsGFontMemory>(++set.fLastID, FormatOr(format), size, data, owned));
+  return Append(set, MakeMemory(set, size, data, owned, format));
 }
 
 void ScanFolder(hsGFontSet& set) {
@@ -58,7 +62,7 @@ void ScanFolder(hsGFontSet& set) {
 hsGFontSet& Loaded() {
   hsGFontSet& set = TheFonts();
   if (set.fLoaded) return set;
-  set.fLoaded = true;
+  set.fFonts.clear();  // of a load that found no memory
   if (set.fFiles) {
     for (uint32_t i = 0; i < set.fFileCount && set.fFiles[i].fPath; ++i)
       AddFile(set, set.fFiles[i].fPath, set.fFiles[i].fFormat);
@@ -67,6 +71,7 @@ hsGFontSet& Loaded() {
       AddMemory(set, set.fMemory[i].fSize, set.fMemory[i].fData, false, set.fMemory[i].fFormat);
   }
   if (set.fScanFolder) ScanFolder(set);
+  set.fLoaded = true;
   return set;
 }
 
@@ -78,10 +83,8 @@ hsGFontScaler* Find(const hsGFontSet& set, uint32_t id) {
 
 int32_t SearchName(const hsGFontSet& set, uint32_t nameKind, const char* name) {
   for (const auto& font : set.fFonts) {
-    font->Acquire();
-    const bool matches = font->MatchName(nameKind, name);
-    font->Release();
-    if (matches) return int32_t(font->FontID());
+    const hsGFontAccess access(font.get());
+    if (font->MatchName(nameKind, name)) return int32_t(font->FontID());
   }
   return kNoMatch;
 }
@@ -106,7 +109,10 @@ uint32_t hsGFontRegistry::RegisterStream(std::FILE* file, uint32_t format) {
     bytes.insert(bytes.end(), piece, piece + got);
   }
   if (bytes.empty() || std::ferror(file)) return 0;
-  return RegisterMemory(uint32_t(bytes.size()), hsMemory::Dup(int32_t(bytes.size()), bytes.data()), true, format);
+  std::unique_ptr<void, void (*)(void*)> data(hsMemory::Dup(int32_t(bytes.size()), bytes.data()), hsMemory::Delete);
+  const auto font = MakeMemory(Loaded(), uint32_t(bytes.size()), data.get(), true, format);
+  data.release();  // the font's now
+  return Append(Loaded(), font);
 }
 
 uint32_t hsGFontRegistry::RegisterMemory(uint32_t size, const void* data, bool owned, uint32_t format) {
@@ -150,24 +156,21 @@ uint32_t hsGFontRegistry::FindFontID(uint32_t nameKind, const char* name) {
   }
   if (nameKind >= kFontNameKinds) return 0;
   hsGFontSet& set = Loaded();
-  const auto [entry, isNew] = set.fNames[nameKind].try_emplace(LowerCase(name), kNoMatch);
-  if (isNew) entry->second = SearchName(set, nameKind, name);
+  auto& names = set.fNames[nameKind];
+  const std::string lower = LowerCase(name);
+  auto entry = names.find(lower);
+  if (entry == names.end()) entry = names.emplace(lower, SearchName(set, nameKind, name)).first;
   return entry->second == kNoMatch ? 0 : uint32_t(entry->second);
 }
 
 uint32_t hsGFontRegistry::GetFontName(uint32_t id, uint32_t nameKind, char buffer[]) {
   hsGFontScaler* font = Find(Loaded(), id);
   if (!font) return 0;
-  uint32_t length = 0;
-  font->Acquire();
-  if (nameKind == kFontName_Any) {
-    for (uint32_t kind : kAnyKindOrder)
-      if ((length = font->GetName(kind, buffer)) != 0) break;
-  } else {
-    length = font->GetName(nameKind, buffer);
-  }
-  font->Release();
-  return length;
+  const hsGFontAccess access(font);
+  if (nameKind != kFontName_Any) return font->GetName(nameKind, buffer);
+  for (uint32_t kind : kAnyKindOrder)
+    if (const uint32_t length = font->GetName(kind, buffer)) return length;
+  return 0;
 }
 
 hsGFontScaler* hsGFontRegistry::GetFontByID(uint32_t id) {

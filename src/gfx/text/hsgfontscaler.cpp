@@ -85,8 +85,9 @@ void hsGFontT2K::ReadDirectory() {
   uint8_t header[hsSfnt::kDirectoryHeader];
   if (!ReadData(0, sizeof header, header)) return;
   const uint32_t declared = hsSfntU16(header, 4) * hsSfnt::kDirectoryEntry + hsSfnt::kDirectoryHeader;
-  fDirectory.resize(std::min(declared, GetDataSize()));
-  ReadData(0, uint32_t(fDirectory.size()), fDirectory.data());
+  std::vector<uint8_t> directory(std::min(declared, GetDataSize()));
+  ReadData(0, uint32_t(directory.size()), directory.data());
+  fDirectory = std::move(directory);
 }
 
 uint32_t hsGFontT2K::FindTable(uint32_t tag, uint32_t* length) {

@@ -62,6 +62,18 @@ class hsGFontScaler : public hsRefCnt {
   int32_t fAccessCount = 0;
 };
 
+// The bytes of a font are used between its two ends.
+class hsGFontAccess {
+ public:
+  explicit hsGFontAccess(hsGFontScaler* font) : fFont(font) { fFont->Acquire(); }
+  ~hsGFontAccess() { fFont->Release(); }
+  hsGFontAccess(const hsGFontAccess&) = delete;
+  hsGFontAccess& operator=(const hsGFontAccess&) = delete;
+
+ private:
+  hsGFontScaler* fFont;
+};
+
 // A font that is an sfnt.
 class hsGFontT2K : public hsGFontScaler {
  public:

@@ -36,7 +36,7 @@ uint32_t hsGGlyphCache::ImageBytes() { return hsGLibrary::Current().fGlyphBytes;
 
 hsGStrike* hsGGlyphCache::Take(const hsDescriptor* desc) {
   for (hsGStrike* strike = fHead; strike; strike = strike->fNext) {
-    if (!hsDescriptor::Equal(strike->fDesc, desc)) continue;
+    if (!hsDescriptor::Equal(strike->fDesc.get(), desc)) continue;
     Remove(strike);
     return strike;
   }

@@ -14,18 +14,6 @@
 
 namespace {
 
-// The glyphs of a font are used between these two.
-class Access {
- public:
-  explicit Access(hsGFontScaler* font) : fFont(font) { fFont->Acquire(); }
-  ~Access() { fFont->Release(); }
-  Access(const Access&) = delete;
-  Access& operator=(const Access&) = delete;
-
- private:
-  hsGFontScaler* fFont;
-};
-
 // A source of coverage with nothing around it.
 struct Source {
   const uint8_t* bytes;
@@ -49,7 +37,7 @@ hsGSbitContext::hsGSbitContext(const hsDescriptor* desc, bool) : hsGScalerContex
   // The registry makes no other kind of font.
   fFont = hsShare(static_cast<hsGFontT2K*>(hsGFontRegistry::GetFontByID(fRecord.fFontID)));
   if (!hsAssert(fFont, "font is nil")) return;
-  const Access access(fFont.get());
+  const hsGFontAccess access(fFont.get());
   if (!hsAssert(fTables.Load(fFont.get()), "missing bloc/bdat tables")) return;
 
   const hsMatrix device = MakeDeviceMatrix();
@@ -77,7 +65,7 @@ void hsGSbitContext::GenerateMetrics(hsGGlyph* glyph) {
   glyph->fLeft = glyph->fTop = glyph->fAdvanceX = glyph->fAdvanceY = 0;
   glyph->fGlyphID = 0;
   if (!fFont) return;
-  const Access access(fFont.get());
+  const hsGFontAccess access(fFont.get());
   const hsSbitTables::Entry entry = fTables.Find(glyph->fCharCode);
   if (entry.imageFormat == 0) return;
   glyph->fWidth = uint16_t(entry.width);
@@ -104,7 +92,7 @@ bool hsGSbitContext::GenerateImage(const hsGGlyph& glyph, uint8_t* buffer) {
   const bool grey = fMaskType == kMask_Alpha;
   const uint32_t rowBytes = glyph.fRowBytes;
   std::memset(buffer, 0, size_t{rowBytes} * glyph.fHeight);
-  const Access access(fFont.get());
+  const hsGFontAccess access(fFont.get());
   const hsSbitTables::Entry entry = fTables.Find(glyph.fCharCode);
   if (entry.imageFormat == 0) return false;
   const std::vector<uint8_t> bytes = fTables.Pixels(entry);

@@ -100,8 +100,7 @@ T2K* hsGScalerContextT2K::Scaler() {
   int error = 0;
   T2K_NewTransformation(scaler, true, 72, 72, &matrix, &error);
   if (error == 0) return scaler;
-  hsStatusMessage("T2K_NewTransformation failed", error);
-  fRef->Close();
+  fRef->CloseFailed("T2K_NewTransformation failed", error);
   return nullptr;
 }
 
@@ -112,8 +111,7 @@ T2K* hsGScalerContextT2K::Render(uint16_t code, int command, const T2KRows& rows
   int error = 0;
   T2K_RenderGlyph(scaler, EngineCode(code), 0, 0, fGreyLevel, command, &error);
   if (error == 0) return scaler;
-  hsStatusMessage("T2K_RenderGlyph failed", error);
-  fRef->Close();
+  fRef->CloseFailed("T2K_RenderGlyph failed", error);
   return nullptr;
 }
 

@@ -39,7 +39,7 @@ int32_t ChunkSize(const hsGScalerRecord& record) {
 hsGStrike::hsGStrike(const hsDescriptor* desc)
     : fPool(std::make_unique<hsChunkAllocator>(kFirstChunk)),
       fContext(NewContext(desc)),
-      fDesc(hsDescriptor::Copy(desc, nullptr)) {
+      fDesc(hsDescriptor::Copy(desc, nullptr), hsDescriptor::Delete) {
   const hsGScalerRecord& record = fContext->Record();
   fDoesKerning = fContext->DoesKerning();
   fContext->GetFontMetrics(&fAscent, &fDescent, &fBaseline);
@@ -54,7 +54,7 @@ hsGStrike::hsGStrike(const hsDescriptor* desc)
   }
 }
 
-hsGStrike::~hsGStrike() { hsDescriptor::Delete(fDesc); }
+hsGStrike::~hsGStrike() = default;
 
 hsGStrike* hsGStrike::FindOrCreate(const hsDescriptor* desc) {
   hsGStrike* strike = hsGGlyphCache::Instance()->Take(desc);
@@ -81,14 +81,23 @@ hsGGlyph* hsGStrike::GlyphTable::Append(uint16_t code) {
   return Slot(code) = &chunks.back()[count++ % kChunk];
 }
 
+hsGScalerContext& hsGStrike::Context() {
+  if (!fContext) fContext = NewContext(fDesc.get());
+  return *fContext;
+}
+
+// Not in its place before it is whole: measuring may find no memory.
+hsGGlyph hsGStrike::Measured(uint16_t code) {
+  hsGGlyph glyph;
+  glyph.fCharCode = code;
+  glyph.fGlyphID = hsGGlyph::kFilledByCode;
+  Context().Measure(&glyph);
+  return glyph;
+}
+
 hsGGlyph* hsGStrike::Get8(uint16_t code) {
   hsGGlyph* glyph = &fGlyphs[code & 0xFF];
-  if (glyph->fCharCode != code || glyph->fGlyphID == hsGGlyph::kEmpty) {
-    glyph->fCharCode = code;
-    glyph->fGlyphID = hsGGlyph::kFilledByCode;
-    glyph->fImage = nullptr;
-    fContext->Measure(glyph);
-  }
+  if (glyph->fCharCode != code || glyph->fGlyphID == hsGGlyph::kEmpty) *glyph = Measured(code);
   return glyph;
 }
 
@@ -97,9 +106,9 @@ hsGGlyph* hsGStrike::GetGlyph8(uint8_t code) { return hsAssert(!fIs16Bit, "Cache
 hsGGlyph* hsGStrike::GetGlyph16(uint16_t code) {
   if (!hsAssert(fIs16Bit, "cache is not 16bit")) return nullptr;
   if (hsGGlyph* known = fTable->Slot(code)) return known;
+  const hsGGlyph measured = Measured(code);
   hsGGlyph* glyph = fTable->Append(code);
-  glyph->fCharCode = code;
-  fContext->Measure(glyph);
+  *glyph = measured;
   return glyph;
 }
 
@@ -122,7 +131,7 @@ uint8_t* hsGStrike::RenderImage(const hsGGlyph& glyph) {
   if (size > kMostImageBytes) return nullptr;
   hsGGlyphCache::NoteImage(uint32_t(size));
   auto* image = static_cast<uint8_t*>(fPool->SoftAllocate(int32_t(size)));
-  return image && fContext->GetImage(glyph, image) ? image : nullptr;
+  return image && Context().GetImage(glyph, image) ? image : nullptr;
 }
 
 // ---- outlines
@@ -131,7 +140,7 @@ const hsPath* hsGStrike::GetPath(const hsGGlyph* glyph) {
   const auto known = fPaths.find(glyph->fCharCode);
   if (known != fPaths.end()) return known->second.get();
   auto path = std::make_unique<hsPath>();
-  fContext->GetOutline(*glyph, path.get());
+  Context().GetOutline(*glyph, path.get());
   const hsPath* stored = path.get();
   AddPath(glyph->fCharCode, std::move(path));
   return stored;
@@ -153,5 +162,4 @@ void hsGStrike::Purge() {
     for (uint32_t i = 0; i < kTableSize; ++i) fGlyphs[i].fImage = nullptr;
   }
   fContext.reset();
-  fContext = NewContext(fDesc);
 }

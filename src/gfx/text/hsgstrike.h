@@ -34,11 +34,11 @@ class hsGStrike {
   const uint8_t* GetImage(hsGGlyph* glyph);
   // Some rows of the image alone, which are not kept. False also where images are made whole only.
   bool GetRows(const hsGGlyph& glyph, int first, int count, uint8_t* buffer) {
-    return fContext->GetRows(glyph, first, count, buffer);
+    return Context().GetRows(glyph, first, count, buffer);
   }
   const hsPath* GetPath(const hsGGlyph* glyph);
   void KernGlyphs(uint32_t count, const uint16_t chars[], hsGGlyph glyphs[], hsPoint positions[]) {
-    fContext->KernGlyphs(count, chars, glyphs, positions);
+    Context().KernGlyphs(count, chars, glyphs, positions);
   }
   // Frees the images, for a strike in use that could get no more.
   void Purge();
@@ -47,7 +47,7 @@ class hsGStrike {
   bool DoesKerning() const { return fDoesKerning; }
   uint8_t MaskType() const { return fMaskType; }
   uint8_t Encoding() const { return fEncoding; }
-  const hsDescriptor* Desc() const { return fDesc; }
+  const hsDescriptor* Desc() const { return fDesc.get(); }
   const hsPoint& Ascent() const { return fAscent; }
   const hsPoint& Descent() const { return fDescent; }
   const hsPoint& Baseline() const { return fBaseline; }
@@ -60,6 +60,8 @@ class hsGStrike {
   hsGStrike(const hsGStrike&) = delete;
   hsGStrike& operator=(const hsGStrike&) = delete;
 
+  hsGScalerContext& Context();
+  hsGGlyph Measured(uint16_t code);
   hsGGlyph* Get8(uint16_t code);
   uint8_t* RenderImage(const hsGGlyph& glyph);
   void AddPath(uint16_t code, std::unique_ptr<hsPath> path);
@@ -88,9 +90,9 @@ class hsGStrike {
   std::unique_ptr<hsGGlyph[]> fGlyphs;      // of an 8-bit strike, by low byte
   std::unique_ptr<GlyphTable> fTable;
   std::unordered_map<uint16_t, std::unique_ptr<hsPath>> fPaths;
-  std::unique_ptr<hsGScalerContext> fContext;
+  std::unique_ptr<hsGScalerContext> fContext;  // null after a purge, until it is needed
   hsPoint fAscent{}, fDescent{}, fBaseline{};
-  hsDescriptor* fDesc;
+  const std::unique_ptr<hsDescriptor, void (*)(hsDescriptor*)> fDesc;
   bool fDoesKerning = false;
   uint8_t fMaskType = 0;
   uint8_t fEncoding = 0;

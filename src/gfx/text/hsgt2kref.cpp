@@ -1,6 +1,7 @@
 #include "gfx/text/hsgt2kref.h"
 
 #include <algorithm>
+#include <new>
 
 #include "gfx/foundation/hsdebug.h"
 #include "gfx/foundation/hsglibrary.h"
@@ -27,12 +28,14 @@ hsRef<hsGT2KRef> hsGT2KRef::Find(hsGFontScaler* font, hsFixed sizeRatio, bool un
   std::vector<hsGT2KRef*>& refs = hsGLibrary::Current().fT2KRefs;
   for (hsGT2KRef* ref : refs)
     if (ref->fFont.get() == font && ref->fSizeRatio == sizeRatio && ref->fUnicode == unicode) return hsShare(ref);
+  refs.reserve(refs.size() + 1);
   refs.push_back(new hsGT2KRef(font, sizeRatio, unicode));
   return hsAdopt(refs.back());
 }
 
 // Reports a failure with the engine's code, the first one of this font only: text goes on without it.
 bool hsGT2KRef::Tell(bool failed, const char* words) {
+  if (failed && fMemory->foundNoMemory) throw std::bad_alloc();
   if (failed && !fTold) {
     hsStatusMessage(words, fError);
     fTold = true;
@@ -64,22 +67,32 @@ T2K* hsGT2KRef::Open() {
   fError = 0;
   fFont->Acquire();
   fIsOpen = true;
+  try {
+    if (T2K* scaler = MakeScaler()) {
+      ChooseEncoding();
+      return fScaler = scaler;
+    }
+  } catch (...) {
+    Close();
+    throw;
+  }
+  fCannotOpen = true;
+  Close();
+  return nullptr;
+}
+
+T2K* hsGT2KRef::MakeScaler() {
   fMemory = tsi_NewMemhandler(&fError);
   int fontType = 0;
-  if (!Tell(!fMemory, "tsi_NewMemhandler failed") && OpenStream(&fontType)) {
-    T2KStyling styling{};
-    styling.params[0] = fSizeRatio;
-    fSfnt = New_sfntClass(fMemory, fontType, 0, fStream, fSizeRatio == kFixed1 ? nullptr : &styling, &fError);
-    if (!Tell(!fSfnt, "New_sfntClass failed")) fScaler = NewT2K(fMemory, fSfnt, &fError);
-    if (fSfnt) Tell(!fScaler, "NewT2K failed");
-  }
-  if (fScaler) {
-    ChooseEncoding();
-  } else {
-    fCannotOpen = true;
-    Close();
-  }
-  return fScaler;
+  if (!fMemory) throw std::bad_alloc();
+  if (!OpenStream(&fontType)) return nullptr;
+  T2KStyling styling{};
+  styling.params[0] = fSizeRatio;
+  fSfnt = New_sfntClass(fMemory, fontType, 0, fStream, fSizeRatio == kFixed1 ? nullptr : &styling, &fError);
+  if (Tell(!fSfnt, "New_sfntClass failed")) return nullptr;
+  T2K* const scaler = NewT2K(fMemory, fSfnt, &fError);
+  Tell(!scaler, "NewT2K failed");
+  return scaler;
 }
 
 void hsGT2KRef::ChooseEncoding() {
@@ -91,6 +104,13 @@ void hsGT2KRef::ChooseEncoding() {
   }
   fSfnt->preferedPlatformID = platform;
   fSfnt->preferedPlatformSpecificID = script;
+}
+
+void hsGT2KRef::CloseFailed(const char* words, int error) {
+  const bool foundNoMemory = fMemory->foundNoMemory;
+  if (!foundNoMemory) hsStatusMessage(words, error);
+  Close();
+  if (foundNoMemory) throw std::bad_alloc();
 }
 
 void hsGT2KRef::Close() {

@@ -12,9 +12,13 @@ class hsGT2KRef : public hsRefCnt {
   static hsRef<hsGT2KRef> Find(hsGFontScaler* font, hsFixed sizeRatio, bool unicode);
   ~hsGT2KRef() override;  // "UnRefT2K failed" when the current library doesn't know it
 
-  // Opens the font unless it is open. Null if that fails, which is reported once.
+  // Opens the font unless it is open. Null if that fails, which is reported once. Throws std::bad_alloc when there is
+  // no memory; the next call then tries again.
   T2K* Open();
   void Close();
+  // Closes a font that has failed in use, so that the next Open begins anew, and reports it. Throws std::bad_alloc when
+  // that was for want of memory.
+  void CloseFailed(const char* words, int error);
 
   uint32_t FontID() const { return fFont->FontID(); }
   bool IsOpen() const { return fScaler != nullptr; }
@@ -25,6 +29,7 @@ class hsGT2KRef : public hsRefCnt {
   hsGT2KRef(hsGFontScaler* font, hsFixed sizeRatio, bool unicode);
 
   bool OpenStream(int* fontType);
+  T2K* MakeScaler();
   void ChooseEncoding();
   bool Tell(bool failed, const char* words);
 

@@ -1,6 +1,7 @@
 #include "kit/run/pagerun.h"
 
 #include <filesystem>
+#include <new>
 
 #include "gfx/text/hsgscalercontextt2k.h"
 #include "kit/fonts/machinefonts.h"
@@ -34,7 +35,7 @@ PageRun::PageRun(const PageRunOptions& options) : lines(options.lines), desktop(
   access.readAnywhere = access.writeAnywhere = options.reach == FileReach::all;
   access.scriptsOpenFiles = options.reach != FileReach::none;
   desktop.shell.engine.scriptsMayWriteFiles = !options.readOnly;
-  desktop.start();
+  if (!desktop.start()) throw std::bad_alloc();
   desktop.watchScripts(lines ? &places : nullptr);
   desktop.settle();
   if (options.files) use(*options.files);

@@ -1,6 +1,7 @@
 #include "engine/events/eventtarget.h"
 
 #include <functional>
+#include <memory>
 
 #include "engine/events/graveyard.h"
 #include "support/pagefixture.h"
@@ -86,7 +87,7 @@ TEST_F(TargetTest, WalksOutliveWhatTheirHooksTakeAway) {
                if (!event) return 1;
                targetDestroyLists(c);
                c->gone = true;
-               bury(c);
+               bury(std::unique_ptr<Target>(c));
                return 0;
              }));
   EXPECT_EQ(posting(7), "c- => 0");
