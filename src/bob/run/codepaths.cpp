@@ -38,7 +38,7 @@ uint32_t bobStackPops(const uint8_t* p) {
 }
 
 BobCodePaths::BobCodePaths(BobInterp* interp, BobValue code, uint32_t variables)
-    : interp(interp), code(code), variables(variables) {
+    : variables(variables), interp(interp), code(code) {
   const uint32_t* w = interp->words(code);
   bytes = interp->bytes(w[kCodeElements]) + kStringBytes;
   length = interp->words(w[kCodeElements])[kStringLength];
@@ -99,16 +99,17 @@ int BobCodePaths::ownCount(uint32_t at, uint32_t depth) const {
   return depth == 0 ? int(variables) : -1;
 }
 
-bool BobCodePaths::findOwn(uint32_t at, int* index) const {
+bool BobCodePaths::findOwn(uint32_t at, uint32_t* index) const {
+  constexpr uint32_t kHead = kEnvNext + 2;  // words of an environment before its variables, the last of which is lowest
   uint32_t depth = bytes[at + 1];
-  if (!proven || ownCount(at, depth) < 0 || (depth > 0 && closes)) return false;
-  *index = bytes[at + 2];
+  const int count = proven ? ownCount(at, depth) : -1;
+  if (count < 0 || (depth > 0 && closes)) return false;
+  *index = kHead + uint32_t(count) - bytes[at + 2];
   for (int node = states[size_t(reached[at])].node; depth > 0; --depth) {
     const Node& inner = nodes[size_t(node)];
     node = inner.parent;
-    // On the stack, upward: the block's variables, what was pushed outside of it, the frame around, its variables.
-    *index -=
-        int(inner.outside + (node ? kBlockFrameWords + nodes[size_t(node)].variables : kCallFrameWords + variables));
+    // On the stack, upward: the block's environment, what was pushed outside of it, the frame around.
+    *index += kHead + inner.variables + inner.outside + uint32_t(node ? kBlockFrameEnvironment : kFrameEnvironment);
   }
   return true;
 }

@@ -39,17 +39,18 @@ class BobCodePaths {
   bool isBad(uint32_t at) const { return bad[at]; }
   // For code that was shown to stay inside: the block frames open at an instruction.
   bool hasBlocks(uint32_t at) const { return states[size_t(reached[at])].node != 0; }
-  // EREF and ESET in code that was shown to stay inside: where the variable lies, in words below the top of the
-  // innermost environment's variables. Those of the blocks around are reached so only while nothing can move them to
-  // the heap, that is in code without CLOSE. False for a variable that is to be looked for.
-  bool findOwn(uint32_t at, int* index) const;
+  // EREF and ESET in code that was shown to stay inside: where the variable lies, in words above the start of the
+  // innermost environment. Those of the blocks around are reached so only while nothing can move them to the heap, that
+  // is in code without CLOSE. False for a variable that is to be looked for.
+  bool findOwn(uint32_t at, uint32_t* index) const;
 
   const uint8_t* bytes;  // lie in the heap
   uint32_t length;
   uint32_t literals;
-  bool closes = false;    // makes closures
-  uint32_t unevenAt = 0;  // where paths first met with different stacks; 0 for nowhere
-  bool proven = true;     // the depth of the stack is the same on every path, and enough for every instruction
+  const uint32_t variables;  // as given
+  bool closes = false;       // makes closures
+  uint32_t unevenAt = 0;     // where paths first met with different stacks; 0 for nowhere
+  bool proven = true;        // the depth of the stack is the same on every path, and enough for every instruction
 
  private:
   // Block frames, innermost first: what was pushed in the frame outside before this one was made.
@@ -77,7 +78,6 @@ class BobCodePaths {
 
   BobInterp* interp;
   BobValue code;
-  uint32_t variables;
   std::vector<int> reached;  // by offset: index into states
   std::vector<bool> targets, bad;
   std::vector<State> states;

@@ -124,17 +124,31 @@ class Translator {
     return s.at[0];
   }
 
-  // A jump to a test is replaced by the test, which saves a step in every loop.
+  // A jump to a test is replaced by the test, and one to a loop's step by the step with its test: each saves an
+  // instruction on every turn.
   void emitJump(uint32_t target) {
     if (combines) {
       const BobCombiner::Sequence s = combiner.from(target);
       const uint32_t at = out.here();
-      const int taken = combiner.combineTest(s);
-      if (taken) mark(at, failingPart(s, taken));
-      if (taken) target = s.at[taken];
+      if (const uint32_t after = emitLoop(s, 1)) {
+        target = after;
+      } else if (const int taken = combiner.combineTest(s)) {
+        mark(at, failingPart(s, taken));
+        target = s.at[taken];
+      }
     }
     out.put(kQJump);
     out.putTarget(target);
+  }
+
+  // Where the code goes on after the loop, or 0. An error of the test is told from one of the step by the words read.
+  uint32_t emitLoop(const BobCombiner::Sequence& s, uint32_t jumps) {
+    const uint32_t at = out.here();
+    const BobCombiner::Loop loop = combiner.combineLoop(s, jumps);
+    if (!loop.after) return 0;
+    mark(at, s.at[3]);
+    mark(at + 1, loop.compares);
+    return loop.after;
   }
 
   void emitTrace(uint32_t at) {
@@ -147,9 +161,9 @@ class Translator {
 
   void emitVariable(uint32_t at, const uint8_t* p) {
     const bool load = *p == kOpEref;
-    int index;
-    if (paths.findOwn(at, &index) && index >= INT16_MIN)
-      out.put(load ? kQOwn : kQSetOwn, 0, uint32_t(index) & 0xFFFF);
+    uint32_t index;
+    if (paths.findOwn(at, &index) && index <= UINT16_MAX)
+      out.put(load ? kQOwn : kQSetOwn, 0, index);
     else
       out.put(load ? kQVar : kQSet, p[1], p[2]);
   }
@@ -172,6 +186,11 @@ class Translator {
     }
     if (combines) {
       const BobCombiner::Sequence s = combiner.from(at);
+      if (const uint32_t after = emitLoop(s, 0)) {
+        next = after;
+        combinedUpTo = paths.isTarget(s.at[4]) ? s.at[4] : s.at[5];
+        return true;
+      }
       if (const int taken = combiner.combine(s)) {
         if (marks) marks->back().offset = failingPart(s, taken);
         next = combinedUpTo = s.at[taken];
@@ -211,12 +230,15 @@ class Translator {
           out.put(kQUnframe);
           return true;
         }
-        out.put(kQReturn);
+        out.put(paths.proven ? kQReturn : kQReturnAny, 0, paths.variables);
         return !paths.proven;
-      case kOpCall: out.put(kQCall, p[1]); return true;
+      case kOpCall:
+        out.put(kQCall, p[1]);
+        out.putCache(kBobCallCacheWords);
+        return true;
       case kOpSend:
         out.put(kQSend, p[1]);
-        out.putCache();
+        out.putCache(kBobCacheWords + kBobCallCacheWords);
         return true;
       case kOpEref:
       case kOpEset: emitVariable(at, p); return true;
