@@ -62,6 +62,17 @@ BOB_STEP void enterBlock(BobRegisters& r, uint32_t count) {
   r.interp->fp = r.sp = frame;
 }
 
+// Without a frame the words that one would take are nil.
+BOB_STEP void step(BobRegisters& r, BobOp<kQBlock>) {
+  const int count = int(r.b()) + kBlockFrameWords;
+  r.need(count);
+  r.sp -= count;
+  constexpr uint64_t kTwoNils = kBobNil | uint64_t(kBobNil) << 32;
+  for (int i = 0; i < kBlockFrameWords; i += 2) std::memcpy(r.sp + i, &kTwoNils, sizeof kTwoNils);
+  for (int i = kBlockFrameWords; i < count; ++i) r.sp[i] = kBobNil;
+}
+BOB_STEP void step(BobRegisters& r, BobOp<kQUnblock>) { r.sp += r.b() + kBlockFrameWords; }
+
 BOB_STEP void step(BobRegisters& r, BobOp<kQFrame>) { enterBlock(r, r.a()); }
 BOB_STEP void step(BobRegisters& r, BobOp<kQCframe>) {
   r.need(int(r.a()));

@@ -93,7 +93,7 @@ void BobCombiner::putSet(int index, BobOperands operands, uint32_t a, uint32_t b
 
 // EREF INC ESET DEC on one variable: 1, or -1 with the steps exchanged. 0 for anything else.
 int BobCombiner::steps(const Sequence& s) const {
-  if (!isVariable(s, 0) || s.count < 4 || s.opcode(2) != kOpEset || !isSameVariable(s.p[2], s.p[0])) return 0;
+  if (s.opcode(0) != kOpEref || s.opcode(2) != kOpEset || !isSameVariable(s.p[2], s.p[0])) return 0;
   if (s.opcode(1) == kOpInc && s.opcode(3) == kOpDec) return 1;
   return s.opcode(1) == kOpDec && s.opcode(3) == kOpInc ? -1 : 0;
 }
@@ -101,15 +101,22 @@ int BobCombiner::steps(const Sequence& s) const {
 int BobCombiner::stepAfter(const Sequence& s) {
   const int change = steps(s);
   if (change == 0) return 0;
-  out.put(kQStepAfter, variable(s, 0));
+  int outer;
+  if (isVariable(s, 0))
+    out.put(kQStepAfter, variable(s, 0));
+  else if (paths.findOuter(s.at[0], &outer))
+    out.put(kQStepOuter, 0, uint16_t(outer));
+  else
+    return 0;
   out.putWord(uint32_t(change));
   return 4;
 }
 
 BobCombiner::Loop BobCombiner::combineLoop(const Sequence& s, uint32_t jumps) {
   const int change = steps(s);
+  if (change == 0 || !isVariable(s, 0)) return {};
   const uint32_t jump = s.at[4];
-  if (change == 0 || !paths.isReached(jump) || paths.isBad(jump) || paths.bytes[jump] != kOpBr) return {};
+  if (!paths.isReached(jump) || paths.isBad(jump) || paths.bytes[jump] != kOpBr) return {};
   const Sequence test = from(bobWordAt(paths.bytes + jump + 1));
   if (!isVariable(test, 0) || !isSameVariable(test.p[0], s.p[0]) || test.opcode(1) != kOpPush) return {};
   const int i = indexOf(kBobLoopOpcodes, test.opcode(3));
@@ -144,13 +151,13 @@ int BobCombiner::defer(const Sequence& s) {
   if (s.opcode(3) == kOpPush && (isField || isVariable(s, 2))) {
     const uint32_t taker = findTaker(s, 2);
     if (taker && paths.bytes[taker] == (isField ? kOpSetp : kOpVset)) {
-      deferred[taker] = {variable(s, 0), isField ? 0 : variable(s, 2), isField ? literal(s, 2) : 0};
+      deferred[taker] = {2, variable(s, 0), isField ? 0 : variable(s, 2), isField ? literal(s, 2) : 0};
       return 4;
     }
   }
   const uint32_t taker = findTaker(s, 1);
   if (!taker) return 0;
-  deferred[taker] = {variable(s, 0)};
+  deferred[taker] = {1, variable(s, 0)};
   return 2;
 }
 
@@ -205,7 +212,7 @@ uint32_t BobCombiner::findTaker(const Sequence& s, int pushes) const {
 int BobCombiner::take(const Sequence& s, const Deferred& d) {
   switch (s.opcode(0)) {
     case kOpSetp: return takenField(1, kQSetVarField, d.a, d.symbol);
-    case kOpVset: return taken(1, d.b ? kQVsetVV : kQVsetVS, d.a, d.b, true);
+    case kOpVset: return taken(1, d.pushes == 2 ? kQVsetVV : kQVsetVS, d.a, d.b, true);
     case kOpVref: return taken(1, kQVrefVA, d.a, 0, true);
   }
   if (const int i = indexOf(kBobArithmeticOpcodes, s.opcode(0)); i >= 0) {
@@ -222,7 +229,8 @@ int BobCombiner::take(const Sequence& s, const Deferred& d) {
 int BobCombiner::variableFirst(const Sequence& s) {
   if (!isVariable(s, 0)) return 0;
   const uint32_t index = variable(s, 0);
-  if (s.opcode(1) == kOpReturn && !paths.hasBlocks(s.at[1])) return taken(2, kQReturnVar, index, paths.variables);
+  if (paths.isFlat() ? paths.endsFunction(s.at[1]) : s.opcode(1) == kOpReturn && !paths.hasBlocks(s.at[1]))
+    return taken(2, kQReturnVar, index, paths.variables);
   if (s.opcode(1) != kOpPush) return 0;
   if (s.opcode(2) == kOpPushScope) return taken(3, kQVarCallee, index, 0);
   if (s.opcode(2) == kOpLit) {

@@ -45,13 +45,13 @@ class BobCombiner {
   bool isVariable(const Sequence& s, int i) const { return s.opcode(i) == kOpEref && isNear(s.at[i]); }
   bool isStore(const Sequence& s, int i) const { return s.opcode(i) == kOpEset && isNear(s.at[i]); }
   bool isNear(uint32_t at) const {
-    uint32_t index;
-    return paths.findOwn(at, &index) && index <= UINT8_MAX;
+    int index;
+    return paths.findOwn(at, &index) && index >= -kBobNearBias && index < kBobNearBias;
   }
   uint32_t variable(const Sequence& s, int i) const {
-    uint32_t index = 0;
+    int index = 0;
     paths.findOwn(s.at[i], &index);
-    return index;
+    return uint32_t(index + kBobNearBias);
   }
   bool isSameVariable(const uint8_t* p, const uint8_t* q) const { return p[1] == q[1] && p[2] == q[2]; }
   bool isSmallLiteral(const Sequence& s, int i) const { return s.opcode(i) == kOpLit && bobIsSmall(literal(s, i)); }
@@ -60,6 +60,7 @@ class BobCombiner {
 
   // What a variable is pushed for, when that can wait until the instruction that takes it.
   struct Deferred {
+    int pushes;
     uint32_t a, b = 0;    // the variable, and another one for an index
     BobValue symbol = 0;  // or the field
   };

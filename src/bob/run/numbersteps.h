@@ -160,25 +160,34 @@ BOB_STEP void step(BobRegisters& r, BobOp<kQDec>) { computeUnary<kOpDec>(r); }
 BOB_STEP void step(BobRegisters& r, BobOp<kQBnot>) { computeUnary<kOpBnot>(r); }
 
 // x++ and x--: the variable takes the step, val keeps the old value.
-BOB_STEP void stepAfter(BobRegisters& r, bool up) {
+template <bool kIsOuter>
+BOB_STEP BobValue& steppedVariable(BobRegisters& r) {
+  return kIsOuter ? r.outerVariables()[r.signedB()] : r.variable(r.a());
+}
+
+template <bool kIsOuter>
+BOB_STEP void stepAnyAfter(BobRegisters& r, bool up) {
   r.store();
-  r.interp->val = bobUnary(r.interp, up ? kOpInc : kOpDec, r.variable(r.a()));
+  r.interp->val = bobUnary(r.interp, up ? kOpInc : kOpDec, steppedVariable<kIsOuter>(r));
   r.reload();
-  r.variable(r.a()) = r.val;
+  steppedVariable<kIsOuter>(r) = r.val;
   r.interp->val = bobUnary(r.interp, up ? kOpDec : kOpInc, r.val);
   r.reload();
 }
-BOB_STEP void step(BobRegisters& r, BobOp<kQStepAfter>) {
+
+template <bool kIsOuter>
+BOB_STEP void stepAfter(BobRegisters& r) {
   const int32_t change = int32_t(*r.pc++);
-  const BobValue old = r.variable(r.a());
+  const BobValue old = steppedVariable<kIsOuter>(r);
   const int32_t changed = bobSmallValue(old) + change;
-  if (bobIsSmall(old) && bobFitsSmall(changed)) [[likely]] {
-    r.variable(r.a()) = bobSmall(changed);
-    r.val = old;
-    return;
-  }
-  stepAfter(r, change == 1);
+  if (!bobIsSmall(old) || !bobFitsSmall(changed)) [[unlikely]]
+    return stepAnyAfter<kIsOuter>(r, change == 1);
+  steppedVariable<kIsOuter>(r) = bobSmall(changed);
+  r.val = old;
 }
+
+BOB_STEP void step(BobRegisters& r, BobOp<kQStepAfter>) { stepAfter<false>(r); }
+BOB_STEP void step(BobRegisters& r, BobOp<kQStepOuter>) { stepAfter<true>(r); }
 
 // A loop's end: jumps to the step (none if the code runs on into it), the step, the test, and the branch back.
 template <BobQuickOp kQ>
@@ -191,7 +200,7 @@ requires(bobIsLoop(kQ)) BOB_STEP void step(BobRegisters& r, BobOp<kQ>) {
   if (bobIsSmall(old) && !__builtin_add_overflow(int32_t(old), change, &stepped)) [[likely]]
     r.variable(r.a()) = uint32_t(stepped);
   else
-    stepAfter(r, change > 0);
+    stepAnyAfter<false>(r, change > 0);
   r.need(1);
   ++r.pc;  // for an error of the comparison
   const BobValue right = form.rightIsLiteral ? *r.pc : r.variable(r.lowerB());

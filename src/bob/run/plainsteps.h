@@ -13,8 +13,10 @@ BOB_STEP void step(BobRegisters& r, BobOp<kQNot>) { r.val = bobBoolean(r.val == 
 BOB_STEP void step(BobRegisters& r, BobOp<kQLit>) { r.val = r.literal(r.b()); }
 BOB_STEP void step(BobRegisters& r, BobOp<kQArgsGe>) { r.val = bobBoolean(r.interp->argc >= int(r.a())); }
 
-BOB_STEP void step(BobRegisters& r, BobOp<kQOwn>) { r.val = r.variable(r.b()); }
-BOB_STEP void step(BobRegisters& r, BobOp<kQSetOwn>) { r.variable(r.b()) = r.val; }
+BOB_STEP void step(BobRegisters& r, BobOp<kQOwn>) { r.val = r.vars[r.signedB()]; }
+BOB_STEP void step(BobRegisters& r, BobOp<kQSetOwn>) { r.vars[r.signedB()] = r.val; }
+BOB_STEP void step(BobRegisters& r, BobOp<kQOuter>) { r.val = r.outerVariables()[r.signedB()]; }
+BOB_STEP void step(BobRegisters& r, BobOp<kQSetOuter>) { r.outerVariables()[r.signedB()] = r.val; }
 
 BOB_STEP uint32_t* findOrFail(BobRegisters& r) {
   using namespace BobLayout;

@@ -31,8 +31,8 @@
 
 // Instruction words: number in bits 0..7, a in 8..15, b in 16..31. Further words follow where it says so; a target counts
 // words from itself; a cache is three words (object, epoch, property), a call cache four (code, epoch, where its quick
-// code begins). A variable is given by the words that it lies above the start of the innermost environment; those of the
-// blocks around lie further up. In superinstructions a is the left variable, b the right one; a literal is a
+// code begins). A variable is given by the words that it lies above the start of the innermost environment, or below it
+// with a minus (see BobCodePaths::findOwn); where that has eight bits, kBobNearBias is added. In superinstructions a is the left variable, b the right one; a literal is a
 // word of its own, and comes before the target. The variable of a Set is a, or where that is taken b, or where both
 // are taken the upper half of b.
 #define BOB_QUICK_OPS(X)                                                                              \
@@ -59,9 +59,11 @@
   X(ReturnAny) X(Unframe) X(Frame) X(Cframe) /* a count */                                            \
   X(Call)                               /* a slots; call cache */                                     \
   X(Send)                               /* a slots; cache; call cache */                              \
-  X(Own) X(SetOwn)                      /* b variable, known to be there */                           \
+  X(Own) X(SetOwn)                      /* b variable, signed, known to be there */                   \
+  X(Outer) X(SetOuter)                  /* b the same in the environment around */                    \
   X(Var) X(Set)                         /* a depth, b index, not known to be there */                 \
   X(Neg) X(Inc) X(Dec) X(Dup2) X(Drop) X(Dup) X(Over) X(NewObject) X(NewVector) X(Close)              \
+  X(Block) X(Unblock)                   /* b variables of a block without a frame */                  \
   X(Switch)                             /* b cases; pairs of element and target; target */            \
   X(ArgsGe)                             /* a count */                                                 \
   X(PushScope)                                                                                        \
@@ -76,6 +78,7 @@
   X(PushCall) X(PushSend)               /* PUSH before CALL and SEND */                               \
   X(GrefPush) X(GrefCallee)             /* GREF PUSH, and PUSHSCOPE; b element; cache */              \
   X(StepAfter)                          /* EREF, INC or DEC, ESET and back; a variable; 1 or -1 */    \
+  X(StepOuter)                          /* the same in the environment around; b variable; 1 or -1 */  \
   X(LoopLtV) X(LoopLtL) X(LoopLeV) X(LoopLeL) X(LoopGeV) X(LoopGeL) X(LoopGtV) X(LoopGtL)             \
       /* StepAfter, a jump, EREF of the variable, PUSH, EREF or LIT, comparison and BRT; a variable, lower b the other */ \
       /* one, upper b 1 after a jump to the step; the word that the step adds; literal, if any; target */  \
@@ -102,6 +105,7 @@ enum BobQuickOp : uint8_t {
 };
 
 constexpr int kBobCacheWords = 3, kBobCallCacheWords = 4;
+constexpr int kBobNearBias = 128;  // what is added to a near variable's place
 
 // -- binary instructions by their parts
 

@@ -58,6 +58,7 @@ struct BobRegisters {
     std::memcpy(&word, reinterpret_cast<const uint8_t*>(insn) + (kIsLittle ? 2 : 0), sizeof word);
     return word;
   }
+  BOB_STEP int signedB() const { return int16_t(b()); }
   BOB_STEP uint32_t lowerB() const { return byteOf(2); }
   BOB_STEP uint32_t upperB() const { return byteOf(3); }
 
@@ -65,7 +66,8 @@ struct BobRegisters {
   BOB_STEP uint32_t* words(BobValue object) const { return reinterpret_cast<uint32_t*>(base + object); }
   BOB_STEP uint32_t offsetOf(const uint32_t* p) const { return uint32_t(reinterpret_cast<const uint8_t*>(p) - base); }
 
-  BOB_STEP BobValue& variable(uint32_t index) { return vars[index]; }
+  BOB_STEP BobValue& variable(uint32_t near) { return vars[int(near) - kBobNearBias]; }
+  BOB_STEP uint32_t* outerVariables() const { return words(vars[BobLayout::kEnvNext]); }
   BOB_STEP BobValue literal(uint32_t number) { return words(interp->code)[BobLayout::kCodeElements + number]; }
   BOB_STEP BobValue valueOf(BobValue property) { return words(property)[BobLayout::kValue]; }
 

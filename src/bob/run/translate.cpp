@@ -57,7 +57,7 @@ BobQuickOp plainForm(uint8_t opcode) {
 class Translator {
  public:
   // `marks` may be null.
-  Translator(BobInterp* interp, BobValue code, const BobCodePaths& paths, BobQuickCode& quick,
+  Translator(BobInterp* interp, BobValue code, BobCodePaths& paths, BobQuickCode& quick,
              std::vector<BobQuickMark>* marks)
       : paths(paths),
         out(quick.words),
@@ -68,6 +68,7 @@ class Translator {
 
   void translate() {
     combines = paths.proven && !isTraced && !instructionsOverlap();
+    if (combines) paths.flattenBlocks();
     places.assign(paths.length, kNowhere);
     bool open = false;  // the instruction before runs on into the next offset
     uint32_t next = kBobFirstOffset;
@@ -161,11 +162,13 @@ class Translator {
 
   void emitVariable(uint32_t at, const uint8_t* p) {
     const bool load = *p == kOpEref;
-    uint32_t index;
-    if (paths.findOwn(at, &index) && index <= UINT16_MAX)
-      out.put(load ? kQOwn : kQSetOwn, 0, index);
+    int index;
+    if (paths.findOwn(at, &index))
+      out.put(load ? kQOwn : kQSetOwn, 0, uint16_t(index));
+    else if (paths.findOuter(at, &index))
+      out.put(load ? kQOuter : kQSetOuter, 0, uint16_t(index));
     else
-      out.put(load ? kQVar : kQSet, p[1], p[2]);
+      out.put(load ? kQVar : kQSet, paths.depthOf(at), p[2]);
   }
 
   void emitSwitch(const uint8_t* p) {
@@ -226,8 +229,11 @@ class Translator {
         return true;
       case kOpReturn:
       case kOpUnframe:
-        if (paths.proven && paths.hasBlocks(at)) {
-          out.put(kQUnframe);
+        if (paths.proven && paths.hasBlocks(at) && !(paths.isFlat() && paths.endsFunction(at))) {
+          if (paths.isFlat())
+            out.put(kQUnblock, 0, paths.blockVariables(at));
+          else
+            out.put(kQUnframe);
           return true;
         }
         out.put(paths.proven ? kQReturn : kQReturnAny, 0, paths.variables);
@@ -242,8 +248,13 @@ class Translator {
         return true;
       case kOpEref:
       case kOpEset: emitVariable(at, p); return true;
-      case kOpFrame: out.put(kQFrame, p[1]); return true;
-      case kOpCframe: out.put(kQCframe, p[1]); return true;
+      case kOpFrame:
+      case kOpCframe:
+        if (paths.isFlat())
+          out.put(kQBlock, 0, *p == kOpCframe ? p[1] : 0);
+        else
+          out.put(*p == kOpCframe ? kQCframe : kQFrame, p[1]);
+        return true;
       case kOpSwitch: emitSwitch(p); return false;
       case kOpArgsGe: out.put(kQArgsGe, p[1]); return true;
       case kOpLine:
@@ -252,7 +263,7 @@ class Translator {
     }
   }
 
-  const BobCodePaths& paths;
+  BobCodePaths& paths;
   BobQuickWriter out;
   BobCombiner combiner;
   std::vector<BobQuickMark>* marks;
@@ -275,7 +286,7 @@ void translate(BobInterp* interp, BobValue code, BobQuickCode& quick, std::vecto
   quick.optional = bytes[2];
   quick.plainSlots = quick.hasRest || quick.optional ? -1 : quick.required;
   const uint32_t variables = uint32_t(quick.required + quick.optional + quick.hasRest);
-  const BobCodePaths paths(interp, code, variables);
+  BobCodePaths paths(interp, code, variables);
   Translator(interp, code, paths, quick, marks).translate();
 }
 
