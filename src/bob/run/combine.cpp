@@ -112,17 +112,32 @@ int BobCombiner::stepAfter(const Sequence& s) {
   return 4;
 }
 
-BobCombiner::Loop BobCombiner::combineLoop(const Sequence& s, uint32_t jumps) {
+bool BobCombiner::isLoopVariable(const Sequence& s, int i, BobLoopFlag ifOuter, uint32_t* operand,
+                                 uint32_t* flags) const {
+  int outer;
+  if (isVariable(s, i)) {
+    *operand = variable(s, i);
+    return true;
+  }
+  if (s.opcode(i) != kOpEref || !paths.findOuter(s.at[i], &outer) || outer >= kBobNearBias) return false;
+  *operand = uint32_t(outer + kBobNearBias);
+  *flags |= ifOuter;
+  return true;
+}
+
+BobCombiner::Loop BobCombiner::combineLoop(const Sequence& s, bool afterJump) {
   const int change = steps(s);
-  if (change == 0 || !isVariable(s, 0)) return {};
+  uint32_t counter, limit = 0, flags = afterJump ? kLoopAfterJump : 0;
+  if (change == 0 || !isLoopVariable(s, 0, kLoopCounterIsOuter, &counter, &flags)) return {};
   const uint32_t jump = s.at[4];
   if (!paths.isReached(jump) || paths.isBad(jump) || paths.bytes[jump] != kOpBr) return {};
   const Sequence test = from(bobWordAt(paths.bytes + jump + 1));
-  if (!isVariable(test, 0) || !isSameVariable(test.p[0], s.p[0]) || test.opcode(1) != kOpPush) return {};
+  if (test.opcode(0) != kOpEref || !isSameVariable(test.p[0], s.p[0]) || test.opcode(1) != kOpPush) return {};
   const int i = indexOf(kBobLoopOpcodes, test.opcode(3));
   const bool isLiteral = isSmallLiteral(test, 2);
-  if (i < 0 || test.opcode(4) != kOpBrt || (!isLiteral && !isVariable(test, 2))) return {};
-  out.put(bobLoopOp(i, isLiteral), variable(s, 0), (isLiteral ? 0 : variable(test, 2)) | jumps << 8);
+  if (i < 0 || test.opcode(4) != kOpBrt) return {};
+  if (!isLiteral && !isLoopVariable(test, 2, kLoopLimitIsOuter, &limit, &flags)) return {};
+  out.put(bobLoopOp(i, isLiteral), counter, limit | flags << 8);
   out.putWord(uint32_t(2 * change));  // what a small integer's word takes
   if (isLiteral) out.putWord(literal(test, 2));
   out.putTarget(test.operand(4));

@@ -33,12 +33,12 @@ class BobCombiner {
   int combine(const Sequence& s);
   // The same for a comparison with the branch after it.
   int combineTest(const Sequence& s) { return binary(s, true); }
-  // The same for x++ or x-- before a jump to a test of x. `jumps` have led here.
+  // The same for x++ or x-- before a jump to a test of x.
   struct Loop {
     uint32_t after = 0;     // where the code goes on when the test fails; 0: there is no such loop
     uint32_t compares = 0;  // the comparison
   };
-  Loop combineLoop(const Sequence& s, uint32_t jumps);
+  Loop combineLoop(const Sequence& s, bool afterJump);
 
  private:
   // A variable that is known to be there, near enough for an operand of one byte.
@@ -68,6 +68,7 @@ class BobCombiner {
   int binary(const Sequence& s, bool testsOnly);
   void putSet(int index, BobOperands operands, uint32_t a, uint32_t b, const Sequence& s, int store);
   int steps(const Sequence& s) const;
+  bool isLoopVariable(const Sequence& s, int i, BobLoopFlag ifOuter, uint32_t* operand, uint32_t* flags) const;
   int stepAfter(const Sequence& s);
   int taken(int count, BobQuickOp op, uint32_t a, uint32_t b, bool hasCache = false);
   int takenField(int count, BobQuickOp op, uint32_t a, BobValue symbol);

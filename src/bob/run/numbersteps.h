@@ -160,51 +160,64 @@ BOB_STEP void step(BobRegisters& r, BobOp<kQDec>) { computeUnary<kOpDec>(r); }
 BOB_STEP void step(BobRegisters& r, BobOp<kQBnot>) { computeUnary<kOpBnot>(r); }
 
 // x++ and x--: the variable takes the step, val keeps the old value.
-template <bool kIsOuter>
-BOB_STEP BobValue& steppedVariable(BobRegisters& r) {
-  return kIsOuter ? r.outerVariables()[r.signedB()] : r.variable(r.a());
+enum class BobStepped { kOwn, kOuter, kLoop };
+
+template <BobStepped kWhere>
+BOB_STEP BobValue* steppedVariable(BobRegisters& r) {
+  if constexpr (kWhere == BobStepped::kOuter) return r.outerVariables() + r.signedB();
+  if (kWhere == BobStepped::kLoop && (r.upperB() & kLoopCounterIsOuter))
+    return r.outerVariables() + r.a() - kBobNearBias;
+  return &r.variable(r.a());
 }
 
-template <bool kIsOuter>
+template <BobStepped kWhere>
 BOB_STEP void stepAnyAfter(BobRegisters& r, bool up) {
   r.store();
-  r.interp->val = bobUnary(r.interp, up ? kOpInc : kOpDec, steppedVariable<kIsOuter>(r));
+  r.interp->val = bobUnary(r.interp, up ? kOpInc : kOpDec, *steppedVariable<kWhere>(r));
   r.reload();
-  steppedVariable<kIsOuter>(r) = r.val;
+  *steppedVariable<kWhere>(r) = r.val;
   r.interp->val = bobUnary(r.interp, up ? kOpDec : kOpInc, r.val);
   r.reload();
 }
 
-template <bool kIsOuter>
+template <BobStepped kWhere>
 BOB_STEP void stepAfter(BobRegisters& r) {
   const int32_t change = int32_t(*r.pc++);
-  const BobValue old = steppedVariable<kIsOuter>(r);
+  BobValue* const place = steppedVariable<kWhere>(r);
+  const BobValue old = *place;
   const int32_t changed = bobSmallValue(old) + change;
   if (!bobIsSmall(old) || !bobFitsSmall(changed)) [[unlikely]]
-    return stepAnyAfter<kIsOuter>(r, change == 1);
-  steppedVariable<kIsOuter>(r) = bobSmall(changed);
+    return stepAnyAfter<kWhere>(r, change == 1);
+  *place = bobSmall(changed);
   r.val = old;
 }
 
-BOB_STEP void step(BobRegisters& r, BobOp<kQStepAfter>) { stepAfter<false>(r); }
-BOB_STEP void step(BobRegisters& r, BobOp<kQStepOuter>) { stepAfter<true>(r); }
+BOB_STEP void step(BobRegisters& r, BobOp<kQStepAfter>) { stepAfter<BobStepped::kOwn>(r); }
+BOB_STEP void step(BobRegisters& r, BobOp<kQStepOuter>) { stepAfter<BobStepped::kOuter>(r); }
 
 // A loop's end: jumps to the step (none if the code runs on into it), the step, the test, and the branch back.
 template <BobQuickOp kQ>
 requires(bobIsLoop(kQ)) BOB_STEP void step(BobRegisters& r, BobOp<kQ>) {
   constexpr BobLoopForm form = bobLoopForm(kQ);
-  if (r.upperB()) r.countStep();
+  if (r.upperB() & kLoopAfterJump) r.countStep();
   const int32_t change = int32_t(*r.pc);
-  const BobValue old = r.variable(r.a());
+  BobValue* const place = steppedVariable<BobStepped::kLoop>(r);
+  BobValue left = *place;
   int32_t stepped;
-  if (bobIsSmall(old) && !__builtin_add_overflow(int32_t(old), change, &stepped)) [[likely]]
-    r.variable(r.a()) = uint32_t(stepped);
-  else
-    stepAnyAfter<false>(r, change > 0);
+  if (bobIsSmall(left) && !__builtin_add_overflow(int32_t(left), change, &stepped)) [[likely]] {
+    *place = left = uint32_t(stepped);
+  } else {
+    stepAnyAfter<BobStepped::kLoop>(r, change > 0);
+    left = *steppedVariable<BobStepped::kLoop>(r);
+  }
   r.need(1);
   ++r.pc;  // for an error of the comparison
-  const BobValue right = form.rightIsLiteral ? *r.pc : r.variable(r.lowerB());
-  const BobValue left = r.variable(r.a());
-  r.pc += form.rightIsLiteral;
+  BobValue right;
+  if constexpr (form.rightIsLiteral)
+    right = *r.pc++;
+  else if (r.upperB() & kLoopLimitIsOuter)
+    right = r.outerVariables()[int(r.lowerB()) - kBobNearBias];
+  else
+    right = r.variable(r.lowerB());
   compareAndBranch<form.opcode, form.rightIsLiteral, true>(r, left, right);
 }

@@ -49,8 +49,17 @@ BOB_STEP uint32_t* findElement(BobRegisters& r, BobValue object, BobValue index)
     if (w[0] != kBobMovedVector) return nullptr;
     w = r.words(w[kMovedTo]);
   }
-  if (uint32_t(bobSmallValue(index)) >= w[kSize]) return nullptr;
-  return w + kElements + bobSmallValue(index);
+  if (index >> 1 >= w[kSize]) return nullptr;  // as is a negative one
+  return reinterpret_cast<uint32_t*>(reinterpret_cast<uint8_t*>(w + kElements) + 2 * size_t(index) - 2);
+}
+
+// The byte of a string at a small index, or -1.
+BOB_STEP int findByte(BobRegisters& r, BobValue object, BobValue index) {
+  using namespace BobLayout;
+  if (bobIsSmall(object) || !bobIsSmall(index)) return -1;
+  const uint32_t* w = r.words(object);
+  if (w[0] != kBobString || index >> 1 >= w[kStringLength]) return -1;
+  return reinterpret_cast<const uint8_t*>(w)[kStringBytes + (index >> 1)];
 }
 
 // -- the property of a plain object under a symbol; 0 for anything else, about which the general paths decide
@@ -108,12 +117,14 @@ BOB_STEP void getField(BobRegisters& r, BobValue object) {
 }
 
 BOB_STEP void getElement(BobRegisters& r, BobValue vector, BobValue index) {
-  const uint32_t* element = findElement(r, vector, index);
-  if (!element) [[unlikely]] {
+  if (const uint32_t* element = findElement(r, vector, index)) [[likely]] {
+    r.val = *element;
+  } else if (const int byte = findByte(r, vector, index); byte >= 0) {
+    r.val = bobSmall(byte);
+  } else {
     r.val = index;
     return get(r, vector);
   }
-  r.val = *element;
   r.pc += kBobCacheWords;
 }
 

@@ -31,6 +31,18 @@ BOB_STEP uint32_t* findOrFail(BobRegisters& r) {
     r.fail(kBobBadOpcode);
   return env + kEnvNext + count - r.b();
 }
+BOB_STEP uint32_t* findNextOrFail(BobRegisters& r) {
+  using namespace BobLayout;
+  if (r.vars[kEnvNext] == kBobNil) [[unlikely]]
+    r.fail(kBobBadOpcode);
+  uint32_t* const env = r.outerVariables();
+  const size_t count = env[kEnvCount], index = r.b();
+  if (index + 2 > count) [[unlikely]]
+    r.fail(kBobBadOpcode);
+  return env + kEnvNext + count - index;
+}
+BOB_STEP void step(BobRegisters& r, BobOp<kQVarNext>) { r.val = *findNextOrFail(r); }
+BOB_STEP void step(BobRegisters& r, BobOp<kQSetNext>) { *findNextOrFail(r) = r.val; }
 BOB_STEP void step(BobRegisters& r, BobOp<kQVar>) { r.val = *findOrFail(r); }
 BOB_STEP void step(BobRegisters& r, BobOp<kQSet>) { *findOrFail(r) = r.val; }
 

@@ -62,6 +62,7 @@
   X(Own) X(SetOwn)                      /* b variable, signed, known to be there */                   \
   X(Outer) X(SetOuter)                  /* b the same in the environment around */                    \
   X(Var) X(Set)                         /* a depth, b index, not known to be there */                 \
+  X(VarNext) X(SetNext)                 /* the same at depth 1 */                                     \
   X(Neg) X(Inc) X(Dec) X(Dup2) X(Drop) X(Dup) X(Over) X(NewObject) X(NewVector) X(Close)              \
   X(Block) X(Unblock)                   /* b variables of a block without a frame */                  \
   X(Switch)                             /* b cases; pairs of element and target; target */            \
@@ -81,7 +82,7 @@
   X(StepOuter)                          /* the same in the environment around; b variable; 1 or -1 */  \
   X(LoopLtV) X(LoopLtL) X(LoopLeV) X(LoopLeL) X(LoopGeV) X(LoopGeL) X(LoopGtV) X(LoopGtL)             \
       /* StepAfter, a jump, EREF of the variable, PUSH, EREF or LIT, comparison and BRT; a variable, lower b the other */ \
-      /* one, upper b 1 after a jump to the step; the word that the step adds; literal, if any; target */  \
+      /* one, upper b a BobLoopFlag; the word that the step adds; literal, if any; target */  \
   X(GetField)                           /* PUSH LIT GETP of a symbol; symbol; cache */                \
   X(GetVarField)                        /* EREF before that; a variable; symbol; cache */             \
   X(PushGetVarField)                    /* PUSH before that */                                        \
@@ -168,6 +169,8 @@ constexpr BobTestForm bobTestForm(BobQuickOp op) {
 constexpr BobQuickOp bobTestOp(int index, BobOperands operands, bool branchesWhenTrue) {
   return BobQuickOp(kQLtVVBrt + kBobTestForms * index + int(operands) - 1 + (branchesWhenTrue ? 0 : kBobTestForms / 2));
 }
+
+enum BobLoopFlag { kLoopAfterJump = 1, kLoopCounterIsOuter = 2, kLoopLimitIsOuter = 4 };
 
 // A loop's step with its test.
 struct BobLoopForm {

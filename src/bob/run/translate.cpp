@@ -131,7 +131,7 @@ class Translator {
     if (combines) {
       const BobCombiner::Sequence s = combiner.from(target);
       const uint32_t at = out.here();
-      if (const uint32_t after = emitLoop(s, 1)) {
+      if (const uint32_t after = emitLoop(s, true)) {
         target = after;
       } else if (const int taken = combiner.combineTest(s)) {
         mark(at, failingPart(s, taken));
@@ -143,9 +143,9 @@ class Translator {
   }
 
   // Where the code goes on after the loop, or 0. An error of the test is told from one of the step by the words read.
-  uint32_t emitLoop(const BobCombiner::Sequence& s, uint32_t jumps) {
+  uint32_t emitLoop(const BobCombiner::Sequence& s, bool afterJump) {
     const uint32_t at = out.here();
-    const BobCombiner::Loop loop = combiner.combineLoop(s, jumps);
+    const BobCombiner::Loop loop = combiner.combineLoop(s, afterJump);
     if (!loop.after) return 0;
     mark(at, s.at[3]);
     mark(at + 1, loop.compares);
@@ -167,6 +167,8 @@ class Translator {
       out.put(load ? kQOwn : kQSetOwn, 0, uint16_t(index));
     else if (paths.findOuter(at, &index))
       out.put(load ? kQOuter : kQSetOuter, 0, uint16_t(index));
+    else if (paths.depthOf(at) == 1)
+      out.put(load ? kQVarNext : kQSetNext, 0, p[2]);
     else
       out.put(load ? kQVar : kQSet, paths.depthOf(at), p[2]);
   }
@@ -189,7 +191,7 @@ class Translator {
     }
     if (combines) {
       const BobCombiner::Sequence s = combiner.from(at);
-      if (const uint32_t after = emitLoop(s, 0)) {
+      if (const uint32_t after = emitLoop(s, false)) {
         next = after;
         combinedUpTo = paths.isTarget(s.at[4]) ? s.at[4] : s.at[5];
         return true;
