@@ -165,6 +165,28 @@ TEST(Superinstructions, CountsLoopsAsItsPartsWould) {
   EXPECT_EQ(session.eval("f(3);"), "--> \"0.5 1.5 2.5 \"\n");
 }
 
+// The steps of a program, which limits count, don't depend on what could be combined.
+TEST(Superinstructions, TakesAsManyStepsAsEver) {
+  static int steps;
+  const auto count = [](const std::string& body) {
+    Session session;
+    session.run("define f(n) { " + body + " }");
+    steps = 0;
+    bobSetRest(session.interp, [](BobInterp*) { ++steps; });
+    bobRestOften(session.interp, 1);
+    EXPECT_TRUE(session.run("f(10);")) << session.answer();
+    return steps;
+  };
+  const std::string loop = "for (i = 0; i < n; i++) i;";
+  EXPECT_EQ(count("local i; " + loop), 23);
+  EXPECT_EQ(count("local i; { local b, c, d; " + loop + " }"), 23);
+  // From far away, and where a closure might have moved the variables, the jump to the test is a step as well.
+  std::string deep = loop;
+  for (int k = 0; k < 15; ++k) deep = "{ local a, b, c, d; " + deep + " }";
+  EXPECT_EQ(count("local i; " + deep), 32);
+  EXPECT_EQ(count("local i; { local g = function () { return i; }; " + loop + " }"), 32);
+}
+
 TEST(Superinstructions, StepsVariablesAcrossTheEdgeOfSmallIntegers) {
   Session session;
   const auto expect = [&](const char* body, auto model) {

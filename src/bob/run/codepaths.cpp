@@ -141,6 +141,14 @@ bool BobCodePaths::findOwn(uint32_t at, int* index) const {
   return true;
 }
 
+bool BobCodePaths::isClose(uint32_t at) const {
+  int index;
+  if (!findOwn(at, &index)) return false;
+  const int innermost = states[size_t(reached[at])].node;
+  const int top = flat && innermost != 0 ? topOf(innermost) : index + bytes[at + 2];
+  return top - index >= -128 && top - index < 128;
+}
+
 bool BobCodePaths::findOuter(uint32_t at, int* index) const {
   uint32_t depth = bytes[at + 1];
   if (!proven || flat || depth != 1) return false;

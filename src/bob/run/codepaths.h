@@ -52,6 +52,9 @@ class BobCodePaths {
   // innermost environment. Only those of that environment are found, since the ones around may move; in flat code it is
   // the function's, and those of blocks lie below it. False for a variable that is to be looked for.
   bool findOwn(uint32_t at, int* index) const;
+  // Whether the variable is one of the function that lies in place, at most 128 words from those of the innermost
+  // block.
+  bool isClose(uint32_t at) const;
   // The same for one of the next environment out, where blocks have frames.
   bool findOuter(uint32_t at, int* index) const;
   // How many environments out a variable that is to be looked for lies, when the code runs.

@@ -119,10 +119,18 @@ bool BobCombiner::isLoopVariable(const Sequence& s, int i, BobLoopFlag ifOuter, 
     *operand = variable(s, i);
     return true;
   }
-  if (s.opcode(i) != kOpEref || !paths.findOuter(s.at[i], &outer) || outer >= kBobNearBias) return false;
+  if (s.opcode(i) != kOpEref || !paths.findOuter(s.at[i], &outer) || outer > UINT8_MAX - kBobNearBias) return false;
   *operand = uint32_t(outer + kBobNearBias);
   *flags |= ifOuter;
   return true;
+}
+
+int BobCombiner::freeTest(const Sequence& s) const {
+  const int first = isClose(s, 0) ? 1 : 0;
+  const bool isTest = s.opcode(first) == kOpPush && (isSmallLiteral(s, first + 1) || isClose(s, first + 1)) &&
+                      indexOf(kBobComparisonOpcodes, s.opcode(first + 2)) >= 0 &&
+                      (s.opcode(first + 3) == kOpBrt || s.opcode(first + 3) == kOpBrf);
+  return isTest ? first + 4 : 0;
 }
 
 BobCombiner::Loop BobCombiner::combineLoop(const Sequence& s, bool afterJump) {
@@ -137,11 +145,13 @@ BobCombiner::Loop BobCombiner::combineLoop(const Sequence& s, bool afterJump) {
   const bool isLiteral = isSmallLiteral(test, 2);
   if (i < 0 || test.opcode(4) != kOpBrt) return {};
   if (!isLiteral && !isLoopVariable(test, 2, kLoopLimitIsOuter, &limit, &flags)) return {};
+  const bool isFree = freeTest(test) != 0;
+  if (!isFree) flags |= kLoopJumps;
   out.put(bobLoopOp(i, isLiteral), counter, limit | flags << 8);
   out.putWord(uint32_t(2 * change));  // what a small integer's word takes
   if (isLiteral) out.putWord(literal(test, 2));
   out.putTarget(test.operand(4));
-  return {test.at[5], test.at[3]};
+  return {test.at[5], test.at[3], isFree};
 }
 
 int BobCombiner::taken(int count, BobQuickOp op, uint32_t a, uint32_t b, bool hasCache) {

@@ -37,7 +37,11 @@ class BobCombiner {
   struct Loop {
     uint32_t after = 0;     // where the code goes on when the test fails; 0: there is no such loop
     uint32_t compares = 0;  // the comparison
+    bool jumpIsFree = false;
   };
+  // The parts of a test at the sequence's beginning that stands in the place of a jump to it, or 0. A program's steps
+  // are its branches and calls; that such a jump is none is part of what a limit of steps means, whatever is combined.
+  int freeTest(const Sequence& s) const;
   Loop combineLoop(const Sequence& s, bool afterJump);
 
  private:
@@ -46,7 +50,7 @@ class BobCombiner {
   bool isStore(const Sequence& s, int i) const { return s.opcode(i) == kOpEset && isNear(s.at[i]); }
   bool isNear(uint32_t at) const {
     int index;
-    return paths.findOwn(at, &index) && index >= -kBobNearBias && index < kBobNearBias;
+    return paths.findOwn(at, &index) && index >= -kBobNearBias && index <= UINT8_MAX - kBobNearBias;
   }
   uint32_t variable(const Sequence& s, int i) const {
     int index = 0;
@@ -67,6 +71,7 @@ class BobCombiner {
 
   int binary(const Sequence& s, bool testsOnly);
   void putSet(int index, BobOperands operands, uint32_t a, uint32_t b, const Sequence& s, int store);
+  bool isClose(const Sequence& s, int i) const { return s.opcode(i) == kOpEref && paths.isClose(s.at[i]); }
   int steps(const Sequence& s) const;
   bool isLoopVariable(const Sequence& s, int i, BobLoopFlag ifOuter, uint32_t* operand, uint32_t* flags) const;
   int stepAfter(const Sequence& s);

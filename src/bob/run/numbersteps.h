@@ -210,6 +210,7 @@ requires(bobIsLoop(kQ)) BOB_STEP void step(BobRegisters& r, BobOp<kQ>) {
     stepAnyAfter<BobStepped::kLoop>(r, change > 0);
     left = *steppedVariable<BobStepped::kLoop>(r);
   }
+  if (r.upperB() & kLoopJumps) r.countStep();
   r.need(1);
   ++r.pc;  // for an error of the comparison
   BobValue right;

@@ -95,6 +95,7 @@ BOB_STEP void step(BobRegisters& r, BobOp<kQTrace>) {
 // -- branches
 
 BOB_STEP void step(BobRegisters& r, BobOp<kQJump>) { r.branch(); }
+BOB_STEP void step(BobRegisters& r, BobOp<kQGoto>) { r.pc += int32_t(*r.pc); }
 BOB_STEP void step(BobRegisters& r, BobOp<kQBrt>) { r.branchIf(r.val != kBobFalse); }
 BOB_STEP void step(BobRegisters& r, BobOp<kQBrf>) { r.branchIf(r.val == kBobFalse); }
 BOB_STEP void step(BobRegisters& r, BobOp<kQSwitch>) {

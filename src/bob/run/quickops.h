@@ -37,7 +37,7 @@
 // are taken the upper half of b.
 #define BOB_QUICK_OPS(X)                                                                              \
   X(Bad)                                                                                              \
-  X(Jump) X(Brt) X(Brf)                 /* target */                                                  \
+  X(Jump) X(Goto) X(Brt) X(Brf)         /* target; a goto is no step */                                                  \
   X(True) X(Nil) X(Push) X(Not) X(Bnot)                                                               \
   BOB_ARITHMETIC_FORMS(X, Add) BOB_ARITHMETIC_SET_FORMS(X, Add)                                       \
   BOB_ARITHMETIC_FORMS(X, Sub) BOB_ARITHMETIC_SET_FORMS(X, Sub)                                       \
@@ -98,15 +98,15 @@
 
 // clang-format on
 
+// One byte holds them, barely.
 enum BobQuickOp : uint8_t {
 #define BOB_QUICK_ENUM(name) kQ##name,
   BOB_QUICK_OPS(BOB_QUICK_ENUM)
 #undef BOB_QUICK_ENUM
-      kQEnd
 };
 
 constexpr int kBobCacheWords = 3, kBobCallCacheWords = 4;
-constexpr int kBobNearBias = 128;  // what is added to a near variable's place
+constexpr int kBobNearBias = 208;  // what is added to a near variable's place
 
 // -- binary instructions by their parts
 
@@ -170,7 +170,8 @@ constexpr BobQuickOp bobTestOp(int index, BobOperands operands, bool branchesWhe
   return BobQuickOp(kQLtVVBrt + kBobTestForms * index + int(operands) - 1 + (branchesWhenTrue ? 0 : kBobTestForms / 2));
 }
 
-enum BobLoopFlag { kLoopAfterJump = 1, kLoopCounterIsOuter = 2, kLoopLimitIsOuter = 4 };
+// After a jump to the step; with one that is a step (BobCombiner::freeTest) from it to the test.
+enum BobLoopFlag { kLoopAfterJump = 1, kLoopCounterIsOuter = 2, kLoopLimitIsOuter = 4, kLoopJumps = 8 };
 
 // A loop's step with its test.
 struct BobLoopForm {

@@ -131,25 +131,41 @@ class Translator {
     if (combines) {
       const BobCombiner::Sequence s = combiner.from(target);
       const uint32_t at = out.here();
-      if (const uint32_t after = emitLoop(s, true)) {
-        target = after;
-      } else if (const int taken = combiner.combineTest(s)) {
-        mark(at, failingPart(s, taken));
-        target = s.at[taken];
+      if (emitLoop(s, true)) return;
+      if (const int parts = combiner.freeTest(s)) {
+        if (combiner.combineTest(s))
+          mark(at, failingPart(s, parts));
+        else
+          emitParts(s, parts);
+        target = s.at[parts];
       }
     }
-    out.put(kQJump);
+    putJump(kQJump, target);
+  }
+
+  void emitParts(const BobCombiner::Sequence& s, int parts) {
+    uint32_t next;
+    for (int i = 0; i < parts; ++i) {
+      mark(out.here(), s.at[i]);
+      emitSingle(s.at[i], next);
+    }
+  }
+
+  void putJump(BobQuickOp op, uint32_t target) {
+    out.put(op);
     out.putTarget(target);
   }
 
-  // Where the code goes on after the loop, or 0. An error of the test is told from one of the step by the words read.
-  uint32_t emitLoop(const BobCombiner::Sequence& s, bool afterJump) {
+  // The loop, if there is one, and the jump to what comes after it. An error of the test is told from one of the step
+  // by the words read.
+  bool emitLoop(const BobCombiner::Sequence& s, bool afterJump) {
     const uint32_t at = out.here();
     const BobCombiner::Loop loop = combiner.combineLoop(s, afterJump);
-    if (!loop.after) return 0;
+    if (!loop.after) return false;
     mark(at, s.at[3]);
     mark(at + 1, loop.compares);
-    return loop.after;
+    putJump(loop.jumpIsFree ? kQJump : kQGoto, loop.after);
+    return true;
   }
 
   void emitTrace(uint32_t at) {
@@ -191,10 +207,9 @@ class Translator {
     }
     if (combines) {
       const BobCombiner::Sequence s = combiner.from(at);
-      if (const uint32_t after = emitLoop(s, false)) {
-        next = after;
+      if (emitLoop(s, false)) {
         combinedUpTo = paths.isTarget(s.at[4]) ? s.at[4] : s.at[5];
-        return true;
+        return false;
       }
       if (const int taken = combiner.combine(s)) {
         if (marks) marks->back().offset = failingPart(s, taken);
