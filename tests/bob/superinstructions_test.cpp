@@ -35,6 +35,18 @@ const std::vector<std::string> kShapes = {
     "local o = \\{ x: a, y: b }; return o.x OP o.y;",
     "return \\[5, a OP b][1];",
     "return { local t = a; t OP b; };",
+    // The left operand waits for the right one, unless that changes it.
+    "return a OP (b + 0);",
+    "local r = a; r = r OP (b ^ 0); return r;",
+    "local x = a; return x OP (x = b);",
+    "local x = a, f = function () { x = 7; return b; }; return x OP f();",
+    "local x = a, v = \\[b], i = 0; return x OP v[i + 0];",
+    // So does what is stored into.
+    "local o = \\{ x: 0 }; o.x = a OP b; return o.x;",
+    "local o = \\{ x: 0 }, p = o; o.x = (o = a) OP b; return p.x;",
+    "local v = \\[0, 0], i = 1; v[i] = a OP b; return v[1];",
+    "local v = \\[0, 0], i = 1; v[i] = (i = a) OP b; return v[1];",
+    "local v = \\[0, 0], i = 0; v[i + 1] = a OP b; return v[1];",
 };
 const std::vector<std::string> kLiteralShapes = {
     "return a OP LIT;",
@@ -120,7 +132,7 @@ TEST(Superinstructions, BranchesAsItsPartsWould) {
     const auto model = [holds = holds](int32_t a, int32_t b) { return int32_t(holds(a, b)); };
     Session session;
     for (const std::string& use : uses) {
-      for (const char* test : {"a OP b", "(a + 0) OP b", "ga OP gb", "a OP gb"})
+      for (const char* test : {"a OP b", "(a + 0) OP b", "ga OP gb", "a OP gb", "a OP (b + 0)"})
         Check(session, Replace(Replace(use, "TEST", test), "OP", relation), kValues, model);
       for (int32_t literal : kValues)
         for (const char* test : {"a OP LIT", "ga OP LIT"})
@@ -128,6 +140,51 @@ TEST(Superinstructions, BranchesAsItsPartsWould) {
                 model);
     }
   }
+}
+
+// A loop's step, test and branch in one: how often it turns, from a on.
+TEST(Superinstructions, CountsLoopsAsItsPartsWould) {
+  Session session;
+  for (const auto& [relation, holds] : kRelations) {
+    for (const int step : {1, -1}) {
+      const auto model = [&, holds = holds](int32_t a, int32_t b) {
+        int32_t turns = 0;
+        for (int64_t i = a; holds(i, b) && turns < 5; i = Wrap(i + step)) ++turns;
+        return turns;
+      };
+      for (const char* limit : {"b", "LIT"}) {
+        std::string loop =
+            "local i, n = 0; for (i = a; i OP LIMIT; iSTEP) { if (n == 5) break; n++; if (n == 3) continue; n; }"
+            " return n;";
+        loop = Replace(Replace(Replace(loop, "LIMIT", limit), "OP", relation), "STEP", step > 0 ? "++" : "--");
+        for (const int32_t b : kValues) Check(session, Replace(loop, "LIT", Text(b)), {b}, model);
+      }
+    }
+  }
+  session.run("define f(n) { local i, t = \"\"; for (i = 0.5; i < n; i++) t = t + toString(i) + \" \"; return t; }");
+  EXPECT_EQ(session.eval("f(3);"), "--> \"0.5 1.5 2.5 \"\n");
+}
+
+// The steps of a program, which limits count, don't depend on what could be combined.
+TEST(Superinstructions, TakesAsManyStepsAsEver) {
+  static int steps;
+  const auto count = [](const std::string& body) {
+    Session session;
+    session.run("define f(n) { " + body + " }");
+    steps = 0;
+    bobSetRest(session.interp, [](BobInterp*) { ++steps; });
+    bobRestOften(session.interp, 1);
+    EXPECT_TRUE(session.run("f(10);")) << session.answer();
+    return steps;
+  };
+  const std::string loop = "for (i = 0; i < n; i++) i;";
+  EXPECT_EQ(count("local i; " + loop), 23);
+  EXPECT_EQ(count("local i; { local b, c, d; " + loop + " }"), 23);
+  // From far away, and where a closure might have moved the variables, the jump to the test is a step as well.
+  std::string deep = loop;
+  for (int k = 0; k < 15; ++k) deep = "{ local a, b, c, d; " + deep + " }";
+  EXPECT_EQ(count("local i; " + deep), 32);
+  EXPECT_EQ(count("local i; { local g = function () { return i; }; " + loop + " }"), 32);
 }
 
 TEST(Superinstructions, StepsVariablesAcrossTheEdgeOfSmallIntegers) {

@@ -5,6 +5,27 @@
 
 #include "platform/openfile.h"
 
+bool BobStream::GetLine(std::string& line, size_t most) {
+  while (line.size() < most) {
+    const int c = GetC();
+    if (c == -1) return false;
+    line += char(c);
+    if (c == '\n') break;
+  }
+  return true;
+}
+
+bool BobStringInput::GetLine(std::string& line, size_t most) {
+  const size_t wanted = most - line.size();
+  const std::string_view piece(cursor, std::min(left, wanted));
+  const size_t newline = piece.find('\n');
+  const size_t count = newline == piece.npos ? piece.size() : newline + 1;
+  line.append(cursor, count);
+  cursor += count;
+  left -= count;
+  return newline != piece.npos || count == wanted;
+}
+
 int BobFileStream::Close() {
   if (!file) return 0;
   const int result = std::fclose(file);

@@ -10,8 +10,10 @@
 class BobStream {
  public:
   virtual ~BobStream() = default;
-  virtual int Close() { return 0; }     // 0 on success
-  virtual int GetC() { return -1; }     // the next byte, or -1
+  virtual int Close() { return 0; }  // 0 on success
+  virtual int GetC() { return -1; }  // the next byte, or -1
+  // Appends bytes up to a newline, that one included, or until `line` has `most`: false if the stream ended before.
+  virtual bool GetLine(std::string& line, size_t most);
   virtual int PutC(int) { return -1; }  // the byte written, or -1
 };
 
@@ -26,6 +28,7 @@ class BobStringInput : public BobStream {
  public:
   explicit BobStringInput(std::string_view bytes) : cursor(bytes.data()), left(bytes.size()) {}
   int GetC() override { return left == 0 ? -1 : (--left, uint8_t(*cursor++)); }
+  bool GetLine(std::string& line, size_t most) override;
 
  private:
   const char* cursor;
@@ -37,6 +40,7 @@ class BobStringCopyInput : public BobStream {
  public:
   explicit BobStringCopyInput(std::string_view bytes) : copy(bytes), input(copy) {}
   int GetC() override { return input.GetC(); }
+  bool GetLine(std::string& line, size_t most) override { return input.GetLine(line, most); }
 
  private:
   std::string copy;

@@ -109,7 +109,7 @@ struct BobCompiler {
   Place conditional();
   Place logicalOr();
   Place logicalAnd();
-  Place binary(int level);
+  Place binary(int least);
   Place prefix();
   Place stepBefore(BobOpcode step);
   void stepInPlace(const Place& place, BobOpcode step);

@@ -1,5 +1,5 @@
 // Expressions, from the comma down to the postfix operators.
-#include <iterator>
+#include <array>
 
 #include "bob/compile/compiler.h"
 
@@ -10,26 +10,28 @@ struct Operator {
   BobOpcode op;
 };
 
-// The levels of left-associative binary operators, the loosest first.
-constexpr Operator kBitOr[] = {{'|', kOpBor}};
-constexpr Operator kBitXor[] = {{'^', kOpXor}};
-constexpr Operator kBitAnd[] = {{'&', kOpBand}};
-constexpr Operator kEquality[] = {{kTokenEq, kOpEq}, {kTokenNe, kOpNe}};
-constexpr Operator kRelation[] = {{'<', kOpLt}, {kTokenLe, kOpLe}, {kTokenGe, kOpGe}, {'>', kOpGt}};
-constexpr Operator kShift[] = {{kTokenShl, kOpShl}, {kTokenShr, kOpShr}};
-constexpr Operator kAdditive[] = {{'+', kOpAdd}, {'-', kOpSub}};
-constexpr Operator kMultiplicative[] = {{'*', kOpMul}, {'/', kOpDiv}, {'%', kOpRem}};
-
+// Left-associative binary operators by level, the loosest first.
 struct Level {
-  const Operator* operators;
-  size_t count;
+  int level;
+  Operator op;
 };
 constexpr Level kLevels[] = {
-    {kBitOr, std::size(kBitOr)},       {kBitXor, std::size(kBitXor)},
-    {kBitAnd, std::size(kBitAnd)},     {kEquality, std::size(kEquality)},
-    {kRelation, std::size(kRelation)}, {kShift, std::size(kShift)},
-    {kAdditive, std::size(kAdditive)}, {kMultiplicative, std::size(kMultiplicative)},
+    {0, {'|', kOpBor}},     {1, {'^', kOpXor}},       {2, {'&', kOpBand}},      {3, {kTokenEq, kOpEq}},
+    {3, {kTokenNe, kOpNe}}, {4, {'<', kOpLt}},        {4, {kTokenLe, kOpLe}},   {4, {kTokenGe, kOpGe}},
+    {4, {'>', kOpGt}},      {5, {kTokenShl, kOpShl}}, {5, {kTokenShr, kOpShr}}, {6, {'+', kOpAdd}},
+    {6, {'-', kOpSub}},     {7, {'*', kOpMul}},       {7, {'/', kOpDiv}},       {7, {'%', kOpRem}},
 };
+
+struct Binary {
+  int8_t level = -1;  // none
+  BobOpcode op = kOpEnd;
+};
+constexpr std::array<Binary, kTokensEnd> makeBinaries() {
+  std::array<Binary, kTokensEnd> byToken{};
+  for (const Level& l : kLevels) byToken[size_t(l.op.token)] = {int8_t(l.level), l.op.op};
+  return byToken;
+}
+constexpr std::array<Binary, kTokensEnd> kBinaries = makeBinaries();
 
 // The scanner never delivers kTokenRemEq.
 constexpr Operator kCompound[] = {
@@ -37,9 +39,9 @@ constexpr Operator kCompound[] = {
     {kTokenAndEq, kOpBand}, {kTokenOrEq, kOpBor},  {kTokenXorEq, kOpXor}, {kTokenShlEq, kOpShl}, {kTokenShrEq, kOpShr},
 };
 
-const Operator* findOperator(const Operator* operators, size_t count, int token) {
-  for (size_t i = 0; i < count; ++i)
-    if (operators[i].token == token) return &operators[i];
+const Operator* findCompound(int token) {
+  for (const Operator& compound : kCompound)
+    if (compound.token == token) return &compound;
   return nullptr;
 }
 
@@ -76,7 +78,7 @@ BobCompiler::Place BobCompiler::assignment() {
     store(place);
     return {};
   }
-  const Operator* compound = findOperator(kCompound, std::size(kCompound), token);
+  const Operator* compound = findCompound(token);
   if (!compound) {
     scanner.unread(token);
     return place;
@@ -135,23 +137,23 @@ BobCompiler::Place BobCompiler::logicalAnd() {
   return place;
 }
 
-BobCompiler::Place BobCompiler::binary(int level) {
-  if (level == int(std::size(kLevels))) return prefix();
-  Place place = binary(level + 1);
+// Operators of the level `least` and above, which bind more tightly.
+BobCompiler::Place BobCompiler::binary(int least) {
+  Place place = prefix();
   for (;;) {
     const int token = scanner.next();
-    const Operator* found = findOperator(kLevels[level].operators, kLevels[level].count, token);
-    if (!found) {
+    const Binary found = kBinaries[size_t(token)];
+    if (found.level < least) {
       scanner.unread(token);
       return place;
     }
     const BobSourcePlace at = scanner.place;
     load(place);
     emit.op(kOpPush);
-    place = binary(level + 1);
+    place = binary(found.level + 1);
     load(place);
     emit.from(at);
-    emit.op(found->op);
+    emit.op(found.op);
   }
 }
 

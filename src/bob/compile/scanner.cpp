@@ -1,5 +1,7 @@
 #include "bob/compile/scanner.h"
 
+#include <algorithm>
+#include <array>
 #include <iterator>
 #include <utility>
 
@@ -11,18 +13,57 @@
 namespace {
 
 struct Keyword {
-  const char* text;
+  std::string_view text;
   int token;
 };
 
+// By first letter.
 constexpr Keyword kKeywords[] = {
-    {"define", kTokenDefine}, {"function", kTokenFunction}, {"local", kTokenLocal},   {"if", kTokenIf},
-    {"else", kTokenElse},     {"while", kTokenWhile},       {"return", kTokenReturn}, {"for", kTokenFor},
-    {"break", kTokenBreak},   {"continue", kTokenContinue}, {"do", kTokenDo},         {"switch", kTokenSwitch},
-    {"case", kTokenCase},     {"default", kTokenDefault},   {"nil", kTokenNil},       {"super", kTokenSuper},
-    {"new", kTokenNew},       {"try", kTokenTry},           {"catch", kTokenCatch},   {"finally", kTokenFinally},
+    {"break", kTokenBreak},
+    {"case", kTokenCase},
+    {"catch", kTokenCatch},
+    {"continue", kTokenContinue},
+    {"default", kTokenDefault},
+    {"define", kTokenDefine},
+    {"do", kTokenDo},
+    {"else", kTokenElse},
+    {"finally", kTokenFinally},
+    {"for", kTokenFor},
+    {"function", kTokenFunction},
+    {"if", kTokenIf},
+    {"local", kTokenLocal},
+    {"new", kTokenNew},
+    {"nil", kTokenNil},
+    {"return", kTokenReturn},
+    {"super", kTokenSuper},
+    {"switch", kTokenSwitch},
     {"throw", kTokenThrow},
+    {"try", kTokenTry},
+    {"while", kTokenWhile},
 };
+
+// By character: where its keywords begin, and at the next character, where they end.
+constexpr std::array<uint8_t, 257> makeKeywordIndex() {
+  std::array<uint8_t, 257> index{};
+  for (size_t c = 0; c < index.size(); ++c)
+    while (index[c] < std::size(kKeywords) && uint8_t(kKeywords[index[c]].text[0]) < c) ++index[c];
+  return index;
+}
+constexpr std::array<uint8_t, 257> kKeywordIndex = makeKeywordIndex();
+
+int keywordOrIdentifier(std::string_view text) {
+  const uint8_t first = uint8_t(text[0]);
+  for (size_t i = kKeywordIndex[first]; i < kKeywordIndex[first + 1u]; ++i)
+    if (text == kKeywords[i].text) return kKeywords[i].token;
+  return kTokenIdentifier;
+}
+
+constexpr std::array<bool, 256> makeWordCharacters() {
+  std::array<bool, 256> is{};
+  for (int c = 0; c < 256; ++c) is[size_t(c)] = bobIsLetter(c) || bobIsDigit(c) || c == '_';
+  return is;
+}
+constexpr std::array<bool, 256> kIsWordCharacter = makeWordCharacters();
 
 // By token, from kTokenString. There is one ".." too many, so each of the last tokens has the name of the one before
 // it: a message that speaks of catch says "try".
@@ -56,7 +97,6 @@ void BobScanner::attach(BobInterp* owner, BobStream* stream) {
   setLine(0);
   place = {};
   savedToken = -1;
-  savedChar = 0;
   atEof = false;
 }
 
@@ -71,20 +111,12 @@ void BobScanner::readLine() {
   }
   lineBuffer.clear();
   linePointer = 0;
-  while (lineBuffer.size() < kLineLimit) {
-    const int c = input->GetC();
-    atEof = c == -1;
-    if (atEof || c == '\n') {
-      lineBuffer += '\n';
-      return;
-    }
-    lineBuffer += char(c);
-  }
+  atEof = !input->GetLine(lineBuffer, kLineLimit);
+  if (atEof) lineBuffer += '\n';
 }
 
 // Bytes from 0x80 up come out negative; 0xFF is the same as the end of the input.
 int BobScanner::get() {
-  if (savedChar != 0) return std::exchange(savedChar, 0);
   if (linePointer == lineBuffer.size()) {
     if (atEof) return -1;
     readLine();
@@ -92,18 +124,17 @@ int BobScanner::get() {
   return static_cast<signed char>(lineBuffer[linePointer++]);
 }
 
+// Pushes back what get returned last. A zero byte is lost; the end of the input stays where it is.
+void BobScanner::unget(int c) {
+  const bool isEnd = c == -1 && atEof && linePointer == lineBuffer.size();
+  if (c != 0 && !isEnd) --linePointer;
+}
+
 int BobScanner::skipSpaces() {
   int c;
   while (bobIsSpace(c = get())) {
   }
   return c;
-}
-
-int BobScanner::next() {
-  placeBefore = place;
-  if (savedToken == -1) return scan();
-  place = savedPlace;
-  return std::exchange(savedToken, -1);
 }
 
 int BobScanner::oneOf(int ifNone, std::initializer_list<std::pair<char, int>> list) {
@@ -240,14 +271,17 @@ int BobScanner::number(int c) {
 
 int BobScanner::identifier(int c) {
   tokenText.clear();
-  for (; bobIsLetter(c) || bobIsDigit(c) || c == '_'; c = get()) {
-    if (tokenText.size() == kTextLimit) bobSyntaxError(interp, "identifier too long");
-    tokenText += char(c);
+  for (; kIsWordCharacter[uint8_t(c)]; c = get()) {  // c, and what follows it in the buffer
+    const size_t begin = linePointer - 1, room = kTextLimit - tokenText.size();
+    while (linePointer < lineBuffer.size() && kIsWordCharacter[uint8_t(lineBuffer[linePointer])]) ++linePointer;
+    const size_t count = linePointer - begin;
+    tokenText.append(lineBuffer, begin, std::min(count, room));
+    if (count <= room) continue;
+    linePointer = begin + room + 1;
+    bobSyntaxError(interp, "identifier too long");
   }
   unget(c);
-  for (const Keyword& keyword : kKeywords)
-    if (tokenText == keyword.text) return keyword.token;
-  return kTokenIdentifier;
+  return keywordOrIdentifier(tokenText);
 }
 
 void BobScanner::append(int c) {

@@ -73,7 +73,12 @@ class BobScanner {
   // Starts on the stream's first line. The stream must outlive its last token.
   void attach(BobInterp* interp, BobStream* input);
 
-  int next();
+  int next() {
+    placeBefore = place;
+    if (savedToken == -1) return scan();
+    place = savedPlace;
+    return std::exchange(savedToken, -1);
+  }
   void unread(int token) {
     savedToken = token;
     savedPlace = place;
@@ -95,7 +100,7 @@ class BobScanner {
   int get();
   void readLine();
   void setLine(int number);
-  void unget(int c) { savedChar = c; }
+  void unget(int c);
   int skipSpaces();
   int scan();
   int oneOf(int ifNone, std::initializer_list<std::pair<char, int>> next);
@@ -121,5 +126,4 @@ class BobScanner {
   bool atEof = false;
   int savedToken = -1;
   BobSourcePlace savedPlace, placeBefore;
-  int savedChar = 0;
 };

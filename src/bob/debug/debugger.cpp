@@ -29,7 +29,7 @@ constexpr uint8_t kLineBegins = 1, kHasBreakpoint = 2, kIsFunctions = 4;
 size_t depthOf(BobInterp* interp) {
   size_t depth = 0;
   for (const uint32_t* frame = interp->fp; frame < interp->stackTop; frame = interp->words(frame[kFramePrevious]))
-    depth += frame[kFrameRecord] != kBlockFrame;
+    depth += bobFrameRecord(frame) != kBlockFrame;
   return depth;
 }
 

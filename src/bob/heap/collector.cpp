@@ -35,7 +35,7 @@ void bobCollect(BobInterp* interp) {
   BobHeapBlock& space = interp->newSpace;
   space.free = space.base;
   interp->allocationLimit = interp->collectAlways || interp->failAllocation >= 0 ? 0 : space.top;
-  ++interp->cacheEpoch;
+  interp->cacheEpoch += kBobEpoch;
   ++interp->collections;
 
   bobCopyRoots(interp);

@@ -59,7 +59,7 @@ struct BobHeapBlock {
 struct BobSavedRegisters {
   BobValue scope, env, code;
   uint32_t *sp, *fp;
-  uint32_t pc;  // offset from the start of the quick code
+  uint32_t* pc;
   BobSavedRegisters* next;
 };
 
@@ -98,6 +98,9 @@ constexpr uint32_t kBobStepsToRest = BOB_FUEL;
 constexpr uint32_t kBobStepsToRest = 1 << 20;  // some milliseconds
 #endif
 
+// Epochs count in the upper half of a word, so that one with an object in its lower half is compared at once.
+constexpr uint64_t kBobEpoch = uint64_t(1) << 32;
+
 struct BobInterp {
   BobInterp() = default;
   ~BobInterp();
@@ -112,13 +115,12 @@ struct BobInterp {
   BobScope scope{}, rootScope{};
   BobScope* scopes = nullptr;
   uint32_t *stackBase = nullptr, *stackTop = nullptr, *sp = nullptr, *fp = nullptr;
-  BobValue code = 0;          // 0 while none runs
-  uint32_t* cbase = nullptr;  // the code's quick code
-  uint32_t* pc = nullptr;
+  BobValue code = 0;       // 0 while none runs
+  uint32_t* pc = nullptr;  // in its quick code
   BobValue val = kBobNil, env = kBobNil;
   uint32_t* argv = nullptr;  // argv[-1] is this, argv[-2] _next, argv[-3] the first argument
   int argc = 0;
-  uint32_t cacheEpoch = 1;  // cached lookups of another epoch don't hold
+  uint64_t cacheEpoch = kBobEpoch;  // what has been cached in another epoch doesn't hold
   BobSavedRegisters* saveTop = nullptr;
   int runDepth = 0;  // nested runs of the machine
   BobLocal* locals = nullptr;

@@ -7,7 +7,7 @@ namespace {
 // Copies what the frame refers to and returns the address after it.
 uint32_t* scanFrame(BobInterp* interp, uint32_t* frame) {
   const auto copy = [interp](uint32_t& word) { word = interp->moved(word); };
-  const bool isBlock = frame[kFrameRecord] == kBlockFrame;
+  const bool isBlock = bobFrameRecord(frame) == kBlockFrame;
   uint32_t* environment = frame + (isBlock ? int(kBlockFrameEnvironment) : int(kFrameEnvironment));
   if (isBlock) {
     copy(frame[kBlockFrameEnv]);

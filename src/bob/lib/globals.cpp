@@ -1,6 +1,7 @@
 #include "bob/lib/globals.h"
 
 #include <algorithm>
+#include <charconv>
 #include <string>
 
 #include "bob/heap/collector.h"
@@ -36,10 +37,17 @@ BobValue toString(BobInterp* interp) {
   const size_t size = right ? 512 : 1024;
   const size_t wanted = std::min<size_t>(right ? uint32_t(width) : 0u - uint32_t(width), size);
   char buffer[1024];
-  BobStringOutput output(buffer, size);
-  bobDisplay(interp, value, &output);
-  std::string text(buffer, output.count());
-  if (text.size() < wanted) text.insert(right ? 0 : text.size(), wanted - text.size(), char(fill));
+  size_t length;
+  if (interp->isInteger(value)) {  // most are
+    length = size_t(std::to_chars(buffer, buffer + size, interp->integerOf(value)).ptr - buffer);
+  } else {
+    BobStringOutput output(buffer, size);
+    bobDisplay(interp, value, &output);
+    length = output.count();
+  }
+  if (length >= wanted) return bobMakeString(interp, {buffer, length});
+  std::string text(buffer, length);
+  text.insert(right ? 0 : text.size(), wanted - text.size(), char(fill));
   return bobMakeString(interp, text);
 }
 

@@ -30,6 +30,8 @@ BobValue classOf(BobInterp* interp) { return interp->words(thisOf(interp))[kPare
 BobValue clone(BobInterp* interp) { return bobCloneObject(interp, thisOf(interp)); }
 
 BobValue exists(BobInterp* interp) {
+  if (interp->argc == 3 && interp->isA(interp->argv[-1], kBobObject))  // without reading the signature
+    return bobBoolean(bobFindAlongParents(interp, interp->argv[-1], interp->argv[-3]));
   BobValue self, key;
   bobParse(interp, "V=*V", kBobObject, &self, &key);
   return bobBoolean(bobFindAlongParents(interp, self, key));

@@ -10,6 +10,8 @@
 #include "bob/model/values.h"
 #include "bob/model/vectors.h"
 
+using namespace BobLayout;
+
 namespace {
 
 BobValue thisOf(BobInterp* interp) {
@@ -47,7 +49,17 @@ BobValue clone(BobInterp* interp) {
   return copy;
 }
 
+// The vector's words if it is called with so many slots, or null. What is common is then done without reading a
+// signature.
+uint32_t* plainCall(BobInterp* interp, int slots) {
+  const BobValue self = interp->argv[-1];
+  if (interp->argc != slots || interp->recordOf(self)->base != kBobVector) return nullptr;
+  return interp->words(bobVectorTarget(interp, self));
+}
+
 BobValue push(BobInterp* interp) {
+  if (uint32_t* const w = plainCall(interp, 3); w && w[kSize] < w[kCapacity])
+    return w[kElements + w[kSize]++] = interp->argv[-3];
   BobValue self, value;
   bobParse(interp, "V=*V", kBobVector, &self, &value);
   self = grow(interp);
@@ -71,6 +83,7 @@ uint32_t sizeToPop(BobInterp* interp, BobValue self) {
 }
 
 BobValue pop(BobInterp* interp) {
+  if (uint32_t* const w = plainCall(interp, 2); w && w[kSize] > 0) return w[kElements + --w[kSize]];
   const BobValue self = thisOf(interp);
   const uint32_t size = sizeToPop(interp, self);
   const BobValue value = bobVectorElements(interp, self)[size - 1];

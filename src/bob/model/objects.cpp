@@ -18,7 +18,7 @@ void bobClearProperties(BobInterp* interp, BobValue object) {
   uint32_t* w = interp->words(object);
   w[kProperties] = kBobNil;
   w[kCount] = 0;
-  ++interp->cacheEpoch;
+  interp->cacheEpoch += kBobEpoch;
 }
 
 BobValue bobCloneObject(BobInterp* interp, BobValue object) {

@@ -1,5 +1,7 @@
 #include "bob/model/print.h"
 
+#include <charconv>
+
 #include "bob/base/numbers.h"
 #include "bob/heap/interp.h"
 #include "bob/heap/local.h"
@@ -78,7 +80,9 @@ bool bobPrintSymbol(BobInterp* interp, BobValue value, BobStream* stream) {
 }
 
 bool bobPrintInteger(BobInterp* interp, BobValue value, BobStream* stream) {
-  return bobPutFormat(stream, "%d", interp->integerOf(value));
+  char digits[16];
+  const auto end = std::to_chars(digits, digits + sizeof digits, interp->integerOf(value)).ptr;
+  return bobPutText(stream, {digits, size_t(end - digits)});
 }
 
 bool bobPrintFloat(BobInterp* interp, BobValue value, BobStream* stream) {

@@ -75,7 +75,7 @@ void chainToTable(BobInterp* interp, BobValue object) {
 void forgetHidden(BobInterp* interp, BobValue object, BobValue key) {
   if (!(interp->words(object)[kCount] & kBobWatched)) return;
   const BobValue parent = interp->words(object)[kParent];
-  if (interp->isObject(parent) && bobFindAlongParents(interp, parent, key)) ++interp->cacheEpoch;
+  if (interp->isObject(parent) && bobFindAlongParents(interp, parent, key)) interp->cacheEpoch += kBobEpoch;
 }
 
 }  // namespace

@@ -23,7 +23,8 @@ double floatArgument(BobInterp* interp, BobValue value) {
 }
 
 void checkKind(BobInterp* interp, BobValue value, uint32_t kind) {
-  if (!bobIsOfKind(interp, value, kind)) bobRaise(interp, kBobWrongType, value);
+  if (interp->recordOf(value)->base != kind && !bobIsOfKind(interp, value, kind))
+    bobRaise(interp, kBobWrongType, value);
 }
 
 // A pointer code without a kind takes any native object; for everything else the pointer is null.

@@ -42,26 +42,27 @@ BobValue bobMakeFloat(BobInterp* interp, double number) {
   return object;
 }
 
-BobValue bobMakeEmptyString(BobInterp* interp, uint32_t length) {
-  checkCount(interp, length / 4);
-  const uint32_t size = bobStringSize(length);
+BobValue bobMakeUnwrittenString(BobInterp* interp, size_t length) {
+  checkCount(interp, uint32_t(std::min<size_t>(length / 4, UINT32_MAX)));
+  const uint32_t size = bobStringSize(uint32_t(length));
   const BobValue object = bobAllocate(interp, size);
   uint32_t* w = interp->words(object);
   w[0] = kBobString;
-  w[kStringLength] = length;
-  std::memset(w + 2, 0, size - 8);
+  w[kStringLength] = uint32_t(length);
+  w[size / 4 - 1] = 0;
+  return object;
+}
+
+BobValue bobMakeEmptyString(BobInterp* interp, uint32_t length) {
+  const BobValue object = bobMakeUnwrittenString(interp, length);
+  std::memset(interp->bytes(object) + kStringBytes, 0, length);
   return object;
 }
 
 BobValue bobMakeString(BobInterp* interp, std::string_view text) {
-  checkCount(interp, uint32_t(std::min<size_t>(text.size() / 4, UINT32_MAX)));
-  const uint32_t size = bobStringSize(uint32_t(text.size()));
-  const BobValue object = bobAllocate(interp, size);
-  uint32_t* w = interp->words(object);
-  w[0] = kBobString;
-  w[kStringLength] = uint32_t(text.size());
-  w[size / 4 - 1] = 0;
-  std::copy(text.begin(), text.end(), reinterpret_cast<char*>(w + 2));  // an empty text may lie nowhere
+  const BobValue object = bobMakeUnwrittenString(interp, text.size());
+  // An empty text may lie nowhere.
+  std::copy(text.begin(), text.end(), reinterpret_cast<char*>(interp->bytes(object)) + kStringBytes);
   return object;
 }
 
@@ -76,12 +77,6 @@ BobValue bobMakeCode(BobInterp* interp, uint32_t count) {
   checkCount(interp, count);
   const BobValue object = makeRecord(interp, kBobCompiledCode, kCodeElements, count);
   interp->words(object)[kCodeCount] = count;
-  return object;
-}
-
-BobValue bobMakeEnvironment(BobInterp* interp, uint32_t count) {
-  const BobValue object = makeRecord(interp, kBobEnvironment, kEnvNext, count);
-  interp->words(object)[kEnvCount] = count;
   return object;
 }
 

@@ -12,11 +12,11 @@ inline BobValue bobMakeInteger(BobInterp* interp, int32_t n) {
   return bobFitsSmall(n) ? bobSmall(n) : bobMakeBoxed(interp, n);
 }
 BobValue bobMakeFloat(BobInterp* interp, double number);
-BobValue bobMakeString(BobInterp* interp, std::string_view text);  // text must not lie in the heap
-BobValue bobMakeEmptyString(BobInterp* interp, uint32_t length);   // all zero bytes
-BobValue bobMakeVector(BobInterp* interp, uint32_t size);          // all nil
-BobValue bobMakeCode(BobInterp* interp, uint32_t count);           // all nil
-BobValue bobMakeEnvironment(BobInterp* interp, uint32_t count);    // all nil
+BobValue bobMakeString(BobInterp* interp, std::string_view text);   // text must not lie in the heap
+BobValue bobMakeEmptyString(BobInterp* interp, uint32_t length);    // all zero bytes
+BobValue bobMakeUnwrittenString(BobInterp* interp, size_t length);  // to be written at once
+BobValue bobMakeVector(BobInterp* interp, uint32_t size);           // all nil
+BobValue bobMakeCode(BobInterp* interp, uint32_t count);            // all nil
 BobValue bobMakeMethod(BobInterp* interp, BobValue code, BobValue env, BobValue scope);
 BobValue bobMakeObject(BobInterp* interp, BobValue parent);
 

@@ -19,7 +19,7 @@ BobValue concatenate(BobInterp* interp, BobValue left, BobValue right) {
   if (!interp->isA(left, kBobString)) bobRaise(interp, kBobWrongType, left);
   const BobLocal keepLeft(interp->locals, left), keepRight(interp->locals, right);
   const uint32_t a = interp->words(left)[kStringLength], b = interp->words(right)[kStringLength];
-  const BobValue joined = bobMakeEmptyString(interp, a + b);
+  const BobValue joined = bobMakeUnwrittenString(interp, a + b);
   uint8_t* to = interp->bytes(joined) + kStringBytes;
   std::memcpy(to, interp->bytes(keepLeft) + kStringBytes, a);
   std::memcpy(to + a, interp->bytes(keepRight) + kStringBytes, b);

@@ -38,7 +38,7 @@ uint32_t bobStackPops(const uint8_t* p) {
 }
 
 BobCodePaths::BobCodePaths(BobInterp* interp, BobValue code, uint32_t variables)
-    : interp(interp), code(code), variables(variables) {
+    : variables(variables), interp(interp), code(code) {
   const uint32_t* w = interp->words(code);
   bytes = interp->bytes(w[kCodeElements]) + kStringBytes;
   length = interp->words(w[kCodeElements])[kStringLength];
@@ -91,26 +91,84 @@ int BobCodePaths::enterBlock(const State& outside, uint32_t count) {
   return entry->second;
 }
 
+// The block that is `depth` environments out from an instruction; 0 for the function, or further out when some depth is
+// left.
+int BobCodePaths::nodeAt(uint32_t at, uint32_t* depth) const {
+  int node = states[size_t(reached[at])].node;
+  for (; node != 0 && *depth > 0; --*depth) node = nodes[size_t(node)].parent;
+  return node;
+}
+
 // The number of variables of the function's own environment at that depth, or -1 if it lies further out.
 int BobCodePaths::ownCount(uint32_t at, uint32_t depth) const {
-  int node = states[size_t(reached[at])].node;
-  for (; node != 0; node = nodes[size_t(node)].parent, --depth)
-    if (depth == 0) return int(nodes[size_t(node)].variables);
-  return depth == 0 ? int(variables) : -1;
+  const int node = nodeAt(at, &depth);
+  if (depth > 0) return -1;
+  return int(node ? nodes[size_t(node)].variables : variables);
+}
+
+bool BobCodePaths::endsFunction(uint32_t at) const {
+  while (isReached(at) && (bytes[at] == kOpReturn || bytes[at] == kOpUnframe)) {
+    if (!hasBlocks(at)) return true;
+    ++at;
+  }
+  return false;
+}
+
+// -- flat code. On the stack, downward: the function's environment, the rest of its frame, what is pushed before a
+// block, the block's variables, the words of its frame, and so on. All counted from the start of the environment.
+
+int BobCodePaths::topOf(int node) const {
+  const Node& block = nodes[size_t(node)];
+  return bottomOf(block.parent) - int(block.outside);
+}
+
+int BobCodePaths::bottomOf(int node) const {
+  if (node == 0) return -kFrameEnvironment;
+  return topOf(node) - int(nodes[size_t(node)].variables) - kBlockFrameWords;
+}
+
+void BobCodePaths::flattenBlocks() {
+  flat = proven && !closes;
+  for (int node = int(nodes.size()) - 1; flat && node > 0; --node) flat = bottomOf(node) > INT16_MIN;
 }
 
 bool BobCodePaths::findOwn(uint32_t at, int* index) const {
   uint32_t depth = bytes[at + 1];
-  if (!proven || ownCount(at, depth) < 0 || (depth > 0 && closes)) return false;
-  *index = bytes[at + 2];
-  for (int node = states[size_t(reached[at])].node; depth > 0; --depth) {
-    const Node& inner = nodes[size_t(node)];
-    node = inner.parent;
-    // On the stack, upward: the block's variables, what was pushed outside of it, the frame around, its variables.
-    *index -=
-        int(inner.outside + (node ? kBlockFrameWords + nodes[size_t(node)].variables : kCallFrameWords + variables));
-  }
+  if (!proven || (depth > 0 && !flat)) return false;
+  const int node = nodeAt(at, &depth);
+  if (depth > 0) return false;
+  *index = flat && node != 0 ? topOf(node) - bytes[at + 2] : indexIn(node, at);
   return true;
+}
+
+bool BobCodePaths::isClose(uint32_t at) const {
+  int index;
+  if (!findOwn(at, &index)) return false;
+  const int innermost = states[size_t(reached[at])].node;
+  const int top = flat && innermost != 0 ? topOf(innermost) : index + bytes[at + 2];
+  return top - index >= -128 && top - index < 128;
+}
+
+bool BobCodePaths::findOuter(uint32_t at, int* index) const {
+  uint32_t depth = bytes[at + 1];
+  if (!proven || flat || depth != 1) return false;
+  const int node = nodeAt(at, &depth);
+  if (depth > 0) return false;
+  *index = indexIn(node, at);
+  return true;
+}
+
+// In the environment of that block, or of the function.
+int BobCodePaths::indexIn(int node, uint32_t at) const {
+  constexpr int kHead = kEnvNext + 2;  // words of an environment before its variables, the last of which is lowest
+  return kHead + int(node ? nodes[size_t(node)].variables : variables) - bytes[at + 2];
+}
+
+uint32_t BobCodePaths::depthOf(uint32_t at) const {
+  uint32_t depth = bytes[at + 1];
+  if (!flat) return depth;
+  nodeAt(at, &depth);  // what is left after the blocks
+  return depth;
 }
 
 bool BobCodePaths::badVariable(uint32_t at) const {

@@ -37,19 +37,36 @@ class BobCodePaths {
   bool isReached(uint32_t at) const { return at < length && reached[at] != kUnreached; }
   bool isTarget(uint32_t at) const { return at < length && targets[at]; }
   bool isBad(uint32_t at) const { return bad[at]; }
-  // For code that was shown to stay inside: the block frames open at an instruction.
+  // For code that was shown to stay inside: the blocks open at an instruction, and the variables of the innermost one.
   bool hasBlocks(uint32_t at) const { return states[size_t(reached[at])].node != 0; }
-  // EREF and ESET in code that was shown to stay inside: where the variable lies, in words below the top of the
-  // innermost environment's variables. Those of the blocks around are reached so only while nothing can move them to
-  // the heap, that is in code without CLOSE. False for a variable that is to be looked for.
+  uint32_t blockVariables(uint32_t at) const { return nodes[size_t(states[size_t(reached[at])].node)].variables; }
+  // Whether the RETURN or UNFRAME at an instruction leads out of the function, over blocks that it closes on the way.
+  bool endsFunction(uint32_t at) const;
+
+  // Blocks whose variables nobody can capture need no frames: decides that there shall be none, if that can be. Then
+  // all variables of the function lie at a known distance from its own environment.
+  void flattenBlocks();
+  bool isFlat() const { return flat; }
+
+  // EREF and ESET in code that was shown to stay inside: where the variable lies, in words above the start of the
+  // innermost environment. Only those of that environment are found, since the ones around may move; in flat code it is
+  // the function's, and those of blocks lie below it. False for a variable that is to be looked for.
   bool findOwn(uint32_t at, int* index) const;
+  // Whether the variable is one of the function that lies in place, at most 128 words from those of the innermost
+  // block.
+  bool isClose(uint32_t at) const;
+  // The same for one of the next environment out, where blocks have frames.
+  bool findOuter(uint32_t at, int* index) const;
+  // How many environments out a variable that is to be looked for lies, when the code runs.
+  uint32_t depthOf(uint32_t at) const;
 
   const uint8_t* bytes;  // lie in the heap
   uint32_t length;
   uint32_t literals;
-  bool closes = false;    // makes closures
-  uint32_t unevenAt = 0;  // where paths first met with different stacks; 0 for nowhere
-  bool proven = true;     // the depth of the stack is the same on every path, and enough for every instruction
+  const uint32_t variables;  // as given
+  bool closes = false;       // makes closures
+  uint32_t unevenAt = 0;     // where paths first met with different stacks; 0 for nowhere
+  bool proven = true;        // the depth of the stack is the same on every path, and enough for every instruction
 
  private:
   // Block frames, innermost first: what was pushed in the frame outside before this one was made.
@@ -71,17 +88,21 @@ class BobCodePaths {
   bool step(uint32_t at, State& state);
   bool pop(State& state, uint32_t count);
   int enterBlock(const State& outside, uint32_t variables);
+  int nodeAt(uint32_t at, uint32_t* depth) const;
   int ownCount(uint32_t at, uint32_t depth) const;
+  int indexIn(int node, uint32_t at) const;
+  int topOf(int node) const;
+  int bottomOf(int node) const;
   bool badVariable(uint32_t at) const;
   bool operandsAreBad(uint32_t at) const;
 
   BobInterp* interp;
   BobValue code;
-  uint32_t variables;
   std::vector<int> reached;  // by offset: index into states
   std::vector<bool> targets, bad;
   std::vector<State> states;
   std::vector<Node> nodes{1};
   std::map<std::tuple<int, uint32_t, uint32_t>, int> nodeNumbers;
   std::vector<uint32_t> pending;
+  bool flat = false;
 };

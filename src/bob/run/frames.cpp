@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "bob/heap/heap.h"
 #include "bob/heap/local.h"
 #include "bob/model/values.h"
 
@@ -9,9 +10,7 @@ using namespace BobLayout;
 
 BobSavedFrame::BobSavedFrame(BobInterp* interp)
     : interp(interp),
-      saved{interp->scope.object, interp->env, interp->code,
-            interp->sp,           interp->fp,  interp->code ? uint32_t(interp->pc - interp->cbase) : 0,
-            interp->saveTop},
+      saved{interp->scope.object, interp->env, interp->code, interp->sp, interp->fp, interp->pc, interp->saveTop},
       runDepth(interp->runDepth) {
   interp->saveTop = &saved;
 }
@@ -22,7 +21,7 @@ void BobSavedFrame::restore() {
   interp->code = saved.code;
   interp->sp = saved.sp;
   interp->fp = saved.fp;
-  bobResumeCode(interp, saved.pc);
+  interp->pc = saved.pc;
   interp->runDepth = runDepth;
 }
 
@@ -49,9 +48,12 @@ void bobMoveEnvironments(BobInterp* interp) {
   BobValue at = interp->env;  // a stack environment doesn't move
   while (interp->words(at)[0] == kBobStackEnvironment) {
     const uint32_t count = interp->words(at)[kEnvCount];
-    const BobValue moved = bobMakeEnvironment(interp, count);
+    const BobValue moved = bobAllocate(interp, (kEnvNext + count) * 4);
     uint32_t* from = interp->words(at);
-    std::copy_n(from + kEnvNext, count, interp->words(moved) + kEnvNext);
+    uint32_t* to = interp->words(moved);
+    to[0] = kBobEnvironment;
+    to[kEnvCount] = count;
+    for (uint32_t i = 0; i < count; ++i) to[kEnvNext + i] = from[kEnvNext + i];
     if (last == kBobNil)
       first.value = moved;
     else

@@ -25,13 +25,12 @@ inline void bobPushCallFrame(BobInterp* interp, int slots, BobFrameRecord record
 
   const uint32_t* method = interp->words(*argv);
   uint32_t* frame = interp->sp - kCallFrameWords;
-  frame[kFrameRecord] = record;
+  frame[kFrameRecord] = bobFrameWord(record, oldArgc);
   frame[kFramePrevious] = interp->offsetOf(interp->fp);
   frame[kFrameEnv] = interp->env;
   frame[kFrameScope] = interp->scope.object;
   frame[kFrameCode] = interp->code;
-  frame[kFramePc] = uint32_t(interp->pc - interp->cbase);
-  frame[kFrameArgc] = uint32_t(oldArgc);
+  bobSetFramePc(frame, interp->pc);
   frame[kFrameEnvironment] = kBobStackEnvironment;
   frame[kFrameEnvironment + 1] = uint32_t(argv - interp->sp) + 2;
   frame[kFrameEnvironment + 2] = method[kMethodEnv];
@@ -40,13 +39,7 @@ inline void bobPushCallFrame(BobInterp* interp, int slots, BobFrameRecord record
   interp->fp = interp->sp = frame;
   interp->scope.object = method[kMethodScope];
   interp->code = method[kMethodCode];
-  interp->cbase = interp->pc = quick.words.data();
-}
-
-// Points cbase and pc into the quick code of `code`; there is none while the host runs.
-inline void bobResumeCode(BobInterp* interp, uint32_t pc) {
-  interp->cbase = interp->code ? bobQuickCodeOf(interp, interp->code).words.data() : nullptr;
-  interp->pc = interp->code ? interp->cbase + pc : nullptr;
+  interp->pc = quick.words.data();
 }
 
 // Pops a call or top frame, its variables and the function's slot.
@@ -59,30 +52,8 @@ inline void bobPopCallFrame(BobInterp* interp) {
   interp->env = bobFollowMovedEnvironment(interp, frame[kFrameEnv]);
   interp->scope.object = frame[kFrameScope];
   interp->code = frame[kFrameCode];
-  interp->argc = int(frame[kFrameArgc]);
-  bobResumeCode(interp, frame[kFramePc]);
-}
-
-// A frame over the `count` words on top of the stack. The caller has checked for kBlockFrameWords more.
-inline void bobPushBlockFrame(BobInterp* interp, uint32_t count) {
-  uint32_t* frame = interp->sp - kBlockFrameWords;
-  frame[kFrameRecord] = kBlockFrame;
-  frame[kFramePrevious] = interp->offsetOf(interp->fp);
-  frame[kBlockFrameEnv] = interp->env;
-  frame[kBlockFrameEnvironment] = kBobStackEnvironment;
-  frame[kBlockFrameEnvironment + 1] = count + 2;
-  frame[kBlockFrameEnvironment + 2] = interp->env;
-  frame[kBlockFrameEnvironment + 3] = kBobNil;
-  interp->env = interp->offsetOf(frame + kBlockFrameEnvironment);
-  interp->fp = interp->sp = frame;
-}
-
-inline void bobPopBlockFrame(BobInterp* interp) {
-  const uint32_t* frame = interp->fp;
-  const uint32_t count = interp->words(interp->env)[BobLayout::kEnvCount];
-  interp->sp = interp->fp + kBlockFrameEnvironment + 2 + count;
-  interp->fp = interp->words(frame[kFramePrevious]);
-  interp->env = bobFollowMovedEnvironment(interp, frame[kBlockFrameEnv]);
+  interp->argc = bobFrameArgc(frame);
+  interp->pc = bobFramePc(frame);
 }
 
 // The word above the slots of an environment: variable k lies k words below it.
@@ -90,18 +61,6 @@ inline uint32_t* bobTopOfVariables(BobInterp* interp, BobValue env) {
   uint32_t* w = interp->words(env);
   return w + BobLayout::kEnvNext + w[BobLayout::kEnvCount];
 }
-// The variable `depth` environments out, or null if there is none.
-inline uint32_t* bobFindVariable(BobInterp* interp, uint32_t depth, uint32_t index) {
-  using namespace BobLayout;
-  const uint32_t* env = interp->words(interp->env);
-  for (; depth > 0; --depth) {
-    if (env[kEnvNext] == kBobNil) return nullptr;
-    env = interp->words(env[kEnvNext]);
-  }
-  const uint32_t count = env[kEnvCount];
-  return index > count - 2 ? nullptr : const_cast<uint32_t*>(env) + kEnvNext + count - index;
-}
-
 // Keeps the registers while the host, or a native method, calls into the language; the collector knows them.
 class BobSavedFrame {
  public:

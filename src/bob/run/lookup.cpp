@@ -31,22 +31,32 @@ BobValue bobFindGlobalOrFail(BobInterp* interp, BobValue symbol, uint32_t* cache
   return value;
 }
 
-BobValue bobFindMember(BobInterp* interp, BobValue object, BobValue key, uint32_t* cache) {
-  if (!interp->isA(key, kBobSymbol)) return 0;
-  switch (interp->recordOf(object)->base) {
-    case kBobVector:
-    case kBobString:
-    case kBobInteger:
-    case kBobFloat:
-    case kBobSymbol:
-    case kBobMethod: break;
+namespace {
+
+// Or 0 for a value of another kind.
+BobValue classOfValueKind(BobInterp* interp, BobValue value) {
+  switch (interp->recordOf(value)->base) {
+    case kBobVector: return interp->vectorClass;
+    case kBobString: return interp->stringClass;
+    case kBobInteger: return interp->integerClass;
+    case kBobFloat: return interp->floatClass;
+    case kBobSymbol: return interp->symbolClass;
+    case kBobMethod: return interp->methodClass;
     default: return 0;
   }
-  const BobValue classObject = bobClassOf(interp, object);
-  if (bobCacheHolds(interp, cache, classObject) && interp->words(cache[kCacheProperty])[kKey] == key)
+}
+
+}  // namespace
+
+BobValue bobFindMember(BobInterp* interp, BobValue object, BobValue key, uint32_t* cache) {
+  if (!interp->isA(key, kBobSymbol)) return 0;
+  const BobValue classObject = classOfValueKind(interp, object);
+  if (!classObject) return 0;
+  constexpr uint32_t kInClass = 2;
+  if (bobCacheHolds(interp, cache, classObject + kInClass) && interp->words(cache[kCacheProperty])[kKey] == key)
     return cache[kCacheProperty];
   const BobValue property = bobFindSymbolLocally(interp, classObject, key);
-  if (property) bobFillCache(interp, cache, classObject, property);
+  if (property) bobFillCache(interp, cache, classObject + kInClass, property);
   return property;
 }
 

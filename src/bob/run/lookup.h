@@ -9,16 +9,29 @@
 
 #include "bob/heap/interp.h"
 
-enum BobCacheWord { kCacheObject, kCacheEpoch, kCacheProperty };
+enum BobCacheWord { kCacheProperty = 2 };  // behind the object and the epoch
 
 inline bool bobCacheHolds(const BobInterp* interp, const uint32_t* cache, BobValue object) {
-  return cache[kCacheObject] == object && cache[kCacheEpoch] == interp->cacheEpoch;
+  uint64_t key;  // the first two words
+  std::memcpy(&key, cache, sizeof key);
+  return key == (object | interp->cacheEpoch);
 }
 
 inline void bobFillCache(const BobInterp* interp, uint32_t* cache, BobValue object, BobValue property) {
-  cache[kCacheObject] = object;
-  cache[kCacheEpoch] = interp->cacheEpoch;
+  const uint64_t key = object | interp->cacheEpoch;
+  std::memcpy(cache, &key, sizeof key);
   cache[kCacheProperty] = property;
+}
+
+// The same for a call: of the code that is called, and where its quick code begins.
+inline void bobFillCallCache(const BobInterp* interp, uint32_t* cache, BobValue code, uint32_t* entry) {
+  bobFillCache(interp, cache, code, 0);
+  std::memcpy(cache + kCacheProperty, &entry, sizeof entry);
+}
+inline uint32_t* bobCachedEntry(const uint32_t* cache) {
+  uint32_t* entry;
+  std::memcpy(&entry, cache + kCacheProperty, sizeof entry);
+  return entry;
 }
 
 // The property of the object itself under a symbol, or 0.
@@ -39,39 +52,24 @@ inline BobValue bobFindSymbolLocally(BobInterp* interp, BobValue object, BobValu
 // Searches for the symbol from `start` along plain objects and fills the cache for `start`: 0 if it isn't found there.
 BobValue bobFindAndCache(BobInterp* interp, BobValue start, BobValue symbol, uint32_t* cache);
 
-// The property that a GET of the symbol from a plain object finds among plain objects, or 0.
+// The property that a GET of the symbol from a plain object finds among plain objects, or 0; for an object that the
+// cache isn't for.
 inline BobValue bobFindCached(BobInterp* interp, BobValue object, BobValue symbol, uint32_t* cache) {
   using namespace BobLayout;
-  // The key at the place may differ from the last one's, as in o[k].
-  const auto isHit = [&] { return interp->words(cache[kCacheProperty])[kKey] == symbol; };
-  if (bobCacheHolds(interp, cache, object) && isHit()) return cache[kCacheProperty];
   if (const BobValue property = bobFindSymbolLocally(interp, object, symbol)) {
     bobFillCache(interp, cache, object, property);
     return property;
   }
   const BobValue parent = interp->words(object)[kParent];
-  if (bobCacheHolds(interp, cache, parent) && isHit()) return cache[kCacheProperty];
+  // The key at the place may differ from the last one's, as in o[k].
+  if (bobCacheHolds(interp, cache, parent) && interp->words(cache[kCacheProperty])[kKey] == symbol)
+    return cache[kCacheProperty];
   return bobFindAndCache(interp, parent, symbol, cache);
 }
 
-// The property that a GET of any key from any value finds among plain objects, or 0: then the general path decides.
-inline BobValue bobFindField(BobInterp* interp, BobValue object, BobValue key, uint32_t* cache) {
-  if (bobIsSmall(object) || *interp->words(object) != kBobObject || !interp->isA(key, kBobSymbol)) return 0;
-  return bobFindCached(interp, object, key, cache);
-}
-
-// An element of a vector by a small index, or null: then the general path decides.
-inline uint32_t* bobFindElement(BobInterp* interp, BobValue object, BobValue index) {
-  using namespace BobLayout;
-  if (bobIsSmall(object) || !bobIsSmall(index)) return nullptr;
-  uint32_t* w = interp->words(object);
-  if (w[0] == kBobMovedVector) w = interp->words(w[kMovedTo]);
-  if (w[0] != kBobVector || uint32_t(bobSmallValue(index)) >= w[kSize]) return nullptr;
-  return w + kElements + bobSmallValue(index);
-}
-
 // The same for a member of a value kind, in its class: what the member is, not what a getter returns. 0 for objects of
-// other kinds, and for keys that aren't symbols.
+// other kinds, and for keys that aren't symbols. The cache is for the word after the class's offset, which is no value,
+// since a class under the same cache may be an object as well.
 BobValue bobFindMember(BobInterp* interp, BobValue object, BobValue key, uint32_t* cache);
 
 // The general paths. They raise what the instructions raise.

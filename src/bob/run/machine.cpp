@@ -11,7 +11,7 @@ namespace {
 // False when the loop is to end.
 template <BobQuickOp kQ>
 BOB_STEP bool goOnAfter(BobRegisters& r) {
-  if constexpr (kQ == kQReturn || kQ == kQReturnVar) {
+  if constexpr (kQ == kQReturn || kQ == kQReturnVar || kQ == kQReturnAny) {
     return step(r, BobOp<kQ>{});
   } else {
     step(r, BobOp<kQ>{});
@@ -26,9 +26,8 @@ BOB_STEP bool goOnAfter(BobRegisters& r) {
 void bobExecute(BobInterp* const interp) {
 #define BOB_ADDRESS(name) &&do##name,
   static const void* const kAddresses[256] = {BOB_QUICK_OPS(BOB_ADDRESS)};
-  static_assert(kQEnd <= 256);
   BobRegisters r(interp);
-#define BOB_NEXT() goto* kAddresses[(r.insn = *r.pc++) & 0xFF]
+#define BOB_NEXT() goto* kAddresses[r.take()]
 #define BOB_INSTRUCTION(name)                      \
   do ##name : if (!goOnAfter<kQ##name>(r)) return; \
   BOB_NEXT();

@@ -13,15 +13,36 @@ BOB_STEP void step(BobRegisters& r, BobOp<kQNot>) { r.val = bobBoolean(r.val == 
 BOB_STEP void step(BobRegisters& r, BobOp<kQLit>) { r.val = r.literal(r.b()); }
 BOB_STEP void step(BobRegisters& r, BobOp<kQArgsGe>) { r.val = bobBoolean(r.interp->argc >= int(r.a())); }
 
-BOB_STEP void step(BobRegisters& r, BobOp<kQOwn>) { r.val = r.variable(r.variableB()); }
-BOB_STEP void step(BobRegisters& r, BobOp<kQSetOwn>) { r.variable(r.variableB()) = r.val; }
+BOB_STEP void step(BobRegisters& r, BobOp<kQOwn>) { r.val = r.vars[r.signedB()]; }
+BOB_STEP void step(BobRegisters& r, BobOp<kQSetOwn>) { r.vars[r.signedB()] = r.val; }
+BOB_STEP void step(BobRegisters& r, BobOp<kQOuter>) { r.val = r.outerVariables()[r.signedB()]; }
+BOB_STEP void step(BobRegisters& r, BobOp<kQSetOuter>) { r.outerVariables()[r.signedB()] = r.val; }
 
 BOB_STEP uint32_t* findOrFail(BobRegisters& r) {
-  uint32_t* place = bobFindVariable(r.interp, r.a(), r.b());
-  if (!place) [[unlikely]]
+  using namespace BobLayout;
+  uint32_t* env = r.vars;
+  for (uint32_t depth = r.a(); depth > 0; --depth) {
+    if (env[kEnvNext] == kBobNil) [[unlikely]]
+      r.fail(kBobBadOpcode);
+    env = r.words(env[kEnvNext]);
+  }
+  const uint32_t count = env[kEnvCount];
+  if (r.b() > count - 2) [[unlikely]]
     r.fail(kBobBadOpcode);
-  return place;
+  return env + kEnvNext + count - r.b();
 }
+BOB_STEP uint32_t* findNextOrFail(BobRegisters& r) {
+  using namespace BobLayout;
+  if (r.vars[kEnvNext] == kBobNil) [[unlikely]]
+    r.fail(kBobBadOpcode);
+  uint32_t* const env = r.outerVariables();
+  const size_t count = env[kEnvCount], index = r.b();
+  if (index + 2 > count) [[unlikely]]
+    r.fail(kBobBadOpcode);
+  return env + kEnvNext + count - index;
+}
+BOB_STEP void step(BobRegisters& r, BobOp<kQVarNext>) { r.val = *findNextOrFail(r); }
+BOB_STEP void step(BobRegisters& r, BobOp<kQSetNext>) { *findNextOrFail(r) = r.val; }
 BOB_STEP void step(BobRegisters& r, BobOp<kQVar>) { r.val = *findOrFail(r); }
 BOB_STEP void step(BobRegisters& r, BobOp<kQSet>) { *findOrFail(r) = r.val; }
 
@@ -38,7 +59,7 @@ BOB_STEP void step(BobRegisters& r, BobOp<kQDup2>) {
   r.sp[0] = r.sp[2];
 }
 BOB_STEP void step(BobRegisters& r, BobOp<kQPushVar>) {
-  r.val = r.variable(r.variableA());
+  r.val = r.variable(r.a());
   r.push(r.val);
 }
 BOB_STEP void step(BobRegisters& r, BobOp<kQPushLit>) {
@@ -48,13 +69,13 @@ BOB_STEP void step(BobRegisters& r, BobOp<kQPushLit>) {
 BOB_STEP void step(BobRegisters& r, BobOp<kQPushVarVar>) {
   r.need(2);
   r.sp -= 2;
-  r.sp[1] = r.variable(r.variableA());
-  r.sp[0] = r.val = r.variable(r.variableB());
+  r.sp[1] = r.variable(r.a());
+  r.sp[0] = r.val = r.variable(r.b());
 }
 BOB_STEP void step(BobRegisters& r, BobOp<kQPushVarLit>) {
   r.need(2);
   r.sp -= 2;
-  r.sp[1] = r.variable(r.variableA());
+  r.sp[1] = r.variable(r.a());
   r.sp[0] = r.val = r.literal(r.b());
 }
 BOB_STEP void step(BobRegisters& r, BobOp<kQCheckPops>) {
@@ -74,6 +95,7 @@ BOB_STEP void step(BobRegisters& r, BobOp<kQTrace>) {
 // -- branches
 
 BOB_STEP void step(BobRegisters& r, BobOp<kQJump>) { r.branch(); }
+BOB_STEP void step(BobRegisters& r, BobOp<kQGoto>) { r.pc += int32_t(*r.pc); }
 BOB_STEP void step(BobRegisters& r, BobOp<kQBrt>) { r.branchIf(r.val != kBobFalse); }
 BOB_STEP void step(BobRegisters& r, BobOp<kQBrf>) { r.branchIf(r.val == kBobFalse); }
 BOB_STEP void step(BobRegisters& r, BobOp<kQSwitch>) {

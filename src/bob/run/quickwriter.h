@@ -12,7 +12,7 @@ class BobQuickWriter {
 
   void put(BobQuickOp op, uint32_t a = 0, uint32_t b = 0) { words.push_back(op | a << 8 | b << 16); }
   void putWord(uint32_t word) { words.push_back(word); }
-  void putCache() { words.insert(words.end(), kBobCacheWords, 0); }
+  void putCache(int size = kBobCacheWords) { words.insert(words.end(), size_t(size), 0); }
   void putTarget(uint32_t target) {
     fixups.push_back({uint32_t(words.size()), target});
     words.push_back(0);

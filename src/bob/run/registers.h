@@ -1,12 +1,14 @@
 // The machine's registers while it runs, and what every instruction does with them.
 //
-// pc, sp, val and the top of the current variables are copies, which the compiler keeps in registers of the processor;
-// everything else stays in BobInterp. Two rules keep the copies honest:
+// pc, sp, val and the place of the current variables are copies, which the compiler keeps in registers of the
+// processor; everything else stays in BobInterp. Two rules keep the copies honest:
 //
 //   - before anything that can raise, allocate or look at the registers, store() writes them back;
 //   - after anything that can move objects, reload() reads val and the variables anew. (What it returns goes to
 //     interp->val for that. sp and pc lie outside the heap and don't move.)
 #pragma once
+
+#include <bit>
 
 #include "bob/run/frames.h"
 #include "bob/run/quickops.h"
@@ -29,7 +31,7 @@ void bobRestMachine(BobInterp* interp);
 
 struct BobRegisters {
   BOB_STEP explicit BobRegisters(BobInterp* interp)
-      : interp(interp), stackBase(interp->stackBase), pc(interp->pc), sp(interp->sp), val(interp->val) {
+      : interp(interp), base(interp->base), stackBase(interp->stackBase), pc(interp->pc), sp(interp->sp) {
     reload();
   }
 
@@ -40,29 +42,38 @@ struct BobRegisters {
   }
   BOB_STEP void reload() {
     val = interp->val;
-    vars = bobTopOfVariables(interp, interp->env);
-  }
-  // After a frame has come or gone.
-  BOB_STEP void enterFrame() {
-    sp = interp->sp;
-    vars = bobTopOfVariables(interp, interp->env);
+    vars = words(interp->env);
   }
 
-  // -- the instruction word's operands: two unsigned ones, or variables (see quickops.h)
-  BOB_STEP uint32_t a() const { return insn >> 8 & 0xFF; }
-  BOB_STEP uint32_t b() const { return insn >> 16; }
-  BOB_STEP int variableA() const { return int8_t(insn >> 8); }
-  BOB_STEP int variableB() const { return int16_t(insn >> 16); }
-  BOB_STEP int lowerVariableB() const { return int8_t(insn >> 16); }
-  BOB_STEP int upperVariableB() const { return int8_t(insn >> 24); }
+  // -- the next instruction, which is the current one then: its number
+  BOB_STEP uint32_t take() {
+    insn = pc++;
+    return byteOf(0);
+  }
 
-  BOB_STEP BobValue& variable(int index) { return vars[-index]; }
-  BOB_STEP BobValue literal(uint32_t number) { return interp->words(interp->code)[BobLayout::kCodeElements + number]; }
-  BOB_STEP BobValue valueOf(BobValue property) { return interp->words(property)[BobLayout::kValue]; }
+  // -- the instruction word's operands (see quickops.h)
+  BOB_STEP uint32_t a() const { return byteOf(1); }
+  BOB_STEP uint32_t b() const {
+    uint16_t word;
+    std::memcpy(&word, reinterpret_cast<const uint8_t*>(insn) + (kIsLittle ? 2 : 0), sizeof word);
+    return word;
+  }
+  BOB_STEP int signedB() const { return int16_t(b()); }
+  BOB_STEP uint32_t lowerB() const { return byteOf(2); }
+  BOB_STEP uint32_t upperB() const { return byteOf(3); }
+
+  // The same as BobInterp's; `base` is a copy because the compiler can't know that no store changes it.
+  BOB_STEP uint32_t* words(BobValue object) const { return reinterpret_cast<uint32_t*>(base + object); }
+  BOB_STEP uint32_t offsetOf(const uint32_t* p) const { return uint32_t(reinterpret_cast<const uint8_t*>(p) - base); }
+
+  BOB_STEP BobValue& variable(uint32_t near) { return vars[int(near) - kBobNearBias]; }
+  BOB_STEP uint32_t* outerVariables() const { return words(vars[BobLayout::kEnvNext]); }
+  BOB_STEP BobValue literal(uint32_t number) { return words(interp->code)[BobLayout::kCodeElements + number]; }
+  BOB_STEP BobValue valueOf(BobValue property) { return words(property)[BobLayout::kValue]; }
 
   // Space for `count` words on the stack.
   BOB_STEP void need(int count) {
-    if (sp - stackBase < count) [[unlikely]]
+    if (count == 1 ? sp <= stackBase : sp < stackBase + count) [[unlikely]]
       fail(kBobStackOverflow);
   }
   BOB_STEP void push(BobValue value) {
@@ -99,9 +110,17 @@ struct BobRegisters {
   }
 
   BobInterp* const interp;
+  uint8_t* const base;
   uint32_t* const stackBase;
   uint32_t *pc, *sp;
-  uint32_t* vars;  // the word above the current variables: variable k lies k words below
+  uint32_t* vars;  // the innermost environment
   BobValue val;
-  uint32_t insn = 0;
+  const uint32_t* insn = nullptr;
+
+ private:
+  // Byte 0 is the lowest. An operand that is loaded from memory costs less than one taken out of a word.
+  static constexpr bool kIsLittle = std::endian::native == std::endian::little;
+  BOB_STEP uint32_t byteOf(int number) const {
+    return reinterpret_cast<const uint8_t*>(insn)[kIsLittle ? number : 3 - number];
+  }
 };

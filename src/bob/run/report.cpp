@@ -114,7 +114,7 @@ void bobPrintTraceback(BobInterp* interp, const std::function<void()>& named) {
   line("Happened in ", interp->code);
   bool first = true;
   for (const uint32_t* frame = interp->fp; frame < interp->stackTop; frame = interp->words(frame[kFramePrevious])) {
-    if (frame[kFrameRecord] != kCallFrame || !frame[kFrameCode]) continue;
+    if (bobFrameRecord(frame) != kCallFrame || !frame[kFrameCode]) continue;
     if (first) bobPutText(stream, "Called from:\n");
     first = false;
     line("  ", frame[kFrameCode]);

@@ -13,8 +13,9 @@ class Offsets {
  public:
   explicit Offsets(BobInterp* i) : interp(i) {}
 
-  // `pc` lies after the word of the instruction that is being carried out.
-  uint32_t of(BobValue code, uint32_t pc) {
+  // `from` lies after the word of the instruction that is being carried out.
+  uint32_t of(BobValue code, const uint32_t* from) {
+    const uint32_t pc = uint32_t(from - bobQuickCodeOf(interp, code).words.data());
     const auto [known, isNew] = marks.try_emplace(code);
     if (isNew) known->second = bobQuickMarks(interp, code);
     const std::vector<BobQuickMark>& all = known->second;
@@ -34,15 +35,15 @@ std::vector<BobRunningFrame> bobRunningFrames(BobInterp* interp) {
   std::vector<BobRunningFrame> running;
   if (!interp->code) return running;
   Offsets offsets(interp);
-  const auto add = [&](BobValue code, uint32_t pc, BobValue env, BobValue scope) {
+  const auto add = [&](BobValue code, const uint32_t* pc, BobValue env, BobValue scope) {
     running.push_back({{code, offsets.of(code, pc)}, bobFollowMovedEnvironment(interp, env), scope, false});
   };
-  add(interp->code, uint32_t(interp->pc - interp->cbase), interp->env, interp->scope.object);
+  add(interp->code, interp->pc, interp->env, interp->scope.object);
   for (const uint32_t* frame = interp->fp; frame < interp->stackTop; frame = interp->words(frame[kFramePrevious])) {
-    if (frame[kFrameRecord] == kBlockFrame) continue;
-    running.back().calledByHost = frame[kFrameRecord] == kTopFrame;
+    if (bobFrameRecord(frame) == kBlockFrame) continue;
+    running.back().calledByHost = bobFrameRecord(frame) == kTopFrame;
     if (!frame[kFrameCode]) break;
-    add(frame[kFrameCode], frame[kFramePc], frame[kFrameEnv], frame[kFrameScope]);
+    add(frame[kFrameCode], bobFramePc(frame), frame[kFrameEnv], frame[kFrameScope]);
   }
   return running;
 }

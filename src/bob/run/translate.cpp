@@ -57,7 +57,7 @@ BobQuickOp plainForm(uint8_t opcode) {
 class Translator {
  public:
   // `marks` may be null.
-  Translator(BobInterp* interp, BobValue code, const BobCodePaths& paths, BobQuickCode& quick,
+  Translator(BobInterp* interp, BobValue code, BobCodePaths& paths, BobQuickCode& quick,
              std::vector<BobQuickMark>* marks)
       : paths(paths),
         out(quick.words),
@@ -68,6 +68,7 @@ class Translator {
 
   void translate() {
     combines = paths.proven && !isTraced && !instructionsOverlap();
+    if (combines) paths.flattenBlocks();
     places.assign(paths.length, kNowhere);
     bool open = false;  // the instruction before runs on into the next offset
     uint32_t next = kBobFirstOffset;
@@ -124,17 +125,47 @@ class Translator {
     return s.at[0];
   }
 
-  // A jump to a test is replaced by the test, which saves a step in every loop.
+  // A jump to a test is replaced by the test, and one to a loop's step by the step with its test: each saves an
+  // instruction on every turn.
   void emitJump(uint32_t target) {
     if (combines) {
       const BobCombiner::Sequence s = combiner.from(target);
       const uint32_t at = out.here();
-      const int taken = combiner.combineTest(s);
-      if (taken) mark(at, failingPart(s, taken));
-      if (taken) target = s.at[taken];
+      if (emitLoop(s, true)) return;
+      if (const int parts = combiner.freeTest(s)) {
+        if (combiner.combineTest(s))
+          mark(at, failingPart(s, parts));
+        else
+          emitParts(s, parts);
+        target = s.at[parts];
+      }
     }
-    out.put(kQJump);
+    putJump(kQJump, target);
+  }
+
+  void emitParts(const BobCombiner::Sequence& s, int parts) {
+    uint32_t next;
+    for (int i = 0; i < parts; ++i) {
+      mark(out.here(), s.at[i]);
+      emitSingle(s.at[i], next);
+    }
+  }
+
+  void putJump(BobQuickOp op, uint32_t target) {
+    out.put(op);
     out.putTarget(target);
+  }
+
+  // The loop, if there is one, and the jump to what comes after it. An error of the test is told from one of the step
+  // by the words read.
+  bool emitLoop(const BobCombiner::Sequence& s, bool afterJump) {
+    const uint32_t at = out.here();
+    const BobCombiner::Loop loop = combiner.combineLoop(s, afterJump);
+    if (!loop.after) return false;
+    mark(at, s.at[3]);
+    mark(at + 1, loop.compares);
+    putJump(loop.jumpIsFree ? kQJump : kQGoto, loop.after);
+    return true;
   }
 
   void emitTrace(uint32_t at) {
@@ -148,10 +179,14 @@ class Translator {
   void emitVariable(uint32_t at, const uint8_t* p) {
     const bool load = *p == kOpEref;
     int index;
-    if (paths.findOwn(at, &index) && index >= INT16_MIN)
-      out.put(load ? kQOwn : kQSetOwn, 0, uint32_t(index) & 0xFFFF);
+    if (paths.findOwn(at, &index))
+      out.put(load ? kQOwn : kQSetOwn, 0, uint16_t(index));
+    else if (paths.findOuter(at, &index))
+      out.put(load ? kQOuter : kQSetOuter, 0, uint16_t(index));
+    else if (paths.depthOf(at) == 1)
+      out.put(load ? kQVarNext : kQSetNext, 0, p[2]);
     else
-      out.put(load ? kQVar : kQSet, p[1], p[2]);
+      out.put(load ? kQVar : kQSet, paths.depthOf(at), p[2]);
   }
 
   void emitSwitch(const uint8_t* p) {
@@ -172,6 +207,10 @@ class Translator {
     }
     if (combines) {
       const BobCombiner::Sequence s = combiner.from(at);
+      if (emitLoop(s, false)) {
+        combinedUpTo = paths.isTarget(s.at[4]) ? s.at[4] : s.at[5];
+        return false;
+      }
       if (const int taken = combiner.combine(s)) {
         if (marks) marks->back().offset = failingPart(s, taken);
         next = combinedUpTo = s.at[taken];
@@ -207,21 +246,32 @@ class Translator {
         return true;
       case kOpReturn:
       case kOpUnframe:
-        if (paths.proven && paths.hasBlocks(at)) {
-          out.put(kQUnframe);
+        if (paths.proven && paths.hasBlocks(at) && !(paths.isFlat() && paths.endsFunction(at))) {
+          if (paths.isFlat())
+            out.put(kQUnblock, 0, paths.blockVariables(at));
+          else
+            out.put(kQUnframe);
           return true;
         }
-        out.put(kQReturn);
+        out.put(paths.proven ? kQReturn : kQReturnAny, 0, paths.variables);
         return !paths.proven;
-      case kOpCall: out.put(kQCall, p[1]); return true;
+      case kOpCall:
+        out.put(kQCall, p[1]);
+        out.putCache(kBobCallCacheWords);
+        return true;
       case kOpSend:
         out.put(kQSend, p[1]);
-        out.putCache();
+        out.putCache(kBobCacheWords + kBobCallCacheWords);
         return true;
       case kOpEref:
       case kOpEset: emitVariable(at, p); return true;
-      case kOpFrame: out.put(kQFrame, p[1]); return true;
-      case kOpCframe: out.put(kQCframe, p[1]); return true;
+      case kOpFrame:
+      case kOpCframe:
+        if (paths.isFlat())
+          out.put(kQBlock, 0, *p == kOpCframe ? p[1] : 0);
+        else
+          out.put(*p == kOpCframe ? kQCframe : kQFrame, p[1]);
+        return true;
       case kOpSwitch: emitSwitch(p); return false;
       case kOpArgsGe: out.put(kQArgsGe, p[1]); return true;
       case kOpLine:
@@ -230,7 +280,7 @@ class Translator {
     }
   }
 
-  const BobCodePaths& paths;
+  BobCodePaths& paths;
   BobQuickWriter out;
   BobCombiner combiner;
   std::vector<BobQuickMark>* marks;
@@ -253,7 +303,7 @@ void translate(BobInterp* interp, BobValue code, BobQuickCode& quick, std::vecto
   quick.optional = bytes[2];
   quick.plainSlots = quick.hasRest || quick.optional ? -1 : quick.required;
   const uint32_t variables = uint32_t(quick.required + quick.optional + quick.hasRest);
-  const BobCodePaths paths(interp, code, variables);
+  BobCodePaths paths(interp, code, variables);
   Translator(interp, code, paths, quick, marks).translate();
 }
 
