@@ -191,14 +191,14 @@ class GreySweep {
     return (halves[0] | halves[1]) != 0;
   }
 
-  // Sums up along the lines. sums gets, or with kAdds gets added, the coverage of each step's pixels; used what
-  // happens in each lane. Says how many spans begin.
+  // Sums up along the lines. sums gets, or with kAdds gets added, the coverage of each step's pixels; used,
+  // in each lane, whether any spans begin. Says how many spans begin.
   template <bool kAdds>
   int SweepLines(const uint8_t* cells, int steps, int width, uint8_t* sums, uint8_t* used) {
     int begins = 0;
     for (int lane = 0; lane < width; lane += kLanes) {
       Bytes levels[kOversample] = {};  // the unit inside a span
-      Bytes all{}, begun{}, bad = bad_;
+      Bytes begun{}, most = most_;
       for (int step = 0; step < steps; ++step) {
         const uint8_t* from = cells + step * kCut * kStep + lane;
         Bytes sum = kAdds ? Load(sums + step * kStride + lane) : Bytes{};
@@ -210,24 +210,24 @@ class GreySweep {
           const Bytes part = (cell & uint8_t(kBegin - 1)) + inside;
           levels[line] = inside + (begin & uint8_t(kUnit));
           sum += part;
-          all |= cell;
           begun -= begin;
-          // Neither leaves 0 to kUnit, however far the sums have gone astray by then.
-          bad |= part | (part + uint8_t(127 - kUnit)) | levels[line] | (levels[line] + uint8_t(127 - kUnit));
+          most = part > most ? part : most;
         }
         Store(sums + step * kStride + lane, sum);
       }
-      for (const Bytes& level : levels) bad |= -level;  // each span ends
-      Store(used + lane, all);
+      for (const Bytes& level : levels) most |= level | -level;  // each span has to end
+      Store(used + lane, begun);
       for (int i = 0; i < kLanes; ++i) begins += begun[i];
-      bad_ = bad;
+      most_ = most;
     }
     return begins;
   }
 
+  // A span that begins inside another or ends outside leaves a part below nothing, which is a large byte, or above the
+  // unit: in its own pixel or the next, or else it adds nothing at all.
   bool IsSound() const {
     for (int i = 0; i < kLanes; ++i)
-      if (bad_[i] & 128) return false;
+      if (most_[i] > kUnit) return false;
     return true;
   }
 
@@ -253,7 +253,7 @@ class GreySweep {
   const CrossingLanes lowLine_, origin_, beginKind_;  // for vertical lines, horizontal ones, and again
   int count_ = 0;                                     // of crossings
   CrossingLanes fours_{};                             // and of those that came in fours
-  Bytes bad_{};                                       // the top bits say that something was wrong
+  Bytes most_{};                                      // that a line gave to a pixel
   uint8_t columns_[kMost * kCut * kStep + kLanes];
   uint8_t rows_[kMost * kCut * kStep + kLanes];
   uint8_t coverage_[kMost * kStride + kLanes];
