@@ -36,9 +36,13 @@ class CrossingTable::LineSink {
         lowRow_(table->lowRow_),
         lowColumn_(table->lowColumn_ - table->rows_) {}
 
-  template <class Next>
-  void AddRun(bool vertical, int32_t line, int length, uint32_t kind, Next next) {
-    const int slot = (line >> 6) - (vertical ? lowColumn_ : lowRow_);
+  template <bool kVertical>
+  void AddStem(int32_t line, int length, uint32_t kind, int32_t place) {
+    AddRun<kVertical>(line, length, kind, [place] { return place; });
+  }
+  template <bool kVertical, class Next>
+  void AddRun(int32_t line, int length, uint32_t kind, Next next) {
+    const int slot = (line >> 6) - (kVertical ? lowColumn_ : lowRow_);
     int32_t* count = count_ + slot;
     Crossing* entry = entries_ + slot * kRoom;
     for (const int32_t* end = count + length; count < end; ++count, entry += kRoom) {
@@ -69,16 +73,26 @@ class CrossingTable::SequenceSink {
  public:
   explicit SequenceSink(CrossingTable* table) : table_(table) {}
 
-  template <class Next>
-  void AddRun(bool vertical, int32_t line, int length, uint32_t kind, Next next) {
+  template <bool kVertical>
+  void AddStem(int32_t line, int length, uint32_t kind, int32_t place) {
+    AddRun<kVertical>(line, length, kind, [place] { return place; });
+  }
+  template <bool kVertical, class Next>
+  void AddRun(int32_t line, int length, uint32_t kind, Next next) {
     if (length > kMaxEdges - int(all.size())) table_->overflowed_ = true;
     if (table_->overflowed_) return;
-    const int slot = table_->SlotOf(vertical, line >> 6);
+    const int slot = table_->SlotOf(kVertical, line >> 6);
     for (int i = 0; i < length; ++i) all.push_back(uint64_t(slot + i) << 32 | MakeCrossing(next(), kind));
   }
 
   void AddFour(CrossingLanes number, CrossingLanes along, CrossingLanes kind, CrossingLanes is) {
-    for (int i = 0; i < 4; ++i) AddRun(i % 2 == 0, number[i] * 64, is[i], uint32_t(kind[i]), [&] { return along[i]; });
+    const auto addLane = [&]<bool kVertical>(int i) {
+      AddStem<kVertical>(number[i] * 64, is[i], uint32_t(kind[i]), along[i]);
+    };
+    for (int i = 0; i < 4; i += 2) {
+      addLane.template operator()<true>(i);
+      addLane.template operator()<false>(i + 1);
+    }
   }
 
   std::vector<SequencedCrossing> all;
@@ -102,6 +116,11 @@ CrossingTable::CrossingTable(const GlyphClass& glyph, const CrossingBounds& box,
   WalkIntoLines<kLineRoom>();
 }
 
+void CrossingTable::Settle(bool exactSpans) {
+  if (SettleAll(exactSpans)) return;
+  if (!MakeRoom() || !SettleAll(exactSpans)) SortInSequence();
+}
+
 template <int kRoom>
 void CrossingTable::WalkIntoLines() {
   room_ = kRoom;
@@ -118,6 +137,25 @@ bool CrossingTable::MakeRoom() {
   if (most < kLineRoom || most >= kMoreRoom || Slots() > kMaxEdges / kMoreRoom) return false;
   entries_.Renew(uint32_t(Slots()) * kMoreRoom);
   WalkIntoLines<kMoreRoom>();
+  return true;
+}
+
+// Sorts and strikes each line by itself, which is cheap. False if that isn't enough: a line is crowded, or an order
+// undecided.
+bool CrossingTable::SettleLines(bool vertical, bool exactSpans) {
+  const int begin = vertical ? rows_ : 0, end = vertical ? rows_ + columns_ : rows_;
+  Crossing* c = entries_.get() + begin * room_;
+  LineExtent extent;
+  for (int slot = begin; slot < end; ++slot, c += room_) {
+    const int count = count_[slot];
+    if (count == 0) continue;
+    if (count >= room_) return false;
+    const bool inPairs = SortCrossings(c, count);
+    extent.Take(slot, c[0], c[count - 1]);
+    if (exactSpans && count > 2 && IsUndecided(c, count)) return false;
+    if (!inPairs) count_[slot] = StrikeLine(mem_, c, count);
+  }
+  ExtendBounds(vertical, extent);
   return true;
 }
 

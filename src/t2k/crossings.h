@@ -19,35 +19,17 @@ struct LineSpans {
   int count;
 };
 
-// For Settle, when lines are not to be painted yet.
-struct NoPainter {
-  template <bool kVertical>
-  void Enter(const LineSpans&) {}
-  void Restart() {}
-};
-
 class CrossingTable {
  public:
   // Takes in all contours of a scaled glyph whose points lie in box, everything multiplied by oversample.
   CrossingTable(const GlyphClass& glyph, const CrossingBounds& box, int oversample);
 
   // To be called once, before anything below: puts every line in order and strikes out what lies inside overlapping
-  // contours. painter gets each line that has spans as soon as it is complete, Enter<kVertical>(spans), and starts anew
-  // on Restart(). With exactSpans the spans are those of the engine's own order of crossings that share a place;
-  // without, two spans that touch may be one or the other way about, which sums of coverage don't show.
-  template <class Painter>
-  void Settle(bool exactSpans, Painter& painter) {
-    if (SettleAll(exactSpans, painter)) return;
-    painter.Restart();
-    if (MakeRoom()) {
-      if (SettleAll(exactSpans, painter)) return;
-      painter.Restart();
-    }
-    SortInSequence();
-    if (!overflowed_) EnterAll(painter);
-  }
+  // contours. With exactSpans the spans are those of the engine's own order of crossings that share a place; without,
+  // two spans that touch may be one or the other way about, which sums of coverage don't show.
+  void Settle(bool exactSpans);
 
-  // Hands all lines to a painter.
+  // Hands all lines that have spans to a painter: Enter<kVertical>(spans).
   template <class Painter>
   void EnterAll(Painter& painter) const {
     for (int i = 0; i < rows_; ++i) EnterLine<false>(painter, Row(i));
@@ -102,12 +84,8 @@ class CrossingTable {
     if (spans.count) painter.template Enter<kVertical>(spans);
   }
 
-  template <class Painter>
-  bool SettleAll(bool exactSpans, Painter& painter) {
-    return SettleLines<false>(exactSpans, painter) && SettleLines<true>(exactSpans, painter);
-  }
-  template <bool kVertical, class Painter>
-  bool SettleLines(bool exactSpans, Painter& painter);
+  bool SettleAll(bool exactSpans) { return SettleLines(false, exactSpans) && SettleLines(true, exactSpans); }
+  bool SettleLines(bool vertical, bool exactSpans);
 
   tsiMemObject* mem_;
   const GlyphClass& glyph_;
@@ -121,49 +99,3 @@ class CrossingTable {
   bool overflowed_ = false;
   CrossingBounds bounds_;
 };
-
-// Sorts, strikes and paints each line by itself, which is cheap. False if that isn't enough: a line is crowded, or an
-// order undecided.
-template <bool kVertical, class Painter>
-bool CrossingTable::SettleLines(bool exactSpans, Painter& painter) {
-  const int begin = kVertical ? rows_ : 0, end = kVertical ? rows_ + columns_ : rows_;
-  int32_t* const counts = count_;
-  const int room = room_;
-  Crossing* c = entries_.get() + begin * room;
-  int32_t line = (kVertical ? lowColumn_ : lowRow_) * 64 + 32;
-  LineExtent extent;
-  // Counts of two, four and six have code of their own: they are nearly all.
-  const auto settleFew = [&]<int kCount>(int slot) {
-    const bool inPairs = SortFew<kCount>(c);
-    extent.Take(slot, c[0], c[kCount - 1]);
-    if (!inPairs || (exactSpans && kCount > 2)) return false;
-    painter.template Enter<kVertical>({line, c, kCount});
-    return true;
-  };
-  for (int slot = begin; slot < end; ++slot, c += room, line += 64) {
-    const int count = counts[slot];
-    bool inPairs = false;
-    switch (count) {
-      case 0: continue;
-      case 2:
-        if (settleFew.template operator()<2>(slot)) continue;
-        break;
-      case 4:
-        if (settleFew.template operator()<4>(slot)) continue;
-        break;
-      case 6:
-        if (settleFew.template operator()<6>(slot)) continue;
-        break;
-      default:
-        if (count >= room) return false;
-        break;
-    }
-    inPairs = SortMany(c, count);
-    extent.Take(slot, c[0], c[count - 1]);
-    if (exactSpans && count > 2 && IsUndecided(c, count)) return false;
-    if (!inPairs) counts[slot] = StrikeLine(mem_, c, count);
-    painter.template Enter<kVertical>({line, c, counts[slot]});
-  }
-  ExtendBounds(kVertical, extent);
-  return true;
-}

@@ -6,7 +6,7 @@ bool SamePlace(Crossing a, Crossing b) { return a >> kKindBits == b >> kKindBits
 
 }  // namespace
 
-bool SortMany(Crossing* c, int count) {
+bool SortCrossings(Crossing* c, int count) {
   for (int i = 1; i < count; ++i) {
     const Crossing moving = c[i];
     int j = i;

@@ -17,23 +17,8 @@ constexpr int32_t AlongOf(Crossing c) { return int32_t(c >> kKindBits) - kCrossi
 
 inline constexpr uint32_t kRisingKinds = kVerticalRising | kHorizontalRising;
 
-// Sorts the few crossings that most lines have, by insertion without a branch. Says, like the one below, whether they
-// rise and fall in pairs from the first on, so that nothing overlaps.
-template <int kCount>
-inline bool SortFew(Crossing* c) {
-  for (int i = 1; i < kCount; ++i) {
-    for (int j = i; j > 0; --j) {
-      const Crossing low = std::min(c[j - 1], c[j]);
-      c[j] = std::max(c[j - 1], c[j]);
-      c[j - 1] = low;
-    }
-  }
-  Crossing opposite = kRisingKinds;
-  for (int i = 0; i < kCount; i += 2) opposite &= c[i] ^ c[i + 1];
-  return opposite != 0;
-}
-
-bool SortMany(Crossing* c, int count);
+// Says whether they rise and fall in pairs from the first on, so that nothing overlaps.
+bool SortCrossings(Crossing* c, int count);
 
 // Whether it matters in which order crossings of two kinds at one place come. It does where the second of them would
 // end one span and the first begin another, or the other way about, and where they are more than two.

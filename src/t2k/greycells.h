@@ -11,20 +11,10 @@
 #include "t2k/crossings.h"
 #include "t2k/scanbitmap.h"
 
-// Pixels, right and top exclusive.
-struct PixelBox {
-  int left, bottom, right, top;
-
-  int Width() const { return right - left; }
-  int Height() const { return top - bottom; }
-};
-
 template <int kOversample>
 class GreyCells {
  public:
   static constexpr int kInlinePixels = 2048;
-
-  static bool FitsInline(const PixelBox& box) { return int64_t{box.Width() + kLanes} * box.Height() <= kInlinePixels; }
 
   // box holds every pixel that spans touch.
   GreyCells(tsiMemObject* mem, const PixelBox& box)
@@ -35,10 +25,8 @@ class GreyCells {
         cells_(mem, pixels_ * 2),
         rows_(cells_.get()),
         columns_(rows_ + pixels_) {
-    Restart();
+    std::memset(rows_, 0, pixels_ * 2 * sizeof(Cell));
   }
-
-  void Restart() { std::memset(rows_, 0, pixels_ * 2 * sizeof(Cell)); }
 
   template <bool kVertical>
   void Enter(const LineSpans& spans) {
@@ -128,7 +116,6 @@ class GreyStrip : private GreyCells<kOversample> {
   GreyStrip(tsiMemObject* mem, const PixelBox& rows)
       : GreyCells<kOversample>(mem, {rows.left, rows.bottom - 1, rows.right, rows.top}) {}
 
-  using GreyCells<kOversample>::Restart;
   using GreyCells<kOversample>::Sum;
 
   template <bool kVertical>

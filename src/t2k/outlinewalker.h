@@ -48,11 +48,11 @@ inline constexpr int32_t kLongSpan = 32768;
 
 inline constexpr int kMaxCurveDepth = 16;  // 32 bits of error, two less at each halving
 
-// Sink gets the crossings in the order of the walk. AddRun(vertical, line, length, kind, next) are length of them on
-// neighbouring lines from line up, next() giving one place after the other. AddFour(numbers, places, kinds, is) are
-// four at once, a vertical line's, a horizontal one's and two like them: the one with line number * 64 + 32 where `is`
-// is 1, and none where it is 0; then only number means something: it is that of a line of the outline or of the next
-// one.
+// Sink gets the crossings in the order of the walk. AddRun<vertical>(line, length, kind, next) are length of them on
+// neighbouring lines from line up, next() giving one place after the other. AddStem<vertical>(line, length, kind,
+// place) are the same, all at one place. AddFour(numbers, places, kinds, is) are four at once, a vertical line's, a
+// horizontal one's and two like them: the one with line number * 64 + 32 where `is` is 1, and none where it is 0; then
+// only number means something: it is that of a line of the outline or of the next one.
 template <class Sink>
 class OutlineWalker {
  public:
@@ -258,7 +258,7 @@ class OutlineWalker {
     int32_t across = a1 - a0;
     int32_t along = b1 - b0;
     if (along == 0) {  // most of the long ones are stems
-      sink_.AddRun(kVertical, line, count, kind, [b0] { return b0; });
+      sink_.template AddStem<kVertical>(line, count, kind, b0);
       return;
     }
     while (across > kLongSpan) {
@@ -271,14 +271,14 @@ class OutlineWalker {
     uint32_t quotient = QuotientOf(numerator, divisor);
     const auto place = [&] { return b0 + ((int32_t(quotient) ^ sign) - sign); };
     if (count == 1) {
-      sink_.AddRun(kVertical, line, 1, kind, place);
+      sink_.template AddRun<kVertical>(line, 1, kind, place);
       return;
     }
     const uint64_t step = uint64_t{steep} * 64;
     const uint32_t stepQuotient = QuotientOf(step, divisor);
     const auto stepRemainder = uint32_t(step - uint64_t{stepQuotient} * divisor);
     auto remainder = uint32_t(numerator - uint64_t{quotient} * divisor);
-    sink_.AddRun(kVertical, line, count, kind, [&] {
+    sink_.template AddRun<kVertical>(line, count, kind, [&] {
       const int32_t at = place();
       remainder += stepRemainder;
       const bool carry = remainder >= divisor;

@@ -8,6 +8,14 @@ inline constexpr int kMaxGreyLevel = 5;
 inline constexpr int64_t kMaxBitmapBytes = 1 << 26;  // a larger glyph has bounds but no bitmap
 inline constexpr int kGreyFull = 120;
 
+// Pixels, right and top exclusive.
+struct PixelBox {
+  int left, bottom, right, top;
+
+  int Width() const { return right - left; }
+  int Height() const { return top - bottom; }
+};
+
 // Of a bitmap only these rows, counted from its top; all unless something else is asked for.
 struct T2KRows {
   int first = 0, limit = INT_MAX;  // limit: the row after the last

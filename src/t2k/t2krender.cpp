@@ -255,13 +255,15 @@ void MakeBitmap(const RenderCall& call) {
   options.boundsOnly = call.cmd & kT2KBoundsOnly;
   options.sharpen = call.GridFits() && t->ag_sharpen && t->ag_xPixelsPerEm < kSharpenBelow;
   options.rows = t->bitmapRows;
+  const int32_t originX = glyph->x[glyph->pointCount], originY = glyph->y[glyph->pointCount];
+  options.wholePixels = ((originX | originY) & 63) == 0;
   const tsiScanConv sc = ScanConvert(*glyph, options);
   t->width = sc.Width();
   t->height = sc.Height();
   t->rowBytes = sc.rowBytes;
   t->baseAddr = sc.baseAddr;
-  t->fLeft26Dot6 = hsWrapSub(sc.xmin, glyph->x[glyph->pointCount]) & ~63;
-  t->fTop26Dot6 = hsWrapSub(sc.ymax, glyph->y[glyph->pointCount]) & ~63;
+  t->fLeft26Dot6 = hsWrapSub(sc.xmin, originX) & ~63;
+  t->fTop26Dot6 = hsWrapSub(sc.ymax, originY) & ~63;
 }
 
 }  // namespace

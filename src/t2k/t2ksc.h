@@ -10,7 +10,8 @@
 struct ScanConvOptions {
   int greyLevel = 0;  // 0 monochrome, 1 to kMaxGreyLevel lines a pixel
   bool boundsOnly = false;
-  bool sharpen = false;  // takes some grey off where two neighbours share an edge
+  bool sharpen = false;      // takes some grey off where two neighbours share an edge
+  bool wholePixels = false;  // of the bounds only whole pixels count: xmin and ymax may be off inside their pixels
   T2KRows rows{};
 };
 

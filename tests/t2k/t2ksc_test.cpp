@@ -4,11 +4,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "t2k/fontbuilder.h"
+#include "t2k/greysweep.h"
 #include "t2k/plainscan.h"
 #include "t2k/t2kpaint.h"
 
@@ -42,11 +44,19 @@ class ScanConverter : public testing::Test {
     return glyph;
   }
 
-  // The place of the bitmap and its pixels as text. The bounds alone must be those of the bitmap.
+  // The place of the bitmap and its pixels as text. The bounds alone must be those of the bitmap, and so must the whole
+  // pixels of one that needn't know them better.
   std::string Draw(const std::vector<FontContour>& contours, int greyLevel, int curveType = 2) {
     const GlyphHolder glyph(Make(contours, curveType));
     const tsiScanConv sc = ScanConvert(*glyph.get(), {greyLevel, false, false});
     const std::string text = PixelText(sc.baseAddr, sc.Width(), sc.Height(), sc.rowBytes, greyLevel > 0);
+    ScanConvOptions whole{greyLevel};
+    whole.wholePixels = true;
+    const tsiScanConv same = ScanConvert(*glyph.get(), whole);
+    EXPECT_EQ(PixelText(same.baseAddr, same.Width(), same.Height(), same.rowBytes, greyLevel > 0), text);
+    EXPECT_EQ((std::array{same.left, same.bottom, same.xmin >> 6, same.ymax >> 6}),
+              (std::array{sc.left, sc.bottom, sc.xmin >> 6, sc.ymax >> 6}));
+    tsi_DeAllocMem(mem, same.baseAddr);
     tsi_DeAllocMem(mem, sc.baseAddr);
     const tsiScanConv bounds = ScanConvert(*glyph.get(), {greyLevel, true, false});
     EXPECT_EQ(bounds.baseAddr, nullptr);
@@ -165,6 +175,36 @@ TEST_F(ScanConverter, AgreesWithThePlainConversionOnRandomShapes) {
     const int level = int(random() % 6);
     ASSERT_EQ(Draw(contours, level, cubic ? 3 : 2), PlainScan(contours, cubic ? 3 : 2, level).Draw()) << round;
   }
+}
+
+// A ring of points around a middle, which overlaps nothing, with a hole like it: most such shapes need no sorting. The
+// smallest are narrower than a pixel in places, the largest just too large.
+TEST_F(ScanConverter, TidyShapesAreSummedWithoutSorting) {
+  std::mt19937 random(3);
+  int summed = 0;
+  for (int round = 0; round < 400; ++round) {
+    const int size = 64 << round % 6;
+    const auto ring = [&](int least, bool clockwise) {
+      FontContour contour;
+      for (int i = 0; i < 12; ++i) {
+        const double angle = (clockwise ? -i : i) * 3.14159265 / 6, radius = least + int(random() % unsigned(least));
+        contour.push_back({int(radius * std::cos(angle)), int(radius * std::sin(angle)) - 100, random() % 2 == 0});
+      }
+      return contour;
+    };
+    const bool cubic = round % 5 == 4;  // whose contours run the other way
+    std::vector<FontContour> contours{ring(size / 2, !cubic), ring(size / 8, cubic)};
+    if (cubic)
+      for (FontContour& contour : contours)
+        for (FontPoint& point : contour) point.on = true;
+    const int level = 2 + round % 4;
+    ASSERT_EQ(Draw(contours, level, cubic ? 3 : 2), PlainScan(contours, cubic ? 3 : 2, level).Draw()) << round;
+    if (level != 3) continue;
+    const GlyphHolder glyph(Make(contours, cubic ? 3 : 2));
+    const PixelBox reach{-32, -32, 32, 32};
+    if (size <= 1024) summed += GreySweep<3>(*glyph.get(), reach).Sum();
+  }
+  EXPECT_GT(summed, 50);
 }
 
 // The slope of a long line is computed so coarsely that its last crossing lies a pixel below both of its ends.
