@@ -71,7 +71,7 @@ void Frame::runScript(const EventTarget* widget, ScriptAttribute hook, PageScrip
   watch.ended(language->run(this, script.data(), uint32_t(script.size())));
 }
 
-void Frame::append(WidgetPtr<> widget) {
+void Frame::append(WidgetPtr<>&& widget) {
   names.append(widget.get());  // first, as it may find no memory
   *widgetsTail = widget.release();
   widgetsTail = &(*widgetsTail)->nextInFrame;

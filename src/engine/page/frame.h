@@ -37,8 +37,8 @@ struct Frame : Widget, WidgetOwner {
   int ownerEvent(const Event& event) override;                                                  // frameEvent
   void runScript(const EventTarget* widget, ScriptAttribute hook, PageScript script) override;  // in its language
 
-  void append(WidgetPtr<> widget);  // to the list of the page's widgets
-  WidgetPtr<> takeFirst();          // off the list, and out of the focus
+  void append(WidgetPtr<>&& widget);  // to the list of the page's widgets
+  WidgetPtr<> takeFirst();            // off the list, and out of the focus
 
   std::unique_ptr<PageData> pageData;  // null when no page is loaded
   std::string pageName;                // of the file that was loaded last
