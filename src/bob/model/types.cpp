@@ -75,7 +75,8 @@ void scanNothing(BobInterp*, BobValue) {}
 
 void scanWords(BobInterp* interp, BobValue object, uint32_t first, uint32_t end) {
   uint32_t* w = interp->words(object);
-  for (uint32_t i = first; i < end; ++i) w[i] = interp->moved(w[i]);
+  for (uint32_t i = first; i < end; ++i)  // most are small integers or symbols, nil among them, which don't move
+    if (!bobIsSmall(w[i]) && *interp->words(w[i]) != kBobSymbol) w[i] = interp->moved(w[i]);
 }
 template <int kFirst, int kEnd>
 void scanFields(BobInterp* interp, BobValue object) {
