@@ -27,7 +27,7 @@ await build({
   outfile: join(out, 'app.js'),
   bundle: true, format: 'esm', minify: true, target: 'es2022', legalComments: 'none', logLevel: 'warning',
 });
-for (const name of ['index.html', 'app.css', 'manifest.webmanifest', 'workshopworker.js']) copy(join(here, 'playground', name), name);
+for (const name of ['index.html', 'app.css', 'manifest.webmanifest', 'workshop.js', 'workshopworker.js']) copy(join(here, 'playground', name), name);
 copy(join(top, 'packaging/vistrel.svg'), 'vistrel.svg');
 for (const name of ['vistrel-workshop.js', 'vistrel-workshop.wasm']) copy(join(top, 'build/web/workshop', name), name);
 for (const name of Object.keys(FONTS)) writeFileSync(join(out, 'fonts', name), FONTS[name]);

@@ -9,6 +9,7 @@ import {cpSync, existsSync, mkdirSync, readFileSync, writeFileSync} from 'node:f
 import {dirname, join, resolve} from 'node:path';
 import {fileURLToPath, pathToFileURL} from 'node:url';
 import {guideProject} from './guideproject.js';
+import {asked, startWorkshop} from './playground/workshop.js';
 
 const here = fileURLToPath(new URL('.', import.meta.url));
 const top = resolve(here, '..');
@@ -32,18 +33,10 @@ const DOCUMENTS = [
 async function compiledPages() {
   const workshop = join(top, 'build/web/workshop');
   const {default: startModule} = await import(pathToFileURL(join(workshop, 'vistrel-workshop.js')));
-  const module = await startModule({wasmBinary: readFileSync(join(workshop, 'vistrel-workshop.wasm')), print: () => undefined});
-  module._workshopStart();
+  const module = await startWorkshop(startModule, {wasmBinary: readFileSync(join(workshop, 'vistrel-workshop.wasm'))});
   module.FS.mkdir('/guide');
   for (const [name, bytes] of Object.entries(guideProject())) module.FS.writeFile(`/guide/${name}`, bytes);
-  const texts = ['/guide/vistrel.yaml', '/guide.zip'].map((text) => {
-    const bytes = new TextEncoder().encode(text);
-    const at = module._malloc(bytes.length + 1);
-    module.HEAPU8.set([...bytes, 0], at);
-    return at;
-  });
-  const at = module._projectPack(...texts);
-  const answer = JSON.parse(new TextDecoder().decode(module.HEAPU8.subarray(at, module.HEAPU8.indexOf(0, at))));
+  const answer = asked(module, '_projectPack', '/guide/vistrel.yaml', '/guide.zip');
   if (!answer.packed) throw new Error(`the guide's pages: ${answer.messages.map(({text}) => text).join('\n')}`);
   return unzipSync(module.FS.readFile('/guide.zip'));
 }

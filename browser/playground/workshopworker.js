@@ -6,33 +6,10 @@
 // {made}: what was said of the sources, {errors}, {stopped}, {inspected}, {timeline} and {packed}. The language takes {lsp}
 // and answers {lsp}: messages of the Language Server Protocol.
 import startModule from './vistrel-workshop.js';
+import {asked, startWorkshop, withTexts} from './workshop.js';
 
-const utf8 = new TextEncoder();
-const text = new TextDecoder();
-
-const started = startModule({print: () => undefined}).then((module) => (module._workshopStart(), module));
+const started = startWorkshop(startModule);
 started.catch((error) => postMessage({failed: String(error)}));
-
-function withTexts(module, values, use) {
-  const places = values.map((value) => {
-    const bytes = utf8.encode(value);
-    const at = module._malloc(bytes.length + 1);
-    module.HEAPU8.set(bytes, at);
-    module.HEAPU8[at + bytes.length] = 0;
-    return at;
-  });
-  try {
-    return use(...places);
-  } finally {
-    places.forEach((at) => module._free(at));
-  }
-}
-
-function textAt(module, at) {
-  return text.decode(module.HEAPU8.subarray(at, module.HEAPU8.indexOf(0, at)));
-}
-
-const asked = (module, name, ...values) => JSON.parse(textAt(module, withTexts(module, values, module[name])));
 
 function put(module, path, bytes) {
   const {FS} = module;
