@@ -67,7 +67,7 @@ class GreySweep {
     return {reach_.left + left, reach_.bottom + bottom, reach_.left + right, reach_.bottom + top};
   }
 
-  // Writes the rows of sc's bitmap, which lies within the bounds, and up to kLanes bytes more behind it.
+  // Writes the rows of sc's bitmap, which lies within the bounds, and up to kLanes bytes more after it.
   void CopyTo(const tsiScanConv& sc) const {
     uint8_t* out = sc.baseAddr;
     for (int y = sc.top - 1; y >= sc.bottom; --y, out += sc.rowBytes) {

@@ -68,7 +68,7 @@ class BitmapMaker {
     return int64_t{sc_.rowBytes} * asked_.Height() <= kMaxBitmapBytes;
   }
 
-  // paint() writes every byte of the rows asked for, and may write so many more behind them.
+  // paint() writes every byte of the rows asked for, and may write so many more after them.
   template <class Paint>
   void MakeBits(Paint paint, int more = 0) {
     tsiBlock<uint8_t> bits(mem_, uint32_t(asked_.rowBytes * asked_.Height() + more));

@@ -9,7 +9,7 @@
 
 #include "bob/heap/interp.h"
 
-enum BobCacheWord { kCacheProperty = 2 };  // behind the object and the epoch
+enum BobCacheWord { kCacheProperty = 2 };  // after the object and the epoch
 
 inline bool bobCacheHolds(const BobInterp* interp, const uint32_t* cache, BobValue object) {
   uint64_t key;  // the first two words

@@ -156,8 +156,8 @@ class Translator {
     out.putTarget(target);
   }
 
-  // The loop, if there is one, and the jump to what comes after it. An error of the test is told from one of the step
-  // by the words read.
+  // The loop, if there is one, and the jump past it. Whether an error is in the test or in the step follows from how
+  // many words have been read.
   bool emitLoop(const BobCombiner::Sequence& s, bool afterJump) {
     const uint32_t at = out.here();
     const BobCombiner::Loop loop = combiner.combineLoop(s, afterJump);

@@ -23,7 +23,7 @@ using nlohmann::json;
 namespace {
 
 constexpr double kScriptSeconds = 2;       // of one key, one line or one millisecond
-constexpr size_t kMostTimelineRows = 300;  // that are told at once, the latest
+constexpr size_t kMostTimelineRows = 300;  // reported at once, the latest
 
 const char* kept(std::string text) {
   static std::string last;
