@@ -48,7 +48,7 @@ void writeDepfile(const std::string& depfile, const Project& project, const Buil
 
 // A page of the project around it, into the project's folder of built files.
 void buildPageOfProject(BuildCommandOptions options) {
-  const std::string file = findProject(fs::path(options.source).parent_path().string());
+  const std::string file = findProject(fs::path(options.source).parent_path().generic_string());
   if (file.empty()) KpgCommand::refuse("--out is required");
   Project project = readProject(file);
   options.project.page = pageOfProject(project, options.source);

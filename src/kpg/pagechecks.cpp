@@ -39,7 +39,7 @@ CheckReport checkPages(const std::vector<std::string>& sources) {
   Reports all;
   for (const std::string& source : sources) {
     if (!isPageSource(source)) throw KitError(source, "is no page source; only sources can be checked");
-    const std::string project = findProject(std::filesystem::path(source).parent_path().string());
+    const std::string project = findProject(std::filesystem::path(source).parent_path().generic_string());
     all.add(checkPageSource(source, project.empty() ? std::vector<std::string>() : readProject(project).allow));
   }
   return all.take();

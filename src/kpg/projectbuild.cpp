@@ -22,13 +22,13 @@ Project openProject(const std::string& folder, const std::string& output) {
       throw KitError(std::string("there is no ") + kProjectFileName +
                      " here or in a folder around; kpg new NAME begins a project");
   } else if (fs::is_directory(folder, error)) {
-    file = (fs::path(folder) / kProjectFileName).string();
+    file = (fs::path(folder) / kProjectFileName).generic_string();
     if (!fs::exists(file, error)) throw KitError(folder, std::string("has no ") + kProjectFileName);
   }
   Project project = readProject(file);
   if (output.empty()) return project;
   if (isStandardOutput(output)) throw KitError("a project is built into a folder; -o names that");
-  project.output = fs::absolute(output).lexically_normal().string();
+  project.output = fs::absolute(output).lexically_normal().generic_string();
   if (fs::equivalent(project.output, project.folder.empty() ? "." : project.folder, error))
     throw KitError(output, "is the project's own folder; built files need one of their own");
   return project;

@@ -108,7 +108,7 @@ class PageWatch {
     }
     if (!isOfPage(there)) return {};
     try {
-      const std::vector<uint8_t> bytes = readFile(there.string());
+      const std::vector<uint8_t> bytes = readFile(there.generic_string());
       return std::string(bytes.begin(), bytes.end());
     } catch (const KitError&) {
       return {};
@@ -122,7 +122,7 @@ class PageWatch {
       return !way.empty() && *way.begin() != "..";
     };
     const fs::path beside = fs::absolute(options.page).parent_path();
-    const std::string project = findProject(beside.string());
+    const std::string project = findProject(beside.generic_string());
     if (isBelow(beside) || (!project.empty() && isBelow(fs::absolute(project).parent_path()))) return true;
     return std::any_of(dependencies.begin(), dependencies.end(),
                        [&](const fs::path& read) { return fs::absolute(read).lexically_normal() == file; });
@@ -171,7 +171,7 @@ std::string besideProgram(std::initializer_list<const char*> files) {
   std::error_code error;
   const fs::path here = fs::read_symlink("/proc/self/exe", error).parent_path();
   for (const char* file : files)
-    if (fs::is_regular_file(here / file, error)) return (here / file).string();
+    if (fs::is_regular_file(here / file, error)) return (here / file).generic_string();
   return "";
 }
 
@@ -179,7 +179,7 @@ std::string besideProgram(std::initializer_list<const char*> files) {
 std::string viewerBeside() {
   const fs::path player =
       besideProgram({"../share/vistrel/viewer/vistrel-player.wasm", "../../../web/viewer/vistrel-player.wasm"});
-  return player.parent_path().string();
+  return player.parent_path().generic_string();
 }
 
 void watchPage(WatchOptions options) {

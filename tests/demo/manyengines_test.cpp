@@ -94,12 +94,15 @@ TEST(ManyEngines, EightOnTwoThreadsShowWhatEachShowsAlone) {
 }
 
 TEST(ManyEngines, AThousandThatComeAndGoLeaveNothing) {
+  // On a thread of their own: until it ends, the C library counts what a thread keeps to use again as allocated.
   const auto comeAndGo = [](int times) {
-    for (int i = 0; i < times; ++i) {
-      Player player(kPlays[i % std::size(kPlays)]);
-      ASSERT_TRUE(player.loaded);
-      player.press(0);
-    }
+    std::thread([=] {
+      for (int i = 0; i < times; ++i) {
+        Player player(kPlays[size_t(i) % std::size(kPlays)]);
+        ASSERT_TRUE(player.loaded);
+        player.press(0);
+      }
+    }).join();
   };
   comeAndGo(8);  // what the first of all leaves for good: tables made once
   const int64_t before = allocatedBytes();

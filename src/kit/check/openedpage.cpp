@@ -13,6 +13,22 @@ namespace fs = std::filesystem;
 
 namespace {
 
+// The file as its folders spell it: a disk that doesn't tell cases apart finds it by any spelling.
+fs::path asSpelled(const fs::path& file) {
+  fs::path spelled = file.root_path();
+  for (const fs::path& part : file.relative_path()) {
+    fs::path found = part;
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(spelled.empty() ? "." : spelled, error)) {
+      const fs::path name = entry.path().filename();
+      if (hsAsciiEqualIgnoringCase(name.string().c_str(), part.string().c_str())) found = name;
+      if (name == part) break;
+    }
+    spelled /= found;
+  }
+  return spelled;
+}
+
 constexpr double kMostSeconds = 10;  // of processor time, for scripts that never end
 
 PageRunOptions optionsOf(LiveFiles& files) {
@@ -43,7 +59,12 @@ FileLook OpenedPage::look(const std::string& name) {
   std::replace(plain.begin(), plain.end(), '\\', '/');
   const fs::path file = (folder / plain).lexically_normal();
   std::error_code error;
-  if (files.find(file) || fs::is_regular_file(file, error)) return {FileLook::exactly, name};
+  if (files.find(file)) return {FileLook::exactly, name};
+  if (fs::is_regular_file(file, error)) {
+    const fs::path spelled = asSpelled(file);
+    if (spelled == file) return {FileLook::exactly, name};
+    return {FileLook::ignoringCase, spelled.lexically_relative(folder).generic_string()};
+  }
   const auto isEqual = [&](const fs::path& other) {
     return hsAsciiEqualIgnoringCase(other.string().c_str(), file.string().c_str());
   };
@@ -56,7 +77,7 @@ FileLook OpenedPage::look(const std::string& name) {
     if (known != read.end()) found = known->lexically_normal();
   }
   if (found.empty()) return {FileLook::nowhere, ""};
-  return {FileLook::ignoringCase, found.lexically_relative(folder).string()};
+  return {FileLook::ignoringCase, found.lexically_relative(folder).generic_string()};
 }
 
 std::string OpenedPage::read(const std::string& name) {
@@ -115,7 +136,7 @@ std::vector<ScriptFailure> OpenedPage::scriptFailures() const {
 
 std::vector<Widget*> OpenedPage::widgetsOf(const CheckedPage& page) {
   const Frame* top = engine().topFrame;
-  if (!top || !top->pageData || top->pageName != fs::absolute(path).string()) return {};
+  if (!top || !top->pageData || top->pageName != fs::absolute(path).generic_string()) return {};
   std::vector<Widget*> made = walkWidgets(engine());
   std::erase_if(made, [&](const Widget* widget) { return frameOf(widget) != top; });
   if (made.size() != page.widgets.size()) return {};

@@ -8,7 +8,7 @@ namespace fs = std::filesystem;
 std::string debuggedFileName(const std::string& file) {
   std::error_code error;
   const fs::path path = fs::weakly_canonical(file, error);
-  return error ? file : path.string();
+  return error ? file : path.generic_string();
 }
 
 PageDebugger::PageDebugger(PageRun& r) : run(r), debugger([this](BobInterp*, BobValue code) { return linesOf(code); }) {

@@ -203,7 +203,7 @@ class PageComparison {
   }
 
   static std::optional<std::vector<uint8_t>> bytesOf(const fs::path& path) try {
-    return readFile(path.string());
+    return readFile(path.generic_string());
   } catch (const KitError&) {
     return std::nullopt;  // the pages are what is compared
   }

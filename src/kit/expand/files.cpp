@@ -9,7 +9,7 @@
 #include "kit/yaml/readyaml.h"
 
 std::string SourceFiles::pathOf(const std::string& name, const YamlPlace& from) {
-  return (std::filesystem::path(*from.file).parent_path() / name).lexically_normal().string();
+  return (std::filesystem::path(*from.file).parent_path() / name).lexically_normal().generic_string();
 }
 
 const YamlNode& SourceFiles::read(const std::string& name, const YamlPlace& from) {

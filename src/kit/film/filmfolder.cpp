@@ -39,7 +39,7 @@ void FilmFolder::show(const Picture& picture, uint64_t milliseconds) {
   char name[32];
   std::snprintf(name, sizeof name, "%04zu.png", frames.size() + 1);
   const std::vector<uint8_t> png = encodePng(int(picture.width), int(picture.height), picture.pixels);
-  files.add((fs::path(folder) / name).string(), png.data(), png.size());
+  files.add((fs::path(folder) / name).generic_string(), png.data(), png.size());
   const uint64_t begin = frames.empty() ? 0 : frames.back().begin + frames.back().milliseconds;
   frames.push_back({name, begin, milliseconds});
 }
@@ -57,7 +57,7 @@ void FilmFolder::finish() {
   }
   json.endArray();
   json.endObject();
-  files.add((fs::path(folder) / kList).string(), json.text().data(), json.text().size());
+  files.add((fs::path(folder) / kList).generic_string(), json.text().data(), json.text().size());
   files.finish();
   std::error_code error;
   for (const fs::path& path : old)

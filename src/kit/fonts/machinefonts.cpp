@@ -81,7 +81,7 @@ MachineFonts::MachineFonts(const std::vector<std::string>& folders) {
     for (fs::recursive_directory_iterator at(folder, fs::directory_options::follow_directory_symlink, error), end;
          !error && at != end; at.increment(error)) {
       const std::string extension = at->path().extension().string();
-      if (equal(extension, ".ttf") || equal(extension, ".otf")) files.insert(at->path().string());
+      if (equal(extension, ".ttf") || equal(extension, ".otf")) files.insert(at->path().generic_string());
     }
   }
   for (const std::string& file : files) {

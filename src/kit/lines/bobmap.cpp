@@ -44,7 +44,7 @@ std::string unescaped(std::string_view name) {
 
 std::string relativeTo(const std::string& path, const std::string& source) {
   const fs::path folder = fs::absolute(path).lexically_normal().parent_path();
-  return fs::absolute(source).lexically_normal().lexically_proximate(folder).string();
+  return fs::absolute(source).lexically_normal().lexically_proximate(folder).generic_string();
 }
 
 // Null for none.
@@ -156,7 +156,7 @@ class MapReader {
     const fs::path name = unescaped(line);
     if (name.empty()) fail();
     line = {};
-    map.sources.push_back({(fs::path(path).parent_path() / name).lexically_normal().string(), hash});
+    map.sources.push_back({(fs::path(path).parent_path() / name).lexically_normal().generic_string(), hash});
   }
 
   void code() {
@@ -205,7 +205,8 @@ bool BobMap::isCurrent(const std::string& file) const {
 
 std::string bobMapName(const std::string& built) {
   fs::path name = built;
-  return name.extension() == ".kpg" ? name.replace_extension(kBobMapExtension).string() : built + kBobMapExtension;
+  return name.extension() == ".kpg" ? name.replace_extension(kBobMapExtension).generic_string()
+                                    : built + kBobMapExtension;
 }
 
 bool isBobMap(const std::vector<uint8_t>& bytes) {

@@ -36,7 +36,7 @@ KitMessage withoutPrefix(KitMessage warning) {
 }
 
 std::vector<std::string> allowedAround(const std::string& page) {
-  const std::string project = findProject(fs::path(page).parent_path().string());
+  const std::string project = findProject(fs::path(page).parent_path().generic_string());
   return project.empty() ? std::vector<std::string>() : readProject(project).allow;
 }
 

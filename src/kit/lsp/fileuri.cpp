@@ -28,18 +28,25 @@ bool isUri(std::string_view text) {
   return colon != std::string_view::npos && colon > 1 && text.find('/') > colon;
 }
 
+// On Windows, where file:///c%3A/page.yaml is c:/page.yaml.
+bool beginsWithDrive(std::string_view path) { return std::filesystem::path(path).has_root_name(); }
+
 }  // namespace
 
 std::string pathOfUri(std::string_view uri) {
   if (!uri.starts_with(kFile)) return std::string(uri);
   uri.remove_prefix(kFile.size());
-  const size_t path = uri.find('/');  // after the name of a machine, which is empty or this one
-  return path == std::string_view::npos ? std::string() : fullPath(decoded(uri.substr(path)));
+  const size_t slash = uri.find('/');  // after the name of a machine, which is empty or this one
+  if (slash == std::string_view::npos) return {};
+  std::string path = decoded(uri.substr(slash));
+  if (beginsWithDrive(std::string_view(path).substr(1))) path.erase(0, 1);
+  return fullPath(path);
 }
 
 std::string uriOfPath(std::string_view path) {
   if (isUri(path)) return std::string(path);
   std::string out(kFile);
+  if (beginsWithDrive(path)) out += '/';
   for (const char c : path) {
     if (std::isalnum(uint8_t(c)) || std::string_view("/-._~").find(c) != std::string_view::npos) {
       out += c;
@@ -53,5 +60,5 @@ std::string uriOfPath(std::string_view path) {
 
 std::string fullPath(std::string_view path) {
   if (isUri(path)) return std::string(path);
-  return std::filesystem::absolute(path).lexically_normal().string();
+  return std::filesystem::absolute(path).lexically_normal().generic_string();
 }

@@ -145,7 +145,7 @@ std::optional<std::string> fileBehind(const std::string& source, const std::stri
     if (file.extension() == made)
       for (const char* extension : sources)
         if (const fs::path of = fs::path(file).replace_extension(extension); fs::is_regular_file(of, error))
-          return of.string();
-  if (fs::is_regular_file(file, error)) return file.string();
+          return of.generic_string();
+  if (fs::is_regular_file(file, error)) return file.generic_string();
   return {};
 }

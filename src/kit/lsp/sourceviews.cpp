@@ -48,7 +48,7 @@ std::string nameFor(const fs::path& file, std::string_view value) {
   const auto made = [&](const char* as) { return fs::path(file).replace_extension(as).generic_string(); };
   if (value == "image file" && is({".kpx", ".png", ".gif"})) return made(".kpx");
   if (value == "CLUT file" && is({".clut"})) return file.generic_string();
-  if (value == "page file" && is({".kpg", ".yaml", ".yml"}) && !file.string().ends_with(".test.yaml") &&
+  if (value == "page file" && is({".kpg", ".yaml", ".yml"}) && !file.generic_string().ends_with(".test.yaml") &&
       file.filename() != kProjectFileName)
     return made(".kpg");
   if (value == "file" && is({".ttf", ".otf", ".t2k", ".ffn"})) return file.generic_string();
@@ -74,7 +74,7 @@ std::vector<std::string> madeByProject(const std::string& projectFile) {
 }  // namespace
 
 std::string SourceViews::besides(const std::string& source, const std::string& name) {
-  return fullPath((fs::path(source).parent_path() / name).string());
+  return fullPath((fs::path(source).parent_path() / name).generic_string());
 }
 
 // The same object for as long as the text is the same.
@@ -157,7 +157,7 @@ std::vector<std::string> SourceViews::pagesAround(const std::string& path) {
   for (const auto& [open, file] : files.all()) add(open);
   const fs::path folder = fs::path(path).parent_path();
   try {
-    if (const std::string project = findProject(folder.string()); !project.empty()) {
+    if (const std::string project = findProject(folder.generic_string()); !project.empty()) {
       const Project all = readProject(project);
       for (const ProjectName& page : all.pages) add(fullPath(all.pathOf(page.text)));
     }
@@ -167,7 +167,7 @@ std::vector<std::string> SourceViews::pagesAround(const std::string& path) {
   size_t looked = 0;
   for (fs::directory_iterator entry(folder, error), end; !error && entry != end && looked < kMostFiles;
        entry.increment(error), ++looked)
-    if (entry->is_regular_file(error)) add(fullPath(entry->path().string()));
+    if (entry->is_regular_file(error)) add(fullPath(entry->path().generic_string()));
   return pages;
 }
 
@@ -215,7 +215,7 @@ void SourceViews::setMadeNames(const std::string& path, std::shared_ptr<const Ma
 std::vector<std::string> SourceViews::filesFor(const std::string& path, const std::string& value) {
   const fs::path folder = fs::path(path).parent_path();
   std::set<std::string> names;
-  const std::string projectFile = findProject(folder.string());
+  const std::string projectFile = findProject(folder.generic_string());
   const fs::path root = projectFile.empty() ? folder : fs::path(projectFile).parent_path();
   for (const fs::path& file : filesBelow(folder)) names.insert(nameFor(file, value));
   // Sources lie where they are; what is made of them lies in the output folder as they lie in the project's.

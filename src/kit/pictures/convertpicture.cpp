@@ -67,7 +67,9 @@ ConvertedPicture pictureForPlayer(const std::string& input, const std::string& o
   return converted;
 }
 
-std::string ownClutName(const std::string& output) { return fs::path(output).replace_extension(".clut").string(); }
+std::string ownClutName(const std::string& output) {
+  return fs::path(output).replace_extension(".clut").generic_string();
+}
 
 void convertPicture(const std::string& input, const std::string& output, const PictureOptions& options) {
   const bool ownTable = options.clut.empty();

@@ -11,6 +11,7 @@
 #include "kit/project/build.h"
 #include "kit/project/contenthash.h"
 #include "kit/source/pagebuild.h"
+#include "platform/filetimes.h"
 
 namespace fs = std::filesystem;
 
@@ -37,11 +38,11 @@ std::string optionsOf(const BuildStep& step) {
 // The first of these that is there and was changed after the made file, if that is there.
 std::string newerSource(const fs::path& made, std::initializer_list<const char*> extensions) {
   std::error_code error;
-  const auto builtAt = fs::last_write_time(made, error);
+  const auto builtAt = lastWriteTime(made, error);
   const bool isBuilt = !error;
   for (const char* extension : extensions) {
     const fs::path source = fs::path(made).replace_extension(extension);
-    const auto savedAt = fs::last_write_time(source, error);
+    const auto savedAt = lastWriteTime(source, error);
     if (!error && (!isBuilt || savedAt > builtAt)) return source.generic_string();
   }
   return "";

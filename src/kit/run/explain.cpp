@@ -36,6 +36,6 @@ std::vector<KitMessage> explainRun(const std::string& page, const std::vector<st
     if (isPageFile(file) && pageHasTooManyWidgets(readFile(file)))
       all.push_back({fs::path(file).filename().string(), 0, kPageHasTooManyWidgets});
   for (const std::string& font : unusableFonts)
-    all.push_back(problemOf((fs::path(page).parent_path() / font).string()));
+    all.push_back(problemOf((fs::path(page).parent_path() / font).generic_string()));
   return all;
 }

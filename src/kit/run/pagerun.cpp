@@ -16,7 +16,7 @@ std::vector<fs::path> readableAround(const std::string& page) {
   const std::vector<std::string> fonts = MachineFonts::folders();
   std::vector<fs::path> readable(fonts.begin(), fonts.end());
   readable.push_back(page);
-  const std::string project = findProject(fs::absolute(page).parent_path().string());
+  const std::string project = findProject(fs::absolute(page).parent_path().generic_string());
   if (!project.empty()) readable.push_back(fs::path(project).parent_path());
   return readable;
 }
@@ -47,7 +47,7 @@ void PageRun::use(MadeFiles& f) {
     const MadeFile* file = files->find(path);
     if (!file) return nullptr;
     if (lines) places.add(file->lines);
-    if (!file->places.empty()) pagePlaces[path.string()] = file->places;
+    if (!file->places.empty()) pagePlaces[path.generic_string()] = file->places;
     return &file->bytes;
   };
 }
@@ -78,7 +78,7 @@ bool PageRun::loadMade(const std::string& path, const KitWarn& warn) {
 bool PageRun::loadFile(const std::string& page) {
   desktop.shell.access.readable = readableAround(page);
   desktop.beginActivity();
-  if (!desktop.shell.loadPage(fs::absolute(page).string())) return false;
+  if (!desktop.shell.loadPage(fs::absolute(page).generic_string())) return false;
   desktop.settle();
   return true;
 }
@@ -107,8 +107,8 @@ bool PageRun::load(const std::string& source, const BuiltPage& built) {
     keep(page.parent_path() / script.name, {script.bytes.begin(), script.bytes.end()});
   }
   sources = built.sources;
-  pagePlaces[fs::absolute(page).lexically_normal().string()] = built.places;
-  return loadFile(page.string());
+  pagePlaces[fs::absolute(page).lexically_normal().generic_string()] = built.places;
+  return loadFile(page.generic_string());
 }
 
 const PagePlaces* PageRun::placesOf(const std::string& page) const {
@@ -146,13 +146,13 @@ KitError PageRun::refusal(const std::string& page) const {
 
 std::vector<std::string> PageRun::inputs() const {
   std::vector<std::string> all = sourcesRead();
-  for (const fs::path& path : desktop.filesRead()) all.push_back(path.string());
+  for (const fs::path& path : desktop.filesRead()) all.push_back(path.generic_string());
   return all;
 }
 
 std::vector<std::string> PageRun::dependencies() const {
   std::vector<std::string> all = inputs();
-  for (const fs::path& path : desktop.filesMissing()) all.push_back(path.string());
+  for (const fs::path& path : desktop.filesMissing()) all.push_back(path.generic_string());
   return all;
 }
 

@@ -32,7 +32,7 @@ PreparedPages::Prepared PreparedPages::make(const std::string& page) {
 // What the project around the source makes of it; empty if that has no such page. Then all of the project is built,
 // since scripts open other pages; what is wrong with those is said, and no more.
 std::string PreparedPages::builtByProject(const std::string& source) {
-  const std::string file = findProject(fs::path(source).parent_path().string());
+  const std::string file = findProject(fs::path(source).parent_path().generic_string());
   if (file.empty()) return {};
   const Project project = readProject(file);
   BuildOptions options;

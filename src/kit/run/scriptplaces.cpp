@@ -14,7 +14,7 @@ namespace {
 std::string shownName(const fs::path& file) {
   std::error_code error;
   const fs::path near = file.lexically_proximate(fs::current_path(error));
-  return (near.empty() || *near.begin() == ".." ? file : near).string();
+  return (near.empty() || *near.begin() == ".." ? file : near).generic_string();
 }
 
 bool mayHaveTable(const fs::path& file) { return file.extension() == ".kpg" || file.extension() == ".bobo"; }
@@ -35,7 +35,7 @@ void ScriptPlaces::readTables(const std::set<fs::path>& read) {
     if (!mayHaveTable(file) || !tried.insert(file).second) continue;
     try {
       const auto warn = [this](const KitMessage& warning) { warned.push_back(warning); };
-      places.add(bobMapBeside(shownName(file), readFile(file.string()), warn).codes);
+      places.add(bobMapBeside(shownName(file), readFile(file.generic_string()), warn).codes);
     } catch (const KitError& e) {
       warned.push_back(e.messages.front());
     }

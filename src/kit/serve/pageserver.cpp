@@ -52,7 +52,7 @@ class LoopbackServer : public PageServer {
 
   bool start(int wanted) override;
   std::string address() const override;
-  std::string placeOf(const fs::path& file) const override { return "/" + token + "/files" + file.string(); }
+  std::string placeOf(const fs::path& file) const override { return "/" + token + "/files" + file.generic_string(); }
   void tell(const std::string& json) override;
 
  private:

@@ -74,7 +74,7 @@ void writeBuilt(const BuiltPage& page, const std::string& source, const std::str
   const std::string_view pageBytes(reinterpret_cast<const char*>(page.bytes.data()), page.bytes.size());
   if (lines) addLines(files, outputs, output, pageBytes, page.lines);
   for (const ScriptFile& script : page.scriptFiles) {
-    const std::string path = outputs.emplace_back((fs::path(output).parent_path() / script.name).string());
+    const std::string path = outputs.emplace_back((fs::path(output).parent_path() / script.name).generic_string());
     refuseClashes(outputs, page.sources);
     refuseForeign(path, isObjectFile, "rename the script file, or move what is there");
     files.add(path, script.bytes.data(), script.bytes.size());

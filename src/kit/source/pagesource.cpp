@@ -487,7 +487,7 @@ class SourceReader {
   // Compiles the script file of that name, beside the page source, and returns the object file's name.
   std::string compileFile(const YamlNode& item) {
     const std::string& name = item.text;
-    const std::string path = (fs::path(file).parent_path() / name).string();
+    const std::string path = (fs::path(file).parent_path() / name).generic_string();
     page.sources.push_back(path);
     std::vector<uint8_t> source;
     try {

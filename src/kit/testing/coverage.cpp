@@ -8,7 +8,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string nameOf(const std::string& file) { return fs::absolute(file).lexically_normal().string(); }
+std::string nameOf(const std::string& file) { return fs::absolute(file).lexically_normal().generic_string(); }
 
 using Lines = std::map<int, uint64_t>;
 

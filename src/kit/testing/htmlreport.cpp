@@ -46,7 +46,7 @@ class HtmlReport {
     refuseForeign(path("index.html"), isHtmlReport, "name another folder for the report");
   }
 
-  std::string path(const std::string& name) const { return (fs::path(folder) / name).string(); }
+  std::string path(const std::string& name) const { return (fs::path(folder) / name).generic_string(); }
 
   void save(const std::string& name, const std::string& bytes) {
     files.add(path(name), bytes.data(), bytes.size());

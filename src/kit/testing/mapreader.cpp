@@ -45,7 +45,7 @@ std::vector<std::string> MapReader::texts(const YamlNode& node, const char* what
 
 std::string MapReader::path(const YamlNode& node) {
   const std::string name = text(node, "the name of a file");
-  return name.empty() ? name : (folder / name).lexically_normal().string();
+  return name.empty() ? name : (folder / name).lexically_normal().generic_string();
 }
 
 int64_t MapReader::number(const YamlNode& node, int64_t least, int64_t most) {

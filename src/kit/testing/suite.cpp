@@ -35,7 +35,7 @@ void findTestFiles(const fs::path& folder, std::vector<std::string>& files) {
     if (hidden && at->is_directory()) at.disable_recursion_pending();
     if (!hidden && at->is_regular_file() && isTestFile(at->path())) found.insert(at->path());
   }
-  for (const fs::path& path : found) files.push_back(path.lexically_normal().string());
+  for (const fs::path& path : found) files.push_back(path.lexically_normal().generic_string());
 }
 
 std::vector<std::string> testFiles(const std::vector<std::string>& paths) try {
@@ -52,7 +52,7 @@ std::vector<std::string> testFiles(const std::vector<std::string>& paths) try {
   }
   return files;
 } catch (const fs::filesystem_error& e) {
-  throw KitError(e.path1().string(), e.code().message());
+  throw KitError(e.path1().generic_string(), e.code().message());
 }
 
 std::vector<SuiteItem> itemsOf(const SuiteOptions& options) {
@@ -133,7 +133,7 @@ class SuiteRun {
 
   // One picture must do for all steps that have it, the way in which each compares it.
   void want(size_t item, WantedPicture picture) {
-    const auto [at, isNew] = wanted.emplace(fs::path(picture.file).lexically_normal().string(), picture);
+    const auto [at, isNew] = wanted.emplace(fs::path(picture.file).lexically_normal().generic_string(), picture);
     if (isNew || at->second.png == picture.png) return;
     const Picture before = pictureOf(at->second), now = pictureOf(picture);
     if (isSame(before, now, picture.how)) return;

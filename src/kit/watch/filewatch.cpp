@@ -4,6 +4,7 @@
 #include <set>
 
 #include "kit/project/contenthash.h"
+#include "platform/filetimes.h"
 
 namespace fs = std::filesystem;
 
@@ -36,7 +37,7 @@ FileWatch::Stamp FileWatch::stampOf(const fs::path& path) {
   stamp.exists = fs::is_regular_file(path, error);
   if (!stamp.exists) return stamp;
   stamp.size = fs::file_size(path, error);
-  stamp.written = fs::last_write_time(path, error);
+  stamp.written = lastWriteTime(path, error);
   return error ? Stamp{} : stamp;
 }
 
@@ -50,7 +51,7 @@ void FileWatch::watch(const std::vector<fs::path>& paths, Time readSince) {
       continue;
     }
     // The hash first: a save after it has a stamp that shows it.
-    const std::string hash = fileHash(name.string());
+    const std::string hash = fileHash(name.generic_string());
     File file{stampOf(name), hash};
     if (file.seen.exists && file.seen.written + kClockGranularity >= readSince) file = File{};
     now.emplace(name, file);
@@ -134,7 +135,7 @@ std::vector<fs::path> FileWatch::readChanged() {
   std::vector<fs::path> saved;
   for (auto& [path, file] : files) {
     if (!file.changing) continue;
-    const std::string hash = fileHash(path.string());
+    const std::string hash = fileHash(path.generic_string());
     if (hash != file.hash) saved.push_back(path);
     file = File{file.last, hash};
   }

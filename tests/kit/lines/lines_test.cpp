@@ -171,11 +171,16 @@ TEST_F(LinesTest, CodeThatWasWrittenTwiceHasBothPlaces) {
 }
 
 TEST_F(LinesTest, ATableIsReadAsItWasWritten) {
+#ifdef _WIN32  // has no names with line breaks
+  const std::string source = "a b/50%;x.yaml", written = " ../50%25;x.yaml\n";
+#else
+  const std::string source = "a b/50%\nx.yaml", written = " ../50%25%0ax.yaml\n";
+#endif
   fs::create_directories("a b/build");
-  writeText("a b/50%\nx.yaml", "page: {}\n");
+  writeText(source, "page: {}\n");
   BobCodeLines code;
   code.hash = 0xFEDCBA9876543210;
-  code.file = "a b/50%\nx.yaml";
+  code.file = source;
   code.starts = {{0, 3}, {7, 1}, {65535, 1 << 30}};
   code.continuesLine = true;
   code.arguments = {"this", "_next", "a"};
@@ -184,11 +189,11 @@ TEST_F(LinesTest, ATableIsReadAsItWasWritten) {
   other.file = code.file;
   other.starts = {{0, 1}};
   const std::string text = bobMapText("a b/build/x.bobmap", makeBobMap("bytes", {code, other}));
-  EXPECT_NE(text.find(" ../50%25%0ax.yaml\n"), std::string::npos) << text;
+  EXPECT_NE(text.find(written), std::string::npos) << text;
   const BobMap map = parseBobMap("a b/build/x.bobmap", text);
   EXPECT_EQ(map.codes, (std::vector<BobCodeLines>{code, other}));
   EXPECT_TRUE(map.isCurrent(code.file));
-  writeText("a b/50%\nx.yaml", "page: {x: 1}\n");
+  writeText(source, "page: {x: 1}\n");
   EXPECT_FALSE(map.isCurrent(code.file));
   EXPECT_EQ(code.lineAt(6), 3);
   EXPECT_EQ(code.lineAt(7), 1);

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <random>
 
 #include "kit/lsp/fileuri.h"
@@ -57,11 +58,17 @@ TEST(EditedText, TakesEditsAtAnyPlace) {
 }
 
 TEST(FileUri, IsTheFilesFullName) {
-  EXPECT_EQ(pathOfUri("file:///home/anna/men%C3%BC%201.yaml"), "/home/anna/menü 1.yaml");
+  const std::string drive = std::filesystem::current_path().root_name().string();  // empty but on Windows
+  EXPECT_EQ(pathOfUri("file:///home/anna/men%C3%BC%201.yaml"), drive + "/home/anna/menü 1.yaml");
   EXPECT_EQ(uriOfPath("/home/anna/menü 1.yaml"), "file:///home/anna/men%C3%BC%201.yaml");
-  EXPECT_EQ(pathOfUri("file:///a/../b%"), "/b%");
+  EXPECT_EQ(pathOfUri("file:///a/../b%"), drive + "/b%");
   EXPECT_EQ(pathOfUri("untitled:Untitled-1"), "untitled:Untitled-1");
   EXPECT_EQ(uriOfPath("untitled:Untitled-1"), "untitled:Untitled-1");
+#ifdef _WIN32
+  EXPECT_EQ(uriOfPath("c:/anna/menü.yaml"), "file:///c%3A/anna/men%C3%BC.yaml");
+  EXPECT_EQ(pathOfUri("file:///c%3A/anna/a.yaml"), "c:/anna/a.yaml");
+  EXPECT_EQ(pathOfUri(uriOfPath(fullPath("a.yaml"))), fullPath("a.yaml"));
+#endif
 }
 
 }  // namespace
