@@ -8,26 +8,11 @@
 #include "engine/inspect/walk.h"
 #include "engine/scriptbindings/scriptbindings.h"
 #include "gfx/foundation/hsascii.h"
+#include "platform/diskfiles.h"
 
 namespace fs = std::filesystem;
 
 namespace {
-
-// The file as its folders spell it: a disk that doesn't tell cases apart finds it by any spelling.
-fs::path asSpelled(const fs::path& file) {
-  fs::path spelled = file.root_path();
-  for (const fs::path& part : file.relative_path()) {
-    fs::path found = part;
-    std::error_code error;
-    for (const auto& entry : fs::directory_iterator(spelled.empty() ? "." : spelled, error)) {
-      const fs::path name = entry.path().filename();
-      if (hsAsciiEqualIgnoringCase(name.string().c_str(), part.string().c_str())) found = name;
-      if (name == part) break;
-    }
-    spelled /= found;
-  }
-  return spelled;
-}
 
 constexpr double kMostSeconds = 10;  // of processor time, for scripts that never end
 
@@ -61,7 +46,7 @@ FileLook OpenedPage::look(const std::string& name) {
   std::error_code error;
   if (files.find(file)) return {FileLook::exactly, name};
   if (fs::is_regular_file(file, error)) {
-    const fs::path spelled = asSpelled(file);
+    const fs::path spelled = asSpelledOnDisk(file);
     if (spelled == file) return {FileLook::exactly, name};
     return {FileLook::ignoringCase, spelled.lexically_relative(folder).generic_string()};
   }

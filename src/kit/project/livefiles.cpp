@@ -11,7 +11,7 @@
 #include "kit/project/build.h"
 #include "kit/project/contenthash.h"
 #include "kit/source/pagebuild.h"
-#include "platform/filetimes.h"
+#include "platform/diskfiles.h"
 
 namespace fs = std::filesystem;
 
@@ -43,7 +43,7 @@ std::string newerSource(const fs::path& made, std::initializer_list<const char*>
   for (const char* extension : extensions) {
     const fs::path source = fs::path(made).replace_extension(extension);
     const auto savedAt = lastWriteTime(source, error);
-    if (!error && (!isBuilt || savedAt > builtAt)) return source.generic_string();
+    if (!error && (!isBuilt || savedAt > builtAt) && asSpelledOnDisk(source) == source) return source.generic_string();
   }
   return "";
 }

@@ -4,7 +4,7 @@
 #include <set>
 
 #include "kit/project/contenthash.h"
-#include "platform/filetimes.h"
+#include "platform/diskfiles.h"
 
 namespace fs = std::filesystem;
 

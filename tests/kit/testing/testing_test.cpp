@@ -79,7 +79,7 @@ TEST(TestOfARecording, ReadsBackAsTheRecordingAndWhatIsExpected) {
   const TestFile made = readTestFile(file);
   ASSERT_EQ(made.tests.size(), 1u);
   EXPECT_EQ(made.tests[0].name, "made");
-  EXPECT_EQ(made.tests[0].page, (folder.path() / "p.yaml").string());
+  EXPECT_EQ(made.tests[0].page, (folder.path() / "p.yaml").generic_string());
   Keys steps;
   for (const TestStep& step : made.tests[0].steps) steps.push_back(stepText(step));
   EXPECT_EQ(steps, (Keys{"key: Down, repeat: 3", "eval: \"x = \\\"a: b\\\";\"", "focus: list", "screen: end.png"}));
