@@ -15,7 +15,7 @@ fetch_source() (
     rm -rf "$package.part"
     mkdir "$package.part"
     # A mirror may lack the newest ones.
-    (cd "$package.part" && { apt_here -qq source "$package" || apt_here -qq source "$package/$(release_name)"; } >/dev/null)
+    (cd "$package.part" && { apt_here -qq source "$package" 2>/dev/null || apt_here -qq source "$package/$(release_name)"; } >/dev/null)
     mv "$package.part"/*/ "$package"
     rm -r "$package.part"
   done

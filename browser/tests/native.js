@@ -1,6 +1,6 @@
 // What the native program says of a page: pictures and logs of `kpg shot`, to hold the player against.
 import {execFileSync} from 'node:child_process';
-import {mkdtempSync, readFileSync, readdirSync, symlinkSync} from 'node:fs';
+import {copyFileSync, mkdtempSync, readFileSync, readdirSync} from 'node:fs';
 import {tmpdir} from 'node:os';
 import {join} from 'node:path';
 import {fileURLToPath} from 'node:url';
@@ -39,7 +39,7 @@ export function guidePages() {
   const folder = mkdtempSync(join(tmpdir(), 'vistrel-'));
   const sources = join(top, 'docs/pictures');
   const artwork = join(top, 'demo/artwork');
-  for (const file of readdirSync(demo)) if (file.endsWith('.ttf')) symlinkSync(join(demo, file), join(folder, file));
+  for (const file of readdirSync(demo)) if (file.endsWith('.ttf')) copyFileSync(join(demo, file), join(folder, file));
   run('image', join(artwork, 'dawn.png'), '-o', join(folder, 'plain.kpx'), '--colors', '14');
   run('image', join(artwork, 'dunes.png'), '-o', join(folder, 'dunes.kpx'));
   run('clut', '--standard', '-o', join(folder, 'standard.clut'));

@@ -55,12 +55,15 @@ function fileChanged(name) {
   makeTimer = setTimeout(makeAgain, REST);
   clearTimeout(saveTimer);
   saveTimer = setTimeout(() => {
+    saveTimer = 0;
     language.put(ROOT + name, project.files[name]);
     language.saved(name);
     keep();
     showPages();
   }, SAVE_REST);
 }
+
+addEventListener('pagehide', () => saveTimer && keep());
 
 function makeAgain() {
   stageProblems = [];

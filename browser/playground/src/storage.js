@@ -1,28 +1,39 @@
 // The project that somebody works on, in the browser's own storage: it is there again the next time.
 
-function open() {
-  return new Promise((done, fail) => {
-    const request = indexedDB.open('vistrel', 1);
-    request.onupgradeneeded = () => request.result.createObjectStore('projects');
-    request.onsuccess = () => done(request.result);
-    request.onerror = () => fail(request.error);
-  });
-}
+// It stays open, so that what is saved when somebody leaves is on its way before the page is gone.
+let database;
+const opening = new Promise((done, fail) => {
+  const request = indexedDB.open('vistrel', 1);
+  request.onupgradeneeded = () => request.result.createObjectStore('projects');
+  request.onsuccess = () => done(database = request.result);
+  request.onerror = () => fail(request.error);
+});
+opening.catch(() => undefined);  // the browser keeps nothing
 
-async function withStore(mode, use) {
-  const database = await open();
+const storeFor = (mode) => database.transaction('projects', mode).objectStore('projects');
+
+/** {title, files, page}; undefined for none, also where the browser keeps nothing. */
+export async function load() {
   try {
+    await opening;
     return await new Promise((done, fail) => {
-      const request = use(database.transaction('projects', mode).objectStore('projects'));
+      const request = storeFor('readonly').get('current');
       request.onsuccess = () => done(request.result);
       request.onerror = () => fail(request.error);
     });
-  } finally {
-    database.close();
+  } catch {
+    return undefined;
   }
 }
 
-/** {title, files, page}; undefined for none, also where the browser keeps nothing. */
-export const load = () => withStore('readonly', (store) => store.get('current')).catch(() => undefined);
-
-export const save = (kept) => withStore('readwrite', (store) => store.put(kept, 'current')).catch(() => undefined);
+/** Saves {title, files, page}, where the browser keeps anything: at once when the storage is open. */
+export function save(kept) {
+  if (!database) return void opening.then(() => save(kept), () => undefined);
+  try {
+    const store = storeFor('readwrite');
+    store.put(kept, 'current');
+    store.transaction.commit();
+  } catch {
+    // The project lasts as long as the page.
+  }
+}

@@ -91,6 +91,7 @@ test('keys and help come from the language server', async () => {
   await typeSource(page, 'flags: 16bit\npage:\n  bgCo');
   await page.keyboard.press('Control+Space');
   await page.locator('.cm-tooltip-autocomplete').getByText('bgColor').first().waitFor();
+  await page.waitForTimeout(100);  // a key right after the list has come is meant for the text
   await page.keyboard.press('Enter');
   await page.waitForFunction(() => document.querySelector('.cm-content').innerText.includes('bgColor'));
   await context.close();
