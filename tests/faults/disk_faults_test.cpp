@@ -13,6 +13,8 @@
 #include "kit/files.h"
 #include "kit/pictures/png.h"
 #include "kit/project/build.h"
+#include "kit/project/livefiles.h"
+#include "kit/run/pagerun.h"
 #include "support/blockfont.h"
 #include "support/pagefixture.h"
 
@@ -158,9 +160,10 @@ TEST_F(DiskFaultsTest, FilesThatShrinkAndGrowWhileTheyAreRead) {
   hsSetHaltProc(before);
 }
 
-// Builds replace files by whole ones, so that whoever loads a page has one build's or the other's.
-TEST_F(DiskFaultsTest, PlayersShareAFolderThatIsBuiltMeanwhile) {
-  constexpr int kPlayers = 12, kBuilds = 40;
+// Builds replace files by whole ones, so that whoever loads a page has one build's or the other's. A studio makes its
+// own of the sources.
+TEST_F(DiskFaultsTest, PlayersAndStudiosShareAFolderThatIsBuiltMeanwhile) {
+  constexpr int kPlayers = 10, kStudios = 4, kBuilds = 40;
   const auto author = [&](int version) {
     const std::string color = version == 0 ? "0xEB808000" : "0x40808000";
     writeText("menu.yaml",
@@ -193,6 +196,18 @@ TEST_F(DiskFaultsTest, PlayersShareAFolderThatIsBuiltMeanwhile) {
         if (!player.shell.loadPage(page)) ++others;
         player.settle();
         others += std::find(pictures.begin(), pictures.end(), player.window()) == pictures.end();
+        ++loads;
+      } while (!isOver);
+    });
+  for (int i = 0; i < kStudios; ++i)
+    players.emplace_back([&, source = fs::absolute("menu.yaml").string()] {
+      LiveFiles files(source);
+      do {
+        files.begin();
+        PageRunOptions options;
+        options.files = &files;
+        PageRun run(options);
+        others += !run.load(source) || std::find(pictures.begin(), pictures.end(), run.take().pixels) == pictures.end();
         ++loads;
       } while (!isOver);
     });
