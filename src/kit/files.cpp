@@ -6,8 +6,7 @@
 #include <charconv>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <functional>
 #include <optional>
 #include <string_view>
 #include <system_error>
@@ -39,6 +38,14 @@ class Descriptor {
   bool isOpen() const { return descriptor >= 0; }
   int number() const { return descriptor; }
   bool close() { return descriptor < 0 || ::close(std::exchange(descriptor, -1)) == 0; }
+
+  // The number of bytes, 0 at the end; negative with errno set.
+  ssize_t read(uint8_t* bytes, size_t size) {
+    ssize_t count;
+    do count = ::read(descriptor, bytes, size);
+    while (count < 0 && errno == EINTR);
+    return count;
+  }
 
   // False with errno set.
   bool write(const char* bytes, size_t size) {
@@ -99,6 +106,20 @@ bool mayWriteOver(const fs::path& file) { return _waccess(file.c_str(), W_OK) ==
 // The folder gives a new file its permissions.
 bool takeOverPermissions(const Descriptor&, const fs::path&) { return true; }
 
+std::error_code moveOver(const fs::path& from, const fs::path& to) {
+  std::error_code error;
+  fs::rename(from, to, error);
+  return error;
+}
+
+// False with errno set.
+bool addName(const fs::path& file, const fs::path& name) {
+  std::error_code error;
+  fs::create_hard_link(file, name, error);
+  if (error) errno = error == std::errc::file_exists ? EEXIST : EIO;
+  return !error;
+}
+
 #else
 
 // False with errno set. A rename asks the folder alone.
@@ -112,21 +133,36 @@ bool takeOverPermissions(const Descriptor& file, const fs::path& old) {
   return fchmod(file.number(), before.st_mode & 07777) == 0;
 }
 
+std::error_code moveOver(const fs::path& from, const fs::path& to) {
+  return std::rename(from.c_str(), to.c_str()) == 0 ? std::error_code() : lastError();
+}
+
+// False with errno set.
+bool addName(const fs::path& file, const fs::path& name) { return ::link(file.c_str(), name.c_str()) == 0; }
+
 #endif
+
+// A new name in the folder of `target`, which `take` makes a file of: false with errno set when it can't. Empty when
+// that isn't because the name is taken.
+fs::path newNameBeside(const fs::path& target, const std::function<bool(const fs::path&)>& take) {
+  for (int number = 0;; ++number) {
+    // Short, since the name of the target may be as long as names can be.
+    fs::path name =
+        target.parent_path() / (".kpg-" + std::to_string(getpid()) + "-" + std::to_string(number) + ".part");
+    if (take(name)) return name;
+    if (errno != EEXIST) return {};
+  }
+}
 
 // Writes a new file in the folder of `target`, with the permissions of the one that is to go, if there is one.
 fs::path writeBeside(const std::string& path, const fs::path& target, bool exists, const void* bytes, size_t size) {
-  // Short, since the name of the target may be as long as names can be.
-  fs::path name;
-  int number = 0;
-  const auto create = [&] {
-    name = target.parent_path() / (".kpg-" + std::to_string(getpid()) + "-" + std::to_string(number++) + ".part");
-    return openDescriptor(name, O_WRONLY | O_CREAT | O_EXCL);
-  };
-  int created = create();
-  while (created < 0 && errno == EEXIST) created = create();
+  int created = -1;
+  const fs::path name = newNameBeside(target, [&](const fs::path& n) {
+    created = openDescriptor(n, O_WRONLY | O_CREAT | O_EXCL);
+    return created >= 0;
+  });
+  if (name.empty()) failWriting(path);
   Descriptor file(created);
-  if (!file.isOpen()) failWriting(path);
   const bool good = file.write(static_cast<const char*>(bytes), size) &&
                     (!exists || takeOverPermissions(file, target)) && file.close();
   if (good) return name;
@@ -157,17 +193,17 @@ bool isSameOutput(const std::string& a, const std::string& b) {
 std::vector<uint8_t> readFile(const std::string& path) {
   std::error_code error;
   if (fs::is_directory(path, error)) throw KitError(path, "is a folder; name a file in it");
-  std::ifstream in(fs::path(path), std::ios::binary);
-  if (!in) throw KitError(path, lastError().message());
+  Descriptor file(openDescriptor(path, O_RDONLY));
+  if (!file.isOpen()) throw KitError(path, lastError().message());
   std::vector<uint8_t> bytes;
-  for (constexpr size_t kBlock = 64 << 10; in;) {
+  for (constexpr size_t kBlock = 64 << 10;;) {
     const size_t before = bytes.size();
     bytes.resize(before + kBlock);
-    in.read(reinterpret_cast<char*>(bytes.data() + before), kBlock);
-    bytes.resize(before + size_t(in.gcount()));
+    const ssize_t count = file.read(bytes.data() + before, kBlock);
+    if (count < 0) throw KitError(path, "can't be read: " + lastError().message());
+    bytes.resize(before + size_t(count));
+    if (count == 0) return bytes;
   }
-  if (in.bad()) throw KitError(path, "can't be read");
-  return bytes;
 }
 
 bool isStandardOutput(const std::string& path) { return openFileNamed(path) == STDOUT_FILENO; }
@@ -178,8 +214,16 @@ void writeFile(const std::string& path, const void* bytes, size_t size) {
   files.finish();
 }
 
+void appendToFile(const std::string& path, const void* bytes, size_t size) {
+  Descriptor file(openDescriptor(path, O_WRONLY | O_CREAT | O_APPEND));
+  if (!file.isOpen() || !file.write(static_cast<const char*>(bytes), size) || !file.close()) failWriting(path);
+}
+
 OutputFiles::~OutputFiles() {
-  for (const Beside& file : beside) drop(file.written);
+  for (const Beside& file : beside) {
+    drop(file.written);
+    if (!file.old.empty()) drop(file.old);
+  }
 }
 
 void OutputFiles::add(const std::string& path, const void* bytes, size_t size) {
@@ -193,22 +237,43 @@ void OutputFiles::add(const std::string& path, const void* bytes, size_t size) {
     return;
   }
   if (exists && !mayWriteOver(path)) failWriting(path);
-  Beside file{path, {}, followLinks(path)};
+  Beside file{path, followLinks(path), exists, {}, {}};
   beside.reserve(beside.size() + 1);  // first, so that nothing fails between the writing and the note of it
   file.written = writeBeside(path, file.target, exists, bytes, size);
   beside.push_back(std::move(file));
 }
 
-// What is written into comes first: it can fail where a rename can't.
+// What is written into comes first: it fails more often than a rename.
 void OutputFiles::finish() {
   for (const Into& file : into) writeInto(file.path, file.bytes);
   into.clear();
-  while (!beside.empty()) {
-    std::error_code error;
-    fs::rename(beside.front().written, beside.front().target, error);
-    if (error) failWriting(beside.front().path, error);
-    beside.erase(beside.begin());
+  // All old files but that of the last rename get a second name, by which they come back if a later one fails.
+  for (size_t i = 0; i + 1 < beside.size(); ++i)
+    if (beside[i].exists)
+      beside[i].old =
+          newNameBeside(beside[i].target, [&](const fs::path& name) { return addName(beside[i].target, name); });
+  for (size_t i = 0; i < beside.size(); ++i)
+    if (const std::error_code error = moveOver(beside[i].written, beside[i].target)) failAt(i, error);
+  for (const Beside& file : beside)
+    if (!file.old.empty()) drop(file.old);
+  beside.clear();
+}
+
+// After a rename that failed. Not every disk can give a file two names: without an old one to come back, a new one
+// stays, and its name is told.
+void OutputFiles::failAt(size_t failed, std::error_code error) {
+  std::vector<const Beside*> staying;
+  for (size_t i = failed; i-- > 0;) {
+    const Beside& file = beside[i];
+    if (!file.exists) {
+      drop(file.target);
+    } else if (file.old.empty() || moveOver(file.old, file.target)) {
+      staying.push_back(&file);
+    }
   }
+  std::vector<KitMessage> messages{{beside[failed].path, 0, "can't be written: " + error.message()}};
+  for (const Beside* file : staying) messages.push_back({file->path, 0, "was written before that, and stays"});
+  throw KitError(std::move(messages));
 }
 
 void refuseClashes(const std::vector<std::string>& outputs, const std::vector<std::string>& inputs) {

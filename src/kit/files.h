@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <system_error>
 #include <vector>
 
 std::vector<uint8_t> readFile(const std::string& path);
@@ -18,9 +19,13 @@ using ReadFile = std::function<std::vector<uint8_t>(const std::string& path)>;
 
 void writeFile(const std::string& path, const void* bytes, size_t size);
 
+// To the end of a file that nobody else reads meanwhile, or of a new one. What is added may break off.
+void appendToFile(const std::string& path, const void* bytes, size_t size);
+
 bool isStandardOutput(const std::string& path);  // "-", or what the desktop calls it
 
-// Files that belong together: when one can't be written, none is.
+// Files that belong together: when one can't be written, none is. Where a disk doesn't allow that, the error tells
+// which were.
 class OutputFiles {
  public:
   OutputFiles() = default;
@@ -33,12 +38,17 @@ class OutputFiles {
 
  private:
   struct Beside {
-    std::string path;                       // as it was given
-    std::filesystem::path written, target;  // where the bytes are; where they are to be
+    std::string path;               // as it was given
+    std::filesystem::path target;   // where the bytes are to be
+    bool exists;                    // an older file there
+    std::filesystem::path written;  // where the bytes are
+    std::filesystem::path old;      // a second name of the older file, or none
   };
   struct Into {
     std::string path, bytes;
   };
+  [[noreturn]] void failAt(size_t failed, std::error_code error);
+
   std::vector<Beside> beside;
   std::vector<Into> into;
 };

@@ -1,5 +1,6 @@
 #include "faults/faults.h"
 
+#include <png.h>
 #include <sys/types.h>
 
 #include <cerrno>
@@ -21,9 +22,11 @@ bool failsWith(Fault::Calls& calls, int error) {
 }  // namespace
 
 Fault::Fault(Calls& c, uint64_t nth, uint64_t many) : calls(c) {
-  calls = {0, nth, many < UINT64_MAX - nth ? nth + many : UINT64_MAX};
+  calls.asked = 0;
+  calls.to = many < UINT64_MAX - nth ? nth + many : UINT64_MAX;
+  calls.from = nth;
 }
-Fault::~Fault() { calls = {}; }
+Fault::~Fault() { calls.from = UINT64_MAX; }
 bool Fault::happened() const { return calls.asked > calls.from; }
 
 bool Fault::Calls::fails() {
@@ -47,6 +50,27 @@ void* __wrap_calloc(size_t count, size_t size) {
 }
 void* __wrap_realloc(void* block, size_t size) {
   return failsWith(allocations, ENOMEM) ? nullptr : __real_realloc(block, size);
+}
+}
+
+// A picture of the PNG library takes memory, from a library that keeps its own calls.
+extern "C" {
+png_structp __real_png_create_read_struct(png_const_charp version, png_voidp it, png_error_ptr fail,
+                                          png_error_ptr warn);
+png_structp __real_png_create_write_struct(png_const_charp version, png_voidp it, png_error_ptr fail,
+                                           png_error_ptr warn);
+png_infop __real_png_create_info_struct(png_const_structrp png);
+
+png_structp __wrap_png_create_read_struct(png_const_charp version, png_voidp it, png_error_ptr fail,
+                                          png_error_ptr warn) {
+  return failsWith(allocations, ENOMEM) ? nullptr : __real_png_create_read_struct(version, it, fail, warn);
+}
+png_structp __wrap_png_create_write_struct(png_const_charp version, png_voidp it, png_error_ptr fail,
+                                           png_error_ptr warn) {
+  return failsWith(allocations, ENOMEM) ? nullptr : __real_png_create_write_struct(version, it, fail, warn);
+}
+png_infop __wrap_png_create_info_struct(png_const_structrp png) {
+  return failsWith(allocations, ENOMEM) ? nullptr : __real_png_create_info_struct(png);
 }
 }
 
@@ -96,8 +120,11 @@ int __real_fseek(FILE* file, long offset, int origin);
 long __real_ftell(FILE* file);
 int __real_fclose(FILE* file);
 int __real_open(const char* name, int flags, ...);
+ssize_t __real_read(int file, void* buffer, size_t size);
 ssize_t __real_write(int file, const void* bytes, size_t size);
 int __real_close(int file);
+int __real_rename(const char* from, const char* to);
+int __real_link(const char* file, const char* name);
 
 FILE* __wrap_fopen(const char* name, const char* mode) {
   return failsWith(fileCalls, EACCES) ? nullptr : __real_fopen(name, mode);
@@ -120,11 +147,18 @@ int __wrap_open(const char* name, int flags, ...) {
   va_end(arguments);
   return failsWith(fileCalls, EMFILE) ? -1 : __real_open(name, flags, mode);
 }
+ssize_t __wrap_read(int file, void* buffer, size_t size) {
+  return failsWith(fileCalls, EIO) ? -1 : __real_read(file, buffer, size);
+}
 ssize_t __wrap_write(int file, const void* bytes, size_t size) {
   return failsWith(fileCalls, ENOSPC) ? -1 : __real_write(file, bytes, size);
 }
 int __wrap_close(int file) {
   const int closed = __real_close(file);
   return failsWith(fileCalls, EIO) ? -1 : closed;
+}
+int __wrap_rename(const char* from, const char* to) { return failsWith(fileCalls, EIO) ? -1 : __real_rename(from, to); }
+int __wrap_link(const char* file, const char* name) {
+  return failsWith(fileCalls, EPERM) ? -1 : __real_link(file, name);
 }
 }

@@ -4,6 +4,7 @@
 // into the program; shared libraries keep theirs, but for operator new.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 
 // The nth call from its making on fails, counted from 0, and so do the ones after it up to `many`.
@@ -15,7 +16,7 @@ class Fault {
   bool happened() const;
 
   struct Calls {
-    uint64_t asked = 0, from = UINT64_MAX, to = UINT64_MAX;
+    std::atomic<uint64_t> asked = 0, from = UINT64_MAX, to = UINT64_MAX;  // any thread counts
     bool fails();
   };
 
@@ -27,13 +28,14 @@ class Fault {
   Calls& calls;
 };
 
-// Of operator new in all its forms, malloc, calloc and realloc.
+// Of operator new in all its forms, malloc, calloc and realloc; and of what the PNG library makes.
 class FailingAllocation : public Fault {
  public:
   explicit FailingAllocation(uint64_t nth, uint64_t many = 1);
 };
 
-// Of opening, seeking, telling, writing and closing; a read gets half of what it asks for.
+// Of opening, seeking, telling, reading, writing, closing, renaming and linking; where it can, a read gets half of what
+// it asks for instead.
 class FailingFileCall : public Fault {
  public:
   explicit FailingFileCall(uint64_t nth, uint64_t many = 1);

@@ -32,7 +32,8 @@ gc();
 constexpr const char* kLines[] = {"fib(;",
                                   "Stack.push(no.such);",
                                   "CompileFile(\"source.bob\", \"object.bobo\");",
-                                  "Load(\"object.bobo\");",
+                                  "LoadObjectFile(\"object.bobo\");",
+                                  "Load(\"source.bob\");",
                                   "Eval(\"loaded(4)();\");",
                                   "f.GetC();"};
 

@@ -8,9 +8,9 @@
 
 class KpgTest : public PageTest {
  protected:
-  // Exit status; standard output and error stream are left in `out` and `err`.
-  int kpg(const std::string& arguments) {
-    const int status = std::system((std::string(KPG_PROGRAM) + " " + arguments + " >out.txt 2>err.txt").c_str());
+  // Exit status; standard output and error stream are left in `out` and `err`. The shell carries out `first` before.
+  int kpg(const std::string& arguments, const std::string& first = "") {
+    const int status = std::system((first + KPG_PROGRAM + " " + arguments + " >out.txt 2>err.txt").c_str());
     out = text("out.txt");
     err = text("err.txt");
     return WEXITSTATUS(status);

@@ -1,6 +1,8 @@
 // What commands write, and what they leave alone.
 #include <fcntl.h>
 
+#include <random>
+
 #include "kit/pictures/png.h"
 #include "kpgfixture.h"
 #include "support/blockfont.h"
@@ -21,9 +23,9 @@ class OutputTest : public KpgTest {
   }
 
   // Runs the command, which has to fail with the message, and looks whether everything in the folder is as before.
-  void expectNothingLost(const std::string& arguments, const std::string& message) {
+  void expectNothingLost(const std::string& arguments, const std::string& message, const std::string& first = "") {
     const auto before = contents();
-    EXPECT_EQ(kpg(arguments), 1) << arguments;
+    EXPECT_EQ(kpg(arguments, first), 1) << arguments;
     EXPECT_NE(err.find(message), std::string::npos) << arguments << "\n" << err;
     EXPECT_EQ(contents(), before) << arguments;
   }
@@ -31,8 +33,9 @@ class OutputTest : public KpgTest {
  private:
   static std::map<std::string, std::string> contents() {
     std::map<std::string, std::string> files;
-    for (const auto& entry : fs::directory_iterator("."))
-      if (entry.is_regular_file() && entry.path() != "./out.txt" && entry.path() != "./err.txt")
+    for (const auto& entry : fs::recursive_directory_iterator("."))
+      if (entry.is_regular_file() && entry.path() != "./out.txt" && entry.path() != "./err.txt" &&
+          !entry.path().filename().string().starts_with(".vistrel-build."))
         files[entry.path().string()] = text(entry.path().string());
     return files;
   }
@@ -132,6 +135,35 @@ TEST_F(OutputTest, WhatCannotBePrintedIsAnError) {
   // Nothing is printed, so nothing fails; and no file gets the place of the closed stream.
   EXPECT_EQ(shell("kpg build c.yaml -o d.kpg >&-"), 0);
   EXPECT_EQ(text("d.kpg"), text("c.kpg"));
+}
+
+// No file may have more than 8 blocks of 512 bytes, and each of these is to have more.
+TEST_F(OutputTest, ADiskThatIsFullLeavesWhatWasThere) {
+  std::vector<uint32_t> noise(100 * 100);
+  std::mt19937 random(1);
+  for (uint32_t& pixel : noise) pixel = random() & 0xFFFFFF;
+  fs::create_directory("p");
+  writePng("p/noise.png", 100, 100, std::vector<uint32_t>(100 * 100));
+  std::string page =
+      "page:\n  type: group\n  width: 720\n  height: 480\n  children:\n    - {type: image, src: noise.kpx}\n";
+  writeText("p/vistrel.yaml", "pages: [a.yaml]\npictures: [noise.png]\nscripts: [s.bob]\n");
+  writeText("p/a.yaml", page);
+  writeText("p/s.bob", "x = 1;\n");
+  ASSERT_EQ(kpg("build p"), 0) << err;
+  std::string script;
+  for (int i = 0; i < 400; ++i) {
+    page += "    - {type: text, name: words" + std::to_string(i) + ", value: words}\n";
+    script += "define f" + std::to_string(i) + "() { return 1; }\n";
+  }
+  writePng("p/noise.png", 100, 100, noise);
+  writeText("p/a.yaml", page);
+  writeText("p/s.bob", script);
+  for (const char* name : {"a.kpg", "n.kpx", "n.clut", "x.png", "s.bobo"}) writeText(name, "before");
+  for (const char* arguments :
+       {"build p/a.yaml -o a.kpg --lines", "image p/noise.png -o n.kpx", "shot p/a.yaml -o x.png",
+        "compile p/s.bob -o s.bobo", "build p --jobs 3", "pack p -o p.zip", "film p/a.yaml -o f.gif --key Down"})
+    expectNothingLost(arguments, "can't be written: File too large", "trap '' XFSZ; ulimit -f 8; ");
+  EXPECT_EQ(kpg("build p"), 0) << err;
 }
 
 TEST_F(OutputTest, AReaderThatLeavesEndsTheProgramAfterThePictureIsSaved) {

@@ -216,7 +216,7 @@ bool isBobMap(const std::vector<uint8_t>& bytes) {
 BobMap makeBobMap(std::string_view built, std::vector<BobCodeLines> codes) {
   BobMap map{contentHash({built.begin(), built.end()}), {}, std::move(codes)};
   for (const BobCodeLines& code : map.codes)
-    if (!sourceOf(map, code.file)) map.sources.push_back({code.file, fileHash(code.file)});
+    if (!sourceOf(map, code.file)) map.sources.push_back({code.file, hashIfThere(code.file)});
   return map;
 }
 

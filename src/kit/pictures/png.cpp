@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string_view>
 
@@ -23,6 +24,11 @@ void append(png_structp png, png_bytep bytes, png_size_t size) {
 
 [[noreturn]] void fail(png_structp png, png_const_charp message) {
   throw KitError(*static_cast<const std::string*>(png_get_error_ptr(png)), message);
+}
+
+// The library says nothing more when it gets no memory for what it begins with.
+void needs(const void* made) {
+  if (!made) throw std::bad_alloc();
 }
 
 // The colours of a picture that has few, in the order in which they come, and each pixel's number among them.
@@ -88,12 +94,14 @@ std::vector<uint8_t> encode(const std::string& path, int width, int height, cons
   const std::optional<Palette> palette = alpha || form == PngForm::trueColor ? std::nullopt : paletteOf(pixels);
   std::vector<uint8_t> file;
   png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, const_cast<std::string*>(&path), fail, nullptr);
+  needs(png);
   png_infop info = png_create_info_struct(png);
   struct Closer {
     png_structp* png;
     png_infop* info;
     ~Closer() { png_destroy_write_struct(png, info); }
   } closer{&png, &info};
+  needs(info);
 
   png_set_write_fn(png, &file, append, nullptr);
   png_set_compression_level(png, 3);  // pages are flat: more effort takes longer and saves little
@@ -166,12 +174,14 @@ bool isKitPng(const std::vector<uint8_t>& bytes) {
 Picture decodePng(const std::string& path, const std::vector<uint8_t>& bytes) {
   Input input{path, bytes};
   png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, &input, failInput, ignore);
+  needs(png);
   png_infop info = png_create_info_struct(png);
   struct Closer {
     png_structp* png;
     png_infop* info;
     ~Closer() { png_destroy_read_struct(png, info, nullptr); }
   } closer{&png, &info};
+  needs(info);
 
   png_set_read_fn(png, &input, take);
   png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);  // ours are lower and say so better

@@ -32,24 +32,53 @@ void nameForManifest(const Project& project, KitMessage* at) {
   for (KitMessage& use : at->uses) nameForManifest(project, &use);
 }
 
-// The record of files that are the build's own although no step has made them: those that it means to make, whose hash
-// isn't known, and after an error those of earlier builds that may be stale.
-constexpr char kOwnFiles[] = "own";
-constexpr char kUnknownHash[] = "unknown";
+// Records of files that are the build's own although no step has made them: after an error those of earlier builds that
+// may be stale, and those that a build was about to write.
+constexpr char kOwnFiles[] = "own", kClaimedFiles[] = "claimed";
+
+// A build notes what it is about to write in a file of its own first, so that after an interruption the next one knows
+// its files; the first one that makes everything drops the notes. A note is "HASH NAME" between two zeros: one that
+// breaks off claims no file but one of that very hash.
+constexpr char kClaimsName[] = ".vistrel-build.claims";
+
+void claim(const Project& project, const std::vector<FileRecord>& files) {
+  std::string notes;
+  for (const FileRecord& file : files) (((notes += '\0') += file.hash + " ") += file.name) += '\0';
+  if (!notes.empty()) appendToFile(outputPath(project, kClaimsName), notes.data(), notes.size());
+}
+
+std::vector<FileRecord> readClaims(const Project& project) {
+  std::vector<FileRecord> files;
+  std::error_code error;
+  const std::string file = outputPath(project, kClaimsName);
+  if (!fs::is_regular_file(file, error)) return files;
+  const std::vector<uint8_t> notes = readFile(file);
+  for (auto at = notes.begin(); at != notes.end();) {
+    const auto end = std::find(at, notes.end(), '\0'), space = std::find(at, end, ' ');
+    if (space != end) files.push_back({{space + 1, end}, {at, space}});
+    at = end == notes.end() ? end : end + 1;
+  }
+  return files;
+}
+
+// What earlier builds have written.
+Manifest readRecords(const Project& project) {
+  Manifest manifest = readManifest(outputPath(project, kManifestName));
+  for (FileRecord& claimed : readClaims(project)) manifest.steps[kClaimedFiles].outputs.push_back(std::move(claimed));
+  return manifest;
+}
 
 bool isLineTable(const std::string& file) { return file.ends_with(kBobMapExtension); }
 
 class ProjectBuild {
  public:
-  ProjectBuild(const Project& p, const BuildOptions& o)
-      : project(p), options(o), before(readManifest(outputPath(p, kManifestName))) {}
+  ProjectBuild(const Project& p, const BuildOptions& o) : project(p), options(o), before(readRecords(p)) {}
 
   BuildReport run() {
     const BuildPlan plan = planProject(project);
     errors = plan.errors;
     inputs.insert(plan.missing.begin(), plan.missing.end());
     for (const BuildStep& step : plan.steps) planned.insert(planned.end(), step.outputs.begin(), step.outputs.end());
-    claim(plan.steps);
     if (options.page.empty()) {
       runAll(plan.steps);
     } else {
@@ -59,13 +88,16 @@ class ProjectBuild {
     runAll(stepsForNamedFiles());
     for (KitMessage& missing : missingFiles(project, now, planned)) errors.push_back(std::move(missing));
     finishReport();
-    if (errors.empty() && options.page.empty()) {
+    const bool isAll = errors.empty() && options.page.empty();
+    if (isAll) {
       warnOfStrays();
       dropStale();
     } else {
       keepOldRecords();
     }
-    saveManifest(now);
+    saveManifest();
+    std::error_code error;
+    if (isAll) fs::remove(outputPath(project, kClaimsName), error);
     if (!errors.empty()) throw BuildError(std::move(errors), std::move(report.inputs));
     return std::move(report);
   }
@@ -77,18 +109,6 @@ class ProjectBuild {
     std::vector<KitMessage> warnings, errors;
     std::vector<std::string> inputs;  // of a step that has failed
   };
-
-  // A build may be interrupted, and the next one must know which files are its own.
-  void claim(const std::vector<BuildStep>& steps) const {
-    Manifest claimed = before;
-    std::vector<FileRecord>& own = claimed.steps[kOwnFiles].outputs;
-    const size_t known = own.size();
-    std::error_code error;
-    for (const BuildStep& step : steps)
-      for (const std::string& output : step.outputs)
-        if (!fs::exists(outputPath(project, output), error)) own.push_back({output, kUnknownHash});
-    if (own.size() > known) saveManifest(claimed);
-  }
 
   void runAll(const std::vector<BuildStep>& steps) {
     outcomes.assign(steps.size(), {});
@@ -232,7 +252,7 @@ class ProjectBuild {
   // on which comes first. For whoever has `writing`.
   const std::string& hashBefore(const std::string& output) {
     const auto [known, isNew] = hashesBefore.try_emplace(output);
-    if (isNew) known->second = fileHash(outputPath(project, output));
+    if (isNew) known->second = hashIfThere(outputPath(project, output));
     return known->second;
   }
 
@@ -240,6 +260,7 @@ class ProjectBuild {
   std::vector<std::string> write(const BuildStep& step, const StepResult& result) {
     const std::lock_guard lock(writing);
     std::vector<std::string> written;
+    std::vector<FileRecord> claimed;
     OutputFiles files;
     for (const BuiltFile& file : result.outputs) {
       const std::string path = outputPath(project, file.name);
@@ -249,7 +270,7 @@ class ProjectBuild {
       refuseClashes({path}, result.inputs);
       const std::string hash = contentHash(file.bytes);
       if (hashBefore(file.name) != hash) written.push_back(file.name);
-      if (fileHash(path) == hash) continue;
+      if (hashIfThere(path) == hash) continue;
       if (!hashBefore(file.name).empty() && before.hashOf(file.name).empty() && !isBobMap(readFile(path)))
         throw KitError(path, "is there and no build made it; move it, or give its source another name");
       if (wasChangedByHand(file.name) && !options.all)
@@ -257,7 +278,9 @@ class ProjectBuild {
       std::error_code error;
       fs::create_directories(fs::path(path).parent_path(), error);
       files.add(path, file.bytes.data(), file.bytes.size());
+      claimed.push_back({file.name, hash});
     }
+    claim(project, claimed);
     files.finish();
     return written;
   }
@@ -268,7 +291,7 @@ class ProjectBuild {
     for (const auto& [name, step] : before.steps)
       for (const FileRecord& file : step.outputs) {
         if (file.name != output) continue;
-        if (file.hash == there || file.hash == kUnknownHash) return false;
+        if (file.hash == there) return false;
         wasBuilt = true;
       }
     return wasBuilt && !there.empty();
@@ -322,21 +345,20 @@ class ProjectBuild {
   // needed once all is well.
   void keepOldRecords() {
     for (const auto& [name, step] : before.steps)
-      if (name != kOwnFiles) now.steps.try_emplace(name, step);
+      if (name != kOwnFiles && name != kClaimedFiles) now.steps.try_emplace(name, step);
     const std::vector<std::string> kept = builtFiles(now);
     std::vector<FileRecord> left;
     for (const auto& [name, step] : before.steps)
       for (const FileRecord& output : step.outputs)
-        if (!std::binary_search(kept.begin(), kept.end(), output.name) && output.hash != kUnknownHash)
-          left.push_back(output);
+        if (name != kClaimedFiles && !std::binary_search(kept.begin(), kept.end(), output.name)) left.push_back(output);
     if (!left.empty()) now.steps[kOwnFiles].outputs = std::move(left);
   }
 
   // Always, so that its time says when the project was built.
-  void saveManifest(const Manifest& manifest) const {
-    const std::string path = outputPath(project, kManifestName), text = manifestText(manifest);
+  void saveManifest() const {
+    const std::string path = outputPath(project, kManifestName), text = manifestText(now);
     std::error_code error;
-    if (manifest.steps.empty() && !fs::exists(path, error)) return;
+    if (now.steps.empty() && !fs::exists(path, error)) return;
     fs::create_directories(fs::path(path).parent_path(), error);
     writeFile(path, text.data(), text.size());
   }
@@ -388,10 +410,9 @@ BuildReport buildProject(const Project& project, const BuildOptions& options) {
 }
 
 std::vector<std::string> cleanProject(const Project& project, const KitWarn& warn) {
-  const std::string manifestFile = outputPath(project, kManifestName);
   std::set<std::string> folders, removed;
   std::error_code error;
-  for (const auto& [name, step] : readManifest(manifestFile).steps)
+  for (const auto& [name, step] : readRecords(project).steps)
     for (const FileRecord& output : step.outputs) {
       const std::string path = outputPath(project, output.name);
       const std::string hash = fileHash(path);
@@ -404,8 +425,8 @@ std::vector<std::string> cleanProject(const Project& project, const KitWarn& war
       if (!isLineTable(path)) removed.insert(path);
       folders.insert(fs::path(output.name).parent_path().generic_string());
     }
-  fs::remove(manifestFile, error);
-  fs::remove(outputPath(project, kPackRecordName), error);
+  for (const char* record : {kManifestName, kClaimsName, kPackRecordName})
+    fs::remove(outputPath(project, record), error);
   // The deepest first; a folder with anything in it stays.
   for (auto folder = folders.rbegin(); folder != folders.rend(); ++folder)
     for (fs::path at = *folder; !at.empty(); at = at.parent_path())

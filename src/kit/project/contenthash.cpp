@@ -1,6 +1,7 @@
 #include "kit/project/contenthash.h"
 
 #include <cstdio>
+#include <filesystem>
 
 #include "kit/errors.h"
 #include "kit/files.h"
@@ -16,4 +17,9 @@ std::string contentHash(const std::vector<uint8_t>& bytes) {
 
 std::string fileHash(const std::string& path) try { return contentHash(readFile(path)); } catch (const KitError&) {
   return "";
+}
+
+std::string hashIfThere(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::is_regular_file(path, error) ? contentHash(readFile(path)) : "";
 }

@@ -9,3 +9,6 @@ std::string contentHash(const std::vector<uint8_t>& bytes);
 
 // Of a file; empty when it can't be read.
 std::string fileHash(const std::string& path);
+
+// Empty only when there is no such file; throws KitError when it can't be read.
+std::string hashIfThere(const std::string& path);

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "kit/files.h"
 #include "kit/json.h"
 #include "kit/source/sourcevalue.h"
 #include "kit/yaml/readyaml.h"
@@ -59,21 +60,10 @@ std::vector<FileRecord> readFiles(const YamlNode& node, const char* key) {
   return files;
 }
 
-}  // namespace
-
-std::string Manifest::hashOf(const std::string& output) const {
-  for (const auto& [name, step] : steps)
-    for (const FileRecord& file : step.outputs)
-      if (file.name == output) return file.hash;
-  return "";
-}
-
 // JSON is YAML.
-Manifest readManifest(const std::string& file) try {
+Manifest parseManifest(const std::string& file, const std::string& text) try {
   Manifest manifest;
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(file, error)) return manifest;
-  const YamlNode root = readYaml(file);
+  const YamlNode root = parseYaml(file, text);
   const YamlNode* steps = root.find("steps");
   if (!steps) return manifest;
   for (const YamlNode& step : steps->list) {
@@ -88,6 +78,22 @@ Manifest readManifest(const std::string& file) try {
   return manifest;
 } catch (const KitError&) {
   return {};
+}
+
+}  // namespace
+
+std::string Manifest::hashOf(const std::string& output) const {
+  for (const auto& [name, step] : steps)
+    for (const FileRecord& file : step.outputs)
+      if (file.name == output) return file.hash;
+  return "";
+}
+
+Manifest readManifest(const std::string& file) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(file, error)) return {};
+  const std::vector<uint8_t> bytes = readFile(file);
+  return parseManifest(file, {bytes.begin(), bytes.end()});
 }
 
 std::string manifestText(const Manifest& manifest) {

@@ -40,6 +40,7 @@ struct Manifest {
   std::string hashOf(const std::string& output) const;
 };
 
-// Empty when there is none, or when it can't be read.
+// Empty when there is none, or when it is damaged. Throws KitError when the disk doesn't give it: a build that began
+// anew then would take its own files for somebody else's.
 Manifest readManifest(const std::string& file);
 std::string manifestText(const Manifest& manifest);

@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <condition_variable>
+#include <exception>
 #include <mutex>
 #include <optional>
 #include <thread>
+
+#include "kit/onthreads.h"
 
 namespace {
 
@@ -13,10 +16,10 @@ class Queue {
   Queue(const std::vector<BuildStep>& s, const std::function<void(size_t)>& r)
       : steps(s), run(r), states(s.size(), State::waiting) {}
 
-  // Runs steps as long as there are any that nobody has begun.
+  // Runs steps as long as there are any that nobody has begun, and none has thrown.
   void work() {
     std::unique_lock lock(mutex);
-    while (begun < steps.size()) {
+    while (begun < steps.size() && !thrown) {
       const auto next = nextReady();
       if (!next) {
         changed.wait(lock);
@@ -25,11 +28,22 @@ class Queue {
       states[*next] = State::running;
       ++begun;
       lock.unlock();
-      run(*next);
+      std::exception_ptr caught;
+      try {
+        run(*next);
+      } catch (...) {
+        caught = std::current_exception();
+      }
       lock.lock();
+      if (caught) thrown = caught;
       states[*next] = State::done;
       changed.notify_all();
     }
+  }
+
+  // Once nobody works any more.
+  void throwWhatWasThrown() const {
+    if (thrown) std::rethrow_exception(thrown);
   }
 
  private:
@@ -48,6 +62,7 @@ class Queue {
   std::condition_variable changed;
   std::vector<State> states;
   size_t begun = 0;
+  std::exception_ptr thrown;
 };
 
 }  // namespace
@@ -55,8 +70,6 @@ class Queue {
 void runSteps(const std::vector<BuildStep>& steps, size_t jobs, const std::function<void(size_t)>& run) {
   if (jobs == 0) jobs = std::max(1u, std::thread::hardware_concurrency());
   Queue queue(steps, run);
-  std::vector<std::thread> threads;
-  for (size_t i = 1; i < std::min(jobs, steps.size()); ++i) threads.emplace_back([&] { queue.work(); });
-  queue.work();
-  for (std::thread& thread : threads) thread.join();
+  runOnThreads(std::min(jobs, steps.size()), [&] { queue.work(); });
+  queue.throwWhatWasThrown();
 }

@@ -7,7 +7,7 @@
 #include "engine/scriptbindings/scriptbindings.h"
 #include "kit/errors.h"
 
-BobRuntime::BobRuntime() : interp(bobMakeInterp(kScriptHeapBytes, 0, kScriptStackWords)) {
+BobRuntime::BobRuntime() : owned(bobMakeInterp(kScriptHeapBytes, 0, kScriptStackWords), bobDestroyInterp) {
   if (!interp) throw KitError("out of memory");
   bobRegisterGlobals(interp);
   bobInitCompiler(interp);

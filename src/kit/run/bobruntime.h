@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,13 +11,17 @@
 #include "bob/tools/disassemble.h"
 
 // Its streams are dropped until somebody sets others.
-struct BobRuntime {
+class BobRuntime {
+ public:
   BobRuntime();
-  ~BobRuntime() { bobDestroyInterp(interp); }
   BobRuntime(const BobRuntime&) = delete;
   BobRuntime& operator=(const BobRuntime&) = delete;
 
-  BobInterp* interp;
+ private:
+  const std::unique_ptr<BobInterp, void (*)(BobInterp*)> owned;
+
+ public:
+  BobInterp* const interp = owned.get();
 };
 
 // Collects what is written.

@@ -12,6 +12,7 @@
 #include <thread>
 
 #include "kit/files.h"
+#include "kit/onthreads.h"
 #include "kit/pictures/png.h"
 #include "kit/wildcards.h"
 
@@ -82,10 +83,7 @@ class SuiteRun {
   SuiteReport run() {
     const size_t machine = std::max(1u, std::thread::hardware_concurrency());
     const size_t threads = std::min(options.jobs == 0 ? machine : options.jobs, items.size());
-    std::vector<std::thread> others;
-    for (size_t i = 1; i < threads; ++i) others.emplace_back([this] { work(); });
-    work();
-    for (std::thread& other : others) other.join();
+    runOnThreads(threads, [this] { work(); });
     if (failure) std::rethrow_exception(failure);
     if (options.update) writePictures();
     return std::move(report);

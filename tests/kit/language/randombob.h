@@ -1,14 +1,20 @@
 // Random programs, to hold tools for Bob against the compiler.
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 class RandomBob {
  public:
-  explicit RandomBob(unsigned seed) : random(seed) {}
+  explicit RandomBob(unsigned seed)
+      : random([numbers = std::mt19937(seed)]() mutable { return uint32_t(numbers()); }) {}
+  // By numbers from elsewhere, which must not be multiples of 3 for ever.
+  explicit RandomBob(std::function<uint32_t()> numbers) : random(std::move(numbers)) {}
 
   // A program that the compiler accepts, laid out at random, with comments anywhere.
   std::string program();
@@ -38,7 +44,7 @@ class RandomBob {
   void object(int depth);
   std::string name();
 
-  std::mt19937 random;
+  std::function<uint32_t()> random;
   std::string text;
   int loops = 0, switches = 0, functions = 0;
   int labels = 0;

@@ -262,15 +262,41 @@ TEST_F(ProjectTest, NothingThatNoBuildMadeIsLost) {
 }
 
 TEST_F(ProjectTest, AnInterruptedBuildKnowsItsFilesAgain) {
-  make(2, [] {
-    fs::remove("then");  // which copying can't replace everywhere
-    fs::copy_file("build/.vistrel-build.json", "then");
-  });
-  fs::rename("then", "build/.vistrel-build.json");
+  const auto makeHalf = [&] {
+    const bool isFirst = !fs::exists("build/.vistrel-build.json");
+    if (!isFirst) fs::copy_file("build/.vistrel-build.json", "before");
+    make(2, [] {
+      fs::remove("claims");  // which copying can't replace everywhere
+      fs::copy_file("build/.vistrel-build.claims", "claims");
+    });
+    fs::rename("claims", "build/.vistrel-build.claims");
+    fs::remove("build/.vistrel-build.json");
+    if (!isFirst) fs::rename("before", "build/.vistrel-build.json");
+  };
+  makeHalf();
   writeText("menu.yaml", std::string(kPage) + "    - {type: group}\n");
   picture("art/logo.png", 0x40C040);
   EXPECT_EQ(make(), (Files{"art/logo.clut", "menu.kpg"}));
   EXPECT_EQ(make(), Files{});
+
+  // Over an earlier build, and with errors in between.
+  writeText("tools.bob", "define f() { return 2; }\n");
+  picture("art/logo.png", 0x4040C0);
+  makeHalf();
+  writeText("menu.yaml", "page: {tpye: group}\n");
+  writeText("art/logo.png", "no picture");
+  EXPECT_EQ(make().size(), 2u);
+  writeText("menu.yaml", kPage);
+  writeText("tools.bob", "define f() { return 3; }\n");
+  picture("art/logo.png", 0xC040C0);
+  EXPECT_EQ(make(), (Files{"art/logo.clut", "menu.kpg", "tools.bobo"}));
+  // But what somebody has changed since is theirs.
+  picture("art/logo.png", 0x4040C0);
+  makeHalf();
+  writeText("build/art/logo.clut", "changed");
+  picture("art/logo.png", 0xC04040);
+  EXPECT_EQ(make(),
+            Files{"build/art/logo.clut: was changed after it was built; move it, or say --all to write over it"});
 }
 
 TEST_F(ProjectTest, WhatIsNoLongerNamedGoesWithTheNextGoodBuild) {
