@@ -26,6 +26,10 @@ inline void hsFillRow16(uint16_t* row, int32_t count, uint16_t value) {
   hsStoreWide(row, wide);
   hsStoreWide(last, wide);
   if (count <= 2 * kWide16) return;
+  if (count <= 4 * kWide16) {
+    hsStoreWide(row + kWide16, wide);
+    return hsStoreWide(last - kWide16, wide);
+  }
   row += kWide16 - (reinterpret_cast<uintptr_t>(row) / sizeof *row) % kWide16;
   for (; last - row >= 7 * kWide16; row += 8 * kWide16)
     for (int32_t i = 0; i < 8; ++i) hsStoreWide(row + i * kWide16, wide);

@@ -37,34 +37,7 @@ class hsActiveEdges {
   // front of the list that start here come in, themselves in order. Equal ones stay as they were, and one that starts
   // goes before them. Returns the rest of the list.
   hsEdge* Renew(hsEdge* list, int32_t y, const hsIntRect* clip) {
-    std::swap(fNow, fBefore);
-    const Columns from = fBefore;
-    Appender all(fNow, fBounds, fMask);
-    const auto starts = [&] { return list && list->fFirstY <= y; };
-    hsFixed start = starts() ? list->fX : INT32_MAX;
-    for (int32_t i = 0; i < fCount; ++i) {
-      hsFixed x = from.x[i], dx = from.dx[i];
-      Line line = from.line[i];
-      if (line.end <= y) [[unlikely]] {
-        hsAssert(line.end == y, "HSScan assert failed");
-        if (line.edge->fCurveCount == 0 || !line.edge->Advance(clip)) continue;
-        x = line.edge->fX;
-        dx = line.edge->fDX;
-        line = LineOf(line.edge, y);
-      }
-      while (start <= x && starts()) [[unlikely]] {
-          all.Append(list->fX, list->fDX, LineOf(list, y));
-          list = list->fNext;
-          start = starts() ? list->fX : INT32_MAX;
-        }
-      all.Append(x, dx, line);
-    }
-    for (; starts(); list = list->fNext) all.Append(list->fX, list->fDX, LineOf(list, y));
-    fCount = all.count;
-    fFirstEnd = all.firstEnd;
-    fSpanCount = all.found.count / 2;
-    if (!all.inOrder) FindSpans();
-    Pad();
+    if ((list && list->fFirstY <= y) || !AdvanceInPlace(y, clip)) list = Gather(list, y, clip);
     return list;
   }
 
@@ -167,6 +140,66 @@ class hsActiveEdges {
   }
 
   static Line LineOf(hsEdge* edge, int32_t y) { return {edge, y + edge->fCount, edge->fWinding}; }
+
+  // Mostly those that have ended go on. False as soon as one doesn't; the rest is as it was then.
+  bool AdvanceInPlace(int32_t y, const hsIntRect* clip) {
+    hsFixed last = INT32_MIN;
+    bool changed = false;
+    fFirstEnd = INT32_MAX;
+    for (int32_t i = 0; i < fCount; ++i) {
+      Line& line = fNow.line[i];
+      if (line.end <= y) [[unlikely]] {
+        if (!GoesOn(line, y, clip)) return false;
+        changed |= line.edge->fWinding != line.winding;
+        fNow.x[i] = line.edge->fX;
+        fNow.dx[i] = line.edge->fDX;
+        line = LineOf(line.edge, y);
+      }
+      changed |= fNow.x[i] < last;
+      last = fNow.x[i];
+      fFirstEnd = std::min(fFirstEnd, line.end);
+    }
+    if (changed) Sort();
+    return true;
+  }
+
+  // The same when some leave or start.
+  hsEdge* Gather(hsEdge* list, int32_t y, const hsIntRect* clip) {
+    std::swap(fNow, fBefore);
+    const Columns from = fBefore;
+    Appender all(fNow, fBounds, fMask);
+    const auto starts = [&] { return list && list->fFirstY <= y; };
+    hsFixed start = starts() ? list->fX : INT32_MAX;
+    for (int32_t i = 0; i < fCount; ++i) {
+      hsFixed x = from.x[i], dx = from.dx[i];
+      Line line = from.line[i];
+      if (line.end <= y) [[unlikely]] {
+        if (!GoesOn(line, y, clip)) continue;
+        x = line.edge->fX;
+        dx = line.edge->fDX;
+        line = LineOf(line.edge, y);
+      }
+      while (start <= x && starts()) [[unlikely]] {
+          all.Append(list->fX, list->fDX, LineOf(list, y));
+          list = list->fNext;
+          start = starts() ? list->fX : INT32_MAX;
+        }
+      all.Append(x, dx, line);
+    }
+    for (; starts(); list = list->fNext) all.Append(list->fX, list->fDX, LineOf(list, y));
+    fCount = all.count;
+    fFirstEnd = all.firstEnd;
+    fSpanCount = all.found.count / 2;
+    if (!all.inOrder) FindSpans();
+    Pad();
+    return list;
+  }
+
+  // Whether an edge whose line has ended has another.
+  static bool GoesOn(const Line& line, int32_t y, const hsIntRect* clip) {
+    hsAssert(line.end == y, "HSScan assert failed");
+    return line.edge->fCurveCount != 0 && line.edge->Advance(clip);
+  }
 
   // Puts an edge after the last of those before it that are not beyond it. These are in order.
   static void PutBack(const Columns& in, int32_t place) {
