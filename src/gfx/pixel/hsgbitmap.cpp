@@ -38,7 +38,7 @@ void hsGBitmap::Erase(const hsGColor& color) {
   if (fConfig == kConfig_RGB16) {
     const hsGColor32 c = hsPremultiply(color);
     const uint16_t pixel = hsPack16(hsColor32R(c) >> 2, hsColor32G(c) >> 3, hsColor32B(c) >> 3);
-    for (uint32_t y = 0; y < fHeight; ++y) hsFillRow16(Row<uint16_t>(int32_t(y)), int32_t(fWidth), pixel);
+    hsFillRows16(Row<uint16_t>(0), fRowBytes, int32_t(fWidth), int32_t(fHeight), pixel);
     return;
   }
   uint8_t byte;

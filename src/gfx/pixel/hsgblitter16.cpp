@@ -16,6 +16,8 @@
 
 namespace {
 
+constexpr int32_t kLongSpan = 64;  // pixels, from which on it pays to ask for wider stores
+
 uint16_t PixelOf(const hsGColor& c) { return hsPack16(c.fR >> 10, c.fG >> 11, c.fB >> 11); }
 
 uint16_t LerpPixel(uint32_t r6, uint32_t g5, uint32_t b5, uint32_t d, uint32_t scale) {
@@ -131,13 +133,14 @@ hsGColorBlitter16Opaque::hsGColorBlitter16Opaque(const hsGBitmap& device, const 
 
 void hsGColorBlitter16Opaque::BlitH(int32_t y, int32_t x, int32_t width) {
   if (!hsAssert(width > 0, "bad blit count")) return;
-  hsFillRow16(Pixels<uint16_t>(y, x), width, fPixel);
+  if (width < kLongSpan) return hsFillRow16(Pixels<uint16_t>(y, x), width, fPixel);
+  hsFillRows16(Pixels<uint16_t>(y, x), fDevice.fRowBytes, width, 1, fPixel);
 }
 
 void hsGColorBlitter16Opaque::BlitRect(int32_t y, int32_t x, int32_t width, int32_t height) {
   if (!hsAssert(width > 0, "bad blit width")) return;
   if (!hsAssert(height > 0, "bad blit height")) return;
-  for (; height > 0; --height) hsFillRow16(Pixels<uint16_t>(y++, x), width, fPixel);
+  hsFillRows16(Pixels<uint16_t>(y, x), fDevice.fRowBytes, width, height, fPixel);
 }
 
 const hsGBitmap* hsGColorBlitter16Opaque::GetDirectTarget(uint32_t* value) {

@@ -123,15 +123,17 @@ bool hsPath::StartSegment(const char* message) {
   return true;
 }
 
-void hsPath::Store(Verb verb, int32_t count, const hsPoint points[]) {
+template <int32_t count>
+void hsPath::Store(Verb verb, const hsPoint (&points)[count]) {
   std::copy_n(points, count, fPoints.Append(count));
   fVerbs.Push(verb);
   fPtCount += count;
 }
 
 void hsPath::LineTo(hsPoint p) {
-  CheckPoints(1, &p);
-  if (StartSegment("LineTo without a MoveTo")) Store(kLineVerb, 1, &p);
+  const hsPoint points[] = {p};
+  CheckPoints(1, points);
+  if (StartSegment("LineTo without a MoveTo")) Store(kLineVerb, points);
 }
 
 void hsPath::LineTo(int32_t count, const hsPoint points[]) {
@@ -147,13 +149,13 @@ void hsPath::LineTo(int32_t count, const hsPoint points[]) {
 void hsPath::QuadTo(hsPoint control, hsPoint end) {
   const hsPoint points[] = {control, end};
   CheckPoints(2, points);
-  if (StartSegment("QuadTo without a MoveTo")) Store(kQuadVerb, 2, points);
+  if (StartSegment("QuadTo without a MoveTo")) Store(kQuadVerb, points);
 }
 
 void hsPath::CurveTo(hsPoint control1, hsPoint control2, hsPoint end) {
   const hsPoint points[] = {control1, control2, end};
   CheckPoints(3, points);
-  if (StartSegment("CurveTo without a MoveTo")) Store(kCurveVerb, 3, points);
+  if (StartSegment("CurveTo without a MoveTo")) Store(kCurveVerb, points);
 }
 
 void hsPath::Close() {

@@ -129,7 +129,8 @@ class hsPath {
   friend class hsPathIter;
 
   bool StartSegment(const char* message);
-  void Store(Verb verb, int32_t count, const hsPoint points[]);
+  template <int32_t count>
+  void Store(Verb verb, const hsPoint (&points)[count]);
   bool CanAddContourOf(const hsPath& src) const;
   void AddSegment(Verb verb, const hsPoint points[]);
   template <typename Map>

@@ -20,6 +20,14 @@ bool hsPathIter::AutoClose(hsPoint pts[2], bool isCloseVerb) {
   return true;
 }
 
+template <int32_t count>
+void hsPathIter::Segment(hsPoint pts[]) {
+  pts[0] = fLastPt;
+  std::copy_n(fPoint, count, pts + 1);
+  fPoint += count;
+  fLastPt = pts[count];
+}
+
 hsPath::Verb hsPathIter::Next(hsPoint pts[4]) {
   hsPoint unwanted[4];
   if (!pts) pts = unwanted;
@@ -35,16 +43,9 @@ hsPath::Verb hsPathIter::Next(hsPoint pts[4]) {
       if (AutoClose(pts, false)) return fLastVerb = hsPath::kLineVerb;  // the move is read again
       pts[0] = fMoveTo = fLastPt = *fPoint++;
       break;
-    case hsPath::kLineVerb:
-    case hsPath::kQuadVerb:
-    case hsPath::kCurveVerb: {
-      const int32_t count = hsPointsOfVerb(verb);
-      pts[0] = fLastPt;
-      std::copy_n(fPoint, count, pts + 1);
-      fPoint += count;
-      fLastPt = pts[count];
-      break;
-    }
+    case hsPath::kLineVerb: Segment<1>(pts); break;
+    case hsPath::kQuadVerb: Segment<2>(pts); break;
+    case hsPath::kCurveVerb: Segment<3>(pts); break;
     case hsPath::kCloseVerb:
       if (AutoClose(pts, true)) return fLastVerb = hsPath::kLineVerb;  // the close is read again
       break;

@@ -24,6 +24,8 @@ class hsPathIter {
   bool IsClosedContour() const;
 
  private:
+  template <int32_t count>
+  void Segment(hsPoint pts[]);
   bool AutoClose(hsPoint pts[2], bool isCloseVerb);
 
   const hsPath* fPath = nullptr;

@@ -2,6 +2,7 @@
 #include "gfx/foundation/hsdebug.h"
 #include "gfx/vector/hspath.h"
 #include "gfx/vector/hsregion.h"
+#include "gfx/vector/hsscan.h"
 #include "gfx/vector/hsscan_fillpath.h"
 #include "gfx/vector/hssuperblitter.h"
 
@@ -39,8 +40,9 @@ void HSScan::AntiFillPath(const hsPath* path, const hsRegion* clip, hsGBlitter* 
   if (path->IsEmpty() || (clip && clip->IsEmpty())) return;
   hsRect shape;
   path->ComputeBounds(&shape, false);
-  Supersample(shape, clip, blitter,
-              [&](const hsRegion* superClip, hsGBlitter* super) { FillScaledPath(*path, kSamples, superClip, super); });
+  Supersample(shape, clip, blitter, [&](const hsRegion* superClip, hsSuperBlitter* super) {
+    hsFillScaledPath(*path, kSamples, superClip, super);
+  });
 }
 
 void HSScan::AntiFillQuad(const hsPoint points[4], const hsRegion* clip, hsGBlitter* blitter) {

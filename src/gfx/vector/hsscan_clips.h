@@ -6,13 +6,15 @@
 #include "gfx/vector/hsgblitter.h"
 #include "gfx/vector/hsregion.h"
 
+template <typename Blitter>
 struct hsSpansUnclipped {
   const hsIntRect* Bounds() const { return nullptr; }
   void Blit(int32_t y, int32_t left, int32_t right) const { blitter->BlitH(y, left, right - left); }
 
-  hsGBlitter* blitter;
+  Blitter* blitter;
 };
 
+template <typename Blitter>
 struct hsSpansInRect {
   const hsIntRect* Bounds() const { return &rect; }
   void Blit(int32_t y, int32_t left, int32_t right) const {
@@ -21,10 +23,11 @@ struct hsSpansInRect {
     if (left < right) blitter->BlitH(y, left, right - left);
   }
 
-  hsGBlitter* blitter;
+  Blitter* blitter;
   const hsIntRect& rect;
 };
 
+template <typename Blitter>
 struct hsSpansInRegion {
   const hsIntRect* Bounds() const { return &region.Bounds(); }
   void Blit(int32_t y, int32_t left, int32_t right) const {
@@ -32,17 +35,17 @@ struct hsSpansInRegion {
     region.BlitClipped(y, std::max(left, Bounds()->fLeft), std::min(right, Bounds()->fRight), blitter);
   }
 
-  hsGBlitter* blitter;
+  Blitter* blitter;
   const hsRegion& region;
 };
 
 // Calls walk with the clip's kind.
-template <typename Walk>
-void hsWithSpans(const hsRegion* clip, hsGBlitter* blitter, const Walk& walk) {
+template <typename Blitter, typename Walk>
+void hsWithSpans(const hsRegion* clip, Blitter* blitter, const Walk& walk) {
   if (!clip)
-    walk(hsSpansUnclipped{blitter});
+    walk(hsSpansUnclipped<Blitter>{blitter});
   else if (clip->IsRect())
-    walk(hsSpansInRect{blitter, clip->Bounds()});
+    walk(hsSpansInRect<Blitter>{blitter, clip->Bounds()});
   else
-    walk(hsSpansInRegion{blitter, *clip});
+    walk(hsSpansInRegion<Blitter>{blitter, *clip});
 }

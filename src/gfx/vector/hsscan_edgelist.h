@@ -17,6 +17,7 @@ class hsEdgeList {
   hsEdgeList& operator=(const hsEdgeList&) = delete;
 
   bool IsEmpty() const { return fCount == 0; }
+  int32_t Count() const { return fCount; }
   // Links the edges by first row, then X, and returns the first. Equal ones keep no particular order.
   hsEdge* Sort();
   // The rows that the edges own.

@@ -144,10 +144,10 @@ void HSScan::HairLine(const hsPoint& p0, const hsPoint& p1, const hsRegion* clip
   hsPoint ends[2];
   if (!hsClipLine::ClipLine(p0, p1, FixedBounds(*clip), ends)) return;
   if (clip->IsRect()) {
-    ClippingBlitter<hsSpansInRect> clipping({blitter, clip->Bounds()});
+    ClippingBlitter<hsSpansInRect<hsGBlitter>> clipping({blitter, clip->Bounds()});
     DrawLine(ends[0], ends[1], nullptr, &clipping);
   } else {
-    ClippingBlitter<hsSpansInRegion> clipping({blitter, *clip});
+    ClippingBlitter<hsSpansInRegion<hsGBlitter>> clipping({blitter, *clip});
     DrawLine(ends[0], ends[1], nullptr, &clipping);
   }
 }

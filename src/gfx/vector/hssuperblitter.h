@@ -2,16 +2,20 @@
 //
 // A pixel is 4 by 4 samples. A sample adds 16 to its pixel's byte, but on the first of the four sample rows a span
 // takes one off each pixel that it begins in or fills, so that 63 + 64 + 64 + 64 makes 255 and no byte can overflow.
+//
+// What a span adds is noted where it changes, at its ends, so a wide span costs no more than a narrow one; summing up
+// from left to right gives the coverage of the row when its four sample rows are complete.
 #pragma once
 
 #include <memory>
 
+#include "gfx/foundation/hsdebug.h"
 #include "gfx/foundation/hsrect.h"
 #include "gfx/vector/hsgblitter.h"
 
 class hsRegion;
 
-class hsSuperBlitter : public hsGBlitter {
+class hsSuperBlitter final : public hsGBlitter {
  public:
   static constexpr int32_t kShift = 2;  // log2 of the samples to a pixel, either way
 
@@ -19,36 +23,56 @@ class hsSuperBlitter : public hsGBlitter {
   hsSuperBlitter(const hsIntRect& bounds, const hsRegion* clip, hsGBlitter* realBlitter);
 
   // In samples, ascending and without overlap.
-  void BlitH(int32_t y, int32_t x, int32_t width) override;
+  void BlitH(int32_t y, int32_t x, int32_t width) override {
+    y -= fSuperTop;
+    x -= fSuperLeft;
+    const bool inside = y >= 0 && y < fSuperHeight && x >= 0 && x + width <= fSuperWidth;
+    if (!hsAssert(inside, "HSScan assert failed")) return;
+    const int32_t row = fBounds.fTop + (y >> kShift);
+    if (row != fCurrY) {
+      if (fCurrY != kNoRow) Flush();
+      fCurrY = row;
+    }
+    AddSpan(y % kSamples, x, x + width);
+  }
   // Passes on the last row; the end of every shape.
   void Finish();
 
  private:
   static constexpr int32_t kNoRow = 0x7FFFFFFF;
-  static constexpr int32_t kInlineWords = 129;  // a row of 1024 pixels
+  static constexpr int32_t kSamples = 1 << kShift;  // to a pixel, either way
+  static constexpr int32_t kSampleValue = 16;
+  static constexpr int32_t kLanes = 16;  // pixels that are summed up together
+  static constexpr int32_t kInlinePixels = 1024;
 
-  struct Run {
-    int32_t begin, end;  // words of the row
-  };
-
-  const uint8_t* Bytes() const { return reinterpret_cast<const uint8_t*>(fCoverage); }
-  void AddSpan(int32_t subRow, int32_t x, int32_t width);
-  void Add(int32_t word, uint64_t by);
-  void AddRun(Run run, uint64_t by);
-  void AddWords(Run run, uint64_t by);
-  void Flush(bool clear);
+  void AddSpan(int32_t subRow, int32_t x, int32_t stop) {
+    const int32_t first = x / kSamples, last = stop / kSamples;
+    const int32_t less = subRow == 0 ? 1 : 0, full = kSamples * kSampleValue - less;
+    const int32_t before = x % kSamples * kSampleValue, end = stop % kSamples * kSampleValue;
+    Change(first, full - before);
+    Change(first + 1, before);
+    Change(last, end - full);
+    Change(last + 1, -end);
+    // In a pixel that it only begins in, and doesn't fill, the one is taken off too.
+    const int32_t lessInOne = first == last ? less : 0;
+    Change(first, -lessInOne);
+    Change(first + 1, lessInOne);
+  }
+  void Change(int32_t pixel, int32_t by) { fChanges[pixel] = int16_t(fChanges[pixel] + by); }
+  void Flush();
+  void SumUp();
 
   const hsIntRect fBounds;
   const hsRegion* const fClip;
   hsGBlitter* const fRealBlitter;
   const hsGCoverageScope fCovered;
-  const int32_t fWordCount;       // of coverage in a row, eight pixels each
-  uint64_t* fCoverage = fInline;  // the row, a byte a pixel, and a spare word
-  bool fDirty = false;
-  int32_t fCurrY = kNoRow;  // pixel row in progress
-  const int32_t fSuperLeft, fSuperTop;
-  Run fHeld{0, 0};       // words still to be added to
-  uint64_t fHeldBy = 0;  // and what to add to each
-  std::unique_ptr<uint64_t[]> fMore;
-  uint64_t fInline[kInlineWords];
+  const int32_t fSuperLeft, fSuperTop, fSuperWidth, fSuperHeight;
+  int32_t fCurrY = kNoRow;            // pixel row in progress
+  const int32_t fRowPixels;           // with room for what changes after the last, in whole lanes
+  int16_t* fChanges = fFewChanges;    // by how much each pixel's coverage is more than that of the one before it
+  uint8_t* fCoverage = fFewCoverage;  // the row, a byte a pixel
+  std::unique_ptr<int16_t[]> fManyChanges;
+  std::unique_ptr<uint8_t[]> fManyCoverage;
+  int16_t fFewChanges[kInlinePixels];
+  uint8_t fFewCoverage[kInlinePixels];
 };

@@ -5,6 +5,7 @@
 #include <typeindex>
 
 #include "gfx/halt.h"
+#include "gfx/pixel/fillrow.h"
 #include "gfx/pixel/hsgattribute.h"
 #include "gfx/pixel/hsgblitter16.h"
 #include "gfx/pixel/hsgblitter8.h"
@@ -156,6 +157,19 @@ TEST(Blitter, SolidColoursFollowTheirRules) {
       Check(&attr, maskType, typeid(hsGColorBlitter8), Rule8(drawn, p), random, hsGBitmap::kConfig_Index8, &p);
     }
   }
+}
+
+// Wherever a row begins and however long it is, by the widest stores that there are and by the plain ones.
+TEST(FillRows, EndWhereTheyShould) {
+  constexpr int kRowPixels = 300;
+  for (const auto fill : {hsFillRows16, hsFillRowsPlain16})
+    for (int width = 1; width <= 260; ++width)
+      for (int left = 0; left <= 33; left += width < 80 ? 1 : 11) {
+        std::vector<uint16_t> pixels(2 * kRowPixels, 7), want = pixels;
+        fill(pixels.data() + left, kRowPixels * 2, width, 2, 0xABCD);
+        for (int y = 0; y < 2; ++y) std::fill_n(want.begin() + y * kRowPixels + left, width, uint16_t{0xABCD});
+        ASSERT_EQ(pixels, want) << width << " from " << left;
+      }
 }
 
 TEST(Blitter, LCDMasksDarkenWhereNothingClips) {

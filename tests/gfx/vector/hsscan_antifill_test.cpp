@@ -10,8 +10,7 @@
 
 namespace {
 
-// Random spans, four rows to the pixel, against the sum of the rule pixel by pixel. Rows are wide enough that whole
-// words of coverage are held back, and narrow enough that they aren't.
+// Random spans, four rows to the pixel, against the sum of the rule pixel by pixel.
 TEST(SuperBlitter, SumsEachSpanByTheRule) {
   Random random(21);
   ThrowOnHalt halt;
@@ -38,6 +37,26 @@ TEST(SuperBlitter, SumsEachSpanByTheRule) {
   }
 }
 
+TEST(SuperBlitter, ARowMayBeWiderThanAnyScreen) {
+  struct WideRow : hsGBlitter {
+    void BlitH(int32_t, int32_t x, int32_t width) override {
+      bytes.assign(fAlpha, fAlpha + width);
+      left = x;
+    }
+    std::vector<int> bytes;
+    int32_t left = 0;
+  } row;
+  hsSuperBlitter super({-3, 0, 4997, 1}, nullptr, &row);
+  super.BlitH(1, -10, 19991);  // from the third sample to the first of the last pixel but one
+  super.BlitH(2, 19980, 8);    // the last two pixels
+  super.Finish();
+  EXPECT_EQ(row.left, -3);
+  std::vector<int> want(5000, 64);
+  want[0] = 32;
+  want[4998] = 16 + 64;
+  EXPECT_EQ(row.bytes, want);
+}
+
 TEST(SuperBlitter, ReportsWhatCannotBe) {
   CoverageBlitter blitter;
   hsSuperBlitter super({0, 0, 8, 2}, nullptr, &blitter);
@@ -45,6 +64,7 @@ TEST(SuperBlitter, ReportsWhatCannotBe) {
   EXPECT_EQ(AssertOf([&] { super.BlitH(0, 30, 4); }), "HSScan assert failed");
   EXPECT_EQ(AssertOf([&] {
               for (int i = 0; i < 5; ++i) super.BlitH(1, 4, 4);
+              super.Finish();
             }),
             "bad 16");
 }
