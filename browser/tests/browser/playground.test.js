@@ -126,20 +126,80 @@ test('what happened on the page is told, and can be filtered', async () => {
   await context.close();
 });
 
+test('the widgets are told with their attributes, and the map of the focus lies over the screen', async () => {
+  const {page, context} = await open();
+  await page.getByText('Widgets and focus').click();
+  await page.locator('#widgets button').filter({hasText: 'list0'}).filter({hasText: 'has the focus'}).waitFor();
+  assert.equal(await page.locator('#marks *').count(), 0);
+  await page.getByLabel('where the keys lead').check();
+  await page.locator('#marks path.reached').first().waitFor({state: 'attached'});
+  await page.locator('#widgets button').filter({hasText: 'channel'}).click();
+  await page.locator('#marks rect.chosen').waitFor({state: 'attached'});
+  const row = page.locator('#attribute-rows tr').filter({hasText: 'choices'});
+  assert.match(await row.innerText(), /1 Harbour/);
+  await row.getByRole('button').click();
+  assert.match(await page.locator('.cm-activeLine').innerText(), /choices: "\|1 Harbour/);
+  await page.getByText('Widgets and focus').click();
+  await page.waitForFunction(() => document.querySelectorAll('#marks *').length === 0);
+  await context.close();
+});
+
+/** Drops files or folders of the disk on the page, as a file manager does. */
+async function drop(page, files) {
+  const devtools = await page.context().newCDPSession(page);
+  const data = {items: [], files, dragOperationsMask: 1};
+  const send = (type) => devtools.send('Input.dispatchDragEvent', {type, x: 300, y: 300, data});
+  await send('dragEnter');
+  while (await page.locator('#drop').isHidden()) await send('dragOver');
+  await send('drop');
+}
+
 test('a folder comes in by its input, and by being dropped', async () => {
-  const folder = join(mkdtempSync(join(tmpdir(), 'vistrel-')), 'mine');
+  const folder = join(mkdtempSync(join(tmpdir(), 'vistrel-')), 'größe');
   mkdirSync(join(folder, 'pages'), {recursive: true});
   writeFileSync(join(folder, 'pages/one.yaml'), PAGE('#00FF00'));
   const {page, faults, context} = await open();
   await page.locator('#open-folder').setInputFiles(folder);
   assert.ok(await showsSoon(page, shotOf(PAGE('#00FF00'))));
-  await page.evaluate((text) => {
-    const transfer = new DataTransfer();
-    transfer.items.add(new File([text], 'dropped.yaml'));
-    dispatchEvent(new DragEvent('drop', {dataTransfer: transfer, bubbles: true, cancelable: true}));
-  }, PAGE('#0000FF'));
+  writeFileSync(join(folder, 'pages/one.yaml'), PAGE('#0000FF'));
+  await drop(page, [folder]);
   assert.ok(await showsSoon(page, shotOf(PAGE('#0000FF'))));
   assert.deepEqual(faults, []);
+  await context.close();
+});
+
+test('files are added to a project, and a compiled page shows', async () => {
+  const {page, context} = await open();
+  await chooseArchive(page, {'page.yaml': bytes(PAGE('#000000'))});
+  await page.getByRole('button', {name: 'Open…'}).click();
+  await page.locator('#add-files').setInputFiles([join(demo, 'settings.kpg'), join(demo, 'DejaVuSans.ttf'), join(demo, 'DejaVuSans-Bold.ttf')]);
+  await page.getByText('3 files added').waitFor();
+  await page.getByLabel('Page', {exact: true}).selectOption('settings.kpg');
+  assert.ok(await showsSoon(page, shot(join(demo, 'settings.kpg')).pixels));
+  await context.close();
+});
+
+test('what somebody has changed can be had back after another project was opened', async () => {
+  const {page, context} = await open();
+  await chooseArchive(page, {'mine.yaml': bytes(PAGE('#000000'))});
+  await typeSource(page, PAGE('#FF8000'));
+  await page.getByRole('button', {name: 'Copy link'}).click();
+  await page.waitForFunction(() => location.hash.startsWith('#p='));
+  const link = page.url();
+  await typeSource(page, PAGE('#FF8001'));
+  await page.waitForFunction(() => location.hash === '', null, {timeout: 5000});  // which would bring the old state back
+  await page.goto(link);
+  assert.ok(await showsSoon(page, shotOf(PAGE('#FF8000'))));
+  await page.getByRole('button', {name: /^Back to/}).click();
+  assert.ok(await showsSoon(page, shotOf(PAGE('#FF8001'))));
+  await page.getByRole('button', {name: 'New…'}).click();
+  await page.getByRole('button', {name: /Empty project/}).click();
+  await page.getByRole('button', {name: 'hello.yaml'}).waitFor();
+  await page.reload();
+  await made(page);
+  await page.getByRole('button', {name: 'New…'}).click();
+  await page.getByRole('button', {name: /^Back to/}).click();
+  assert.ok(await showsSoon(page, shotOf(PAGE('#FF8001'))));
   await context.close();
 });
 
@@ -189,10 +249,16 @@ test('files are added, renamed, removed and brought back', async () => {
   await page.getByRole('textbox', {name: 'Name'}).fill('third.yaml');
   await page.keyboard.press('Enter');
   await page.getByRole('button', {name: 'third.yaml'}).waitFor();
+  await page.getByLabel('Page', {exact: true}).selectOption('third.yaml');
+  await page.getByRole('button', {name: 'Rename'}).click();
+  await page.getByRole('textbox', {name: 'Name'}).fill('größe.yaml');
+  await page.keyboard.press('Enter');
+  await typeSource(page, PAGE('#00FF80'));
+  assert.ok(await showsSoon(page, shotOf(PAGE('#00FF80'))), 'a page that is shown keeps being shown by its new name');
   await page.getByRole('button', {name: 'Remove'}).click();
-  await page.getByRole('button', {name: 'third.yaml'}).waitFor({state: 'detached'});
+  await page.getByRole('button', {name: 'größe.yaml'}).waitFor({state: 'detached'});
   await page.getByRole('button', {name: 'Bring it back'}).click();
-  await page.getByRole('button', {name: 'third.yaml'}).waitFor();
+  await page.getByRole('button', {name: 'größe.yaml'}).waitFor();
   await context.close();
 });
 
@@ -211,6 +277,11 @@ test('it works without a network', async () => {
 for (const [title, viewport] of [['a desktop', {width: 1400, height: 900}], ['a telephone', {width: 390, height: 844}]])
   test(`on ${title} everybody can use it`, async () => {
     const {page, context} = await open('', {viewport, bypassCSP: true});
+    await assertAccessible(page);
+    await page.getByText('Widgets and focus').click();
+    await page.getByText('What happened').click();
+    await page.locator('#widgets button').filter({hasText: 'channel'}).click();
+    await page.locator('#attribute-rows button').first().waitFor();
     await assertAccessible(page);
     if (viewport.width < 1000) await page.getByRole('button', {name: 'Source'}).click();
     await assertAccessible(page);
