@@ -8,7 +8,7 @@
 // While it has the focus, the keyboard is the remote control: arrows, Enter, Backspace, Delete, digits, and the pad of
 // U I O, J K L and M , . round K, select. Tab leaves it.
 //
-// An element in the slot "over" lies over the picture.
+// An element in the slot "over" lies over the picture, which is the part "picture" for style sheets.
 //
 // Events: "page" when one has been opened or not (detail.opened), "console" with the text that the console shows
 // (detail), "failed" when the player had to end (detail). What it is made of: playerworker.js, player.js,
@@ -79,6 +79,7 @@ export class VistrelScreen extends HTMLElement {
     this.#below.className = 'below';
     const screen = document.createElement('div');
     screen.className = 'screen';
+    screen.part = 'picture';
     const over = document.createElement('slot');
     over.name = 'over';
     screen.append(this.#canvas, over, this.#notice);

@@ -49,6 +49,14 @@ async function chooseArchive(page, files, name = 'mine.zip') {
 
 const bytes = (text) => new TextEncoder().encode(text);
 
+/** That the screen and the select key of its remote control can be seen together. */
+async function assertCanBePlayed(page) {
+  const picture = await page.locator('#screen').evaluate((e) => (e.scrollIntoView({block: 'start'}), e.shadowRoot.querySelector('canvas').getBoundingClientRect().toJSON()));
+  const select = await page.getByRole('button', {name: 'OK, select'}).boundingBox();
+  const {height} = page.viewportSize();
+  assert.ok(picture.top >= 0 && picture.bottom <= height && select.y >= 0 && select.y + select.height <= height);
+}
+
 async function typeSource(page, text) {
   await page.locator('.cm-content').click();
   await page.keyboard.press('Control+a');
@@ -274,10 +282,12 @@ test('it works without a network', async () => {
   await context.close();
 });
 
-for (const [title, viewport] of [['a desktop', {width: 1400, height: 900}], ['a telephone', {width: 390, height: 844}]])
+const VIEWPORTS = {'a desktop': {width: 1400, height: 900}, 'a telephone': {width: 390, height: 844}, 'a telephone on its side': {width: 844, height: 390}};
+for (const [title, viewport] of Object.entries(VIEWPORTS))
   test(`on ${title} everybody can use it`, async () => {
     const {page, context} = await open('', {viewport, bypassCSP: true});
     await assertAccessible(page);
+    await assertCanBePlayed(page);
     await page.getByText('Widgets and focus').click();
     await page.getByText('What happened').click();
     await page.locator('#widgets button').filter({hasText: 'channel'}).click();
