@@ -13,6 +13,7 @@ import subprocess
 import sys
 import tarfile
 import tempfile
+import urllib.request
 import zipfile
 
 TREE = pathlib.Path(__file__).parents[2]
@@ -50,6 +51,20 @@ def check_programs(root):
         expect(not version or version.returncode == 0, version and version.stdout)
     shot = run(root / 'usr/bin/kpg', 'shot', root / 'usr/share/vistrel/demo/guide.kpg', '--strict', '-o', root / 'guide.png')
     expect(shot.returncode == 0, f'the demo: {shot.stdout}')
+    check_server(root)
+
+
+def check_server(root):
+    """What kpg watch --serve loads and shows pages in is in the package, too."""
+    command = [root / 'usr/bin/kpg', 'watch', root / 'usr/share/vistrel/demo/guide.kpg', '--serve']
+    with subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True) as watch:
+        address = watch.stdout.readline().strip()
+        for name in ('', 'vistrel-screen.js', 'vistrel-player.wasm'):
+            try:
+                urllib.request.urlopen(address + name).read()
+            except (OSError, ValueError) as error:
+                expect(False, f'kpg watch --serve: {address}{name}: {error}')
+        watch.terminate()
 
 
 def check_debian(packages, root):
