@@ -432,4 +432,22 @@ async function begin() {
 const hasLink = () => location.hash.startsWith('#p=');
 addEventListener('hashchange', () => hasLink() && tryOpen(fromFragment(location.hash)));
 begin().catch((error) => notify(`The playground can't begin: ${error.message}`, true));
-if ('serviceWorker' in navigator) navigator.serviceWorker.register('sw.js').catch(() => undefined);  // it works online
+
+async function keepForLater() {
+  const {serviceWorker} = navigator;
+  const registration = await serviceWorker.register('sw.js');
+  const offer = (newer) => {
+    if (newer?.state !== 'installed' || !serviceWorker.controller) return;
+    const act = () => {
+      serviceWorker.addEventListener('controllerchange', () => location.reload());
+      newer.postMessage('take over');
+    };
+    notify('There is a newer playground.', true, {title: 'Use it', act});
+  };
+  offer(registration.waiting);
+  registration.addEventListener('updatefound', () => {
+    const newer = registration.installing;
+    newer.addEventListener('statechange', () => offer(newer));
+  });
+}
+if ('serviceWorker' in navigator) keepForLater().catch(() => undefined);  // it works online

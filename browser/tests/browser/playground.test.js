@@ -1,7 +1,7 @@
 // The playground in a browser: the demo as kpg shows it, edit and see, what comes in and goes out, no network.
 import assert from 'node:assert/strict';
 import {unzipSync, zipSync} from 'fflate';
-import {mkdirSync, mkdtempSync, readFileSync, writeFileSync} from 'node:fs';
+import {cpSync, mkdirSync, mkdtempSync, readFileSync, writeFileSync} from 'node:fs';
 import {tmpdir} from 'node:os';
 import {join} from 'node:path';
 import {after, before, test} from 'node:test';
@@ -280,6 +280,27 @@ test('it works without a network', async () => {
   await made(page);
   assert.equal((await pixelsOf(page)).length, 720 * 480 * 4);
   await context.close();
+});
+
+test('a newer playground waits until it is asked for', async () => {
+  const folder = mkdtempSync(join(tmpdir(), 'vistrel-'));
+  cpSync(playground, folder, {recursive: true});
+  const change = (name, from, to) => writeFileSync(join(folder, name), readFileSync(join(folder, name), 'utf8').replace(from, to));
+  const served = await serve({'/': folder});
+  const {page, context} = await openPage(browser);
+  await page.goto(addressOf(served));
+  await page.evaluate(() => navigator.serviceWorker.ready);
+  await page.reload();
+  await made(page);
+  change('index.html', '<title>', '<title>A newer ');
+  change('sw.js', /'vistrel-\w+'/, "'vistrel-newer'");
+  await page.reload();
+  await page.getByText('There is a newer playground').waitFor();
+  assert.equal(await page.title(), 'Vistrel playground');
+  await page.getByRole('button', {name: 'Use it'}).click();
+  await page.waitForFunction(() => document.title === 'A newer Vistrel playground');
+  await context.close();
+  served.close();
 });
 
 const VIEWPORTS = {'a desktop': {width: 1400, height: 900}, 'a telephone': {width: 390, height: 844}, 'a telephone on its side': {width: 844, height: 390}};
