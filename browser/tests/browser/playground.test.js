@@ -282,6 +282,38 @@ test('it works without a network', async () => {
   await context.close();
 });
 
+test('the keyboard alone leads everywhere', async () => {
+  const {page, context} = await open();
+  const goTo = async (what) => {
+    for (let i = 0; i < 80; ++i) {
+      await page.keyboard.press('Tab');
+      if (await page.locator(what).evaluate((e) => e.matches(':focus'))) return;
+    }
+    assert.fail(`${what} is not reached`);
+  };
+  await goTo('#gallery-button');
+  await page.keyboard.press('Enter');
+  await page.getByRole('dialog').waitFor();
+  await goTo('#gallery-list li:nth-child(3) button');
+  await page.keyboard.press('Enter');
+  await page.getByRole('button', {name: 'hello.yaml'}).waitFor();
+  await goTo('.cm-content');
+  await page.keyboard.press('Control+a');
+  await page.keyboard.insertText(PAGE('#806040'));
+  assert.ok(await showsSoon(page, shotOf(PAGE('#806040'))));
+  await goTo('#screen');  // the editor lets go of it
+  await goTo('#line input');
+  await page.keyboard.type('stdout.Display(6 * 7);');
+  await page.keyboard.press('Enter');
+  await page.locator('#console').getByText('42').waitFor();
+  await goTo('#inspector summary');
+  await page.keyboard.press('Enter');
+  await goTo('#widgets button');
+  await page.keyboard.press('Enter');
+  await page.locator('#attribute-rows tr').first().waitFor();
+  await context.close();
+});
+
 test('a newer playground waits until it is asked for', async () => {
   const folder = mkdtempSync(join(tmpdir(), 'vistrel-'));
   cpSync(playground, folder, {recursive: true});
