@@ -184,7 +184,7 @@ std::string viewerBeside() {
 
 void watchPage(WatchOptions options) {
   if (options.output.empty() && !options.serve) throw KitError("say where the picture goes (-o), or --serve");
-  if (options.serve) options.server = besideProgram({"../lib/vistrel/pageserver.so", "../kit/pageserver.so"});
+  if (options.serve) options.server = besideProgram({"../lib/vistrel/modules/pageserver.so", "../kit/pageserver.so"});
   if (options.serve && options.viewer.empty()) options.viewer = viewerBeside();
   if (options.serve && !fs::is_regular_file(fs::path(options.viewer) / "watch.html"))
     throw KitError(options.viewer.empty() ? "the viewer isn't installed with kpg; say where it is (--viewer)"

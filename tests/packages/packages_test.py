@@ -45,7 +45,8 @@ def check_programs(root):
     programs = sorted((root / 'usr/bin').iterdir())
     expect([p.name for p in programs] == ['kpg', 'vistrel', 'vistrel-studio'], f'programs: {programs}')
     for program in programs:
-        hardened = run('hardening-check', '--nofortify', program)
+        # Debian 12 starts programs with code that is marked for no control flow integrity, so none of them can be.
+        hardened = run('hardening-check', '--nofortify', '--nocfprotection', program)
         expect(hardened.returncode == 0, hardened.stdout)
         version = run(program, '--version') if program.name != 'vistrel' else None
         expect(not version or version.returncode == 0, version and version.stdout)
