@@ -7,9 +7,10 @@ import {Marked} from 'marked';
 import {gfmHeadingId} from 'marked-gfm-heading-id';
 import {cpSync, existsSync, mkdirSync, readFileSync, writeFileSync} from 'node:fs';
 import {dirname, join, resolve} from 'node:path';
-import {fileURLToPath, pathToFileURL} from 'node:url';
+import {fileURLToPath} from 'node:url';
+import {startBuiltWorkshop} from './builtworkshop.js';
 import {guideProject} from './guideproject.js';
-import {asked, startWorkshop} from './playground/workshop.js';
+import {asked} from './playground/workshop.js';
 
 const here = fileURLToPath(new URL('.', import.meta.url));
 const top = resolve(here, '..');
@@ -31,9 +32,7 @@ const DOCUMENTS = [
 
 // The pages of the project, compiled, with all that they need: {name: bytes}.
 async function compiledPages() {
-  const workshop = join(top, 'build/web/workshop');
-  const {default: startModule} = await import(pathToFileURL(join(workshop, 'vistrel-workshop.js')));
-  const module = await startWorkshop(startModule, {wasmBinary: readFileSync(join(workshop, 'vistrel-workshop.wasm'))});
+  const module = await startBuiltWorkshop();
   module.FS.mkdir('/guide');
   for (const [name, bytes] of Object.entries(guideProject())) module.FS.writeFile(`/guide/${name}`, bytes);
   const answer = asked(module, '_projectPack', '/guide/vistrel.yaml', '/guide.zip');

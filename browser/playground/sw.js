@@ -1,10 +1,14 @@
 // Keeps the playground for when there is no network. The build fills in the list and its version.
+//
+// A newer one waits until no page has the older one open, or somebody asks for it, so that a page never gets files of both.
 const VERSION = '@VERSION@';
 const FILES = ['@FILES@'];
 
 addEventListener('install', (event) => {
-  event.waitUntil(caches.open(VERSION).then((cache) => cache.addAll(FILES)).then(() => skipWaiting()));
+  event.waitUntil(caches.open(VERSION).then((cache) => cache.addAll(FILES)));
 });
+
+addEventListener('message', ({data}) => data === 'take over' && skipWaiting());
 
 addEventListener('activate', (event) => {
   const dropOld = async () => {

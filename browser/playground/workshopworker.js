@@ -2,7 +2,7 @@
 // editor: each has files of its own, so that a script that doesn't end keeps nobody from editing.
 //
 // Takes {put, bytes}, bytes being null for a file that goes. The stage further takes {open}, {reload}, {key}, {type},
-// {inspect}, {timeline} with a text that its rows must have, and {pack, archive}, and answers as playerworker.js does, and
+// {inspect} with the path of a widget or "", {timeline} with a text that its rows must have, and {pack, archive}, and answers as playerworker.js does, and
 // {made}: what was said of the sources, {errors}, {stopped}, {inspected}, {timeline} and {packed}. The language takes {lsp}
 // and answers {lsp}: messages of the Language Server Protocol.
 import startModule from './vistrel-workshop.js';
@@ -55,7 +55,7 @@ function takeOfStage(module, message) {
     const {messages, packed} = asked(module, '_projectPack', message.pack, message.archive);
     return postMessage({packed: packed ? module.FS.readFile(message.archive) : null, messages});
   }
-  if ('inspect' in message) return postMessage({inspected: asked(module, '_stageInspect')});
+  if ('inspect' in message) return postMessage({inspected: asked(module, '_stageInspect', message.inspect)});
   if ('timeline' in message) return postMessage({timeline: asked(module, '_stageTimeline', message.timeline)});
   if ('open' in message || 'reload' in message) {
     const begun = performance.now();

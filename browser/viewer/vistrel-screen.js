@@ -8,6 +8,8 @@
 // While it has the focus, the keyboard is the remote control: arrows, Enter, Backspace, Delete, digits, and the pad of
 // U I O, J K L and M , . round K, select. Tab leaves it.
 //
+// An element in the slot "over" lies over the picture, which is the part "picture" for style sheets.
+//
 // Events: "page" when one has been opened or not (detail.opened), "console" with the text that the console shows
 // (detail), "failed" when the player had to end (detail). What it is made of: playerworker.js, player.js,
 // vistrel-player.js and .wasm, in this file's folder.
@@ -41,6 +43,7 @@ const STYLE = `
     font: 15px/1.4 system-ui, sans-serif; white-space: pre-wrap; border-radius: 0 0 3px 3px; }
   .notice:empty { display: none; }
   .notice button { font: inherit; margin-left: 12px; padding: 4px 12px; }
+  ::slotted([slot=over]) { position: absolute; inset: 0; width: 100%; height: 100%; pointer-events: none; }
   vistrel-remote { margin-top: 14px; line-height: 1; }
   .below { display: block; text-align: center; }
 `;
@@ -76,7 +79,10 @@ export class VistrelScreen extends HTMLElement {
     this.#below.className = 'below';
     const screen = document.createElement('div');
     screen.className = 'screen';
-    screen.append(this.#canvas, this.#notice);
+    screen.part = 'picture';
+    const over = document.createElement('slot');
+    over.name = 'over';
+    screen.append(this.#canvas, over, this.#notice);
     const root = this.attachShadow({mode: 'open', delegatesFocus: true});
     root.adoptedStyleSheets = [sheetOf(STYLE)];
     root.append(screen, this.#below);

@@ -101,6 +101,12 @@ export class Editor {
     this.view.focus();
   }
 
+  /** The next time, the file is shown as it is then. */
+  forget(name) {
+    this.states.delete(name);
+    if (this.name === name) this.name = '';
+  }
+
   forgetAll() {
     this.states.clear();
     this.diagnostics.clear();

@@ -1,16 +1,16 @@
 // The playground: a project's files on the left, what the player shows of it on the right.
 import '../../viewer/vistrel-screen.js';
 import {Editor} from './editor.js';
+import {byId, element} from './elements.js';
+import {Models} from './models.js';
 import {faultOfName, fromArchive, fromDrop, fromFragment, fromInput, isPicture, isText, Project, ROOT, toArchive, toFragment} from './project.js';
 import * as storage from './storage.js';
 import {Language, makeStage} from './workers.js';
 
-const REST = 40;        // milliseconds after a letter before the page is made again
-const SAVE_REST = 600;  // and before what is written is kept, and looked at by the checks that take longer
+const SAVE_REST = 600;  // milliseconds after a letter before what is written is kept, and gets the checks that take longer
 const FONTS = ['DejaVuSans.ttf', 'DejaVuSans-Bold.ttf'];
 const MOST_CONSOLE = 20_000;  // characters
 
-const byId = (id) => document.getElementById(id);
 const screen = byId('screen');
 screen.makeWorker = makeStage;
 
@@ -20,7 +20,8 @@ let current = '';  // the file that is edited
 let files = {};    // what the workers have, by full names: the project's and the fonts
 let fonts = {};
 let stageProblems = [];
-let saveTimer = 0, makeTimer = 0, noticeTimer = 0;
+let saveTimer = 0, noticeTimer = 0;
+let isMaking = false, isOld = false;  // the page is being made; it has changed since that began
 let packed = null;  // whoever waits for the packed project
 
 const language = new Language((name, diagnostics) => {
@@ -32,27 +33,37 @@ const editor = new Editor(byId('editor'), language, (name, text) => {
   fileChanged(name);
 });
 
-// What went wrong stays until somebody has read it.
-function notify(text, isFault = false) {
+const models = new Models(screen, ({file, line}) => goTo(file.replace(ROOT, ''), line));
+
+// What went wrong, or can be undone, stays until somebody has read it.
+function notify(text, stays = false, undo = null) {
   clearTimeout(noticeTimer);
+  const close = () => (byId('notice').textContent = '');
   byId('notice').textContent = text;
-  if (!isFault) noticeTimer = setTimeout(() => (byId('notice').textContent = ''), 5000);
-  else byId('notice').append(' ', element('button', {type: 'button', textContent: 'Close', onclick: () => (byId('notice').textContent = '')}));
+  if (!stays) noticeTimer = setTimeout(close, 5000);
+  else byId('notice').append(' ', element('button', {type: 'button', textContent: 'Close', onclick: close}));
+  if (undo) byId('notice').append(' ', element('button', {type: 'button', textContent: undo.title, onclick: undo.act}));
 }
 
-function element(tag, properties = {}, ...children) {
-  const made = Object.assign(document.createElement(tag), properties);
-  made.append(...children);
-  return made;
-}
+const counted = (n) => `${n} ${n === 1 ? 'file' : 'files'}`;
 
 // ---- files
 
+// From now on it is another project than that of the address or the gallery.
+function changed() {
+  project.isChanged = true;
+  forgetLink();
+}
+
+function forgetLink() {
+  if (location.hash.startsWith('#p=')) history.replaceState(null, '', location.pathname + location.search);
+}
+
 function fileChanged(name) {
+  changed();
   files[ROOT + name] = project.files[name];
   screen.send({put: ROOT + name, bytes: project.files[name]});
-  clearTimeout(makeTimer);
-  makeTimer = setTimeout(makeAgain, REST);
+  makeAgain();
   clearTimeout(saveTimer);
   saveTimer = setTimeout(() => {
     saveTimer = 0;
@@ -65,12 +76,17 @@ function fileChanged(name) {
 
 addEventListener('pagehide', () => saveTimer && keep());
 
+// At once, or as soon as the stage is done with what it has.
 function makeAgain() {
+  isOld = isMaking;
+  if (isMaking || !page) return;
+  isMaking = true;
   stageProblems = [];
-  if (page) screen.send({reload: true});
+  screen.send({reload: true});
 }
 
-const keep = () => storage.save({title: project.title, files: project.files, page});
+const kept = () => ({title: project.title, files: project.files, isChanged: project.isChanged, page});
+const keep = () => storage.save('current', kept());
 
 function showFiles() {
   byId('title').textContent = project.title;
@@ -111,6 +127,12 @@ function edit(name, line = 0) {
   showFiles();
 }
 
+function goTo(name, line) {
+  if (!(name in project.files)) return;
+  showView('source');
+  edit(name, line);
+}
+
 // ---- the stage
 
 function openPage(name) {
@@ -118,11 +140,13 @@ function openPage(name) {
   stageProblems = [];
   byId('console').textContent = '';
   showPages();
+  isMaking = Boolean(name);
+  isOld = false;
   if (name) screen.setAttribute('label', `The page ${name}`), screen.open(ROOT + name, files);
   else byId('status').textContent = 'The project has no page yet.';
 }
 
-async function openProject(next, wanted = '') {
+function openProject(next, wanted = '') {
   project = next;
   current = '';
   editor.forgetAll();
@@ -146,59 +170,21 @@ screen.addEventListener('console', ({detail}) => {
 
 screen.addEventListener('message', ({detail}) => {
   if (detail.made) {
+    isMaking = false;
     stageProblems = detail.made;
     byId('status').textContent = detail.isShown ? `Made in ${Math.max(1, Math.round(detail.spent))} ms` : 'Not shown until the errors are mended';
     document.body.dataset.made = String(Number(document.body.dataset.made ?? 0) + 1);
     showProblems();
-    look();
+    if (isOld) makeAgain();
+    models.look();
   }
   if (detail.errors) {
     stageProblems = [...stageProblems, ...detail.errors].slice(-100);
     showProblems();
   }
   if (detail.stopped) notify(`The page was ${detail.stopped}. It can go on.`);
-  if (detail.inspected) showWidgets(detail.inspected);
-  if (detail.timeline) showTimeline(detail.timeline);
   if ('packed' in detail) packed?.(detail);
 });
-
-// ---- what the studio's models tell of the page, where somebody looks at it
-
-function look() {
-  if (byId('inspector').open) screen.send({inspect: true});
-  if (byId('timeline').open) screen.send({timeline: byId('timeline-filter').value});
-}
-
-let lookTimer = 0;
-function lookSoon() {
-  lookTimer ||= setTimeout(() => ((lookTimer = 0), look()), 200);
-}
-for (const news of ['frame', 'console']) screen.addEventListener(news, lookSoon);
-for (const id of ['inspector', 'timeline']) byId(id).addEventListener('toggle', look);
-byId('timeline-filter').oninput = look;
-
-function showTimeline(rows) {
-  const space = byId('timeline-space');
-  const isAtEnd = space.scrollTop + space.clientHeight >= space.scrollHeight - 4;
-  byId('timeline-rows').replaceChildren(...rows.map(({time, kind, depth, text, cost}) => {
-    const what = element('td', {textContent: text});
-    what.style.paddingLeft = `${depth * 12 + 8}px`;
-    return element('tr', {className: kind}, element('td', {textContent: time}), element('td', {textContent: kind}), what, element('td', {textContent: cost}));
-  }));
-  if (isAtEnd) space.scrollTop = space.scrollHeight;
-}
-
-function showWidgets({widgets, focus}) {
-  byId('focus-summary').textContent = focus;
-  byId('widgets').replaceChildren(...widgets.map(({depth, label, bounds, hidden, focused, notSeen, why}) => {
-    const row = element('li', {className: focused ? 'focused' : ''}, `${label}  ${bounds.slice(0, 2).join(', ')}  ${bounds.slice(2).join(' × ')}`);
-    row.style.paddingLeft = `${depth * 16}px`;
-    if (focused) row.append(' has the focus');
-    if (hidden) row.append(' is hidden');
-    if (notSeen) row.append(element('span', {className: 'why', textContent: `not to be seen${why.length ? `: ${why.join('; ')}` : ''}`}));
-    return row;
-  }));
-}
 
 // ---- problems: of the page that is shown, and of the files that have been edited
 
@@ -234,11 +220,15 @@ byId('line').onsubmit = (event) => {
   screen.type(new FormData(event.target).get('text'));
   event.target.reset();
 };
-for (const button of byId('views').children)
-  button.onclick = () => {
-    document.body.dataset.view = button.dataset.view;
-    for (const each of byId('views').children) each.setAttribute('aria-pressed', String(each === button));
-  };
+
+// Where there is no space for both.
+function showView(view) {
+  document.body.dataset.view = view;
+  for (const button of byId('views').children) button.setAttribute('aria-pressed', String(button.dataset.view === view));
+  showFiles();
+}
+
+for (const button of byId('views').children) button.onclick = () => showView(button.dataset.view);
 document.body.dataset.view = 'screen';
 
 function askName(title, value, ok) {
@@ -259,6 +249,7 @@ function askName(title, value, ok) {
 }
 
 function put(name, bytes) {
+  changed();
   if (bytes) {
     project.files[name] = bytes;
     files[ROOT + name] = bytes;
@@ -271,13 +262,15 @@ function put(name, bytes) {
   for (const to of [language, {put: (path, b) => screen.send({put: path, bytes: b})}]) to.put(ROOT + name, bytes);
 }
 
-function namesChanged(next) {
+function namesChanged(next, wanted = page) {
   current = '';
-  if (!project.files[page]) openPage(project.pages()[0] ?? '');
+  if (!project.files[wanted]) openPage(project.pages()[0] ?? '');
+  else if (wanted !== page) openPage(wanted);
   else makeAgain();
   if (next) edit(next);
   else showFiles();
   showPages();
+  language.savedAll();  // what they say of each other's names may be another thing now
   keep();
 }
 
@@ -289,36 +282,56 @@ byId('add-file').onclick = () => askName('A new file', 'page.yaml', (name) => {
 });
 byId('add-file').title = 'A page source (.yaml), a script (.bob), or any other text';
 byId('rename-file').onclick = () => askName(`Rename ${current}`, current, (name) => {
-  const bytes = project.files[current];
-  if (page === current) page = name;
+  const bytes = project.files[current], wasShown = page === current;
   put(current, null);
   put(name, bytes);
-  namesChanged(name);
+  namesChanged(name, wasShown ? name : page);
 });
 byId('remove-file').onclick = () => {
   const name = current, bytes = project.files[current];
   put(name, null);
   namesChanged(project.names()[0]);
-  notify(`${name} is removed.`, true);
-  const back = element('button', {type: 'button', textContent: 'Bring it back'});
-  back.onclick = () => (put(name, bytes), namesChanged(name), notify(`${name} is back`));
-  byId('notice').append(' ', back);
+  const act = () => (put(name, bytes), namesChanged(name), notify(`${name} is back`));
+  notify(`${name} is removed.`, true, {title: 'Bring it back', act});
 };
 
 // ---- in and out
 
 const closeDialogs = () => document.querySelectorAll('dialog[open]').forEach((dialog) => dialog.close());
 
+/** Opens what is promised, {project, page}, and answers whether it could. What somebody has changed before can be had back. */
 async function tryOpen(next) {
   try {
-    const opened = await next;
+    const {project: opened, page: wanted} = await next;
     closeDialogs();
-    await openProject(opened);
-    notify(`${project.title}: ${project.names().length} files`);
+    const before = project.isChanged ? kept() : null;
+    if (before) storage.save('before', before);
+    openProject(opened, wanted);
+    const said = `${project.title}: ${counted(project.names().length)}`;
+    if (before) notify(said, true, {title: `Back to ${before.title}`, act: () => tryOpen(projectOfKept(before))});
+    else notify(said);
+    return true;
   } catch (error) {
     closeDialogs();  // they would lie over what is wrong
     notify(error.message, true);
+    return false;
   }
+}
+
+const tryOpenProject = (next) => tryOpen(next.then((opened) => ({project: opened})));
+
+function projectOfKept({title, files: all, isChanged, page: shown}) {
+  const opened = new Project(all, title);
+  opened.isChanged = isChanged;
+  return {project: opened, page: shown};
+}
+
+async function add(list) {
+  closeDialogs();
+  const all = await Promise.all([...list].map(async (file) => [file.name, new Uint8Array(await file.arrayBuffer())]));
+  for (const [name, bytes] of all) put(name, bytes), editor.forget(name);
+  if (all.length > 0) namesChanged(all[0][0]);
+  notify(`${counted(all.length)} added`);
 }
 
 const bytesAt = async (place) => {
@@ -334,12 +347,13 @@ const fromGallery = async ({archive, title}) => {
 };
 
 async function showGallery() {
+  const choice = (title, about, onclick) =>
+    element('li', {}, element('button', {type: 'button', onclick}, element('strong', {textContent: title}), element('span', {textContent: about})));
   const all = await (await fetch('gallery/gallery.json')).json();
-  byId('gallery-list').replaceChildren(...all.map((entry) => {
-    const button = element('button', {type: 'button'}, element('strong', {textContent: entry.title}), element('span', {textContent: entry.about}));
-    button.onclick = () => tryOpen(fromGallery(entry));
-    return element('li', {}, button);
-  }));
+  const choices = all.map((entry) => choice(entry.title, entry.about, () => tryOpenProject(fromGallery(entry))));
+  const before = await storage.load('before');
+  if (before) choices.push(choice(`Back to ${before.title}`, 'What you worked on before, as you left it', () => tryOpen(projectOfKept(before))));
+  byId('gallery-list').replaceChildren(...choices);
   byId('gallery').showModal();
 }
 
@@ -348,19 +362,26 @@ byId('open-button').onclick = () => byId('open').showModal();
 byId('save-button').onclick = () => byId('save').showModal();
 for (const id of ['open-files', 'open-folder'])
   byId(id).onchange = ({target}) => {
-    tryOpen(fromInput(target.files));
+    tryOpenProject(fromInput(target.files));
     target.value = '';
   };
+byId('add-files').onchange = async ({target}) => {
+  await add(target.files);
+  target.value = '';
+};
 
+const hasFiles = ({dataTransfer}) => dataTransfer.types.includes('Files');  // and is no text of the editor
 addEventListener('dragover', (event) => {
+  if (!hasFiles(event)) return;
   event.preventDefault();
   byId('drop').hidden = false;
 });
 addEventListener('dragleave', (event) => event.relatedTarget ?? (byId('drop').hidden = true));
 addEventListener('drop', (event) => {
+  if (!hasFiles(event)) return;
   event.preventDefault();
   byId('drop').hidden = true;
-  tryOpen(fromDrop(event.dataTransfer));
+  tryOpenProject(fromDrop(event.dataTransfer));
 });
 
 function download(bytes, name) {
@@ -400,20 +421,33 @@ byId('link-button').onclick = async () => {
 async function begin() {
   fonts = Object.fromEntries(await Promise.all(
       FONTS.map(async (name) => [`/usr/share/fonts/truetype/dejavu/${name}`, await bytesAt(`fonts/${name}`)])));
-  try {
-    const linked = await fromFragment(location.hash);
-    if (linked) return openProject(linked.project, linked.page);
-  } catch (error) {
-    notify(error.message, true);
-  }
-  const kept = await storage.load();
-  if (kept && Object.keys(kept.files).length > 0) return openProject(new Project(kept.files, kept.title), kept.page);
+  const last = await storage.load('current');
+  if (last) ({project, page} = projectOfKept(last));  // also for whoever wants it back after a link
+  if (hasLink() && await tryOpen(fromFragment(location.hash))) return;
+  if (project.names().length > 0) return openProject(project, page);
   const [first] = await (await fetch('gallery/gallery.json')).json();
-  return openProject(await fromGallery(first));
+  openProject(await fromGallery(first));
 }
 
-addEventListener('hashchange', async () => {
-  if (location.hash.startsWith('#p=')) tryOpen(fromFragment(location.hash).then((linked) => linked.project));
-});
+const hasLink = () => location.hash.startsWith('#p=');
+addEventListener('hashchange', () => hasLink() && tryOpen(fromFragment(location.hash)));
 begin().catch((error) => notify(`The playground can't begin: ${error.message}`, true));
-if ('serviceWorker' in navigator) navigator.serviceWorker.register('sw.js').catch(() => undefined);  // it works online
+
+async function keepForLater() {
+  const {serviceWorker} = navigator;
+  const registration = await serviceWorker.register('sw.js');
+  const offer = (newer) => {
+    if (newer?.state !== 'installed' || !serviceWorker.controller) return;
+    const act = () => {
+      serviceWorker.addEventListener('controllerchange', () => location.reload());
+      newer.postMessage('take over');
+    };
+    notify('There is a newer playground.', true, {title: 'Use it', act});
+  };
+  offer(registration.waiting);
+  registration.addEventListener('updatefound', () => {
+    const newer = registration.installing;
+    newer.addEventListener('statechange', () => offer(newer));
+  });
+}
+if ('serviceWorker' in navigator) keepForLater().catch(() => undefined);  // it works online

@@ -15,6 +15,7 @@ export class Project {
   constructor(files, title = 'Project') {
     this.files = files;
     this.title = title;
+    this.isChanged = false;  // by somebody, since it was opened
   }
 
   names() {
@@ -31,16 +32,17 @@ export class Project {
     this.files[name] = strToU8(text);
   }
 
-  /** Page sources: what says `page:` at the beginning of a line. */
+  /** Page sources, which say `page:` at the beginning of a line, and compiled pages. */
   pages() {
-    return this.names().filter((name) => /\.ya?ml$/.test(name) && !/\.test\.ya?ml$/.test(name) && /^page:/m.test(this.text(name)));
+    const isSource = (name) => /\.ya?ml$/.test(name) && !/\.test\.ya?ml$/.test(name) && /^page:/m.test(this.text(name));
+    return this.names().filter((name) => isSource(name) || /\.kpg$/i.test(name));
   }
 }
 
 /** Why a file can't be called so; empty when it can. */
 export function faultOfName(name, project) {
   if (!name) return 'A file needs a name.';
-  if (!/^[\w.\- /]+$/.test(name) || name.split('/').some((part) => part === '' || part.startsWith('.')))
+  if (!/^[\p{L}\p{M}\p{N}_.\- /]+$/u.test(name) || name.split('/').some((part) => part === '' || part.startsWith('.')))
     return 'Letters, digits, spaces and . - _ can be in a name; / leads into a folder.';
   return name in project.files ? `There is a ${name} already.` : '';
 }

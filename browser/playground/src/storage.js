@@ -1,4 +1,4 @@
-// The project that somebody works on, in the browser's own storage: it is there again the next time.
+// Projects in the browser's own storage: "current", which is there again the next time, and the one "before".
 
 // It stays open, so that what is saved when somebody leaves is on its way before the page is gone.
 let database;
@@ -12,12 +12,12 @@ opening.catch(() => undefined);  // the browser keeps nothing
 
 const storeFor = (mode) => database.transaction('projects', mode).objectStore('projects');
 
-/** {title, files, page}; undefined for none, also where the browser keeps nothing. */
-export async function load() {
+/** The {title, files, isChanged, page} of that name; undefined for none, also where the browser keeps nothing. */
+export async function load(name) {
   try {
     await opening;
     return await new Promise((done, fail) => {
-      const request = storeFor('readonly').get('current');
+      const request = storeFor('readonly').get(name);
       request.onsuccess = () => done(request.result);
       request.onerror = () => fail(request.error);
     });
@@ -26,12 +26,12 @@ export async function load() {
   }
 }
 
-/** Saves {title, files, page}, where the browser keeps anything: at once when the storage is open. */
-export function save(kept) {
-  if (!database) return void opening.then(() => save(kept), () => undefined);
+/** Saves one, where the browser keeps anything: at once when the storage is open. */
+export function save(name, kept) {
+  if (!database) return void opening.then(() => save(name, kept), () => undefined);
   try {
     const store = storeFor('readwrite');
-    store.put(kept, 'current');
+    store.put(kept, name);
     store.transaction.commit();
   } catch {
     // The project lasts as long as the page.

@@ -64,6 +64,10 @@ export class Language {
     if (this.#versions.has(name)) this.#send({method: 'textDocument/didSave', params: {textDocument: {uri: uriOf(name)}}});
   }
 
+  savedAll() {
+    for (const name of this.#versions.keys()) this.saved(name);
+  }
+
   close(name) {
     if (this.#versions.delete(name)) this.#send({method: 'textDocument/didClose', params: {textDocument: {uri: uriOf(name)}}});
   }

@@ -1,7 +1,7 @@
 // The playground in a browser: the demo as kpg shows it, edit and see, what comes in and goes out, no network.
 import assert from 'node:assert/strict';
 import {unzipSync, zipSync} from 'fflate';
-import {mkdirSync, mkdtempSync, readFileSync, writeFileSync} from 'node:fs';
+import {cpSync, mkdirSync, mkdtempSync, readFileSync, writeFileSync} from 'node:fs';
 import {tmpdir} from 'node:os';
 import {join} from 'node:path';
 import {after, before, test} from 'node:test';
@@ -48,6 +48,14 @@ async function chooseArchive(page, files, name = 'mine.zip') {
 }
 
 const bytes = (text) => new TextEncoder().encode(text);
+
+/** That the screen and the select key of its remote control can be seen together. */
+async function assertCanBePlayed(page) {
+  const picture = await page.locator('#screen').evaluate((e) => (e.scrollIntoView({block: 'start'}), e.shadowRoot.querySelector('canvas').getBoundingClientRect().toJSON()));
+  const select = await page.getByRole('button', {name: 'OK, select'}).boundingBox();
+  const {height} = page.viewportSize();
+  assert.ok(picture.top >= 0 && picture.bottom <= height && select.y >= 0 && select.y + select.height <= height);
+}
 
 async function typeSource(page, text) {
   await page.locator('.cm-content').click();
@@ -126,20 +134,80 @@ test('what happened on the page is told, and can be filtered', async () => {
   await context.close();
 });
 
+test('the widgets are told with their attributes, and the map of the focus lies over the screen', async () => {
+  const {page, context} = await open();
+  await page.getByText('Widgets and focus').click();
+  await page.locator('#widgets button').filter({hasText: 'list0'}).filter({hasText: 'has the focus'}).waitFor();
+  assert.equal(await page.locator('#marks *').count(), 0);
+  await page.getByLabel('where the keys lead').check();
+  await page.locator('#marks path.reached').first().waitFor({state: 'attached'});
+  await page.locator('#widgets button').filter({hasText: 'channel'}).click();
+  await page.locator('#marks rect.chosen').waitFor({state: 'attached'});
+  const row = page.locator('#attribute-rows tr').filter({hasText: 'choices'});
+  assert.match(await row.innerText(), /1 Harbour/);
+  await row.getByRole('button').click();
+  assert.match(await page.locator('.cm-activeLine').innerText(), /choices: "\|1 Harbour/);
+  await page.getByText('Widgets and focus').click();
+  await page.waitForFunction(() => document.querySelectorAll('#marks *').length === 0);
+  await context.close();
+});
+
+/** Drops files or folders of the disk on the page, as a file manager does. */
+async function drop(page, files) {
+  const devtools = await page.context().newCDPSession(page);
+  const data = {items: [], files, dragOperationsMask: 1};
+  const send = (type) => devtools.send('Input.dispatchDragEvent', {type, x: 300, y: 300, data});
+  await send('dragEnter');
+  while (await page.locator('#drop').isHidden()) await send('dragOver');
+  await send('drop');
+}
+
 test('a folder comes in by its input, and by being dropped', async () => {
-  const folder = join(mkdtempSync(join(tmpdir(), 'vistrel-')), 'mine');
+  const folder = join(mkdtempSync(join(tmpdir(), 'vistrel-')), 'größe');
   mkdirSync(join(folder, 'pages'), {recursive: true});
   writeFileSync(join(folder, 'pages/one.yaml'), PAGE('#00FF00'));
   const {page, faults, context} = await open();
   await page.locator('#open-folder').setInputFiles(folder);
   assert.ok(await showsSoon(page, shotOf(PAGE('#00FF00'))));
-  await page.evaluate((text) => {
-    const transfer = new DataTransfer();
-    transfer.items.add(new File([text], 'dropped.yaml'));
-    dispatchEvent(new DragEvent('drop', {dataTransfer: transfer, bubbles: true, cancelable: true}));
-  }, PAGE('#0000FF'));
+  writeFileSync(join(folder, 'pages/one.yaml'), PAGE('#0000FF'));
+  await drop(page, [folder]);
   assert.ok(await showsSoon(page, shotOf(PAGE('#0000FF'))));
   assert.deepEqual(faults, []);
+  await context.close();
+});
+
+test('files are added to a project, and a compiled page shows', async () => {
+  const {page, context} = await open();
+  await chooseArchive(page, {'page.yaml': bytes(PAGE('#000000'))});
+  await page.getByRole('button', {name: 'Open…'}).click();
+  await page.locator('#add-files').setInputFiles([join(demo, 'settings.kpg'), join(demo, 'DejaVuSans.ttf'), join(demo, 'DejaVuSans-Bold.ttf')]);
+  await page.getByText('3 files added').waitFor();
+  await page.getByLabel('Page', {exact: true}).selectOption('settings.kpg');
+  assert.ok(await showsSoon(page, shot(join(demo, 'settings.kpg')).pixels));
+  await context.close();
+});
+
+test('what somebody has changed can be had back after another project was opened', async () => {
+  const {page, context} = await open();
+  await chooseArchive(page, {'mine.yaml': bytes(PAGE('#000000'))});
+  await typeSource(page, PAGE('#FF8000'));
+  await page.getByRole('button', {name: 'Copy link'}).click();
+  await page.waitForFunction(() => location.hash.startsWith('#p='));
+  const link = page.url();
+  await typeSource(page, PAGE('#FF8001'));
+  await page.waitForFunction(() => location.hash === '', null, {timeout: 5000});  // which would bring the old state back
+  await page.goto(link);
+  assert.ok(await showsSoon(page, shotOf(PAGE('#FF8000'))));
+  await page.getByRole('button', {name: /^Back to/}).click();
+  assert.ok(await showsSoon(page, shotOf(PAGE('#FF8001'))));
+  await page.getByRole('button', {name: 'New…'}).click();
+  await page.getByRole('button', {name: /Empty project/}).click();
+  await page.getByRole('button', {name: 'hello.yaml'}).waitFor();
+  await page.reload();
+  await made(page);
+  await page.getByRole('button', {name: 'New…'}).click();
+  await page.getByRole('button', {name: /^Back to/}).click();
+  assert.ok(await showsSoon(page, shotOf(PAGE('#FF8001'))));
   await context.close();
 });
 
@@ -189,10 +257,16 @@ test('files are added, renamed, removed and brought back', async () => {
   await page.getByRole('textbox', {name: 'Name'}).fill('third.yaml');
   await page.keyboard.press('Enter');
   await page.getByRole('button', {name: 'third.yaml'}).waitFor();
+  await page.getByLabel('Page', {exact: true}).selectOption('third.yaml');
+  await page.getByRole('button', {name: 'Rename'}).click();
+  await page.getByRole('textbox', {name: 'Name'}).fill('größe.yaml');
+  await page.keyboard.press('Enter');
+  await typeSource(page, PAGE('#00FF80'));
+  assert.ok(await showsSoon(page, shotOf(PAGE('#00FF80'))), 'a page that is shown keeps being shown by its new name');
   await page.getByRole('button', {name: 'Remove'}).click();
-  await page.getByRole('button', {name: 'third.yaml'}).waitFor({state: 'detached'});
+  await page.getByRole('button', {name: 'größe.yaml'}).waitFor({state: 'detached'});
   await page.getByRole('button', {name: 'Bring it back'}).click();
-  await page.getByRole('button', {name: 'third.yaml'}).waitFor();
+  await page.getByRole('button', {name: 'größe.yaml'}).waitFor();
   await context.close();
 });
 
@@ -208,9 +282,69 @@ test('it works without a network', async () => {
   await context.close();
 });
 
-for (const [title, viewport] of [['a desktop', {width: 1400, height: 900}], ['a telephone', {width: 390, height: 844}]])
+test('the keyboard alone leads everywhere', async () => {
+  const {page, context} = await open();
+  const goTo = async (what) => {
+    for (let i = 0; i < 80; ++i) {
+      await page.keyboard.press('Tab');
+      if (await page.locator(what).evaluate((e) => e.matches(':focus'))) return;
+    }
+    assert.fail(`${what} is not reached`);
+  };
+  await goTo('#gallery-button');
+  await page.keyboard.press('Enter');
+  await page.getByRole('dialog').waitFor();
+  await goTo('#gallery-list li:nth-child(3) button');
+  await page.keyboard.press('Enter');
+  await page.getByRole('button', {name: 'hello.yaml'}).waitFor();
+  await goTo('.cm-content');
+  await page.keyboard.press('Control+a');
+  await page.keyboard.insertText(PAGE('#806040'));
+  assert.ok(await showsSoon(page, shotOf(PAGE('#806040'))));
+  await goTo('#screen');  // the editor lets go of it
+  await goTo('#line input');
+  await page.keyboard.type('stdout.Display(6 * 7);');
+  await page.keyboard.press('Enter');
+  await page.locator('#console').getByText('42').waitFor();
+  await goTo('#inspector summary');
+  await page.keyboard.press('Enter');
+  await goTo('#widgets button');
+  await page.keyboard.press('Enter');
+  await page.locator('#attribute-rows tr').first().waitFor();
+  await context.close();
+});
+
+test('a newer playground waits until it is asked for', async () => {
+  const folder = mkdtempSync(join(tmpdir(), 'vistrel-'));
+  cpSync(playground, folder, {recursive: true});
+  const change = (name, from, to) => writeFileSync(join(folder, name), readFileSync(join(folder, name), 'utf8').replace(from, to));
+  const served = await serve({'/': folder});
+  const {page, context} = await openPage(browser);
+  await page.goto(addressOf(served));
+  await page.evaluate(() => navigator.serviceWorker.ready);
+  await page.reload();
+  await made(page);
+  change('index.html', '<title>', '<title>A newer ');
+  change('sw.js', /'vistrel-\w+'/, "'vistrel-newer'");
+  await page.reload();
+  await page.getByText('There is a newer playground').waitFor();
+  assert.equal(await page.title(), 'Vistrel playground');
+  await page.getByRole('button', {name: 'Use it'}).click();
+  await page.waitForFunction(() => document.title === 'A newer Vistrel playground');
+  await context.close();
+  served.close();
+});
+
+const VIEWPORTS = {'a desktop': {width: 1400, height: 900}, 'a telephone': {width: 390, height: 844}, 'a telephone on its side': {width: 844, height: 390}};
+for (const [title, viewport] of Object.entries(VIEWPORTS))
   test(`on ${title} everybody can use it`, async () => {
     const {page, context} = await open('', {viewport, bypassCSP: true});
+    await assertAccessible(page);
+    await assertCanBePlayed(page);
+    await page.getByText('Widgets and focus').click();
+    await page.getByText('What happened').click();
+    await page.locator('#widgets button').filter({hasText: 'channel'}).click();
+    await page.locator('#attribute-rows button').first().waitFor();
     await assertAccessible(page);
     if (viewport.width < 1000) await page.getByRole('button', {name: 'Source'}).click();
     await assertAccessible(page);

@@ -12,6 +12,7 @@
 #include "kit/project/build.h"
 #include "kit/project/pack.h"
 #include "studio/editor/scripterrors.h"
+#include "studio/inspector/attributelines.h"
 #include "studio/inspector/focusmap.h"
 #include "studio/inspector/unseen.h"
 #include "studio/inspector/widgettree.h"
@@ -34,11 +35,20 @@ const char* kept(std::string text) {
 // Texts of pages may have any bytes.
 const char* kept(const json& value) { return kept(value.dump(-1, ' ', false, json::error_handler_t::replace)); }
 
+// The severity says what a text may begin with.
+std::string_view withoutWarning(std::string_view text) {
+  constexpr std::string_view kWarning = "warning: ";
+  return text.starts_with(kWarning) ? text.substr(kWarning.size()) : text;
+}
+
 json jsonOf(const KitMessage& message, const char* severity) {
   json uses = json::array();
   for (const KitMessage& use : message.uses) uses.push_back(use.whole());
-  return {
-      {"file", message.file}, {"line", message.line}, {"text", message.text}, {"severity", severity}, {"uses", uses}};
+  return {{"file", message.file},
+          {"line", message.line},
+          {"text", withoutWarning(message.text)},
+          {"severity", severity},
+          {"uses", uses}};
 }
 
 json jsonOf(const std::vector<KitMessage>& messages, const char* severity) {
@@ -48,6 +58,27 @@ json jsonOf(const std::vector<KitMessage>& messages, const char* severity) {
 }
 
 json jsonOf(const Bounds& b) { return {b.x, b.y, b.w, b.h}; }
+
+json jsonOf(const std::optional<YamlPlace>& place) {
+  return place && place->file ? json{{"file", *place->file}, {"line", place->line}} : json();
+}
+
+json jsonOf(const FocusPoint& tail, const FocusPoint& head) { return {tail.x, tail.y, head.x, head.y}; }
+
+// To draw: what the direction keys reach and what they don't, and the arrows between them.
+json jsonOf(const FocusMap& map) {
+  json stops = json::array(), arrows = json::array(), dead = json::array();
+  for (const FocusStop& stop : map.stops) {
+    const bool isReached = stop.reach == FocusReach::arrows;
+    if (stop.isHidden && !isReached) continue;  // it may lie where another is, and isn't meant to be reached now
+    stops.push_back({{"bounds", jsonOf(stop.bounds)}, {"isReached", isReached}});
+  }
+  for (const FocusArrow& arrow : map.arrows)
+    if (arrow.state == ArrowState::followed) arrows.push_back(jsonOf(arrow.tail, arrow.head));
+  for (const DeadLink& link : map.deadLinks)
+    if (!link.isHidden) dead.push_back(jsonOf(link.tail, link.head));
+  return {{"summary", summaryOf(map)}, {"stops", stops}, {"arrows", arrows}, {"deadLinks", dead}};
+}
 
 void append(json& to, const json& more) { to.insert(to.end(), more.begin(), more.end()); }
 
@@ -207,25 +238,34 @@ EMSCRIPTEN_KEEPALIVE void stageGoOn() {
   if (PageRun* run = stage().run()) run->player().goOn();
 }
 
-// The widgets of the running page, and what is wrong with the focus: {widgets: [...], focus}.
-EMSCRIPTEN_KEEPALIVE const char* stageInspect() {
+// The widgets of the running page, where the keys lead, and all attributes of the widget of that path, if there is one:
+// {widgets, focus, attributes}.
+EMSCRIPTEN_KEEPALIVE const char* stageInspect(const char* path) {
   PageRun* run = stage().run();
-  json widgets = json::array();
-  if (!run) return kept(json{{"widgets", widgets}, {"focus", ""}});
+  json widgets = json::array(), attributes = json::array();
+  if (!run) return kept(json{{"widgets", widgets}, {"focus", jsonOf(FocusMap())}, {"attributes", attributes}});
+  WidgetSources sources(*run);
   for (const TreeRow& row : widgetTree(run->engine())) {
     json why = json::array();
     if (row.notSeen)
       for (const UnseenSentence& sentence : unseenSentences(run->engine(), row.id)) why.push_back(sentence.text);
     widgets.push_back({{"depth", row.depth},
                        {"label", row.label},
+                       {"path", row.path},
                        {"bounds", jsonOf(row.bounds)},
                        {"hidden", row.hidden},
                        {"focused", row.focused},
                        {"notSeen", row.notSeen},
                        {"why", why}});
+    if (row.path != path) continue;
+    for (const AttributeLine& line : attributeLines(*run, sources, row.id))
+      attributes.push_back({{"name", line.name},
+                            {"value", line.value},
+                            {"from", line.from},
+                            {"place", jsonOf(line.place)},
+                            {"help", line.help}});
   }
-  WidgetSources sources(*run);
-  return kept(json{{"widgets", widgets}, {"focus", summaryOf(focusMap(*run, sources))}});
+  return kept(json{{"widgets", widgets}, {"focus", jsonOf(focusMap(*run, sources))}, {"attributes", attributes}});
 }
 
 // What happened on the page, the latest rows that have this text in them, whatever the case of its letters: [{time,
