@@ -1,5 +1,6 @@
 // <vistrel-remote>: the remote control as buttons. Each press is an event "remotekey" with the key's name as its detail;
-// a button that is held repeats, as keys of a keyboard do.
+// a button that is held repeats, as keys of a keyboard do. The custom properties --vistrel-key and --vistrel-gap are the
+// least height of a button, 44px unless set, and what lies between two.
 
 import {sheetOf} from './sheet.js';
 
@@ -15,8 +16,8 @@ const DIGITS = ['1', '2', '3', '4', '5', '6', '7', '8', '9', null, '0', null];
 
 const STYLE = `
   :host { display: inline-flex; flex-wrap: wrap; gap: 14px; justify-content: center; user-select: none; -webkit-user-select: none; }
-  div { display: grid; grid-template-columns: repeat(3, minmax(44px, 52px)); gap: 6px; align-content: start; }
-  button { font: 600 15px/1 system-ui, sans-serif; min-height: 44px; padding: 0 2px; border-radius: 10px; cursor: pointer;
+  div { display: grid; grid-template-columns: repeat(3, minmax(44px, 52px)); gap: var(--vistrel-gap, 6px); align-content: start; }
+  button { font: 600 15px/1 system-ui, sans-serif; min-height: var(--vistrel-key, 44px); padding: 0 2px; border-radius: 10px; cursor: pointer;
     color: var(--vistrel-ink, #e8eef4); background: var(--vistrel-button, #2a3b4d); border: 1px solid var(--vistrel-edge, #47617b);
     touch-action: manipulation; }
   button:hover { background: var(--vistrel-hover, #34495f); }

@@ -13,6 +13,7 @@ const MOST_CONSOLE = 20_000;  // characters
 
 const screen = byId('screen');
 screen.makeWorker = makeStage;
+byId('remote').addEventListener('remotekey', ({detail}) => screen.key(detail));
 
 let project = new Project({});
 let page = '';     // the page source that is shown
