@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstdint>
 #include <cstdlib>
+#include <utility>
 
 #include "kit/errors.h"
 #include "kit/utf8.h"
@@ -93,7 +94,7 @@ class JsonReader {
       std::string key = string();
       skipSpace();
       if (!take(":")) fail("a colon");
-      v->object.emplace_back(std::move(key), value(depth + 1));
+      v->object.push_back({std::move(key), value(depth + 1)});
     } while (goesOn("}"));
   }
 

@@ -3,8 +3,9 @@
 
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
+
+struct JsonMember;
 
 struct JsonValue {
   enum class Kind { null, boolean, number, text, array, object } kind = Kind::null;
@@ -12,9 +13,14 @@ struct JsonValue {
   double number = 0;
   std::string text;
   std::vector<JsonValue> array;
-  std::vector<std::pair<std::string, JsonValue>> object;  // in order; a key may come twice
+  std::vector<JsonMember> object;  // in order; a key may come twice
 
   const JsonValue* find(std::string_view key) const;  // the last with that key; null when there is none
+};
+
+struct JsonMember {
+  std::string key;
+  JsonValue value;
 };
 
 inline constexpr int kMostJsonDepth = 100;
