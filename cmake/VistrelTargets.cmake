@@ -80,4 +80,14 @@ function(vistrel_hot target)
     set_source_files_properties(${ARGN} TARGET_DIRECTORY ${target} PROPERTIES
       COMPILE_OPTIONS "-O3;-finline-functions;-msimd128" SKIP_PRECOMPILE_HEADERS ON)
   endif()
+  vistrel_loops(${target} ${ARGN})
+endfunction()
+
+# vistrel_loops(TARGET file...): sources whose loops work on what others have read and checked. libFuzzer learns from
+# comparisons which bytes a reader waits for; from these it learns nothing, and they would take most of its time.
+function(vistrel_loops target)
+  if(VISTREL_FUZZ)
+    set_source_files_properties(${ARGN} TARGET_DIRECTORY ${target} PROPERTIES
+      COMPILE_OPTIONS -fno-sanitize-coverage=trace-cmp SKIP_PRECOMPILE_HEADERS ON)
+  endif()
 endfunction()

@@ -74,7 +74,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   font.head += choices.pick(kHeads);
   font.head += choices.pick(kHeads);
   font.encoding = choices.pick(kEncodings);
-  font.lenIV = choices.oneIn(4) ? int(choices.below(7)) - 1 : 4;
+  font.lenIV = choices.oneIn(4) ? int(choices.below(6)) : 4;
+  if (choices.oneIn(8)) font.privateHead += "/lenIV -1 def\n";
   font.mark = choices.below(2) != 0 ? "-|" : "RD";
   font.hexadecimal = choices.oneIn(8);
   const bool inSegments = choices.oneIn(8);

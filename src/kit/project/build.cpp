@@ -95,9 +95,13 @@ class ProjectBuild {
     } else {
       keepOldRecords();
     }
-    saveManifest();
-    std::error_code error;
-    if (isAll) fs::remove(outputPath(project, kClaimsName), error);
+    try {
+      saveManifest();
+      std::error_code error;
+      if (isAll) fs::remove(outputPath(project, kClaimsName), error);
+    } catch (const KitError& e) {
+      errors.insert(errors.end(), e.messages.begin(), e.messages.end());
+    }
     if (!errors.empty()) throw BuildError(std::move(errors), std::move(report.inputs));
     return std::move(report);
   }
