@@ -18,7 +18,7 @@ TEST(ReadJson, ValuesOfAllKinds) {
   EXPECT_EQ(all.find("s")->text, "\"\\/\b\f\n\r\tA\u00e4\u20AC\U0001F600\u00e4");
   EXPECT_EQ(all.find("")->kind, JsonValue::Kind::object);
   EXPECT_EQ(all.find("t")->kind, JsonValue::Kind::array) << "the last one counts";
-  EXPECT_EQ(all.object.front().second.array.size(), 4u);
+  EXPECT_EQ(all.object.front().value.array.size(), 4u);
   EXPECT_EQ(all.find("x"), nullptr);
 }
 
