@@ -20,19 +20,19 @@ void ScreenSurface::convert(const void* source, int x, int y, int w, int h) {
   y = std::max(y, 0);
   if (x >= right || y >= bottom) return;
 
-  // A 32-bit frame buffer loses its column after the first row, so only that row is converted.
-  const int lastRow = sourceDepth == 32 ? y + 1 : bottom;
-  for (int row = y; row < lastRow; ++row) {
-    const size_t at = size_t(row) * size_t(screenWidth) + size_t(x);
-    uint32_t* out = dibBits.data() + at;
-    if (sourceDepth == 8) {
-      convertIndexedRow(static_cast<const uint8_t*>(source) + at, out, right - x, palette.data());
-    } else if (sourceDepth == 16) {
-      convertVideoRow(static_cast<const uint16_t*>(source) + at, out, right - x);
-    } else if (sourceDepth == 32) {
-      std::transform(static_cast<const uint32_t*>(source) + at, static_cast<const uint32_t*>(source) + at + right - x,
-                     out, yCrCbToRgb);
-    }
+  const size_t first = size_t(y) * size_t(screenWidth) + size_t(x);
+  uint32_t* const out = dibBits.data() + first;
+  const int width = right - x;
+  if (sourceDepth == 16)
+    return convertVideoRows(static_cast<const uint16_t*>(source) + first, out, screenWidth, width, bottom - y);
+  if (sourceDepth == 32) {
+    // Such a frame buffer loses its column after the first row, so only that row is converted.
+    const auto* const colors = static_cast<const uint32_t*>(source) + first;
+    std::transform(colors, colors + width, out, yCrCbToRgb);
+  } else if (sourceDepth == 8) {
+    const auto* const indices = static_cast<const uint8_t*>(source) + first;
+    for (size_t at = 0; at < size_t(bottom - y) * size_t(screenWidth); at += size_t(screenWidth))
+      convertIndexedRow(indices + at, out + at, width, palette.data());
   }
 }
 

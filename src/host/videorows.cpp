@@ -141,44 +141,60 @@ VISTREL_AVX2 inline void convertBlock(const Rule& rule, const uint16_t* source, 
   _mm256_storeu_si256(out + 1, _mm256_permute2x128_si256(low, high, 0x31));
 }
 
-VISTREL_AVX2 inline bool isSame(const uint16_t* a, const uint16_t* b) {
-  const __m256i x = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(a));
-  const __m256i y = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(b));
-  return _mm256_movemask_epi8(_mm256_cmpeq_epi8(x, y)) == -1;
+VISTREL_AVX2 inline __m256i differencesToBefore(const uint16_t* source) {
+  const __m256i before = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(source - kBlock));
+  return _mm256_xor_si256(before, _mm256_loadu_si256(reinterpret_cast<const __m256i*>(source)));
 }
 
-VISTREL_AVX2 void convertByAvx2(const uint16_t* source, uint32_t* destination, int count) {
+// Whether four blocks are each like the one before.
+VISTREL_AVX2 inline bool goesOn(const uint16_t* source) {
+  const __m256i first = _mm256_or_si256(differencesToBefore(source), differencesToBefore(source + kBlock));
+  const __m256i second =
+      _mm256_or_si256(differencesToBefore(source + 2 * kBlock), differencesToBefore(source + 3 * kBlock));
+  const __m256i any = _mm256_or_si256(first, second);
+  return _mm256_testz_si256(any, any);
+}
+
+// Pages are flat, but what isn't goes on for a while: so four blocks are asked together whether to convert them. The
+// last block of a row may lie over others.
+VISTREL_AVX2 void convertByAvx2(const uint16_t* source, uint32_t* destination, int stride, int width, int height) {
   const Rule rule = makeRule();
-  const uint32_t* converted = nullptr;  // the block before, or one like it
-  for (; count >= kBlock; count -= kBlock, source += kBlock, destination += kBlock) {
-    if (converted && isSame(source, source - kBlock)) {
-      std::memcpy(destination, converted, kBlock * sizeof *converted);
-    } else {
-      convertBlock(rule, source, destination);
-      converted = destination;
+  for (; height > 0; --height, source += stride, destination += stride) {
+    int x = 0;
+    while (x + 4 * kBlock <= width) {
+      if (x > 0 && goesOn(source + x)) {
+        auto* out = reinterpret_cast<__m256i*>(destination + x);
+        const __m256i first = _mm256_loadu_si256(out - 2), second = _mm256_loadu_si256(out - 1);
+        do {
+          for (int i = 0; i < 8; i += 2) {
+            _mm256_storeu_si256(out++, first);
+            _mm256_storeu_si256(out++, second);
+          }
+          x += 4 * kBlock;
+        } while (x + 4 * kBlock <= width && goesOn(source + x));
+      } else {
+        for (int i = 0; i < 4; ++i, x += kBlock) convertBlock(rule, source + x, destination + x);
+      }
     }
+    for (; x + kBlock < width; x += kBlock) convertBlock(rule, source + x, destination + x);
+    if (x < width) convertBlock(rule, source + width - kBlock, destination + width - kBlock);
   }
-  if (count == 0) return;
-  uint16_t rest[kBlock] = {};
-  uint32_t convertedRest[kBlock];
-  std::copy_n(source, count, rest);
-  convertBlock(rule, rest, convertedRest);
-  std::copy_n(convertedRest, count, destination);
 }
 
 #endif
 
 }  // namespace
 
-void convertVideoRowPlain(const uint16_t* source, uint32_t* destination, int count) {
-  convertByTable(source, destination, count, pixel16Table().data());
+void convertVideoRowsPlain(const uint16_t* source, uint32_t* destination, int stride, int width, int height) {
+  for (; height > 0; --height, source += stride, destination += stride)
+    convertByTable(source, destination, width, pixel16Table().data());
 }
 
-void convertVideoRow(const uint16_t* source, uint32_t* destination, int count) {
+void convertVideoRows(const uint16_t* source, uint32_t* destination, int stride, int width, int height) {
 #ifdef VISTREL_AVX2
-  if (hasAvx2()) return convertByAvx2(source, destination, count);
+  if (width >= kBlock && hasAvx2()) return convertByAvx2(source, destination, stride, width, height);
 #endif
-  convertVideoRowPlain(source, destination, count);
+  convertVideoRowsPlain(source, destination, stride, width, height);
 }
 
 void convertIndexedRow(const uint8_t* source, uint32_t* destination, int count, const uint32_t* palette) {

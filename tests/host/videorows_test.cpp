@@ -10,30 +10,33 @@
 
 namespace {
 
-using Convert = void (*)(const uint16_t*, uint32_t*, int);
+using Convert = void (*)(const uint16_t*, uint32_t*, int, int, int);
 
 class VideoRows : public testing::TestWithParam<Convert> {};
-INSTANTIATE_TEST_SUITE_P(Both, VideoRows, testing::Values(convertVideoRow, convertVideoRowPlain));
+INSTANTIATE_TEST_SUITE_P(Both, VideoRows, testing::Values(convertVideoRows, convertVideoRowsPlain));
 
 TEST_P(VideoRows, GiveEveryPixelTheColourOfTheRule) {
   std::vector<uint16_t> pixels(65536);
   for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = uint16_t(i);
   std::vector<uint32_t> colors(pixels.size());
-  GetParam()(pixels.data(), colors.data(), int(pixels.size()));
+  GetParam()(pixels.data(), colors.data(), 65536, 65536, 1);
   for (uint32_t p = 0; p < 65536; ++p) ASSERT_EQ(colors[p], yCrCbToRgb(widenPixel16(uint16_t(p)))) << p;
 }
 
 // Runs of all lengths, so that pixels are copied from their neighbours here and not there, and rows that end anywhere.
 TEST_P(VideoRows, TakeRunsAndRowsOfAnyLengthAndWriteNoFurther) {
+  constexpr int kStride = 260, kRows = 3;
   std::mt19937 random(5);
-  for (int count = 0; count < 200; ++count) {
-    std::vector<uint16_t> pixels(size_t(count) + 3);
-    for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = i > 0 && random() % 40 ? pixels[i - 1] : uint16_t(random());
-    std::vector<uint32_t> colors(pixels.size() + 1, 0xABCDEF01);
-    GetParam()(pixels.data() + 3, colors.data(), count);
-    for (size_t i = 0; i < size_t(count); ++i)
-      ASSERT_EQ(colors[i], yCrCbToRgb(widenPixel16(pixels[i + 3]))) << count << " " << i;
-    EXPECT_EQ(colors[size_t(count)], 0xABCDEF01u);
+  for (int width = 0; width < 250; ++width) {
+    std::vector<uint16_t> pixels(kStride * kRows);
+    for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = i > 0 && random() % 90 ? pixels[i - 1] : uint16_t(random());
+    std::vector<uint32_t> colors(pixels.size(), 0xABCDEF01);
+    GetParam()(pixels.data() + 3, colors.data() + 3, kStride, width, kRows - 1);
+    for (int i = 0; i < kStride * kRows; ++i) {
+      const bool isInside = i % kStride >= 3 && i % kStride < 3 + width && i / kStride < kRows - 1;
+      ASSERT_EQ(colors[size_t(i)], isInside ? yCrCbToRgb(widenPixel16(pixels[size_t(i)])) : 0xABCDEF01u)
+          << width << " " << i;
+    }
   }
 }
 

@@ -93,22 +93,30 @@ struct WiderColor {
   Wider16 r6, g5, b5, alphaScale;
 };
 
-// Of a mask's rows the first `height`; both rows can be read, and the pixels' written, up to the next whole sixteen.
-VISTREL_AVX2 void CoverByAvx2(const hsGColor& color, uint16_t* pixels, uint32_t pixelRowBytes, const hsGMask& mask,
-                              int32_t height) {
+constexpr Wider8 kWiderLanes = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+
+// The bytes from `from` on that lie before end, then any; there are sixteen before end.
+VISTREL_AVX2 inline Wider8 LoadBefore(const uint8_t* end, const uint8_t* from) {
+  Wider8 bytes;
+  const ptrdiff_t missing = std::max<ptrdiff_t>(kWider - (end - from), 0);
+  std::memcpy(&bytes, from - missing, sizeof bytes);
+  return __builtin_shuffle(bytes, kWiderLanes + uint8_t(missing));
+}
+
+// A mask of sixteen bytes or more. Pixels of rows can be written up to the next whole sixteen.
+VISTREL_AVX2 void CoverByAvx2(const hsGColor& color, uint16_t* pixels, uint32_t pixelRowBytes, const hsGMask& mask) {
   const WiderColor wider(color);
-  constexpr Wider8 kLanes = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
   const int32_t width = mask.fBounds.Width(), whole = (width - 1) / kWider * kWider;
-  const auto inLast = Wider8(kLanes < uint8_t(width - whole));
+  const auto inLast = Wider8(kWiderLanes < uint8_t(width - whole));
   const uint8_t* coverage = mask.fImage;
-  for (; height > 0; --height, coverage += mask.fRowBytes) {
+  const uint8_t* const end = coverage + mask.PlaneSize();
+  for (int32_t height = mask.fBounds.Height(); height > 0; --height, coverage += mask.fRowBytes) {
     Wider8 some;
     for (int32_t x = 0; x < whole; x += kWider) {
       std::memcpy(&some, coverage + x, sizeof some);
       wider.BlendCovered(pixels + x, some);
     }
-    std::memcpy(&some, coverage + whole, sizeof some);
-    wider.BlendCovered(pixels + whole, some & inLast);
+    wider.BlendCovered(pixels + whole, LoadBefore(end, coverage + whole) & inLast);
     pixels = reinterpret_cast<uint16_t*>(reinterpret_cast<uint8_t*>(pixels) + pixelRowBytes);
   }
 }
@@ -232,21 +240,15 @@ void hsGColorBlitter16::BlitMask(const hsGMask& mask, const hsRegion* clip) {
 // Glyphs are narrow: a row is mostly one or two times eight pixels, of which the last are not the glyph's own. They are
 // written as they are.
 void hsGColorBlitter16::BlitCoverage(const hsGMask& mask, const hsRegion* clip) const {
-  hsIntRect rest = mask.fBounds;
 #ifdef VISTREL_AVX2
-  const int32_t widest = WholeWider(rest.Width());
-  if (hasAvx2() && !clip && !rest.IsEmpty() && mask.fRowBytes >= rest.Width() &&
-      rest.fLeft + widest <= int32_t(fDevice.fWidth)) {
-    // The image can end before its last rows' next sixteen.
-    const int32_t spare = std::max(widest - int32_t{mask.fRowBytes}, 0);
-    const int32_t rows = std::max(rest.Height() - (spare + mask.fRowBytes - 1) / mask.fRowBytes, 0);
-    CoverByAvx2(fColor, Pixels<uint16_t>(rest.fTop, rest.fLeft), fDevice.fRowBytes, mask, rows);
-    rest.fTop += rows;
-  }
+  const hsIntRect& bounds = mask.fBounds;
+  if (hasAvx2() && !clip && !bounds.IsEmpty() && mask.fRowBytes >= bounds.Width() && mask.PlaneSize() >= kWider &&
+      bounds.fLeft + WholeWider(bounds.Width()) <= int32_t(fDevice.fWidth))
+    return CoverByAvx2(fColor, Pixels<uint16_t>(bounds.fTop, bounds.fLeft), fDevice.fRowBytes, mask);
 #endif
   const WideColor wide(fColor);
   const uint8_t* const end = mask.fImage + mask.PlaneSize();
-  hsWalkMaskSpans(rest, clip, [&](int32_t y, int32_t x, int32_t width) {
+  hsWalkMaskSpans(mask.fBounds, clip, [&](int32_t y, int32_t x, int32_t width) {
     const uint8_t* coverage = mask.Row(y) + (x - mask.fBounds.fLeft);
     uint16_t* pixels = Pixels<uint16_t>(y, x);
     const int32_t wideWidth = (width + 7) & ~7;
