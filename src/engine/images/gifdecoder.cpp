@@ -83,38 +83,20 @@ class Expander {
     bits = minimumBits + 1;
     isFirst = true;
     kept = size_t(clear);
+    dropRows();
   }
 
   // Takes codes for indices, of which there is at least one, up to any other code and as long as bits can be had; each
   // code's indices are written, and the next code is defined. False for a code that can't be.
   bool expand(GifBits* input) {
     GifBits in = *input;
-    Entry before = last;  // what was written for the code before
-    for (;;) {
-      if (in.count < bits) {
-        if (!in.canRefill()) break;
-        in.refill();
-      }
-      const int code = in.peek(bits);
-      if ((code & ~1) == clear) break;
-      in.drop(bits);
-      if (isFirst) {  // after a clear it means itself
-        if (code >= clear) return false;
-      } else {
-        if (code > count || (code == count && count >= kMaxCodes)) return false;
-        if (count < kMaxCodes) define(before);
-      }
-      const Entry entry = entries[size_t(code)];
-      if (written.size() - end < entry.length + kAtOnce) makeSpace(entry.length);
-      isFirst = false;
-      copy(written.data() + entry.at, written.data() + end, entry.length);
-      before = {uint32_t(end), entry.length};
-      end += entry.length;
-      if (end - row >= width) passRowsOn();
-    }
-    last = before;
+    Step step = Step::done;
+    do {
+      while (step == Step::done && in.canRefill() && !isFirst && count + kBatch < 1 << bits) step = takeSome(&in);
+      if (step == Step::done) step = takeOne(&in);
+    } while (step == Step::done);
     *input = in;
-    return true;
+    return step != Step::wrong;
   }
 
   const int clear;  // the code that empties it; the next one ends the image
@@ -123,14 +105,69 @@ class Expander {
  private:
   static constexpr size_t kAtOnce = 16;  // indices that are written at one stroke, wanted or not
   static constexpr size_t kLeastSpace = 1 << 16;
+  static constexpr int kBatch = 4;  // codes whose bits come with one refill
 
   struct Entry {
     uint32_t at, length;
   };
+  enum class Step { done, other, wrong };  // other: a code of another kind is next, or there are too few bits
+
+  // kBatch codes, between a clear and a change of anything. Most of all codes come here.
+  Step takeSome(GifBits* input) {
+    GifBits in = *input;
+    in.refill();
+    if (written.size() - end < kBatch * size_t{kMaxCodes} + kAtOnce) makeSpace(kBatch * size_t{kMaxCodes});
+    Step step = Step::done;
+    for (int i = 0; i < kBatch; ++i) {
+      const int code = in.peek(bits);
+      if ((code & ~1) == clear) {
+        step = Step::other;
+        break;
+      }
+      if (code > count) {
+        step = Step::wrong;
+        break;
+      }
+      in.drop(bits);
+      entries[size_t(count++)] = {last.at, last.length + 1};
+      write(entries[size_t(code)]);
+    }
+    if (end - row >= width) passRowsOn();
+    *input = in;
+    return step;
+  }
+
+  Step takeOne(GifBits* in) {
+    if (in->count < bits) {
+      if (!in->canRefill()) return Step::other;
+      in->refill();
+    }
+    const int code = in->peek(bits);
+    if ((code & ~1) == clear) return Step::other;
+    in->drop(bits);
+    if (isFirst) {  // after a clear it means itself
+      if (code >= clear) return Step::wrong;
+    } else {
+      if (code > count || (code == count && count >= kMaxCodes)) return Step::wrong;
+      if (count < kMaxCodes) define();
+    }
+    isFirst = false;
+    const Entry entry = entries[size_t(code)];
+    if (written.size() - end < entry.length + kAtOnce) makeSpace(entry.length);
+    write(entry);
+    if (end - row >= width) passRowsOn();
+    return Step::done;
+  }
+
+  void write(Entry entry) {
+    copy(written.data() + entry.at, written.data() + end, entry.length);
+    last = {uint32_t(end), entry.length};
+    end += entry.length;
+  }
 
   // The next code is the one before, and the index that follows it. A dictionary that is full stays as it is.
-  void define(Entry before) {
-    entries[size_t(count)] = {before.at, before.length + 1};
+  void define() {
+    entries[size_t(count)] = {last.at, last.length + 1};
     if (++count == kMaxCodes) kept = end + 1;
     if (count == 1 << bits && bits < kMaxBits) ++bits;
   }
@@ -152,14 +189,18 @@ class Expander {
     for (; end - row >= width; row += width) sink.put(written.data() + row, width);
   }
 
-  // Where no entry points at what lies between those kept and the unfinished row, that goes; else the buffer grows,
-  // which 4,096 entries of 4,096 indices bound.
+  // What lies between the indices kept and the unfinished row, where no entry points at it; at least a row, so that
+  // moving costs no more than writing did.
+  void dropRows() {
+    if (row <= kept + width) return;
+    std::memmove(written.data() + kept, written.data() + row, end - row);
+    end -= row - kept;
+    row = kept;
+  }
+
+  // The buffer grows as far as 4,096 entries of 4,096 indices need it.
   void makeSpace(size_t length) {
-    if ((isFirst || count == kMaxCodes) && row > kept + width) {
-      std::memmove(written.data() + kept, written.data() + row, end - row);
-      end -= row - kept;
-      row = kept;
-    }
+    if (count == kMaxCodes) dropRows();
     if (written.size() - end < length + kAtOnce + kLeastSpace / 2) written.resize(2 * (end + length + kLeastSpace));
   }
 
@@ -168,7 +209,7 @@ class Expander {
   RowSink& sink;
   int count;
   bool isFirst;
-  Entry last{};
+  Entry last{};     // what was written for the code before
   size_t kept;      // once no more are defined, entries point at nothing from here on
   size_t row, end;  // where the unfinished row begins, and where what is written ends
   std::vector<uint8_t> written;
