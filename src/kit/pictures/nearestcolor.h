@@ -1,6 +1,10 @@
 // The entry of a palette that is nearest to a colour.
+//
+// Colour space is cut into cells. Of the palette few colours can be nearest to anything in a cell; those are found when
+// the cell is first asked for, so an object is for one thread.
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "kit/pictures/enginecolors.h"
@@ -14,10 +18,17 @@ class NearestColor {
   const EngineColor& at(size_t number) const { return colors[number]; }
 
  private:
-  struct Entry {
+  struct Candidate {
     EngineColor color;
-    size_t number;
+    uint32_t number;
   };
+  struct Cell {
+    uint32_t begin = 0, end = 0;  // in `candidates`; none while not asked for
+  };
+
+  Cell candidatesFor(size_t cell) const;
+
   std::vector<EngineColor> colors;
-  std::vector<Entry> byLuma;
+  mutable std::vector<Cell> cells;
+  mutable std::vector<Candidate> candidates;
 };
