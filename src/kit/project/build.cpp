@@ -414,21 +414,22 @@ BuildReport buildProject(const Project& project, const BuildOptions& options) {
 }
 
 std::vector<std::string> cleanProject(const Project& project, const KitWarn& warn) {
+  std::map<std::string, std::set<std::string>> written;  // hashes by files
+  for (const auto& [name, step] : readRecords(project).steps)
+    for (const FileRecord& output : step.outputs) written[output.name].insert(output.hash);
   std::set<std::string> folders, removed;
   std::error_code error;
-  for (const auto& [name, step] : readRecords(project).steps)
-    for (const FileRecord& output : step.outputs) {
-      const std::string path = outputPath(project, output.name);
-      const std::string hash = fileHash(path);
-      if (hash.empty()) continue;
-      if (hash != output.hash) {
-        if (warn) warn({path, 0, "was changed after it was built, and stays"});
-        continue;
-      }
-      fs::remove(path, error);
-      if (!isLineTable(path)) removed.insert(path);
-      folders.insert(fs::path(output.name).parent_path().generic_string());
+  for (const auto& [name, hashes] : written) {
+    const std::string path = outputPath(project, name), hash = fileHash(path);
+    if (hash.empty()) continue;
+    if (!hashes.contains(hash)) {
+      if (warn) warn({path, 0, "was changed after it was built, and stays"});
+      continue;
     }
+    fs::remove(path, error);
+    if (!isLineTable(path)) removed.insert(path);
+    folders.insert(fs::path(name).parent_path().generic_string());
+  }
   for (const char* record : {kManifestName, kClaimsName, kPackRecordName})
     fs::remove(outputPath(project, record), error);
   // The deepest first; a folder with anything in it stays.

@@ -266,8 +266,9 @@ TEST_F(ProjectTest, AnInterruptedBuildKnowsItsFilesAgain) {
     const bool isFirst = !fs::exists("build/.vistrel-build.json");
     if (!isFirst) fs::copy_file("build/.vistrel-build.json", "before");
     make(2, [] {
+      std::error_code nothingYet;
       fs::remove("claims");  // which copying can't replace everywhere
-      fs::copy_file("build/.vistrel-build.claims", "claims");
+      fs::copy_file("build/.vistrel-build.claims", "claims", nothingYet);
     });
     fs::rename("claims", "build/.vistrel-build.claims");
     fs::remove("build/.vistrel-build.json");
@@ -290,7 +291,17 @@ TEST_F(ProjectTest, AnInterruptedBuildKnowsItsFilesAgain) {
   writeText("tools.bob", "define f() { return 3; }\n");
   picture("art/logo.png", 0xC040C0);
   EXPECT_EQ(make(), (Files{"art/logo.clut", "menu.kpg", "tools.bobo"}));
+  // Both are the build's own to remove.
+  writeText("tools.bob", "define f() { return 4; }\n");
+  makeHalf();
+  writeText("build/menu.kpg", "changed");
+  std::string said;
+  cleanProject(readProject(kProjectFileName), [&](const KitMessage& warning) { said += warning.whole() + "\n"; });
+  EXPECT_EQ(said, "build/menu.kpg: was changed after it was built, and stays\n");
+  EXPECT_EQ(contents("build").size(), 1u);
+  fs::remove_all("build");
   // But what somebody has changed since is theirs.
+  make();
   picture("art/logo.png", 0x4040C0);
   makeHalf();
   writeText("build/art/logo.clut", "changed");
