@@ -14,6 +14,10 @@
 #include "gfx/pixel/wide16.h"
 #include "platform/cpu.h"
 
+#ifdef VISTREL_AVX2
+#include <immintrin.h>
+#endif
+
 namespace {
 
 constexpr int32_t kLongSpan = 64;  // pixels, from which on it pays to ask for wider stores
@@ -95,12 +99,11 @@ struct WiderColor {
 
 constexpr Wider8 kWiderLanes = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
 
-// The bytes from `from` on that lie before end, then any; there are sixteen before end.
+// The bytes from `from` on that lie before end, then any. At least sixteen lie before end.
 VISTREL_AVX2 inline Wider8 LoadBefore(const uint8_t* end, const uint8_t* from) {
-  Wider8 bytes;
   const ptrdiff_t missing = std::max<ptrdiff_t>(kWider - (end - from), 0);
-  std::memcpy(&bytes, from - missing, sizeof bytes);
-  return __builtin_shuffle(bytes, kWiderLanes + uint8_t(missing));
+  const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from - missing));
+  return Wider8(_mm_shuffle_epi8(bytes, __m128i(kWiderLanes + uint8_t(missing))));
 }
 
 // A mask of sixteen bytes or more. Pixels of rows can be written up to the next whole sixteen.
