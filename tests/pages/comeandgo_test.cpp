@@ -1,5 +1,6 @@
 // Pages with each kind of widget that are loaded, used and unloaded, over and over: nothing of them stays in memory.
 #include <algorithm>
+#include <ostream>
 
 #include "engine/engine.h"
 #include "gfx/foundation/hsdebug.h"
@@ -14,6 +15,8 @@ struct Kind {
   const char* widget;
   const char* script;  // at the console, while the page is there
 };
+
+void PrintTo(const Kind& kind, std::ostream* out) { *out << kind.name; }
 
 constexpr Kind kKinds[] = {
     {"plain", "bgColor: 0x20808000", "w.Hide(true);"},
