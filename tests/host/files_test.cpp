@@ -35,6 +35,9 @@ TEST_F(HostTest, NamesLeadThroughEitherSeparatorAndAnyCaseButTheExactOneFirst) {
 }
 
 TEST_F(HostTest, EveryReaderClosesItsFile) {
+#ifdef _WIN32
+  GTEST_SKIP() << "those of Wine itself would be counted";
+#endif
   const std::filesystem::path descriptors = "/proc/self/fd";
   if (!std::filesystem::exists(descriptors)) GTEST_SKIP() << "open files can't be counted here";
   const auto openFiles = [&] {
