@@ -98,17 +98,17 @@ TEST_P(FileWatchTest, ASaveThatChangesNothingIsNone) {
 }
 
 TEST_P(FileWatchTest, WhatDoesNotExistIsWaitedForWithItsFolders) {
-  const fs::path picture = folder.path() / "art" / "work" / "logo.png";
+  const fs::path picture = folder.path() / "art" / "logos" / "logo.png";
   watch.watch({picture});
   fs::create_directories(picture.parent_path());
   EXPECT_EQ(wait(kShort), Names{});
   write(picture, "pixels");
-  EXPECT_EQ(wait(kLong), Names{"art/work/logo.png"});
+  EXPECT_EQ(wait(kLong), Names{"art/logos/logo.png"});
   fs::remove_all(folder.path() / "art");
-  EXPECT_EQ(wait(kLong), Names{"art/work/logo.png"});
+  EXPECT_EQ(wait(kLong), Names{"art/logos/logo.png"});
   fs::create_directories(picture.parent_path());
   write(picture, "others");
-  EXPECT_EQ(wait(kLong), Names{"art/work/logo.png"});
+  EXPECT_EQ(wait(kLong), Names{"art/logos/logo.png"});
 }
 
 // A page was read, then saved, and only then does the list of its files come.
