@@ -260,7 +260,7 @@ void OutputFiles::finish() {
 }
 
 // After a rename that failed. Not every disk can give a file two names: without an old one to come back, a new one
-// stays, and its name is told.
+// stays, and the error reports its path.
 void OutputFiles::failAt(size_t failed, std::error_code error) {
   std::vector<const Beside*> staying;
   for (size_t i = failed; i-- > 0;) {

@@ -119,7 +119,7 @@ test('the console runs scripts, and one that does not end is ended', async () =>
   await context.close();
 });
 
-test('what happened on the page is told, and can be filtered', async () => {
+test('what happened on the page is listed, and can be filtered', async () => {
   const {page, context} = await open();
   await chooseArchive(page, {'page.yaml': bytes('flags: 16bit\npage: {type: group, width: 720, height: 480, onLoad: "stdout.Display(40 + 2);"}\n')});
   await page.getByText('What happened').click();
@@ -134,7 +134,7 @@ test('what happened on the page is told, and can be filtered', async () => {
   await context.close();
 });
 
-test('the widgets are told with their attributes, and the map of the focus lies over the screen', async () => {
+test('the widgets are listed with their attributes, and the map of the focus lies over the screen', async () => {
   const {page, context} = await open();
   await page.getByText('Widgets and focus').click();
   await page.locator('#widgets button').filter({hasText: 'list0'}).filter({hasText: 'has the focus'}).waitFor();

@@ -1,7 +1,7 @@
 // The walk over a path's edges, row by row.
 //
 // What a row needs of the active edges lies in arrays, in order of X, so that several edges take a step at once.
-// Between one edge's begin or end and the next nothing else happens: which edges bound a span is worked out once, and
+// Between one edge's begin or end and the next nothing else happens: which edges bound a span is computed once, and
 // again only when a step has taken an edge past another.
 #pragma once
 

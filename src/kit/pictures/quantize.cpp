@@ -73,7 +73,7 @@ struct Box {
   bool operator<(const Box& other) const { return error < other.error; }
 };
 
-// What lies before a cut and what lies behind it, worked out together.
+// The sums before a cut and after it, computed together.
 class Parts {
  public:
   explicit Parts(const Sums& all) : count{0, all.count} {
