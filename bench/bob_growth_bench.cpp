@@ -1,0 +1,67 @@
+// How the cost of the language grows: with the properties of an object, and with the objects that a collection moves.
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <string>
+
+#include "bob/bob.h"
+
+namespace {
+
+// A runtime with the largest heap there is, in which a source has run.
+class Runtime {
+ public:
+  explicit Runtime(const std::string& source) : interp(bobMakeInterp(262136, 0, 65536)) {
+    bobRegisterGlobals(interp);
+    bobInitCompiler(interp);
+    BobStringInput input(source);
+    worked = bobTry(interp, [&] { bobRunSource(bobRootScope(interp), &input, nullptr); });
+  }
+  ~Runtime() { bobDestroyInterp(interp); }
+  Runtime(const Runtime&) = delete;
+  Runtime& operator=(const Runtime&) = delete;
+
+  int32_t call(const char* function) {
+    int32_t result = -1;
+    bobTry(interp, [&] { result = bobIntegerValue(interp, bobCallByName(bobRootScope(interp), function, {})); });
+    return result;
+  }
+
+  BobInterp* const interp;
+  bool worked = false;
+};
+
+// A new object gets so many properties and is asked for each; ten statements a function, all called by one.
+std::string propertiesSource(int64_t count) {
+  std::string parts, calls = "define bench() {\n  local o, sum = 0;\n  o = new Object();\n";
+  for (int64_t part = 0; part < (count + 9) / 10; ++part) {
+    const std::string name = "part" + std::to_string(part);
+    std::string sets, gets = "0";
+    for (int64_t i = part * 10; i < std::min(count, part * 10 + 10); ++i) {
+      const std::string property = "o.p" + std::to_string(i);
+      sets += "  " + property + " = " + std::to_string(i) + ";\n";
+      gets += " + " + property;
+    }
+    parts += "define " + name + "(o) {\n" + sets + "  return " + gets + ";\n}\n";
+    calls += "  sum = sum + " + name + "(o);\n";
+  }
+  return parts + calls + "  return sum;\n}\n";
+}
+
+void Properties(benchmark::State& state) {
+  const int64_t count = state.range(0);
+  Runtime runtime(propertiesSource(count));
+  for (auto _ : state)
+    if (runtime.call("bench") != count * (count - 1) / 2) return state.SkipWithError("the sum is wrong");
+}
+BENCHMARK(Properties)->Name("properties")->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
+
+void Collection(benchmark::State& state) {
+  Runtime runtime("keep = \\[];\ndefine fill() {\n  local i;\n  for (i = 0; i < " + std::to_string(state.range(0)) +
+                  "; ++i) keep.Push(\\[i, \"text\", \\{ a: i, b: 2 }]);\n  return keep.size;\n}\n");
+  if (runtime.call("fill") != state.range(0)) return state.SkipWithError("the heap has no room");
+  for (auto _ : state) bobCollect(runtime.interp);
+}
+BENCHMARK(Collection)->Name("collection")->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
