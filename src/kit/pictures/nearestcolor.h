@@ -1,7 +1,8 @@
 // The entry of a palette that is nearest to a colour.
 //
 // Colour space is cut into cells. Of the palette few colours can be nearest to anything in a cell; those are found when
-// the cell is first asked for, so an object is for one thread.
+// the cell is first asked for, so an object is for one thread. Distances to four colours are computed at once, as
+// floats, which hold all of them exactly.
 #pragma once
 
 #include <cstdint>
@@ -18,17 +19,21 @@ class NearestColor {
   const EngineColor& at(size_t number) const { return colors[number]; }
 
  private:
-  struct Candidate {
-    EngineColor color;
-    uint32_t number;
+  using Four = float __attribute__((vector_size(16)));
+  struct FourColors {
+    Four y, cr, cb;
   };
   struct Cell {
     uint32_t begin = 0, end = 0;  // in `candidates`; none while not asked for
   };
 
-  Cell candidatesFor(size_t cell) const;
+  static Four distances(const FourColors& a, const FourColors& b);
+  static void put(std::vector<FourColors>* to, size_t place, const EngineColor& color);
+  Cell candidatesFor(const EngineColor& color) const;
 
   std::vector<EngineColor> colors;
+  std::vector<FourColors> palette;  // the same colours
   mutable std::vector<Cell> cells;
-  mutable std::vector<Candidate> candidates;
+  mutable std::vector<FourColors> candidates;
+  mutable std::vector<uint32_t> numbers;  // of the candidates, four for each
 };

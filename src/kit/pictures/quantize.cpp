@@ -11,27 +11,9 @@
 namespace {
 
 constexpr std::array<double, 3> kWeights = {2, 1, 1};  // of Y, Cr and Cb, as in colorDistance
-constexpr size_t kManyColors = 256;                    // from which on they are sorted by bytes
 constexpr int kRounds = 8;                             // of refinement; the gain of a ninth is below a percent
 
-double channel(uint32_t color, size_t n) { return double(color >> (24 - 8 * n) & 255); }
-
-// By one channel, then by the others from the brightest on.
-uint32_t keyBy(size_t axis, uint32_t color) { return (color >> (24 - 8 * axis)) << 24 | color >> 8; }
-
-// Sorts by a key of four bytes, one byte after the other; equal ones stay as they were.
-template <class T, class Key>
-void sortByBytes(T* items, size_t count, const Key& key) {
-  std::vector<T> other(count);
-  T *from = items, *to = other.data();
-  for (int shift = 0; shift < 32; shift += 8) {
-    std::array<size_t, 257> places{};
-    for (size_t i = 0; i < count; ++i) ++places[(key(from[i]) >> shift & 255) + 1];
-    for (size_t i = 1; i < places.size(); ++i) places[i] += places[i - 1];
-    for (size_t i = 0; i < count; ++i) to[places[key(from[i]) >> shift & 255]++] = from[i];
-    std::swap(from, to);
-  }
-}
+size_t channel(uint32_t color, size_t n) { return color >> (24 - 8 * n) & 255; }
 
 // Of pixels. Whole numbers, and below 2^53: doubles hold them exactly.
 struct Sums {
@@ -40,8 +22,25 @@ struct Sums {
 
   void add(const ColorCount& c) {
     count += c.count;
-    for (size_t n = 0; n < 3; ++n) sum[n] += c.count * channel(c.color, n);
+    for (size_t n = 0; n < 3; ++n) sum[n] += c.count * double(channel(c.color, n));
   }
+  // The part of the whole error that depends on a cut of which this is one side; the greater the better.
+  double cohesion() const {
+    double all = 0;
+    for (size_t n = 0; n < 3; ++n) all += kWeights[n] * sum[n] * sum[n];
+    return count == 0 ? 0 : all / count;
+  }
+  Sums& operator+=(const Sums& other) {
+    count += other.count;
+    for (size_t n = 0; n < 3; ++n) sum[n] += other.sum[n];
+    return *this;
+  }
+  Sums& operator-=(const Sums& other) {
+    count -= other.count;
+    for (size_t n = 0; n < 3; ++n) sum[n] -= other.sum[n];
+    return *this;
+  }
+
   uint32_t mean() const {
     uint32_t color = 0;
     for (size_t n = 0; n < 3; ++n) color |= uint32_t(std::lround(sum[n] / count)) << (24 - 8 * n);
@@ -61,7 +60,7 @@ struct Box {
     for (size_t i = begin; i < end; ++i) {
       sums.add(colors[i]);
       for (size_t n = 0; n < 3; ++n) {
-        const double v = channel(colors[i].color, n);
+        const auto v = double(channel(colors[i].color, n));
         squares[n] += colors[i].count * v * v;
       }
     }
@@ -73,53 +72,27 @@ struct Box {
   bool operator<(const Box& other) const { return error < other.error; }
 };
 
-// The sums before a cut and after it, computed together.
-class Parts {
- public:
-  explicit Parts(const Sums& all) : count{0, all.count} {
-    for (size_t n = 0; n < 3; ++n) sum[n] = Pair{0, all.sum[n]};
+// Parts the box along the channel in which it misses most, by a value, where the least error is left. Returns where the
+// second part begins.
+size_t cut(std::vector<ColorCount>* colors, const Box& box) {
+  const size_t axis = size_t(std::max_element(box.errors.begin(), box.errors.end()) - box.errors.begin());
+  std::array<Sums, 256> sums;  // of the colours with a value of the channel
+  for (size_t i = box.begin; i < box.end; ++i) sums[channel((*colors)[i].color, axis)].add((*colors)[i]);
+  Sums before, after = box.sums;
+  size_t bestValue = 0;
+  double most = -1;
+  for (size_t value = 0; value < 255; ++value) {
+    if (sums[value].count == 0) continue;
+    before += sums[value];
+    after -= sums[value];
+    const double cohesion = before.cohesion() + after.cohesion();
+    if (after.count == 0 || cohesion <= most) continue;
+    most = cohesion;
+    bestValue = value;
   }
-  void moveCut(const ColorCount& c) {
-    constexpr Pair kBothWays = {1, -1};
-    const Pair moved = kBothWays * c.count;
-    count += moved;
-    for (size_t n = 0; n < 3; ++n) sum[n] += moved * channel(c.color, n);
-  }
-  // The part of the whole error that depends on the cut; the greater the better.
-  double cohesion() const {
-    Pair all{};
-    for (size_t n = 0; n < 3; ++n) all += kWeights[n] * sum[n] * sum[n];
-    all /= count;
-    return all[0] + all[1];
-  }
-
- private:
-  using Pair = double __attribute__((vector_size(16)));
-  Pair count, sum[3];
-};
-
-// Sorts the box along the channel that it is widest in, and finds the cut that leaves the least error.
-size_t bestCut(std::vector<ColorCount>* colors, const Box& box) {
-  size_t axis = 0;
-  for (size_t n : {1, 2})
-    if (box.errors[n] > box.errors[axis]) axis = n;
-  const auto key = [axis](const ColorCount& c) { return keyBy(axis, c.color); };
-  if (box.end - box.begin < kManyColors)
-    std::sort(colors->begin() + long(box.begin), colors->begin() + long(box.end),
-              [key](const auto& a, const auto& b) { return key(a) < key(b); });
-  else
-    sortByBytes(colors->data() + box.begin, box.end - box.begin, key);
-  Parts parts(box.sums);
-  size_t best = box.begin + 1;
-  double bestCohesion = -1;
-  for (size_t i = box.begin; i + 1 < box.end; ++i) {
-    parts.moveCut((*colors)[i]);
-    const double cohesion = parts.cohesion();
-    if (cohesion <= bestCohesion) continue;
-    bestCohesion = cohesion;
-    best = i + 1;
-  }
-  return best;
+  const auto end = std::partition(colors->begin() + long(box.begin), colors->begin() + long(box.end),
+                                  [=](const ColorCount& c) { return channel(c.color, axis) <= bestValue; });
+  return size_t(end - colors->begin());
 }
 
 // Cuts the box with the greatest error in two, again and again.
@@ -134,9 +107,9 @@ std::vector<uint32_t> split(std::vector<ColorCount>* colors, size_t most) {
       palette.push_back(box.sums.mean());
       continue;
     }
-    const size_t cut = bestCut(colors, box);
-    boxes.emplace(*colors, box.begin, cut);
-    boxes.emplace(*colors, cut, box.end);
+    const size_t middle = cut(colors, box);
+    boxes.emplace(*colors, box.begin, middle);
+    boxes.emplace(*colors, middle, box.end);
   }
   for (; !boxes.empty(); boxes.pop()) palette.push_back(boxes.top().sums.mean());
   return palette;
@@ -161,11 +134,23 @@ void refine(const std::vector<ColorCount>& colors, const std::vector<uint32_t>& 
   }
 }
 
+// By their upper three bytes, one after the other.
+void sortColors(std::vector<uint32_t>* words) {
+  std::vector<uint32_t> other(words->size());
+  for (const int shift : {8, 16, 24}) {
+    std::array<size_t, 257> places{};
+    for (const uint32_t word : *words) ++places[(word >> shift & 255) + 1];
+    for (size_t i = 1; i < places.size(); ++i) places[i] += places[i - 1];
+    for (const uint32_t word : *words) other[places[word >> shift & 255]++] = word;
+    words->swap(other);
+  }
+}
+
 }  // namespace
 
 std::vector<ColorCount> countColors(std::vector<uint32_t> pixels) {
   std::erase(pixels, kTransparentPixel);
-  sortByBytes(pixels.data(), pixels.size(), [](uint32_t pixel) { return pixel; });
+  sortColors(&pixels);
   std::vector<ColorCount> colors;
   for (uint32_t pixel : pixels) {
     if (colors.empty() || colors.back().color != pixel) colors.push_back({pixel, 0});

@@ -74,18 +74,23 @@ TEST(Quantize, FewColoursStayExactlyAndGivenOnesAreNotChosenAgain) {
             (std::vector<uint32_t>{0x42808000, 0xC0808000}));
 }
 
+// Palettes of all densities: with hundreds of colours around a point, ties among them, and with few far from it.
 TEST(NearestColor, AgreesWithAWalkOverAllColours) {
   std::mt19937 random(5);
-  std::vector<uint32_t> palette;
-  for (int i = 0; i < 200; ++i) palette.push_back(uint32_t(random()) & 0x3F3F3F00);
-  const NearestColor nearest(palette);
-  for (int i = 0; i < 5000; ++i) {
-    const EngineColor color(uint32_t(random()) & 0x7F7F7F00);
-    size_t best = 0;
-    for (size_t n = 1; n < palette.size(); ++n)
-      if (colorDistance(EngineColor(palette[n]), color) < colorDistance(EngineColor(palette[best]), color)) best = n;
-    ASSERT_EQ(nearest.find(color), best) << i;
-  }
+  for (const size_t size : {1, 3, 64, 200, 255})
+    for (const uint32_t bits : {0x03030300u, 0x0F0F0F00u, 0x3F3F3F00u, 0xFFFFFF00u}) {
+      std::vector<uint32_t> palette;
+      for (size_t i = 0; i < size; ++i) palette.push_back(uint32_t(random()) & bits);
+      const NearestColor nearest(palette);
+      for (int i = 0; i < 1000; ++i) {
+        const EngineColor color(uint32_t(random()) & (i % 2 ? bits : 0xFFFFFF00));
+        size_t best = 0;
+        for (size_t n = 1; n < size; ++n)
+          if (colorDistance(EngineColor(palette[n]), color) < colorDistance(EngineColor(palette[best]), color))
+            best = n;
+        ASSERT_EQ(nearest.find(color), best) << size << ' ' << std::hex << bits << ' ' << i;
+      }
+    }
 }
 
 TEST(Dither, SharesWhatAPixelMissesBySixteenths) {
