@@ -4,6 +4,7 @@
 // ignores case. A page opens plain files alone whatever the rules: it would wait at a pipe for ever.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <vector>
 
@@ -11,6 +12,7 @@ struct FileAccess {
   bool readAnywhere = true;
   bool writeAnywhere = false;                   // or in the page's folder and in those within it
   bool scriptsOpenFiles = true;                 // or the player alone, for what pages are made of
+  uintmax_t largest = UINTMAX_MAX;              // bytes of a file: the player reads most kinds whole
   std::vector<std::filesystem::path> readable;  // files, and folders with all in them, beside the page's own
 
   // Both for a full name. The first is for a file that exists; what is to be written may be new.

@@ -145,6 +145,12 @@ const std::string* findInMemory(const fs::path& name) {
   return nullptr;
 }
 
+bool isLarger(const fs::path& file, uintmax_t bytes) {
+  std::error_code error;
+  const uintmax_t size = bytes == UINTMAX_MAX ? 0 : fs::file_size(file, error);
+  return !error && size > bytes;
+}
+
 void refuse(const char* name, const char* why) { hostLog("'%s' is not opened: %s\n", name, why); }
 
 }  // namespace
@@ -160,6 +166,10 @@ HostFile* hostOpen(const char* name) {
   const fs::path path = resolve(wanted);
   if (shell && !path.empty() && !shell->access.mayRead(path, shell->folder)) {
     refuse(name, "it is outside the folders that the page may read");
+    return nullptr;
+  }
+  if (shell && !path.empty() && isLarger(path, shell->access.largest)) {
+    refuse(name, "it is too large");
     return nullptr;
   }
   if (!path.empty()) file->disk.reset(openFile(path, "rb"));

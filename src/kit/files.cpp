@@ -20,6 +20,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr int kMaxLinks = 40;
+constexpr uintmax_t kMostReserved = 1 << 30;  // bytes
 
 std::error_code lastError() { return {errno, std::generic_category()}; }
 
@@ -195,8 +196,11 @@ std::vector<uint8_t> readFile(const std::string& path) {
   if (fs::is_directory(path, error)) throw KitError(path, "is a folder; name a file in it");
   Descriptor file(openDescriptor(path, O_RDONLY));
   if (!file.isOpen()) throw KitError(path, lastError().message());
+  constexpr size_t kBlock = 64 << 10;
   std::vector<uint8_t> bytes;
-  for (constexpr size_t kBlock = 64 << 10;;) {
+  const uintmax_t size = fs::file_size(path, error);
+  if (!error && size < kMostReserved) bytes.reserve(size_t(size) + kBlock);  // the end shows at the next block
+  for (;;) {
     const size_t before = bytes.size();
     bytes.resize(before + kBlock);
     const ssize_t count = file.read(bytes.data() + before, kBlock);

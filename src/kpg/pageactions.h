@@ -8,7 +8,7 @@
 #include "kit/run/runlimits.h"
 #include "kpg/commandline.h"
 
-// What the page may use: --files, --timeout, which is 10 by default, and --max-steps.
+// What the page may use: --files, --timeout, which is 10 by default, --max-steps and --max-memory, 128.
 void addRunLimits(KpgCommand& command, RunLimits& limits);
 
 // `take` gets each action.

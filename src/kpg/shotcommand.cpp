@@ -44,7 +44,9 @@ bool forward(const std::string& aside) {
   return complained;
 }
 
-bool isCutShort(const std::string& page) try { return pageIsCutShort(readFile(page)); } catch (const KitError&) {
+bool isCutShort(const std::string& page) try {
+  return fs::file_size(page) <= kLargestFile && pageIsCutShort(readFile(page));
+} catch (const std::exception&) {
   return false;  // the log will say what is wrong
 }
 

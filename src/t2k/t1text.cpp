@@ -44,6 +44,29 @@ int32_t ReadWhole(T1Text& text) {
   return int32_t(negative ? -value : value);
 }
 
+namespace {
+
+// a * 10^exponent as 16.16 to nearest, halves up, cut at what 31 bits hold. a stays below 2^54: of it 22 decimals down
+// nothing is left, and no step here needs more than 64 bits.
+uint64_t FixedOf(uint64_t a, int64_t exponent) {
+  for (; exponent > 0 && a <= kPosInfinity32; --exponent) a *= 10;
+  if (exponent < -21) return 0;
+  uint64_t divisor = 1;
+  int shift = 16;
+  for (; exponent < 0; ++exponent, --shift) divisor *= 5;  // and a two of each ten is taken from the shift
+  if (shift < 0) divisor <<= -shift;
+  uint64_t quotient = a / divisor, rest = a % divisor;
+  for (; shift > 0 && quotient <= kPosInfinity32; --shift) {
+    rest *= 2;
+    quotient = quotient * 2 + (rest >= divisor);
+    if (rest >= divisor) rest -= divisor;
+  }
+  quotient += 2 * rest >= divisor;
+  return std::min<uint64_t>(quotient, kPosInfinity32);
+}
+
+}  // namespace
+
 bool ReadFixed(T1Text& text, int32_t scale, hsFixed* value) {
   while (!text.AtEnd() && (IsBlank(*text.at) || *text.at == '[')) ++text.at;
   const bool negative = TakeSign(text);
@@ -69,14 +92,7 @@ bool ReadFixed(T1Text& text, int32_t scale, hsFixed* value) {
     exponent += std::clamp(ReadWhole(text), -1000, 1000);
   }
 
-  // digits * scale * 65536 * 10^exponent; digits stay below 2^44 and a saturated product needs no more.
-  unsigned __int128 product = static_cast<unsigned __int128>(digits) * unsigned(scale) << 16;
-  const unsigned __int128 ceiling = static_cast<unsigned __int128>(1) << 110;
-  for (; exponent > 0 && product < ceiling; --exponent) product *= 10;
-  unsigned __int128 divisor = 1;
-  for (; exponent < 0 && divisor < ceiling; ++exponent) divisor *= 10;
-  const unsigned __int128 magnitude = (product + divisor / 2) / divisor;
-  const auto cut = int64_t(std::min<unsigned __int128>(magnitude, kPosInfinity32));
-  *value = int32_t(negative ? -cut : cut);
+  const auto cut = int32_t(FixedOf(uint64_t(digits) * uint64_t(scale), exponent));
+  *value = negative ? -cut : cut;
   return true;
 }

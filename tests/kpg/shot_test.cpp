@@ -1,5 +1,6 @@
 // kpg shot: sources, what it says is wrong, and what runs for ever.
 #include "kpgfixture.h"
+#include "platform/residentmemory.h"
 
 namespace {
 
@@ -225,6 +226,30 @@ TEST_F(ShotTest, ScriptsEndAfterSoManySteps) {
   EXPECT_EQ(out, "--> nil\n--> nil\n");
   EXPECT_EQ(kpg("shot p.kpg --max-steps 900" + loop), 1);
   EXPECT_TRUE(err.starts_with("p.kpg: stopped after 900 steps of its scripts in <CompiledCode-")) << err;
+}
+
+TEST_F(ShotTest, APageThatTakesMemoryWithoutEndIsEnded) {
+  if (residentMemory() == 0) GTEST_SKIP() << "nobody knows how much there is";
+  writeText("large.kpg", std::string(1 << 20, '\0'));
+  const std::string page =
+      "page: {type: group, children: [{type: select, name: s}], onLoad: 'text = \"0123456789\"; i = 0;\n";
+  const std::string longer = "    for (; i < 10; ++i) text = text + text;\n";
+  for (const std::string taking : {"widgets.s.AddElement(text);", "kept = new StringTable(\"large.kpg\");"}) {
+    build("p.kpg", page + longer + "    for (j = 0; ; ++j) " + taking + "'}");
+    EXPECT_EQ(kpg("shot p.kpg --max-memory 16"), 1);
+    EXPECT_TRUE(err.starts_with("p.kpg: stopped after 16 megabytes of memory in")) << err;
+  }
+  build("p.kpg", page + "    for (; i < 100000; ++i) \"a\" + \"b\";'}");  // which a collection clears away
+  EXPECT_EQ(kpg("shot p.kpg --max-memory 16"), 0) << err;
+}
+
+TEST_F(ShotTest, FilesLargerThanAnyPageOrFontAreNotRead) {
+  build("p.kpg", "page: {type: group, children: [{type: frame, src: large.kpg}]}");
+  writeText("large.kpg", "");
+  fs::resize_file("large.kpg", (64 << 20) + 1);  // all of it a hole
+  EXPECT_EQ(kpg("shot p.kpg --log -"), 0) << err;
+  EXPECT_NE(out.find("'large.kpg' is not opened: it is too large"), std::string::npos) << out;
+  EXPECT_EQ(kpg("shot large.kpg"), 1);
 }
 
 }  // namespace

@@ -22,6 +22,7 @@ PageRunOptions optionsOf(LiveFiles& files) {
   options.reach = FileReach::all;  // as the player does it
   options.readOnly = true;
   options.limitSeconds = kMostSeconds;
+  options.limitMemory = kUsualMemory;
   options.files = &files;
   return options;
 }

@@ -2,6 +2,8 @@
 
 #include <future>
 
+#include "platform/residentmemory.h"
+
 #if defined(__linux__) && __has_include(<linux/landlock.h>)
 #define HAS_LANDLOCK 1
 #include <fcntl.h>
@@ -71,6 +73,7 @@ void containThisThread(const ThreadFolders&) {}
 }  // namespace
 
 void runContained(const ThreadFolders& folders, const std::function<void()>& work) {
+  residentMemory();  // which can't open what it reads in there
   std::async(std::launch::async, [&] {
     containThisThread(folders);
     work();

@@ -33,6 +33,7 @@ ThreadFolders foldersOf(const std::string& page, const RunLimits& limits) {
 PageRun::PageRun(const PageRunOptions& options) : lines(options.lines), desktop(options) {
   FileAccess& access = desktop.shell.access;
   access.readAnywhere = access.writeAnywhere = options.reach == FileReach::all;
+  if (!access.readAnywhere) access.largest = kLargestFile;
   access.scriptsOpenFiles = options.reach != FileReach::none;
   desktop.shell.engine.scriptsMayWriteFiles = !options.readOnly;
   if (!desktop.start()) throw std::bad_alloc();

@@ -5,11 +5,16 @@
 #include <ctime>
 #include <iterator>
 
+#include "platform/residentmemory.h"
+
 namespace {
 
-constexpr size_t kMostLog = size_t{16} << 20;  // bytes
-constexpr size_t kMostComplaints = 1000;       // more tell nobody anything new
-constexpr uint32_t kStepsBetweenLooks = 1 << 14;
+constexpr size_t kMostLog = size_t{16} << 20;     // bytes
+constexpr size_t kMostComplaints = 1000;          // more tell nobody anything new
+constexpr uint32_t kStepsBetweenLooks = 1 << 12;  // few enough for a look at memory that steps take by kilobytes
+
+// They share the process's memory, so it may grow by as many limits.
+std::atomic<size_t> desktopsThatRun = 0;
 
 // What the system says while all is well.
 constexpr std::string_view kReports[] = {"Loading image '", "Loading CLUT '", "Caching '"};
@@ -26,6 +31,10 @@ bool isComplaint(std::string_view systemMessage) {
   return std::none_of(std::begin(kReports), std::end(kReports),
                       [&](std::string_view report) { return systemMessage.starts_with(report); });
 }
+
+RunDesktop::RunDesktop(const RunLimits& l) : limits(l), memoryBefore(residentMemory()) { ++desktopsThatRun; }
+
+RunDesktop::~RunDesktop() { --desktopsThatRun; }
 
 RunDesktop& RunDesktop::ofThisThread() {
   return static_cast<RunDesktop&>(static_cast<Shell&>(currentEngine()->host).desktop);
@@ -119,6 +128,17 @@ std::vector<std::string_view> RunDesktop::complaints() const {
   return texts;
 }
 
+// Fonts, tables and pages are read whole.
+void RunDesktop::fileOpened(const std::filesystem::path& path) {
+  read.insert(path);
+  const EngineScope here(shell.engine);
+  mayGoOn(scriptInterp());
+}
+
+bool RunDesktop::hasGrownTooMuch() const {
+  return limits.limitMemory != 0 && residentMemory() > memoryBefore + (limits.limitMemory << 20) * desktopsThatRun;
+}
+
 bool RunDesktop::mayGoOn(BobInterp* running) {
   if (!reason.empty()) return false;
   if (whileBusy) whileBusy();
@@ -126,6 +146,8 @@ bool RunDesktop::mayGoOn(BobInterp* running) {
     stop("stopped", running);
   } else if (log.size() > kMostLog) {
     stop(double(kMostLog >> 20), " megabytes of log", running);
+  } else if (hasGrownTooMuch()) {
+    stop(double(limits.limitMemory), limits.limitMemory == 1 ? " megabyte of memory" : " megabytes of memory", running);
   } else if (limits.limitSteps != 0 && steps >= limits.limitSteps) {
     stop(double(limits.limitSteps), limits.limitSteps == 1 ? " step of its scripts" : " steps of its scripts", running);
   } else if (const double limit = limits.limitSeconds; limit != 0) {

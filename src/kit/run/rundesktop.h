@@ -24,7 +24,8 @@ bool isComplaint(std::string_view systemMessage);
 class RunDesktop : public HeadlessDesktop {
  public:
   // Times are processor time of this thread. Without any limit a script can still be interrupted.
-  explicit RunDesktop(const RunLimits& l) : limits(l) {}
+  explicit RunDesktop(const RunLimits& limits);
+  ~RunDesktop();
 
   // After the engine has started: listens to its scripts. With `places` errors say where their code was written.
   void watchScripts(ScriptPlaces* places = nullptr);
@@ -63,7 +64,7 @@ class RunDesktop : public HeadlessDesktop {
   const std::string* fileMade(const std::filesystem::path& path) override {
     return makeFile ? makeFile(path) : nullptr;
   }
-  void fileOpened(const std::filesystem::path& path) override { read.insert(path); }
+  void fileOpened(const std::filesystem::path& path) override;
   void fileMissing(const std::filesystem::path& path) override { missing.insert(path); }
 
  private:
@@ -78,6 +79,7 @@ class RunDesktop : public HeadlessDesktop {
 
   static RunDesktop& ofThisThread();
   bool mayGoOn(BobInterp* running);
+  bool hasGrownTooMuch() const;
   void beginTurn(BobInterp* interp);
   void stop(const std::string& why, BobInterp* running);
   void stop(double count, const char* unit, BobInterp* running);
@@ -85,6 +87,7 @@ class RunDesktop : public HeadlessDesktop {
   void reportWithPlaces(BobInterp* interp, int code, const BobErrorArgument& argument);
 
   const RunLimits limits;
+  const size_t memoryBefore;     // bytes
   std::optional<double> begun;   // seconds of processor time; empty until somebody first asks
   size_t steps = 0;              // since then, those of the present turn included
   uint32_t stepsOfThisTurn = 0;  // which lasts until the script is looked at next

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string_view>
 
@@ -23,11 +24,15 @@ inline constexpr char kFileReachHelp[] =
     "default), "
     "all, or none";
 
-// A limit holds for each of these by itself: the load, a key, an evaluation, one millisecond of a wait. What goes
-// beyond is ended, and so is the run.
+// Limits of seconds and steps hold for each of these by itself: the load, a key, an evaluation, one millisecond of a
+// wait; that of memory holds for all together. What goes beyond is ended, and so is the run.
+inline constexpr size_t kUsualMemory = 128;          // megabytes
+inline constexpr uintmax_t kLargestFile = 64 << 20;  // bytes; no page, font or picture comes near it
+
 struct RunLimits {
   FileReach reach = FileReach::page;
   bool readOnly = false;    // every script's attempt to write a file fails
   double limitSeconds = 0;  // of processor time; 0 for no limit
   size_t limitSteps = 0;    // branches and calls of scripts; 0 for no limit
+  size_t limitMemory = 0;   // megabytes by which the process grows after the player has started; 0 for no limit
 };

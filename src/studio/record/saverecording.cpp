@@ -31,6 +31,7 @@ class FreshRun {
   PageRunOptions options() {
     PageRunOptions options;
     options.limitSeconds = 10;
+    options.limitMemory = kUsualMemory;
     options.readOnly = true;
     options.files = &files;
     return options;
