@@ -1,5 +1,5 @@
 # What the toolchains here share: this Debian as the target of a cross-build, with libraries of the build's own. Their
-# name is that of the toolchain's file; scripts/platform-libraries builds them.
+# name is that of the toolchain's file; scripts/check-platform builds them.
 set(CMAKE_SYSTEM_NAME Linux)
 get_filename_component(platform ${CMAKE_PARENT_LIST_FILE} NAME_WE)
 set(VISTREL_PLATFORM_LIBRARIES ${CMAKE_CURRENT_LIST_DIR}/../../build/${platform}/libraries)

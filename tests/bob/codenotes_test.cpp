@@ -199,7 +199,7 @@ TEST(RunningCode, IsAlwaysAtAnInstruction) {
         const auto& [code, offset] = running[i];
         const std::vector<BobCodeNotes::Instruction>& all = places->notes.at(bobCodeHash(interp, code)).instructions;
         const bool isThere =
-            std::any_of(all.begin(), all.end(), [&](const auto& n) { return uint32_t(n.offset) == offset; });
+            std::any_of(all.begin(), all.end(), [&, at = offset](const auto& n) { return uint32_t(n.offset) == at; });
         const std::string_view bytes = interp->stringOf(interp->words(code)[BobLayout::kCodeElements]);
         const uint8_t opcode = uint8_t(bytes[offset]);
         ++places->checks;
