@@ -11,7 +11,7 @@ namespace {
 
 constexpr size_t kMostLog = size_t{16} << 20;     // bytes
 constexpr size_t kMostComplaints = 1000;          // more tell nobody anything new
-constexpr uint32_t kStepsBetweenLooks = 1 << 12;  // few enough for a look at memory that steps take by kilobytes
+constexpr uint32_t kStepsBetweenLooks = 1 << 11;  // a step may take tens of kilobytes
 
 // They share the process's memory, so it may grow by as many limits.
 std::atomic<size_t> desktopsThatRun = 0;
