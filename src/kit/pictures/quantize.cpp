@@ -14,6 +14,7 @@ constexpr std::array<double, 3> kWeights = {2, 1, 1};  // of Y, Cr and Cb, as in
 constexpr int kRounds = 8;                             // of refinement; the gain of a ninth is below a percent
 
 size_t channel(uint32_t color, size_t n) { return color >> (24 - 8 * n) & 255; }
+double number(uint32_t color, size_t n) { return double(channel(color, n)); }
 
 // Of pixels. Whole numbers, and below 2^53: doubles hold them exactly.
 struct Sums {
@@ -22,25 +23,8 @@ struct Sums {
 
   void add(const ColorCount& c) {
     count += c.count;
-    for (size_t n = 0; n < 3; ++n) sum[n] += c.count * double(channel(c.color, n));
+    for (size_t n = 0; n < 3; ++n) sum[n] += c.count * number(c.color, n);
   }
-  // The part of the whole error that depends on a cut of which this is one side; the greater the better.
-  double cohesion() const {
-    double all = 0;
-    for (size_t n = 0; n < 3; ++n) all += kWeights[n] * sum[n] * sum[n];
-    return count == 0 ? 0 : all / count;
-  }
-  Sums& operator+=(const Sums& other) {
-    count += other.count;
-    for (size_t n = 0; n < 3; ++n) sum[n] += other.sum[n];
-    return *this;
-  }
-  Sums& operator-=(const Sums& other) {
-    count -= other.count;
-    for (size_t n = 0; n < 3; ++n) sum[n] -= other.sum[n];
-    return *this;
-  }
-
   uint32_t mean() const {
     uint32_t color = 0;
     for (size_t n = 0; n < 3; ++n) color |= uint32_t(std::lround(sum[n] / count)) << (24 - 8 * n);
@@ -60,7 +44,7 @@ struct Box {
     for (size_t i = begin; i < end; ++i) {
       sums.add(colors[i]);
       for (size_t n = 0; n < 3; ++n) {
-        const auto v = double(channel(colors[i].color, n));
+        const double v = number(colors[i].color, n);
         squares[n] += colors[i].count * v * v;
       }
     }
@@ -72,31 +56,99 @@ struct Box {
   bool operator<(const Box& other) const { return error < other.error; }
 };
 
-// Parts the box along the channel in which it misses most, by a value, where the least error is left. Returns where the
-// second part begins.
-size_t cut(std::vector<ColorCount>* colors, const Box& box) {
-  const size_t axis = size_t(std::max_element(box.errors.begin(), box.errors.end()) - box.errors.begin());
-  std::array<Sums, 256> sums;  // of the colours with a value of the channel
-  for (size_t i = box.begin; i < box.end; ++i) sums[channel((*colors)[i].color, axis)].add((*colors)[i]);
-  Sums before, after = box.sums;
-  size_t bestValue = 0;
-  double most = -1;
-  for (size_t value = 0; value < 255; ++value) {
-    if (sums[value].count == 0) continue;
-    before += sums[value];
-    after -= sums[value];
-    const double cohesion = before.cohesion() + after.cohesion();
-    if (after.count == 0 || cohesion <= most) continue;
-    most = cohesion;
-    bestValue = value;
+// The sums before a cut and after it, computed together.
+class Parts {
+ public:
+  explicit Parts(const Sums& all) : count{0, all.count} {
+    for (size_t n = 0; n < 3; ++n) sum[n] = Pair{0, all.sum[n]};
   }
-  const auto end = std::partition(colors->begin() + long(box.begin), colors->begin() + long(box.end),
-                                  [=](const ColorCount& c) { return channel(c.color, axis) <= bestValue; });
-  return size_t(end - colors->begin());
-}
+  void moveCut(const ColorCount& c) {
+    constexpr Pair kBothWays = {1, -1};
+    const Pair moved = kBothWays * c.count;
+    count += moved;
+    for (size_t n = 0; n < 3; ++n) sum[n] += moved * number(c.color, n);
+  }
+  // The part of the whole error that depends on the cut; the greater the better.
+  double cohesion() const {
+    Pair all{};
+    for (size_t n = 0; n < 3; ++n) all += kWeights[n] * sum[n] * sum[n];
+    all /= count;
+    return all[0] + all[1];
+  }
+
+ private:
+  using Pair = double __attribute__((vector_size(16)));
+  Pair count, sum[3];
+};
+
+// Cuts boxes. Colours stay in rising order within each, so that one pass puts them in order by another channel.
+class Cutter {
+ public:
+  explicit Cutter(std::vector<ColorCount>* c) : colors(*c), sorted(c->size()) {}
+
+  // Parts the box along the channel that it is widest in, where the least error is left. Returns where the second part
+  // begins.
+  size_t cut(const Box& box) {
+    axis = 0;
+    for (size_t n : {1, 2})
+      if (box.errors[n] > box.errors[axis]) axis = n;
+    sort(box);
+    const size_t count = bestCount(box);
+    divide(box, count);
+    return box.begin + count;
+  }
+
+ private:
+  size_t value(const ColorCount& c) const { return channel(c.color, axis); }
+
+  // By the channel, colours with the same value in the order that they have.
+  void sort(const Box& box) {
+    places.fill(0);
+    for (size_t i = box.begin; i < box.end; ++i) ++places[value(colors[i]) + 1];
+    for (size_t i = 1; i < places.size(); ++i) places[i] += places[i - 1];
+    for (size_t i = box.begin; i < box.end; ++i) sorted[places[value(colors[i])]++] = colors[i];
+  }
+
+  // How many colours the first part should have.
+  size_t bestCount(const Box& box) const {
+    Parts parts(box.sums);
+    size_t best = 1;
+    double most = -1;
+    for (size_t count = 1; count < box.end - box.begin; ++count) {
+      parts.moveCut(sorted[count - 1]);
+      const double cohesion = parts.cohesion();
+      if (cohesion <= most) continue;
+      most = cohesion;
+      best = count;
+    }
+    return best;
+  }
+
+  // The first of the sorted ones to the front, in the order that they have.
+  void divide(const Box& box, size_t count) {
+    const size_t limit = value(sorted[count]);  // some of its colours may be in the first part, the first of them
+    size_t left = 0;
+    for (size_t i = count; i > 0 && value(sorted[i - 1]) == limit; --i) ++left;
+    auto front = colors.begin() + long(box.begin);
+    auto back = sorted.begin();
+    for (size_t i = box.begin; i < box.end; ++i) {
+      const ColorCount c = colors[i];
+      const bool isFirst = value(c) < limit || (value(c) == limit && left > 0);
+      left -= isFirst && value(c) == limit;
+      (isFirst ? *front++ : *back++) = c;
+    }
+    std::copy(sorted.begin(), back, front);
+  }
+
+  std::vector<ColorCount>& colors;
+  std::vector<ColorCount> sorted;    // those of the box, from the first place on
+  std::array<size_t, 257> places{};  // by value
+  size_t axis = 0;
+};
 
 // Cuts the box with the greatest error in two, again and again.
 std::vector<uint32_t> split(std::vector<ColorCount>* colors, size_t most) {
+  Cutter cutter(colors);
   std::priority_queue<Box> boxes;
   boxes.emplace(*colors, 0, colors->size());
   std::vector<uint32_t> palette;
@@ -107,7 +159,7 @@ std::vector<uint32_t> split(std::vector<ColorCount>* colors, size_t most) {
       palette.push_back(box.sums.mean());
       continue;
     }
-    const size_t middle = cut(colors, box);
+    const size_t middle = cutter.cut(box);
     boxes.emplace(*colors, box.begin, middle);
     boxes.emplace(*colors, middle, box.end);
   }
