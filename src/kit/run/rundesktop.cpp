@@ -132,11 +132,13 @@ std::vector<std::string_view> RunDesktop::complaints() const {
 void RunDesktop::fileOpened(const std::filesystem::path& path) {
   read.insert(path);
   const EngineScope here(shell.engine);
-  mayGoOn(scriptInterp());
+  if (reason.empty()) stopAboveLimitOfMemory(scriptInterp());
 }
 
-bool RunDesktop::hasGrownTooMuch() const {
-  return limits.limitMemory != 0 && residentMemory() > memoryBefore + (limits.limitMemory << 20) * desktopsThatRun;
+void RunDesktop::stopAboveLimitOfMemory(BobInterp* running) {
+  const size_t limit = limits.limitMemory;
+  if (limit == 0 || residentMemory() <= memoryBefore + (limit << 20) * desktopsThatRun) return;
+  stop(double(limit), limit == 1 ? " megabyte of memory" : " megabytes of memory", running);
 }
 
 bool RunDesktop::mayGoOn(BobInterp* running) {
@@ -146,8 +148,6 @@ bool RunDesktop::mayGoOn(BobInterp* running) {
     stop("stopped", running);
   } else if (log.size() > kMostLog) {
     stop(double(kMostLog >> 20), " megabytes of log", running);
-  } else if (hasGrownTooMuch()) {
-    stop(double(limits.limitMemory), limits.limitMemory == 1 ? " megabyte of memory" : " megabytes of memory", running);
   } else if (limits.limitSteps != 0 && steps >= limits.limitSteps) {
     stop(double(limits.limitSteps), limits.limitSteps == 1 ? " step of its scripts" : " steps of its scripts", running);
   } else if (const double limit = limits.limitSeconds; limit != 0) {
@@ -156,6 +156,7 @@ bool RunDesktop::mayGoOn(BobInterp* running) {
     if (now - *begun > limit)
       stop(limit, limit == 1 ? " second of processor time" : " seconds of processor time", running);
   }
+  if (reason.empty()) stopAboveLimitOfMemory(running);
   return reason.empty();
 }
 

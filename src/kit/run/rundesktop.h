@@ -79,7 +79,7 @@ class RunDesktop : public HeadlessDesktop {
 
   static RunDesktop& ofThisThread();
   bool mayGoOn(BobInterp* running);
-  bool hasGrownTooMuch() const;
+  void stopAboveLimitOfMemory(BobInterp* running);
   void beginTurn(BobInterp* interp);
   void stop(const std::string& why, BobInterp* running);
   void stop(double count, const char* unit, BobInterp* running);
