@@ -3,14 +3,33 @@
 // In a band where both operands have spans these are merged; where only one has, they are kept or dropped whole. What
 // sets the four operations apart is no more than that: how spans merge, and whether those of one alone are kept.
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <utility>
 
 #include "gfx/vector/hsregion.h"
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
 namespace {
 
 constexpr int16_t S = hsRegion::kRunTypeSentinel;
+
+// The first sentinel from a place on; there is one before limit.
+const int16_t* FindSentinel(const int16_t* from, const int16_t* limit) {
+#ifdef __SSE2__
+  const __m128i sentinels = _mm_set1_epi16(S);
+  for (; limit - from >= 8; from += 8) {
+    const __m128i eight = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+    if (const auto found = uint32_t(_mm_movemask_epi8(_mm_cmpeq_epi16(eight, sentinels))); found != 0)
+      return from + std::countr_zero(found) / 2;
+  }
+#endif
+  while (*from != S) ++from;
+  return from;
+}
 
 // The merges of two bands' spans. Each reads pairs up to the sentinel, writes what is kept and a sentinel, at most as
 // many elements as both have together, and returns the place after.
@@ -108,10 +127,11 @@ int16_t* XorSpans(const int16_t* a, const int16_t* b, int16_t* out) {
 struct Band {
   int32_t top, bottom;
   const int16_t* spans;
-  const int16_t* end;  // the band's sentinel
+  const int16_t* end;    // the band's sentinel
+  const int16_t* limit;  // of the region's runs
 
-  explicit Band(const int16_t* runs) : Band(runs[0], runs + 1) {}
-  Band(int32_t t, const int16_t* slot) : top(t) { Enter(slot); }
+  Band(const int16_t* runs, int32_t count) : Band(runs[0], runs + 1, runs + count) {}
+  Band(int32_t t, const int16_t* slot, const int16_t* limit) : top(t), limit(limit) { Enter(slot); }
   bool IsUsedUp() const { return top == S; }
   int32_t Size() const { return int32_t(end - spans); }
   // Leaves out the rows above y; y is at most the bottom.
@@ -130,8 +150,8 @@ struct Band {
  private:
   void Enter(const int16_t* slot) {
     bottom = *slot;
-    spans = end = slot + 1;
-    while (*end != S) end += 2;
+    spans = slot + 1;
+    end = FindSentinel(spans, limit);
   }
 };
 
@@ -192,7 +212,8 @@ class hsRegionOperator {
     if (!hsAssert(!a.IsEmpty() && !b.IsEmpty(), "need non-empty rgns")) return;
     const RectRuns aRect(a.fRuns ? hsIntRect{} : a.fBounds), bRect(b.fRuns ? hsIntRect{} : b.fBounds);
     hsRegionOperator bands(a.fRunCount + b.fRunCount + 2 * hsRegion::kRectRuns);
-    Band aBand(a.fRuns ? a.fRuns.get() : aRect.runs), bBand(b.fRuns ? b.fRuns.get() : bRect.runs);
+    Band aBand = a.fRuns ? Band(a.fRuns.get(), a.fRunCount) : Band(aRect.runs, hsRegion::kRectRuns);
+    Band bBand = b.fRuns ? Band(b.fRuns.get(), b.fRunCount) : Band(bRect.runs, hsRegion::kRectRuns);
     bands.MergeBands<merge, keepsA, keepsB, false>(aBand, bBand);
     bands.Deliver(result, bounds);
   }
@@ -205,7 +226,8 @@ class hsRegionOperator {
     const int16_t* const first = FindBand(runs, a.fRunCount, b.fTop);
     hsRegionOperator bands(a.fRunCount + 3 * hsRegion::kRectRuns);
     bands.TakeAllAbove(first, runs);
-    Band old(first == runs + 1 ? runs[0] : *BandAbove(first, runs), first), added(rect.runs);
+    Band old(first == runs + 1 ? runs[0] : *BandAbove(first, runs), first, runs + a.fRunCount);
+    Band added(rect.runs, hsRegion::kRectRuns);
     bands.MergeBands<UniteSpans, true, true, true>(old, added);
     bands.TakeRest(old, runs + a.fRunCount - 1);
     bands.Deliver(result, &bounds);
