@@ -92,11 +92,14 @@ struct Rule {
     return _mm256_srli_epi16(_mm256_mulhi_epu16(_mm256_subs_epu16(a, b), perUnit), 6);
   }
 
+  // Of a pixel without colour: all three are the same.
+  VISTREL_AVX2 __m256i greyOf(__m256i pixels) const { return stepsOf(lumaOf(pixels), greyLess); }
+
   __m256i leastLuma, lumaStep, fullLuma, fiveBits, leastChroma, mostChroma;
   __m256i redMore, redStep, redTie, redLess;
   __m256i blueMore, blueStep, blueLess;
   __m256i greenCr, greenCrParts, greenCb, greenCbParts, greenMore, greenLuma;
-  __m256i perUnit;
+  __m256i perUnit, greyLess, chromaBits, noChroma;
 };
 
 VISTREL_AVX2 inline Rule makeRule() {
@@ -122,11 +125,18 @@ VISTREL_AVX2 inline Rule makeRule() {
   r.greenMore = all(410);
   r.greenLuma = all(11290 - kLess);
   r.perUnit = all(57457);  // 1/73, over 2^22
+  r.greyLess = _mm256_sub_epi16(r.redLess, r.redOf(all(16)));
+  r.chromaBits = all(0x3FF);
+  r.noChroma = all(0x210);
   return r;
 }
 
+VISTREL_AVX2 inline __m256i load(const uint16_t* source) {
+  return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(source));
+}
+
 VISTREL_AVX2 inline void convertBlock(const Rule& rule, const uint16_t* source, uint32_t* destination) {
-  const __m256i pixels = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(source));
+  const __m256i pixels = load(source);
   const __m256i luma = rule.lumaOf(pixels);
   const __m256i cr = rule.chromaOf(_mm256_srli_epi16(pixels, 5)), cb = rule.chromaOf(pixels);
   const __m256i r = rule.stepsOf(plus(luma, rule.redOf(cr)), rule.redLess);
@@ -141,9 +151,26 @@ VISTREL_AVX2 inline void convertBlock(const Rule& rule, const uint16_t* source, 
   _mm256_storeu_si256(out + 1, _mm256_permute2x128_si256(low, high, 0x31));
 }
 
+VISTREL_AVX2 inline void convertGreyBlock(const Rule& rule, const uint16_t* source, uint32_t* destination) {
+  const __m256i grey = rule.greyOf(load(source));
+  const __m256i twice = _mm256_or_si256(grey, _mm256_slli_epi16(grey, 8));
+  const __m256i low = _mm256_unpacklo_epi16(twice, grey), high = _mm256_unpackhi_epi16(twice, grey);
+  auto* const out = reinterpret_cast<__m256i*>(destination);
+  _mm256_storeu_si256(out, _mm256_permute2x128_si256(low, high, 0x20));
+  _mm256_storeu_si256(out + 1, _mm256_permute2x128_si256(low, high, 0x31));
+}
+
+// Whether so many blocks have no colour.
+template <int count>
+VISTREL_AVX2 inline bool isGrey(const Rule& rule, const uint16_t* source) {
+  __m256i coloured = _mm256_setzero_si256();
+  for (int i = 0; i < count; ++i)
+    coloured = _mm256_or_si256(coloured, _mm256_xor_si256(load(source + i * kBlock), rule.noChroma));
+  return _mm256_testz_si256(coloured, rule.chromaBits);
+}
+
 VISTREL_AVX2 inline __m256i differencesToBefore(const uint16_t* source) {
-  const __m256i before = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(source - kBlock));
-  return _mm256_xor_si256(before, _mm256_loadu_si256(reinterpret_cast<const __m256i*>(source)));
+  return _mm256_xor_si256(load(source - kBlock), load(source));
 }
 
 // Whether four blocks are each like the one before.
@@ -155,8 +182,8 @@ VISTREL_AVX2 inline bool goesOn(const uint16_t* source) {
   return _mm256_testz_si256(any, any);
 }
 
-// Pages are flat, but what isn't goes on for a while: so four blocks are asked together whether to convert them. The
-// last block of a row may lie over others.
+// Pages are flat, or text in black and white, but what isn't goes on for a while: so four blocks are asked together how
+// to convert them. The last block of a row may lie over others.
 VISTREL_AVX2 void convertByAvx2(const uint16_t* source, uint32_t* destination, int stride, int width, int height) {
   const Rule rule = makeRule();
   for (; height > 0; --height, source += stride, destination += stride) {
@@ -172,12 +199,19 @@ VISTREL_AVX2 void convertByAvx2(const uint16_t* source, uint32_t* destination, i
           }
           x += 4 * kBlock;
         } while (x + 4 * kBlock <= width && goesOn(source + x));
+      } else if (isGrey<4>(rule, source + x)) {
+        for (int i = 0; i < 4; ++i, x += kBlock) convertGreyBlock(rule, source + x, destination + x);
       } else {
         for (int i = 0; i < 4; ++i, x += kBlock) convertBlock(rule, source + x, destination + x);
       }
     }
-    for (; x + kBlock < width; x += kBlock) convertBlock(rule, source + x, destination + x);
-    if (x < width) convertBlock(rule, source + width - kBlock, destination + width - kBlock);
+    for (; x < width; x += kBlock) {
+      const int at = std::min(x, width - kBlock);
+      if (isGrey<1>(rule, source + at))
+        convertGreyBlock(rule, source + at, destination + at);
+      else
+        convertBlock(rule, source + at, destination + at);
+    }
   }
 }
 

@@ -23,6 +23,19 @@ TEST_P(VideoRows, GiveEveryPixelTheColourOfTheRule) {
   for (uint32_t p = 0; p < 65536; ++p) ASSERT_EQ(colors[p], yCrCbToRgb(widenPixel16(uint16_t(p)))) << p;
 }
 
+// Greys may be converted by themselves, wherever a colour stands among them.
+TEST_P(VideoRows, GiveGreysTheColourOfTheRule) {
+  constexpr int kWidth = 300;
+  for (int coloured = -1; coloured < kWidth; ++coloured) {
+    std::vector<uint16_t> pixels(kWidth);
+    for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = uint16_t((i * 7 % 64) << 10 | 0x210);
+    if (coloured >= 0) pixels[size_t(coloured)] ^= uint16_t(1 << coloured % 10);
+    std::vector<uint32_t> colors(pixels.size());
+    GetParam()(pixels.data(), colors.data(), kWidth, kWidth, 1);
+    for (size_t i = 0; i < pixels.size(); ++i) ASSERT_EQ(colors[i], yCrCbToRgb(widenPixel16(pixels[i]))) << coloured;
+  }
+}
+
 // Runs of all lengths, so that pixels are copied from their neighbours here and not there, and rows that end anywhere.
 TEST_P(VideoRows, TakeRunsAndRowsOfAnyLengthAndWriteNoFurther) {
   constexpr int kStride = 260, kRows = 3;
