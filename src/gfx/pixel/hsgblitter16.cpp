@@ -56,6 +56,12 @@ struct WideColor {
   hsWide16 r6, g5, b5, alphaScale;
 };
 
+bool AreFull32(const uint8_t* coverage) {
+  uint64_t eights[4];
+  std::memcpy(eights, coverage, sizeof eights);
+  return ((eights[0] & eights[1]) & (eights[2] & eights[3])) == UINT64_MAX;
+}
+
 // A row of at least eight pixels; blended() gives eight from where they lie. The last eight may lie over others that
 // are blended before them, so they are taken first and stored last.
 template <class Blended>
@@ -199,10 +205,14 @@ void hsGColorBlitter16::BlendCovered(uint16_t* pixels, int32_t width, const uint
       uint64_t eight;
       std::memcpy(&eight, coverage, sizeof eight);
       if (eight == 0) continue;
-      if (eight == UINT64_MAX && scale == 256)
-        hsStoreWide(pixels, full);
-      else
+      if (eight != UINT64_MAX || scale != 256) {
         wide.BlendCovered(pixels, hsLoadWide(coverage));
+        continue;
+      }
+      hsStoreWide(pixels, full);
+      for (; last - pixels > 4 * kWide16 && AreFull32(coverage + kWide16);
+           pixels += 4 * kWide16, coverage += 4 * kWide16)
+        for (int32_t i = 1; i <= 4; ++i) hsStoreWide(pixels + i * kWide16, full);
     }
     return hsStoreWide(last, end);
   }

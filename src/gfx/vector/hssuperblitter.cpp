@@ -38,6 +38,10 @@ Bytes BytesOf(Words first, Words second) {
 
 bool IsZero(Words w) { return (Pairs(w)[0] | Pairs(w)[1]) == 0; }
 
+bool AreZero32(const int16_t* from) {
+  return IsZero((LoadWords(from) | LoadWords(from + 8)) | (LoadWords(from + 16) | LoadWords(from + 24)));
+}
+
 // A byte that overflows is reported by its place in its four, the first one highest. The lanes hold sums.
 void CheckBytes(Words sums) {
   static constexpr const char* kMessages[] = {"bad 24", "bad 16", "bad 8", "bad 0"};
@@ -87,6 +91,10 @@ void hsSuperBlitter::SumUp() {
     if (IsZero(first | second)) {
       const Bytes bytes = BytesOf(last, last);
       std::memcpy(coverage + x, &bytes, sizeof bytes);
+      for (; x + 3 * kLanes <= count && AreZero32(changes + x + kLanes); x += 2 * kLanes) {
+        std::memcpy(coverage + x + kLanes, &bytes, sizeof bytes);
+        std::memcpy(coverage + x + 2 * kLanes, &bytes, sizeof bytes);
+      }
       continue;
     }
     first = SumOf(first, last);

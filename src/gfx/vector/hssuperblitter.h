@@ -33,7 +33,7 @@ class hsSuperBlitter final : public hsGBlitter {
       if (fCurrY != kNoRow) Flush();
       fCurrY = row;
     }
-    AddSpan(y % kSamples, x, x + width);
+    AddSpan(y & (kSamples - 1), x, x + width);
   }
   // Passes on the last row; the end of every shape.
   void Finish();
@@ -46,17 +46,15 @@ class hsSuperBlitter final : public hsGBlitter {
   static constexpr int32_t kInlinePixels = 1024;
 
   void AddSpan(int32_t subRow, int32_t x, int32_t stop) {
-    const int32_t first = x / kSamples, last = stop / kSamples;
+    const int32_t first = x >> kShift, last = stop >> kShift;
     const int32_t less = subRow == 0 ? 1 : 0, full = kSamples * kSampleValue - less;
-    const int32_t before = x % kSamples * kSampleValue, end = stop % kSamples * kSampleValue;
-    Change(first, full - before);
-    Change(first + 1, before);
-    Change(last, end - full);
-    Change(last + 1, -end);
+    const int32_t before = (x & (kSamples - 1)) * kSampleValue, end = (stop & (kSamples - 1)) * kSampleValue;
     // In a pixel that it only begins in, and doesn't fill, the one is taken off too.
     const int32_t lessInOne = first == last ? less : 0;
-    Change(first, -lessInOne);
-    Change(first + 1, lessInOne);
+    Change(first, full - before - lessInOne);
+    Change(first + 1, before + lessInOne);
+    Change(last, end - full);
+    Change(last + 1, -end);
   }
   void Change(int32_t pixel, int32_t by) { fChanges[pixel] = int16_t(fChanges[pixel] + by); }
   void Flush();
