@@ -11,6 +11,9 @@ bool CutToBitmap(const hsGBitmap& bitmap, hsHairRun* run) {
   const int64_t minorSize = run->fIsSteep ? bitmap.fWidth : bitmap.fHeight;
   const auto minorAt = [&](int32_t i) { return run->fMinor + int64_t{run->fSlope} * i; };
   const auto isInside = [&](int32_t i) { return minorAt(i) >= 0 && minorAt(i) >> 16 < minorSize; };
+  const int32_t last = run->fCount - 1;
+  if (run->fFirst >= 0 && run->fFirst + int64_t{last} < majorSize && isInside(0) && isInside(last)) [[likely]]
+    return true;
   int32_t skipped = 0;
   while (skipped < run->fCount && (run->fFirst + skipped < 0 || !isInside(skipped))) ++skipped;
   if (skipped == run->fCount) return false;
@@ -23,13 +26,17 @@ bool CutToBitmap(const hsGBitmap& bitmap, hsHairRun* run) {
 
 template <typename Pixel>
 void Store(const hsGBitmap& bitmap, Pixel value, const hsHairRun& run) {
+  const hsFixed slope = run.fSlope;
   hsFixed minor = run.fMinor;
+  const auto rowBytes = ptrdiff_t(bitmap.fRowBytes);
   if (run.fIsSteep) {
-    for (int32_t y = run.fFirst; y < run.fFirst + run.fCount; ++y, minor = hsWrapAdd(minor, run.fSlope))
-      bitmap.Row<Pixel>(y)[minor >> 16] = value;
+    auto* row = reinterpret_cast<uint8_t*>(bitmap.Row<Pixel>(run.fFirst));
+    for (int32_t count = run.fCount; count > 0; --count, row += rowBytes, minor = hsWrapAdd(minor, slope))
+      reinterpret_cast<Pixel*>(row)[minor >> 16] = value;
   } else {
-    for (int32_t x = run.fFirst; x < run.fFirst + run.fCount; ++x, minor = hsWrapAdd(minor, run.fSlope))
-      bitmap.Row<Pixel>(minor >> 16)[x] = value;
+    auto* const top = reinterpret_cast<uint8_t*>(bitmap.Row<Pixel>(0) + run.fFirst);
+    for (int32_t i = 0; i < run.fCount; ++i, minor = hsWrapAdd(minor, slope))
+      reinterpret_cast<Pixel*>(top + (minor >> 16) * rowBytes)[i] = value;
   }
 }
 
