@@ -101,8 +101,11 @@ TEST(Descriptor, PadsWithZerosSoThatEqualContentsAreEqualBlocks) {
   EXPECT_EQ(int32_t(a->fLength), hsDescriptor::ComputeSize(2, lengths));
   EXPECT_EQ(a->fLength, 36u);
   EXPECT_TRUE(hsDescriptor::Equal(a.get(), b.get()));
-  // The words: 36, 2, tag, 1, 'x', tag, 4, "abcd".
-  EXPECT_EQ(a->fCheckSum, 36u + 2 + hsTag("One ") + 1 + 'x' + hsTag("Two ") + 4 + 0x64636261);
+  // The words: 36, 2, tag, 1, "x" with zeros, tag, 4, "abcd".
+  uint32_t x, abcd;
+  std::memcpy(&x, "x\0\0", 4);
+  std::memcpy(&abcd, "abcd", 4);
+  EXPECT_EQ(a->fCheckSum, 36u + 2 + hsTag("One ") + 1 + x + hsTag("Two ") + 4 + abcd);
 
   const OwnedDescriptor c = Blank();  // the same entries the other way round
   std::memcpy(hsDescriptor::Add(c.get(), hsTag("Two "), 4), "abcd", 4);

@@ -97,11 +97,19 @@ class Surface {
   hsIntRect Bounds() const { return {0, 0, Width(), Height()}; }
 
   uint32_t Get(int x, int y) const {
-    uint32_t value = 0;
-    std::memcpy(&value, Address(x, y), bitmap.fPixelSize / 8);
-    return value;
+    switch (bitmap.fPixelSize) {
+      case 8: return bitmap.Row<uint8_t>(y)[x];
+      case 16: return bitmap.Row<uint16_t>(y)[x];
+      default: return bitmap.Row<uint32_t>(y)[x];
+    }
   }
-  void Set(int x, int y, uint32_t value) { std::memcpy(Address(x, y), &value, bitmap.fPixelSize / 8); }
+  void Set(int x, int y, uint32_t value) {
+    switch (bitmap.fPixelSize) {
+      case 8: bitmap.Row<uint8_t>(y)[x] = uint8_t(value); break;
+      case 16: bitmap.Row<uint16_t>(y)[x] = uint16_t(value); break;
+      default: bitmap.Row<uint32_t>(y)[x] = value;
+    }
+  }
 
   bool operator==(const Surface& other) const { return words == other.words; }
 
@@ -114,7 +122,6 @@ class Surface {
       for (int x = 1; x < Width(); ++x)
         if (random.Chance(60)) Set(x, y, Get(x - 1, y));
   }
-  uint8_t* Address(int x, int y) const { return bitmap.Row<uint8_t>(y) + x * bitmap.fPixelSize / 8; }
 
   std::vector<uint32_t> words;
 };
