@@ -8,7 +8,8 @@
 
 namespace {
 
-constexpr int kLow = std::endian::native == std::endian::little ? 0 : 1;  // a word's byte
+constexpr bool kIsLittle = std::endian::native == std::endian::little;
+constexpr int kLow = kIsLittle ? 0 : 1;  // a word's byte
 
 using Words = int16_t __attribute__((vector_size(16)));
 using Bytes = uint8_t __attribute__((vector_size(16)));
@@ -20,10 +21,13 @@ Words LoadWords(const int16_t* from) {
   return words;
 }
 
+// Each lane to the one that is `lanes` further, within its four.
+Words Moved(Words w, int lanes) { return Words(kIsLittle ? Pairs(w) << 16 * lanes : Pairs(w) >> 16 * lanes); }
+
 // Each lane becomes the sum of those up to it and of carry's.
 Words SumOf(Words w, Words carry) {
-  w += Words(Pairs(w) << 16);
-  w += Words(Pairs(w) << 32);
+  w += Moved(w, 1);
+  w += Moved(w, 2);
   const auto low = Words(__builtin_shufflevector(Pairs{}, Pairs(w), 0, 2));
   return w + __builtin_shufflevector(low, low, 0, 1, 2, 3, 7, 7, 7, 7) + carry;
 }
