@@ -1,6 +1,6 @@
 // Well-formed pages of any widgets, attributes and values, driven with keys and time: what random bytes seldom get to.
 //
-// The input is a row of choices: the page first, then what is done with it.
+// The first byte says how many of the following choose what is done; the rest chooses the page.
 #include <map>
 #include <string>
 #include <string_view>
@@ -161,9 +161,10 @@ void makeFiles() {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  if (size < 1 || size - 1 < data[0]) return 0;
   makeFiles();
-  Choices choices(data, size);
-  const std::vector<uint8_t> page = writePage(PageMaker(choices).page());
+  Choices choices(data + 1, data[0]), pageChoices(data + 1 + data[0], size - 1 - data[0]);
+  const std::vector<uint8_t> page = writePage(PageMaker(pageChoices).page());
   HeadlessDesktop& desktop = playerWithoutPage();
   writeBytes("p", page.data(), page.size());
   if (desktop.shell.loadPage("p")) desktop.settle();
