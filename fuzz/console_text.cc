@@ -13,18 +13,21 @@ void check(bool holds) {
   if (!holds) std::abort();
 }
 
-// What the control answers about its lines, held against the text itself.
+// What the control answers about its lines, held against the text itself. Of long texts a part: each answer reads them.
 void checkLines(const EditText& edit) {
   const std::string text = edit.text();
   check(edit.textLength() == int(text.size()));
   int line = 0;
-  size_t begin = 0;
+  size_t begin = 0, due = 0;  // the text's next place to look at
   for (;; ++line) {
     const size_t end = text.find("\r\n", begin);
     const size_t length = (end == text.npos ? text.size() : end) - begin;
-    check(edit.lineIndex(line) == int(begin));
-    check(edit.lineLength(int(begin)) == int(length));
-    check(edit.lineFromChar(int(begin)) == line && edit.lineFromChar(int(begin + length)) == line);
+    if (begin >= due) {
+      check(edit.lineIndex(line) == int(begin));
+      check(edit.lineLength(int(begin)) == int(length));
+      check(edit.lineFromChar(int(begin)) == line && edit.lineFromChar(int(begin + length)) == line);
+      due = begin + text.size() / 16;
+    }
     if (end == text.npos) break;
     begin = end + 2;
   }

@@ -8,8 +8,8 @@
 
 namespace {
 
-constexpr const char* kTables[] = {"cmap", "glyf", "kern", "hmtx", "name", "fpgm", "prep", "cvt ", "loca",
-                                   "maxp", "head", "hhea", "post", "OS/2", "EBLC", "EBDT", "bloc", "bdat"};
+constexpr const char* kTables[] = {"cmap", "glyf", "kern", "hmtx", "name", "fpgm", "prep", "cvt ", "loca", "maxp",
+                                   "head", "hhea", "post", "OS/2", "EBLC", "EBDT", "bloc", "bdat", "T2KG"};
 
 Bytes rest(Choices& choices, size_t most) {
   Bytes bytes;

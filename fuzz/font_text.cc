@@ -22,9 +22,7 @@ class Canvas {
  public:
   explicit Canvas(uint32_t font) : pixels(size_t{kWidth} * kHeight) {
     bitmap.SetConfig(hsGBitmap::kConfig_Index8);
-    const auto colors = hsMake<hsGColorTable>();
-    colors->SetDefaultCube();
-    bitmap.SetColorTable(colors.get());
+    bitmap.SetColorTable(&Colors());
     bitmap.fWidth = kWidth;
     bitmap.fHeight = kHeight;
     bitmap.fRowBytes = kWidth;
@@ -49,6 +47,16 @@ class Canvas {
   }
 
  private:
+  // One for all inputs: what it learns of its nearest colors takes longer than the texts.
+  static hsGColorTable& Colors() {
+    static const auto colors = [] {
+      auto made = hsMake<hsGColorTable>();
+      made->SetDefaultCube();
+      return made;
+    }();
+    return *colors;
+  }
+
   std::vector<uint8_t> pixels;
   hsGBitmap bitmap;
   hsMatrix matrix;

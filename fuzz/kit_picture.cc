@@ -1,4 +1,6 @@
-// Pictures and colour tables as the kit reads them.
+// Pictures and colour tables as the kit reads them, and writes them again: the same pixels come back.
+#include <cstdlib>
+
 #include "kit/errors.h"
 #include "kit/pictures/clutfile.h"
 #include "kit/pictures/enginecolors.h"
@@ -6,14 +8,53 @@
 #include "kit/pictures/kpxfile.h"
 #include "kit/pictures/png.h"
 
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+constexpr size_t kFewPixels = 4096;  // beyond them only the reading is tried
+
+void check(bool holds) {
+  if (!holds) std::abort();
+}
+
+void tryPicture(const Picture& picture, const Bytes& bytes) {
+  if (picture.pixels.size() > kFewPixels) return;
+  const std::vector<uint32_t> colors =
+      toEngineColors(picture, bytes.size() % 2 ? std::optional(0x102030) : std::nullopt);
+  const std::vector<uint32_t> table = makeClut(colors, 3 + bytes.size() % 60);
+  check(isKitClut(clutBytes(table)) && parseClut(clutBytes(table)) == table);
+  for (const PngForm form : {PngForm::smallest, PngForm::trueColor}) {
+    const Bytes written = encodePng(int(picture.width), int(picture.height), picture.pixels, form);
+    const Picture again = decodePng("f", written);
+    check(isKitPng(written) && again.width == picture.width && again.height == picture.height);
+    for (size_t i = 0; i < again.pixels.size(); ++i) check(((again.pixels[i] ^ picture.pixels[i]) & 0xFFFFFF) == 0);
+  }
+}
+
+void tryKpx(const KpxFile& picture) {
+  const KpxFile again = parseKpx("f", kpxBytes(picture));
+  check(again.width == picture.width && again.height == picture.height && again.clut == picture.clut &&
+        again.pixels == picture.pixels);
+}
+
+void tryClut(const Bytes& bytes) {
+  const std::vector<uint32_t> colors = parseClut(bytes);
+  isKitClut(bytes);
+  check(parseClut(clutBytes(colors)) == colors);
+  readClut("f", bytes);
+}
+
+}  // namespace
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  const std::vector<uint8_t> bytes(data, data + size);
-  parseClut(bytes);
+  const Bytes bytes(data, data + size);
   for (const auto& read : {
-           +[](const std::vector<uint8_t>& b) { toEngineColors(decodePng("f", b), 0x102030); },
-           +[](const std::vector<uint8_t>& b) { toEngineColors(decodeGif("f", b), {}); },
-           +[](const std::vector<uint8_t>& b) { summarizeGif("f", b); },
-           +[](const std::vector<uint8_t>& b) { parseKpx("f", b); },
+           +[](const Bytes& b) { tryPicture(decodePng("f", b), b); },
+           +[](const Bytes& b) { tryPicture(decodeGif("f", b), b); },
+           +[](const Bytes& b) { summarizeGif("f", b); },
+           +[](const Bytes& b) { tryKpx(parseKpx("f", b)); },
+           +[](const Bytes& b) { tryClut(b); },
        }) {
     try {
       read(bytes);

@@ -29,9 +29,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   HeadlessDesktop& desktop = playerWithoutPage();
   writeBytes("p", page, size_t(data + size - page));
   if (desktop.shell.loadPage("p")) desktop.settle();
-  lookAtAll(desktop.shell.engine);
   for (size_t i = 0; i < data[0]; ++i) act(desktop, actions[i]);
-  lookAtAll(desktop.shell.engine);
+  lookAtAll(desktop.shell.engine, kLookedAt);
   try {
     dumpPage("p", {page, data + size});
     outlineJson(outlinePage("p", {page, data + size}));

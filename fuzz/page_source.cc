@@ -1,4 +1,5 @@
-// Page sources: what builds is dumped, has an outline, doesn't differ from itself, and is checked.
+// Page sources, beside two files of scripts: what builds is dumped, has an outline, doesn't differ from itself, and is
+// checked.
 #include "folder.h"
 #include "kit/check/checkpage.h"
 #include "kit/diff/pagediff.h"
@@ -8,10 +9,13 @@
 #include "kit/source/pageoutline.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  enterFolder();
+  if (enterFolder()) {
+    std::ofstream("s.bob") << "define f() {\n  topFrame.LoadPage(\"y.kpg\");\n}\n";
+    std::ofstream("bad.bob") << "x = (1;\n";
+  }
   writeBytes("p.yaml", data, size);
   try {
-    const BuiltPage built = compilePage("p.yaml");
+    const BuiltPage built = compilePage("p.yaml", [](const KitMessage&) {}, {.lines = size % 2 == 0});
     outlineJson(outlinePage("p.yaml", built.bytes, built.places));
     dumpPage("p.kpg", built.bytes);
     if (!pageDifferences("p.yaml", "p.yaml").empty()) __builtin_trap();

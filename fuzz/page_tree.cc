@@ -1,6 +1,6 @@
 // Well-formed pages of any widgets, attributes and values, driven with keys and time: what random bytes seldom get to.
 //
-// The input is a row of choices: the page first, then what is done with it.
+// The first byte says how many of the following choose what is done; the rest chooses the page.
 #include <map>
 #include <string>
 #include <string_view>
@@ -32,6 +32,25 @@ constexpr const char* kScripts[] = {"topFrame.LoadPage(\"p\");",
                                     "new Timer(function (e) { widgets.b.value = \"a\"; }, 3);"};
 constexpr const char* kKeys[] = {"Up",        "Down",   "Left",      "Right", "Select", "Clear",
                                  "Backspace", "UpLeft", "DownRight", "1",     "0",      "S"};
+// Values of a widget that lines of the console read and write, and what they write.
+constexpr const char* kValues[] = {"value",        "minValue",      "maxValue", "x",   "y",           "width",
+                                   "height",       "style",         "bgColor",  "src", "highlighted", "background",
+                                   "highlightSrc", "highlightStyle"};
+constexpr const char* kWritten[] = {"7",         "-3", "0x7FFFFFFF", "\"a b\"",      "nil",   "\"p.kpx\"",
+                                    "\"12345\"", "0",  "true",       "\"aaa\nbbb\"", "KOVA.s"};
+constexpr const char* kDone[] = {".SetFocus();",
+                                 ".Hide(true);",
+                                 ".Show();",
+                                 ".HideBackground();",
+                                 ".ShowBackground();",
+                                 ".AddElement(\"new\");",
+                                 ".AddElement(\"new\", 3);",
+                                 ".Clear();",
+                                 ".HandleEvent(0x4040001);"};
+constexpr const char* kWhole[] = {
+    "KOVA.s = new TextStyle({font: \"f.ttf\", size: 12, color: 3}); KOVA.s.CacheGlyphs(\"ab\");",
+    "KOVA.t = new StringTable(\"t.tbl\"); KOVA.t.String(0); KOVA.t.String(1); KOVA.t.Close(); KOVA.t.String(1);",
+    "new StringTable(\"none.tbl\"); new StringTable(7);", "gc();"};
 constexpr int kMostDepth = 5, kMostObjects = 60, kMostActions = 24;
 
 const std::string& compiled(const char* script) {
@@ -115,6 +134,19 @@ class PageMaker {
   int objects = 0;
 };
 
+std::string lineOf(Choices& choices) {
+  const std::string widget = std::string("widgets.") + choices.pick(kNames);
+  switch (choices.below(4)) {
+    case 0: return widget + "." + choices.pick(kValues) + ";";
+    case 1: return widget + choices.pick(kDone);
+    case 2: return choices.pick(kWhole);
+    default: {
+      const std::string place = widget + "." + choices.pick(kValues);
+      return place + " = " + choices.pick(kWritten) + ";";
+    }
+  }
+}
+
 void makeFiles() {
   enterFolder();
   static bool made = false;
@@ -122,26 +154,31 @@ void makeFiles() {
   WriteFile("f.ttf", BlockFontFile());
   constexpr uint8_t kPicture[] = {0, 0, 0, 2, 0, 1, 0, 1, 0, 0, 0, 0, 7, 8};
   writeBytes("p.kpx", kPicture, sizeof kPicture);
+  constexpr uint8_t kTable[] = {0, 0, 0, 1, 0, 0, 0, 12, 0, 0, 0, 2, 'h', 'i'};
+  writeBytes("t.tbl", kTable, sizeof kTable);
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  if (size < 1 || size - 1 < data[0]) return 0;
   makeFiles();
-  Choices choices(data, size);
-  const std::vector<uint8_t> page = writePage(PageMaker(choices).page());
+  Choices choices(data + 1, data[0]), pageChoices(data + 1 + data[0], size - 1 - data[0]);
+  const std::vector<uint8_t> page = writePage(PageMaker(pageChoices).page());
   HeadlessDesktop& desktop = playerWithoutPage();
   writeBytes("p", page.data(), page.size());
   if (desktop.shell.loadPage("p")) desktop.settle();
-  lookAtAll(desktop.shell.engine);
   for (int actions = 0; !choices.isEmpty() && actions < kMostActions; ++actions) {
     if (choices.oneIn(4)) {
       desktop.wait(choices.below(64));
+    } else if (choices.oneIn(3)) {
+      desktop.typeLine(lineOf(choices));
+      desktop.settle();
     } else {
       desktop.key(choices.pick(kKeys));
       desktop.settle();
     }
   }
-  lookAtAll(desktop.shell.engine);
+  lookAtAll(desktop.shell.engine, kLookedAt);
   return 0;
 }

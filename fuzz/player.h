@@ -7,6 +7,9 @@
 #include "folder.h"
 #include "host/headless/headlessdesktop.h"
 
+// How many widgets of a page are looked at closely, which takes longer than most pages do.
+inline constexpr size_t kLookedAt = 8;
+
 // Without a page, and with little left of the inputs before. The current directory is a folder for the input's files.
 inline HeadlessDesktop& playerWithoutPage() {
   constexpr int kInputsOfAnEngine = 50;

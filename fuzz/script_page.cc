@@ -13,7 +13,9 @@
 
 namespace {
 
-constexpr size_t kEventsBetweenLooks = 16;
+constexpr size_t kEventsBetweenLooks = 400;
+
+constexpr int kMostActions = 20;
 
 constexpr const char* kKeys[] = {"Up", "Down", "Left", "Right", "Select", "Clear", "1", "2", "5", "S"};
 constexpr const char* kObjects[] = {"widgets.a", "widgets.b", "widgets.nest",  "topFrame", "frame",
@@ -57,8 +59,8 @@ constexpr const char* kWhole[] = {"gc();",
                                   "KOVA.s = new StringTable(\"one.kpg\");",
                                   "KOVA.e.id; widgets = nil;"};
 
-// Hooks call KOVA.f, so what a line stores there runs from anywhere. Since it mostly calls hooks again, it runs 40
-// times an action at most.
+// Hooks call KOVA.f, so what a line stores there runs from anywhere. Since it mostly calls hooks again, it runs ten
+// times a line at most.
 std::string pageSource(const std::string& other) {
   std::string text =
       "flags: 8bit\npage:\n  width: 720\n  height: 480\n  type: group\n  start: a\n"
@@ -90,9 +92,10 @@ std::string lineOf(Choices& input) {
     case 1: {
       const std::string first = callOf(input);
       const std::string both = first + " " + callOf(input);
-      return "KOVA.f = function (e) { KOVA.e = e; if (KOVA.n > 0) { KOVA.n = KOVA.n - 1; " + both + " } };";
+      return "KOVA.n = 10; KOVA.f = function (e) { KOVA.e = e; if (KOVA.n > 0) { KOVA.n = KOVA.n - 1; " + both +
+             " } };";
     }
-    default: return callOf(input);
+    default: return "KOVA.n = 10; " + callOf(input);
   }
 }
 
@@ -102,12 +105,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   buildPages();
   Choices input(data, size);
   HeadlessDesktop& desktop = playerWithoutPage();
-  const LookingObserver observer(desktop.shell.engine, kEventsBetweenLooks);
+  const LookingObserver observer(desktop.shell.engine, kEventsBetweenLooks, kLookedAt);
   desktop.typeLine("KOVA.f = function (e) { return nil; };");
   desktop.shell.loadPage(input.byte() & 1 ? "one.kpg" : "two.kpg");
-  for (int actions = 0; !input.isEmpty() && actions < 60; ++actions) {
+  for (int actions = 0; !input.isEmpty() && actions < kMostActions; ++actions) {
     const uint8_t action = input.byte();
-    desktop.typeLine("KOVA.n = 40;");
     if (action >= 0x80) {
       desktop.typeLine(lineOf(input));
     } else if (action >= 0x60) {

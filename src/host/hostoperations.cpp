@@ -135,7 +135,8 @@ fs::path resolve(const fs::path& path) {
 const std::string* findInMemory(const fs::path& name) {
   Shell* shell = currentShell();
   if (!shell) return nullptr;
-  const fs::path path = fs::absolute(shell->folder / name).lexically_normal();
+  std::error_code ignored;  // an empty name has no place
+  const fs::path path = fs::absolute(shell->folder / name, ignored).lexically_normal();
   if (const std::string* made = shell->desktop.fileMade(path)) return made;
   if (shell->filesInMemory.empty()) return nullptr;
   if (const auto file = shell->filesInMemory.find(path); file != shell->filesInMemory.end()) return &file->second;

@@ -32,6 +32,7 @@ TEST_F(HostTest, NamesLeadThroughEitherSeparatorAndAnyCaseButTheExactOneFirst) {
   EXPECT_EQ(contents("art/icons/play.gif"), "lower");
   EXPECT_EQ(contents("Art/Icons"), "(none)");  // a folder is no file
   EXPECT_EQ(contents("art/none.gif"), "(none)");
+  EXPECT_EQ(contents(""), "(none)");
 }
 
 TEST_F(HostTest, EveryReaderClosesItsFile) {

@@ -3,12 +3,11 @@
 
 #include "engine/inspect.h"
 
-// Of very large pages a part of the widgets. Returns how much it has seen.
-inline size_t lookAtAll(Engine& engine) {
-  constexpr size_t kClosely = 50;  // widgets
+// Of very large pages at so many of the widgets closely. Returns how much it has seen.
+inline size_t lookAtAll(Engine& engine, size_t closely = 50) {
   const std::vector<WidgetView> widgets = inspectWidgets(engine);
   size_t seen = widgets.size();
-  for (size_t i = 0; i < widgets.size() && i < kClosely; ++i) {
+  for (size_t i = 0; i < widgets.size() && i < closely; ++i) {
     const WidgetId id = widgets[i].id;
     seen += inspectAttributes(engine, id).size() + inspectLinks(engine, id).size() + whyNotSeen(engine, id).size();
   }
@@ -21,7 +20,10 @@ inline size_t lookAtAll(Engine& engine) {
 // those times.
 class LookingObserver : public EngineObserver {
  public:
-  explicit LookingObserver(Engine& e, size_t each = 1) : engine(e), every(each) { engine.observer = this; }
+  explicit LookingObserver(Engine& e, size_t each = 1, size_t widgetsClosely = 50)
+      : engine(e), every(each), closely(widgetsClosely) {
+    engine.observer = this;
+  }
   ~LookingObserver() override { engine.observer = nullptr; }
 
   void stepEnded(uint32_t, const DrawCost&) override { look(); }
@@ -41,10 +43,10 @@ class LookingObserver : public EngineObserver {
 
  private:
   void look() {
-    if (heard++ % every == 0) seen += lookAtAll(engine);
+    if (heard++ % every == 0) seen += lookAtAll(engine, closely);
   }
 
   Engine& engine;
-  const size_t every;
+  const size_t every, closely;
   size_t heard = 0;
 };

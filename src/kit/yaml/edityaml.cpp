@@ -205,11 +205,13 @@ class Editor {
     return replaced(comma == std::string::npos ? begin : comma, end, "");
   }
 
-  // The first of a map in a list stands after the dash, where the next one comes, unless comments lie between.
+  // The first of a map in a list stands after the dash, where the next one comes, unless comments lie between. The
+  // last, where it doesn't begin its line, as after a question mark, stays: it can't go by itself.
   std::string withoutLines(const YamlPair& pair, size_t begin, size_t end) const {
     const size_t lineBegin = begin == 0 ? 0 : text.rfind('\n', begin - 1) + 1;
     const size_t afterLine = std::min(text.find('\n', end), text.size() - 1) + 1;
     if (text.find_first_not_of(' ', lineBegin) == begin) return replaced(lineBegin, afterLine, "");
+    if (&pair == &map.map.back()) return text;
     const size_t next = offset((&pair + 1)->place);
     const bool hasComments = text.find('#', afterLine) < next;
     return replaced(begin, hasComments ? lineEnd(end) : next, "");

@@ -4,6 +4,7 @@
 #include <yaml-cpp/eventhandler.h>
 #include <yaml-cpp/yaml.h>
 
+#include <algorithm>
 #include <map>
 #include <sstream>
 
@@ -215,6 +216,9 @@ bool isIndentedByTab(const std::string& text, int line) {
 }  // namespace
 
 YamlNode parseYaml(const std::string& file, const std::string& source) {
+  // The parser takes a zero byte for a mark that the letter after it is an escape.
+  if (const size_t zero = source.find('\0'); zero != std::string::npos)
+    throw KitError(file, int(std::count(source.begin(), source.begin() + long(zero), '\n')) + 1, kIsNoUtf8);
   const std::string text = plainText(source);
   std::istringstream in(text);
   TreeBuilder tree(file, text);

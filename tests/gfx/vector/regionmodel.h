@@ -2,39 +2,56 @@
 #pragma once
 
 #include <array>
+#include <bit>
+#include <cstdint>
 #include <random>
+#include <stdexcept>
 #include <vector>
 
 #include "gfx/vector/hsregion.h"
 #include "gfx/vector/hsregionbuilder.h"
 #include "gfx/vector/hsregioniter.h"
 
-constexpr int kModelSize = 64;  // pixels either way
+constexpr int kModelSize = 64;  // pixels either way, as many as a word has bits
 
 struct PixelModel {
-  std::array<std::array<bool, kModelSize>, kModelSize> pixels{};
+  std::array<uint64_t, kModelSize> rows{};  // a bit for each pixel, the left one lowest
 
   // The pixels that `holds` is true of.
   template <class Holds>
   static PixelModel Where(Holds holds) {
     PixelModel model;
     for (int y = 0; y < kModelSize; ++y)
-      for (int x = 0; x < kModelSize; ++x) model.pixels[size_t(y)][size_t(x)] = holds(x, y);
+      for (int x = 0; x < kModelSize; ++x) model.rows[size_t(y)] |= uint64_t{holds(x, y)} << x;
+    return model;
+  }
+  // Each row by itself.
+  template <class Combine>
+  static PixelModel Of(const PixelModel& a, const PixelModel& b, Combine combine) {
+    PixelModel model;
+    for (size_t y = 0; y < a.rows.size(); ++y) model.rows[y] = combine(a.rows[y], b.rows[y]);
     return model;
   }
   bool operator==(const PixelModel&) const = default;
-  bool At(int x, int y) const { return pixels[size_t(y)][size_t(x)]; }
+  bool At(int x, int y) const { return rows[size_t(y)] >> x & 1; }
+  static constexpr uint64_t Span(int left, int right) {
+    const auto below = [](int x) { return x < kModelSize ? (uint64_t{1} << x) - 1 : ~uint64_t{0}; };
+    return below(right) & ~below(left);
+  }
   void Fill(const hsIntRect& r, bool value = true) {
-    for (int y = r.fTop; y < r.fBottom; ++y)
-      for (int x = r.fLeft; x < r.fRight; ++x) pixels[size_t(y)][size_t(x)] = value;
+    const uint64_t span = r.fLeft < r.fRight ? Span(r.fLeft, r.fRight) : 0;
+    for (int y = r.fTop; y < r.fBottom; ++y) {
+      uint64_t& row = rows[size_t(y)];
+      row = value ? row | span : row & ~span;
+    }
   }
   // The spans of a row, left and right alternately.
   std::vector<int16_t> Row(int y) const {
     std::vector<int16_t> edges;
-    for (int x = 0; x <= kModelSize; ++x) {
-      const bool now = x < kModelSize && At(x, y);
-      if (now != (edges.size() % 2 == 1)) edges.push_back(int16_t(x));
-    }
+    const uint64_t row = rows[size_t(y)];
+    for (uint64_t changes = row ^ row << 1; changes; changes &= changes - 1)
+      edges.push_back(int16_t(std::countr_zero(changes)));
+    if (edges.size() % 2) edges.push_back(kModelSize);
     return edges;
   }
   // The shortest runs for these pixels: alike rows in one band, no empty band at either end.
@@ -73,11 +90,11 @@ struct PixelBlitter : hsGBlitter {
     ordered = ordered && width > 0 && (y > lastY || (y == lastY && x >= lastEnd));
     lastY = y;
     lastEnd = x + width;
-    for (int32_t i = x; i < x + width; ++i) {
-      bool& pixel = drawn.pixels.at(size_t(y)).at(size_t(i));
-      twice |= pixel;
-      pixel = true;
-    }
+    if (x < 0 || x + width > kModelSize) throw std::out_of_range("a span leaves the model");
+    uint64_t& row = drawn.rows.at(size_t(y));
+    const uint64_t span = width > 0 ? PixelModel::Span(x, x + width) : 0;
+    twice |= (row & span) != 0;
+    row |= span;
   }
   PixelModel drawn;
   bool twice = false, ordered = true;

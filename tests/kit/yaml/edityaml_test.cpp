@@ -89,6 +89,7 @@ TEST(EditYaml, AKeyGoesWithItsLine) {
       {"c: {name: n, y: [1], x: 1}", "x", "c: {name: n, y: [1]}"},
       {"name: n\r\nx: 1\r\ny: 2\r\n", "x", "name: n\r\ny: 2\r\n"},
       {"name: n\ny: [1, 2]\n", "y", "p:1: 'y' can't be changed by itself here; edit the file"},
+      {"name: n\n? y\n: z\n", "y", "p:1: 'y' can't be changed by itself here; edit the file"},
       {"a: {name: n}\n", "name", "p:1: 'name' can't be changed by itself here; edit the file"},
       {"name: n\n", "x", "p:1: there is no 'x' here"},
   };

@@ -58,6 +58,7 @@ TEST(ReadYaml, WhatIsNoTreeIsRefusedAtItsLine) {
       {"a: [\n", "f.yaml:2: a '[' is never closed"},
       {"a:\n\tb: 1\n", "f.yaml:2: a tab can't indent a line; use spaces"},
       {"a:\n  b: 1\n \tc: 2\n", "f.yaml:3: a tab can't indent a line; use spaces"},
+      {std::string("a: 1\nb: c\0d\n", 12), "f.yaml:2: this is no UTF-8; save the file in that encoding"},
       {"a: 1\n---\nb: 2\n", "f.yaml:3: a second document begins here; a file holds one"},
       {"a:\n  <<: {b: 1}\n", "f.yaml:2: '<<' can't merge maps here; write the pairs out"},
       {"'<<': 1\n", "{<<=p'1'@1:7+1}"},

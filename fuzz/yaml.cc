@@ -1,0 +1,57 @@
+// Any text as YAML: what is read is written as a tree that is the same, and one value of it is changed and taken out.
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "kit/errors.h"
+#include "kit/yaml/edityaml.h"
+#include "kit/yaml/readyaml.h"
+#include "kit/yaml/writeyaml.h"
+
+namespace {
+
+void check(bool holds) {
+  if (!holds) std::abort();
+}
+
+bool areAlike(const YamlNode& a, const YamlNode& b) {
+  if (a.kind != b.kind || a.tag != b.tag || a.text != b.text) return false;
+  if (a.list.size() != b.list.size() || a.map.size() != b.map.size()) return false;
+  for (size_t i = 0; i < a.list.size(); ++i)
+    if (!areAlike(a.list[i], b.list[i])) return false;
+  for (size_t i = 0; i < a.map.size(); ++i)
+    if (a.map[i].key != b.map[i].key || !areAlike(a.map[i].value, b.map[i].value)) return false;
+  return true;
+}
+
+// Each edit is read again and compared by the editor itself.
+void edit(const std::string& text, const YamlNode& root, uint8_t choice) {
+  constexpr const char* kValues[] = {"7", "two words", "a: b", "", "two\nlines\n", " \"'", "#"};
+  const YamlNode& map =
+      root.isMap() && choice % 2 && !root.map.empty() && root.map[0].value.isMap() ? root.map[0].value : root;
+  if (!map.isMap() || map.map.empty()) return;
+  const std::string key = choice % 7 ? map.map[choice % map.map.size()].key : "new";
+  const std::string value = kValues[choice % std::size(kValues)];
+  try {
+    const std::string changed = withYamlValue("y", text, map.place, key, value);
+    check(areAlike(parseYaml("y", withYamlValue("y", changed, map.place, key, value)), parseYaml("y", changed)));
+  } catch (const KitError&) {  // it can't be changed alone
+  }
+  try {
+    withoutYamlKey("y", text, map.place, key);
+  } catch (const KitError&) {
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  const std::string text(data, data + size);
+  try {
+    const YamlNode root = parseYaml("y", text);
+    check(areAlike(parseYaml("y", writeYaml(root)), root));
+    edit(text, root, size == 0 ? 0 : uint8_t(data[size - 1] + size));
+  } catch (const KitError&) {
+  }
+  return 0;
+}
