@@ -18,6 +18,8 @@ namespace {
 
 constexpr int kRounds = 15;
 
+bool resultsDiffer = false;
+
 // Of this process’s processor: a busy machine’s other work doesn’t count.
 double Seconds() { return double(std::clock()) / CLOCKS_PER_SEC; }
 
@@ -69,7 +71,10 @@ double Alternate(const std::string& name, RunBob runBob, RunLua runLua) {
   const double ratio = bobBest / luaBest;
   std::printf("%-11s bob %8.3f ms   lua %8.3f ms   ratio %.2f%s\n", name.c_str(), bobBest * 1e3, luaBest * 1e3, ratio,
               bobResult == luaResult ? "" : "   RESULTS DIFFER");
-  if (bobResult != luaResult) std::printf("            %d and %d\n", bobResult, luaResult);
+  if (bobResult != luaResult) {
+    std::printf("            %d and %d\n", bobResult, luaResult);
+    resultsDiffer = true;
+  }
   return ratio;
 }
 
@@ -166,5 +171,5 @@ int main(int argc, char** argv) {
   if (count > 0) std::printf("geometric mean of the ratios: %.2f\n", std::exp(sum / count));
   if (isWanted("compile")) CompareCompiling();
   if (isWanted("collect")) MeasureCollection();
-  return 0;
+  return resultsDiffer ? 1 : 0;
 }

@@ -10,10 +10,13 @@
 
 namespace {
 
-std::vector<hsIntRect> RandomRects(unsigned seed, int count) {
+constexpr int kSmall = 24;
+int UsualSize(int count) { return count > 500 ? kSmall : 60; }
+
+// Of sides up to `size`.
+std::vector<hsIntRect> RandomRects(unsigned seed, int count, int size) {
   std::mt19937 random(seed);
   std::vector<hsIntRect> rects;
-  const int size = count > 500 ? 24 : 60;
   for (int i = 0; i < count; ++i) {
     const int x = int(random() % 700), y = int(random() % 460);
     rects.push_back({x, y, x + 1 + int(random() % unsigned(size)), y + 1 + int(random() % unsigned(size))});
@@ -21,9 +24,9 @@ std::vector<hsIntRect> RandomRects(unsigned seed, int count) {
   return rects;
 }
 
-hsRegion Ours(unsigned seed, int count) {
+hsRegion Ours(unsigned seed, int count, int size) {
   hsRegion region;
-  for (const hsIntRect& r : RandomRects(seed, count)) region.Union(region, r);
+  for (const hsIntRect& r : RandomRects(seed, count, size)) region.Union(region, r);
   return region;
 }
 
@@ -32,7 +35,7 @@ class Pixman {
   Pixman() { pixman_region32_init(&region); }
   ~Pixman() { pixman_region32_fini(&region); }
   Pixman(unsigned seed, int count) : Pixman() {
-    for (const hsIntRect& r : RandomRects(seed, count))
+    for (const hsIntRect& r : RandomRects(seed, count, UsualSize(count)))
       pixman_region32_union_rect(&region, &region, r.fLeft, r.fTop, unsigned(r.Width()), unsigned(r.Height()));
   }
   pixman_region32_t region;
@@ -42,9 +45,10 @@ void UnionOurs(hsRegion* out, const hsRegion& a, const hsRegion& b) { out->Union
 void IntersectOurs(hsRegion* out, const hsRegion& a, const hsRegion& b) { out->Intersect(a, b); }
 void DifferenceOurs(hsRegion* out, const hsRegion& a, const hsRegion& b) { out->Difference(a, b); }
 
-template <void (*operation)(hsRegion*, const hsRegion&, const hsRegion&)>
+template <void (*operation)(hsRegion*, const hsRegion&, const hsRegion&), bool allSmall>
 void BenchOurs(benchmark::State& state) {
-  const hsRegion a = Ours(1, int(state.range(0))), b = Ours(2, int(state.range(0)));
+  const int count = int(state.range(0)), size = allSmall ? kSmall : UsualSize(count);
+  const hsRegion a = Ours(1, count, size), b = Ours(2, count, size);
   hsRegion out;
   for (auto _ : state) {
     operation(&out, a, b);
@@ -61,21 +65,29 @@ void BenchPixman(benchmark::State& state) {
   }
 }
 
-BENCHMARK(BenchOurs<UnionOurs>)->Name("union")->Arg(10)->Arg(100)->Arg(1000);
+BENCHMARK_TEMPLATE(BenchOurs, UnionOurs, false)->Name("union")->Arg(100)->Arg(1000);
 BENCHMARK(BenchPixman<pixman_region32_union>)->Name("union/pixman")->Arg(100)->Arg(1000);
-BENCHMARK(BenchOurs<IntersectOurs>)->Name("intersect")->Arg(100)->Arg(1000);
+BENCHMARK_TEMPLATE(BenchOurs, IntersectOurs, false)->Name("intersect")->Arg(100)->Arg(1000);
 BENCHMARK(BenchPixman<pixman_region32_intersect>)->Name("intersect/pixman")->Arg(100)->Arg(1000);
-BENCHMARK(BenchOurs<DifferenceOurs>)->Name("difference")->Arg(100)->Arg(1000);
+BENCHMARK_TEMPLATE(BenchOurs, DifferenceOurs, false)->Name("difference")->Arg(100)->Arg(1000);
 BENCHMARK(BenchPixman<pixman_region32_subtract>)->Name("difference/pixman")->Arg(100)->Arg(1000);
 
 // Building a region rectangle by rectangle, as a screen gathers what has changed.
+template <bool allSmall>
 void GatherOurs(benchmark::State& state) {
-  for (auto _ : state) benchmark::DoNotOptimize(Ours(3, int(state.range(0))).Runs());
+  const int count = int(state.range(0)), size = allSmall ? kSmall : UsualSize(count);
+  for (auto _ : state) benchmark::DoNotOptimize(Ours(3, count, size).Runs());
 }
 void GatherPixman(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(Pixman(3, int(state.range(0))).region.data);
 }
-BENCHMARK(GatherOurs)->Name("gather")->Arg(10)->Arg(100)->Arg(1000);
+BENCHMARK_TEMPLATE(GatherOurs, false)->Name("gather")->Arg(100)->Arg(1000);
 BENCHMARK(GatherPixman)->Name("gather/pixman")->Arg(100)->Arg(1000);
+
+// How the cost grows: rectangles of the same sizes, more of them.
+BENCHMARK_TEMPLATE(BenchOurs, UnionOurs, true)->Name("small/union")->Arg(10)->Arg(100)->Arg(1000);
+BENCHMARK_TEMPLATE(BenchOurs, IntersectOurs, true)->Name("small/intersect")->Arg(10)->Arg(100)->Arg(1000);
+BENCHMARK_TEMPLATE(BenchOurs, DifferenceOurs, true)->Name("small/difference")->Arg(10)->Arg(100)->Arg(1000);
+BENCHMARK_TEMPLATE(GatherOurs, true)->Name("small/gather")->Arg(10)->Arg(100)->Arg(1000);
 
 }  // namespace
