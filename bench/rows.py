@@ -299,7 +299,7 @@ GROWTH = [
            'does as well.'),
     Growth('A page of text, warm', 'lines', 'textpage_bench', ('lines/warm/4', 'lines/warm/40', 'lines/warm/400')),
     Growth('GIF to indices', 'rows', 'gif_bench', ('rows/48', 'rows/480', 'rows/4800')),
-    Growth('Properties of an object, set and read', 'properties', 'bob_growth_bench',
+    Growth('An object', 'properties', 'bob_growth_bench',
            ('properties/10', 'properties/100', 'properties/1000')),
     Growth('A collection', 'live objects', 'bob_growth_bench', ('collection/10', 'collection/100', 'collection/1000')),
     Growth('Loading a page', 'widgets', 'page_bench', ('LoadSlaves/500', 'LoadSlaves/5000', 'LoadSlaves/50000')),
