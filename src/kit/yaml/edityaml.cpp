@@ -143,13 +143,18 @@ class Editor {
     return end > at && text[end - 1] == '\r' ? end - 1 : end;
   }
 
-  // Up to the end of the last line that is indented further than the key.
+  // Up to the end of the last line that is indented further than the key; where the head says to keep them, with the
+  // empty lines after it.
   size_t blockEnd(size_t begin, size_t keyIndent) const {
     size_t end = lineEnd(begin);
+    const bool keepsEmptyLines = text.find('+', begin) < std::min(end, text.find_first_of(" #", begin));
     for (size_t at = text.find('\n', begin); at != std::string::npos; at = text.find('\n', at)) {
       const size_t first = text.find_first_not_of(" \r", ++at);
       if (first == std::string::npos) break;
-      if (text[first] == '\n') continue;
+      if (text[first] == '\n') {
+        if (keepsEmptyLines) end = lineEnd(at);
+        continue;
+      }
       if (first - at <= keyIndent) break;
       end = lineEnd(at);
     }

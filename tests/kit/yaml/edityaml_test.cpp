@@ -108,6 +108,12 @@ TEST(EditYaml, CopiesChangeWithTheirOriginal) {
   EXPECT_EQ(edit("a: &w {name: n, x: 1}\nb: *w\n", "n", "x", "2"), "a: &w {name: n, x: 2}\nb: *w\n");
 }
 
+TEST(EditYaml, EmptyLinesThatBelongToATextGoWithIt) {
+  const std::string source = "list:\n  - name: n0\n    t: |+\n      x\n\n\n    u: 1\n";
+  EXPECT_EQ(edit(source, "n0", "t", "x\n\n\n"), source);
+  EXPECT_EQ(edit(source, "n0", "t", "a"), "list:\n  - name: n0\n    t: a\n    u: 1\n");
+}
+
 // Trees at random, written in block style: each value can be changed to any text, and reads back.
 TEST(EditYaml, AnyTextComesBackFromAnyPlace) {
   std::mt19937 random(5);
