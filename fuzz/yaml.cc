@@ -7,21 +7,12 @@
 #include "kit/yaml/edityaml.h"
 #include "kit/yaml/readyaml.h"
 #include "kit/yaml/writeyaml.h"
+#include "support/sameyaml.h"
 
 namespace {
 
 void check(bool holds) {
   if (!holds) std::abort();
-}
-
-bool areAlike(const YamlNode& a, const YamlNode& b) {
-  if (a.kind != b.kind || a.tag != b.tag || a.text != b.text) return false;
-  if (a.list.size() != b.list.size() || a.map.size() != b.map.size()) return false;
-  for (size_t i = 0; i < a.list.size(); ++i)
-    if (!areAlike(a.list[i], b.list[i])) return false;
-  for (size_t i = 0; i < a.map.size(); ++i)
-    if (a.map[i].key != b.map[i].key || !areAlike(a.map[i].value, b.map[i].value)) return false;
-  return true;
 }
 
 // Each edit is read again and compared by the editor itself.
@@ -34,7 +25,7 @@ void edit(const std::string& text, const YamlNode& root, uint8_t choice) {
   const std::string value = kValues[choice % std::size(kValues)];
   try {
     const std::string changed = withYamlValue("y", text, map.place, key, value);
-    check(areAlike(parseYaml("y", withYamlValue("y", changed, map.place, key, value)), parseYaml("y", changed)));
+    check(isSameYaml(parseYaml("y", withYamlValue("y", changed, map.place, key, value)), parseYaml("y", changed)));
   } catch (const KitError&) {  // it can't be changed alone
   }
   try {
@@ -49,7 +40,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string text(data, data + size);
   try {
     const YamlNode root = parseYaml("y", text);
-    check(areAlike(parseYaml("y", writeYaml(root)), root));
+    check(isSameYaml(parseYaml("y", writeYaml(root)), root));
     edit(text, root, size == 0 ? 0 : uint8_t(data[size - 1] + size));
   } catch (const KitError&) {
   }
