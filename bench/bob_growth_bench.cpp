@@ -1,10 +1,12 @@
-// How the cost of the language grows: with the properties of an object, and with the objects that a collection moves.
+// How the cost of the language grows: with the lines of a source, the properties of an object, and the objects that a
+// collection moves.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <string>
 
 #include "bob/bob.h"
+#include "bob/compile/statementreader.h"
 
 namespace {
 
@@ -30,6 +32,25 @@ class Runtime {
   BobInterp* const interp;
   bool worked = false;
 };
+
+// range(0): the lines of a source, compiled and not run.
+void Compile(benchmark::State& state) {
+  std::string source;
+  for (int64_t i = 0; i < state.range(0); i += 5)
+    source += "define f" + std::to_string(i) + "(a, b) {\n  local s = a * 3 + b, o;\n  while (s < 1000) s = s * 2;\n" +
+              "  return o.x == s ? a : b;\n}\n";
+  Runtime runtime("");
+  for (auto _ : state) {
+    int64_t count = 0;
+    bobTry(runtime.interp, [&] {
+      BobStringInput input(source);
+      BobStatementReader statements(bobRootScope(runtime.interp), &input);
+      while (statements.next()) ++count;
+    });
+    if (count != state.range(0) / 5) return state.SkipWithError("a function isn't compiled");
+  }
+}
+BENCHMARK(Compile)->Name("compile")->Arg(20)->Arg(200)->Arg(2000)->Unit(benchmark::kMicrosecond);
 
 // A new object gets so many properties and is asked for each; ten statements a function, all called by one.
 std::string propertiesSource(int64_t count) {

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/events/timer.h"
 #include "engine/screen/display.h"
 #include "host/headless/headlessdesktop.h"
 #include "kit/files.h"
@@ -77,6 +78,24 @@ void LoadSlaves(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(LoadSlaves)->Arg(500)->Arg(5000)->Arg(50000)->Unit(benchmark::kMillisecond);
+
+// So many timers that wait, all started anew; their times are mixed.
+void StartTimers(benchmark::State& state) {
+  HeadlessDesktop desktop;
+  const EngineScope here(desktop.shell.engine);
+  desktop.start();
+  std::mt19937 random(5);
+  std::vector<Timer*> timers;
+  std::vector<uint32_t> intervals;
+  for (int64_t i = 0; i < state.range(0); ++i) {
+    timers.push_back(new Timer([](Timer*, TimerReason) {}));
+    intervals.push_back(1 + uint32_t(random() % 60'000));
+  }
+  for (auto _ : state)
+    for (size_t i = 0; i < timers.size(); ++i) timerStart(timers[i], intervals[i], false);
+  for (Timer* timer : timers) timerDestroy(timer);
+}
+BENCHMARK(StartTimers)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
 
 // Squares all over the screen, each fill with its flush: display surface, device, converter, blitter, and the
 // conversion of what changed.

@@ -1,12 +1,17 @@
 // Solid and blended rectangles and palette sprites on a 720 x 480 screen of 16 bits, beside pixman's fills and
 // composites of the same rectangles onto r5g6b5. Both sides keep their paint and picture from call to call, as a
-// program that draws would.
+// program that draws would; what each draws on a new screen is compared before any is timed.
 #include <benchmark/benchmark.h>
 #include <pixman.h>
 
+#include <algorithm>
+#include <cstdlib>
+#include <iterator>
 #include <random>
+#include <string>
 #include <vector>
 
+#include "gfx/foundation/hsref.h"
 #include "gfx/pixel/hsgattribute.h"
 #include "gfx/pixel/hsgsprite_choose.h"
 #include "gfx/vector/hsgblitter.h"
@@ -30,13 +35,34 @@ std::vector<Rect> RandomRects(int size) {
   return rects;
 }
 
-// A screen of random pixels, or of runs as drawn pages have them.
+// A screen of random pixels, or of runs as drawn pages have them, as ours has it: six bits of red, five of green and
+// blue.
 std::vector<uint16_t> Screen(bool runs) {
   std::mt19937 random(2);
   std::vector<uint16_t> pixels(kWidth * kHeight);
   for (size_t i = 0; i < pixels.size(); ++i)
     pixels[i] = runs && random() % 16 ? (i ? pixels[i - 1] : uint16_t(0)) : uint16_t(random());
   return pixels;
+}
+
+// The same colours as pixman has them, in five, six and five bits.
+std::vector<uint16_t> PixmanScreen(bool runs) {
+  std::vector<uint16_t> pixels = Screen(runs);
+  for (uint16_t& p : pixels) {
+    const int green = p >> 5 & 31;
+    p = uint16_t((p >> 11) << 11 | (green << 1 | green >> 4) << 5 | (p & 31));
+  }
+  return pixels;
+}
+
+// Whether no channel of a pixel is further from the other's than rounding explains: two steps of five bits.
+bool Alike(const std::vector<uint16_t>& ours, const std::vector<uint16_t>& pixmans) {
+  const auto close = [](int a, int b) { return std::abs(a - b) <= 2; };
+  for (size_t i = 0; i < ours.size(); ++i)
+    if (const uint16_t a = ours[i], b = pixmans[i];
+        !close(a >> 11, b >> 11) || !close(a >> 5 & 31, b >> 6 & 31) || !close(a & 31, b & 31))
+      return false;
+  return true;
 }
 
 hsGBitmap Bitmap(uint8_t config, void* pixels, int width, int height) {
@@ -48,136 +74,162 @@ hsGBitmap Bitmap(uint8_t config, void* pixels, int width, int height) {
   return bitmap;
 }
 
-void CountPixels(benchmark::State& state, const std::vector<Rect>& rects) {
-  int64_t pixels = 0;
-  for (const Rect& r : rects) pixels += int64_t{r.width} * r.height;
-  state.SetItemsProcessed(state.iterations() * pixels);
+hsGBitmap ScreenBitmap(std::vector<uint16_t>& pixels) {
+  return Bitmap(hsGBitmap::kConfig_RGB16, pixels.data(), kWidth, kHeight);
 }
 
-class PixmanScreen {
+class PixmanImage {
  public:
-  explicit PixmanScreen(std::vector<uint16_t>& pixels)
-      : image(pixman_image_create_bits(PIXMAN_r5g6b5, kWidth, kHeight, reinterpret_cast<uint32_t*>(pixels.data()),
-                                       kWidth * 2)) {}
-  ~PixmanScreen() { pixman_image_unref(image); }
-  pixman_image_t* image;
+  explicit PixmanImage(std::vector<uint16_t>& pixels)
+      : PixmanImage(pixman_image_create_bits(PIXMAN_r5g6b5, kWidth, kHeight, reinterpret_cast<uint32_t*>(pixels.data()),
+                                             kWidth * 2)) {}
+  explicit PixmanImage(pixman_image_t* made) : image(made) {}
+  ~PixmanImage() { pixman_image_unref(image); }
+  PixmanImage(const PixmanImage&) = delete;
+  PixmanImage& operator=(const PixmanImage&) = delete;
+  pixman_image_t* const image;
 };
 
+// ---- Painters: made for a screen, they draw one rectangle of it.
+
 // alpha 0xFFFF stores, anything below blends.
-void RectsOurs(benchmark::State& state, uint16_t alpha, bool runs) {
-  const std::vector<Rect> rects = RandomRects(int(state.range(0)));
-  std::vector<uint16_t> pixels = Screen(runs);
-  const hsGBitmap device = Bitmap(hsGBitmap::kConfig_RGB16, pixels.data(), kWidth, kHeight);
-  hsGAttribute attr;
-  attr.SetColor(alpha, 0x3000, 0x9000, 0xE000);
-  for (auto _ : state) {
-    for (const Rect& r : rects) {
-      hsGBlitter* blitter = attr.GetBlitter(device, 0, hsMatrix());
-      blitter->BlitRect(r.y, r.x, r.width, r.height);
-      blitter->UnRef();
-    }
-    benchmark::ClobberMemory();
+template <uint16_t alpha>
+class OurRects {
+ public:
+  explicit OurRects(std::vector<uint16_t>& pixels) : device_(ScreenBitmap(pixels)) {
+    attr_.SetColor(alpha, 0x3000, 0x9000, 0xE000);
   }
-  CountPixels(state, rects);
-}
-
-void SolidPixman(benchmark::State& state) {
-  const std::vector<Rect> rects = RandomRects(int(state.range(0)));
-  std::vector<uint16_t> pixels = Screen(false);
-  for (auto _ : state) {
-    for (const Rect& r : rects)
-      pixman_fill(reinterpret_cast<uint32_t*>(pixels.data()), kWidth / 2, 16, r.x, r.y, r.width, r.height, 0x3A5C);
-    benchmark::ClobberMemory();
+  void Draw(const Rect& r) {
+    hsGBlitter* blitter = attr_.GetBlitter(device_, 0, hsMatrix());
+    blitter->BlitRect(r.y, r.x, r.width, r.height);
+    blitter->UnRef();
   }
-  CountPixels(state, rects);
-}
 
-void BlendedPixman(benchmark::State& state, bool runs) {
-  const std::vector<Rect> rects = RandomRects(int(state.range(0)));
-  std::vector<uint16_t> pixels = Screen(runs);
-  const PixmanScreen screen(pixels);
-  const pixman_color_t color{0x1800, 0x4800, 0x7000, 0x8000};  // premultiplied
-  pixman_image_t* source = pixman_image_create_solid_fill(&color);
-  for (auto _ : state) {
-    for (const Rect& r : rects)
-      pixman_image_composite32(PIXMAN_OP_OVER, source, nullptr, screen.image, 0, 0, 0, 0, r.x, r.y, r.width, r.height);
-    benchmark::ClobberMemory();
+ private:
+  const hsGBitmap device_;
+  hsGAttribute attr_;
+};
+
+class PixmanSolid {
+ public:
+  explicit PixmanSolid(std::vector<uint16_t>& pixels) : pixels_(reinterpret_cast<uint32_t*>(pixels.data())) {}
+  void Draw(const Rect& r) { pixman_fill(pixels_, kWidth / 2, 16, r.x, r.y, r.width, r.height, 0x349C); }
+
+ private:
+  uint32_t* const pixels_;
+};
+
+class PixmanBlend {
+ public:
+  explicit PixmanBlend(std::vector<uint16_t>& pixels) : screen_(pixels) {}
+  void Draw(const Rect& r) {
+    pixman_image_composite32(PIXMAN_OP_OVER, source_.image, nullptr, screen_.image, 0, 0, 0, 0, r.x, r.y, r.width,
+                             r.height);
   }
-  pixman_image_unref(source);
-  CountPixels(state, rects);
-}
 
-void SolidOurs(benchmark::State& state) { RectsOurs(state, 0xFFFF, false); }
-void BlendedOurs(benchmark::State& state) { RectsOurs(state, 0x8000, false); }
-void BlendedRunsOurs(benchmark::State& state) { RectsOurs(state, 0x8000, true); }
-void BlendedNoisePixman(benchmark::State& state) { BlendedPixman(state, false); }
-void BlendedRunsPixman(benchmark::State& state) { BlendedPixman(state, true); }
+ private:
+  static constexpr pixman_color_t kColor{0x1800, 0x4800, 0x7000, 0x8000};  // premultiplied
+  const PixmanImage screen_, source_{pixman_image_create_solid_fill(&kColor)};
+};
 
-BENCHMARK(SolidOurs)->Name("solid")->Arg(16)->Arg(64)->Arg(360);
-BENCHMARK(SolidPixman)->Name("solid/pixman")->Arg(16)->Arg(64)->Arg(360);
-BENCHMARK(BlendedOurs)->Name("blend/noise")->Arg(16)->Arg(64)->Arg(360);
-BENCHMARK(BlendedNoisePixman)->Name("blend/noise/pixman")->Arg(16)->Arg(64)->Arg(360);
-BENCHMARK(BlendedRunsOurs)->Name("blend/runs")->Arg(16)->Arg(64)->Arg(360);
-BENCHMARK(BlendedRunsPixman)->Name("blend/runs/pixman")->Arg(16)->Arg(64)->Arg(360);
-
-// ---- A palette picture of 560 x 480, all noise, moved to each rectangle.
-
+// A palette picture of 560 x 480, all noise.
 struct Picture {
-  Picture() : table(new hsGColorTable), pixels(kPictureWidth * kHeight) {
+  Picture() : pixels(kPictureWidth * kHeight) {
     std::mt19937 random(3);
     for (uint8_t& p : pixels) p = uint8_t(random());
     for (uint32_t& c : colors) c = uint32_t(random()) | 0xFF000000;
-    table->SetCount(256);
-    table->SetColors(0, 256, colors);
   }
-  ~Picture() { table->UnRef(); }
 
   static constexpr int kPictureWidth = 560;
-  hsGColorTable* table;
   uint32_t colors[256];
   std::vector<uint8_t> pixels;
 };
 
-void SpriteOurs(benchmark::State& state) {
-  const std::vector<Rect> rects = RandomRects(int(state.range(0)));
-  std::vector<uint16_t> pixels = Screen(false);
-  const hsGBitmap device = Bitmap(hsGBitmap::kConfig_RGB16, pixels.data(), kWidth, kHeight);
-  Picture picture;
-  hsGBitmap source = Bitmap(hsGBitmap::kConfig_Index8, picture.pixels.data(), Picture::kPictureWidth, kHeight);
-  source.SetColorTable(picture.table);
-  for (auto _ : state) {
-    for (const Rect& r : rects) {
-      hsGSpriteBlitter* sprite = ChooseSpriteBlitter(device, source, r.x, r.y, {0xFFFF, 0, 0, 0}, nullptr);
-      sprite->BlitRect(r.y, r.x, r.width, r.height);
-      sprite->UnRef();
-    }
-    benchmark::ClobberMemory();
+// Moves the picture to each rectangle.
+class OurSprites {
+ public:
+  explicit OurSprites(std::vector<uint16_t>& pixels) : device_(ScreenBitmap(pixels)) {
+    table_->SetCount(256);
+    table_->SetColors(0, 256, picture_.colors);
+    source_.SetColorTable(table_.get());
   }
-  CountPixels(state, rects);
+  void Draw(const Rect& r) {
+    hsGSpriteBlitter* sprite = ChooseSpriteBlitter(device_, source_, r.x, r.y, {0xFFFF, 0, 0, 0}, nullptr);
+    sprite->BlitRect(r.y, r.x, r.width, r.height);
+    sprite->UnRef();
+  }
+
+ private:
+  const hsGBitmap device_;
+  Picture picture_;
+  const hsRef<hsGColorTable> table_ = hsAdopt(new hsGColorTable);
+  hsGBitmap source_ = Bitmap(hsGBitmap::kConfig_Index8, picture_.pixels.data(), Picture::kPictureWidth, kHeight);
+};
+
+class PixmanSprites {
+ public:
+  explicit PixmanSprites(std::vector<uint16_t>& pixels) : screen_(pixels) {
+    palette_.color = 1;
+    std::copy(std::begin(picture_.colors), std::end(picture_.colors), palette_.rgba);
+    pixman_image_set_indexed(source_.image, &palette_);
+  }
+  void Draw(const Rect& r) {
+    pixman_image_composite32(PIXMAN_OP_SRC, source_.image, nullptr, screen_.image, 0, 0, 0, 0, r.x, r.y, r.width,
+                             r.height);
+  }
+
+ private:
+  const PixmanImage screen_;
+  Picture picture_;
+  pixman_indexed_t palette_{};
+  const PixmanImage source_{pixman_image_create_bits(PIXMAN_c8, Picture::kPictureWidth, kHeight,
+                                                     reinterpret_cast<uint32_t*>(picture_.pixels.data()),
+                                                     Picture::kPictureWidth)};
+};
+
+// ---- range(0): the usual side of a rectangle.
+
+template <class Painter>
+void DrawOnce(std::vector<uint16_t>& pixels, const std::vector<Rect>& rects) {
+  Painter painter(pixels);
+  for (const Rect& r : rects) painter.Draw(r);
 }
 
-void SpritePixman(benchmark::State& state) {
+template <class Painter>
+void Time(benchmark::State& state, std::vector<uint16_t> pixels) {
   const std::vector<Rect> rects = RandomRects(int(state.range(0)));
-  std::vector<uint16_t> pixels = Screen(false);
-  const PixmanScreen screen(pixels);
-  Picture picture;
-  pixman_indexed_t palette{};
-  palette.color = 1;
-  for (int i = 0; i < 256; ++i) palette.rgba[i] = picture.colors[i];
-  pixman_image_t* source =
-      pixman_image_create_bits(PIXMAN_c8, Picture::kPictureWidth, kHeight,
-                               reinterpret_cast<uint32_t*>(picture.pixels.data()), Picture::kPictureWidth);
-  pixman_image_set_indexed(source, &palette);
+  Painter painter(pixels);
   for (auto _ : state) {
-    for (const Rect& r : rects)
-      pixman_image_composite32(PIXMAN_OP_SRC, source, nullptr, screen.image, 0, 0, 0, 0, r.x, r.y, r.width, r.height);
+    for (const Rect& r : rects) painter.Draw(r);
     benchmark::ClobberMemory();
   }
-  pixman_image_unref(source);
-  CountPixels(state, rects);
+  int64_t drawn = 0;
+  for (const Rect& r : rects) drawn += int64_t{r.width} * r.height;
+  state.SetItemsProcessed(state.iterations() * drawn);
 }
 
-BENCHMARK(SpriteOurs)->Name("sprite8to16")->Arg(16)->Arg(64)->Arg(360);
-BENCHMARK(SpritePixman)->Name("sprite8to16/pixman")->Arg(16)->Arg(64)->Arg(360);
+template <class Ours, class Pixmans>
+void Register(const std::string& name, bool runs) {
+  const auto sizes = [](benchmark::internal::Benchmark* bench) { bench->Arg(16)->Arg(64)->Arg(360); };
+  benchmark::RegisterBenchmark(name.c_str(), [runs](benchmark::State& state) {
+    const std::vector<Rect> rects = RandomRects(int(state.range(0)));
+    std::vector<uint16_t> ours = Screen(runs), pixmans = PixmanScreen(runs);
+    DrawOnce<Ours>(ours, rects);
+    DrawOnce<Pixmans>(pixmans, rects);
+    if (!Alike(ours, pixmans)) return state.SkipWithError("the pictures differ");
+    Time<Ours>(state, Screen(runs));
+  })->Apply(sizes);
+  benchmark::RegisterBenchmark((name + "/pixman").c_str(), [runs](benchmark::State& state) {
+    Time<Pixmans>(state, PixmanScreen(runs));
+  })->Apply(sizes);
+}
+
+const bool kRegistered = [] {
+  Register<OurRects<0xFFFF>, PixmanSolid>("solid", false);
+  Register<OurRects<0x8000>, PixmanBlend>("blend/noise", false);
+  Register<OurRects<0x8000>, PixmanBlend>("blend/runs", true);
+  Register<OurSprites, PixmanSprites>("sprite8to16", false);
+  return true;
+}();
 
 }  // namespace

@@ -2,7 +2,7 @@
 //
 // Glyphs: all that a font has, one after the other and none of them kept, in grey or as outlines; DejaVu Sans and
 // Liberation Sans at 8 to 40 pixels. Grey level 3 is what the text system asks for; the other side always makes 256
-// levels, with its hinting off. Before it is timed, the ink of both is compared.
+// levels, with its hinting off. Before it is timed, the ink of both is compared, or the points of the outlines.
 //
 // Opening: fonts in memory, from their bytes to a scaler, and on to a first glyph in grey. The other side keeps its
 // library from one to the next.
@@ -17,6 +17,7 @@
 
 #include FT_FREETYPE_H
 
+#include "t2k/glyph.h"
 #include "t2k/t2k.h"
 
 namespace {
@@ -82,6 +83,11 @@ class Peer {
     if (grey) FT_Render_Glyph(face->glyph, FT_RENDER_MODE_NORMAL);
   }
 
+  bool HasParts(FT_UInt glyph) {
+    FT_Load_Glyph(face, glyph, FT_LOAD_NO_HINTING | FT_LOAD_NO_BITMAP | FT_LOAD_NO_RECURSE);
+    return face->glyph->format == FT_GLYPH_FORMAT_COMPOSITE;
+  }
+
   FT_Face face = nullptr;
 
  private:
@@ -116,7 +122,7 @@ double InkOf(Peer& peer) {
 }
 
 // Two per cent are the few lines that a pixel is sampled by.
-bool DrawAlike(int64_t font, int pixels) {
+bool InkIsAlike(int64_t font, int pixels) {
   Engine engine(font);
   Peer peer(font);
   engine.SetSize(pixels);
@@ -125,12 +131,35 @@ bool DrawAlike(int64_t font, int pixels) {
   return std::abs(ours - theirs) < theirs / 50;
 }
 
+// Whether every glyph has the same points, none further off than rounding brings it. Parts that a glyph takes from
+// others may lie elsewhere, since the two place them by different rules.
+bool OutlinesAreAlike(int64_t font, int pixels) {
+  Engine engine(font);
+  Peer peer(font);
+  engine.SetSize(pixels);
+  FT_Set_Pixel_Sizes(peer.face, 0, FT_UInt(pixels));
+  const auto close = [](int64_t a, int64_t b) { return std::abs(a - b) <= 2; };  // in 64ths of a pixel
+  for (int index = 0; index < engine.t->numGlyphs; ++index) {
+    engine.Render(index, 0, kT2KByIndex | kT2KKeepGlyph);
+    const bool hasParts = peer.HasParts(FT_UInt(index));
+    peer.Render(FT_UInt(index), false);
+    const GlyphClass& ours = *engine.t->glyph;
+    const FT_Outline& theirs = peer.face->glyph->outline;
+    if (ours.pointCount != theirs.n_points) return false;
+    for (int i = 0; !hasParts && i < ours.pointCount; ++i)
+      if (!close(ours.x[i], theirs.points[i].x) || !close(ours.y[i], theirs.points[i].y)) return false;
+  }
+  return true;
+}
+
 // range(0): the font; range(1): pixels an em. One iteration is a glyph.
 void Glyphs(benchmark::State& state, int level, int cmd) {
   if (FontBytes(state.range(0)).empty()) return state.SkipWithError("the font isn't installed");
-  if (level == 3 && !DrawAlike(state.range(0), int(state.range(1)))) return state.SkipWithError("the ink differs");
+  const int pixels = int(state.range(1));
+  if (level == 3 && !InkIsAlike(state.range(0), pixels)) return state.SkipWithError("the ink differs");
+  if (cmd == 0 && !OutlinesAreAlike(state.range(0), pixels)) return state.SkipWithError("the outlines differ");
   Engine engine(state.range(0));
-  engine.SetSize(int(state.range(1)));
+  engine.SetSize(pixels);
   int glyph = 0;
   for (auto _ : state) {
     engine.Render(glyph, level, cmd | kT2KByIndex);
