@@ -49,8 +49,12 @@ page: {type: group, start: a, children: [
 }
 
 TEST_F(FocusTest, OfOneNameTheFirstInTheListIsFound) {
-  ASSERT_TRUE(
-      load("page: {type: group, children: [{name: a, x: 1}, {name: b, x: 2}, {name: a, x: 3}, {name: a, x: 4}]}"));
+  ASSERT_TRUE(load(R"(
+page: {type: group, start: b, children: [
+  {name: a, x: 1}, {name: b, x: 2, down: a}, {name: a, x: 3}, {name: a, x: 4}, {name: c, master: a}]})"));
+  key("Down");
+  EXPECT_EQ(topFrame()->focus, widget("a"));
+  EXPECT_TRUE(widget("c")->flags & kWidgetHighlighted);
   for (const auto& [a, b] : {std::pair(1, 2), {3, 2}, {3, 0}, {4, 0}, {0, 0}}) {
     EXPECT_EQ(widget("a") ? widget("a")->bounds.x : 0, a);
     EXPECT_EQ(widget("b") ? widget("b")->bounds.x : 0, b);

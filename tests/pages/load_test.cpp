@@ -143,6 +143,43 @@ TEST_F(LoadTest, PagesThatHoldThemselvesEnd) {
   EXPECT_EQ(log(), " -- 'line.kpg' not found\n");
 }
 
+// Bytes of a page of groups, `depth` of them in one another. Each has the next as its child twice, and there is only
+// one of each in the file, so that a page of few bytes doubles its widgets with each level.
+std::string pageOfTwins(uint32_t depth) {
+  std::string bytes = "KPGF";
+  const auto put32 = [&](uint32_t value) {
+    for (int shift = 24; shift >= 0; shift -= 8) bytes += char(value >> shift);
+  };
+  constexpr uint32_t kTexts = 16, kFirst = kTexts + 32, kObjectSize = 12 + 3 * 8, kLevelSize = kObjectSize + 12;
+  put32(0x200);  // the version
+  put32(1);      // 8 bits
+  put32(kFirst);
+  bytes += std::string("type\0name\0children\0group\0twin\0\0", 32);
+  for (uint32_t level = 0; level < depth; ++level) {
+    const uint32_t table = kFirst + level * kLevelSize + kObjectSize, next = table + 12;
+    const bool isLast = level + 1 == depth;
+    for (const uint32_t word : {0u, 0x00080008u, isLast ? 2u : 3u}) put32(word);
+    for (const uint32_t word : {0x04000000u | kTexts, kTexts + 19}) put32(word);        // type: group
+    for (const uint32_t word : {0x04000000u | (kTexts + 5), kTexts + 25}) put32(word);  // name: twin
+    for (const uint32_t word : {0x07000000u | (kTexts + 10), table}) put32(word);       // children: the table
+    for (const uint32_t word : {2u, next, next}) put32(word);
+  }
+  return bytes;
+}
+
+TEST_F(LoadTest, TablesThatShareTheirChildrenDoubleTheWidgetsUpToTheBound) {
+  writeText("twins.kpg", pageOfTwins(9));
+  ASSERT_TRUE(loadFile("twins.kpg"));
+  int count = 0;
+  for (const Widget* w = topFrame()->widgets; w; w = w->nextInFrame) ++count;
+  EXPECT_EQ(count, 511);
+  EXPECT_EQ(widget("twin"), topFrame()->widgets);
+
+  writeText("more.kpg", pageOfTwins(17));
+  EXPECT_FALSE(loadFile("more.kpg"));
+  EXPECT_EQ(topFrame()->widgets, nullptr);
+}
+
 // 32 pages in one another, each with its frame at the bottom of 150 groups: a key and a draw climb all the way.
 TEST_F(LoadTest, TheDeepestPagesAreLoadedDrawnAndDriven) {
   std::string inner = "{name: nest, type: frame, src: deep.kpg}";
