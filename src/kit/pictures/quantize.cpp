@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <queue>
+#include <utility>
 
 #include "kit/pictures/enginecolors.h"
 #include "kit/pictures/nearestcolor.h"
@@ -19,11 +20,24 @@ double number(uint32_t color, size_t n) { return double(channel(color, n)); }
 // Of pixels. Whole numbers, and below 2^53: doubles hold them exactly.
 struct Sums {
   double count = 0;
-  std::array<double, 3> sum{};
+  std::array<double, 3> sum{}, square{};
 
   void add(const ColorCount& c) {
     count += c.count;
-    for (size_t n = 0; n < 3; ++n) sum[n] += c.count * number(c.color, n);
+    for (size_t n = 0; n < 3; ++n) {
+      const double value = number(c.color, n);
+      sum[n] += c.count * value;
+      square[n] += c.count * value * value;
+    }
+  }
+  Sums operator-(const Sums& part) const {
+    Sums rest = *this;
+    rest.count -= part.count;
+    for (size_t n = 0; n < 3; ++n) {
+      rest.sum[n] -= part.sum[n];
+      rest.square[n] -= part.square[n];
+    }
+    return rest;
   }
   uint32_t mean() const {
     uint32_t color = 0;
@@ -39,22 +53,29 @@ struct Box {
   std::array<double, 3> errors;  // weighted squared distance of all pixels from their mean, along each channel
   double error = 0;
 
-  Box(const std::vector<ColorCount>& colors, size_t b, size_t e) : begin(b), end(e) {
-    std::array<double, 3> squares{};
-    for (size_t i = begin; i < end; ++i) {
-      sums.add(colors[i]);
-      for (size_t n = 0; n < 3; ++n) {
-        const double v = number(colors[i].color, n);
-        squares[n] += colors[i].count * v * v;
-      }
-    }
+  Box(size_t b, size_t e, const Sums& s) : begin(b), end(e), sums(s) {
     for (size_t n = 0; n < 3; ++n) {
-      errors[n] = kWeights[n] * (squares[n] - sums.sum[n] * sums.sum[n] / sums.count);
+      errors[n] = kWeights[n] * (sums.square[n] - sums.sum[n] * sums.sum[n] / sums.count);
       error += errors[n];
     }
   }
+  size_t size() const { return end - begin; }
   bool operator<(const Box& other) const { return error < other.error; }
 };
+
+Sums sumsOf(const std::vector<ColorCount>& colors, size_t begin, size_t end) {
+  Sums sums;
+  for (size_t i = begin; i < end; ++i) sums.add(colors[i]);
+  return sums;
+}
+
+// The box's colours before the middle and from it on.
+std::pair<Box, Box> halves(const std::vector<ColorCount>& colors, const Box& box, size_t middle) {
+  const bool firstIsLess = middle - box.begin < box.end - middle;
+  const Sums less = firstIsLess ? sumsOf(colors, box.begin, middle) : sumsOf(colors, middle, box.end);
+  const Sums more = box.sums - less;
+  return {Box(box.begin, middle, firstIsLess ? less : more), Box(middle, box.end, firstIsLess ? more : less)};
+}
 
 // The sums before a cut and after it, computed together.
 class Parts {
@@ -114,7 +135,7 @@ class Cutter {
     Parts parts(box.sums);
     size_t best = 1;
     double most = -1;
-    for (size_t count = 1; count < box.end - box.begin; ++count) {
+    for (size_t count = 1; count < box.size(); ++count) {
       parts.moveCut(sorted[count - 1]);
       const double cohesion = parts.cohesion();
       if (cohesion <= most) continue;
@@ -150,18 +171,18 @@ class Cutter {
 std::vector<uint32_t> split(std::vector<ColorCount>* colors, size_t most) {
   Cutter cutter(colors);
   std::priority_queue<Box> boxes;
-  boxes.emplace(*colors, 0, colors->size());
+  boxes.emplace(0, colors->size(), sumsOf(*colors, 0, colors->size()));
   std::vector<uint32_t> palette;
   while (boxes.size() + palette.size() < most && !boxes.empty()) {
     const Box box = boxes.top();
     boxes.pop();
-    if (box.end - box.begin == 1) {
+    if (box.size() == 1) {
       palette.push_back(box.sums.mean());
       continue;
     }
-    const size_t middle = cutter.cut(box);
-    boxes.emplace(*colors, box.begin, middle);
-    boxes.emplace(*colors, middle, box.end);
+    const auto [first, second] = halves(*colors, box, cutter.cut(box));
+    boxes.push(first);
+    boxes.push(second);
   }
   for (; !boxes.empty(); boxes.pop()) palette.push_back(boxes.top().sums.mean());
   return palette;
