@@ -215,6 +215,19 @@ VISTREL_AVX2 void convertByAvx2(const uint16_t* source, uint32_t* destination, i
   }
 }
 
+// Rows of less than a block.
+VISTREL_AVX2 void convertNarrowByAvx2(const uint16_t* source, uint32_t* destination, int stride, int width,
+                                      int height) {
+  const Rule rule = makeRule();
+  std::array<uint16_t, kBlock> row{};
+  std::array<uint32_t, kBlock> converted;
+  for (; height > 0; --height, source += stride, destination += stride) {
+    std::copy_n(source, width, row.begin());
+    convertBlock(rule, row.data(), converted.data());
+    std::copy_n(converted.begin(), width, destination);
+  }
+}
+
 #endif
 
 }  // namespace
@@ -226,7 +239,10 @@ void convertVideoRowsPlain(const uint16_t* source, uint32_t* destination, int st
 
 void convertVideoRows(const uint16_t* source, uint32_t* destination, int stride, int width, int height) {
 #ifdef VISTREL_AVX2
-  if (width >= kBlock && hasAvx2()) return convertByAvx2(source, destination, stride, width, height);
+  if (hasAvx2()) {
+    const auto convert = width < kBlock ? convertNarrowByAvx2 : convertByAvx2;
+    return convert(source, destination, stride, width, height);
+  }
 #endif
   convertVideoRowsPlain(source, destination, stride, width, height);
 }
