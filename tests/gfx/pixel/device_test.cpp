@@ -69,6 +69,17 @@ struct Model {
       if (inside.covered[y][x] == 0) return false;
     return true;
   }
+  // Around all pixels that may be drawn on.
+  hsRegion AllowedBounds() {
+    MakeMasks();
+    hsIntRect bounds{kWidth, kHeight, 0, 0};
+    for (int y = 0; y < kHeight; ++y)
+      for (int x = 0; x < kWidth; ++x)
+        if (Allows(x, y))
+          bounds = {std::min(bounds.fLeft, x), std::min(bounds.fTop, y), std::max(bounds.fRight, x + 1),
+                    std::max(bounds.fBottom, y + 1)};
+    return bounds.IsEmpty() ? hsRegion() : hsRegion(bounds);
+  }
   // The masks of all clips of all states; a clip knows nothing of the origin.
   void MakeMasks() {
     masks.clear();
@@ -177,7 +188,9 @@ void Step(Random& random, hsGRasterDevice* device, Model* model, const hsRegion&
   device->DrawPath(&path, attr);
   path.Transform(&total);
   if (smooth) {
-    HSScan::AntiFillPath(&path, nullptr, &coverage);
+    // A span that a clip begins within a pixel counts one less there than one that comes from further left.
+    const hsRegion clip = model->AllowedBounds();
+    HSScan::AntiFillPath(&path, &clip, &coverage);
   } else {
     HSScan::FillPath(&path, nullptr, &coverage);
   }
