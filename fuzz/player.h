@@ -8,7 +8,7 @@
 #include "host/headless/headlessdesktop.h"
 
 // How many widgets of a page are looked at closely, which takes longer than most pages do.
-inline constexpr size_t kLookedAt = 8;
+inline constexpr size_t kLookedAt = 5;
 
 // Without a page, and with little left of the inputs before. The current directory is a folder for the input's files.
 inline HeadlessDesktop& playerWithoutPage() {

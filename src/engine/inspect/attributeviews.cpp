@@ -234,6 +234,7 @@ AttributeView viewOf(const Widget* widget, const AttributeRow& row) {
 bool isFor(const AttributeRow& row, bool isRoot, std::string_view type) {
   if (row.owner == AttributeOwner::root) return isRoot;
   if (row.owner != AttributeOwner::widget) return false;
+  if (!row.type.empty()) return row.type == type;
   return &row == attributeRow(AttributeOwner::widget, type, row.name);
 }
 
