@@ -93,7 +93,7 @@ struct WiderColor {
     return dst + Wider16(Signed((src - dst) * scale) >> 8);
   }
   VISTREL_AVX2 Wider16 Covered(const uint16_t* pixels, Wider8 coverage) const {
-    const Wider16 v = __builtin_convertvector(coverage, Wider16) * alphaScale >> 8, scale = v - Wider16(v != 0);
+    const Wider16 v = Wider16(_mm256_cvtepu8_epi16(__m128i(coverage))) * alphaScale >> 8, scale = v - Wider16(v != 0);
     Wider16 d;
     std::memcpy(&d, pixels, sizeof d);
     return Lerp(r6, d >> 10, scale) << 10 | Lerp(g5, d >> 5 & 31, scale) << 5 | Lerp(b5, d & 31, scale);
@@ -104,6 +104,10 @@ struct WiderColor {
 
   Wider16 r6, g5, b5, alphaScale;
 };
+
+VISTREL_AVX2 inline bool AreFull32ByAvx2(const uint8_t* coverage) {
+  return _mm256_testc_si256(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(coverage)), _mm256_set1_epi8(-1));
+}
 
 // A row of sixteen pixels or more. Rows of shapes are mostly nothing, or the colour itself, with a little between. The
 // last sixteen are taken first, as in BlendWide.
@@ -123,7 +127,8 @@ VISTREL_AVX2 void CoverRowByAvx2(const hsGColor& color, uint16_t* pixels, int32_
       continue;
     }
     hsStoreWider(pixels, full);
-    for (; last - pixels > 2 * kWider && AreFull32(coverage + kWider); pixels += 2 * kWider, coverage += 2 * kWider) {
+    for (; last - pixels > 2 * kWider && AreFull32ByAvx2(coverage + kWider);
+         pixels += 2 * kWider, coverage += 2 * kWider) {
       hsStoreWider(pixels + kWider, full);
       hsStoreWider(pixels + 2 * kWider, full);
     }
