@@ -280,7 +280,7 @@ REASONS = {
     'Stroke': 'of a star’s stroke half is walking edges and storing spans, a third the outline, whose shape is fixed to the bit; of a '
               'blob 40 in 100 is following curves, which change their line on nearly every row.',
     '40 lines': 'each line is converted to RGB when it is drawn, which is a third; another third is the glyphs themselves.',
-    '16-bit screen to RGB, noise': 'some fifty vector instructions for sixteen pixels, beside a load and a store for a copy.',
+    '16-bit screen to RGB, noise': 'some forty vector instructions for sixteen pixels, beside a load and two stores for a copy.',
     'A photograph': 'a third is finding the nearest of 240 colours for each of the picture’s, nine times over.',
     'The guide by kpg': 'half is the system’s: memory, and mapping the program and its libraries.',
 }

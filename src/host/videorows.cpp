@@ -50,8 +50,8 @@ void convertByTable(const Pixel* source, uint32_t* destination, int count, const
 #ifdef VISTREL_AVX2
 
 // The rule is one of doubles, but a step of luma is 340/73 of a step of red, green or blue. So in units of 1/73 luma is
-// whole, what chroma adds can be cut to whole units, and 16 bits hold everything. The numbers were searched for; that
-// all 65,536 pixels come to the same as by the rule is what the test tries.
+// whole, what chroma adds can be rounded to whole units, and 16 bits hold everything. The numbers were searched for;
+// that all 65,536 pixels come to the same as by the rule is what the test tries.
 
 constexpr int kBlock = 16;  // pixels in a register
 
@@ -60,72 +60,71 @@ VISTREL_AVX2 inline __m256i all(int value) {
   asm("" : "+x"(lanes));  // a compiler that knew the value would make it anew for each block
   return lanes;
 }
+// Numbers for the chroma of a pixel.
+VISTREL_AVX2 inline __m256i allPairs(int cr, int cb) { return all(cr << 8 | cb); }
 
 VISTREL_AVX2 inline __m256i plus(__m256i a, __m256i b) { return _mm256_add_epi16(a, b); }
-VISTREL_AVX2 inline __m256i times(__m256i a, __m256i b) { return _mm256_mullo_epi16(a, b); }
 
 struct Rule {
-  // The steps that the rule doesn't cut: luma 4 to 58 and three quarters, chroma 2 to 30.
+  // Luma, in units and with the half that rounds a colour. The rule cuts its steps to 4 and to 58 and three quarters.
   VISTREL_AVX2 __m256i lumaOf(__m256i pixels) const {
-    return _mm256_min_epu16(times(_mm256_max_epu16(_mm256_srli_epi16(pixels, 10), leastLuma), lumaStep), fullLuma);
+    const __m256i atTop = _mm256_adds_epu16(_mm256_and_si256(pixels, lumaBits), lumaAbove);
+    return plus(_mm256_mulhi_epu16(_mm256_subs_epu16(atTop, lumaBelow), lumaStep), half);
   }
+  // Cr and Cb in a byte each, in eighths of steps to either side of 16. The rule cuts them to 14 steps.
   VISTREL_AVX2 __m256i chromaOf(__m256i pixels) const {
-    return _mm256_min_epu16(_mm256_max_epu16(_mm256_and_si256(pixels, fiveBits), leastChroma), mostChroma);
+    const __m256i bits = _mm256_blendv_epi8(_mm256_slli_epi16(pixels, 3), _mm256_slli_epi16(pixels, 6), crBits);
+    const __m256i around16 = _mm256_xor_si256(_mm256_and_si256(bits, stepBits), signs);
+    return _mm256_min_epi8(_mm256_max_epi8(around16, leastChroma), mostChroma);
   }
 
-  // What chroma adds to red and blue: a step's share, times 32, of its bits at the top.
-  VISTREL_AVX2 __m256i redOf(__m256i cr) const {
-    const __m256i share = _mm256_mulhi_epu16(_mm256_or_si256(_mm256_slli_epi16(cr, 11), redMore), redStep);
-    return plus(share, _mm256_cmpeq_epi16(cr, redTie));
-  }
-  VISTREL_AVX2 __m256i blueOf(__m256i cb) const {
-    return _mm256_mulhi_epu16(_mm256_or_si256(_mm256_slli_epi16(cb, 11), blueMore), blueStep);
-  }
-  // What it takes off green, the shares in units and 1,024ths.
-  VISTREL_AVX2 __m256i greenOf(__m256i cr, __m256i cb) const {
-    const __m256i parts = plus(plus(times(cr, greenCrParts), times(cb, greenCbParts)), greenMore);
-    return plus(plus(times(cr, greenCr), times(cb, greenCb)), _mm256_srli_epi16(parts, 10));
-  }
+  // Units to steps of a colour; what is beyond 0 to 255 stays beyond.
+  VISTREL_AVX2 __m256i stepsOf(__m256i units) const { return _mm256_srai_epi16(_mm256_mulhi_epi16(units, perUnit), 5); }
 
-  // a - b units, at least none, in whole steps of a colour.
-  VISTREL_AVX2 __m256i stepsOf(__m256i a, __m256i b) const {
-    return _mm256_srli_epi16(_mm256_mulhi_epu16(_mm256_subs_epu16(a, b), perUnit), 6);
+  VISTREL_AVX2 __m256i redOf(__m256i luma, __m256i chroma) const {
+    const __m256i cr = _mm256_and_si256(chroma, crBits);
+    // The doubles lose half a step at one Cr.
+    const __m256i share = plus(_mm256_mulhrs_epi16(cr, redStep), _mm256_cmpeq_epi16(cr, redTie));
+    return stepsOf(_mm256_adds_epi16(luma, share));
+  }
+  VISTREL_AVX2 __m256i blueOf(__m256i luma, __m256i chroma) const {
+    return stepsOf(_mm256_adds_epi16(luma, _mm256_mulhrs_epi16(_mm256_slli_epi16(chroma, 8), blueStep)));
+  }
+  // Whole units a step, a few too many, and those made good.
+  VISTREL_AVX2 __m256i greenOf(__m256i luma, __m256i chroma) const {
+    const __m256i tooMany = _mm256_mulhrs_epi16(_mm256_maddubs_epi16(greenExcess, chroma), greenExcessStep);
+    return stepsOf(plus(_mm256_sub_epi16(luma, _mm256_maddubs_epi16(greenSteps, chroma)), tooMany));
   }
 
   // Of a pixel without colour: all three are the same.
-  VISTREL_AVX2 __m256i greyOf(__m256i pixels) const { return stepsOf(lumaOf(pixels), greyLess); }
+  VISTREL_AVX2 __m256i greyOf(__m256i pixels) const { return stepsOf(lumaOf(pixels)); }
 
-  __m256i leastLuma, lumaStep, fullLuma, fiveBits, leastChroma, mostChroma;
-  __m256i redMore, redStep, redTie, redLess;
-  __m256i blueMore, blueStep, blueLess;
-  __m256i greenCr, greenCrParts, greenCb, greenCbParts, greenMore, greenLuma;
-  __m256i perUnit, greyLess, chromaBits, noChroma;
+  __m256i lumaBits, lumaAbove, lumaBelow, lumaStep, half;
+  __m256i crBits, stepBits, signs, leastChroma, mostChroma;
+  __m256i redStep, redTie, blueStep, greenSteps, greenExcess, greenExcessStep;
+  __m256i perUnit, chromaBits, noChroma;
 };
 
 VISTREL_AVX2 inline Rule makeRule() {
   Rule r;
-  constexpr int kLeastLuma = 4, kLumaStep = 340, kLess = kLeastLuma * kLumaStep;
-  r.leastLuma = all(kLeastLuma);
-  r.lumaStep = all(kLumaStep);
-  r.fullLuma = all(255 * 73 + kLess);
-  r.fiveBits = all(31);
-  r.leastChroma = all(2);
-  r.mostChroma = all(30);
-  r.redMore = all(6);
-  r.redStep = all(29784);
-  r.redTie = all(18);  // the doubles lose half a step there
-  r.redLess = all(14858 + kLess);
-  r.blueMore = all(1);
-  r.blueStep = all(37698);
-  r.blueLess = all(18813 + kLess);
-  r.greenCr = all(474);
-  r.greenCrParts = all(699);
-  r.greenCb = all(228);
-  r.greenCbParts = all(715);
-  r.greenMore = all(410);
-  r.greenLuma = all(11290 - kLess);
-  r.perUnit = all(57457);  // 1/73, over 2^22
-  r.greyLess = _mm256_sub_epi16(r.redLess, r.redOf(all(16)));
+  constexpr int kLeastLuma = 4 << 10, kMostLuma = (58 << 10) + (3 << 8), kAbove = 0xFFFF - kMostLuma;
+  r.lumaBits = all(0xFC00);
+  r.lumaAbove = all(kAbove);
+  r.lumaBelow = all(kAbove + kLeastLuma);
+  r.lumaStep = all(340 << 6);
+  r.half = all(73 / 2);
+  r.crBits = allPairs(0xFF, 0);
+  r.stepBits = allPairs(0xF8, 0xF8);
+  r.signs = allPairs(0x80, 0x80);
+  r.leastChroma = allPairs(-14 * 8 & 0xFF, -14 * 8 & 0xFF);
+  r.mostChroma = allPairs(14 * 8, 14 * 8);
+  r.redStep = all(14892);  // 930 3/4 units
+  r.redTie = allPairs(2 * 8, 0);
+  r.blueStep = all(18849);  // 1,178 units
+  r.greenSteps = allPairs(60, 33);
+  r.greenExcess = allPairs(36, 239);
+  r.greenExcessStep = all(605);
+  r.perUnit = all(28729);  // 1/73, over 2^21
   r.chromaBits = all(0x3FF);
   r.noChroma = all(0x210);
   return r;
@@ -135,36 +134,37 @@ VISTREL_AVX2 inline __m256i load(const uint16_t* source) {
   return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(source));
 }
 
-VISTREL_AVX2 inline void convertBlock(const Rule& rule, const uint16_t* source, uint32_t* destination) {
-  const __m256i pixels = load(source);
-  const __m256i luma = rule.lumaOf(pixels);
-  const __m256i cr = rule.chromaOf(_mm256_srli_epi16(pixels, 5)), cb = rule.chromaOf(pixels);
-  const __m256i r = rule.stepsOf(plus(luma, rule.redOf(cr)), rule.redLess);
-  const __m256i g = rule.stepsOf(plus(luma, rule.greenLuma), rule.greenOf(cr, cb));
-  const __m256i b = rule.stepsOf(plus(luma, rule.blueOf(cb)), rule.blueLess);
-  // Eight bytes of each in a half of a register, cut at 255, then dealt out.
-  const __m256i blueRed = _mm256_packus_epi16(b, r), green = _mm256_packus_epi16(g, _mm256_setzero_si256());
-  const __m256i blueGreen = _mm256_unpacklo_epi8(blueRed, green), redNone = _mm256_unpackhi_epi8(blueRed, green);
-  const __m256i low = _mm256_unpacklo_epi16(blueGreen, redNone), high = _mm256_unpackhi_epi16(blueGreen, redNone);
+// With the second quarter and the third exchanged: what is dealt out by halves of a register comes to lie in order.
+VISTREL_AVX2 inline __m256i loadToDeal(const uint16_t* source) { return _mm256_permute4x64_epi64(load(source), 0xD8); }
+
+// Two bytes of each pixel and its other two.
+VISTREL_AVX2 inline void deal(__m256i blueGreen, __m256i redNone, uint32_t* destination) {
   auto* const out = reinterpret_cast<__m256i*>(destination);
-  _mm256_storeu_si256(out, _mm256_permute2x128_si256(low, high, 0x20));
-  _mm256_storeu_si256(out + 1, _mm256_permute2x128_si256(low, high, 0x31));
+  _mm256_storeu_si256(out, _mm256_unpacklo_epi16(blueGreen, redNone));
+  _mm256_storeu_si256(out + 1, _mm256_unpackhi_epi16(blueGreen, redNone));
+}
+
+VISTREL_AVX2 inline void convertBlock(const Rule& rule, const uint16_t* source, uint32_t* destination) {
+  const __m256i pixels = loadToDeal(source), luma = rule.lumaOf(pixels), chroma = rule.chromaOf(pixels);
+  const __m256i r = rule.redOf(luma, chroma), g = rule.greenOf(luma, chroma), b = rule.blueOf(luma, chroma);
+  // Eight bytes of each in a half of a register, cut to 0 to 255.
+  const __m256i blueRed = _mm256_packus_epi16(b, r), green = _mm256_packus_epi16(g, _mm256_setzero_si256());
+  deal(_mm256_unpacklo_epi8(blueRed, green), _mm256_unpackhi_epi8(blueRed, green), destination);
 }
 
 VISTREL_AVX2 inline void convertGreyBlock(const Rule& rule, const uint16_t* source, uint32_t* destination) {
-  const __m256i grey = rule.greyOf(load(source));
-  const __m256i twice = _mm256_or_si256(grey, _mm256_slli_epi16(grey, 8));
-  const __m256i low = _mm256_unpacklo_epi16(twice, grey), high = _mm256_unpackhi_epi16(twice, grey);
-  auto* const out = reinterpret_cast<__m256i*>(destination);
-  _mm256_storeu_si256(out, _mm256_permute2x128_si256(low, high, 0x20));
-  _mm256_storeu_si256(out + 1, _mm256_permute2x128_si256(low, high, 0x31));
+  const __m256i grey = rule.greyOf(loadToDeal(source));
+  deal(_mm256_or_si256(grey, _mm256_slli_epi16(grey, 8)), grey, destination);
 }
 
-// Whether so many blocks have no colour.
+VISTREL_AVX2 inline bool isNothing(__m256i bits) { return _mm256_testz_si256(bits, bits); }
+
+// Whether so many blocks have no colour. Among colours the first one tells.
 template <int count>
 VISTREL_AVX2 inline bool isGrey(const Rule& rule, const uint16_t* source) {
-  __m256i coloured = _mm256_setzero_si256();
-  for (int i = 0; i < count; ++i)
+  __m256i coloured = _mm256_xor_si256(load(source), rule.noChroma);
+  if (!_mm256_testz_si256(coloured, rule.chromaBits)) return false;
+  for (int i = 1; i < count; ++i)
     coloured = _mm256_or_si256(coloured, _mm256_xor_si256(load(source + i * kBlock), rule.noChroma));
   return _mm256_testz_si256(coloured, rule.chromaBits);
 }
@@ -175,11 +175,10 @@ VISTREL_AVX2 inline __m256i differencesToBefore(const uint16_t* source) {
 
 // Whether four blocks are each like the one before.
 VISTREL_AVX2 inline bool goesOn(const uint16_t* source) {
-  const __m256i first = _mm256_or_si256(differencesToBefore(source), differencesToBefore(source + kBlock));
-  const __m256i second =
-      _mm256_or_si256(differencesToBefore(source + 2 * kBlock), differencesToBefore(source + 3 * kBlock));
-  const __m256i any = _mm256_or_si256(first, second);
-  return _mm256_testz_si256(any, any);
+  return isNothing(differencesToBefore(source)) &&
+         isNothing(_mm256_or_si256(
+             _mm256_or_si256(differencesToBefore(source + kBlock), differencesToBefore(source + 2 * kBlock)),
+             differencesToBefore(source + 3 * kBlock)));
 }
 
 // Pages are flat, or text in black and white, but what isn't goes on for a while: so four blocks are asked together how

@@ -74,10 +74,10 @@ void BlendWide(uint16_t* pixels, int32_t width, Blended blended) {
 
 #ifdef VISTREL_AVX2
 
-using Wider16 = uint16_t __attribute__((vector_size(32)));
+using Wider16 = hsWider16;
 using Wider8 = uint8_t __attribute__((vector_size(16)));
 
-constexpr int32_t kWider = 16;  // pixels
+constexpr int32_t kWider = kWider16;  // pixels
 constexpr int32_t WholeWider(int32_t width) { return (width + kWider - 1) & -kWider; }
 
 // WideColor for sixteen pixels at a time.
@@ -92,16 +92,49 @@ struct WiderColor {
     using Signed = int16_t __attribute__((vector_size(32)));
     return dst + Wider16(Signed((src - dst) * scale) >> 8);
   }
-  VISTREL_AVX2 void BlendCovered(uint16_t* pixels, Wider8 coverage) const {
-    const Wider16 v = __builtin_convertvector(coverage, Wider16) * alphaScale >> 8, scale = v - Wider16(v != 0);
+  VISTREL_AVX2 Wider16 Covered(const uint16_t* pixels, Wider8 coverage) const {
+    const Wider16 v = Wider16(_mm256_cvtepu8_epi16(__m128i(coverage))) * alphaScale >> 8, scale = v - Wider16(v != 0);
     Wider16 d;
     std::memcpy(&d, pixels, sizeof d);
-    d = Lerp(r6, d >> 10, scale) << 10 | Lerp(g5, d >> 5 & 31, scale) << 5 | Lerp(b5, d & 31, scale);
-    std::memcpy(pixels, &d, sizeof d);
+    return Lerp(r6, d >> 10, scale) << 10 | Lerp(g5, d >> 5 & 31, scale) << 5 | Lerp(b5, d & 31, scale);
+  }
+  VISTREL_AVX2 void BlendCovered(uint16_t* pixels, Wider8 coverage) const {
+    hsStoreWider(pixels, Covered(pixels, coverage));
   }
 
   Wider16 r6, g5, b5, alphaScale;
 };
+
+VISTREL_AVX2 inline bool AreFull32ByAvx2(const uint8_t* coverage) {
+  return _mm256_testc_si256(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(coverage)), _mm256_set1_epi8(-1));
+}
+
+// A row of sixteen pixels or more. Rows of shapes are mostly nothing, or the colour itself, with a little between. The
+// last sixteen are taken first, as in BlendWide.
+VISTREL_AVX2 void CoverRowByAvx2(const hsGColor& color, uint16_t* pixels, int32_t width, const uint8_t* coverage) {
+  const WiderColor wider(color);
+  const bool isOpaque = color.fA >> 8 == 0xFF;
+  const Wider16 full = wider.r6 << 10 | wider.g5 << 5 | wider.b5;
+  uint16_t* const last = pixels + width - kWider;
+  Wider8 some;
+  std::memcpy(&some, coverage + width - kWider, sizeof some);
+  const Wider16 end = wider.Covered(last, some);
+  for (; pixels < last; pixels += kWider, coverage += kWider) {
+    std::memcpy(&some, coverage, sizeof some);
+    if (_mm_testz_si128(__m128i(some), __m128i(some))) continue;
+    if (!isOpaque || !_mm_test_all_ones(__m128i(some))) {
+      wider.BlendCovered(pixels, some);
+      continue;
+    }
+    hsStoreWider(pixels, full);
+    for (; last - pixels > 2 * kWider && AreFull32ByAvx2(coverage + kWider);
+         pixels += 2 * kWider, coverage += 2 * kWider) {
+      hsStoreWider(pixels + kWider, full);
+      hsStoreWider(pixels + 2 * kWider, full);
+    }
+  }
+  hsStoreWider(last, end);
+}
 
 constexpr Wider8 kWiderLanes = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
 
@@ -193,8 +226,14 @@ void hsGColorBlitter16::BlendSpan(uint16_t* pixels, int32_t width) const {
   for (; width > 0; --width, ++pixels) *pixels = LerpPixel(r5 * 2, g5, b5, *pixels, scale);
 }
 
-// Rows of shapes are mostly nothing, or the colour itself, with a little between.
 void hsGColorBlitter16::BlendCovered(uint16_t* pixels, int32_t width, const uint8_t* coverage) const {
+#ifdef VISTREL_AVX2
+  if (width >= kWider && hasAvx2()) return CoverRowByAvx2(fColor, pixels, width, coverage);
+#endif
+  BlendCoveredPlain(pixels, width, coverage);
+}
+
+void hsGColorBlitter16::BlendCoveredPlain(uint16_t* pixels, int32_t width, const uint8_t* coverage) const {
   const uint32_t scale = (fColor.fA >> 8) + 1u;
   if (width >= kWide16) {
     const WideColor wide(fColor);

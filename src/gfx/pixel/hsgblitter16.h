@@ -29,6 +29,9 @@ class hsGColorBlitter16 : public hsGDeviceBlitter {
   void BlitLCDMask(const hsGMask& mask, const hsRegion* clip, int32_t lcdOffset) override;
   bool Reuse(const hsGBitmap& bitmap, const hsGAttribute& attr, int32_t maskType) override;
 
+  // BlitH under coverage, from a row's pixels on, without the instructions that only some processors have.
+  void BlendCoveredPlain(uint16_t* pixels, int32_t width, const uint8_t* coverage) const;
+
  private:
   void BlendSpan(uint16_t* pixels, int32_t width) const;
   void BlendCovered(uint16_t* pixels, int32_t width, const uint8_t* coverage) const;

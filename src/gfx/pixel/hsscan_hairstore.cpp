@@ -5,24 +5,40 @@
 
 namespace {
 
-// Cuts the run to the bitmap; true when all of what is left lies inside. A run is straight, so its ends decide.
-bool CutToBitmap(const hsGBitmap& bitmap, hsHairRun* run) {
-  const int64_t majorSize = run->fIsSteep ? bitmap.fHeight : bitmap.fWidth;
-  const int64_t minorSize = run->fIsSteep ? bitmap.fWidth : bitmap.fHeight;
-  const auto minorAt = [&](int32_t i) { return run->fMinor + int64_t{run->fSlope} * i; };
-  const auto isInside = [&](int32_t i) { return minorAt(i) >= 0 && minorAt(i) >> 16 < minorSize; };
-  const int32_t last = run->fCount - 1;
-  if (run->fFirst >= 0 && run->fFirst + int64_t{last} < majorSize && isInside(0) && isInside(last)) [[likely]]
-    return true;
-  int32_t skipped = 0;
-  while (skipped < run->fCount && (run->fFirst + skipped < 0 || !isInside(skipped))) ++skipped;
-  if (skipped == run->fCount) return false;
-  run->fMinor = hsFixed(minorAt(skipped));
-  run->fFirst += skipped;
-  run->fCount -= skipped;
-  while (run->fCount > 0 && (run->fFirst + run->fCount > majorSize || !isInside(run->fCount - 1))) --run->fCount;
-  return run->fCount > 0;
-}
+// Where a run lies in a bitmap.
+class Place {
+ public:
+  Place(const hsGBitmap& bitmap, const hsHairRun& run)
+      : majorSize(run.fIsSteep ? bitmap.fHeight : bitmap.fWidth),
+        minorSize(run.fIsSteep ? bitmap.fWidth : bitmap.fHeight) {}
+
+  // A run is straight, so its ends decide.
+  bool Holds(const hsHairRun& run) const {
+    return run.fFirst >= 0 && run.fFirst + int64_t{run.fCount} <= majorSize && HoldsMinor(run, 0) &&
+           HoldsMinor(run, run.fCount - 1);
+  }
+  // Leaves of the run what lies inside; false if nothing does.
+  bool Cut(hsHairRun* run) const {
+    int32_t skipped = 0;
+    while (skipped < run->fCount && (run->fFirst + skipped < 0 || !HoldsMinor(*run, skipped))) ++skipped;
+    if (skipped == run->fCount) return false;
+    run->fMinor = hsFixed(MinorAt(*run, skipped));
+    run->fFirst += skipped;
+    run->fCount -= skipped;
+    while (run->fCount > 0 && (run->fFirst + run->fCount > majorSize || !HoldsMinor(*run, run->fCount - 1)))
+      --run->fCount;
+    return run->fCount > 0;
+  }
+
+ private:
+  static int64_t MinorAt(const hsHairRun& run, int32_t i) { return run.fMinor + int64_t{run.fSlope} * i; }
+  bool HoldsMinor(const hsHairRun& run, int32_t i) const {
+    const int64_t minor = MinorAt(run, i);
+    return minor >= 0 && minor >> 16 < minorSize;
+  }
+
+  const int64_t majorSize, minorSize;
+};
 
 template <typename Pixel>
 void Store(const hsGBitmap& bitmap, Pixel value, const hsHairRun& run) {
@@ -40,16 +56,23 @@ void Store(const hsGBitmap& bitmap, Pixel value, const hsHairRun& run) {
   }
 }
 
+void StoreAny(const hsGBitmap& bitmap, uint32_t value, const hsHairRun& run) {
+  if (bitmap.fPixelSize == 16)
+    Store(bitmap, uint16_t(value), run);
+  else
+    Store(bitmap, uint8_t(value), run);
+}
+
 }  // namespace
 
 void hsStoreHairRun(const hsGBitmap& bitmap, uint32_t value, const hsHairRun& run) {
-  hsHairRun cut = run;
-  if (bitmap.fPixelSize != 16 && bitmap.fPixelSize != 8)
+  if (bitmap.fPixelSize != 16 && bitmap.fPixelSize != 8) {
     hsDebugMessage("bad device depth", bitmap.fPixelSize);
-  else if (!CutToBitmap(bitmap, &cut))
     return;
-  else if (bitmap.fPixelSize == 16)
-    Store(bitmap, uint16_t(value), cut);
-  else
-    Store(bitmap, uint8_t(value), cut);
+  }
+  const Place place(bitmap, run);
+  if (place.Holds(run)) [[likely]]
+    return StoreAny(bitmap, value, run);
+  hsHairRun cut = run;
+  if (place.Cut(&cut)) StoreAny(bitmap, value, cut);
 }

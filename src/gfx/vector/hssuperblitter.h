@@ -42,7 +42,6 @@ class hsSuperBlitter final : public hsGBlitter {
   static constexpr int32_t kNoRow = 0x7FFFFFFF;
   static constexpr int32_t kSamples = 1 << kShift;  // to a pixel, either way
   static constexpr int32_t kSampleValue = 16;
-  static constexpr int32_t kLanes = 16;  // pixels that are summed up together
   static constexpr int32_t kInlinePixels = 1024;
 
   void AddSpan(int32_t subRow, int32_t x, int32_t stop) {
@@ -58,7 +57,6 @@ class hsSuperBlitter final : public hsGBlitter {
   }
   void Change(int32_t pixel, int32_t by) { fChanges[pixel] = int16_t(fChanges[pixel] + by); }
   void Flush();
-  void SumUp();
 
   const hsIntRect fBounds;
   const hsRegion* const fClip;

@@ -159,6 +159,28 @@ TEST(Blitter, SolidColoursFollowTheirRules) {
   }
 }
 
+// Coverage of shapes: stretches of none, of all and of anything between, in rows of any length.
+TEST(Blitter, RowsOfCoverageAreBlendedPixelByPixel) {
+  Random random(17);
+  for (int iteration = 0; iteration < 2000; ++iteration) {
+    const hsGColor color{random.Chance(60) ? uint16_t(0xFFFF) : Wide(random), Wide(random), Wide(random), Wide(random)};
+    Surface surface(hsGBitmap::kConfig_RGB16, random.Between(1, 250), 1, random), plain(surface), model(surface);
+    const int x = random.Below(surface.Width()), width = random.Between(1, surface.Width() - x);
+    std::vector<uint8_t> coverage(static_cast<size_t>(width));
+    const int changes = random.Chance(50) ? 3 : 40;
+    for (size_t i = 0; i < coverage.size(); ++i)
+      coverage[i] = i > 0 && !random.Chance(changes) ? coverage[i - 1] : random.Byte();
+    hsGColorBlitter16 blitter(surface.bitmap, color);
+    blitter.fAlpha = coverage.data();
+    blitter.BlitH(0, x, width);
+    blitter.BlendCoveredPlain(static_cast<uint16_t*>(plain.bitmap.fImage) + x, width, coverage.data());
+    const Rule rule = Rule16(color, false);
+    for (int i = 0; i < width; ++i) model.Set(x + i, 0, rule(model.Get(x + i, 0), kCovered, coverage[size_t(i)]));
+    ASSERT_EQ(surface, model) << iteration;
+    ASSERT_EQ(plain, model) << iteration;
+  }
+}
+
 // Wherever a row begins and however long it is, by the widest stores that there are and by the plain ones.
 TEST(FillRows, EndWhereTheyShould) {
   constexpr int kRowPixels = 300;

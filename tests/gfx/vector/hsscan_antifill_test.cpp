@@ -3,6 +3,7 @@
 
 #include "gfx/halt.h"
 #include "gfx/vector/coverageblitter.h"
+#include "gfx/vector/coveragesum.h"
 #include "gfx/vector/hsregion.h"
 #include "gfx/vector/hsscan.h"
 #include "gfx/vector/hssuperblitter.h"
@@ -55,6 +56,35 @@ TEST(SuperBlitter, ARowMayBeWiderThanAnyScreen) {
   want[0] = 32;
   want[4998] = 16 + 64;
   EXPECT_EQ(row.bytes, want);
+}
+
+// By the widest registers that there are and by the plain ones: changes far apart and close together.
+TEST(CoverageSum, AddsUpWhatChanges) {
+  Random random(30);
+  ThrowOnHalt halt;
+  for (int i = 0; i < 3000; ++i)
+    for (const auto sumUp : {hsSumUpCoverage, hsSumUpCoveragePlain}) {
+      const size_t count = hsCoverageLanes * (1 + random() % 20), apart = 1 + random() % (random() % 2 ? 4 : 100);
+      std::vector<int16_t> changes(count);
+      std::vector<uint8_t> want(count), coverage(count + 1, 77);
+      int sum = 0;
+      for (size_t x = 0; x < count; ++x) {
+        const int next = random() % apart ? sum : int(random() % 3 ? random() % 256 : random() % 2 * 255);
+        changes[x] = int16_t(next - sum);
+        want[x] = uint8_t(sum = next);
+      }
+      want.push_back(77);
+      sumUp(changes.data(), coverage.data(), int32_t(count));
+      ASSERT_EQ(coverage, want) << i;
+      ASSERT_EQ(changes, std::vector<int16_t>(count)) << i;
+    }
+  for (const auto sumUp : {hsSumUpCoverage, hsSumUpCoveragePlain}) {
+    std::vector<int16_t> changes(hsCoverageLanes * 2);
+    std::vector<uint8_t> coverage(changes.size());
+    changes[18] = 300;
+    changes[19] = -200;
+    EXPECT_EQ(AssertOf([&] { sumUp(changes.data(), coverage.data(), int32_t(changes.size())); }), "bad 8");
+  }
 }
 
 TEST(SuperBlitter, ReportsWhatCannotBe) {
