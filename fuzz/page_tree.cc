@@ -157,7 +157,9 @@ class PageMaker {
     if (row.name == "type" || row.name == "name") return false;
     const bool ofOwner = row.owner == owner || (owner == AttributeOwner::root && row.owner == AttributeOwner::widget);
     if (!ofOwner || (!row.type.empty() && row.type != type)) return false;
-    if (row.kind == AttributeKind::styles || row.value == "style name" || row.name == "font") return !choices.oneIn(32);
+    if (row.kind == AttributeKind::styles || row.value == "style name" || row.name == "font" ||
+        row.owner == AttributeOwner::line)
+      return !choices.oneIn(32);
     return row.type.empty() ? choices.oneIn(5) : !choices.oneIn(4);
   }
 
