@@ -9,6 +9,7 @@
 
 #include "choices.h"
 #include "engine/format/attributes.h"
+#include "kit/source/pagedump.h"
 #include "kit/source/pagewriter.h"
 #include "kit/source/scripts.h"
 #include "player.h"
@@ -273,5 +274,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     desktop.settle();
   }
   lookAtAll(desktop.shell.engine, kLookedAt);
+  for (const WidgetView& widget : inspectWidgets(desktop.shell.engine))
+    inspectTextLines(desktop.shell.engine, widget.id);
+  if (data[size - 1] % 8 == 0) dumpPage("p", page);
   return 0;
 }
