@@ -37,7 +37,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const BobTree tree = parseBob(text);
   checkTree(tree);
   const BobSymbols symbols = symbolsOf(tree);
-  for (const BobUse& use : symbols.uses) check(use.offset + use.length <= size);
+  for (const BobUse& use : symbols.uses) {
+    check(use.offset + use.length <= size);
+    check(symbols.useAt(use.offset) != nullptr);
+    const BobUse* definition = symbols.definitionOf(use.symbol);
+    check(!definition || definition->symbol == use.symbol);
+  }
   const size_t offset = size == 0 ? 0 : data[0] * size / 256;
   const BobCursor cursor = cursorAt(tree, symbols, offset);
   check(cursor.begin <= offset && offset <= cursor.end && cursor.end <= size);

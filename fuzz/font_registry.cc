@@ -47,7 +47,12 @@ void ask(hsGFontT2K& font) {
   hsSfnt::CompareName(names, hsSfnt::kAny, 1, 1, 0, 5, "Block");
   for (const uint32_t tag : {hsTag("glyf"), hsTag("head"), hsTag("EBLC")}) font.ReadTable(tag);
   uint8_t bytes[4];
-  if (font.CalcDataSize() >= sizeof bytes) font.CopyData(font.GetDataSize() - 4, sizeof bytes, bytes);
+  const uint32_t size = font.CalcDataSize();
+  if (size < hsSfnt::kDirectoryHeader) return;
+  const auto* header = static_cast<const uint8_t*>(font.ReadData(0, hsSfnt::kDirectoryHeader, nullptr));
+  hsSfnt::DataSize({header, hsSfnt::kDirectoryHeader});
+  font.CopyData(size - 4, sizeof bytes, bytes);
+  font.CopyData(size - 3, sizeof bytes, bytes);  // which isn't there
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "choices.h"
 #include "t2k/fontbuilder.h"
+#include "t2k/hinter.h"
 #include "t2k_font.h"
 
 namespace {
@@ -11,16 +12,33 @@ namespace {
 constexpr const char* kTables[] = {"cmap", "glyf", "kern", "hmtx", "name", "fpgm", "prep", "cvt ", "loca", "maxp",
                                    "head", "hhea", "post", "OS/2", "EBLC", "EBDT", "bloc", "bdat", "T2KG"};
 
+// So many parts that they need more room than a glyph begins with.
+Bytes manyParts(Choices& choices) {
+  constexpr int kParts = 400, kMore = 0x20, kOffsets = 2;
+  const int glyph = int(choices.below(3)), offset = int(choices.word() & 0xFFFF);
+  Bytes entries;
+  for (int left = kParts; left > 0; --left) entries.Words({left > 1 ? kMore | kOffsets : kOffsets, glyph, offset});
+  return entries;
+}
+
 Bytes rest(Choices& choices, size_t most) {
   Bytes bytes;
   for (size_t left = std::min(choices.left(), most); left > 0; --left) bytes.push_back(choices.byte());
   return bytes;
 }
 
+// What a font brings to save the hinter its own look at the letters, with the right mark and length.
+Bytes hintGlobals(Choices& choices) {
+  Bytes record;
+  record.Words({0x5648, 0x4731, int(choices.below(20)) - 1}).Add(rest(choices, kHintRecordBytes));
+  record.resize(kHintRecordBytes);
+  return record;
+}
+
 // A glyph's own contours, bytes for a glyph, or parts of other glyphs.
 void addGlyph(SfntBuilder& font, Choices& choices) {
   const int advance = int(choices.below(1200)) - 100;
-  switch (choices.below(3)) {
+  switch (choices.below(4)) {
     case 0: {
       std::vector<FontContour> contours(1 + choices.below(3));
       for (FontContour& contour : contours)
@@ -30,6 +48,7 @@ void addGlyph(SfntBuilder& font, Choices& choices) {
       break;
     }
     case 1: font.AddGlyph(CompositeGlyph(rest(choices, 1 + choices.below(24))), advance, 0); break;
+    case 2: font.AddGlyph(CompositeGlyph(choices.oneIn(4) ? manyParts(choices) : Bytes()), advance, 0); break;
     default: font.AddGlyph(rest(choices, choices.below(60)), advance, int(choices.byte()));
   }
 }
@@ -46,6 +65,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   for (const char c : std::string("Ag0")) font.characters[c] = int(choices.below(10));
   for (uint32_t tables = choices.below(3); tables > 0; --tables)
     font.tables[choices.pick(kTables)] = rest(choices, choices.below(400));
+  if (choices.oneIn(8)) font.tables["T2KG"] = hintGlobals(choices);
   std::vector<uint8_t> bytes = font.Build();
   bytes.push_back(howItIsDrawn);
   TryFont(bytes.data(), bytes.size(), kFontTypeSfnt);

@@ -49,6 +49,8 @@ void tryClut(const Bytes& bytes) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const Bytes bytes(data, data + size);
+  check(!(isGif(bytes) && isPng(bytes)));
+  isKitPng(bytes);
   for (const auto& read : {
            +[](const Bytes& b) { tryPicture(decodePng("f", b), b); },
            +[](const Bytes& b) { tryPicture(decodeGif("f", b), b); },

@@ -7,6 +7,18 @@
 #include "kit/source/pagebuild.h"
 #include "kit/source/pagedump.h"
 #include "kit/source/pageoutline.h"
+#include "kit/source/pagesource.h"
+
+namespace {
+
+void tryPlain() {
+  try {
+    plainPageSource("p.yaml");
+  } catch (const KitError&) {  // it says why
+  }
+}
+
+}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (enterFolder()) {
@@ -21,6 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (!pageDifferences("p.yaml", "p.yaml").empty()) __builtin_trap();
     checkPageSource("p.yaml");
   } catch (const KitError&) {
+    tryPlain();
   }
   return 0;
 }

@@ -9,6 +9,7 @@
 
 #include "choices.h"
 #include "engine/format/attributes.h"
+#include "kit/source/pagedump.h"
 #include "kit/source/pagewriter.h"
 #include "kit/source/scripts.h"
 #include "player.h"
@@ -53,7 +54,9 @@ constexpr const char* kEvents[] = {"0x4030001, 1", "0x4030001, 0", "0x4030002", 
                                    "0x4030004",    "0x80001, 1",   "0x80001, 2", "0x80001, 4",
                                    "0x80001, 8",   "0x80002",      "0x80004",    "0x80006, 0x80000005"};
 constexpr const char* kWhole[] = {
-    "KOVA.s = new TextStyle({font: \"f.ttf\", size: 12, color: 3}); KOVA.s.CacheGlyphs(\"ab\");",
+    "KOVA.e = new Object(); KOVA.e.font = \"f.ttf\"; KOVA.e.size = 12; KOVA.s = new TextStyle(KOVA.e);",
+    "KOVA.e.bgColor = 3; KOVA.e.color = 9; KOVA.e.underline = 1; KOVA.s.initialize(KOVA.e); KOVA.s.CacheGlyphs();",
+    "KOVA.s = widgets.a.style; KOVA.s.CacheGlyphs(\"ab\"); KOVA.s.CacheGlyphsFromFile(\"small\");",
     "KOVA.t = new StringTable(\"t.tbl\"); KOVA.t.String(0); KOVA.t.String(1); KOVA.t.Close(); KOVA.t.String(1);",
     "KOVA.t.initialize(\"t.tbl\"); KOVA.t.String(2); KOVA.t.String(1000); KOVA.t.Close(); KOVA.t.Close();",
     "new StringTable(\"none.tbl\"); new StringTable(7);",
@@ -155,7 +158,9 @@ class PageMaker {
     if (row.name == "type" || row.name == "name") return false;
     const bool ofOwner = row.owner == owner || (owner == AttributeOwner::root && row.owner == AttributeOwner::widget);
     if (!ofOwner || (!row.type.empty() && row.type != type)) return false;
-    if (row.kind == AttributeKind::styles || row.value == "style name" || row.name == "font") return !choices.oneIn(32);
+    if (row.kind == AttributeKind::styles || row.value == "style name" || row.name == "font" ||
+        row.owner == AttributeOwner::line)
+      return !choices.oneIn(32);
     return row.type.empty() ? choices.oneIn(5) : !choices.oneIn(4);
   }
 
@@ -263,11 +268,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
       case 0: desktop.wait(choices.below(32)); continue;
       case 1:
       case 2:
-      case 3: desktop.typeLine(lineOf(choices)); break;
+      case 3: typeStatements(desktop, lineOf(choices)); break;
       default: desktop.key(choices.pick(kKeys));
     }
     desktop.settle();
   }
   lookAtAll(desktop.shell.engine, kLookedAt);
+  for (const WidgetView& widget : inspectWidgets(desktop.shell.engine))
+    inspectTextLines(desktop.shell.engine, widget.id);
+  if (data[size - 1] % 8 == 0) dumpPage("p", page);
   return 0;
 }

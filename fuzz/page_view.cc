@@ -15,7 +15,10 @@ void check(bool holds) {
 
 void checkNode(const LooseNode& node, size_t size) {
   check(node.begin <= node.end && node.end <= size);
-  for (size_t i = 0; i < node.text.size(); ++i) check(node.sourceOf(i) <= node.end);
+  for (size_t i = 0; i < node.text.size(); ++i) {
+    check(node.sourceOf(i) <= node.end);
+    check(node.textOffsetOf(node.sourceOf(i)) <= node.text.size());
+  }
   for (const LooseNode& item : node.list) checkNode(item, size);
   for (const LoosePair& pair : node.map) {
     check(pair.begin <= pair.end && pair.end <= size);

@@ -41,6 +41,12 @@ struct ClippedBlitter : hsGBlitter {
   PixelModel drawn, full;
 };
 
+struct Mirror : hsPointMapper {
+  void MapPoints(int32_t count, const hsPoint src[], hsPoint dst[]) const override {
+    for (int32_t i = 0; i < count; ++i) dst[i] = {src[i].fY, src[i].fX};
+  }
+};
+
 class PathMaker {
  public:
   explicit PathMaker(Choices& c) : choices(c), isWild(c.oneIn(4)) {}
@@ -143,12 +149,18 @@ class PathMaker {
     switch (choices.below(5)) {
       case 0: path.Subdivide(int32_t(choices.below(5))); break;
       case 1: path.SubdivideToTolerance(hsScalar(choices.byte()) << 12, int32_t(choices.below(5))); break;
-      case 2: path.Offset(kFixed1 / 4, kFixed1 / 8); break;
+      case 2: {
+        const hsPath whole = path;
+        path.Offset(kFixed1 / 4, kFixed1 / 8);
+        if (choices.below(2)) path.Offset(0, 0, &whole);
+        break;
+      }
       case 3: {
         hsMatrix matrix;
         matrix.SetRotate(hsFixed(choices.byte()) << 17, 32 * kFixed1, 32 * kFixed1);
         if (isWild && choices.below(2)) matrix.fMap[2][0] = int32_t(choices.word());
-        path.Transform(&matrix);
+        const Mirror mirror;
+        choices.below(2) ? path.Transform(&mirror) : path.Transform(&matrix);
         break;
       }
       default: path.Rewind();
@@ -158,6 +170,18 @@ class PathMaker {
   Choices& choices;
   const bool isWild;  // points are anywhere
 };
+
+// Each contour alone, by the iterator, which must have all points.
+void walk(const hsPath& path) {
+  hsPathIter iter(path, false);
+  int32_t points = 0;
+  hsPath contour;
+  for (bool isClosed = iter.IsClosedContour(); iter.NextContour(&contour); isClosed = iter.IsClosedContour()) {
+    points += contour.CountPoints();
+    check(isClosed == hsPathIter(contour, false).IsClosedContour());
+  }
+  check(points <= path.CountPoints());
+}
 
 // What a path answers about itself.
 void ask(const hsPath& path) {
@@ -177,7 +201,8 @@ void ask(const hsPath& path) {
   hsPoint p;
   path.GetFirstPoint(&p);
   path.GetLastPoint(&p);
-  check(!path.GetPoint(path.CountPoints(), &p));
+  for (int32_t i = 0; i <= path.CountPoints(); ++i) check(path.GetPoint(i, &p) == (i < path.CountPoints()));
+  walk(path);
   for (const bool close : {false, true}) path.CountFirstContourSegments(close);
 }
 
@@ -229,6 +254,11 @@ void drawShapes(PathMaker& maker, const hsRegion& clip, const PixelModel& pixels
   drawn(pixels, [&](hsGBlitter* b) { HSScan::FillRect(&r, &clip, b, choices.below(2)); });
   drawn(pixels, [&](hsGBlitter* b) { HSScan::FrameRect(&r, kFixed1 * 3 / 2, kFixed1, &clip, b); });
   drawn(pixels, [&](hsGBlitter* b) { HSScan::HairRect(&r, &clip, b); });
+  drawn(pixels, [&](hsGBlitter* b) { HSScan::FrameRect(&r, -kFixed1, kFixed1, &clip, b); });
+  const hsIntRect within{5, 6, 7, 9};
+  PixelModel whole;
+  whole.Fill(within);
+  check(drawn(whole, [&](hsGBlitter* b) { HSScan::FillIRect(&within, nullptr, b); }).drawn == whole);
 }
 
 // Nothing, a rectangle, or what is left of one when another is taken out.

@@ -3,12 +3,18 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "folder.h"
 #include "host/headless/headlessdesktop.h"
 
 // How many widgets of a page are looked at closely, which takes longer than most pages do.
 inline constexpr size_t kLookedAt = 5;
+
+// As a block, since the console runs the first statement of a line alone.
+inline void typeStatements(HeadlessDesktop& desktop, const std::string& statements) {
+  desktop.typeLine("{ " + statements + " }");
+}
 
 // Without a page, and with little left of the inputs before. The current directory is a folder for the input's files.
 inline HeadlessDesktop& playerWithoutPage() {
@@ -24,7 +30,7 @@ inline HeadlessDesktop& playerWithoutPage() {
     inputs = 0;
   }
   desktop->typeLine("topFrame.UnloadPage();");
-  desktop->typeLine("KOVA.w = KOVA.t = KOVA.e = KOVA.f = KOVA.s = nil; gc();");
+  typeStatements(*desktop, "KOVA.w = KOVA.t = KOVA.e = KOVA.f = KOVA.s = nil; gc();");
   desktop->settle();
   desktop->edit.select({0, -1});
   desktop->edit.replaceSelection("");

@@ -13,6 +13,7 @@ void makeFiles() {
   constexpr const char* kPage = "page: {type: group}\n";
   for (const char* name : {"a.yaml", "b.yaml"}) std::ofstream(name) << kPage;
   std::ofstream("part.yaml") << "styles: []\n";
+  std::ofstream("broken.yaml") << "page: [\n";
   writePng("a.png", 2, 1, {0x123456, 0});  // as a shot of the page would be
   writePng("art.png", 2, 1, {0x123456, 0});
 }

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <utility>
 
 #include "choices.h"
 #include "gfx/foundation/hsdebug.h"
@@ -56,6 +57,8 @@ void translate(Both& both, Choices& choices) {
   if (!moved.Validate()) return;  // out of the range of runs
   moved.Translate(-dx, -dy);
   check(moved == both.region);
+  hsRegion taken(std::move(moved));
+  both.region = std::move(taken);
 }
 
 // A triangle or a rectangle of whole pixels, as a path.
@@ -112,7 +115,8 @@ void walk(const Both& both) {
   int32_t y, left, right;
   for (hsRegionRowIter iter(both.region); iter.Next(&y, &left, &right);) {
     forward.Fill({left, y, right, y + 1});
-    builder.BlitH(y, left, right - left);
+    builder.BlitH(y, left, 1);
+    if (right - left > 1) builder.BlitH(y, left + 1, right - left - 1);
   }
   for (hsRegionReverseRowIter iter(both.region); iter.Next(&y, &left, &right);) backward.Fill({left, y, right, y + 1});
   check(forward == both.pixels && backward == both.pixels);

@@ -111,7 +111,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   for (int actions = 0; !input.isEmpty() && actions < kMostActions; ++actions) {
     const uint8_t action = input.byte();
     if (action >= 0x80) {
-      desktop.typeLine(lineOf(input));
+      typeStatements(desktop, lineOf(input));
     } else if (action >= 0x60) {
       desktop.wait(action - 0x60u);
     } else {

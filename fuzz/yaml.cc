@@ -18,8 +18,14 @@ void check(bool holds) {
 // Each edit is read again and compared by the editor itself.
 void edit(const std::string& text, const YamlNode& root, uint8_t choice) {
   constexpr const char* kValues[] = {"7", "two words", "a: b", "", "two\nlines\n", " \"'", "#"};
-  const YamlNode& map =
-      root.isMap() && choice % 2 && !root.map.empty() && root.map[0].value.isMap() ? root.map[0].value : root;
+  const YamlNode* inner = &root;
+  for (int depth = choice % 5; depth > 0; --depth) {
+    if (inner->isMap() && !inner->map.empty())
+      inner = &inner->map[choice % inner->map.size()].value;
+    else if (inner->isList() && !inner->list.empty())
+      inner = &inner->list.back();
+  }
+  const YamlNode& map = *inner;
   if (!map.isMap() || map.map.empty()) return;
   const std::string key = choice % 7 ? map.map[choice % map.map.size()].key : "new";
   const std::string value = kValues[choice % std::size(kValues)];
@@ -27,6 +33,13 @@ void edit(const std::string& text, const YamlNode& root, uint8_t choice) {
     const std::string changed = withYamlValue("y", text, map.place, key, value);
     check(isSameYaml(parseYaml("y", withYamlValue("y", changed, map.place, key, value)), parseYaml("y", changed)));
   } catch (const KitError&) {  // it can't be changed alone
+  }
+  YamlPlace elsewhere = map.place;
+  elsewhere.column += 1000;
+  try {
+    withYamlValue("y", text, elsewhere, key, value);
+    check(false);
+  } catch (const KitError&) {  // there is no map
   }
   try {
     withoutYamlKey("y", text, map.place, key);

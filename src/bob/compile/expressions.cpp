@@ -26,7 +26,7 @@ struct Binary {
   int8_t level = -1;  // none
   BobOpcode op = kOpEnd;
 };
-constexpr std::array<Binary, kTokensEnd> makeBinaries() {
+consteval std::array<Binary, kTokensEnd> makeBinaries() {
   std::array<Binary, kTokensEnd> byToken{};
   for (const Level& l : kLevels) byToken[size_t(l.op.token)] = {int8_t(l.level), l.op.op};
   return byToken;

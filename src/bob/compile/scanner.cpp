@@ -43,7 +43,7 @@ constexpr Keyword kKeywords[] = {
 };
 
 // By character: where its keywords begin, and at the next character, where they end.
-constexpr std::array<uint8_t, 257> makeKeywordIndex() {
+consteval std::array<uint8_t, 257> makeKeywordIndex() {
   std::array<uint8_t, 257> index{};
   for (size_t c = 0; c < index.size(); ++c)
     while (index[c] < std::size(kKeywords) && uint8_t(kKeywords[index[c]].text[0]) < c) ++index[c];
@@ -58,7 +58,7 @@ int keywordOrIdentifier(std::string_view text) {
   return kTokenIdentifier;
 }
 
-constexpr std::array<bool, 256> makeWordCharacters() {
+consteval std::array<bool, 256> makeWordCharacters() {
   std::array<bool, 256> is{};
   for (int c = 0; c < 256; ++c) is[size_t(c)] = bobIsLetter(c) || bobIsDigit(c) || c == '_';
   return is;

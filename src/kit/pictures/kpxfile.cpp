@@ -18,7 +18,8 @@ void put16(std::vector<uint8_t>* bytes, size_t at, size_t value) {
 
 }  // namespace
 
-// The name's first character is in the header, the rest and a zero byte after it.
+// The name's first character is in the header, the rest and a zero byte after it, but for the longest name, which ends
+// with the bytes that its length allows.
 KpxFile parseKpx(const std::string& path, const std::vector<uint8_t>& bytes) {
   if (bytes.size() < kHeaderSize) throw KitError(path, "too short for a picture");
   KpxFile picture{hsBig16(&bytes[2]), hsBig16(&bytes[4]), "", {}};
@@ -40,10 +41,10 @@ std::vector<uint8_t> kpxBytes(const KpxFile& picture) {
   put16(&bytes, 4, picture.height);
   bytes[7] = kFormat8Bit;
   if (!picture.clut.empty()) {
-    bytes[10] = uint8_t(picture.clut.size());
+    bytes[10] = uint8_t(std::min<size_t>(picture.clut.size(), UINT8_MAX));
     bytes[11] = uint8_t(picture.clut[0]);
     bytes.insert(bytes.end(), picture.clut.begin() + 1, picture.clut.end());
-    bytes.push_back(0);
+    bytes.resize(kHeaderSize + bytes[10]);
   }
   put16(&bytes, 8, bytes.size());
   bytes.insert(bytes.end(), picture.pixels.begin(), picture.pixels.end());

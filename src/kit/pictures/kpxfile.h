@@ -7,7 +7,7 @@
 
 struct KpxFile {
   uint32_t width, height;       // up to 65,535
-  std::string clut;             // file name of its colour table, up to 255 bytes; empty for the screen's
+  std::string clut;             // file name of its colour table, up to 256 bytes; empty for the screen's
   std::vector<uint8_t> pixels;  // one index each, rows from the top
 };
 
