@@ -276,7 +276,8 @@ REASONS = {
     'Region union': 'two thirds is merging spans, some three cycles each.',
     'Region intersection': 'as for the union.',
     'Region difference': 'as for the union.',
-    'Fill: triangles': 'nearly every row has an edge that begins or ends; 45 in 100 is renewing those that a row crosses.',
+    'Fill: triangles': 'nearly every row has an edge that begins or ends; 45 in 100 is renewing the two dozen that a row crosses and which '
+                       'of them bound spans, a third stepping and storing a dozen short spans a row.',
     'Stroke': 'of a star’s stroke half is walking edges and storing spans, a third the outline, whose shape is fixed to the bit; of a '
               'blob 40 in 100 is following curves, which change their line on nearly every row.',
     '40 lines': 'each line is converted to RGB when it is drawn, which is a third; another third is the glyphs themselves.',
