@@ -2,7 +2,31 @@
 // code.
 #include "bob/tools/codeuses.h"
 #include "bob/tools/disassemble.h"
+#include "bob/tools/objectformat.h"
 #include "bobinterp.h"
+
+namespace {
+
+class Bytes : public BobStream {
+ public:
+  explicit Bytes(std::string_view b) : bytes(b) {}
+  int GetC() override { return at == bytes.size() ? -1 : uint8_t(bytes[at++]); }
+
+ private:
+  std::string bytes;
+  size_t at = 0;
+};
+
+// The input as a whole file; with the mark that files begin with, or, half of the time, with the version, too.
+std::string_view fileBytes;
+std::unique_ptr<BobStream> openInput(const char*, const char*) {
+  constexpr char kVersion[] = {0, 0, 0, kBobObjectVersion};
+  std::string file(kBobMagic, sizeof kBobMagic);
+  if (fileBytes.size() % 2) file.append(kVersion, sizeof kVersion);
+  return std::make_unique<Bytes>(file.append(fileBytes));
+}
+
+}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const FuzzInterp interp;
@@ -14,6 +38,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     bobDisassemble(interp, value, bobStdout(interp));
     bobCodeUses(interp, value);
   });
+  fileBytes = bytes;
+  bobSetOpenFile(interp, openInput);
+  bobTry(interp, [&] { bobLoadObjectFile(bobRootScope(interp), "f"); });
   BobStringInput input(bytes);
   bobLoadObjectStream(bobRootScope(interp), &input);
   // Functions that the records have defined, called with too few, enough and too many arguments.

@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     CodePlaces places;
     places.add(map.codes);
     for (const BobCodeLines& code : map.codes)
-      if (places.placeOf(code.hash, 7).empty()) __builtin_trap();
+      if (places.placeOf(code.hash, 7).empty() || !places.linesOf(code.hash)) __builtin_trap();
     const BobMap again = parseBobMap("f.bobmap", bobMapText("f.bobmap", map));
     for (size_t i = 0; i < map.codes.size(); ++i) {
       BobCodeLines code = again.codes.at(i);

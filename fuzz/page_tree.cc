@@ -9,6 +9,7 @@
 
 #include "choices.h"
 #include "engine/format/attributes.h"
+#include "kit/pictures/kpxfile.h"
 #include "kit/source/pagedump.h"
 #include "kit/source/pagewriter.h"
 #include "kit/source/scripts.h"
@@ -50,9 +51,9 @@ constexpr const char* kDone[] = {".SetFocus();",       ".Hide(true);",          
                                  ".Clear();",          ".AddElement(\"new\");", ".AddElement(\"new\", 3);",
                                  ".AddElement(3);"};
 // Events that an engine sends its widgets, some with what only the engine can add, and keys.
-constexpr const char* kEvents[] = {"0x4030001, 1", "0x4030001, 0", "0x4030002",  "0x4030003",
-                                   "0x4030004",    "0x80001, 1",   "0x80001, 2", "0x80001, 4",
-                                   "0x80001, 8",   "0x80002",      "0x80004",    "0x80006, 0x80000005"};
+constexpr const char* kEvents[] = {"0x4030001, 1", "0x4030001, 0", "0x4030002",          "0x4030003",  "0x4030004",
+                                   "0x80001, 3",   "0x80001, 1",   "0x80001, 2",         "0x80001, 4", "0x80001, 8",
+                                   "0x80002",      "0x80004",      "0x80006, 0x80000005"};
 constexpr const char* kWhole[] = {
     "KOVA.e = new Object(); KOVA.e.font = \"f.ttf\"; KOVA.e.size = 12; KOVA.s = new TextStyle(KOVA.e);",
     "KOVA.e.bgColor = 3; KOVA.e.color = 9; KOVA.e.underline = 1; KOVA.s.initialize(KOVA.e); KOVA.s.CacheGlyphs();",
@@ -61,6 +62,8 @@ constexpr const char* kWhole[] = {
     "KOVA.t.initialize(\"t.tbl\"); KOVA.t.String(2); KOVA.t.String(1000); KOVA.t.Close(); KOVA.t.Close();",
     "new StringTable(\"none.tbl\"); new StringTable(7);",
     "KOVA.f = function (e) { return true; }; widgets.a.OnEvent(0x80001, KOVA.f);",
+    "KOVA.s = widgets.b.style; widgets.a.style = KOVA.s; widgets.c.highlightStyle = KOVA.s;",
+    "widgets.a.AddElement(3); widgets.b.AddElement(3); widgets.c.highlightSrc = \"p.gif\";",
     "gc();"};
 constexpr uint32_t kFirstEngineEvent = 0x4040001, kEngineEvents = 0x18;
 constexpr int kMostLoads = 8;
@@ -208,8 +211,8 @@ void makeFiles() {
   static bool made = false;
   if (std::exchange(made, true)) return;
   WriteFile("f.ttf", BlockFontFile());
-  constexpr uint8_t kPicture[] = {0, 0, 0, 2, 0, 1, 0, 1, 0, 0, 0, 0, 7, 8};
-  writeBytes("p.kpx", kPicture, sizeof kPicture);
+  const KpxFile picture{24, 24, "", std::vector<uint8_t>(24 * 24, 7)};  // smaller ones take long to tile
+  writeKpxFile("p.kpx", picture);
   constexpr uint8_t kGif[] = {'G', 'I', 'F', '8', '9', 'a', 2, 0, 1, 0, 0x80, 0, 0, 255,  0,    0, 0,  0,
                               255, ',', 0,   0,   0,   0,   2, 0, 1, 0, 0,    2, 2, 0x44, 0x0A, 0, ';'};
   writeBytes("p.gif", kGif, sizeof kGif);
@@ -274,8 +277,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     desktop.settle();
   }
   lookAtAll(desktop.shell.engine, kLookedAt);
+  if (data[size - 1] % 8 != 0) return 0;
   for (const WidgetView& widget : inspectWidgets(desktop.shell.engine))
     inspectTextLines(desktop.shell.engine, widget.id);
-  if (data[size - 1] % 8 == 0) dumpPage("p", page);
+  dumpPage("p", page);
   return 0;
 }

@@ -3,10 +3,12 @@
 // Points lie on the model's pixels, where what is drawn is compared, or anywhere, where it must stay within the clip.
 #include <array>
 #include <cstdlib>
+#include <vector>
 
 #include "choices.h"
 #include "gfx/foundation/hsdebug.h"
 #include "gfx/foundation/hsmatrix.h"
+#include "gfx/pixel/hsgbitmap.h"
 #include "gfx/vector/hsscan.h"
 #include "gfx/vector/scanmodel.h"
 
@@ -45,6 +47,28 @@ struct Mirror : hsPointMapper {
   void MapPoints(int32_t count, const hsPoint src[], hsPoint dst[]) const override {
     for (int32_t i = 0; i < count; ++i) dst[i] = {src[i].fY, src[i].fX};
   }
+};
+
+// Pixels of a bitmap that drawing may store into by itself.
+struct DirectBlitter : ClippedBlitter {
+  explicit DirectBlitter(const PixelModel& c) : ClippedBlitter(c), pixels(size_t{kModelSize} * kModelSize) {
+    bitmap.SetConfig(hsGBitmap::kConfig_Index8);
+    bitmap.fWidth = bitmap.fHeight = kModelSize;
+    bitmap.fRowBytes = kModelSize;
+    bitmap.fImage = pixels.data();
+  }
+  const hsGBitmap* GetDirectTarget(uint32_t* value) override { return *value = 1, &bitmap; }
+
+  // What was drawn either way.
+  PixelModel all() const {
+    PixelModel found = drawn;
+    for (int i = 0; i < kModelSize * kModelSize; ++i)
+      if (pixels[size_t(i)]) found.Fill({i % kModelSize, i / kModelSize, i % kModelSize + 1, i / kModelSize + 1});
+    return found;
+  }
+
+  std::vector<uint8_t> pixels;
+  hsGBitmap bitmap;
 };
 
 class PathMaker {
@@ -235,7 +259,15 @@ void drawPath(const hsPath& path, bool isWild, const hsRegion& clip, const Pixel
   const ClippedBlitter plain = drawn(pixels, [&](hsGBlitter* b) { HSScan::FillPath(&path, &clip, b); });
   const ClippedBlitter smooth = drawn(pixels, [&](hsGBlitter* b) { HSScan::AntiFillPath(&path, &clip, b); });
   if (!isWild) compare(path, pixels, plain, smooth);
-  drawn(pixels, [&](hsGBlitter* b) { HSScan::HairPath(&path, &clip, b); });
+  const ClippedBlitter hair = drawn(pixels, [&](hsGBlitter* b) { HSScan::HairPath(&path, &clip, b); });
+  DirectBlitter direct(pixels);
+  bool isWhole = true;
+  try {
+    HSScan::HairPath(&path, &clip, &direct);
+  } catch (const hsException&) {
+    isWhole = false;
+  }
+  if (isWhole) check(direct.all() == hair.drawn);
 
   hsPath stroke;
   const hsFixed radius = hsFixed(choices.byte()) << 11, limit = hsFixed(choices.byte()) << 11;

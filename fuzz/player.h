@@ -18,7 +18,7 @@ inline void typeStatements(HeadlessDesktop& desktop, const std::string& statemen
 
 // Without a page, and with little left of the inputs before. The current directory is a folder for the input's files.
 inline HeadlessDesktop& playerWithoutPage() {
-  constexpr int kInputsOfAnEngine = 50;
+  constexpr int kInputsOfAnEngine = 100;
   static std::unique_ptr<HeadlessDesktop> desktop;
   static int inputs = 0;
   enterFolder();

@@ -123,6 +123,7 @@ void walk(const Both& both) {
   int32_t count;
   const int16_t* runs = builder.Finish(&count);
   check(hsRegion(count, runs) == both.region);
+  check(hsRegion(count - 1, runs).IsEmpty());  // without their end they are no runs
 }
 
 // Any numbers as runs: they are refused, or make a region that holds together.

@@ -13,7 +13,7 @@ constexpr const char* kHeads[] = {"",
                                   "/em 2000 def\n",
                                   "/ascent 900 def /descent 100 def\n",
                                   "/ItalicAngle -12 def\n",
-                                  "/FontMatrix [1e-3 0 0 .001E+0 0 0] def\n",
+                                  "/FontMatrix [1e-3 0 0 .001E+0 12345678901234567890123 0] def\n",
                                   "/em 12345678901234567890123456789.5 def\n",
                                   "/WeightVector [0.25 0.75 ] def\n",
                                   "/WeightVector [0.1 0.2 0.3 0.4 ] def\n"};
@@ -73,7 +73,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Choices choices(data, size);
   const uint8_t howItIsDrawn = choices.byte();
   Type1Builder font;
-  font.head += choices.pick(kHeads);
+  font.head.insert(font.head.find('\n') + 1, choices.pick(kHeads));  // of two that are the same the first counts
   font.head += choices.pick(kHeads);
   font.encoding = choices.pick(kEncodings);
   font.lenIV = choices.oneIn(4) ? int(choices.below(6)) : 4;

@@ -14,7 +14,6 @@ struct hsQuadEdge {
   int32_t fFirstY;  // first row
   int32_t fCount;   // rows left
 
-  int32_t EndY() const { return fFirstY + fCount; }
   bool IsLeftOf(const hsQuadEdge& other) const { return fX != other.fX ? fX < other.fX : fDX < other.fDX; }
   // False when it owns no row within the clip, if there is one.
   bool Set(hsPoint p0, hsPoint p1, const hsIntRect* clip);
