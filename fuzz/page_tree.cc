@@ -220,12 +220,13 @@ void makeFiles() {
   constexpr uint8_t kColors[] = {0, 16, 128, 128, 0, 235, 128, 128, 0, 80, 240, 90, 0};
   writeBytes("t.clut", kColors, sizeof kColors);
   // Two texts, the second of which lies outside.
-  std::vector<uint8_t> table(32 + 2 * 12);
+  constexpr size_t kText = 32 + 2 * 12;
+  std::vector<uint8_t> table(kText + 2);
   table[20] = 2;
   table[32 + 7] = 2;
-  table[32 + 11] = uint8_t(table.size());
+  table[32 + 11] = kText;
   table[44 + 7] = table[44 + 11] = 0x70;
-  table.insert(table.end(), {'h', 'i'});
+  table[kText] = 'h', table[kText + 1] = 'i';
   WriteFile("t.tbl", table);
   const std::string onClick = compiled("widgets.a.value = 3;");
   const PageNode slider{1, 1, 9, 9, {{"name", textOf("a")}, {"type", textOf("slider")}}};
