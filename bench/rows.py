@@ -270,7 +270,8 @@ ROWS = [
 
 # Where the time goes in rows that miss their aims, by the beginning of their titles.
 REASONS = {
-    'Grey glyphs': 'no part of it takes more than 14 in 100 of the time.',
+    'Grey glyphs': 'more than a fifth is following curves, a sixth each finding where they cross rows and sweeping over those, and a '
+                   'tenth reading coordinates.',
     'Outlines': 'of a glyph of Liberation a third is its coordinates, and a quarter is reading it.',
     'Solid rectangles': 'at 360 pixels both fill the memory as fast as it takes it.',
     'Region union': 'two thirds is merging spans, some three cycles each.',
@@ -300,7 +301,7 @@ GROWTH = [
     Growth('Stroke', 'points of a star', 'gfx_scan_bench', 'points/stroke', STAR,
            'a thousand spikes lie closer than the stroke is wide: their outlines cross, more often with the square of the '
            'points.'),
-    Growth('Anti-aliased stroke', 'points of a star', 'gfx_scan_bench', 'points/antistroke', STAR),
+    Growth('Anti-aliased stroke', 'points of a star', 'gfx_scan_bench', 'points/antistroke', STAR, 'as for the stroke.'),
     Growth('Hairline', 'points of a star', 'gfx_scan_bench', 'points/hair', STAR),
     Growth('Region union', 'rectangles', 'gfx_region_bench', 'small/union', SMALL_RECTS),
     Growth('Region intersection', 'rectangles', 'gfx_region_bench', 'small/intersect', SMALL_RECTS,
@@ -314,7 +315,8 @@ GROWTH = [
     Growth('Compiling a script', 'lines', 'bob_growth_bench', 'compile', (20, 200, 2000)),
     Growth('An object', 'properties', 'bob_growth_bench', 'properties', (10, 100, 1000)),
     Growth('A collection', 'live objects', 'bob_growth_bench', 'collection', (10, 100, 1000)),
-    Growth('Loading a page', 'widgets, each found by name', 'page_bench', 'LoadSlaves', (500, 5000, 50000)),
+    Growth('Loading a page', 'widgets, each found by name', 'page_bench', 'LoadSlaves', (500, 5000, 50000),
+           'fifty thousand widgets and their names leave the caches.'),
     Growth('Starting timers', 'timers that wait', 'page_bench', 'StartTimers', (100, 1000, 10000),
            'an ordered tree, so each costs the logarithm of their number, and ten thousand leave the first-level cache.'),
 ]
