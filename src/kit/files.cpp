@@ -210,6 +210,13 @@ std::vector<uint8_t> readFile(const std::string& path) {
   }
 }
 
+void refuseEndless(const std::string& path) {
+  std::error_code ignored;
+  const fs::file_status status = fs::status(path, ignored);
+  if (fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status))
+    throw KitError(path, "is a pipe or a device, no file");
+}
+
 bool isStandardOutput(const std::string& path) { return openFileNamed(path) == STDOUT_FILENO; }
 
 void writeFile(const std::string& path, const void* bytes, size_t size) {

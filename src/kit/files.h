@@ -14,6 +14,9 @@
 
 std::vector<uint8_t> readFile(const std::string& path);
 
+// Throws for a pipe or a device, which a person may name but another file may not: it has no end that must come.
+void refuseEndless(const std::string& path);
+
 // How somebody reads files who may take them from elsewhere than the disk.
 using ReadFile = std::function<std::vector<uint8_t>(const std::string& path)>;
 

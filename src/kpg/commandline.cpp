@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iostream>
 #include <iterator>
+#include <new>
 #include <sstream>
 #include <utility>
 
@@ -205,6 +206,9 @@ int CommandLine::run(const std::vector<std::string>& words) {
   } catch (const CommandFailure& e) {
     if (*e.what()) std::cerr << e.what() << "\n";
     return e.status;
+  } catch (const std::bad_alloc&) {
+    std::cerr << "out of memory\n";
+    return failed;
   } catch (const std::exception& e) {
     if (*e.what()) std::cerr << e.what() << "\n";
     return failed;

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "kit/errors.h"
+#include "kit/run/runlimits.h"
 #include "kpg/commands.h"
 
 namespace fs = std::filesystem;
@@ -15,7 +16,7 @@ namespace {
 constexpr char kProgram[] = "vistrel-studio";
 
 struct StudioOptions {
-  std::string page, control, dap;
+  std::string page, control, dap, files;
   bool dark = false, light = false;
 };
 
@@ -23,6 +24,7 @@ void run(const fs::path& program, const StudioOptions& options) {
   std::vector<std::string> words = {program.string()};
   if (!options.control.empty()) words.insert(words.end(), {"--control", options.control});
   if (!options.dap.empty()) words.insert(words.end(), {"--dap", options.dap});
+  if (!options.files.empty()) words.insert(words.end(), {"--files", options.files});
   if (options.dark) words.push_back("--dark");
   if (options.light) words.push_back("--light");
   words.insert(words.end(), {"--", options.page});
@@ -53,6 +55,9 @@ void addStudioCommand(CommandLine& line) {
       .type("PATH");
   command.add("--dap", options->dap, "Let kpg dap --attach debug the page through a socket that is made there")
       .type("PATH");
+  command.add("--files", options->files, kFileReachHelp)
+      .type("page|all|none")
+      .oneOf({kFileReachNames.begin(), kFileReachNames.end()}, "such choice");
   command.flag("--dark", options->dark, "Light on dark, whatever the desktop does");
   command.flag("--light", options->light, "Dark on light, whatever the desktop does");
   command.runs([options] { openStudio(*options); });

@@ -10,6 +10,7 @@
 #include <mutex>
 #include <optional>
 
+#include "host/fileaccess.h"
 #include "kit/errors.h"
 #include "kit/files.h"
 #include "kit/json.h"
@@ -106,7 +107,7 @@ class PageWatch {
       if (there.empty()) return {};
       if (const MadeFile* made = files.find(there)) return made->bytes;
     }
-    if (!isOfPage(there)) return {};
+    if (!mayRead(there)) return {};
     try {
       const std::vector<uint8_t> bytes = readFile(there.generic_string());
       return std::string(bytes.begin(), bytes.end());
@@ -115,17 +116,13 @@ class PageWatch {
     }
   }
 
-  // Beside the page, in its project, or what it has been seen to read elsewhere.
-  bool isOfPage(const fs::path& file) const {
-    const auto isBelow = [&](const fs::path& folder) {
-      const fs::path way = file.lexically_relative(fs::absolute(folder).lexically_normal());
-      return !way.empty() && *way.begin() != "..";
-    };
-    const fs::path beside = fs::absolute(options.page).parent_path();
-    const std::string project = findProject(beside.generic_string());
-    if (isBelow(beside) || (!project.empty() && isBelow(fs::absolute(project).parent_path()))) return true;
-    return std::any_of(dependencies.begin(), dependencies.end(),
-                       [&](const fs::path& read) { return fs::absolute(read).lexically_normal() == file; });
+  // What the page may read here, it may read in a browser.
+  bool mayRead(const fs::path& file) const {
+    const ThreadFolders folders = foldersOf(options.page, options);
+    FileAccess access;
+    access.readAnywhere = !folders.readable;
+    if (folders.readable) access.readable = *folders.readable;
+    return access.mayRead(file, fs::absolute(options.page).parent_path());
   }
 
   void play() {

@@ -11,6 +11,7 @@
 
 #include "kit/errors.h"
 #include "kit/filesfixture.h"
+#include "kit/source/pagebuild.h"
 
 namespace {
 
@@ -53,6 +54,20 @@ TEST_F(FilesTest, APipeIsWrittenIntoAndStays) {
   EXPECT_EQ(::read(reader, bytes, sizeof bytes), 7);
   close(reader);
   EXPECT_TRUE(fs::is_fifo(at("pipe")));
+}
+
+TEST_F(FilesTest, ASourceTakesNothingFromAPipeOrADevice) {
+  ASSERT_EQ(mkfifo(at("pipe").c_str(), 0600), 0);
+  fs::create_symlink("/dev/zero", at("zeros.bob"));
+  const std::string page = "include: pipe\npage:\n  type: group\n  scripts: [zeros.bob]\n";
+  writeFile(at("page.yaml"), page.data(), page.size());
+  try {
+    compilePage(at("page.yaml"));
+    ADD_FAILURE();
+  } catch (const KitError& e) {
+    EXPECT_EQ(e.what(), at("page.yaml") + ":1: can't read 'pipe': is a pipe or a device, no file\n" + at("page.yaml") +
+                            ":4: scripts of page: can't read 'zeros.bob': is a pipe or a device, no file");
+  }
 }
 
 // Does it as somebody who may not write everything: the superuser in a process of their own, as nobody.

@@ -40,6 +40,8 @@ def main():
         (pathlib.Path(name) / 'secret').write_text('secret')
         (folder / 'page.yaml').write_text(PAGE % 'group')
         (folder / 'Data.txt').write_text('data')
+        (folder / 'link.txt').symlink_to('../secret')
+        (folder / 'linked').symlink_to('..')
         time.sleep(0.2)  # what was saved just before may count as saved again
         watch = subprocess.Popen([kpg, 'watch', 'page.yaml', '--serve', '--viewer', viewer], cwd=folder,
                                  stdout=subprocess.PIPE, text=True)
@@ -51,7 +53,8 @@ def main():
             policy = get(address, address.path)[2].getheader('Content-Security-Policy')
             assert "default-src 'none'" in policy and 'unsafe-eval' not in policy.replace('wasm-unsafe-eval', '')
             for wrong in ('/', '/watch.html', '/%s/watch.html' % ('0' * 32), f'/{token}/files{name}/secret',
-                          f'/{token}/files{folder}/../secret', f'/{token}/../secret', f'/{token}/none.js'):
+                          f'/{token}/files{folder}/../secret', f'/{token}/../secret', f'/{token}/none.js',
+                          f'/{token}/files{folder}/link.txt', f'/{token}/files{folder}/linked/secret'):
                 assert get(address, wrong)[0] == 404, wrong
 
             events = http.client.HTTPConnection(address.netloc, timeout=60)

@@ -234,7 +234,8 @@ TEST_F(ShotTest, APageThatTakesMemoryWithoutEndIsEnded) {
   const std::string page =
       "page: {type: group, children: [{type: select, name: s}], onLoad: 'text = \"0123456789\"; i = 0;\n";
   const std::string longer = "    for (; i < 10; ++i) text = text + text;\n";
-  for (const std::string taking : {"widgets.s.AddElement(text);", "kept = new StringTable(\"large.kpg\");"}) {
+  for (const std::string taking : {"widgets.s.AddElement(text);", "kept = new StringTable(\"large.kpg\");",
+                                   "new Timer(gc, 1000000, true);", "{ t = new EventTarget(); t.Push(); }"}) {
     build("p.kpg", page + longer + "    for (j = 0; ; ++j) " + taking + "'}");
     EXPECT_EQ(kpg("shot p.kpg --max-memory 16"), 1);
     EXPECT_TRUE(err.starts_with("p.kpg: stopped after 16 megabytes of memory in")) << err;

@@ -36,6 +36,7 @@ struct ScriptTarget : EventTarget {
   int handleEvent(const Event* event) override;
 
   bool hasWrapper = true;
+  std::list<ScriptTarget*>::iterator listed{};  // in the runtime's list
 };
 
 // While it waits or fires, the timer keeps its callback alive; otherwise its wrapper does, and `callback` is unset.
@@ -47,6 +48,7 @@ struct ScriptTimer : Timer {
   bool hasWrapper = true;
   int firing = 0;
   ScriptHandle handle;
+  std::list<ScriptTimer*>::iterator listed{};  // in the runtime's list
 };
 
 // What a style's wrapper has.
@@ -92,6 +94,14 @@ struct ScriptRuntime {
 
 // Of the engine that is current on this thread. Only for what runs between its scripts' start and stop.
 inline ScriptRuntime& currentScripts() { return *runningScripts(); }
+
+// Puts what a script has made on the runtime's list, in an entry that was made before it: this can't fail.
+template <class Made>
+void scriptEnlist(std::list<Made*>& all, std::list<Made*>& entry, Made* made) {
+  entry.front() = made;
+  made->listed = entry.begin();
+  all.splice(all.begin(), entry);
+}
 
 // ---- the classes; each defines its kind in the root scope, in the order of these lines. False on failure.
 

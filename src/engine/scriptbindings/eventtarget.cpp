@@ -11,7 +11,7 @@ void destroyTarget(ScriptTarget* target) {
   target->gone = true;
   target->scriptHandle.release();
   targetDestroyLists(target);
-  currentScripts().targets.remove(target);
+  currentScripts().targets.erase(target->listed);
   bury(std::unique_ptr<ScriptTarget>(target));
 }
 
@@ -26,8 +26,9 @@ BobValue initialize(BobInterp* interp) {
   struct End {
     void operator()(ScriptTarget* target) const { destroyTarget(target); }
   };
+  std::list<ScriptTarget*> entry(1);
   std::unique_ptr<ScriptTarget, End> target(new ScriptTarget(nullptr));
-  currentScripts().targets.push_front(target.get());
+  scriptEnlist(currentScripts().targets, entry, target.get());
   target->scriptHandle.make(interp, static_cast<EventTarget*>(target.get()));
   bobHandleOf(interp, self) = target.release()->scriptHandle.number();
   return self;

@@ -13,7 +13,7 @@ bool isUnderWay(const ScriptTimer* timer) { return timer->firing || timerIsListe
 void destroyTimer(ScriptTimer* timer) {
   if (timer->gone) return;
   timer->handle.release();
-  currentScripts().timers.remove(timer);
+  currentScripts().timers.erase(timer->listed);
   timer->hasWrapper = true;  // stopping it says so to its callback, which would be back here
   timerDestroy(timer);
 }
@@ -62,11 +62,12 @@ BobValue initialize(BobInterp* interp) {
   struct End {
     void operator()(ScriptTimer* timer) const { destroyTimer(timer); }
   };
+  std::list<ScriptTimer*> entry(1);
   std::unique_ptr<ScriptTimer, End> timer(new ScriptTimer(timerCallback));
+  scriptEnlist(currentScripts().timers, entry, timer.get());
   timer->callback = callback;
   bobSetParent(interp, self, callback);
   if (interval != 0) timerStart(timer.get(), uint32_t(interval), repeat);
-  currentScripts().timers.push_front(timer.get());
   timer->handle.make(interp, timer.get());
   bobHandleOf(interp, self) = timer.release()->handle.number();
   return self;

@@ -19,6 +19,7 @@ const YamlNode& SourceFiles::read(const std::string& name, const YamlPlace& from
   if (std::find(order.begin(), order.end(), path) == order.end()) order.push_back(path);
   std::vector<uint8_t> bytes;
   try {
+    refuseEndless(path);
     bytes = readBytes(path);
   } catch (const KitError& e) {
     throw SourceFault{from, "can't read '" + name + "': " + e.messages.front().text};

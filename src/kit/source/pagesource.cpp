@@ -491,6 +491,7 @@ class SourceReader {
     page.sources.push_back(path);
     std::vector<uint8_t> source;
     try {
+      refuseEndless(path);
       source = options.read(path);
     } catch (const KitError& e) {
       fail(item, "can't read '" + name + "': " + e.messages.front().text);
