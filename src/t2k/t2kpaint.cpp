@@ -75,7 +75,9 @@ void PaintMono(const tsiScanConv& sc, const CrossingTable& crossings, const Cros
   const int32_t yCentre = (bounds.ymin + bounds.ymax) >> 1;
   ForEachColumnSpan(crossings, [&](int32_t x, int32_t y0, int32_t y1) {
     if (y1 - y0 >= 64 || !bits.HasRow(y0) || !bits.HasRow(y1) || bits.IsSet(x, y0) || bits.IsSet(x, y1)) return;
-    bits.Set(x, DropoutPlace(y0, y1, yCentre));
+    // Of a part of a glyph the span may be in the last row, and its middle in the next.
+    const int32_t y = DropoutPlace(y0, y1, yCentre);
+    if (bits.HasRow(y)) bits.Set(x, y);
   });
 }
 
