@@ -79,20 +79,30 @@ void LoadSlaves(benchmark::State& state) {
 }
 BENCHMARK(LoadSlaves)->Arg(500)->Arg(5000)->Arg(50000)->Unit(benchmark::kMillisecond);
 
-// So many timers that wait, all started anew; their times are mixed.
+// So many timers that wait; as many are started anew, now this one and now that, so that no run is like the last.
 void StartTimers(benchmark::State& state) {
   HeadlessDesktop desktop;
   const EngineScope here(desktop.shell.engine);
   desktop.start();
   std::mt19937 random(5);
+  const auto interval = [&] { return 1 + uint32_t(random() % 60'000); };
   std::vector<Timer*> timers;
-  std::vector<uint32_t> intervals;
   for (int64_t i = 0; i < state.range(0); ++i) {
     timers.push_back(new Timer([](Timer*, TimerReason) {}));
-    intervals.push_back(1 + uint32_t(random() % 60'000));
+    timerStart(timers.back(), interval(), false);
   }
+  struct Start {
+    Timer* timer;
+    uint32_t interval;
+  };
+  std::vector<Start> starts(1 << 16);
+  for (Start& start : starts) start = {timers[random() % timers.size()], interval()};
+  size_t at = 0;
   for (auto _ : state)
-    for (size_t i = 0; i < timers.size(); ++i) timerStart(timers[i], intervals[i], false);
+    for (size_t i = 0; i < timers.size(); ++i) {
+      const Start& start = starts[at++ % starts.size()];
+      timerStart(start.timer, start.interval, false);
+    }
   for (Timer* timer : timers) timerDestroy(timer);
 }
 BENCHMARK(StartTimers)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
