@@ -74,27 +74,26 @@ void BlendWide(uint16_t* pixels, int32_t width, Blended blended) {
 
 #ifdef VISTREL_AVX2
 
-using Wider16 = hsWider16;
 using Wider8 = uint8_t __attribute__((vector_size(16)));
 
-constexpr int32_t kWider = kWider16;  // pixels
-constexpr int32_t WholeWider(int32_t width) { return (width + kWider - 1) & -kWider; }
+constexpr int32_t WholeWider(int32_t width) { return (width + kWider16 - 1) & -kWider16; }
 
 // WideColor for sixteen pixels at a time.
 struct WiderColor {
   VISTREL_AVX2 explicit WiderColor(const hsGColor& c)
-      : r6(Wider16{} + uint16_t((c.fR >> 11) * 2u)),
-        g5(Wider16{} + uint16_t(c.fG >> 11)),
-        b5(Wider16{} + uint16_t(c.fB >> 11)),
-        alphaScale(Wider16{} + uint16_t((c.fA >> 8) + 1u)) {}
+      : r6(hsWider16{} + uint16_t((c.fR >> 11) * 2u)),
+        g5(hsWider16{} + uint16_t(c.fG >> 11)),
+        b5(hsWider16{} + uint16_t(c.fB >> 11)),
+        alphaScale(hsWider16{} + uint16_t((c.fA >> 8) + 1u)) {}
 
-  VISTREL_AVX2 static Wider16 Lerp(Wider16 src, Wider16 dst, Wider16 scale) {
+  VISTREL_AVX2 static hsWider16 Lerp(hsWider16 src, hsWider16 dst, hsWider16 scale) {
     using Signed = int16_t __attribute__((vector_size(32)));
-    return dst + Wider16(Signed((src - dst) * scale) >> 8);
+    return dst + hsWider16(Signed((src - dst) * scale) >> 8);
   }
-  VISTREL_AVX2 Wider16 Covered(const uint16_t* pixels, Wider8 coverage) const {
-    const Wider16 v = Wider16(_mm256_cvtepu8_epi16(__m128i(coverage))) * alphaScale >> 8, scale = v - Wider16(v != 0);
-    Wider16 d;
+  VISTREL_AVX2 hsWider16 Covered(const uint16_t* pixels, Wider8 coverage) const {
+    const hsWider16 v = hsWider16(_mm256_cvtepu8_epi16(__m128i(coverage))) * alphaScale >> 8,
+                    scale = v - hsWider16(v != 0);
+    hsWider16 d;
     std::memcpy(&d, pixels, sizeof d);
     return Lerp(r6, d >> 10, scale) << 10 | Lerp(g5, d >> 5 & 31, scale) << 5 | Lerp(b5, d & 31, scale);
   }
@@ -102,7 +101,7 @@ struct WiderColor {
     hsStoreWider(pixels, Covered(pixels, coverage));
   }
 
-  Wider16 r6, g5, b5, alphaScale;
+  hsWider16 r6, g5, b5, alphaScale;
 };
 
 VISTREL_AVX2 inline bool AreFull32ByAvx2(const uint8_t* coverage) {
@@ -114,12 +113,12 @@ VISTREL_AVX2 inline bool AreFull32ByAvx2(const uint8_t* coverage) {
 VISTREL_AVX2 void CoverRowByAvx2(const hsGColor& color, uint16_t* pixels, int32_t width, const uint8_t* coverage) {
   const WiderColor wider(color);
   const bool isOpaque = color.fA >> 8 == 0xFF;
-  const Wider16 full = wider.r6 << 10 | wider.g5 << 5 | wider.b5;
-  uint16_t* const last = pixels + width - kWider;
+  const hsWider16 full = wider.r6 << 10 | wider.g5 << 5 | wider.b5;
+  uint16_t* const last = pixels + width - kWider16;
   Wider8 some;
-  std::memcpy(&some, coverage + width - kWider, sizeof some);
-  const Wider16 end = wider.Covered(last, some);
-  for (; pixels < last; pixels += kWider, coverage += kWider) {
+  std::memcpy(&some, coverage + width - kWider16, sizeof some);
+  const hsWider16 end = wider.Covered(last, some);
+  for (; pixels < last; pixels += kWider16, coverage += kWider16) {
     std::memcpy(&some, coverage, sizeof some);
     if (_mm_testz_si128(__m128i(some), __m128i(some))) continue;
     if (!isOpaque || !_mm_test_all_ones(__m128i(some))) {
@@ -127,10 +126,10 @@ VISTREL_AVX2 void CoverRowByAvx2(const hsGColor& color, uint16_t* pixels, int32_
       continue;
     }
     hsStoreWider(pixels, full);
-    for (; last - pixels > 2 * kWider && AreFull32ByAvx2(coverage + kWider);
-         pixels += 2 * kWider, coverage += 2 * kWider) {
-      hsStoreWider(pixels + kWider, full);
-      hsStoreWider(pixels + 2 * kWider, full);
+    for (; last - pixels > 2 * kWider16 && AreFull32ByAvx2(coverage + kWider16);
+         pixels += 2 * kWider16, coverage += 2 * kWider16) {
+      hsStoreWider(pixels + kWider16, full);
+      hsStoreWider(pixels + 2 * kWider16, full);
     }
   }
   hsStoreWider(last, end);
@@ -140,7 +139,7 @@ constexpr Wider8 kWiderLanes = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14
 
 // The bytes from `from` on that lie before end, then any. At least sixteen lie before end.
 VISTREL_AVX2 inline Wider8 LoadBefore(const uint8_t* end, const uint8_t* from) {
-  const ptrdiff_t missing = std::max<ptrdiff_t>(kWider - (end - from), 0);
+  const ptrdiff_t missing = std::max<ptrdiff_t>(kWider16 - (end - from), 0);
   const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from - missing));
   return Wider8(_mm_shuffle_epi8(bytes, __m128i(kWiderLanes + uint8_t(missing))));
 }
@@ -148,13 +147,13 @@ VISTREL_AVX2 inline Wider8 LoadBefore(const uint8_t* end, const uint8_t* from) {
 // A mask of sixteen bytes or more. Pixels of rows can be written up to the next whole sixteen.
 VISTREL_AVX2 void CoverByAvx2(const hsGColor& color, uint16_t* pixels, uint32_t pixelRowBytes, const hsGMask& mask) {
   const WiderColor wider(color);
-  const int32_t width = mask.fBounds.Width(), whole = (width - 1) / kWider * kWider;
+  const int32_t width = mask.fBounds.Width(), whole = (width - 1) / kWider16 * kWider16;
   const auto inLast = Wider8(kWiderLanes < uint8_t(width - whole));
   const uint8_t* coverage = mask.fImage;
   const uint8_t* const end = coverage + mask.PlaneSize();
   for (int32_t height = mask.fBounds.Height(); height > 0; --height, coverage += mask.fRowBytes) {
     Wider8 some;
-    for (int32_t x = 0; x < whole; x += kWider) {
+    for (int32_t x = 0; x < whole; x += kWider16) {
       std::memcpy(&some, coverage + x, sizeof some);
       wider.BlendCovered(pixels + x, some);
     }
@@ -228,7 +227,7 @@ void hsGColorBlitter16::BlendSpan(uint16_t* pixels, int32_t width) const {
 
 void hsGColorBlitter16::BlendCovered(uint16_t* pixels, int32_t width, const uint8_t* coverage) const {
 #ifdef VISTREL_AVX2
-  if (width >= kWider && hasAvx2()) return CoverRowByAvx2(fColor, pixels, width, coverage);
+  if (width >= kWider16 && hasAvx2()) return CoverRowByAvx2(fColor, pixels, width, coverage);
 #endif
   BlendCoveredPlain(pixels, width, coverage);
 }
@@ -294,7 +293,7 @@ void hsGColorBlitter16::BlitMask(const hsGMask& mask, const hsRegion* clip) {
 void hsGColorBlitter16::BlitCoverage(const hsGMask& mask, const hsRegion* clip) const {
 #ifdef VISTREL_AVX2
   const hsIntRect& bounds = mask.fBounds;
-  if (hasAvx2() && !clip && !bounds.IsEmpty() && mask.fRowBytes >= bounds.Width() && mask.PlaneSize() >= kWider &&
+  if (hasAvx2() && !clip && !bounds.IsEmpty() && mask.fRowBytes >= bounds.Width() && mask.PlaneSize() >= kWider16 &&
       bounds.fLeft + WholeWider(bounds.Width()) <= int32_t(fDevice.fWidth))
     return CoverByAvx2(fColor, Pixels<uint16_t>(bounds.fTop, bounds.fLeft), fDevice.fRowBytes, mask);
 #endif
