@@ -1,5 +1,9 @@
 // Records of an object file: each is read, listed, looked through and run, and whatever it says stays inside its own
 // code.
+#include <memory>
+#include <string>
+#include <string_view>
+
 #include "bob/tools/codeuses.h"
 #include "bob/tools/disassemble.h"
 #include "bob/tools/objectformat.h"
@@ -7,23 +11,13 @@
 
 namespace {
 
-class Bytes : public BobStream {
- public:
-  explicit Bytes(std::string_view b) : bytes(b) {}
-  int GetC() override { return at == bytes.size() ? -1 : uint8_t(bytes[at++]); }
-
- private:
-  std::string bytes;
-  size_t at = 0;
-};
-
 // The input as a whole file; with the mark that files begin with, or, half of the time, with the version, too.
 std::string_view fileBytes;
 std::unique_ptr<BobStream> openInput(const char*, const char*) {
   constexpr char kVersion[] = {0, 0, 0, kBobObjectVersion};
   std::string file(kBobMagic, sizeof kBobMagic);
   if (fileBytes.size() % 2) file.append(kVersion, sizeof kVersion);
-  return std::make_unique<Bytes>(file.append(fileBytes));
+  return std::make_unique<BobStringCopyInput>(file.append(fileBytes));
 }
 
 }  // namespace
