@@ -20,24 +20,11 @@ double number(uint32_t color, size_t n) { return double(channel(color, n)); }
 // Of pixels. Whole numbers, and below 2^53: doubles hold them exactly.
 struct Sums {
   double count = 0;
-  std::array<double, 3> sum{}, square{};
+  std::array<double, 3> sum{};
 
   void add(const ColorCount& c) {
     count += c.count;
-    for (size_t n = 0; n < 3; ++n) {
-      const double value = number(c.color, n);
-      sum[n] += c.count * value;
-      square[n] += c.count * value * value;
-    }
-  }
-  Sums operator-(const Sums& part) const {
-    Sums rest = *this;
-    rest.count -= part.count;
-    for (size_t n = 0; n < 3; ++n) {
-      rest.sum[n] -= part.sum[n];
-      rest.square[n] -= part.square[n];
-    }
-    return rest;
+    for (size_t n = 0; n < 3; ++n) sum[n] += c.count * number(c.color, n);
   }
   uint32_t mean() const {
     uint32_t color = 0;
@@ -46,14 +33,33 @@ struct Sums {
   }
 };
 
+// With what tells how far from their mean they are.
+struct SumsAndSquares : Sums {
+  std::array<double, 3> square{};
+
+  void add(const ColorCount& c) {
+    Sums::add(c);
+    for (size_t n = 0; n < 3; ++n) square[n] += c.count * number(c.color, n) * number(c.color, n);
+  }
+  SumsAndSquares operator-(const SumsAndSquares& part) const {
+    SumsAndSquares rest = *this;
+    rest.count -= part.count;
+    for (size_t n = 0; n < 3; ++n) {
+      rest.sum[n] -= part.sum[n];
+      rest.square[n] -= part.square[n];
+    }
+    return rest;
+  }
+};
+
 // A run of colours that one colour is to represent.
 struct Box {
   size_t begin, end;
-  Sums sums;
+  SumsAndSquares sums;
   std::array<double, 3> errors;  // weighted squared distance of all pixels from their mean, along each channel
   double error = 0;
 
-  Box(size_t b, size_t e, const Sums& s) : begin(b), end(e), sums(s) {
+  Box(size_t b, size_t e, const SumsAndSquares& s) : begin(b), end(e), sums(s) {
     for (size_t n = 0; n < 3; ++n) {
       errors[n] = kWeights[n] * (sums.square[n] - sums.sum[n] * sums.sum[n] / sums.count);
       error += errors[n];
@@ -63,8 +69,8 @@ struct Box {
   bool operator<(const Box& other) const { return error < other.error; }
 };
 
-Sums sumsOf(const std::vector<ColorCount>& colors, size_t begin, size_t end) {
-  Sums sums;
+SumsAndSquares sumsOf(const std::vector<ColorCount>& colors, size_t begin, size_t end) {
+  SumsAndSquares sums;
   for (size_t i = begin; i < end; ++i) sums.add(colors[i]);
   return sums;
 }
@@ -72,8 +78,8 @@ Sums sumsOf(const std::vector<ColorCount>& colors, size_t begin, size_t end) {
 // The box's colours before the middle and from it on.
 std::pair<Box, Box> halves(const std::vector<ColorCount>& colors, const Box& box, size_t middle) {
   const bool firstIsLess = middle - box.begin < box.end - middle;
-  const Sums less = firstIsLess ? sumsOf(colors, box.begin, middle) : sumsOf(colors, middle, box.end);
-  const Sums more = box.sums - less;
+  const SumsAndSquares less = firstIsLess ? sumsOf(colors, box.begin, middle) : sumsOf(colors, middle, box.end);
+  const SumsAndSquares more = box.sums - less;
   return {Box(box.begin, middle, firstIsLess ? less : more), Box(middle, box.end, firstIsLess ? more : less)};
 }
 
