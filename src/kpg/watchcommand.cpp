@@ -1,6 +1,5 @@
 // kpg watch: takes the picture of a page again, or shows it in browsers anew, whenever something that it is made of is
 // saved.
-#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <csignal>
@@ -10,7 +9,6 @@
 #include <mutex>
 #include <optional>
 
-#include "host/fileaccess.h"
 #include "kit/errors.h"
 #include "kit/files.h"
 #include "kit/json.h"
@@ -118,11 +116,7 @@ class PageWatch {
 
   // What the page may read here, it may read in a browser.
   bool mayRead(const fs::path& file) const {
-    const ThreadFolders folders = foldersOf(options.page, options);
-    FileAccess access;
-    access.readAnywhere = !folders.readable;
-    if (folders.readable) access.readable = *folders.readable;
-    return access.mayRead(file, fs::absolute(options.page).parent_path());
+    return accessOf(options.page, options).mayRead(file, fs::absolute(options.page).parent_path());
   }
 
   void play() {

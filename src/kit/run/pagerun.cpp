@@ -21,7 +21,21 @@ std::vector<fs::path> readableAround(const std::string& page) {
   return readable;
 }
 
+FileAccess accessOf(const RunLimits& limits) {
+  FileAccess access;
+  access.readAnywhere = access.writeAnywhere = limits.reach == FileReach::all;
+  if (!access.readAnywhere) access.largest = kLargestFile;
+  access.scriptsOpenFiles = limits.reach != FileReach::none;
+  return access;
+}
+
 }  // namespace
+
+FileAccess accessOf(const std::string& page, const RunLimits& limits) {
+  FileAccess access = accessOf(limits);
+  access.readable = readableAround(page);
+  return access;
+}
 
 ThreadFolders foldersOf(const std::string& page, const RunLimits& limits) {
   if (limits.reach == FileReach::all) return {std::nullopt, {"/"}};
@@ -31,10 +45,7 @@ ThreadFolders foldersOf(const std::string& page, const RunLimits& limits) {
 }
 
 PageRun::PageRun(const PageRunOptions& options) : lines(options.lines), desktop(options) {
-  FileAccess& access = desktop.shell.access;
-  access.readAnywhere = access.writeAnywhere = options.reach == FileReach::all;
-  if (!access.readAnywhere) access.largest = kLargestFile;
-  access.scriptsOpenFiles = options.reach != FileReach::none;
+  desktop.shell.access = accessOf(options);
   desktop.shell.engine.scriptsMayWriteFiles = !options.readOnly;
   if (!desktop.start()) throw std::bad_alloc();
   desktop.watchScripts(lines ? &places : nullptr);

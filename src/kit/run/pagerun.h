@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/fileaccess.h"
 #include "kit/errors.h"
 #include "kit/run/containedthread.h"
 #include "kit/run/madefiles.h"
@@ -28,6 +29,9 @@ struct PageRunOptions : RunLimits {
   bool lines = false;          // tracebacks say where their code was written, as " at FILE:LINE"
   MadeFiles* files = nullptr;  // as for PageRun::use
 };
+
+// What a page, opened by that path, may open by name under these limits, beside what lies in its folder.
+FileAccess accessOf(const std::string& page, const RunLimits& limits);
 
 // Where a page, opened by that path, reads and writes files under these limits, for runContained().
 ThreadFolders foldersOf(const std::string& page, const RunLimits& limits);
