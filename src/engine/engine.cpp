@@ -39,7 +39,7 @@ bool Engine::start(void* cacheMemory, size_t cacheSize) {
   const EngineScope here(*this);
   display = std::make_unique<DisplaySurface>(kScreenWidth, kScreenHeight, kFirstDepth);
   images.init(cacheMemory, cacheSize);
-  if (!scriptRuntimeStart(scripts, scriptsMayWriteFiles)) return false;
+  if (!scriptRuntimeStart(scripts)) return false;
   topFrame = frameCreate(nullptr, nullptr, {&topFrameRecord, 0}).release();
   if (!topFrame) return false;
   addWidgetKinds(widgetTypes);

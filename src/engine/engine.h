@@ -47,7 +47,6 @@ class Engine {
   bool busy() const;
 
   Host& host;
-  bool scriptsMayWriteFiles = true;    // read at the start
   EngineObserver* observer = nullptr;  // hears what happens, but for the engine's end; changed between two calls
   WidgetId widgetsEver = 0;            // the number that the last target got
 

@@ -65,3 +65,6 @@ std::string hostFullName(const char* name);
 // Whether a script may open a file of this name, as the page gives it. The console tells when it may not. One that is
 // read is looked at once more when it is opened.
 bool hostLetsScriptOpen(const char* name, bool forWriting);
+
+// Whether a script may write so many bytes more; those that it may are counted. The console tells once when it may not.
+bool hostLetsScriptWrite(uintmax_t bytes);

@@ -146,6 +146,8 @@ const std::string* findInMemory(const fs::path& name) {
   return nullptr;
 }
 
+constexpr uintmax_t kBlock = 4096;  // bytes of the disk that a file takes at least
+
 bool isLarger(const fs::path& file, uintmax_t bytes) {
   std::error_code error;
   const uintmax_t size = bytes == UINTMAX_MAX ? 0 : fs::file_size(file, error);
@@ -217,7 +219,30 @@ bool hostLetsScriptOpen(const char* name, bool forWriting) {
     refuse(name, "scripts may open no files");
     return false;
   }
-  if (!forWriting || shell->access.mayWrite(hostFullName(name), shell->folder)) return true;
-  refuse(name, "it is no plain file in the page's folder");
+  if (!forWriting) return true;
+  if (!shell->access.scriptsWriteFiles) {
+    refuse(name, "scripts may write no files");
+    return false;
+  }
+  const std::string file = hostFullName(name);
+  if (!shell->access.mayWrite(file, shell->folder)) {
+    refuse(name, "it is no plain file in the page's folder");
+    return false;
+  }
+  std::error_code ignored;
+  return fs::exists(file, ignored) || hostLetsScriptWrite(kBlock);
+}
+
+bool hostLetsScriptWrite(uintmax_t bytes) {
+  Shell* shell = currentShell();
+  if (!shell) return true;
+  const uintmax_t most = shell->access.mostWritten;
+  if (shell->scriptsHaveWrittenAll) return false;
+  if (bytes <= most - shell->writtenByScripts) {
+    shell->writtenByScripts += bytes;
+    return true;
+  }
+  shell->scriptsHaveWrittenAll = true;
+  hostLog("Scripts may write no more than %s bytes\n", std::to_string(most).c_str());
   return false;
 }

@@ -189,9 +189,11 @@ bool isSameOutput(const std::string& a, const std::string& b) {
   return place(a) == place(b);
 }
 
-}  // namespace
-
-std::vector<uint8_t> readFile(const std::string& path) {
+// A pipe shows its size only as it is read.
+std::vector<uint8_t> readUpTo(size_t most, const std::string& path) {
+  const auto refuse = [&] {
+    throw KitError(path, "is larger than " + std::to_string(most >> 20) + " megabytes, and is not read");
+  };
   std::error_code error;
   if (fs::is_directory(path, error)) throw KitError(path, "is a folder; name a file in it");
   Descriptor file(openDescriptor(path, O_RDONLY));
@@ -199,6 +201,7 @@ std::vector<uint8_t> readFile(const std::string& path) {
   constexpr size_t kBlock = 64 << 10;
   std::vector<uint8_t> bytes;
   const uintmax_t size = fs::file_size(path, error);
+  if (!error && size > most) refuse();
   if (!error && size < kMostReserved) bytes.reserve(size_t(size) + kBlock);  // the end shows at the next block
   for (;;) {
     const size_t before = bytes.size();
@@ -207,8 +210,15 @@ std::vector<uint8_t> readFile(const std::string& path) {
     if (count < 0) throw KitError(path, "can't be read: " + lastError().message());
     bytes.resize(before + size_t(count));
     if (count == 0) return bytes;
+    if (bytes.size() > most) refuse();
   }
 }
+
+}  // namespace
+
+std::vector<uint8_t> readFile(const std::string& path) { return readUpTo(kLargestFile, path); }
+
+std::vector<uint8_t> readFileOfAnySize(const std::string& path) { return readUpTo(SIZE_MAX, path); }
 
 void refuseEndless(const std::string& path) {
   std::error_code ignored;
@@ -307,6 +317,6 @@ void refuseForeign(const std::string& path, bool (*isOurs)(const std::vector<uin
                    const std::string& advice) {
   std::error_code error;
   if (!fs::is_regular_file(path, error)) return;
-  const std::vector<uint8_t> bytes = readFile(path);
+  const std::vector<uint8_t> bytes = readFileOfAnySize(path);
   if (!bytes.empty() && !isOurs(bytes)) throw KitError(path, "is there and was not made by kpg; " + advice);
 }

@@ -5,6 +5,7 @@
 // What can't be renamed over (a pipe, a device, the standard output, which is called "-") is written into.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -12,7 +13,13 @@
 #include <system_error>
 #include <vector>
 
+inline constexpr size_t kLargestFile = 64 << 20;  // bytes; no source, page, font or picture comes near it
+
+// Throws for a larger one before it is read.
 std::vector<uint8_t> readFile(const std::string& path);
+
+// For what a program of ours has written, such as an archive.
+std::vector<uint8_t> readFileOfAnySize(const std::string& path);
 
 // Throws for a pipe or a device, which a person may name but another file may not: it has no end that must come.
 void refuseEndless(const std::string& path);

@@ -95,6 +95,35 @@ TEST_F(FileAccessTest, WhereScriptsMayOpenNothingThePageStillDoes) {
       << desktop.log;
 }
 
+TEST_F(FileAccessTest, ScriptsThatMayOnlyReadWriteNothing) {
+  access().scriptsWriteFiles = false;
+  EXPECT_EQ(opened("r", inside), "11111");
+  for (const char* mode : {"a", "r+", "w"}) EXPECT_EQ(opened(mode, {"in.txt", "new.txt"}), "00") << mode;
+  EXPECT_NE(desktop.log.find("'new.txt' is not opened: scripts may write no files\n"), std::string::npos);
+  EXPECT_FALSE(std::filesystem::exists("new.txt"));
+}
+
+TEST_F(FileAccessTest, ScriptsWriteSoManyBytesInAll) {
+  access().mostWritten = 2 * 4096 + 5;
+  const auto type = [this](std::initializer_list<const char*> lines) {
+    for (const char* line : lines) desktop.typeLine(line);
+    desktop.settle();
+  };
+  // A new file counts as a block, an old one as what is written.
+  type({"f = new File(\"new.txt\", \"w\");", "f.Display(\"123\");", "f.Close();"});
+  type({"f = new File(\"in.txt\", \"w\");", "f.Display(\"4\");", "f.Close();"});
+  type({"f = new File(\"more.txt\", \"w\");", "f.Display(\"5\");"});
+  EXPECT_EQ(desktop.log.find("may write no more"), std::string::npos);
+  type({"f.PutC(54);", "f.Display(\"7\");", "f.Close();"});
+  EXPECT_EQ(contents("new.txt") + contents("in.txt") + contents("more.txt"), "12345");
+  const std::string message = "Scripts may write no more than 8197 bytes\n";
+  const size_t at = desktop.log.find(message);
+  ASSERT_NE(at, std::string::npos) << desktop.log;
+  EXPECT_EQ(desktop.log.find(message, at + 1), std::string::npos);
+  type({"new File(\"fourth.txt\", \"w\");"});
+  EXPECT_FALSE(std::filesystem::exists("fourth.txt"));
+}
+
 TEST_F(FileAccessTest, NamesThatNoFileHasEndInAMessage) {
   access().readAnywhere = false;
   EXPECT_EQ(contents(std::string(4096, 'x')), "(none)");

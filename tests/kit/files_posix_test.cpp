@@ -56,6 +56,19 @@ TEST_F(FilesTest, APipeIsWrittenIntoAndStays) {
   EXPECT_TRUE(fs::is_fifo(at("pipe")));
 }
 
+TEST_F(FilesTest, ALargeFileIsRefusedBeforeItIsRead) {
+  writeFile(at("sparse"), "", 0);
+  fs::resize_file(at("sparse"), uintmax_t{1} << 40);
+  try {
+    readFile(at("sparse"));
+    ADD_FAILURE() << "it was read";
+  } catch (const KitError& e) {
+    EXPECT_EQ(e.what(), at("sparse") + ": is larger than 64 megabytes, and is not read");
+  }
+  fs::resize_file(at("sparse"), kLargestFile);
+  EXPECT_EQ(readFile(at("sparse")).size(), kLargestFile);
+}
+
 TEST_F(FilesTest, ASourceTakesNothingFromAPipeOrADevice) {
   ASSERT_EQ(mkfifo(at("pipe").c_str(), 0600), 0);
   fs::create_symlink("/dev/zero", at("zeros.bob"));

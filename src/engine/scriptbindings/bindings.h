@@ -77,7 +77,6 @@ struct StyleKeys {
 struct ScriptRuntime {
   BobInterp* interp = nullptr;
   ConsoleStream console;
-  bool mayWriteFiles = true;
   bool opensPageFile = false;  // the next file to be opened is the page's, not one that a script asks for
   uint32_t targetKind = 0, eventKind = 0, widgetKind = 0, frameKind = 0, styleKind = 0, timerKind = 0, tableKind = 0;
   StyleKeys styleKeys{};

@@ -32,13 +32,26 @@ class HostStream : public BobStream {
   HostFilePtr file;
 };
 
+// A file of the disk, in which the host counts what is written. One that it refuses to take more is like a full disk.
+class WrittenStream : public BobStream {
+ public:
+  explicit WrittenStream(std::unique_ptr<BobStream> opened) : file(std::move(opened)) {}
+  int Close() override { return file->Close(); }
+  int GetC() override { return file->GetC(); }
+  int PutC(int c) override { return hostLetsScriptWrite(1) ? file->PutC(c) : -1; }
+
+ private:
+  std::unique_ptr<BobStream> file;
+};
+
 // Files to be written have exactly the name that the script asks for.
 std::unique_ptr<BobStream> openScriptFile(const char* path, const char* mode) {
-  ScriptRuntime& scripts = currentScripts();
   const bool writes = std::string_view(mode).find_first_of("wa+") != std::string_view::npos;
-  if (writes && !scripts.mayWriteFiles) return nullptr;
-  if (!std::exchange(scripts.opensPageFile, false) && !hostLetsScriptOpen(path, writes)) return nullptr;
-  if (writes) return bobOpenPlainFile(hostFullName(path).c_str(), mode);
+  if (!std::exchange(currentScripts().opensPageFile, false) && !hostLetsScriptOpen(path, writes)) return nullptr;
+  if (writes) {
+    std::unique_ptr<BobStream> opened = bobOpenPlainFile(hostFullName(path).c_str(), mode);
+    return opened ? std::make_unique<WrittenStream>(std::move(opened)) : nullptr;
+  }
   HostFilePtr file = openHostFile(path);
   return file ? std::make_unique<HostStream>(std::move(file)) : nullptr;
 }
@@ -84,10 +97,9 @@ int ConsoleStream::PutC(int c) {
 
 void ScriptRuntimeDeleter::operator()(ScriptRuntime* runtime) const { delete runtime; }
 
-bool scriptRuntimeStart(ScriptRuntimePtr& place, bool mayWriteFiles) {
+bool scriptRuntimeStart(ScriptRuntimePtr& place) {
   place.reset(new ScriptRuntime);
   BobInterp* const interp = place->interp = bobMakeInterp(kScriptHeapBytes, 0, kScriptStackWords);
-  place->mayWriteFiles = mayWriteFiles;
   bool started = false;
   if (interp && bobTry(interp, [&] { started = start(*place); }) && started && languageRegister("script", kScript))
     return true;

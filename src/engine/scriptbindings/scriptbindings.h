@@ -25,7 +25,7 @@ using ScriptRuntimePtr = std::unique_ptr<ScriptRuntime, ScriptRuntimeDeleter>;
 
 // Makes the interpreter in `place`, which the current engine's scripts are then found in, and the classes, and
 // registers the language "script". False on failure, which leaves null in `place`.
-bool scriptRuntimeStart(ScriptRuntimePtr& place, bool mayWriteFiles);
+bool scriptRuntimeStart(ScriptRuntimePtr& place);
 
 // Frees them and every timer and target that scripts have made. The frames must have gone.
 void scriptRuntimeStop(ScriptRuntimePtr& place);

@@ -4,6 +4,7 @@
 #include <new>
 
 #include "gfx/text/hsgscalercontextt2k.h"
+#include "kit/files.h"
 #include "kit/fonts/machinefonts.h"
 #include "kit/project/project.h"
 
@@ -24,7 +25,8 @@ std::vector<fs::path> readableAround(const std::string& page) {
 FileAccess accessOf(const RunLimits& limits) {
   FileAccess access;
   access.readAnywhere = access.writeAnywhere = limits.reach == FileReach::all;
-  if (!access.readAnywhere) access.largest = kLargestFile;
+  if (!access.readAnywhere) access.largest = kLargestFile, access.mostWritten = kMostWritten;
+  access.scriptsWriteFiles = !limits.readOnly;
   access.scriptsOpenFiles = limits.reach != FileReach::none;
   return access;
 }
@@ -44,9 +46,14 @@ ThreadFolders foldersOf(const std::string& page, const RunLimits& limits) {
   return folders;
 }
 
+ThreadFolders foldersWithSources(const std::string& page, const RunLimits& limits) {
+  ThreadFolders folders = foldersOf(page, limits);
+  folders.readable.reset();
+  return folders;
+}
+
 PageRun::PageRun(const PageRunOptions& options) : lines(options.lines), desktop(options) {
   desktop.shell.access = accessOf(options);
-  desktop.shell.engine.scriptsMayWriteFiles = !options.readOnly;
   if (!desktop.start()) throw std::bad_alloc();
   desktop.watchScripts(lines ? &places : nullptr);
   desktop.settle();

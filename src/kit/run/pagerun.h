@@ -33,8 +33,10 @@ struct PageRunOptions : RunLimits {
 // What a page, opened by that path, may open by name under these limits, beside what lies in its folder.
 FileAccess accessOf(const std::string& page, const RunLimits& limits);
 
-// Where a page, opened by that path, reads and writes files under these limits, for runContained().
+// Where a page, opened by that path, reads and writes files under these limits, for runContained(). Where sources are
+// read along, which may lie anywhere, the writing alone has bounds.
 ThreadFolders foldersOf(const std::string& page, const RunLimits& limits);
+ThreadFolders foldersWithSources(const std::string& page, const RunLimits& limits);
 
 class PageRun {
  public:

@@ -27,7 +27,7 @@ inline constexpr char kFileReachHelp[] =
 // Limits of seconds and steps hold for each of these by itself: the load, a key, an evaluation, one millisecond of a
 // wait; that of memory holds for all together. What goes beyond is ended, and so is the run.
 inline constexpr size_t kUsualMemory = 128;          // megabytes
-inline constexpr uintmax_t kLargestFile = 64 << 20;  // bytes; no page, font or picture comes near it
+inline constexpr uintmax_t kMostWritten = 64 << 20;  // bytes of files that scripts write, but with FileReach::all
 
 struct RunLimits {
   FileReach reach = FileReach::page;
