@@ -10,6 +10,7 @@
 #include "kit/errors.h"
 #include "kit/expand/directions.h"
 #include "kit/expand/expression.h"
+#include "kit/files.h"
 #include "kit/source/base64.h"
 #include "kit/source/schema.h"
 #include "kit/source/scripts.h"
@@ -17,6 +18,10 @@
 namespace {
 
 constexpr int kMaxDepth = 300;  // a little more than the engine follows
+
+// Megabytes of text for a page of so many bytes. A page stays far below, unless many of its attributes lead to the same
+// objects and texts, which a source repeats each time.
+size_t mostMegabytes(size_t pageBytes) { return std::min(1 + (pageBytes + 1023) / 1024, kLargestFile >> 20); }
 
 // A line of a comment: what could end it or hurt a reader is shown as its code.
 std::string commented(std::string_view text) {
@@ -66,7 +71,7 @@ std::string keyText(const char* name) { return isPlainWord(name) ? name : quoted
 
 class Dumper {
  public:
-  explicit Dumper(const PageData& p) : page(p) {}
+  Dumper(const std::string& f, const PageData& p) : file(f), page(p), most(mostMegabytes(p.bytes.size())) {}
 
   std::string run() {
     const uint32_t flags = pageFlags(page);
@@ -76,7 +81,12 @@ class Dumper {
   }
 
  private:
-  void line(int indent, const std::string& text) { out += std::string(size_t(indent), ' ') + text + "\n"; }
+  void line(int indent, const std::string& text) {
+    out.append(size_t(indent), ' ').append(text).append("\n");
+    if (out.size() > most << 20)
+      throw KitError(
+          file, "its parts share so much that its source would be larger than " + std::to_string(most) + " megabytes");
+  }
 
   // The pairs of one object, each on a line at `indent`.
   void object(const PageObject& record, ObjectKind kind, int indent) {
@@ -265,7 +275,9 @@ class Dumper {
     return true;
   }
 
+  const std::string& file;
   const PageData& page;
+  const size_t most;  // megabytes
   std::string out;
   size_t objects = 0;
   std::set<const char*> listed;  // scripts
@@ -276,5 +288,5 @@ class Dumper {
 std::string dumpPage(const std::string& path, std::vector<uint8_t> bytes) {
   if (!pageCheck(bytes.data(), bytes.size())) throw KitError(path, "not a page file");
   const PageData page(std::move(bytes));
-  return Dumper(page).run();
+  return Dumper(path, page).run();
 }

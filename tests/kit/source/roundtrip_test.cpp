@@ -128,4 +128,22 @@ TEST_F(RoundTripTest, AnyPageCanBeRead) {
     EXPECT_FALSE(dumpPage("p.kpg", {bytes.begin(), bytes.begin() + long(size)}).empty());
 }
 
+TEST_F(RoundTripTest, APageThatIsFarLargerAsSourceIsRefused) {
+  // Thirty texts in the root, which are one in the file, and the root in itself.
+  PageNode root;
+  for (int i = 0; i < 30; ++i)
+    root.attributes.push_back({"t" + std::to_string(i), {PageTag::string, 0, std::string(1000, 'x'), {}, {}}});
+  root.attributes.push_back({"o", {PageTag::object, 0, "", {PageNode{}}, {}}});
+  std::vector<uint8_t> bytes = writePage({kPageIs8Bit, root});
+  ASSERT_LT(bytes.size(), 2000u);
+  const uint32_t last = pageRoot(PageData(bytes)).offset + 12 + 30 * 8;
+  std::copy_n(bytes.begin() + 12, 4, bytes.begin() + last + 4);
+  try {
+    dumpPage("p.kpg", bytes);
+    ADD_FAILURE() << "it was printed";
+  } catch (const KitError& e) {
+    EXPECT_STREQ(e.what(), "p.kpg: its parts share so much that its source would be larger than 3 megabytes");
+  }
+}
+
 }  // namespace
