@@ -88,7 +88,7 @@ void BobParser::failBefore(std::string text) {
 }
 
 void BobParser::refuseNesting() {
-  failBefore("Stack overflow");
+  failBefore(kBobNestedTooDeep);
   skipToStop(Token::kEnd);
 }
 

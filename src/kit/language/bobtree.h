@@ -88,6 +88,9 @@ struct BobSyntaxError {
   std::string text;         // in the compiler's words, without "Syntax error - "
 };
 
+// What the compiler calls a stack overflow: some 200 parentheses, or other things, in each other.
+inline constexpr char kBobNestedTooDeep[] = "Nested too deep for the player";
+
 struct BobTree {
   std::string_view source;  // as it was given: it must outlive the tree
   BobTokens tokens;

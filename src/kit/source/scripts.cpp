@@ -4,6 +4,7 @@
 
 #include "kit/errors.h"
 #include "kit/files.h"
+#include "kit/language/bobtree.h"
 
 ScriptCompiler::ScriptCompiler() {
   bobSetStderr(runtime.interp, &errors);
@@ -15,6 +16,7 @@ void ScriptCompiler::keepError(BobInterp* interp, int code, const BobErrorArgume
   auto* errors = static_cast<ErrorStream*>(bobStderr(interp));
   errors->text.clear();
   errors->place = bobCurrentPlace(interp);
+  if (code == kBobStackOverflow) return void(errors->text = kBobNestedTooDeep);
   bobPrintError(interp, code, argument);
 }
 

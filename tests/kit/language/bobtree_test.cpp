@@ -79,7 +79,7 @@ bool isGuess(const std::string& text) {
 // The compiler finds these later than they begin.
 bool isFoundLater(const std::string& text) {
   return text == "Expecting an lvalue" || text == "Attempt to store into a constant" || text == "Duplicate case" ||
-         text == "Stack overflow" || text == "Expecting a closing single quote" || text == "string too long" ||
+         text == kBobNestedTooDeep || text == "Expecting a closing single quote" || text == "string too long" ||
          text == "end of file in literal string";
 }
 
