@@ -119,8 +119,11 @@ std::string whyNumberIsRefused(ObjectKind kind, std::string_view type, std::stri
 }
 
 bool isMisspeltType(ObjectKind kind, std::string_view name) {
-  const bool isWidget = kind == ObjectKind::root || kind == ObjectKind::widget;
-  return isWidget && whatHas(name).empty() && nearestWord(name, attributeNames(kind, "")) == "type";
+  static const std::vector<std::string> kOfRoots = attributeNames(ObjectKind::root, ""),
+                                        kOfWidgets = attributeNames(ObjectKind::widget, "");
+  if (kind != ObjectKind::root && kind != ObjectKind::widget) return false;
+  const auto& known = kind == ObjectKind::root ? kOfRoots : kOfWidgets;
+  return whatHas(name).empty() && nearestWord(name, known) == "type";
 }
 
 ObjectKind tableObjectKind(AttributeForm form) {
