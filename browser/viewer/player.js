@@ -37,6 +37,11 @@ export class Player {
     this.module.HEAPU8.set(bytes, at);
   }
 
+  /** From here on scripts open no files; the player itself still does. */
+  keepFilesFromScripts() {
+    this.module._playerKeepFilesFromScripts();
+  }
+
   /** Loads a page by its full name; false when that fails, which the log explains. */
   open(path) {
     return Boolean(this.#withText(path, (name) => this.module._playerOpen(name)));

@@ -1,5 +1,5 @@
-// Runs a page for <vistrel-screen>. Takes {put, bytes}, {open}, {key} and {type}; answers {opened}, {frame}, {log} and,
-// after each of its steps, {alive}; {failed} when it can't go on.
+// Runs a page for <vistrel-screen>. Takes {put, bytes}, {keepFilesFromScripts}, {open}, {key} and {type}; answers
+// {opened}, {frame}, {log} and, after each of its steps, {alive}; {failed} when it can't go on.
 import startModule from './vistrel-player.js';
 import {Player} from './player.js';
 
@@ -44,6 +44,7 @@ function guard(what, ...values) {
 
 function take(player, message) {
   if ('put' in message) return player.put(message.put, message.bytes);
+  if (message.keepFilesFromScripts) return player.keepFilesFromScripts();
   if ('open' in message) postMessage({opened: player.open(message.open)});
   if ('key' in message) player.key(message.key);
   if ('type' in message) player.type(message.type);

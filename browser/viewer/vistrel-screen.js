@@ -64,6 +64,9 @@ export class VistrelScreen extends HTMLElement {
   /** What makes the worker that runs the page; to be set before anything is opened. */
   makeWorker = () => new Worker(new URL('./playerworker.js', import.meta.url), {type: 'module', name: 'vistrel-player'});
 
+  /** Whether scripts may open files, for pages that are opened from here on. */
+  scriptsOpenFiles = true;
+
   constructor() {
     super();
     this.#canvas.width = SCREEN_WIDTH;
@@ -166,6 +169,7 @@ export class VistrelScreen extends HTMLElement {
     this.#worker.onmessage = ({data}) => this.#hear(data);
     this.#worker.onerror = (event) => this.#fail(event.message || 'The player could not be loaded');
     for (const [put, bytes] of Object.entries(this.#shown.files)) this.#worker.postMessage({put, bytes});
+    if (!this.scriptsOpenFiles) this.#worker.postMessage({keepFilesFromScripts: true});
     this.#tell({open: this.#shown.path});
     for (const message of this.#done) this.#tell(message);
   }

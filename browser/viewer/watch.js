@@ -23,9 +23,10 @@ byId('line').addEventListener('submit', (event) => {
 
 const saves = new EventSource('events');
 saves.onmessage = ({data}) => {
-  const {page, messages} = JSON.parse(data);
+  const {page, messages, scriptsOpenFiles} = JSON.parse(data);
   say(messages.join('\n') || `Saved at ${new Date().toLocaleTimeString()}`, messages.length > 0);
   if (!page) return;
+  screen.scriptsOpenFiles = scriptsOpenFiles;
   byId('console').textContent = '';
   byId('page').textContent = document.title = page.split('/').pop();
   if (screen.src === page) screen.reload({again: true});

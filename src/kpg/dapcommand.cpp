@@ -5,21 +5,29 @@
 #include "kit/control/controlclient.h"
 #include "kit/dap/dapserver.h"
 #include "kpg/commands.h"
+#include "kpg/pageactions.h"
 
 namespace {
 
-void debug(const std::string& path) {
-  if (!path.empty()) return joinLocally(path);  // the studio debugs
+struct DapOptions : RunLimits {
+  std::string path;
+};
+
+void debug(const DapOptions& options) {
+  if (!options.path.empty()) return joinLocally(options.path);  // the studio debugs
   RpcConnection connection;
-  DapServer(connection).run();
+  DapServer(connection, options).run();
 }
 
 }  // namespace
 
 void addDapCommand(CommandLine& line) {
-  auto path = std::make_shared<std::string>();
+  auto options = std::make_shared<DapOptions>();
   KpgCommand command = line.command("dap", "Debug a page for an editor, by the Debug Adapter Protocol");
-  command.add("--attach", *path, "The socket of a studio that was started with --dap, whose page is to be debugged")
+  command
+      .add("--attach", options->path,
+           "The socket of a studio that was started with --dap, whose page is to be debugged")
       .type("PATH");
-  command.runs([path] { debug(*path); });
+  addSpaceLimits(command, *options);  // not of time: whoever debugs stops a script that doesn't end
+  command.runs([options] { debug(*options); });
 }

@@ -9,14 +9,23 @@ constexpr size_t kMostSteps = 4'000'000'000, kMostMegabytes = 1 << 20;
 
 }  // namespace
 
-void addRunLimits(KpgCommand& command, RunLimits& limits) {
-  limits.limitSeconds = 10;
+void addSpaceLimits(KpgCommand& command, RunLimits& limits) {
   limits.limitMemory = kUsualMemory;
   command
       .each(
           "--files", [&limits](const std::string& name) { limits.reach = *fileReachNamed(name); }, kFileReachHelp)
       .type("page|all|none")
       .oneOf({kFileReachNames.begin(), kFileReachNames.end()}, "such choice");
+  command
+      .add("--max-memory", limits.limitMemory,
+           "End a page for which the program needs more memory than this; 128 by default, 0 for as much as there is")
+      .type("MB")
+      .between(0, kMostMegabytes);
+}
+
+void addRunLimits(KpgCommand& command, RunLimits& limits) {
+  addSpaceLimits(command, limits);
+  limits.limitSeconds = 10;
   command
       .add("--timeout", limits.limitSeconds,
            "End what runs for longer than this processor time after the load or an action; 10 by default, 0 for never")
@@ -27,11 +36,6 @@ void addRunLimits(KpgCommand& command, RunLimits& limits) {
            "End what makes more branches and calls of scripts than this after the load or an action")
       .type("N")
       .between(1, kMostSteps);
-  command
-      .add("--max-memory", limits.limitMemory,
-           "End a page for which the program needs more memory than this; 128 by default, 0 for as much as there is")
-      .type("MB")
-      .between(0, kMostMegabytes);
 }
 
 void addPageActions(KpgCommand& command, const std::function<void(const PageAction&)>& take) {

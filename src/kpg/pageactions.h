@@ -8,7 +8,9 @@
 #include "kit/run/runlimits.h"
 #include "kpg/commandline.h"
 
-// What the page may use: --files, --timeout, which is 10 by default, --max-steps and --max-memory, 128.
+// What the page may use: --files and --max-memory, which is 128 by default.
+void addSpaceLimits(KpgCommand& command, RunLimits& limits);
+// Those, --timeout, which is 10 by default, and --max-steps.
 void addRunLimits(KpgCommand& command, RunLimits& limits);
 
 // `take` gets each action.

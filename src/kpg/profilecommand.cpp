@@ -26,8 +26,12 @@ void write(const std::string& file, const std::string& text, const std::vector<s
   writeFile(file, text.data(), text.size());
 }
 
-void profile(ProfileOptions options) {
-  refuseClashes({options.flameGraph, options.speedscope}, {options.page});
+struct Profile {
+  std::string table, flameGraph, speedscope;
+  std::vector<std::string> inputs;
+};
+
+Profile play(ProfileOptions options) {
   options.lines = true;
   // What a source needs is made in memory; a page is taken as it is.
   LiveFiles files(options.page);
@@ -35,7 +39,6 @@ void profile(ProfileOptions options) {
     files.begin();
     options.files = &files;
   }
-  StandardOutputAside aside;  // what the system prints is no part of the table
   BobProfiler profiler;
   PageRun run(options);
   run.trace(profiler);
@@ -59,9 +62,20 @@ void profile(ProfileOptions options) {
     return {place.empty() ? function.name : function.name + " " + place};
   };
   const std::string title = std::filesystem::path(options.page).filename().string();
-  write(options.flameGraph, profileFlameGraph(profiler, nameOf, title), run.inputs());
-  write(options.speedscope, profileSpeedscope(profiler, nameOf, title), run.inputs());
-  aside.print(profileTable(profiler, nameOf));
+  return {profileTable(profiler, nameOf), profileFlameGraph(profiler, nameOf, title),
+          profileSpeedscope(profiler, nameOf, title), run.inputs()};
+}
+
+void profile(const ProfileOptions& options) {
+  refuseClashes({options.flameGraph, options.speedscope}, {options.page});
+  StandardOutputAside aside;  // what the system prints is no part of the table
+  Profile made;
+  const bool readsSources = isPageSource(options.page);
+  runContained(readsSources ? foldersWithSources(options.page, options) : foldersOf(options.page, options),
+               [&] { made = play(options); });
+  write(options.flameGraph, made.flameGraph, made.inputs);
+  write(options.speedscope, made.speedscope, made.inputs);
+  aside.print(made.table);
 }
 
 }  // namespace

@@ -91,6 +91,7 @@ class PageWatch {
     json.beginArray("messages");
     for (const std::string& message : messages) json.string("", message);
     json.endArray();
+    json.boolean("scriptsOpenFiles", options.reach != FileReach::none);
     json.endObject();
     return json.text();
   }
@@ -119,9 +120,24 @@ class PageWatch {
     return accessOf(options.page, options).mayRead(file, fs::absolute(options.page).parent_path());
   }
 
+  // What the page has shown, to be written outside of what holds the page.
+  struct Shown {
+    std::string log;
+    std::vector<std::string> inputs;
+    std::optional<PagePicture> picture;
+  };
+
   void play() {
     const std::lock_guard lock(playing);
     files.begin();
+    Shown shown;
+    runContained(foldersWithSources(options.page, options), [&] { shown = open(); });
+    refuseClashes({options.output, options.log}, shown.inputs);
+    if (!options.log.empty()) writeFile(options.log, shown.log.data(), shown.log.size());
+    if (const auto& picture = shown.picture) writePng(options.output, picture->width, picture->height, picture->pixels);
+  }
+
+  Shown open() {
     PageRun page(options);
     const auto noteFiles = [&] {
       dependencies.clear();
@@ -139,12 +155,9 @@ class PageWatch {
     opened = files.pageOf(options.page);
     for (const std::string& complaint : page.complaintsWithPlaces()) say(complaint);
     if (!page.stopped().empty()) throw KitError(options.page, page.stopped());
-    refuseClashes({options.output, options.log}, page.inputs());
-    const std::string log = page.logWithPlaces();
-    if (!options.log.empty()) writeFile(options.log, log.data(), log.size());
-    if (options.output.empty()) return;
-    const PagePicture picture = page.take();
-    writePng(options.output, picture.width, picture.height, picture.pixels);
+    Shown shown{page.logWithPlaces(), page.inputs(), {}};
+    if (!options.output.empty()) shown.picture = page.take();
+    return shown;
   }
 
   WatchOptions options;

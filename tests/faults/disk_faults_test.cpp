@@ -163,7 +163,7 @@ TEST_F(DiskFaultsTest, FilesThatShrinkAndGrowWhileTheyAreRead) {
 // Builds replace files by whole ones, so that whoever loads a page has one build's or the other's. A studio makes its
 // own of the sources.
 TEST_F(DiskFaultsTest, PlayersAndStudiosShareAFolderThatIsBuiltMeanwhile) {
-  constexpr int kPlayers = 10, kStudios = 4, kBuilds = 40;
+  constexpr int kPlayers = 2, kStudios = 10, kBuilds = 40;
   const auto author = [&](int version) {
     const std::string color = version == 0 ? "0xEB808000" : "0x40808000";
     writeText("menu.yaml",

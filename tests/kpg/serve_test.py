@@ -61,7 +61,7 @@ def main():
             events.request('GET', address.path + 'events')
             stream = events.getresponse()
             news = next_news(stream)
-            assert news == {'page': f'/{token}/files{folder}/page.kpg', 'messages': []}, news
+            assert news == {'page': f'/{token}/files{folder}/page.kpg', 'messages': [], 'scriptsOpenFiles': True}, news
             status, page, _ = get(address, news['page'])
             assert status == 200 and page.startswith(b'KPGF'), page[:8]
             assert get(address, f'/{token}/files{folder}/data.TXT')[1] == b'data', 'in whatever case'
@@ -85,6 +85,17 @@ def main():
         finally:
             watch.send_signal(signal.SIGINT)
         assert watch.wait(60) == 0
+
+        alone = subprocess.Popen([kpg, 'watch', 'page.yaml', '--serve', '--viewer', viewer, '--files', 'none'],
+                                 cwd=folder, stdout=subprocess.PIPE, text=True)
+        try:
+            address = urllib.parse.urlparse(alone.stdout.readline().strip())
+            events = http.client.HTTPConnection(address.netloc, timeout=60)
+            events.request('GET', address.path + 'events')
+            assert next_news(events.getresponse())['scriptsOpenFiles'] is False
+        finally:
+            alone.send_signal(signal.SIGINT)
+        assert alone.wait(60) == 0
         for words in (['page.yaml'], ['page.yaml', '--serve', '--viewer', folder]):
             refused = subprocess.run([kpg, 'watch', *words], cwd=folder, stderr=subprocess.PIPE)
             assert refused.returncode == 1, words

@@ -31,6 +31,9 @@ EMSCRIPTEN_KEEPALIVE bool playerStart() {
   return desktop().start();
 }
 
+// From here on scripts open no files; the player itself still does.
+EMSCRIPTEN_KEEPALIVE void playerKeepFilesFromScripts() { desktop().shell.access.scriptsOpenFiles = false; }
+
 // Where to write the bytes of a file in memory, which is found before one that could be fetched. The name is a full
 // one, such as /guide.kpg.
 EMSCRIPTEN_KEEPALIVE char* playerPut(const char* path, size_t size) {

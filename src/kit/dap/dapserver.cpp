@@ -94,7 +94,8 @@ const DapServer::Request* DapServer::find(const std::string& command) {
   return nullptr;
 }
 
-DapServer::DapServer(RpcConnection& c) : connection(c), launched(std::make_unique<DebuggedPage>()), page(*launched) {
+DapServer::DapServer(RpcConnection& c, const RunLimits& limits)
+    : connection(c), launched(std::make_unique<DebuggedPage>(limits)), page(*launched) {
   listen();
   launched->stopped = [this](const BobStop& stop) {
     if (hasEnded) return BobResume::run;

@@ -19,8 +19,8 @@
 
 class DapServer {
  public:
-  // For an editor that launches its page.
-  explicit DapServer(RpcConnection& connection);
+  // For an editor that launches its page, which is held to these limits.
+  DapServer(RpcConnection& connection, const RunLimits& limits);
   // Until the client disconnects, or goes away.
   void run();
 

@@ -2,8 +2,8 @@
 
 #include "kit/errors.h"
 
-DebuggedPage::DebuggedPage() {
-  PageRunOptions options;
+DebuggedPage::DebuggedPage(const RunLimits& limits) {
+  PageRunOptions options{limits};
   options.lines = true;
   run = std::make_unique<PageRun>(options);
   run->player().whileBusy = [this] {

@@ -16,7 +16,7 @@
 
 class DebuggedPage final : public DapPage {
  public:
-  DebuggedPage();
+  explicit DebuggedPage(const RunLimits& limits);
 
   std::function<BobResume(const BobStop&)> stopped;  // the page stands until it returns
   std::function<void()> whileBusy;                   // now and then while a script runs

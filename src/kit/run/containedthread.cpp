@@ -1,5 +1,6 @@
 #include "kit/run/containedthread.h"
 
+#include <algorithm>
 #include <future>
 
 #include "platform/residentmemory.h"
@@ -21,14 +22,19 @@ namespace {
 
 #if HAS_LANDLOCK
 
-constexpr uint64_t kReading = LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_READ_DIR;
-constexpr uint64_t kWriting = LANDLOCK_ACCESS_FS_WRITE_FILE | LANDLOCK_ACCESS_FS_REMOVE_DIR |
-                              LANDLOCK_ACCESS_FS_REMOVE_FILE | LANDLOCK_ACCESS_FS_MAKE_CHAR |
-                              LANDLOCK_ACCESS_FS_MAKE_DIR | LANDLOCK_ACCESS_FS_MAKE_REG | LANDLOCK_ACCESS_FS_MAKE_SOCK |
-                              LANDLOCK_ACCESS_FS_MAKE_FIFO | LANDLOCK_ACCESS_FS_MAKE_BLOCK |
-                              LANDLOCK_ACCESS_FS_MAKE_SYM;
+// Names in folders stay readable: the player looks for files in whatever case, from the folder down in which a name
+// begins.
+constexpr uint64_t kReading = LANDLOCK_ACCESS_FS_READ_FILE;
+constexpr uint64_t kPlainWriting = LANDLOCK_ACCESS_FS_WRITE_FILE | LANDLOCK_ACCESS_FS_REMOVE_DIR |
+                                   LANDLOCK_ACCESS_FS_REMOVE_FILE | LANDLOCK_ACCESS_FS_MAKE_CHAR |
+                                   LANDLOCK_ACCESS_FS_MAKE_DIR | LANDLOCK_ACCESS_FS_MAKE_REG |
+                                   LANDLOCK_ACCESS_FS_MAKE_SOCK | LANDLOCK_ACCESS_FS_MAKE_FIFO |
+                                   LANDLOCK_ACCESS_FS_MAKE_BLOCK | LANDLOCK_ACCESS_FS_MAKE_SYM;
 
-constexpr uint64_t kOfFiles = LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_WRITE_FILE;
+constexpr uint64_t kTruncating = 1 << 14;  // which older headers don't name
+constexpr int kKnowsTruncating = 3;        // a version of Landlock
+
+constexpr uint64_t kOfFiles = LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_WRITE_FILE | kTruncating;
 
 class Descriptor {
  public:
@@ -55,7 +61,8 @@ void allow(const Descriptor& rules, const fs::path& path, uint64_t accesses) {
 
 void containThisThread(const ThreadFolders& folders) {
   landlock_ruleset_attr handled{};
-  handled.handled_access_fs = kWriting | (folders.readable ? kReading : 0);
+  const uint64_t writing = kPlainWriting | (containmentVersion() >= kKnowsTruncating ? kTruncating : 0);
+  handled.handled_access_fs = writing | (folders.readable ? kReading : 0);
   const Descriptor rules(syscall(SYS_landlock_create_ruleset, &handled, sizeof handled, 0));
   if (rules.number < 0) return;
   if (folders.readable)
@@ -80,10 +87,10 @@ void runContained(const ThreadFolders& folders, const std::function<void()>& wor
   }).get();
 }
 
-bool canContainThreads() {
+int containmentVersion() {
 #if HAS_LANDLOCK
-  return syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) > 0;
+  return int(std::max(syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION), 0L));
 #else
-  return false;
+  return 0;
 #endif
 }
