@@ -10,6 +10,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -91,6 +92,16 @@ struct LinkView {
 
 // The eight directions of a widget, for when it has the focus.
 std::vector<LinkView> inspectLinks(Engine& engine, WidgetId id);
+
+struct WidgetDetails {
+  WidgetView view;
+  std::vector<AttributeView> attributes;
+  std::vector<LinkView> links;
+};
+
+// Shows every widget on the frame's page to `look`, one at a time, in the order of inspectWidgets. Many are looked at
+// faster so than by their numbers, each of which is searched for.
+void inspectPage(Engine& engine, WidgetId frame, const std::function<void(WidgetDetails)>& look);
 
 // The lines of a text as they are drawn. Measures as drawing does, so it can fill the glyph cache.
 std::vector<std::string> inspectTextLines(Engine& engine, WidgetId id);

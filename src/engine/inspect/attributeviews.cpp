@@ -240,12 +240,17 @@ bool isFor(const AttributeRow& row, bool isRoot, std::string_view type) {
 
 }  // namespace
 
+std::vector<AttributeView> attributesOf(const Widget* widget) {
+  const bool isRoot = isRootWidget(widget);
+  const std::string_view type = widgetKindName(kindOf(widget));
+  std::vector<AttributeView> views;
+  for (const AttributeRow& row : attributeRows())
+    if (isFor(row, isRoot, type)) views.push_back(viewOf(widget, row));
+  return views;
+}
+
 std::vector<AttributeView> inspectAttributes(Engine& engine, WidgetId id) {
   const EngineScope here(engine);
-  std::vector<AttributeView> views;
   const Widget* widget = widgetById(engine, id);
-  if (!widget) return views;
-  for (const AttributeRow& row : attributeRows())
-    if (isFor(row, isRootWidget(widget), widgetKindName(kindOf(widget)))) views.push_back(viewOf(widget, row));
-  return views;
+  return widget ? attributesOf(widget) : std::vector<AttributeView>{};
 }

@@ -11,6 +11,8 @@ std::vector<Widget*> walkWidgets(const Engine& engine);
 
 Widget* widgetById(const Engine& engine, WidgetId id);  // null for one that has gone
 
+std::vector<AttributeView> attributesOf(const Widget* widget);
+
 int levelOf(const Widget* widget);  // below the top frame
 
 WidgetKind kindOf(const Widget* widget);

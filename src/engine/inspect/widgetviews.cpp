@@ -85,6 +85,13 @@ LinkView linkOf(const Widget* widget, const Direction& direction) {
   return link;
 }
 
+std::vector<LinkView> linksOf(const Widget* widget) {
+  std::vector<LinkView> links;
+  if (!frameOf(widget)) return links;
+  for (const Direction& direction : kDirections) links.push_back(linkOf(widget, direction));
+  return links;
+}
+
 }  // namespace
 
 std::vector<WidgetView> inspectWidgets(Engine& engine) {
@@ -102,11 +109,14 @@ std::optional<WidgetView> inspectWidget(Engine& engine, WidgetId id) {
 
 std::vector<LinkView> inspectLinks(Engine& engine, WidgetId id) {
   const EngineScope here(engine);
-  std::vector<LinkView> links;
   const Widget* widget = widgetById(engine, id);
-  if (!widget || !frameOf(widget)) return links;
-  for (const Direction& direction : kDirections) links.push_back(linkOf(widget, direction));
-  return links;
+  return widget ? linksOf(widget) : std::vector<LinkView>{};
+}
+
+void inspectPage(Engine& engine, WidgetId frame, const std::function<void(WidgetDetails)>& look) {
+  const EngineScope here(engine);
+  for (const Widget* widget : walkWidgets(engine))
+    if (frame != 0 && idOf(frameOf(widget)) == frame) look({viewOf(widget), attributesOf(widget), linksOf(widget)});
 }
 
 std::vector<std::string> inspectTextLines(Engine& engine, WidgetId id) {

@@ -1,5 +1,6 @@
 // Scripts that name what isn't there, or that the language takes otherwise than they are written.
 #include <algorithm>
+#include <map>
 #include <set>
 
 #include "kit/check/checks.h"
@@ -65,10 +66,10 @@ class Scripts {
 
   void checkGlobal(const PageFunction& function, const BobCodeUse& use) {
     if (use.name.empty() || set.contains(use.name) || opened.resolves(use.name)) return;
-    unset.insert(use.name);
+    const auto [meant, isNew] = unset.try_emplace(use.name);
+    if (isNew) meant->second = suggestion(use.name, {set.begin(), set.end()});
     say("unset-global", function, use.offset,
-        "nothing sets '" + use.name + "', and the script ends there with \"Unbound variable\"" +
-            suggestion(use.name, {set.begin(), set.end()}));
+        "nothing sets '" + use.name + "', and the script ends there with \"Unbound variable\"" + meant->second);
   }
 
   // What the player has made: widgets, styles and frames, a name deep or two.
@@ -147,8 +148,9 @@ class Scripts {
   OpenedPage& opened;
   const PageCode& code;
   const Find& find;
-  std::set<std::string> set, setOnWidgets, read, unset;  // names of globals and members
-  bool runsOthers = false;                               // code that nothing is known of
+  std::set<std::string> set, setOnWidgets, read;  // names of globals and members
+  std::map<std::string, std::string> unset;       // those that nothing sets, and what to suggest for them
+  bool runsOthers = false;                        // code that nothing is known of
 };
 
 }  // namespace

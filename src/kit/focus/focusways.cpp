@@ -69,21 +69,20 @@ WidgetId FocusWays::innermost() const {
 }
 
 void FocusWays::readWidgets(Engine& engine) {
-  for (WidgetView& view : inspectWidgets(engine)) {
-    if (view.frame != itsFrame || view.level == 0) continue;
+  inspectPage(engine, itsFrame, [this](WidgetDetails details) {
     FocusWidget widget;
-    for (const AttributeView& attribute : inspectAttributes(engine, view.id)) {
+    for (const AttributeView& attribute : details.attributes) {
       if (attribute.origin != ValueOrigin::page) continue;
       widget.isTypedInto |= attribute.name == "maxLength";
       widget.answersFocus |= answers(attribute);
     }
-    const FrameView* inside = findFrame(view.id);
+    const FrameView* inside = findFrame(details.view.id);
     widget.hasFocusInside = inside && inside->focus != 0;
-    widget.links = inspectLinks(engine, view.id);
-    places[view.id] = all.size();
-    widget.view = std::move(view);
+    widget.links = std::move(details.links);
+    places[details.view.id] = all.size();
+    widget.view = std::move(details.view);
     all.push_back(std::move(widget));
-  }
+  });
 }
 
 // Digits count, and names are looked for, in an order in which what lies in a widget comes before it.

@@ -53,6 +53,19 @@ TEST_F(ViewsTest, TheTreeHasEachWidgetBeforeWhatLiesInIt) {
   EXPECT_EQ(deep.bounds, (Bounds{106, 207, 0, 0}));
   EXPECT_TRUE(viewOf("within").isRoot);
   EXPECT_EQ(viewOf("root").bgColor, 0x10808000u);
+
+  const auto namesOn = [this](WidgetId frame) {
+    std::string names;
+    inspectPage(engine, frame, [&](const WidgetDetails& details) {
+      names += details.view.name + " ";
+      EXPECT_EQ(details.attributes.size(), inspectAttributes(engine, details.view.id).size());
+      EXPECT_EQ(details.links.size(), 8u);
+    });
+    return names;
+  };
+  EXPECT_EQ(namesOn(inspectWidgets(engine).front().id), "root g first second f w ");
+  EXPECT_EQ(namesOn(idOf("f")), "within deep ");
+  EXPECT_EQ(namesOn(idOf("w")) + namesOn(0), "");
 }
 
 TEST_F(ViewsTest, ANumberIsNeverUsedAgain) {
