@@ -19,8 +19,14 @@ void hsStoreWholeBits(const hsGBitmap& device, const hsGMask& mask, Pixel value)
   const uint8_t keepLast = uint8_t(0xFF << (7 - (bounds.Width() - 1) % 8));
   const uint8_t* bits = mask.Row(bounds.fTop);
   auto* row = reinterpret_cast<uint8_t*>(device.Row<Pixel>(bounds.fTop) + bounds.fLeft);
-  const uint32_t rowBytes = device.fRowBytes;
-  for (int32_t height = bounds.Height(); height > 0; --height, bits += mask.fRowBytes, row += rowBytes) {
+  const uint32_t rowBytes = device.fRowBytes, maskBytes = mask.fRowBytes;
+  int32_t height = bounds.Height();
+  if (last == 0) {
+    for (; height > 0; --height, bits += maskBytes, row += rowBytes)
+      store(reinterpret_cast<Pixel*>(row), *bits & keepLast);
+    return;
+  }
+  for (; height > 0; --height, bits += maskBytes, row += rowBytes) {
     auto* const pixels = reinterpret_cast<Pixel*>(row);
     for (int32_t i = 0; i < last; ++i) store(pixels + 8 * i, bits[i]);
     store(pixels + 8 * last, bits[last] & keepLast);
