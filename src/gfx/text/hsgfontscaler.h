@@ -13,7 +13,7 @@
 #include "gfx/foundation/hstypes.h"
 
 enum hsFontFormat : uint32_t {
-  kFontFormat_TrueType = hsTag("true"),    // read piece by piece
+  kFontFormat_TrueType = hsTag("true"),    // read piece by piece, or in place
   kFontFormat_SfntInRam = hsTag("sft1"),   // read whole before it is opened
   kFontFormat_Type1 = hsTag("typ1"),       // can be registered, never opened
   kFontFormat_BitmapOnly = hsTag("DUMY"),  // an sfnt with embedded bitmaps only
@@ -50,6 +50,8 @@ class hsGFontScaler : public hsRefCnt {
   // that it hasn't got.
   virtual const void* ReadData(uint32_t offset, uint32_t length, void* dst) = 0;
   void CopyData(uint32_t offset, uint32_t length, void* dst);
+  // All bytes where they lie as long as the font does, or null when they have to be fetched.
+  virtual const uint8_t* DataInPlace() const { return nullptr; }
 
  protected:
   virtual void AcquireSelf() {}
@@ -126,6 +128,7 @@ class hsGFontMemory : public hsGFontT2K {
 
   uint32_t GetDataSize() override { return fSize; }
   const void* ReadData(uint32_t offset, uint32_t length, void* dst) override;
+  const uint8_t* DataInPlace() const override { return fData; }
 
  private:
   uint32_t fSize;

@@ -48,7 +48,10 @@ bool hsGT2KRef::OpenStream(int* fontType) {
   switch (fFont->Format()) {
     case kFontFormat_TrueType:
       *fontType = kFontTypeSfnt;
-      fStream = New_NonRamInputStream(fMemory, ReadFontBytes, fFont.get(), size, &fError);
+      if (const uint8_t* bytes = fFont->DataInPlace())
+        fStream = New_InputStream3(fMemory, bytes, size, &fError);
+      else
+        fStream = New_NonRamInputStream(fMemory, ReadFontBytes, fFont.get(), size, &fError);
       break;
     case kFontFormat_SfntInRam:
       *fontType = kFontTypeSfntInMemory;
