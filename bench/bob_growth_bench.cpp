@@ -1,9 +1,10 @@
-// How the cost of the language grows: with the lines of a source, the properties of an object, and the objects that a
-// collection moves.
+// How the cost of the language grows: with the lines of a source, the rounds of a loop, the properties of an object,
+// and the objects that a collection moves.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "bob/bob.h"
 #include "bob/compile/statementreader.h"
@@ -51,6 +52,44 @@ void Compile(benchmark::State& state) {
   }
 }
 BENCHMARK(Compile)->Name("compile")->Arg(20)->Arg(200)->Arg(2000)->Unit(benchmark::kMicrosecond);
+
+// One of each program that is held against another language, in short. # stands for the rounds.
+constexpr std::pair<const char*, const char*> kLoops[] = {
+    {"calls",
+     "define add(a, b) { return a + b; }\n"
+     "define bench() { local i, s = 0; for (i = 0; i < #; i++) s = add(i, s & 1); return i; }"},
+    {"closures",
+     "define counter() { local n = 0; return function () { n = n + 1; return n; }; }\n"
+     "define bench() { local i; for (i = 0; i < #; i++) { local c = counter(); c(); c(); } return i; }"},
+    {"strings",
+     "define bench() {\n  local i, s = \"\";\n  for (i = 0; i < #; i++) {\n    s = s + \"ab\";\n"
+     "    if (s.size > 200) s = \"\";\n  }\n  return i;\n}"},
+    {"vectors", "define bench() { local i, v = \\[]; for (i = 0; i < #; i++) v.Push(i); return v.size; }"},
+    {"sends",
+     "Shape = \\{ w: 3 };\ndefine Shape.area() { return this.w * this.w; }\nsquare = \\{ Shape h: 1 };\n"
+     "define bench() { local i, s = 0; for (i = 0; i < #; i++) s = s + square.area() & 255; return i; }"},
+    {"integers", "define bench() { local i, s = 0; for (i = 0; i < #; i++) s = (s << 1 ^ i) & 0xFFFFFF; return i; }"},
+    {"mixed",
+     "define bench() {\n  local i, counts = \\{ odd: 0, even: 0 }, queue = \\[];\n"
+     "  local emit = function (kind) { counts[kind] = counts[kind] + 1; queue.Push(kind); };\n"
+     "  for (i = 0; i < #; i++) {\n    emit(i & 1 ? \\odd : \\even);\n    if (queue.size > 20) queue.Pop();\n"
+     "  }\n  return counts.odd + counts.even;\n}"},
+};
+
+const bool kLoopsRegistered = [] {
+  for (const auto& [name, text] : kLoops) {
+    auto* const bench = benchmark::RegisterBenchmark(
+        (std::string("loop/") + name).c_str(), [text = std::string(text)](benchmark::State& state) {
+          std::string source = text;
+          source.replace(source.find('#'), 1, std::to_string(state.range(0)));
+          Runtime runtime(source);
+          for (auto _ : state)
+            if (runtime.call("bench") != state.range(0)) return state.SkipWithError("not all rounds were run");
+        });
+    bench->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
+  }
+  return true;
+}();
 
 // A new object gets so many properties and is asked for each; ten statements a function, all called by one.
 std::string propertiesSource(int64_t count) {

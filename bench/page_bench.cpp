@@ -109,20 +109,22 @@ BENCHMARK(StartTimers)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicros
 
 // Squares all over the screen, each fill with its flush: display surface, device, converter, blitter, and the
 // conversion of what changed.
-void FillRectAndFlush(benchmark::State& state, int depth) {
+void fillRectAndFlush(benchmark::State& state, int depth, int width, int height) {
   HeadlessDesktop desktop;
   const EngineScope here(desktop.shell.engine);
   desktop.start();
   displaySetDepth(depth);
-  const int size = int(state.range(0));
   std::mt19937 random(4);
   std::vector<Bounds> rects;
   for (int i = 0; i < 64; ++i)
-    rects.push_back({int(random() % unsigned(721 - size)), int(random() % unsigned(481 - size)), size, size});
+    rects.push_back({int(random() % unsigned(721 - width)), int(random() % unsigned(481 - height)), width, height});
   uint32_t color = 0x10808000;
   for (auto _ : state)
     for (const Bounds& rect : rects) displayFillRect(rect, color += 0x01030500);
   state.SetItemsProcessed(state.iterations() * int64_t(rects.size()));
+}
+void FillRectAndFlush(benchmark::State& state, int depth) {
+  fillRectAndFlush(state, depth, int(state.range(0)), int(state.range(0)));
 }
 BENCHMARK_CAPTURE(FillRectAndFlush, 8, 8)
     ->Name("fill8_and_flush")
@@ -137,21 +139,30 @@ BENCHMARK_CAPTURE(FillRectAndFlush, 16, 16)
     ->Arg(360)
     ->Unit(benchmark::kMicrosecond);
 
-void ScreenToRgb16(benchmark::State& state) {
+// How the cost grows: range(0) rows of 100 pixels each.
+void FillRowsAndFlush(benchmark::State& state) { fillRectAndFlush(state, 8, 100, int(state.range(0))); }
+BENCHMARK(FillRowsAndFlush)->Name("fill8_rows")->Arg(4)->Arg(40)->Arg(400)->Unit(benchmark::kMicrosecond);
+
+void screenToRgb16(benchmark::State& state, bool noise, int rows) {
   ScreenSurface screen;
   screen.create(720, 480, 16);
   std::vector<uint16_t> pixels(720 * 480);
   std::mt19937 random(1);
-  if (state.range(0)) {
+  if (noise) {
     for (auto& p : pixels) p = uint16_t(random());
   } else {
     for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = uint16_t(i / 720 / 60 * 2000);  // flat, as pages are
   }
   for (auto _ : state) {
-    screen.convert(pixels.data(), 0, 0, 720, 480);
+    screen.convert(pixels.data(), 0, 0, 720, rows);
     benchmark::ClobberMemory();
   }
 }
+void RowsToRgb16(benchmark::State& state, bool noise) { screenToRgb16(state, noise, int(state.range(0))); }
+BENCHMARK_CAPTURE(RowsToRgb16, flat, false)->Name("rgb_rows/flat")->Arg(4)->Arg(40)->Arg(400);
+BENCHMARK_CAPTURE(RowsToRgb16, noise, true)->Name("rgb_rows/noise")->Arg(4)->Arg(40)->Arg(400);
+
+void ScreenToRgb16(benchmark::State& state) { screenToRgb16(state, state.range(0), 480); }
 BENCHMARK(ScreenToRgb16)->Name("rgb")->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
 // The yardstick: a plain copy of as many bytes as the conversion writes.

@@ -29,7 +29,8 @@ def google(program, names, repetitions, seconds, build):
                         f'--benchmark_repetitions={repetitions}', f'--benchmark_min_time={seconds}',
                         '--benchmark_enable_random_interleaving=' + ('true' if repetitions > 1 else 'false')],
                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=True)
-        runs = json.load(out)['benchmarks']
+        said = out.read()
+    runs = json.loads(said)['benchmarks'] if said else []  # nothing is said of no benchmark
     times, ink = {}, {}
     for run in runs:
         if run.get('error_occurred'):
@@ -100,20 +101,54 @@ class OwnRow:
 @dataclass
 class Growth:
     """The same work once, ten and a hundred times: three benchmarks of a program."""
+    area: str  # whose curves share a plot, at most eight
     title: str
     work: str  # what there is more of
     program: str
     name: str  # of the benchmark, whose argument is how much
     amounts: tuple
     remark: Optional[str] = None  # why it grows faster than its work, if it does
+    of: Optional[str] = None  # the title of the row in ROWS whose growth it is, if that is another
 
-    @property
-    def names(self):
-        return [f'{self.name}/{amount}' for amount in self.amounts]
+    def measure(self, build, repetitions=3, seconds=0.03):
+        """Seconds for each of the amounts."""
+        names = [f'{self.name}/{amount}' for amount in self.amounts]
+        times, _ = google(self.program, names, repetitions, seconds, build)
+        return [times[name] for name in names]
 
-    def measure(self, build, repetitions=3, seconds=0.05):
-        times, _ = google(self.program, self.names, repetitions, seconds, build)
-        return [times[name] for name in self.names]
+    def measure_ours(self, build):
+        return costs_and_growth(self, self.measure(build, 1, 0.02))
+
+
+@dataclass
+class OwnGrowth:
+    """The same by a function from a build and the amounts to seconds for each."""
+    area: str
+    title: str
+    work: str
+    run: Callable
+    amounts: tuple
+    remark: Optional[str] = None
+    of: Optional[str] = None
+
+    def measure(self, build):
+        return self.run(build, self.amounts)
+
+    def measure_ours(self, build):
+        return costs_and_growth(self, self.measure(build))
+
+
+GROWS = 'growth'  # the label of a figure that is no time
+
+
+def costs_and_growth(row, times):
+    """Label to time at the largest amount; and how much faster than the work the cost has grown."""
+    return {f'{row.amounts[2]:,} {row.work}': times[2], GROWS: times[2] / times[0] / 100}
+
+
+def growths_of(title):
+    """The rows of GROWTH that show how the row of that title grows."""
+    return [growth for growth in GROWTH if (growth.of or growth.title) == title]
 
 
 def cases(*pairs):
@@ -159,13 +194,20 @@ def rgb_of_kpx(kpx, clut, pixels):
     return b''.join(colors[index] for index in kpx[-pixels:])
 
 
+def make_photograph(path, size):
+    """Soft shapes of many colours under a little noise, as photographs have them."""
+    magick = shutil.which('convert')
+    if not magick:
+        raise RuntimeError('ImageMagick is not installed')
+    subprocess.run([magick, '-seed', '3', '-size', size, 'plasma:tan-steelblue', '-blur', '0x2', '-attenuate', '0.2',
+                    '+noise', 'Gaussian', '-depth', '8', 'png24:' + path], check=True)
+
+
 def picture_for_player(build, runs=9):
     """For an OwnRow: whole processes that make at most 240 colours of a 720 x 480 picture, alternately. Both read a PNG and
     write without compressing. Ours must not miss more of the picture than the peer, whose tree of four levels is its fastest
     that misses no more than its own choice of levels does."""
     magick = shutil.which('convert')
-    if not magick:
-        raise RuntimeError('ImageMagick is not installed')
     kpg = os.path.abspath(os.path.join(build, 'src/kpg/kpg'))
     pixels = 720 * 480
     with tempfile.TemporaryDirectory() as folder:
@@ -175,9 +217,7 @@ def picture_for_player(build, runs=9):
         def rgb(name):
             return subprocess.run([magick, path(name), '-depth', '8', 'rgb:-'], stdout=subprocess.PIPE, check=True).stdout
 
-        # Soft shapes of many colours under a little noise, as photographs have them.
-        subprocess.run([magick, '-seed', '3', '-size', '720x480', 'plasma:tan-steelblue', '-blur', '0x2', '-attenuate', '0.2',
-                        '+noise', 'Gaussian', '-depth', '8', 'png24:' + path('photograph.png')], check=True)
+        make_photograph(path('photograph.png'), '720x480')
         ours = [kpg, 'image', path('photograph.png'), '-o', path('ours.kpx')]
         peers = [magick, '-limit', 'thread', '1', path('photograph.png'), '-dither', 'None', '-treedepth', '4',
                  '-colors', '240', 'bmp3:' + path('peers.bmp')]
@@ -209,6 +249,49 @@ def kpg_processes(build, runs=41):
             for label, command in commands.items():
                 times[label].append(processor_seconds(command))
         return {label: (statistics.median(values), None) for label, values in times.items()}
+
+
+def page_of_boxes(count):
+    """Named boxes in rows of 25, linked in a ring."""
+    boxes = ''.join(f'    - {{name: w{i}, x: {10 + i % 25 * 28}, y: {10 + i // 25 % 20 * 23}, width: 20, height: 15, '
+                    f'bgColor: white, highlightFrame: true, right: w{(i + 1) % count}}}\n' for i in range(count))
+    return ('flags: 16bit\npage:\n  type: group\n  width: 720\n  height: 480\n  start: w0\n  children:\n' + boxes)
+
+
+def medians_in_turns(commands, runs):
+    """Seconds of each whole process."""
+    times = [[processor_seconds(command) for command in commands] for _ in range(runs)]
+    return [statistics.median(column) for column in zip(*times)]
+
+
+def kpg_on_boxes(*command, runs=11):
+    """For an OwnGrowth: kpg's command on pages of so many boxes."""
+    def run(build, amounts):
+        kpg = os.path.abspath(os.path.join(build, 'src/kpg/kpg'))
+        with tempfile.TemporaryDirectory() as folder:
+            commands = []
+            for amount in amounts:
+                page = os.path.join(folder, f'{amount}.yaml')
+                with open(page, 'w') as out:
+                    out.write(page_of_boxes(amount))
+                subprocess.run([kpg, 'build', page, '-o', os.path.join(folder, f'{amount}.kpg')], check=True,
+                               stdout=subprocess.DEVNULL)
+                commands.append([kpg] + [word.format(page=page[:-5], folder=folder) for word in command])
+            return medians_in_turns(commands, runs)
+    return run
+
+
+def kpg_image_of_pixels(build, amounts, runs=7):
+    """For an OwnGrowth: kpg image on parts of one photograph, three wide to two high."""
+    kpg = os.path.abspath(os.path.join(build, 'src/kpg/kpg'))
+    with tempfile.TemporaryDirectory() as folder:
+        commands = []
+        for amount in amounts:
+            width = round((amount * 1.5) ** 0.5)
+            picture = os.path.join(folder, f'{amount}.png')
+            make_photograph(picture, f'{width}x{amount // width}')
+            commands.append([kpg, 'image', picture, '-o', os.path.join(folder, f'{amount}.kpx')])
+        return medians_in_turns(commands, runs)
 
 
 def resident_memory(build, runs=15):
@@ -302,30 +385,89 @@ def reason_of(title):
 
 
 STAR = (12, 120, 1200)
+MORE_OF = {'star': ('points', STAR), 'triangles': ('triangles', (20, 200, 2000)), 'scribble': ('lines', (4, 40, 400)),
+           'circle': ('circles', (1, 10, 100)), 'letters': ('letters', (3, 30, 300)), 'blob': ('curves', (5, 50, 500))}
 SMALL_RECTS = (10, 100, 1000)
+RECT_PIXELS = (240, 2400, 24000)
+ROUNDS = (100, 1000, 10000)
+BOXES = (10, 100, 1000)
+
+CROWDED = 'where lines cross, they change places in the order of a row’s edges, and the crossings grow with the square.'
+AS_FOR_FILL = 'as for the fill.'
+AS_FOR_STROKE = 'as for the stroke of a star.'
+
+
+def growth_per_shape(area, title, name, shapes, remarks):
+    return [Growth(area, f'{title}: {shape}', MORE_OF[shape][0], 'gfx_scan_bench', f'growth/{name}/{shape}',
+                   MORE_OF[shape][1], remarks.get(shape)) for shape in shapes]
+
+
+def growth_of_rects(title, name):
+    return Growth('Rectangles', title, 'pixels each', 'gfx_pixel_bench', 'growth/' + name, RECT_PIXELS)
+
+
+def growth_of_loops(*names):
+    return [Growth('Programs in Bob', f'Bob: {name}', 'rounds', 'bob_growth_bench', 'loop/' + name, ROUNDS, of='Bob')
+            for name in names]
+
 
 GROWTH = [
-    Growth('Fill', 'points of a star', 'gfx_scan_bench', 'points/fill', STAR),
-    Growth('Anti-aliased fill', 'points of a star', 'gfx_scan_bench', 'points/antifill', STAR),
-    Growth('Stroke', 'points of a star', 'gfx_scan_bench', 'points/stroke', STAR,
-           'a thousand spikes lie closer together than the stroke is wide, so each outline crosses its neighbours, and how '
-           'many those are grows with the points as well.'),
-    Growth('Anti-aliased stroke', 'points of a star', 'gfx_scan_bench', 'points/antistroke', STAR, 'as for the stroke.'),
-    Growth('Hairline', 'points of a star', 'gfx_scan_bench', 'points/hair', STAR),
-    Growth('Region union', 'rectangles', 'gfx_region_bench', 'small/union', SMALL_RECTS),
-    Growth('Region intersection', 'rectangles', 'gfx_region_bench', 'small/intersect', SMALL_RECTS,
+    Growth('Fonts and text', 'Grey glyphs, level 3, none kept', 'points of a star', 't2k_bench', 'growth/grey', STAR,
+           'a line of a glyph with so many spikes has more crossings than there is room for, and then those of the whole glyph '
+           'go through one Shell sort; the order in which it leaves equal ones shows.'),
+    Growth('Fonts and text', 'Outlines, none kept', 'points of a star', 't2k_bench', 'growth/outlines', STAR),
+    Growth('Fonts and text', 'Opening a font', 'glyphs', 't2k_bench', 'growth/open', (60, 600, 6000)),
+    Growth('Fonts and text', 'Opening a font, and its first glyph', 'glyphs', 't2k_bench', 'growth/first_glyph',
+           (60, 600, 6000)),
+    Growth('Fonts and text', 'Characters, grey', 'characters', 'text_bench', 'characters/grey', (6, 60, 600),
+           of='60 characters, warm'),
+    Growth('Fonts and text', 'Characters, bits', 'characters', 'text_bench', 'characters/bits', (6, 60, 600),
+           of='60 characters, warm'),
+    Growth('Fonts and text', 'A page of text, warm', 'lines', 'textpage_bench', 'lines/warm', (4, 40, 400),
+           of='40 lines of 60 characters, warm'),
+    Growth('Fonts and text', 'A page of text, cold', 'lines', 'textpage_bench', 'lines/cold', (4, 40, 400),
+           of='40 lines of 60 characters, cold'),
+    growth_of_rects('Solid rectangles', 'solid'),
+    growth_of_rects('Blends over noise', 'blend/noise'),
+    growth_of_rects('Blends over runs', 'blend/runs'),
+    growth_of_rects('8-bit to 16-bit sprites', 'sprite8to16'),
+    Growth('Rectangles', '8-bit fills with their flush', 'rows', 'page_bench', 'fill8_rows', (4, 40, 400)),
+    Growth('Rectangles', '16-bit screen to RGB, flat', 'rows', 'page_bench', 'rgb_rows/flat', (4, 40, 400)),
+    Growth('Rectangles', '16-bit screen to RGB, noise', 'rows', 'page_bench', 'rgb_rows/noise', (4, 40, 400)),
+    Growth('Regions', 'Region union', 'rectangles', 'gfx_region_bench', 'small/union', SMALL_RECTS),
+    Growth('Regions', 'Region intersection', 'rectangles', 'gfx_region_bench', 'small/intersect', SMALL_RECTS,
            'ten small rectangles a side hardly meet, a thousand do.'),
-    Growth('Region difference', 'rectangles', 'gfx_region_bench', 'small/difference', SMALL_RECTS),
-    Growth('Gathering', 'rectangles', 'gfx_region_bench', 'small/gather', SMALL_RECTS,
+    Growth('Regions', 'Region difference', 'rectangles', 'gfx_region_bench', 'small/difference', SMALL_RECTS),
+    Growth('Regions', 'Gathering rectangles', 'rectangles', 'gfx_region_bench', 'small/gather', SMALL_RECTS,
            'each rectangle is added to a region that has grown, so the work itself grows with the square; the peer’s does '
            'as well.'),
-    Growth('A page of text, warm', 'lines', 'textpage_bench', 'lines/warm', (4, 40, 400)),
-    Growth('GIF to indices', 'rows', 'gif_bench', 'rows', (48, 480, 4800)),
-    Growth('Compiling a script', 'lines', 'bob_growth_bench', 'compile', (20, 200, 2000)),
-    Growth('An object', 'properties', 'bob_growth_bench', 'properties', (10, 100, 1000)),
-    Growth('A collection', 'live objects', 'bob_growth_bench', 'collection', (10, 100, 1000)),
-    Growth('Loading a page', 'widgets, each found by name', 'page_bench', 'LoadSlaves', (500, 5000, 50000),
+    *growth_per_shape('Fills', 'Fill', 'fill', SHAPES, {
+        'triangles': 'of twenty, few begin or end on a row; of two thousand some do on each, and then all edges that the row '
+                     'crosses are gathered anew.',
+        'scribble': CROWDED}),
+    *growth_per_shape('Anti-aliased fills', 'Anti-aliased fill', 'antifill', SHAPES, {'scribble': AS_FOR_FILL}),
+    *growth_per_shape('Strokes', 'Stroke', 'stroke', STROKED, {
+        'star': 'a thousand spikes lie closer together than the stroke is wide, so each outline crosses its neighbours, and '
+                'how many those are grows with the points as well.',
+        'scribble': AS_FOR_FILL, 'blob': AS_FOR_STROKE}),
+    *growth_per_shape('Anti-aliased strokes', 'Anti-aliased stroke', 'antistroke', STROKED, {
+        'star': AS_FOR_STROKE, 'scribble': AS_FOR_FILL, 'blob': AS_FOR_STROKE}),
+    *growth_per_shape('Hairlines', 'Hairline', 'hair', STROKED, {}),
+    *growth_of_loops('calls', 'closures', 'strings', 'vectors'),
+    Growth('Programs in Bob', 'Bob: properties', 'properties', 'bob_growth_bench', 'properties', (10, 100, 1000), of='Bob'),
+    *growth_of_loops('sends', 'integers', 'mixed'),
+    Growth('Pages', 'Compiling a script', 'lines', 'bob_growth_bench', 'compile', (20, 200, 2000), of='Bob, 2,000 lines'),
+    Growth('Pages', 'A collection', 'live objects', 'bob_growth_bench', 'collection', (10, 100, 1000)),
+    Growth('Pages', 'Loading a page', 'widgets, each found by name', 'page_bench', 'LoadSlaves', (500, 5000, 50000),
            'fifty thousand widgets and their names leave the caches.'),
-    Growth('Starting timers', 'timers that wait', 'page_bench', 'StartTimers', (100, 1000, 10000),
+    Growth('Pages', 'Starting timers', 'timers that wait', 'page_bench', 'StartTimers', (100, 1000, 10000),
            'an ordered tree, so each costs the logarithm of their number.'),
+    Growth('Pictures and kpg', 'GIF to indices', 'rows', 'gif_bench', 'rows', (48, 480, 4800)),
+    OwnGrowth('Pictures and kpg', 'A photograph for the player, whole process', 'pixels', kpg_image_of_pixels,
+              (3456, 34560, 345600)),
+    OwnGrowth('Pictures and kpg', 'kpg shot, whole process', 'widgets', kpg_on_boxes('shot', '{page}.kpg', '-o', '{folder}/b.png'),
+              BOXES, of='The guide by kpg, whole processes'),
+    OwnGrowth('Pictures and kpg', 'kpg build, whole process', 'widgets',
+              kpg_on_boxes('build', '{page}.yaml', '-o', '{folder}/b.kpg'), BOXES, of='The guide by kpg, whole processes'),
+    OwnGrowth('Pictures and kpg', 'kpg check, whole process', 'widgets', kpg_on_boxes('check', '{page}.yaml'), BOXES),
 ]

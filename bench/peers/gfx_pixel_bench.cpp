@@ -5,6 +5,7 @@
 #include <pixman.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <iterator>
 #include <random>
@@ -32,6 +33,17 @@ std::vector<Rect> RandomRects(int size) {
     const int width = size / 2 + below(size), height = std::min(size / 2 + below(size), kHeight);
     rects.push_back({below(kWidth - width + 1), below(kHeight - height + 1), width, height});
   }
+  return rects;
+}
+
+// Sixty-four that are nearly squares of so many pixels each.
+std::vector<Rect> RectsOfPixels(int pixels) {
+  const int width = int(std::sqrt(pixels)), height = pixels / width;
+  std::mt19937 random(1);
+  std::vector<Rect> rects;
+  for (int i = 0; i < 64; ++i)
+    rects.push_back(
+        {int(random() % unsigned(kWidth - width + 1)), int(random() % unsigned(kHeight - height + 1)), width, height});
   return rects;
 }
 
@@ -196,8 +208,7 @@ void DrawOnce(std::vector<uint16_t>& pixels, const std::vector<Rect>& rects) {
 }
 
 template <class Painter>
-void Time(benchmark::State& state, std::vector<uint16_t> pixels) {
-  const std::vector<Rect> rects = RandomRects(int(state.range(0)));
+void Time(benchmark::State& state, std::vector<uint16_t> pixels, const std::vector<Rect>& rects) {
   Painter painter(pixels);
   for (auto _ : state) {
     for (const Rect& r : rects) painter.Draw(r);
@@ -217,11 +228,18 @@ void Register(const std::string& name, bool runs) {
     DrawOnce<Ours>(ours, rects);
     DrawOnce<Pixmans>(pixmans, rects);
     if (!Alike(ours, pixmans)) return state.SkipWithError("the pictures differ");
-    Time<Ours>(state, Screen(runs));
+    Time<Ours>(state, Screen(runs), rects);
   })->Apply(sizes);
   benchmark::RegisterBenchmark((name + "/pixman").c_str(), [runs](benchmark::State& state) {
-    Time<Pixmans>(state, PixmanScreen(runs));
+    Time<Pixmans>(state, PixmanScreen(runs), RandomRects(int(state.range(0))));
   })->Apply(sizes);
+  // How the cost grows: range(0) pixels a rectangle.
+  benchmark::RegisterBenchmark(
+      ("growth/" + name).c_str(),
+      [runs](benchmark::State& state) { Time<Ours>(state, Screen(runs), RectsOfPixels(int(state.range(0)))); })
+      ->Arg(240)
+      ->Arg(2400)
+      ->Arg(24000);
 }
 
 const bool kRegistered = [] {

@@ -68,17 +68,23 @@ hsPath Circle(double radius) {
   return path;
 }
 
-// What a page's text is made of: small shapes with curves and a hole.
-hsPath Letters() {
+// Beside and below each other.
+hsPath Circles(int count) {
   hsPath path;
-  for (int row = 0; row < 10; ++row)
-    for (int column = 0; column < 30; ++column) {
-      const double x = 20 + column * 22, y = 20 + row * 44;
-      const hsPoint a = At(x, y), b = At(x + 17.3, y + 28.6), c = At(x + 4.2, y + 3.4), d = At(x + 13.1, y + 25.2);
-      const hsRect outer{a.fX, a.fY, b.fX, b.fY}, inner{c.fX, c.fY, d.fX, d.fY};
-      path.AddOval(&outer);
-      path.AddOval(&inner, true);
-    }
+  for (int i = 0; i < count; ++i) path.AddCircle(At(35 + i % 10 * 70, 0).fX, At(0, 24 + i / 10 * 48).fY, At(20, 0).fX);
+  return path;
+}
+
+// What a page's text is made of: small shapes with curves and a hole.
+hsPath Letters(int count) {
+  hsPath path;
+  for (int i = 0; i < count; ++i) {
+    const double x = 20 + i % 30 * 22, y = 20 + i / 30 * 44;
+    const hsPoint a = At(x, y), b = At(x + 17.3, y + 28.6), c = At(x + 4.2, y + 3.4), d = At(x + 13.1, y + 25.2);
+    const hsRect outer{a.fX, a.fY, b.fX, b.fY}, inner{c.fX, c.fY, d.fX, d.fY};
+    path.AddOval(&outer);
+    path.AddOval(&inner, true);
+  }
   return path;
 }
 
@@ -93,12 +99,38 @@ hsPath Blob() {
   return path;
 }
 
+// A ring of so many waves.
+hsPath Waves(int count) {
+  const auto on = [count](double wave, double radius) {
+    const double angle = 2 * kPi * wave / count;
+    return At(360 + radius * std::sin(angle), 240 - radius * std::cos(angle));
+  };
+  hsPath path;
+  path.MoveTo(on(0, 180));
+  for (int i = 0; i < count; ++i) path.CurveTo(on(i + 0.33, 230), on(i + 0.67, 130), on(i + 1, 180));
+  path.Close();
+  return path;
+}
+
 const hsPath& Shape(int index) {
   static const hsPath kShapes[] = {
-      Star(12, 360, 240, 230, 140), Triangles(200, 30), Scribble(40), Circle(220), Letters(), Blob()};
+      Star(12, 360, 240, 230, 140), Triangles(200, 30), Scribble(40), Circle(220), Letters(300), Blob()};
   return kShapes[index];
 }
+
+// Shape(index), made of more and more.
+hsPath ShapeOf(int index, int count) {
+  switch (index) {
+    case 0: return Star(count, 360, 240, 230, 140);
+    case 1: return Triangles(count, 30);
+    case 2: return Scribble(count);
+    case 3: return Circles(count);
+    case 4: return Letters(count);
+    default: return Waves(count);
+  }
+}
 constexpr const char* kNames[] = {"star", "triangles", "scribble", "circle", "letters", "blob"};
+constexpr int kFewest[] = {12, 20, 4, 1, 3, 5};  // of which growing shapes are made
 constexpr int kShapeCount = 6;
 
 void ToCairo(const hsPath& path, cairo_t* cairo) {
@@ -231,18 +263,14 @@ void HairCairo(benchmark::State& state, const hsPath& path) {
   cairo.CountInked(state);
 }
 
-// range(0): the points of a star.
-hsPath StarOf(const benchmark::State& state) { return Star(int(state.range(0)), 360, 240, 230, 140); }
-void PointsFill(benchmark::State& state) { FillOurs(state, StarOf(state), false); }
-void PointsAntiFill(benchmark::State& state) { FillOurs(state, StarOf(state), true); }
-void PointsStroke(benchmark::State& state) { StrokeOurs(state, StarOf(state), 6, false); }
-void PointsAntiStroke(benchmark::State& state) { StrokeOurs(state, StarOf(state), 6, true); }
-void PointsHair(benchmark::State& state) { HairOurs(state, StarOf(state)); }
-BENCHMARK(PointsFill)->Name("points/fill")->Arg(12)->Arg(120)->Arg(1200)->Unit(benchmark::kMicrosecond);
-BENCHMARK(PointsAntiFill)->Name("points/antifill")->Arg(12)->Arg(120)->Arg(1200)->Unit(benchmark::kMicrosecond);
-BENCHMARK(PointsStroke)->Name("points/stroke")->Arg(12)->Arg(120)->Arg(1200)->Unit(benchmark::kMicrosecond);
-BENCHMARK(PointsAntiStroke)->Name("points/antistroke")->Arg(12)->Arg(120)->Arg(1200)->Unit(benchmark::kMicrosecond);
-BENCHMARK(PointsHair)->Name("points/hair")->Arg(12)->Arg(120)->Arg(1200)->Unit(benchmark::kMicrosecond);
+// Fewest, ten and a hundred times as many.
+void RegisterGrowth(const std::string& name, int shape, void (*run)(benchmark::State&, const hsPath&)) {
+  auto* const bench =
+      benchmark::RegisterBenchmark(("growth/" + name + "/" + kNames[shape]).c_str(),
+                                   [=](benchmark::State& state) { run(state, ShapeOf(shape, int(state.range(0)))); });
+  for (const int times : {1, 10, 100}) bench->Arg(kFewest[shape] * times);
+  bench->Unit(benchmark::kMicrosecond);
+}
 
 void Register(const std::string& name, const std::function<void(benchmark::State&)>& ours,
               const std::function<void(benchmark::State&)>& cairos) {
@@ -266,6 +294,16 @@ const bool kRegistered = [] {
     Register(
         std::string("hair/") + kNames[i], [=](benchmark::State& state) { HairOurs(state, Shape(i)); },
         [=](benchmark::State& state) { HairCairo(state, Shape(i)); });
+  }
+  for (int i = 0; i < kShapeCount; ++i) {
+    RegisterGrowth("fill", i, [](benchmark::State& state, const hsPath& path) { FillOurs(state, path, false); });
+    RegisterGrowth("antifill", i, [](benchmark::State& state, const hsPath& path) { FillOurs(state, path, true); });
+  }
+  for (const int i : {0, 2, 3, 5}) {
+    RegisterGrowth("stroke", i, [](benchmark::State& state, const hsPath& path) { StrokeOurs(state, path, 6, false); });
+    RegisterGrowth("antistroke", i,
+                   [](benchmark::State& state, const hsPath& path) { StrokeOurs(state, path, 6, true); });
+    RegisterGrowth("hair", i, HairOurs);
   }
   return true;
 }();

@@ -17,6 +17,7 @@
 
 #include FT_FREETYPE_H
 
+#include "t2k/fontbuilder.h"
 #include "t2k/glyph.h"
 #include "t2k/t2k.h"
 
@@ -39,9 +40,10 @@ const std::vector<uint8_t>& FontBytes(int64_t font) {
 
 class Engine {
  public:
-  explicit Engine(int64_t font) {
+  explicit Engine(int64_t font) : Engine(FontBytes(font)) {}
+  explicit Engine(const std::vector<uint8_t>& bytes) {
     mem_ = tsi_NewMemhandler(&err);
-    in_ = New_InputStream3(mem_, FontBytes(font).data(), uint32_t(FontBytes(font).size()), &err);
+    in_ = New_InputStream3(mem_, bytes.data(), uint32_t(bytes.size()), &err);
     font_ = New_sfntClass(mem_, kFontTypeSfnt, 0, in_, nullptr, &err);
     if (font_) t = NewT2K(mem_, font_, &err);
   }
@@ -202,6 +204,52 @@ void PeersFirstGlyph(benchmark::State& state) {
     benchmark::DoNotOptimize(peer.face->glyph->bitmap.buffer);
   }
 }
+
+// ---- growth
+
+// Stars, drawn in curves.
+Bytes FontOfStars(int glyphs, int points) {
+  FontContour star;
+  for (int i = 0; i < points; ++i) {
+    const double angle = 2 * std::acos(-1) * i / points, radius = i % 2 ? 250 : 400;
+    star.push_back({int(std::lround(400 + radius * std::sin(angle))), int(std::lround(400 + radius * std::cos(angle))),
+                    i % 2 == 0});
+  }
+  SfntBuilder font;
+  for (int i = 0; i < glyphs; ++i) font.AddContours({star}, 800);
+  font.characters['g'] = glyphs - 1;
+  return font.Build();
+}
+
+// range(0): the points of the glyph.
+void GlyphOfPoints(benchmark::State& state, int level, int cmd) {
+  const Bytes bytes = FontOfStars(2, int(state.range(0)));
+  Engine engine(bytes);
+  engine.SetSize(24);
+  for (auto _ : state) engine.Render(1, level, cmd | kT2KByIndex);
+  if (engine.err) state.SkipWithError("the glyph failed");
+}
+
+// range(0): the glyphs of the font.
+void OpenFontOfGlyphs(benchmark::State& state, bool render) {
+  const Bytes bytes = FontOfStars(int(state.range(0)), 12);
+  for (auto _ : state) {
+    Engine engine(bytes);
+    if (render) {
+      engine.SetSize(20);
+      engine.Render('g', 3, kT2KBitmap);
+    }
+    benchmark::DoNotOptimize(engine.t);
+    if (engine.err) return state.SkipWithError("the font failed");
+  }
+}
+
+BENCHMARK_CAPTURE(GlyphOfPoints, grey, 3, kT2KBitmap)->Name("growth/grey")->Arg(12)->Arg(120)->Arg(1200);
+BENCHMARK_CAPTURE(GlyphOfPoints, outlines, 0, 0)->Name("growth/outlines")->Arg(12)->Arg(120)->Arg(1200);
+BENCHMARK_CAPTURE(OpenFontOfGlyphs, open, false)->Name("growth/open")->Arg(60)->Arg(600)->Arg(6000);
+BENCHMARK_CAPTURE(OpenFontOfGlyphs, first, true)->Name("growth/first_glyph")->Arg(60)->Arg(600)->Arg(6000);
+
+// ---- beside the other
 
 // Whole walks over a font, so that every run times the same glyphs.
 void EachFontAndSize(benchmark::internal::Benchmark* bench) {

@@ -23,10 +23,13 @@ size_t Inked(const std::vector<uint16_t>& pixels) {
   return size_t(std::count_if(pixels.begin(), pixels.end(), [](uint16_t p) { return p != 0; }));
 }
 
-// range(0): the size in pixels; range(1): grey or bits.
-void BM_DrawText(benchmark::State& state) {
+// Of the text again and again, 60 characters a line. Returns the inked pixels, 0 after an error.
+double DrawText(benchmark::State& state, int size, bool grey, uint32_t characters) {
   static const uint32_t font = hsGFontRegistry::RegisterFile(kFont, 0);
-  if (font == 0) return state.SkipWithError("no font");
+  if (font == 0) {
+    state.SkipWithError("no font");
+    return 0;
+  }
   std::vector<uint16_t> pixels(kWidth * kHeight);
   hsGBitmap bitmap;
   bitmap.SetConfig(hsGBitmap::kConfig_RGB16);
@@ -36,18 +39,29 @@ void BM_DrawText(benchmark::State& state) {
   bitmap.fImage = pixels.data();
   hsGRasterDevice device;
   device.SetBitmap(&bitmap);
-  hsGAttribute paint(state.range(1) ? uint32_t{hsGAttribute::kAntiAlias} : 0);
+  hsGAttribute paint(grey ? uint32_t{hsGAttribute::kAntiAlias} : 0);
   paint.SetColor(0xFFFF, 0xE000, 0x8000, 0x4000);
   paint.SetFontID(font);
   paint.SetTextEncoding(hsGAttribute::kUTF8);
-  paint.SetTextSize(hsIntToFixed(int(state.range(0))));
+  paint.SetTextSize(hsIntToFixed(size));
   for (auto _ : state) {
-    device.DrawText(kLength, kText, hsIntToFixed(kX), hsIntToFixed(kBaseline), &paint);
+    for (uint32_t at = 0; at < characters; at += kLength)
+      device.DrawText(std::min(kLength, characters - at), kText, hsIntToFixed(kX),
+                      hsIntToFixed(kBaseline + int(at / kLength) * 20), &paint);
     benchmark::ClobberMemory();
   }
   device.SetBitmap(nullptr);
-  state.counters["inked"] = double(Inked(pixels));
+  return double(Inked(pixels));
 }
+
+// range(0): the size in pixels; range(1): grey or bits.
+void BM_DrawText(benchmark::State& state) {
+  const double inked = DrawText(state, int(state.range(0)), state.range(1), kLength);
+  if (inked > 0) state.counters["inked"] = inked;
+}
+
+// range(0): how many.
+void BM_Characters(benchmark::State& state, bool grey) { DrawText(state, 12, grey, uint32_t(state.range(0))); }
 
 void BM_CairoShowText(benchmark::State& state) {
   if (!PeerFace(kFont)) return state.SkipWithError("no font");
@@ -76,6 +90,8 @@ void BM_CairoShowText(benchmark::State& state) {
 }
 
 BENCHMARK(BM_DrawText)->Name("text")->ArgsProduct({{12, 20, 32}, {1, 0}})->ArgNames({"size", "grey"});
+BENCHMARK_CAPTURE(BM_Characters, grey, true)->Name("characters/grey")->Arg(6)->Arg(60)->Arg(600);
+BENCHMARK_CAPTURE(BM_Characters, bits, false)->Name("characters/bits")->Arg(6)->Arg(60)->Arg(600);
 BENCHMARK(BM_CairoShowText)->Name("text/cairo")->ArgsProduct({{12, 20, 32}, {1, 0}})->ArgNames({"size", "grey"});
 
 }  // namespace
