@@ -25,7 +25,10 @@ std::vector<fs::path> readableAround(const std::string& page) {
 FileAccess accessOf(const RunLimits& limits) {
   FileAccess access;
   access.readAnywhere = access.writeAnywhere = limits.reach == FileReach::all;
-  if (!access.readAnywhere) access.largest = kLargestFile, access.mostWritten = kMostWritten;
+  if (!access.readAnywhere) {
+    access.largest = kLargestFile;
+    access.mostWritten = kMostWritten;
+  }
   access.scriptsWriteFiles = !limits.readOnly;
   access.scriptsOpenFiles = limits.reach != FileReach::none;
   return access;

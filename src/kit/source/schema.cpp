@@ -119,11 +119,9 @@ std::string whyNumberIsRefused(ObjectKind kind, std::string_view type, std::stri
 }
 
 bool isMisspeltType(ObjectKind kind, std::string_view name) {
-  static const std::vector<std::string> kOfRoots = attributeNames(ObjectKind::root, ""),
-                                        kOfWidgets = attributeNames(ObjectKind::widget, "");
-  if (kind != ObjectKind::root && kind != ObjectKind::widget) return false;
-  const auto& known = kind == ObjectKind::root ? kOfRoots : kOfWidgets;
-  return whatHas(name).empty() && nearestWord(name, known) == "type";
+  const bool isWidget = kind == ObjectKind::root || kind == ObjectKind::widget;
+  if (!isWidget || nearestWord(name, {"type"}).empty()) return false;  // most names are nowhere near
+  return whatHas(name).empty() && nearestWord(name, attributeNames(kind, "")) == "type";
 }
 
 ObjectKind tableObjectKind(AttributeForm form) {
