@@ -125,9 +125,9 @@ class Client:
         return aside.decode()
 
 
-def begin(kpg, folder, breakpoints=(), errors=False, **launch):
-    """breakpoints: (file, line) or (file, line, more arguments)."""
-    client = Client(kpg, folder)
+def begin(kpg, folder, breakpoints=(), errors=False, options=(), **launch):
+    """breakpoints: (file, line) or (file, line, more arguments). options: of kpg dap."""
+    client = Client(kpg, folder, *options)
     assert client.ask('initialize', adapterID='bob', linesStartAt1=True)['supportsConfigurationDoneRequest']
     client.event('initialized')
     client.ask('launch', program='page.yaml', **launch)
@@ -276,6 +276,17 @@ def runs_what_a_project_makes(kpg, folder):
     assert 'glyph cache' in client.end()
 
 
+def holds_the_page_to_its_limits(kpg, folder):
+    (folder.parent / 'secret.txt').write_text('secret')
+    for options, name in (((), '../secret.txt'), (('--files', 'none'), 'tools.bob')):
+        client = begin(kpg, folder, options=options, steps=[{'eval': f'new File("{name}", "r") ? 1 : 0;'}])
+        output = ''
+        while '-->' not in output:
+            output += client.event('output')['output']
+        assert f"'{name}' is not opened: " in output and '--> 0' in output, output
+        client.end()
+
+
 def refuses(kpg, folder):
     client = Client(kpg, folder)
     assert 'no request' in client.fails('frobnicate')
@@ -298,9 +309,10 @@ def refuses(kpg, folder):
 def main():
     kpg = pathlib.Path(sys.argv[1]).resolve()
     for test in (breaks_steps_and_shows, stops_where_it_is_told, pauses_and_enters, counts_statements_of_a_line_as_one,
-                 runs_what_a_project_makes, refuses):
+                 runs_what_a_project_makes, holds_the_page_to_its_limits, refuses):
         with tempfile.TemporaryDirectory() as name:
-            folder = pathlib.Path(name).resolve()
+            folder = pathlib.Path(name).resolve() / 'page'
+            folder.mkdir()
             (folder / 'page.yaml').write_text(PAGE)
             (folder / 'tools.bob').write_text(TOOLS)
             test(kpg, folder)

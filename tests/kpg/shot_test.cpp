@@ -207,6 +207,10 @@ TEST_F(ShotTest, AStrangersPageIsKeptToItsFolder) {
     EXPECT_EQ(out, refusedReading + "--> 0\n--> 1\n" + refusedWriting + "--> 0\n--> 1\n");
   }
   EXPECT_FALSE(std::filesystem::exists("made.txt"));
+  EXPECT_EQ(kpg("shot pages/p.kpg --log - --eval 'new File(\"..\\\\Pages/OWN.txt\", \"r\") ? 1 : 0;'"), 0) << err;
+  EXPECT_EQ(out, "--> 1\n");
+  EXPECT_EQ(kpg("profile pages/p.kpg" + lines), 0) << err;
+  EXPECT_EQ(err, refusedReading + refusedWriting);
   EXPECT_EQ(kpg("shot pages/p.kpg --files none --log -" + lines), 0) << err;
   EXPECT_EQ(out.find("--> 1"), std::string::npos) << out;
   EXPECT_EQ(kpg("shot pages/p.kpg --files all --log -" + lines), 0) << err;

@@ -69,6 +69,20 @@ test('files in memory come first, in whatever case', async () => {
   assert.equal(player.key('Fire'), false);
 });
 
+test('scripts open files unless they are kept from them', async () => {
+  const player = await Player.start(startModule, {wasmBinary});
+  player.put('/pages/notes.txt', new TextEncoder().encode('secret'));
+  player.open('/pages/none.kpg');  // which makes the folder the page's
+  const read = () => {
+    player.type('new File("/pages/notes.txt", "r").GetC();');
+    player.run(0);
+    return player.log();
+  };
+  assert.match(read(), /--> 115/);
+  player.keepFilesFromScripts();
+  assert.match(read(), /'\/pages\/notes.txt' is not opened: scripts may open no files/);
+});
+
 test('the next call is due when a timer is', async () => {
   const player = await Player.start(startModule, {wasmBinary, fetchFile: fromDisk});
   player.run(0);
