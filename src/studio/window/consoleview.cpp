@@ -16,12 +16,25 @@
 namespace {
 
 constexpr int kMostLines = 20000;
+constexpr size_t kMostText = 4 << 20;  // bytes that are shown at once
 constexpr size_t kMostHistory = 500;
 constexpr int kMostOffered = 60;                         // words
 constexpr int kInkProperty = QTextFormat::UserProperty;  // of a piece of text
 
 // The console's characters are bytes, and are shown as such.
 QString textOf(std::string_view bytes) { return QString::fromLatin1(bytes.data(), qsizetype(bytes.size())); }
+
+// Where what is worth showing begins: of more lines the output would throw the first away again.
+size_t beginOfLast(std::string_view log) {
+  const size_t least = log.size() - std::min(log.size(), kMostText);
+  size_t begin = log.size();
+  for (int lines = 0; lines < kMostLines; ++lines) {
+    if (begin <= least) return least;
+    begin = log.rfind('\n', begin - 1);
+    if (begin == log.npos) return least;
+  }
+  return std::max(begin + 1, least);
+}
 
 }  // namespace
 
@@ -81,7 +94,7 @@ void ConsoleView::setLog(uint64_t now, const std::string& log, const std::vector
     opening = now;
     seen = 0;
   }
-  size_t at = seen;
+  size_t at = std::max(seen, beginOfLast(log));
   for (const std::string_view complaint : complaints) {
     const size_t begin = size_t(complaint.data() - log.data()), end = begin + complaint.size();
     if (end <= at) continue;

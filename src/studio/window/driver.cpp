@@ -6,10 +6,9 @@
 
 namespace {
 
-constexpr int kTick = 15;            // milliseconds
-constexpr qint64 kServeAfter = 50;   // milliseconds of running on, until the windows are served
-constexpr double kMostOwed = 250;    // of the page; what a slow machine can't do is not made up for
-constexpr size_t kMostMemory = 512;  // megabytes, what the windows keep of the page among them
+constexpr int kTick = 15;           // milliseconds
+constexpr qint64 kServeAfter = 50;  // milliseconds of running on, until the windows are served
+constexpr double kMostOwed = 250;   // of the page; what a slow machine can't do is not made up for
 
 }  // namespace
 
@@ -23,7 +22,7 @@ PageDriver::PageDriver(const std::string& p, FileReach reach)
 SessionOptions PageDriver::sessionOptions(FileReach reach) {
   SessionOptions options;
   options.reach = reach;
-  options.limitMemory = kMostMemory;
+  options.limitMemory = kUsualMemory;  // what the windows keep of the page among it
   options.lines = true;
   options.prepare = [this](PageRun& run) {
     player = &run.player();
