@@ -164,10 +164,10 @@ TEST_F(BuildFaultsTest, AFileThatFailsLeavesTheFirstBuildWhole) { buildWithFault
 // Which call fails is another one each time; what matters is that no thread is left alone with it.
 TEST_F(BuildFaultsTest, ThreadsEndWhateverFailsOnThem) {
   const Contents whole = builtOf(1);
+  fs::remove_all(at("build"));
   eachFails<FailingAllocation>(
       797,
       [&] {
-        fs::remove_all(at("build"));
         try {
           build(4);
         } catch (const KitError& e) {
@@ -177,6 +177,7 @@ TEST_F(BuildFaultsTest, ThreadsEndWhateverFailsOnThem) {
       [&] {
         ASSERT_NO_THROW(build(4));
         ASSERT_TRUE(built() == whole);
+        fs::remove_all(at("build"));
       });
 }
 
