@@ -137,9 +137,13 @@ class PageWatch {
     if (const auto& picture = shown.picture) writePng(options.output, picture->width, picture->height, picture->pixels);
   }
 
+  // A page that reads what it writes opens itself again and again, so all that its scripts write counts as one run's.
   Shown open() {
     PageRun page(options);
-    const auto noteFiles = [&] {
+    uintmax_t& writtenNow = page.player().shell.writtenByScripts;
+    writtenNow = written;
+    const auto noteRun = [&] {
+      written = writtenNow;
       dependencies.clear();
       for (const std::string& file : page.dependencies()) dependencies.emplace_back(file);
     };
@@ -148,10 +152,10 @@ class PageWatch {
       if (!page.load(options.page, warn)) throw page.refusal(options.page);
       for (const PageAction& action : options.actions) page.act(action);
     } catch (const KitError&) {
-      noteFiles();
+      noteRun();
       throw;
     }
-    noteFiles();
+    noteRun();
     opened = files.pageOf(options.page);
     for (const std::string& complaint : page.complaintsWithPlaces()) say(complaint);
     if (!page.stopped().empty()) throw KitError(options.page, page.stopped());
@@ -166,6 +170,7 @@ class PageWatch {
   std::vector<fs::path> dependencies;
   std::vector<std::string> messages;   // of the last attempt
   fs::path opened;                     // the page as the player opens it; empty while it can't
+  uintmax_t written = 0;               // bytes, by the page's scripts since the beginning
   std::mutex playing;                  // the files
   std::unique_ptr<PageServer> server;  // goes first, as it asks for the files
 };

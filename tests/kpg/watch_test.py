@@ -8,6 +8,35 @@ import time
 
 PAGE = 'flags: 16bit\npage: {type: group, width: 720, height: 480, bgColor: "%s", start: a, children: [{type: %s, name: a}]}\n'
 
+# Reads what it writes, a half of what scripts may write each time, so that it opens itself again.
+WRITER = r"""flags: 16bit
+page:
+  width: 720
+  height: 480
+  onLoad: |
+    text = "12345678";
+    while (text.size < 16384) text = text + text;
+    file = new File("own.txt", "a");
+    for (i = 0; i < 2048; i++) file.Display(text);
+    file.Close();
+    new File("own.txt", "r");
+"""
+
+
+def check_writing(kpg):
+    with tempfile.TemporaryDirectory() as name:
+        folder = pathlib.Path(name)
+        (folder / 'page.yaml').write_text(WRITER)
+        watch = subprocess.Popen([kpg, 'watch', 'page.yaml', '-o', 'page.png'], cwd=folder, stdout=subprocess.PIPE,
+                                 text=True)
+        try:
+            while not watch.stdout.readline().startswith('Scripts may write no more'):
+                assert (folder / 'own.txt').stat().st_size <= 64 << 20
+        finally:
+            watch.send_signal(signal.SIGINT)
+        watch.communicate(timeout=60)
+        assert (folder / 'own.txt').stat().st_size <= 64 << 20
+
 
 def main():
     kpg = pathlib.Path(sys.argv[1]).resolve()
@@ -44,6 +73,7 @@ def main():
         assert sorted(p.name for p in folder.iterdir()) == ['page.png', 'page.yaml'], list(folder.iterdir())
         refused = subprocess.run([kpg, 'watch', 'page.yaml', '-o', 'page.yaml'], cwd=folder, stderr=subprocess.PIPE)
         assert refused.returncode == 1 and source.read_text().startswith('flags')
+    check_writing(kpg)
 
 
 if __name__ == '__main__':

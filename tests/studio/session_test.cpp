@@ -53,6 +53,29 @@ std::string settings(const std::string& color, const std::string& first, const s
          brightness + ", navigate: leftRight, up: contrast}]}\n";
 }
 
+// A page that reads what it writes is opened anew for each write.
+TEST_F(SessionTest, WhatScriptsWriteCountsOverAllOpenings) {
+  const auto page = [this](const std::string& rest) {
+    write(
+        "p.yaml",
+        "flags: 16bit\npage:\n  onLoad: |\n    f = new File(\"own.txt\", \"w\");\n    f.Display(\"12345\");\n" + rest);
+  };
+  const auto written = [](Session& session) { return session.run()->player().shell.writtenByScripts; };
+  page("");
+  Session session(at("p.yaml"));
+  ASSERT_TRUE(session.restart());
+  const uintmax_t once = written(session);
+  EXPECT_GE(once, 5u);
+  ASSERT_TRUE(session.reload());
+  EXPECT_EQ(written(session), once + 5) << "the file is there";
+  session.act({PageAction::eval, "f.PutC(65);"});
+  page("  children: {}\n");
+  EXPECT_FALSE(session.restart());
+  page("");
+  ASSERT_TRUE(session.restart());
+  EXPECT_EQ(written(session), once + 11);
+}
+
 TEST_F(SessionTest, WhatWasDoneSurvivesASave) {
   write("p.yaml", settings("#000000", "volume"));
   Session session(at("p.yaml"));

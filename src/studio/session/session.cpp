@@ -25,6 +25,9 @@ std::unique_ptr<PageRun> Session::open() {
   PageRunOptions runOptions = options;
   runOptions.files = &files;
   auto run = std::make_unique<PageRun>(runOptions);
+  const auto writtenIn = [](PageRun& r) -> uintmax_t& { return r.player().shell.writtenByScripts; };
+  if (current) written = std::max(written, writtenIn(*current));
+  writtenIn(*run) = written;
   if (options.prepare) options.prepare(*run);
   bool loaded = false;
   try {
@@ -33,6 +36,7 @@ std::unique_ptr<PageRun> Session::open() {
   } catch (const KitError& e) {
     problems = e.messages;
   }
+  written = writtenIn(*run);
   read.clear();
   for (const std::string& file : run->dependencies()) read.push_back(file);
   return loaded ? std::move(run) : nullptr;

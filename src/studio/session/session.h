@@ -63,7 +63,8 @@ class Session {
   LiveFiles files;
   std::unique_ptr<PageRun> current;
   uint64_t timesOpened = 0;
-  KeptState opened;  // right after the load
+  uintmax_t written = 0;  // bytes, by scripts in all runs: a page that writes what it reads is opened again and again
+  KeptState opened;       // right after the load
   Recording done;
   std::vector<KitMessage> problems, remarks;
   std::vector<std::filesystem::path> read;  // by the last attempt to open the page
