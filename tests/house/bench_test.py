@@ -46,6 +46,24 @@ class Rows(unittest.TestCase):
             self.assertTrue(any(row.title.startswith(begin) for row in rows.ROWS), begin)
 
 
+class Report(unittest.TestCase):
+    def remarks(self, times, remark=None):
+        row = rows.Growth('area', 'work', 'points', 'program', 'name', (10, 100, 1000), remark)
+        return report.growth_remarks([(row, times)])
+
+    def test_what_outgrows_its_work_is_remarked_on(self):
+        self.assertEqual(self.remarks([1, 14, 200]), [])  # by less than the logarithm
+        self.assertEqual(self.remarks([1, 10, 350]), ['- work: not explained yet.'])
+        self.assertEqual(self.remarks([50, 60, 1000]), ['- work: not explained yet.'])  # which the first cost hides
+        self.assertEqual(self.remarks([1, 10, 350], 'why.'), ['- work: why.'])
+        self.assertEqual(self.remarks([1, 10, 110], 'why.'), [])
+
+    def test_a_missed_aim_without_a_reason_shows(self):
+        self.assertEqual(report.reasons(['Region union', 'Region difference', 'work']),
+                         [f'- Region union: {rows.REASONS["Region union"]}', '- Region difference: as for the union.',
+                          '- work: not explained yet.'])
+
+
 class Fake:
     """A row whose figures are given for each build, call after call; the last ones again and again."""
 
