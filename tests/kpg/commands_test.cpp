@@ -172,6 +172,11 @@ TEST_F(CommandsTest, PrintsWhatAFontHolds) {
   EXPECT_EQ(out, "Error loading font 'none.ttf'\n");
   EXPECT_TRUE(err.ends_with("\nheadless.ttf: the player can't draw with it: it has no 'head' table\n"));
 
+  WriteFile("table.ttf",
+            {0, 1, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 'c', 'm', 'a', 'p', 0, 0, 0, 0, 0, 0, 0, 28, 0, 0, 0, 4, 0, 0, 0, 0});
+  EXPECT_EQ(kpg("font table.ttf"), 1);
+  EXPECT_EQ(err, "table.ttf: the player can't draw with it: it has no 'head' table\n");
+
   font.resize(200);
   WriteFile("cut.ttf", font);
   EXPECT_EQ(kpg("font cut.ttf --out none.png"), 1);

@@ -94,7 +94,7 @@ void printTables(hsSfntBytes directory, std::ostream& out) {
   out << "\n";
 }
 
-// The first of the tables without which the engine opens no font that isn't there.
+// The first of the tables without which the engine draws with no outlines that isn't there.
 std::string missingTable(hsSfntBytes bytes) {
   for (const uint32_t tag : {hsTag("head"), hsTag("hhea"), hsTag("maxp")}) {
     uint32_t length = 0;
@@ -158,8 +158,9 @@ FontReport reportFont(const std::string& path) {
   const OpenedFont opened(bytes);
   if (opened.scaler) printMeasures(opened, out);
   out << "opens: " << (opened.scaler ? "yes" : "no") << "\n";
-  if (opened.scaler) return {out.str(), ""};
+  // One without these tables may open all the same, and then draws nothing.
   const std::string missing = kind == FontKind::sfnt ? missingTable(bytes) : "";
+  if (opened.scaler && (missing.empty() || GetNumGlyphs(opened.font) > 0)) return {out.str(), ""};
   return {out.str(), "the player can't draw with it: " +
                          (missing.empty() ? reasonOf(opened.error) : "it has no '" + missing + "' table")};
 }
