@@ -43,16 +43,20 @@ class TreeBuilder : public YAML::EventHandler {
     node.kind = YamlNode::Kind::scalar;
     node.text = value;
     const size_t begin = beginOf(mark);
-    const char indicator = begin < text.size() ? text[begin] : '\0';
+    const char indicator = indicatorAt(begin, value.empty() && begin != size_t(mark.pos));
     node.style = indicator == '|'                        ? YamlNode::Style::block
                  : indicator == '>'                      ? YamlNode::Style::folded
                  : indicator == '"' || indicator == '\'' ? YamlNode::Style::quoted
                                                          : YamlNode::Style::plain;
     node.tag = shortTag(tag);
+    if (!value.empty())
+      node.textLine +=
+          int(std::count(text.begin() + mark.pos, text.begin() + long(std::min(begin, text.size())), '\n'));
+    const int line = node.textLine;
     if (indicator == '|' || indicator == '>') ++node.textLine;
-    if ((indicator == '"' || indicator == '\'') && !isClosed(mark, indicator))
+    if ((indicator == '"' || indicator == '\'') && !isClosed(begin, indicator))
       fail(mark, std::string("the quote ") + indicator + " is never closed");
-    if (indicator != '|') node.textLines = foldedLines(node, text, begin, node.place.line);
+    if (indicator != '|') node.textLines = foldedLines(node, text, begin, line);
     leaf(std::move(node), anchor);
   }
 
@@ -107,17 +111,39 @@ class TreeBuilder : public YAML::EventHandler {
   // Where the scalar itself begins, after its tag and anchor: at the character by which its style is known.
   size_t beginOf(const YAML::Mark& mark) const {
     size_t at = size_t(mark.pos);
-    while (at < text.size() && (text[at] == '!' || text[at] == '&')) {
-      at = text.find_first_of(" \t\n", at);
-      at = text.find_first_not_of(" \t", at);
-    }
+    while (at < text.size() && (text[at] == '!' || text[at] == '&'))
+      at = nextOf(text[at] == '&' ? text.find_first_of(" \t\n", at) : endOfTag(at));
     return at;
   }
 
-  // The parser takes the end of the file for the end of a quoted text.
-  bool isClosed(const YAML::Mark& mark, char quote) const {
-    size_t at = text.find(quote, size_t(mark.pos));
-    for (at = at == std::string::npos ? text.size() : at + 1; at < text.size(); ++at) {
+  // The character by which the style of the scalar that begins there is known, if it has one. A tag can stand alone,
+  // and then what comes next is another node.
+  char indicatorAt(size_t begin, bool canBeNone) const {
+    if (begin >= text.size()) return '\0';
+    const char c = text[begin];
+    const bool isQuote = c == '"' || c == '\'';
+    return canBeNone && isQuote && (begin + 1 == text.size() || text[begin + 1] != c) && isClosed(begin, c) ? '\0' : c;
+  }
+
+  // A tag ends before what can't be in one, white space or not.
+  size_t endOfTag(size_t at) const {
+    if (text.compare(at, 2, "!<") == 0) return text.find_first_of(">\n", at);
+    return text.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-!#;/?:@&=+$_.~*'()%",
+                                  at);
+  }
+
+  // The first place from `at` on, which may be npos, that is neither white space nor a comment's.
+  size_t nextOf(size_t at) const {
+    for (;;) {
+      at = text.find_first_not_of(" \t\n", at);
+      if (at == std::string::npos || text[at] != '#') return at;
+      at = text.find('\n', at);
+    }
+  }
+
+  // The parser takes the end of the file for the end of a quoted text, which begins there.
+  bool isClosed(size_t begin, char quote) const {
+    for (size_t at = begin + 1; at < text.size(); ++at) {
       if (quote == '"' && text[at] == '\\') {
         ++at;
       } else if (text[at] == quote) {

@@ -71,8 +71,8 @@ class YamlWriter {
     const std::string& text = node.text;
     if (tag.empty() && canFollowBar(text)) {  // the parser fails at a tag and a bar in a list
       block(text, indent);
-    } else if (node.style == YamlNode::Style::plain && (isPlainText(text) || (text.empty() && !tag.empty()))) {
-      out += tag + (text.empty() ? "" : " ") + text + "\n";
+    } else if (node.style == YamlNode::Style::plain && isPlainText(text)) {
+      out += tag + " " + text + "\n";
     } else {
       out += tag + " " + quotedYaml(text) + "\n";
     }

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "kit/errors.h"
+#include "kit/yaml/writeyaml.h"
+#include "support/sameyaml.h"
 
 namespace {
 
@@ -36,6 +38,17 @@ TEST(ReadYaml, NodesKnowWhereTheyWereWrittenAndHow) {
             "{a=q'1'@1:4+1 b=b'x\n'@2:4+3}");
   EXPECT_EQ(shown(parseYaml("f", "")), "null@1:1");
   EXPECT_EQ(shown(parseYaml("f", "# nothing\n---\n")), "null@3:1");
+}
+
+// A tag may end where a quote begins, stand lines above its text, or have none.
+TEST(ReadYaml, ATextBeginsAfterItsTagWhereverThatIs) {
+  EXPECT_EQ(shown(parseYaml("f", "a: !t\nb: !u # why\n  \"two\n  lines\"\nc: !v'q'\n\"d\": !w\"r\"\n")),
+            "{a=!tp''@1:4+1 b=!uq'two lines'@2:4+3 c=!v'q'p''@5:4+5 d=!wq'r'@6:6+6}");
+  for (const char* text : {"!t", "!t 'x'", "a: !t\n\"b\": 1\n", "- !t\n- !t >\n"}) {
+    const YamlNode node = parseYaml("f", text);
+    EXPECT_TRUE(isSameYaml(parseYaml("f", writeYaml(node)), node)) << text;
+  }
+  EXPECT_EQ(errorOf("a: !t\"b\n"), "f.yaml:1: the quote \" is never closed");
 }
 
 TEST(ReadYaml, AnAliasIsACopyThatKeepsThePlaceOfItsAnchor) {
