@@ -381,8 +381,8 @@ REASONS = {
                        'in a pass of their own and storing without the blitter brought nothing.',
     'Stroke': 'of a star’s stroke half is walking edges and storing spans, a third the outline, whose shape is fixed to the bit; '
               'of a blob 40 in 100 is following curves, which change their line on nearly every row. Filling the ready outline '
-              'alone is 70 to 80 in 100 of the time, so with an outline for nothing only the circle would reach the aim; another '
-              'walk of the edges and one for each blitter brought nothing.',
+              'alone is 70 to 80 in 100 of the time, so an outline for nothing would bring the star and the scribble no nearer '
+              'than 0.6; another walk of the edges and one for each blitter brought nothing.',
     '40 lines of 60 characters, warm': 'each line is converted to RGB when it is drawn, which is a third or more; another third '
                                        'is storing the glyphs. The peer draws into the desktop’s own format and has nothing to '
                                        'convert; without that, this would reach the aim.',
