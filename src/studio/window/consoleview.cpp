@@ -94,7 +94,7 @@ void ConsoleView::setLog(uint64_t now, const std::string& log, const std::vector
     opening = now;
     seen = 0;
   }
-  size_t at = std::max(seen, beginOfLast(log));
+  size_t at = seen + beginOfLast(std::string_view(log).substr(seen));
   for (const std::string_view complaint : complaints) {
     const size_t begin = size_t(complaint.data() - log.data()), end = begin + complaint.size();
     if (end <= at) continue;
