@@ -94,7 +94,7 @@ void printTables(hsSfntBytes directory, std::ostream& out) {
   out << "\n";
 }
 
-// The first of the tables without which the engine draws with no outlines that isn't there.
+// The first missing table of those that the engine needs to draw outlines, or nothing.
 std::string missingTable(hsSfntBytes bytes) {
   for (const uint32_t tag : {hsTag("head"), hsTag("hhea"), hsTag("maxp")}) {
     uint32_t length = 0;
@@ -158,7 +158,7 @@ FontReport reportFont(const std::string& path) {
   const OpenedFont opened(bytes);
   if (opened.scaler) printMeasures(opened, out);
   out << "opens: " << (opened.scaler ? "yes" : "no") << "\n";
-  // One without these tables may open all the same, and then draws nothing.
+  // A font without one of these tables may still open, but then draws nothing.
   const std::string missing = kind == FontKind::sfnt ? missingTable(bytes) : "";
   if (opened.scaler && (missing.empty() || GetNumGlyphs(opened.font) > 0)) return {out.str(), ""};
   return {out.str(), "the player can't draw with it: " +
