@@ -12,11 +12,6 @@ constexpr uintptr_t kStackForPages = 2 << 20;  // bytes; the thread sanitizer ke
 constexpr uintptr_t kStackForPages = 4 << 20;  // bytes
 #endif
 
-uintptr_t stackPosition() {
-  const char here = 0;
-  return reinterpret_cast<uintptr_t>(&here);
-}
-
 }  // namespace
 
 void Graveyard::take(std::unique_ptr<Mortal> thing) noexcept {
@@ -26,7 +21,8 @@ void Graveyard::take(std::unique_ptr<Mortal> thing) noexcept {
 }
 
 bool Graveyard::stackSpent() const {
-  const uintptr_t here = stackPosition();
+  const char newest = 0;
+  const auto here = reinterpret_cast<uintptr_t>(&newest);
   return depth > 0 && (here < outermost ? outermost - here : here - outermost) > kStackForPages;
 }
 
