@@ -28,6 +28,7 @@ void addDapCommand(CommandLine& line) {
       .add("--attach", options->path,
            "The socket of a studio that was started with --dap, whose page is to be debugged")
       .type("PATH");
+  addReadOnly(command, *options);
   addSpaceLimits(command, *options);  // not of time: whoever debugs stops a script that doesn't end
   command.runs([options] { debug(*options); });
 }

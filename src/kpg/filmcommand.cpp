@@ -89,7 +89,7 @@ void addFilmCommand(CommandLine& line) {
   command.add("--last", options->last, "Stay so long on the last picture; 1000 by default")
       .between(0, 60000)
       .type("MS");
-  command.flag("--read-only", options->readOnly, "Let no script write a file");
+  addReadOnly(command, *options);
   addRunLimits(command, *options);
   addPageActions(command, [options](const PageAction& action) { options->actions.push_back(action); });
   command.runs([options] { film(*options); });

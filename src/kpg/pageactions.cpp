@@ -23,6 +23,10 @@ void addSpaceLimits(KpgCommand& command, RunLimits& limits) {
       .between(0, kMostMegabytes);
 }
 
+void addReadOnly(KpgCommand& command, RunLimits& limits) {
+  command.flag("--read-only", limits.readOnly, "Let no script write a file");
+}
+
 void addRunLimits(KpgCommand& command, RunLimits& limits) {
   addSpaceLimits(command, limits);
   limits.limitSeconds = 10;

@@ -8,6 +8,8 @@
 #include "kit/run/runlimits.h"
 #include "kpg/commandline.h"
 
+// --read-only, which tests have always.
+void addReadOnly(KpgCommand& command, RunLimits& limits);
 // What the page may use: --files and --max-memory, which is 128 by default.
 void addSpaceLimits(KpgCommand& command, RunLimits& limits);
 // Those, --timeout, which is 10 by default, and --max-steps.

@@ -87,6 +87,7 @@ void addProfileCommand(CommandLine& line) {
   command.add("page", options->page, "The page, or its source").required().type("PAGE.kpg|PAGE.yaml");
   command.add("--flame", options->flameGraph, "Where to write a flame graph").type("OUT.svg");
   command.add("--speedscope", options->speedscope, "Where to write a file for speedscope").type("OUT.json");
+  addReadOnly(command, *options);
   addRunLimits(command, *options);
   addPageActions(command, [options](const PageAction& action) { options->actions.push_back(action); });
   command.runs([options] { profile(*options); });

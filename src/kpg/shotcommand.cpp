@@ -148,7 +148,7 @@ void addShotCommand(CommandLine& line) {
       .type("FILE");
   command.flag("--lines", options->lines,
                "Say where scripts were written, as FILE:LINE, after the lines of tracebacks in the log and in errors");
-  command.flag("--read-only", options->readOnly, "Let no script write a file");
+  addReadOnly(command, *options);
   command.flag("--strict", options->strict,
                "End with status 1 if a script failed, a file was missing or the system refused anything");
   addRunLimits(command, *options);

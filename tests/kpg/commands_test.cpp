@@ -301,6 +301,7 @@ TEST_F(CommandsTest, ReadOnlyKeepsScriptsFromWriting) {
   EXPECT_EQ(kpg("shot p.kpg --read-only --log -" + lines), 0);
   const std::string refused = "' is not opened: scripts may write no files\n--> 0\n";
   EXPECT_EQ(out, "'new.txt" + refused + "'new.txt" + refused + "'new.txt" + refused + "'in.txt" + refused + "--> 1\n");
+  EXPECT_EQ(kpg("profile p.kpg --read-only" + lines), 0);
   EXPECT_FALSE(std::filesystem::exists("new.txt"));
   EXPECT_EQ(kpg("shot p.kpg --log -" + lines), 0);
   EXPECT_EQ(out, "--> 1\n--> 1\n--> 1\n--> 1\n--> 1\n");
