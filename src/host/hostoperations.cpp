@@ -91,6 +91,12 @@ bool isRegular(const fs::path& path) {
   return fs::is_regular_file(path, ignored);
 }
 
+// A pipe, a device, a socket: what no page opens.
+bool isSpecial(const fs::path& path) {
+  std::error_code ignored;
+  return fs::is_other(path, ignored);
+}
+
 // The entry of `folder` called `name` in whatever case; an empty path when there is none. Of several the first by
 // name, so that a page finds the same file each time.
 fs::path findIgnoringCase(const fs::path& folder, const std::string& name) {
@@ -117,6 +123,7 @@ fs::path plainPath(const char* name) {
   return text;
 }
 
+// What the name means, in whatever case, other than a folder; empty for nothing.
 fs::path resolve(const fs::path& path) {
   const fs::path asItStands = folder() / path;
   if (isRegular(asItStands)) return asItStands;
@@ -128,7 +135,7 @@ fs::path resolve(const fs::path& path) {
     found = fs::exists(next, ignored) ? next : findIgnoringCase(found, part.string());
     if (found.empty()) return {};
   }
-  return isRegular(found) ? found : fs::path();
+  return isRegular(found) || isSpecial(found) ? found : fs::path();
 }
 
 // The bytes of a file in memory, found by the same rules as one of the disk; null when there is none.
@@ -171,11 +178,15 @@ HostFile* hostOpen(const char* name) {
     refuse(name, "it is outside the folders that the page may read");
     return nullptr;
   }
+  if (shell && isSpecial(path)) {
+    refuse(name, "it is no plain file");
+    return nullptr;
+  }
   if (shell && !path.empty() && isLarger(path, shell->access.largest)) {
     refuse(name, "it is too large");
     return nullptr;
   }
-  if (!path.empty()) file->disk.reset(openFile(path, "rb"));
+  if (isRegular(path)) file->disk.reset(openFile(path, "rb"));
   if (!file->disk) {
     if (shell) shell->desktop.fileMissing(folder() / wanted);
     return nullptr;
@@ -238,8 +249,8 @@ bool hostLetsScriptWrite(uintmax_t bytes) {
   if (!shell) return true;
   const uintmax_t most = shell->access.mostWritten;
   if (shell->scriptsHaveWrittenAll) return false;
-  if (bytes <= most - shell->writtenByScripts) {
-    shell->writtenByScripts += bytes;
+  if (bytes <= most - *shell->writtenByScripts) {
+    *shell->writtenByScripts += bytes;
     return true;
   }
   shell->scriptsHaveWrittenAll = true;

@@ -60,7 +60,8 @@ class Shell : public Host {
   std::unique_ptr<MessageConsole> console;
   std::filesystem::path folder;  // where relative names lead; empty for where the program was started
   FileAccess access;
-  uintmax_t writtenByScripts = 0;  // bytes
+  uintmax_t written = 0;                   // bytes, by scripts
+  uintmax_t* writtenByScripts = &written;  // or where several openings count them together
   bool scriptsHaveWrittenAll = false;
   // Bytes by the full name of their file, which are found before what the disk has, if it has any.
   std::map<std::filesystem::path, std::string> filesInMemory;

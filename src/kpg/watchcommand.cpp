@@ -42,6 +42,7 @@ class PageWatch {
  public:
   explicit PageWatch(WatchOptions o) : options(std::move(o)), files(options.page) {
     options.files = &files;
+    options.written = &written;
     options.lines = true;
   }
 
@@ -140,10 +141,7 @@ class PageWatch {
   // A page that reads what it writes opens itself again and again, so all that its scripts write counts as one run's.
   Shown open() {
     PageRun page(options);
-    uintmax_t& writtenNow = page.player().shell.writtenByScripts;
-    writtenNow = written;
-    const auto noteRun = [&] {
-      written = writtenNow;
+    const auto noteFiles = [&] {
       dependencies.clear();
       for (const std::string& file : page.dependencies()) dependencies.emplace_back(file);
     };
@@ -152,10 +150,10 @@ class PageWatch {
       if (!page.load(options.page, warn)) throw page.refusal(options.page);
       for (const PageAction& action : options.actions) page.act(action);
     } catch (const KitError&) {
-      noteRun();
+      noteFiles();
       throw;
     }
-    noteRun();
+    noteFiles();
     opened = files.pageOf(options.page);
     for (const std::string& complaint : page.complaintsWithPlaces()) say(complaint);
     if (!page.stopped().empty()) throw KitError(options.page, page.stopped());
@@ -221,7 +219,7 @@ void addWatchCommand(CommandLine& line) {
       .between(1, 65535);
   command.add("--viewer", options->viewer, "Where the viewer is; by default where it is installed").type("FOLDER");
   command.add("--log", options->log, "Where to write what the console showed").type("FILE");
-  command.flag("--read-only", options->readOnly, "Let no script write a file");
+  addReadOnly(command, *options);
   addRunLimits(command, *options);
   addPageActions(command, [options](const PageAction& action) { options->actions.push_back(action); });
   command.runs([options] { watchPage(*options); });

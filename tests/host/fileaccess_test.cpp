@@ -54,6 +54,7 @@ class FileAccessTest : public PageTest {
 TEST_F(FileAccessTest, APageReadsAnythingAndWritesInItsFolderUnlessToldOtherwise) {
   EXPECT_EQ(opened("r", inside), "11111");
   EXPECT_EQ(opened("r", outside), "11111");
+  EXPECT_EQ(opened("r", {"pipe", "/dev/zero"}), "00");
   for (const char* mode : {"a", "r+", "w"}) {
     EXPECT_EQ(opened(mode, inside), "11111") << mode;
     EXPECT_EQ(opened(mode, outside), "00000") << mode;
@@ -131,7 +132,7 @@ TEST_F(FileAccessTest, NamesThatNoFileHasEndInAMessage) {
   for (int i = 0; i < 400; ++i) deep += "../";
   EXPECT_EQ(contents(deep + "etc/passwd"), "(none)");
   EXPECT_EQ(opened("w", {deep.substr(0, 201) + "tmp/made-by-a-page"}), "0");
-  EXPECT_EQ(opened("r", {"pipe"}), "0(silently)");  // as if it were not there
+  EXPECT_EQ(opened("r", {"pipe", "PIPE", "none.txt"}), "000(silently)");
   // A zero byte ends a name, for whoever judges it as for the system.
   EXPECT_EQ(opened("r", {"in.txt\\0.doc", "../../outside.txt\\0in.txt"}), "10");
   EXPECT_EQ(opened("w", {"in.txt\\0/../../../new.txt", "../../new.txt\\0in.txt"}), "10");

@@ -60,7 +60,7 @@ TEST_F(SessionTest, WhatScriptsWriteCountsOverAllOpenings) {
         "p.yaml",
         "flags: 16bit\npage:\n  onLoad: |\n    f = new File(\"own.txt\", \"w\");\n    f.Display(\"12345\");\n" + rest);
   };
-  const auto written = [](Session& session) { return session.run()->player().shell.writtenByScripts; };
+  const auto written = [](Session& session) { return *session.run()->player().shell.writtenByScripts; };
   page("");
   Session session(at("p.yaml"));
   ASSERT_TRUE(session.restart());

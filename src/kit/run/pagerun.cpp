@@ -57,6 +57,7 @@ ThreadFolders foldersWithSources(const std::string& page, const RunLimits& limit
 
 PageRun::PageRun(const PageRunOptions& options) : lines(options.lines), desktop(options) {
   desktop.shell.access = accessOf(options);
+  if (options.written) desktop.shell.writtenByScripts = options.written;
   if (!desktop.start()) throw std::bad_alloc();
   desktop.watchScripts(lines ? &places : nullptr);
   desktop.settle();

@@ -26,8 +26,9 @@ struct PagePicture {
 };
 
 struct PageRunOptions : RunLimits {
-  bool lines = false;          // tracebacks say where their code was written, as " at FILE:LINE"
-  MadeFiles* files = nullptr;  // as for PageRun::use
+  bool lines = false;            // tracebacks say where their code was written, as " at FILE:LINE"
+  MadeFiles* files = nullptr;    // as for PageRun::use
+  uintmax_t* written = nullptr;  // bytes that scripts have written, for runs that count together
 };
 
 // What a page, opened by that path, may open by name under these limits, beside what lies in its folder.

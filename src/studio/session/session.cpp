@@ -24,10 +24,8 @@ std::unique_ptr<PageRun> Session::open() {
   files.begin();
   PageRunOptions runOptions = options;
   runOptions.files = &files;
+  runOptions.written = &written;
   auto run = std::make_unique<PageRun>(runOptions);
-  const auto writtenIn = [](PageRun& r) -> uintmax_t& { return r.player().shell.writtenByScripts; };
-  if (current) written = std::max(written, writtenIn(*current));
-  writtenIn(*run) = written;
   if (options.prepare) options.prepare(*run);
   bool loaded = false;
   try {
@@ -36,7 +34,6 @@ std::unique_ptr<PageRun> Session::open() {
   } catch (const KitError& e) {
     problems = e.messages;
   }
-  written = writtenIn(*run);
   read.clear();
   for (const std::string& file : run->dependencies()) read.push_back(file);
   return loaded ? std::move(run) : nullptr;

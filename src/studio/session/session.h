@@ -61,10 +61,10 @@ class Session {
   const std::string page;
   const SessionOptions options;
   LiveFiles files;
+  uintmax_t written = 0;  // bytes, by scripts in all runs: a page that writes what it reads is opened again and again
   std::unique_ptr<PageRun> current;
   uint64_t timesOpened = 0;
-  uintmax_t written = 0;  // bytes, by scripts in all runs: a page that writes what it reads is opened again and again
-  KeptState opened;       // right after the load
+  KeptState opened;  // right after the load
   Recording done;
   std::vector<KitMessage> problems, remarks;
   std::vector<std::filesystem::path> read;  // by the last attempt to open the page
