@@ -36,7 +36,6 @@ constexpr const char* kScripts[] = {"widgets.a.Show();",
                                     "widgets.a.x = 700; widgets.a.Show(); widgets.c.Hide();",
                                     "new Timer(function (e) { widgets.b.value = \"a\"; }, 3);",
                                     "topFrame.LoadPage(\"small\");"};
-constexpr const char* kSelf = "p";
 constexpr const char* kLoadSelf = "topFrame.LoadPage(\"p\");";
 constexpr const char* kKeys[] = {"Up",     "Down",      "Left", "Right", "Select", "Clear",   "Backspace",
                                  "UpLeft", "DownRight", "1",    "0",     "S",      "UpRight", "DownLeft"};
@@ -66,7 +65,6 @@ constexpr const char* kWhole[] = {
     "widgets.a.AddElement(3); widgets.b.AddElement(3); widgets.c.highlightSrc = \"p.gif\";",
     "gc();"};
 constexpr uint32_t kFirstEngineEvent = 0x4040001, kEngineEvents = 0x18;
-constexpr int kMostLoads = 8;
 constexpr int kMostDepth = 4, kMostObjects = 30, kMostActions = 16;
 
 const std::string& compiled(const char* script) {
@@ -238,23 +236,6 @@ void makeFiles() {
   small.root = {0, 0, 50, 50, {{"type", textOf("group")}, {"start", textOf("b")}, {"children", children}}};
   WriteFile("small", writePage(small));
 }
-
-// Pages that hold themselves, or load themselves again and again, would take most of the time: after so many loads the
-// page is an empty one.
-class LoadLimit : public EngineObserver {
- public:
-  explicit LoadLimit(Engine& e) : engine(e) { engine.observer = this; }
-  ~LoadLimit() override { engine.observer = nullptr; }
-
-  void pageLoading(WidgetId, std::string_view) override {
-    static const std::vector<uint8_t> empty = writePage({});
-    if (++loads == kMostLoads) writeBytes(kSelf, empty.data(), empty.size());
-  }
-
- private:
-  Engine& engine;
-  int loads = 0;
-};
 
 }  // namespace
 

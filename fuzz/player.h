@@ -4,13 +4,37 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "folder.h"
 #include "gfx/foundation/hsdebug.h"
 #include "host/headless/headlessdesktop.h"
+#include "kit/source/pagewriter.h"
 
 // How many widgets of a page are looked at closely, which takes longer than most pages do.
 inline constexpr size_t kLookedAt = 5;
+
+// The file in which an input has its page, and by which that page can name itself.
+inline constexpr const char* kSelf = "p";
+
+// Pages that hold themselves, or load themselves again and again, would take most of the time: after so many loads the
+// page is an empty one.
+class LoadLimit : public EngineObserver {
+ public:
+  explicit LoadLimit(Engine& e) : engine(e) { engine.observer = this; }
+  ~LoadLimit() override { engine.observer = nullptr; }
+
+  void pageLoading(WidgetId, std::string_view) override {
+    constexpr int kMostLoads = 8;
+    static const std::vector<uint8_t> empty = writePage({});
+    if (++loads == kMostLoads) writeBytes(kSelf, empty.data(), empty.size());
+  }
+
+ private:
+  Engine& engine;
+  int loads = 0;
+};
 
 // As a block, since the console runs the first statement of a line alone.
 inline void typeStatements(HeadlessDesktop& desktop, const std::string& statements) {

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "engine/format/pagefile.h"
-#include "engine/page/frame.h"
 #include "engine/widgets/group.h"
 #include "kit/source/pagecut.h"
 
@@ -14,13 +13,15 @@ namespace {
 // Counts widgets as the engine makes them, until there are too many.
 class WidgetCount {
  public:
+  explicit WidgetCount(uint32_t most) : most(most) {}
+
   void add(const PageObject& record, int depth) {
     const char* type;
     PageTable children;
-    if (++count > kMaxPageWidgets || depth >= kMaxWidgetDepth) return;
+    if (++count > most || depth >= kMaxWidgetDepth) return;
     if (!readIf(record, "type", PageTag::string, &type) || std::strcmp(type, "group") != 0) return;
     if (!readIf(record, "children", PageTag::table, &children)) return;
-    for (uint32_t i = 0; i < children.count() && count <= kMaxPageWidgets; ++i)
+    for (uint32_t i = 0; i < children.count() && count <= most; ++i)
       if (const PageObject child = children.object(i)) add(child, depth + 1);
   }
 
@@ -36,18 +37,20 @@ class WidgetCount {
     const auto a = attrFind(record, name);
     return a && PageTag(a->tag) == tag && attrTable(*a, table);
   }
+
+  const uint32_t most;
 };
 
 }  // namespace
 
-bool pageHasTooManyWidgets(std::vector<uint8_t> bytes) {
+bool pageHasTooManyWidgets(std::vector<uint8_t> bytes, uint32_t most) {
   const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
   if (!text.starts_with(kPageMagic)) return false;  // the check would log it
   if (!pageCheck(bytes.data(), bytes.size())) return false;
   const PageData page(std::move(bytes));
-  WidgetCount widgets;
+  WidgetCount widgets(most);
   widgets.add(pageRoot(page), 0);
-  return widgets.count > kMaxPageWidgets;
+  return widgets.count > most;
 }
 
 std::vector<KitMessage> pageProblems(const std::string& path, const std::vector<uint8_t>& bytes) {
