@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <set>
 
 #include "engine/format/pagefile.h"
@@ -214,7 +215,8 @@ class Dumper {
   // Once for all attributes that lead to the same bytes.
   void list(std::string_view records, int indent) {
     if (!listed.insert(records.data()).second) return;
-    const std::string listing = listScript(records);
+    if (!lister) lister = std::make_unique<ScriptLister>();
+    const std::string listing = lister->list(records);
     for (size_t at = 0; at < listing.size();) {
       const size_t end = std::min(listing.find('\n', at), listing.size());
       line(indent, commented(std::string_view(listing).substr(at, end - at)));
@@ -280,7 +282,8 @@ class Dumper {
   const size_t most;  // megabytes
   std::string out;
   size_t objects = 0;
-  std::set<const char*> listed;  // scripts
+  std::set<const char*> listed;          // scripts
+  std::unique_ptr<ScriptLister> lister;  // once there is one to list
 };
 
 }  // namespace

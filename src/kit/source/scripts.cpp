@@ -66,11 +66,11 @@ ScriptFile compileScriptFile(const std::string& path, const BobCodeNames& names)
   }
 }
 
-std::string listScript(std::string_view records) {
-  BobRuntime runtime;
-  BobTextStream listing;
+ScriptLister::ScriptLister() { bobSetStdout(runtime.interp, &listing); }
+
+std::string ScriptLister::list(std::string_view records) {
+  listing.text.clear();
   BobStringInput input(records);
-  bobSetStdout(runtime.interp, &listing);
   bobListRecords(runtime.interp, &input);
   return listing.text;
 }

@@ -51,5 +51,14 @@ class ScriptCompiler {
 // An object file of a source file, with its lines and without a name of its own. Throws KitError.
 ScriptFile compileScriptFile(const std::string& path, const BobCodeNames& names);
 
-// The instructions of compiled records, as far as they are sound.
-std::string listScript(std::string_view records);
+class ScriptLister {
+ public:
+  ScriptLister();
+
+  // The instructions of compiled records, as far as they are sound.
+  std::string list(std::string_view records);
+
+ private:
+  BobRuntime runtime;
+  BobTextStream listing;
+};
