@@ -36,7 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (desktop.shell.loadPage(kSelf)) desktop.settle();
   for (size_t i = 0; i < data[0]; ++i) act(desktop, actions[i]);
   lookAtAll(desktop.shell.engine, kLookedAt);
-  if (data[size - 1] % 4 != 0) return 0;  // writing its source takes longer than most pages do
+  if (data[size - 1] % 16 != 0) return 0;  // writing its source takes longer than most pages do
   try {
     dumpPage(kSelf, bytes);
     outlineJson(outlinePage(kSelf, bytes));
