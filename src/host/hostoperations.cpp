@@ -178,7 +178,7 @@ HostFile* hostOpen(const char* name) {
     refuse(name, "it is outside the folders that the page may read");
     return nullptr;
   }
-  if (shell && isSpecial(path)) {
+  if (isSpecial(path)) {
     refuse(name, "it is no plain file");
     return nullptr;
   }
@@ -186,7 +186,7 @@ HostFile* hostOpen(const char* name) {
     refuse(name, "it is too large");
     return nullptr;
   }
-  if (isRegular(path)) file->disk.reset(openFile(path, "rb"));
+  if (!path.empty()) file->disk.reset(openFile(path, "rb"));
   if (!file->disk) {
     if (shell) shell->desktop.fileMissing(folder() / wanted);
     return nullptr;
