@@ -36,7 +36,7 @@ DisplaySurface::DisplaySurface(int w, int h, int firstDepth) : width(w), height(
 // False, and the old pixels, when the halt that reports it returns.
 bool DisplaySurface::allocatePixels(uint64_t size) {
   try {
-    pixels = std::vector<uint8_t>(size_t(size));
+    pixels.assign(size_t(size), 0);  // in the memory of the deeper screen before, if there was one
     return true;
   } catch (const std::bad_alloc&) {
     hostLog("Out of memory\n");
