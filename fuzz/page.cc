@@ -1,13 +1,9 @@
-// Page files: a page made of the input is read by the dumper, and loaded, drawn and driven with keys and time.
+// Page files: a page made of the input is loaded, drawn and driven with keys and time.
 //
 // The first byte says how many of the following are actions; what is left is the page. It lies under the name "p", so
 // that a page can hold itself. Tens of thousands of widgets, which tables that share their parts make of a few bytes,
-// take seconds to load and reach nothing new; and writing a source takes longer than most pages do, so the last byte
-// says whether it is done.
-#include "kit/errors.h"
-#include "kit/source/pagedump.h"
+// take seconds to load and reach nothing new.
 #include "kit/source/pagelimits.h"
-#include "kit/source/pageoutline.h"
 #include "player.h"
 #include "support/looking.h"
 
@@ -23,15 +19,6 @@ void act(HeadlessDesktop& desktop, uint8_t action) {
   desktop.settle();
 }
 
-void readAsSource(const std::vector<uint8_t>& page) {
-  try {
-    dumpPage(kSelf, page);
-    outlineJson(outlinePage(kSelf, page));
-    pageProblems(kSelf, page);
-  } catch (const KitError&) {
-  }
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -39,7 +26,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const uint8_t* actions = data + 1;
   const uint8_t* page = actions + data[0];
   const std::vector<uint8_t> bytes(page, data + size);
-  if (data[size - 1] % 16 == 0) readAsSource(bytes);
   if (pageHasTooManyWidgets(bytes, kMostWidgets)) return 0;
   HeadlessDesktop& desktop = playerWithoutPage();
   const LoadLimit limit(desktop.shell.engine);

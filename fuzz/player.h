@@ -13,7 +13,7 @@
 #include "kit/source/pagewriter.h"
 
 // How many widgets of a page are looked at closely, which takes longer than most pages do.
-inline constexpr size_t kLookedAt = 5;
+inline constexpr size_t kLookedAt = 3;
 
 // The file in which an input has its page, and by which that page can name itself.
 inline constexpr const char* kSelf = "p";
