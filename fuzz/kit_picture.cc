@@ -12,7 +12,8 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-constexpr size_t kFewPixels = 4096;  // beyond them only the reading is tried
+constexpr size_t kFewPixels = 4096;      // beyond them only the reading is tried
+constexpr size_t kManyPixels = 1 << 18;  // beyond them it takes long to make so many, and shows nothing new
 
 void check(bool holds) {
   if (!holds) std::abort();
@@ -30,6 +31,12 @@ void tryPicture(const Picture& picture, const Bytes& bytes) {
     check(isKitPng(written) && again.width == picture.width && again.height == picture.height);
     for (size_t i = 0; i < again.pixels.size(); ++i) check(((again.pixels[i] ^ picture.pixels[i]) & 0xFFFFFF) == 0);
   }
+}
+
+void tryGif(const Bytes& bytes) {
+  const GifSummary summary = summarizeGif("f", bytes);
+  const uint64_t pixels = uint64_t{summary.width} * summary.height;
+  if (pixels <= kManyPixels || pixels > kMaxPicturePixels) tryPicture(decodeGif("f", bytes), bytes);
 }
 
 void tryKpx(const KpxFile& picture) {
@@ -53,8 +60,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   isKitPng(bytes);
   for (const auto& read : {
            +[](const Bytes& b) { tryPicture(decodePng("f", b), b); },
-           +[](const Bytes& b) { tryPicture(decodeGif("f", b), b); },
-           +[](const Bytes& b) { summarizeGif("f", b); },
+           +[](const Bytes& b) { tryGif(b); },
            +[](const Bytes& b) { tryKpx(parseKpx("f", b)); },
            +[](const Bytes& b) { tryClut(b); },
        }) {
