@@ -3,17 +3,19 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <string_view>
 
 namespace {
 
 bool isControl(char c) { return uint8_t(c) < ' ' || c == '\x7F'; }
 
+bool isLetterOrDigit(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'); }
+
 // Whether the text can do without quotes anywhere. Not every such text is found: quotes do no harm.
 bool isPlainText(const std::string& text) {
   constexpr std::array kOtherThings{"null", "Null", "NULL"};
   const auto isWordCharacter = [](char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '.' ||
-           c == '/' || c == '-';
+    return isLetterOrDigit(c) || c == '_' || c == '.' || c == '/' || c == '-';
   };
   if (text.empty() || !isWordCharacter(text.front()) || !isWordCharacter(text.back())) return false;
   if (text.front() == '-' && (text.size() == 1 || text[1] < '0' || text[1] > '9')) return false;
@@ -24,13 +26,21 @@ bool isPlainText(const std::string& text) {
   });
 }
 
+// The tag before a value, in angle brackets where it wouldn't be read as one without.
+std::string tagWord(const std::string& tag) {
+  constexpr std::string_view kMarks = "!#;/?:@&=+$_.~*'()%-";
+  const auto isOfTags = [&](char c) { return isLetterOrDigit(c) || kMarks.find(c) != kMarks.npos; };
+  const bool isPlain = tag.starts_with('!') && std::all_of(tag.begin(), tag.end(), isOfTags);
+  return isPlain ? tag : "!<" + tag + ">";
+}
+
 class YamlWriter {
  public:
   std::string out;
 
   // After "key:" or "-"; `indent` is where a map or list begins on lines of its own.
   void value(const YamlNode& node, int indent) {
-    const std::string tag = node.tag.empty() ? "" : " " + node.tag;
+    const std::string tag = node.tag.empty() ? "" : " " + tagWord(node.tag);
     switch (node.kind) {
       case YamlNode::Kind::null: out += tag + "\n"; break;
       case YamlNode::Kind::scalar: scalar(node, tag, indent); break;

@@ -42,9 +42,9 @@ TEST(ReadYaml, NodesKnowWhereTheyWereWrittenAndHow) {
 
 // A tag may end where a quote begins, stand lines above its text, or have none.
 TEST(ReadYaml, ATextBeginsAfterItsTagWhereverThatIs) {
-  EXPECT_EQ(shown(parseYaml("f", "a: !t\nb: !u # why\n  \"two\n  lines\"\nc: !v'q'\n\"d\": !w\"r\"\n")),
-            "{a=!tp''@1:4+1 b=!uq'two lines'@2:4+3 c=!v'q'p''@5:4+5 d=!wq'r'@6:6+6}");
-  for (const char* text : {"!t", "!t 'x'", "a: !t\n\"b\": 1\n", "- !t\n- !t >\n"}) {
+  EXPECT_EQ(shown(parseYaml("f", "a: !t\nb: !u # why\n  \"two\n  lines\"\nc: !v'q'\n\"d\": !w\"r\"\ne: !<x> f\n")),
+            "{a=!tp''@1:4+1 b=!uq'two lines'@2:4+3 c=!v'q'p''@5:4+5 d=!wq'r'@6:6+6 e=xp'f'@7:4+7}");
+  for (const char* text : {"!t", "!t 'x'", "a: !t\n\"b\": 1\n", "- !t\n- !t >\n", "!<::>x y"}) {
     const YamlNode node = parseYaml("f", text);
     EXPECT_TRUE(isSameYaml(parseYaml("f", writeYaml(node)), node)) << text;
   }

@@ -31,7 +31,8 @@ class RandomTrees {
   YamlNode node(int depth) {
     YamlNode node;
     node.kind = YamlNode::Kind(pick(depth > 0 ? 4 : 2));
-    if (pick(5) == 0) node.tag = pick(2) ? "!int" : "!table";
+    static const char* const tags[] = {"!int", "!table", "!!str", "::", "tag:a.net,2026:b", "!a,b"};
+    if (pick(5) == 0) node.tag = tags[pick(std::size(tags))];
     if (node.isScalar()) {
       node.text = text();
       node.style = pick(2) ? YamlNode::Style::plain : YamlNode::Style::quoted;
