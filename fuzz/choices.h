@@ -29,3 +29,11 @@ class Choices {
  private:
   const uint8_t *at, *end;
 };
+
+// Whether the input is one of so many, for what takes long. It goes by a hash, so that what a mutation makes of such an
+// input mostly isn't one, too; otherwise they would soon be the most that are kept, since they reach more.
+inline bool isOneOf(uint32_t many, const uint8_t* data, size_t size) {
+  uint32_t hash = 2166136261u;  // FNV-1a
+  for (size_t i = 0; i < size; ++i) hash = (hash ^ data[i]) * 16777619u;
+  return hash % many == 0;
+}

@@ -17,6 +17,7 @@ namespace {
 constexpr uint32_t kFormats[] = {kFontFormat_TrueType, kFontFormat_TrueType, kFontFormat_SfntInRam,
                                  kFontFormat_BitmapOnly};
 constexpr uint16_t kWidth = 160, kHeight = 48;
+constexpr int kMostTexts = 6;
 
 class Canvas {
  public:
@@ -76,7 +77,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
       hsGFontRegistry::RegisterMemory(uint32_t(data + size - font), font, false, choices.pick(kFormats));
   if (id != 0) {
     Canvas canvas(id);
-    for (int texts = 0; !choices.isEmpty() && texts < 16; ++texts) canvas.text(choices);
+    for (int texts = 0; !choices.isEmpty() && texts < kMostTexts; ++texts) canvas.text(choices);
   }
   hsGFontRegistry::Reset();
   return 0;

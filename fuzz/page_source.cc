@@ -1,5 +1,6 @@
-// Page sources, beside two files of scripts: what builds is dumped, has an outline, doesn't differ from itself, and is
-// checked.
+// Page sources, beside two files of scripts: what builds is dumped and has an outline. Some, for it takes a player, are
+// also checked, and don't differ from themselves.
+#include "choices.h"
 #include "folder.h"
 #include "kit/check/checkpage.h"
 #include "kit/diff/pagediff.h"
@@ -30,6 +31,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const BuiltPage built = compilePage("p.yaml", [](const KitMessage&) {}, {.lines = size % 2 == 0});
     outlineJson(outlinePage("p.yaml", built.bytes, built.places));
     dumpPage("p.kpg", built.bytes);
+    if (!isOneOf(16, data, size)) return 0;
     if (!pageDifferences("p.yaml", "p.yaml").empty()) __builtin_trap();
     checkPageSource("p.yaml");
   } catch (const KitError&) {

@@ -2,6 +2,7 @@
 //
 // The first byte chooses the page, each of the following is one action; bytes from 0x80 on are lines of the console,
 // whose statements take their pieces from the bytes after it.
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -15,7 +16,7 @@ namespace {
 
 constexpr size_t kEventsBetweenLooks = 400;
 
-constexpr int kMostActions = 20;
+constexpr int kMostActions = 12, kMostWait = 20;  // milliseconds of all waits, in each of which timers fire
 
 constexpr const char* kKeys[] = {"Up", "Down", "Left", "Right", "Select", "Clear", "1", "2", "5", "S"};
 constexpr const char* kObjects[] = {"widgets.a", "widgets.b", "widgets.nest",  "topFrame", "frame",
@@ -108,12 +109,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const LookingObserver observer(desktop.shell.engine, kEventsBetweenLooks, kLookedAt);
   desktop.typeLine("KOVA.f = function (e) { return nil; };");
   desktop.shell.loadPage(input.byte() & 1 ? "one.kpg" : "two.kpg");
+  int left = kMostWait;
   for (int actions = 0; !input.isEmpty() && actions < kMostActions; ++actions) {
     const uint8_t action = input.byte();
     if (action >= 0x80) {
       typeStatements(desktop, lineOf(input));
     } else if (action >= 0x60) {
-      desktop.wait(action - 0x60u);
+      const int wait = std::min(action - 0x60, left);
+      left -= wait;
+      desktop.wait(uint32_t(wait));
     } else {
       desktop.key(kKeys[action % std::size(kKeys)]);
       desktop.settle();
