@@ -23,7 +23,7 @@ std::unique_ptr<BobStream> openInput(const char*, const char*) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  const FuzzInterp interp;
+  BobInterp* const interp = fuzzInterp();
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);
   bobTry(interp, [&] {
     BobStringInput input(bytes);

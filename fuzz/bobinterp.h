@@ -1,22 +1,31 @@
-// An interpreter of the player's size without files, for one input of a fuzz target. A script that doesn't end is
-// ended, in the ordinary builds, too, where the corpus is a test.
+// An interpreter of the player's size without files, for fuzz targets. A script that doesn't end is ended, in the
+// ordinary builds, too, where the corpus is a test. One serves a few inputs, since making it takes longer than most of
+// them do.
 #pragma once
+
+#include <memory>
 
 #include "bob/bob.h"
 
-struct FuzzInterp {
-  FuzzInterp() : interp(bobMakeInterp(102400, 0, 65536)) {
-    bobRegisterGlobals(interp);
-    bobInitCompiler(interp);
-    bobRestOften(interp, 20'000);
-    bobSetRest(interp, [](BobInterp* i) { bobRaise(i, kBobExit); });
-    bobSetOpenFile(interp, [](const char*, const char*) { return std::unique_ptr<BobStream>(); });
-  }
-  ~FuzzInterp() {
-    bobCollect(interp);
-    bobDestroyInterp(interp);
-  }
-  operator BobInterp*() const { return interp; }
+inline BobInterp* makeFuzzInterp() {
+  BobInterp* interp = bobMakeInterp(102400, 0, 65536);
+  bobRegisterGlobals(interp);
+  bobInitCompiler(interp);
+  bobRestOften(interp, 20'000);
+  bobSetRest(interp, [](BobInterp* i) { bobRaise(i, kBobExit); });
+  return interp;
+}
 
-  BobInterp* interp;
-};
+inline void destroyFuzzInterp(BobInterp* interp) {
+  bobCollect(interp);
+  bobDestroyInterp(interp);
+}
+
+inline BobInterp* fuzzInterp() {
+  constexpr int kInputsOfAnInterp = 8;
+  static std::unique_ptr<BobInterp, void (*)(BobInterp*)> interp(nullptr, destroyFuzzInterp);
+  static int inputs = 0;
+  if (inputs++ % kInputsOfAnInterp == 0) interp.reset(makeFuzzInterp());
+  bobSetOpenFile(interp.get(), [](const char*, const char*) { return std::unique_ptr<BobStream>(); });
+  return interp.get();
+}

@@ -27,7 +27,7 @@ inline void roundTrip(BobInterp* interp, BobValue method) {
 }
 
 inline void tryProgram(std::string_view text) {
-  const FuzzInterp interp;
+  BobInterp* const interp = fuzzInterp();
   bobTry(interp, [&] {
     BobStringInput input(text);
     BobStatementReader statements(bobRootScope(interp), &input);
