@@ -128,8 +128,7 @@ class TreeBuilder : public YAML::EventHandler {
   // A tag ends before what can't be in one, white space or not.
   size_t endOfTag(size_t at) const {
     if (text.compare(at, 2, "!<") == 0) return std::min(text.find('>', at), text.size() - 1) + 1;
-    return text.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-!#;/?:@&=+$_.~*'()%",
-                                  at);
+    return text.find_first_not_of(kYamlTagCharacters, at);
   }
 
   // The first place from `at` on, which may be npos, that is neither white space nor a comment's.

@@ -3,19 +3,17 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <string_view>
 
 namespace {
 
 bool isControl(char c) { return uint8_t(c) < ' ' || c == '\x7F'; }
 
-bool isLetterOrDigit(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'); }
-
 // Whether the text can do without quotes anywhere. Not every such text is found: quotes do no harm.
 bool isPlainText(const std::string& text) {
   constexpr std::array kOtherThings{"null", "Null", "NULL"};
   const auto isWordCharacter = [](char c) {
-    return isLetterOrDigit(c) || c == '_' || c == '.' || c == '/' || c == '-';
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '.' ||
+           c == '/' || c == '-';
   };
   if (text.empty() || !isWordCharacter(text.front()) || !isWordCharacter(text.back())) return false;
   if (text.front() == '-' && (text.size() == 1 || text[1] < '0' || text[1] > '9')) return false;
@@ -28,9 +26,7 @@ bool isPlainText(const std::string& text) {
 
 // The tag before a value, in angle brackets where it wouldn't be read as one without.
 std::string tagWord(const std::string& tag) {
-  constexpr std::string_view kMarks = "!#;/?:@&=+$_.~*'()%-";
-  const auto isOfTags = [&](char c) { return isLetterOrDigit(c) || kMarks.find(c) != kMarks.npos; };
-  const bool isPlain = tag.starts_with('!') && std::all_of(tag.begin(), tag.end(), isOfTags);
+  const bool isPlain = tag.starts_with('!') && tag.find_first_not_of(kYamlTagCharacters) == tag.npos;
   return isPlain ? tag : "!<" + tag + ">";
 }
 

@@ -12,6 +12,10 @@
 
 #include "kit/errors.h"
 
+// What a tag is made of that isn't between angle brackets.
+inline constexpr std::string_view kYamlTagCharacters =
+    "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-!#;/?:@&=+$_.~*'()%";
+
 struct YamlUse;
 
 struct YamlPlace {
@@ -40,7 +44,7 @@ struct YamlNode {
 
   Kind kind = Kind::null;
   Style style = Style::plain;
-  std::string tag;             // as written, "!color", or empty; YAML's own !!str is "!!str"
+  std::string tag;             // "!color", or empty; YAML's own !!str is "!!str", and !<x> is "x"
   std::string text;            // of a scalar
   std::vector<YamlNode> list;  // of a list
   std::vector<YamlPair> map;   // of a map
