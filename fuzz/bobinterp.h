@@ -16,15 +16,11 @@ inline BobInterp* makeFuzzInterp() {
   return interp;
 }
 
-inline void destroyFuzzInterp(BobInterp* interp) {
-  bobCollect(interp);
-  bobDestroyInterp(interp);
-}
-
 inline BobInterp* fuzzInterp() {
   constexpr int kInputsOfAnInterp = 8;
-  static std::unique_ptr<BobInterp, void (*)(BobInterp*)> interp(nullptr, destroyFuzzInterp);
+  static std::unique_ptr<BobInterp, void (*)(BobInterp*)> interp(nullptr, bobDestroyInterp);
   static int inputs = 0;
+  if (interp) bobCollect(interp.get());
   if (inputs++ % kInputsOfAnInterp == 0) interp.reset(makeFuzzInterp());
   bobSetOpenFile(interp.get(), [](const char*, const char*) { return std::unique_ptr<BobStream>(); });
   return interp.get();

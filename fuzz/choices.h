@@ -4,7 +4,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <iterator>
+#include <string_view>
 
 class Choices {
  public:
@@ -33,7 +35,5 @@ class Choices {
 // Whether the input is one of so many, for what takes long. It goes by a hash, so that what a mutation makes of such an
 // input mostly isn't one, too; otherwise they would soon be the most that are kept, since they reach more.
 inline bool isOneOf(uint32_t many, const uint8_t* data, size_t size) {
-  uint32_t hash = 2166136261u;  // FNV-1a
-  for (size_t i = 0; i < size; ++i) hash = (hash ^ data[i]) * 16777619u;
-  return hash % many == 0;
+  return std::hash<std::string_view>()({reinterpret_cast<const char*>(data), size}) % many == 0;
 }
